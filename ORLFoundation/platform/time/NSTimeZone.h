@@ -1,0 +1,50 @@
+/// A zone of civil time: its offsets from GMT at every instant, from the system's zoneinfo, with the
+/// rule that continues after the last listed change. Each zone is read once per process into an
+/// immutable table; a zone object is shared and safe on any thread.
+#pragma once
+
+#include <ORLFoundation/platform/object/NSObject.h>
+#include <ORLFoundation/platform/value/NSDate.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace ORLFoundation {
+
+class ZoneTable;
+
+class NSTimeZone : public NSObject {
+ public:
+  /// `timeZoneWithName:`  "America/New_York", "UTC", "GMT+0530"; nil for a name that is unknown.
+  [[nodiscard]] static std::shared_ptr<NSTimeZone> timeZoneWithName(std::string_view name);
+  /// `timeZoneForSecondsFromGMT:`
+  [[nodiscard]] static std::shared_ptr<NSTimeZone> timeZoneForSecondsFromGMT(NSInteger seconds);
+  /// `systemTimeZone`  From TZ or the machine's setting; UTC when neither can be read.
+  [[nodiscard]] static std::shared_ptr<NSTimeZone> systemTimeZone();
+  /// `defaultTimeZone`  The zone of calendars that were given none; `systemTimeZone` until set.
+  [[nodiscard]] static std::shared_ptr<NSTimeZone> defaultTimeZone();
+  /// `setDefaultTimeZone:`  nil restores `systemTimeZone`.
+  static void setDefaultTimeZone(std::shared_ptr<NSTimeZone> zone);
+
+  /// `name`
+  [[nodiscard]] const std::string& name() const noexcept;
+  /// `secondsFromGMTForDate:`
+  [[nodiscard]] NSInteger secondsFromGMTForDate(NSDate date) const noexcept;
+  /// `isDaylightSavingTimeForDate:`
+  [[nodiscard]] bool isDaylightSavingTimeForDate(NSDate date) const noexcept;
+  /// `nextDaylightSavingTimeTransitionAfterDate:`  The next change of offset; nil when none follows.
+  [[nodiscard]] std::optional<NSDate> nextDaylightSavingTimeTransitionAfterDate(NSDate date) const;
+
+  bool isEqual(const NSObject* other) const override;
+  NSUInteger hash() const override;
+  std::string description() const override;
+
+  /// The immutable table behind the zone, for calendars.
+  [[nodiscard]] const ZoneTable& table() const noexcept { return *table_; }
+
+ private:
+  std::shared_ptr<const ZoneTable> table_;
+};
+
+}  // namespace ORLFoundation

@@ -1,0 +1,95 @@
+# One folder of the library is one target. `orlf_add_folder` declares its headers and sources, the
+# folders that it may include (USES) and the outside libraries that its sources call (LINKS, kept
+# private). It makes the object library orlf_<name>_objects, which the installed library is put
+# together from, the archive orlf_<name>, which tests link, and the tests, benchmarks and fuzzers
+# of the folder.
+include_guard(GLOBAL)
+
+define_property(GLOBAL PROPERTY ORLF_FOLDERS BRIEF_DOCS "Folders of the library" FULL_DOCS "Names")
+
+function(orlf_add_folder name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "HEADERS;SOURCES;USES;LINKS;TESTS;TEST_LINKS;BENCHMARKS;BENCHMARK_LINKS;FUZZERS")
+  if(arg_UNPARSED_ARGUMENTS)
+    message(FATAL_ERROR "orlf_add_folder(${name}): unknown arguments ${arg_UNPARSED_ARGUMENTS}")
+  endif()
+  file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
+  set_property(GLOBAL APPEND PROPERTY ORLF_FOLDERS ${name})
+  set_property(GLOBAL PROPERTY ORLF_FOLDER_${name}_PATH ${folder})
+  set_property(GLOBAL PROPERTY ORLF_FOLDER_${name}_USES ${arg_USES})
+
+  set(objects orlf_${name}_objects)
+  set(sources ${arg_SOURCES})
+  if(NOT sources)
+    file(CONFIGURE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/${name}_empty.cpp CONTENT "// Headers only.\n")
+    set(sources ${CMAKE_CURRENT_BINARY_DIR}/${name}_empty.cpp)
+  endif()
+  add_library(${objects} OBJECT ${sources})
+  target_sources(${objects} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${arg_HEADERS})
+  set_target_properties(${objects} PROPERTIES
+    POSITION_INDEPENDENT_CODE ON
+    VERIFY_INTERFACE_HEADER_SETS ON)
+  target_compile_features(${objects} PUBLIC cxx_std_20)
+  target_include_directories(${objects} PUBLIC ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${objects} PRIVATE orlf_build_flags ${arg_LINKS})
+
+  add_library(orlf_${name} STATIC $<TARGET_OBJECTS:${objects}>)
+  set_target_properties(orlf_${name} PROPERTIES LINKER_LANGUAGE CXX)
+  target_compile_features(orlf_${name} PUBLIC cxx_std_20)
+  target_include_directories(orlf_${name} PUBLIC ${PROJECT_SOURCE_DIR})
+  target_link_libraries(orlf_${name} PRIVATE ${arg_LINKS})
+  foreach(used IN LISTS arg_USES)
+    target_link_libraries(orlf_${name} PUBLIC orlf_${used})
+  endforeach()
+
+  if(ORLF_BUILD_TESTS AND arg_TESTS)
+    orlf_add_test(orlf_${name}_tests SOURCES ${arg_TESTS} LINKS orlf_${name} ${arg_TEST_LINKS})
+  endif()
+  if(ORLF_BUILD_BENCHMARKS)
+    foreach(source IN LISTS arg_BENCHMARKS)
+      orlf_add_benchmark(${source} LINKS orlf_${name} ${arg_BENCHMARK_LINKS})
+    endforeach()
+  endif()
+  if(ORLF_BUILD_FUZZERS)
+    foreach(source IN LISTS arg_FUZZERS)
+      orlf_add_fuzzer(${source} LINKS orlf_${name})
+    endforeach()
+  endif()
+endfunction()
+
+# A GoogleTest program; each of its tests is one ctest test.
+function(orlf_add_test name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE ${arg_LINKS} orlf_test_support orlf_build_flags GTest::gmock_main)
+  target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h> <nlohmann/json.hpp>)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST)
+endfunction()
+
+# A Google Benchmark program, run briefly as a test so that it keeps building and answering right.
+function(orlf_add_benchmark source)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LINKS")
+  get_filename_component(stem ${source} NAME_WE)
+  add_executable(${stem} ${source})
+  target_link_libraries(${stem} PRIVATE ${arg_LINKS} orlf_build_flags benchmark::benchmark_main)
+  set_property(GLOBAL APPEND PROPERTY ORLF_BENCHMARKS ${stem})
+  if(ORLF_BUILD_TESTS)
+    add_test(NAME benchmark_${stem} COMMAND ${stem} --benchmark_min_time=0.001)
+  endif()
+endfunction()
+
+# A libFuzzer program where the compiler has it (preset fuzz), else a program that replays its seeds.
+function(orlf_add_fuzzer source)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LINKS")
+  get_filename_component(stem ${source} NAME_WE)
+  if(ORLF_LIBFUZZER)
+    add_executable(${stem} ${source})
+    target_link_options(${stem} PRIVATE -fsanitize=fuzzer)
+  else()
+    add_executable(${stem} ${source} ${PROJECT_SOURCE_DIR}/tests/support/ReplaySeeds.cpp)
+  endif()
+  target_link_libraries(${stem} PRIVATE ${arg_LINKS} orlf_build_flags)
+  set_property(GLOBAL APPEND PROPERTY ORLF_FUZZERS ${stem})
+  if(ORLF_BUILD_TESTS AND EXISTS ${PROJECT_SOURCE_DIR}/tests/data/fuzz/${stem})
+    add_test(NAME seeds_${stem} COMMAND ${stem} -runs=0 ${PROJECT_SOURCE_DIR}/tests/data/fuzz/${stem})
+  endif()
+endfunction()
