@@ -1,0 +1,14 @@
+#include <ORLFoundation/platform/object/NSLog.h>
+#include <ORLFoundation/support/ORLFCondition.h>
+
+#include <string>
+
+namespace ORLFoundation {
+
+void ORLFLogFailedCondition(std::string_view text, std::string_view message) {
+  std::string line = "Condition Failed: ";
+  line.append(text).append(" ").append(message);
+  NSLog(line);
+}
+
+}  // namespace ORLFoundation
