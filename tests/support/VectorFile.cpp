@@ -1,0 +1,288 @@
+#include <gtest/gtest.h>
+#include <tests/support/VectorFile.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <unordered_set>
+
+namespace orlftest {
+namespace {
+
+constexpr std::size_t kShownDisagreements = 20;
+
+/// Counts rows and keeps what failed.
+class Reporter {
+ public:
+  explicit Reporter(const std::filesystem::path& file) { report_.file = file.filename().string(); }
+
+  void fail(const std::string& row, const std::string& message) {
+    ++report_.failed;
+    report_.disagreements.push_back(report_.file + ": " + row + ": " + message);
+  }
+
+  /// Runs one row; whatever it throws or answers is its failure.
+  template <typename Check>
+  void run(const std::string& place, Check check) {
+    ++report_.rows;
+    std::string id;
+    std::string message;
+    try {
+      message = check(id);
+    } catch (const std::exception& error) {
+      message = std::string("exception: ") + error.what();
+    } catch (...) {
+      message = "exception of an unknown kind";
+    }
+    if (!message.empty()) fail(id.empty() ? place : id, message);
+  }
+
+  void noteId(const std::string& id) {
+    if (id.empty()) throw std::runtime_error("the row has no id");
+    if (!ids_.insert(id).second) throw std::runtime_error("the id comes twice");
+  }
+
+  VectorReport finish() {
+    if (report_.rows == 0 && report_.failed == 0) fail("the file", "no rows");
+    return std::move(report_);
+  }
+
+ private:
+  VectorReport report_;
+  std::unordered_set<std::string> ids_;
+};
+
+std::vector<std::string> splitAtTabs(const std::string& line) {
+  std::vector<std::string> fields;
+  std::size_t start = 0;
+  for (;;) {
+    const std::size_t tab = line.find('\t', start);
+    fields.push_back(line.substr(start, tab - start));
+    if (tab == std::string::npos) return fields;
+    start = tab + 1;
+  }
+}
+
+void appendUtf8(std::string& text, std::uint32_t code) {
+  const auto byte = [&text](std::uint32_t value) { text.push_back(static_cast<char>(value)); };
+  if (code < 0x80) {
+    byte(code);
+  } else if (code < 0x800) {
+    byte(0xC0 | (code >> 6));
+    byte(0x80 | (code & 0x3F));
+  } else if (code < 0x10000) {
+    byte(0xE0 | (code >> 12));
+    byte(0x80 | ((code >> 6) & 0x3F));
+    byte(0x80 | (code & 0x3F));
+  } else {
+    byte(0xF0 | (code >> 18));
+    byte(0x80 | ((code >> 12) & 0x3F));
+    byte(0x80 | ((code >> 6) & 0x3F));
+    byte(0x80 | (code & 0x3F));
+  }
+}
+
+/// Reads "{HEX}" at the start of the text, appends its character, answers how much was read.
+std::size_t appendCodePoint(std::string& text, std::string_view braced) {
+  const std::size_t end = braced.find('}');
+  std::uint32_t code = 0;
+  if (braced.empty() || braced.front() != '{' || end == std::string_view::npos)
+    throw std::runtime_error("\\u without {HEX}");
+  const char* const last = braced.data() + end;
+  const auto [stop, error] = std::from_chars(braced.data() + 1, last, code, 16);
+  if (error != std::errc() || stop != last || code > 0x10FFFF)
+    throw std::runtime_error("\\u{...} holds no code point");
+  appendUtf8(text, code);
+  return end + 1;
+}
+
+TsvRow readRow(const std::string& line, const std::vector<std::string>& columns) {
+  TsvRow row;
+  row.columns = &columns;
+  for (const std::string& field : splitAtTabs(line)) {
+    if (field == "\\N")
+      row.fields.push_back(std::nullopt);
+    else
+      row.fields.push_back(unescapedField(field));
+  }
+  if (row.fields.size() != columns.size())
+    throw std::runtime_error(std::to_string(row.fields.size()) + " fields, expected " +
+                             std::to_string(columns.size()));
+  row.id = row.text("id");
+  return row;
+}
+
+template <typename Integer>
+Integer parsedInteger(std::string_view column, const std::string& text) {
+  Integer value = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, value);
+  if (text.empty() || error != std::errc() || stop != end)
+    throw std::runtime_error(std::string(column) + " is no whole number: " + text);
+  return value;
+}
+
+std::string runJsonRow(const Json& row, const JsonChecks& checkByOperation) {
+  for (const char* key : {"op", "in", "out"})
+    if (!row.contains(key)) throw std::runtime_error(std::string("the row has no ") + key);
+  const auto& operation = row.at("op").get_ref<const std::string&>();
+  const auto check = checkByOperation.find(operation);
+  if (check == checkByOperation.end()) return "unknown operation " + operation;
+  const std::string message = check->second(row.at("in"), row.at("out"));
+  return message.empty() ? message : operation + ": " + message;
+}
+
+template <typename Run>
+void runInTest(const std::string& name, Run run) {
+  const std::filesystem::path file = vectorFolder() / name;
+  if (std::getenv("ORLF_VECTORS") != nullptr && std::filesystem::is_directory(vectorFolder()) &&
+      !std::filesystem::exists(file))
+    GTEST_SKIP() << name << " is not among the vectors of this run";
+  const VectorReport report = run(file);
+  const std::size_t shown = std::min(report.disagreements.size(), kShownDisagreements);
+  for (std::size_t index = 0; index < shown; ++index)
+    std::cout << report.disagreements[index] << '\n';
+  std::cout << report.closingLine() << std::endl;
+  EXPECT_TRUE(report.passed()) << report.closingLine();
+}
+
+}  // namespace
+
+const std::optional<std::string>& TsvRow::operator[](std::string_view column) const {
+  const auto found = std::find(columns->begin(), columns->end(), column);
+  if (found == columns->end()) throw std::out_of_range("no column " + std::string(column));
+  return fields[static_cast<std::size_t>(found - columns->begin())];
+}
+
+bool TsvRow::hasColumn(std::string_view column) const {
+  return std::find(columns->begin(), columns->end(), column) != columns->end();
+}
+
+const std::string& TsvRow::text(std::string_view column) const {
+  const auto& field = (*this)[column];
+  if (!field) throw std::runtime_error(std::string(column) + " is nil");
+  return *field;
+}
+
+std::int64_t TsvRow::integer(std::string_view column) const {
+  return parsedInteger<std::int64_t>(column, text(column));
+}
+
+std::uint64_t TsvRow::unsignedInteger(std::string_view column) const {
+  return parsedInteger<std::uint64_t>(column, text(column));
+}
+
+double TsvRow::real(std::string_view column) const {
+  const std::string& field = text(column);
+  char* end = nullptr;
+  const double value = std::strtod(field.c_str(), &end);
+  if (field.empty() || end != field.c_str() + field.size())
+    throw std::runtime_error(std::string(column) + " is no number: " + field);
+  return value;
+}
+
+bool TsvRow::boolean(std::string_view column) const {
+  const std::string& field = text(column);
+  if (field != "true" && field != "false")
+    throw std::runtime_error(std::string(column) + " is neither true nor false: " + field);
+  return field == "true";
+}
+
+std::string VectorReport::closingLine() const {
+  return file + ": " + std::to_string(rows) + " rows run, " + std::to_string(failed) + " failed";
+}
+
+VectorReport checkTsvFile(const std::filesystem::path& file, const TsvCheck& check) {
+  Reporter reporter(file);
+  std::ifstream stream(file);
+  std::string line;
+  if (!std::getline(stream, line)) {
+    reporter.fail("the file", "cannot be read");
+    return reporter.finish();
+  }
+  const std::vector<std::string> columns = splitAtTabs(line);
+  for (std::size_t number = 2; std::getline(stream, line); ++number) {
+    reporter.run("line " + std::to_string(number), [&](std::string& id) {
+      const TsvRow row = readRow(line, columns);
+      id = row.id;
+      reporter.noteId(id);
+      return check(row);
+    });
+  }
+  return reporter.finish();
+}
+
+VectorReport checkJsonFile(const std::filesystem::path& file, const JsonChecks& checkByOperation) {
+  Reporter reporter(file);
+  std::ifstream stream(file);
+  if (!stream) reporter.fail("the file", "cannot be read");
+  std::string line;
+  for (std::size_t number = 1; std::getline(stream, line); ++number) {
+    reporter.run("line " + std::to_string(number), [&](std::string& id) {
+      const Json row = Json::parse(line);
+      id = row.at("id").get<std::string>();
+      reporter.noteId(id);
+      return runJsonRow(row, checkByOperation);
+    });
+  }
+  return reporter.finish();
+}
+
+void runTsvVectors(const std::string& stem, const TsvCheck& check) {
+  runInTest(stem + ".tsv", [&](const auto& file) { return checkTsvFile(file, check); });
+}
+
+void runJsonVectors(const std::string& stem, const JsonChecks& checkByOperation) {
+  runInTest(stem + ".jsonl",
+            [&](const auto& file) { return checkJsonFile(file, checkByOperation); });
+}
+
+std::filesystem::path vectorFolder() {
+  const char* const given = std::getenv("ORLF_VECTORS");
+  return given != nullptr ? given : ORLF_SOURCE_DIR "/tests/data/vectors";
+}
+
+std::string unescapedField(std::string_view field) {
+  std::string text;
+  for (std::size_t at = 0; at < field.size(); ++at) {
+    if (field[at] != '\\') {
+      text.push_back(field[at]);
+      continue;
+    }
+    if (++at == field.size()) throw std::runtime_error("a backslash ends the field");
+    switch (field[at]) {
+      case 't':
+        text.push_back('\t');
+        break;
+      case 'n':
+        text.push_back('\n');
+        break;
+      case 'r':
+        text.push_back('\r');
+        break;
+      case '\\':
+        text.push_back('\\');
+        break;
+      case 'u':
+        at += appendCodePoint(text, field.substr(at + 1));
+        break;
+      default:
+        throw std::runtime_error(std::string("unknown escape \\") + field[at]);
+    }
+  }
+  return text;
+}
+
+std::string disagreement(const std::optional<std::string>& expected,
+                         const std::optional<std::string>& actual) {
+  if (expected == actual) return {};
+  const auto shown = [](const std::optional<std::string>& text) {
+    return text ? '"' + *text + '"' : std::string("nil");
+  };
+  return "expected " + shown(expected) + ", got " + shown(actual);
+}
+
+}  // namespace orlftest
