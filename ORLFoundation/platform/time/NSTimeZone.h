@@ -7,6 +7,7 @@
 #include <ORLFoundation/platform/value/NSDate.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
