@@ -63,7 +63,8 @@ function(orlf_add_test name)
   # Helpers first: what they call in a folder is found in the archives after them.
   target_link_libraries(${name} PRIVATE orlf_test_support ${arg_LINKS} orlf_build_flags GTest::gmock_main)
   target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h> <nlohmann/json.hpp>)
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES
+    PROPERTIES TIMEOUT ${ORLF_TEST_TIMEOUT})
 endfunction()
 
 # A Google Benchmark program, run briefly as a test so that it keeps building and answering right.

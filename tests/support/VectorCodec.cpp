@@ -194,6 +194,10 @@ NSDateComponents componentsFromVector(const std::string& text) {
   return components;
 }
 
+NSDateComponents componentsFromVector(const char* text) {
+  return componentsFromVector(std::string(text));
+}
+
 NSDateComponents componentsFromVector(const Json& object) {
   NSDateComponents components;
   for (const auto& item : object.items())

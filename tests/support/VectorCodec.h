@@ -36,6 +36,7 @@ namespace orlftest {
 
 /// "year=2024 month=1 day=31", or the same as a JSON object; fields not named stay unset.
 [[nodiscard]] ORLFoundation::NSDateComponents componentsFromVector(const std::string& text);
+[[nodiscard]] ORLFoundation::NSDateComponents componentsFromVector(const char* text);
 [[nodiscard]] ORLFoundation::NSDateComponents componentsFromVector(const Json& object);
 /// The set fields, from era to yearForWeekOfYear, in the order in which the files write them.
 [[nodiscard]] std::string vectorFromComponents(const ORLFoundation::NSDateComponents& components);

@@ -1,0 +1,191 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <tests/support/VectorFile.h>
+
+#include <cstdlib>
+#include <fstream>
+
+namespace orlftest {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+/// A file in a folder of its own, both gone at the end.
+class TemporaryFile {
+ public:
+  TemporaryFile(const std::string& name, const std::string& content) {
+    std::string pattern = testing::TempDir() + "orlf-vectors-XXXXXX";
+    folder_ = mkdtemp(pattern.data());
+    std::ofstream(path(name), std::ios::binary) << content;
+    name_ = name;
+  }
+  ~TemporaryFile() { std::filesystem::remove_all(folder_); }
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+  [[nodiscard]] std::filesystem::path path() const { return folder_ / name_; }
+  [[nodiscard]] std::filesystem::path folder() const { return folder_; }
+
+ private:
+  [[nodiscard]] std::filesystem::path path(const std::string& name) const { return folder_ / name; }
+
+  std::filesystem::path folder_;
+  std::string name_;
+};
+
+VectorReport tsv(const std::string& content, const TsvCheck& check) {
+  const TemporaryFile file("table.tsv", content);
+  return checkTsvFile(file.path(), check);
+}
+
+VectorReport jsonl(const std::string& content, const JsonChecks& checks) {
+  const TemporaryFile file("lines.jsonl", content);
+  return checkJsonFile(file.path(), checks);
+}
+
+const TsvCheck kAgrees = [](const TsvRow&) { return std::string(); };
+const JsonChecks kDouble = {{"double", [](const Json& in, const Json& out) {
+                               return disagreement(out.get<int>(), in.get<int>() * 2);
+                             }}};
+
+TEST(VectorFile, RunsEveryRowOfATable) {
+  std::vector<std::string> seen;
+  const auto report = tsv("id\ttext\na-1\tone\na-2\ttwo\n", [&](const TsvRow& row) {
+    seen.push_back(row.id + "=" + row.text("text"));
+    return std::string();
+  });
+  EXPECT_THAT(seen, ElementsAre("a-1=one", "a-2=two"));
+  EXPECT_TRUE(report.passed());
+  EXPECT_EQ(report.closingLine(), "table.tsv: 2 rows run, 0 failed");
+}
+
+TEST(VectorFile, NamesFileIdExpectedAndGotOfADisagreement) {
+  const auto report = tsv("id\tvalue\na-1\t7\n", [](const TsvRow& row) {
+    return disagreement(row.integer("value"), std::int64_t{8});
+  });
+  EXPECT_FALSE(report.passed());
+  EXPECT_THAT(report.disagreements, ElementsAre("table.tsv: a-1: expected 7, got 8"));
+}
+
+TEST(VectorFile, TellsNilFromEmptyTextAndReadsEscapes) {
+  const auto report =
+      tsv("id\tnil\tempty\tescaped\na-1\t\\N\t\t\\t\\n\\r\\\\\\u{20AC}\\u{1F600}\\u{e9}\n",
+          [](const TsvRow& row) {
+            EXPECT_EQ(row["nil"], std::nullopt);
+            EXPECT_EQ(row["empty"], "");
+            EXPECT_EQ(row["escaped"], "\t\n\r\\\xE2\x82\xAC\xF0\x9F\x98\x80\xC3\xA9");
+            return std::string();
+          });
+  EXPECT_TRUE(report.passed()) << report.disagreements.front();
+}
+
+struct BrokenRow {
+  const char* name;
+  const char* line;
+  const char* message;
+};
+const BrokenRow kBrokenRows[] = {
+    {"TooFewFields", "a-1", "table.tsv: line 2: exception: 1 fields, expected 2"},
+    {"TooManyFields", "a-1\t1\t2", "line 2: exception: 3 fields, expected 2"},
+    {"EmptyLine", "", "line 2: exception: 1 fields, expected 2"},
+    {"UnknownEscape", "a-1\t\\x", "unknown escape \\x"},
+    {"LoneBackslash", "a-1\t\\", "a backslash ends the field"},
+    {"UnbracedCodePoint", "a-1\t\\u20AC", "\\u without {HEX}"},
+    {"OpenCodePoint", "a-1\t\\u{20AC", "\\u without {HEX}"},
+    {"CodePointTooLarge", "a-1\t\\u{110000}", "holds no code point"},
+    {"CodePointWithoutDigits", "a-1\t\\u{}", "holds no code point"},
+    {"NilId", "\\N\t1", "id is nil"},
+    {"EmptyId", "\t1", "the row has no id"},
+};
+class BrokenTableRow : public testing::TestWithParam<BrokenRow> {};
+TEST_P(BrokenTableRow, Fails) {
+  const auto report = tsv(std::string("id\tvalue\n") + GetParam().line + "\n", kAgrees);
+  EXPECT_EQ(report.rows, 1u);
+  EXPECT_EQ(report.failed, 1u);
+  ASSERT_FALSE(report.passed());
+  EXPECT_THAT(report.disagreements.front(), HasSubstr(GetParam().message));
+}
+INSTANTIATE_TEST_SUITE_P(VectorFile, BrokenTableRow, testing::ValuesIn(kBrokenRows),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(VectorFile, FailsARowThatAsksForAnUnknownColumn) {
+  const auto report =
+      tsv("id\tvalue\na-1\t7\n", [](const TsvRow& row) { return row["valeu"].value_or(""); });
+  EXPECT_THAT(report.disagreements, ElementsAre("table.tsv: a-1: exception: no column valeu"));
+}
+
+TEST(VectorFile, FailsANumberThatIsNone) {
+  const auto report = tsv("id\tvalue\na-1\t7x\na-2\t\na-3\t99999999999999999999\n",
+                          [](const TsvRow& row) { return std::to_string(row.integer("value")); });
+  EXPECT_EQ(report.failed, 3u);
+  EXPECT_THAT(report.disagreements[0], HasSubstr("value is no whole number: 7x"));
+}
+
+TEST(VectorFile, FailsWhatIsNeitherTrueNorFalse) {
+  const auto report = tsv("id\tvalue\na-1\tTRUE\n", [](const TsvRow& row) {
+    return row.boolean("value") ? std::string("true") : std::string();
+  });
+  EXPECT_EQ(report.failed, 1u);
+}
+
+TEST(VectorFile, FailsAnIdThatComesTwice) {
+  const auto report = tsv("id\na-1\na-1\n", kAgrees);
+  EXPECT_EQ(report.rows, 2u);
+  EXPECT_THAT(report.disagreements, ElementsAre(HasSubstr("the id comes twice")));
+}
+
+TEST(VectorFile, FailsAFileThatIsMissingOrHoldsNoRow) {
+  EXPECT_FALSE(checkTsvFile("no-such-folder/table.tsv", kAgrees).passed());
+  EXPECT_FALSE(checkJsonFile("no-such-folder/lines.jsonl", kDouble).passed());
+  EXPECT_FALSE(tsv("id\tvalue\n", kAgrees).passed());
+  EXPECT_FALSE(jsonl("", kDouble).passed());
+}
+
+TEST(VectorFile, RunsJsonLinesByOperation) {
+  const auto report = jsonl(
+      "{\"id\":\"d-1\",\"op\":\"double\",\"in\":2,\"out\":4}\n"
+      "{\"id\":\"d-2\",\"op\":\"double\",\"in\":2,\"out\":5}\n",
+      kDouble);
+  EXPECT_EQ(report.rows, 2u);
+  EXPECT_THAT(report.disagreements, ElementsAre("lines.jsonl: d-2: double: expected 5, got 4"));
+}
+
+const BrokenRow kBrokenLines[] = {
+    {"UnknownOperation", R"({"id":"d-1","op":"treble","in":2,"out":6})",
+     "d-1: unknown operation treble"},
+    {"NotJson", R"({"id":"d-1",)", "line 1: exception"},
+    {"EmptyLine", "", "line 1: exception"},
+    {"WithoutId", R"({"op":"double","in":2,"out":4})", "line 1: exception"},
+    {"WithoutOut", R"({"id":"d-1","op":"double","in":2})", "d-1: exception: the row has no out"},
+    {"WrongType", R"({"id":"d-1","op":"double","in":"two","out":4})", "d-1: exception"},
+};
+class BrokenJsonLine : public testing::TestWithParam<BrokenRow> {};
+TEST_P(BrokenJsonLine, Fails) {
+  const auto report = jsonl(std::string(GetParam().line) + "\n", kDouble);
+  EXPECT_EQ(report.rows, 1u);
+  EXPECT_EQ(report.failed, 1u);
+  ASSERT_FALSE(report.passed());
+  EXPECT_THAT(report.disagreements.front(), HasSubstr(GetParam().message));
+}
+INSTANTIATE_TEST_SUITE_P(VectorFile, BrokenJsonLine, testing::ValuesIn(kBrokenLines),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(VectorFile, GoesOnAfterAThrownThingThatIsNoException) {
+  const auto report = tsv("id\na-1\na-2\n", [](const TsvRow& row) -> std::string {
+    if (row.id == "a-1") throw 7;
+    return {};
+  });
+  EXPECT_EQ(report.rows, 2u);
+  EXPECT_EQ(report.failed, 1u);
+}
+
+TEST(VectorFile, DisagreementOfOptionalTextsTellsNilFromEmpty) {
+  using Text = std::optional<std::string>;
+  EXPECT_THAT(disagreement(Text("a"), Text("a")), IsEmpty());
+  EXPECT_EQ(disagreement(Text(), Text("")), "expected nil, got \"\"");
+}
+
+}  // namespace
+}  // namespace orlftest
