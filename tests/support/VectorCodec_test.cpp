@@ -31,7 +31,9 @@ TEST_P(DateVectorForm, IsReadAndWrittenBack) {
   ASSERT_TRUE(date);
   EXPECT_EQ(date->timeIntervalSinceReferenceDate(), GetParam().seconds);
   EXPECT_EQ(dateFromVector(vectorFromDate(date)), date);
-  if (GetParam().text[0] != '@') EXPECT_EQ(vectorFromDate(date), GetParam().text);
+  if (GetParam().text[0] != '@') {
+    EXPECT_EQ(vectorFromDate(date), GetParam().text);
+  }
 }
 INSTANTIATE_TEST_SUITE_P(VectorCodec, DateVectorForm, testing::ValuesIn(kDateForms),
                          [](const auto& row) { return row.param.name; });
