@@ -5,17 +5,17 @@
 # of the folder.
 include_guard(GLOBAL)
 
-define_property(GLOBAL PROPERTY ORLF_FOLDERS BRIEF_DOCS "Folders of the library" FULL_DOCS "Names")
-
 function(orlf_add_folder name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "HEADERS;SOURCES;USES;LINKS;TESTS;TEST_LINKS;BENCHMARKS;BENCHMARK_LINKS;FUZZERS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" ""
+    "HEADERS;SOURCES;USES;LINKS;TESTS;TEST_LINKS;BENCHMARKS;BENCHMARK_LINKS;FUZZERS")
   if(arg_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "orlf_add_folder(${name}): unknown arguments ${arg_UNPARSED_ARGUMENTS}")
   endif()
   file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
   set_property(GLOBAL APPEND PROPERTY ORLF_FOLDERS ${name})
-  set_property(GLOBAL PROPERTY ORLF_FOLDER_${name}_PATH ${folder})
-  set_property(GLOBAL PROPERTY ORLF_FOLDER_${name}_USES ${arg_USES})
+  set_property(GLOBAL PROPERTY ORLF_FOLDER_${name}_LINKS ${arg_LINKS})
+  list(TRANSFORM arg_HEADERS PREPEND ${folder}/ OUTPUT_VARIABLE headers)
+  set_property(GLOBAL PROPERTY ORLF_FOLDER_${name}_HEADERS ${headers})
 
   set(objects orlf_${name}_objects)
   set(sources ${arg_SOURCES})

@@ -1,0 +1,2 @@
+/// Everything that the library offers, in one include.
+#pragma once

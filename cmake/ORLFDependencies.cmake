@@ -1,0 +1,22 @@
+# The outside libraries, each with the oldest release that is known to do. Sources link them by the
+# targets named here; a folder lists its own under LINKS. The installed package looks for those
+# that the library itself calls: keep cmake/ORLFoundationConfig.cmake.in in step.
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+find_package(ICU 72 REQUIRED COMPONENTS uc i18n)        # ICU::uc ICU::i18n
+find_package(Boost 1.74 REQUIRED)                       # Boost::headers
+find_package(CCTZ REQUIRED)                             # CCTZ::cctz
+find_package(nlohmann_json 3.11 REQUIRED)               # nlohmann_json::nlohmann_json
+if(ORLF_BUILD_TOOL)
+  find_package(CLI11 2.1 REQUIRED)                      # CLI11::CLI11
+  pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo)  # PkgConfig::CAIRO
+endif()
+
+if(ORLF_BUILD_TESTS)
+  find_package(GTest REQUIRED)                          # GTest::gmock
+endif()
+if(ORLF_BUILD_BENCHMARKS)
+  find_package(benchmark REQUIRED)                      # benchmark::benchmark
+  find_package(date REQUIRED)                           # date::date-tz, a peer
+  pkg_check_modules(LIBICAL REQUIRED IMPORTED_TARGET libical)  # PkgConfig::LIBICAL, a peer
+endif()
