@@ -62,7 +62,7 @@ function(orlf_add_test name)
   add_executable(${name} ${arg_SOURCES})
   # Helpers first: what they call in a folder is found in the archives after them.
   target_link_libraries(${name} PRIVATE orlf_test_support ${arg_LINKS} orlf_build_flags GTest::gmock_main)
-  target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h> <nlohmann/json.hpp>)
+  target_precompile_headers(${name} REUSE_FROM orlf_test_headers)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES
     PROPERTIES TIMEOUT ${ORLF_TEST_TIMEOUT})
 endfunction()
