@@ -50,6 +50,8 @@ install(
     ${PROJECT_SOURCE_DIR}/cmake/FindCCTZ.cmake
   DESTINATION ${package_folder})
 
+file(RELATIVE_PATH prefix_from_pc
+  ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(cmake/orlfoundation.pc.in ${PROJECT_BINARY_DIR}/orlfoundation.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/orlfoundation.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

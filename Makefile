@@ -1,0 +1,45 @@
+# The ways in. Each target sets up what it needs: packages that are missing, the build tree.
+.PHONY: demo test bench check install clean
+
+PREFIX ?= /usr/local
+JOBS := $(shell nproc)
+
+# Builds the tool and shows the main job on real input.
+demo:
+	scripts/install-packages
+	cmake --preset release
+	cmake --build --preset release --parallel $(JOBS) --target orlf
+	examples/demo.sh build/release/tools/orlf/orlf
+
+# Builds everything and runs all tests.
+test:
+	scripts/install-packages
+	cmake --preset dev
+	cmake --build --preset dev --parallel $(JOBS)
+	ctest --preset dev --parallel $(JOBS)
+
+# Runs all benchmarks, each beside its peers, and prints their tables.
+bench:
+	scripts/install-packages
+	cmake --preset release
+	cmake --build --preset release --parallel $(JOBS)
+	scripts/bench
+
+# Format, includes, headers that stand alone, clang-tidy.
+check:
+	scripts/install-packages checks
+	scripts/check-format
+	scripts/check_includes.py
+	cmake --preset dev
+	cmake --build --preset dev --parallel $(JOBS) --target all_verify_interface_header_sets
+	scripts/check-tidy
+
+# Installs the library, its headers and the tool under PREFIX.
+install:
+	scripts/install-packages
+	cmake --preset release
+	cmake --build --preset release --parallel $(JOBS) --target ORLFoundation ORLFoundation_static orlf
+	cmake --install build/release --prefix $(PREFIX)
+
+clean:
+	rm -rf build

@@ -1,0 +1,148 @@
+"""The include check finds each kind of fault, and none in a sound tree."""
+
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "scripts"))
+import check_includes  # noqa: E402
+
+SOUND = {
+    "ORLFoundation/ORLFoundation.h":
+        "#include <ORLFoundation/platform/value/NSDate.h>\n"
+        "#include <ORLFoundation/platform/object/NSObject.h>\n"
+        "#include <ORLFoundation/calendar/Days.h>\n",
+    "ORLFoundation/platform/value/CMakeLists.txt":
+        "orlf_add_folder(platform_value HEADERS NSDate.h SOURCES NSDate.cpp)\n",
+    "ORLFoundation/platform/value/NSDate.h": "#pragma once\n#include <cstdint>\n",
+    "ORLFoundation/platform/value/NSDate.cpp":
+        "#include <ORLFoundation/platform/value/NSDate.h>\n#include <unicode/ucal.h>\n",
+    "ORLFoundation/platform/object/CMakeLists.txt":
+        "orlf_add_folder(platform_object  # the root\n  HEADERS NSObject.h USES platform_value)\n",
+    "ORLFoundation/platform/object/NSObject.h":
+        "#include <ORLFoundation/platform/value/NSDate.h>\n",
+    "ORLFoundation/calendar/CMakeLists.txt":
+        "orlf_add_folder(calendar HEADERS Days.h SOURCES Days.cpp\n"
+        "  USES platform_object TESTS Days_test.cpp)\n",
+    "ORLFoundation/calendar/Days.h": "#include <ORLFoundation/platform/object/NSObject.h>\n",
+    "ORLFoundation/calendar/Days.cpp": "#include <ORLFoundation/calendar/internal/Table.h>\n",
+    "ORLFoundation/calendar/Days_test.cpp":
+        "#include <ORLFoundation/platform/value/NSDate.h>\n#include <tests/support/VectorFile.h>\n",
+    "ORLFoundation/calendar/internal/Table.h": "#include <array>\n",
+    "tools/orlf/main.cpp": "#include <ORLFoundation/calendar/Days.h>\n",
+}
+
+
+class IncludeCheck(unittest.TestCase):
+    def faults(self, **changes):
+        """Faults of the sound tree with files changed; a path's '/' is given as '__'."""
+        files = dict(SOUND)
+        for path, change in changes.items():
+            stem, _, kind = path.rpartition("_")
+            name = stem.replace("__", "/") + "." + kind
+            files[name] = change(files.get(name, "")) if callable(change) else change
+        with tempfile.TemporaryDirectory() as folder:
+            root = Path(folder)
+            for name, content in files.items():
+                (root / name).parent.mkdir(parents=True, exist_ok=True)
+                (root / name).write_text(content)
+            return list(check_includes.faults(root))
+
+    def assert_one(self, fault, **changes):
+        self.assertEqual(self.faults(**changes), [fault])
+
+    def test_a_sound_tree_has_no_fault(self):
+        self.assertEqual(self.faults(), [])
+
+    def test_an_undeclared_folder(self):
+        self.assert_one(
+            "ORLFoundation/calendar/Days.cpp:1: calendar does not declare platform_value under "
+            "USES: <ORLFoundation/platform/value/NSDate.h>",
+            ORLFoundation__calendar__Days_cpp="#include <ORLFoundation/platform/value/NSDate.h>\n")
+
+    def test_an_upward_include(self):
+        self.assert_one(
+            "ORLFoundation/platform/value/NSDate.h:3: platform_value does not declare calendar "
+            "under USES: <ORLFoundation/calendar/Days.h>",
+            ORLFoundation__platform__value__NSDate_h=lambda text:
+            text + "#include <ORLFoundation/calendar/Days.h>\n")
+
+    def test_an_upward_declaration_and_the_circle_that_it_makes(self):
+        found = self.faults(
+            ORLFoundation__platform__value__CMakeLists_txt=
+            "orlf_add_folder(platform_value HEADERS NSDate.h SOURCES NSDate.cpp\n"
+            "  USES platform_object)\n")
+        self.assertEqual(found, [
+            "ORLFoundation/platform/value/CMakeLists.txt: platform_value may not use "
+            "platform_object",
+            "circle of folders: platform_object -> platform_value -> platform_object"])
+
+    def test_a_folder_unknown_to_the_layers(self):
+        self.assert_one(
+            "ORLFoundation/lone/CMakeLists.txt: folder lone has no place in the layers of "
+            "check_includes.py",
+            ORLFoundation__lone__CMakeLists_txt="orlf_add_folder(lone)\n")
+
+    def test_a_declared_folder_that_does_not_exist(self):
+        self.assert_one(
+            "ORLFoundation/platform/object/CMakeLists.txt: platform_object uses platform_gone, "
+            "which no folder is called",
+            ORLFoundation__platform__object__CMakeLists_txt=
+            "orlf_add_folder(platform_object HEADERS NSObject.h\n"
+            "  USES platform_value platform_gone)\n")
+
+    def test_an_outside_header_in_a_header(self):
+        self.assert_one(
+            "ORLFoundation/calendar/internal/Table.h:1: a header includes the outside header "
+            "<unicode/ucal.h>",
+            ORLFoundation__calendar__internal__Table_h="#include <unicode/ucal.h>\n")
+
+    def test_a_quoted_include(self):
+        self.assert_one(
+            'ORLFoundation/calendar/Days.cpp:1: "Days.h" is to be written <ORLFoundation/...>',
+            ORLFoundation__calendar__Days_cpp='#include "Days.h"\n')
+
+    def test_a_missing_file(self):
+        self.assert_one(
+            "ORLFoundation/calendar/Days.cpp:1: <ORLFoundation/calendar/Gone.h> does not exist",
+            ORLFoundation__calendar__Days_cpp="#include <ORLFoundation/calendar/Gone.h>\n")
+
+    def test_test_helpers_outside_a_test(self):
+        self.assert_one(
+            "ORLFoundation/calendar/Days.cpp:1: only tests include <tests/support/VectorFile.h>",
+            ORLFoundation__calendar__Days_cpp="#include <tests/support/VectorFile.h>\n")
+
+    def test_an_internal_header_of_another_folder(self):
+        self.assert_one(
+            "ORLFoundation/calendar/Days.cpp:1: <ORLFoundation/platform/object/internal/Lock.h> is "
+            "internal to platform_object",
+            ORLFoundation__platform__object__internal__Lock_h="",
+            ORLFoundation__calendar__Days_cpp=
+            "#include <ORLFoundation/platform/object/internal/Lock.h>\n")
+
+    def test_an_internal_header_in_the_tool(self):
+        self.assert_one(
+            "tools/orlf/main.cpp:1: <ORLFoundation/calendar/internal/Table.h> is internal",
+            tools__orlf__main_cpp="#include <ORLFoundation/calendar/internal/Table.h>\n")
+
+    def test_a_file_that_no_list_names(self):
+        self.assert_one(
+            "ORLFoundation/calendar/Weeks.cpp: not listed in ORLFoundation/calendar/CMakeLists.txt",
+            ORLFoundation__calendar__Weeks_cpp="")
+
+    def test_a_public_header_that_the_umbrella_lacks(self):
+        self.assert_one(
+            "ORLFoundation/ORLFoundation.h: #include <ORLFoundation/calendar/Days.h> is missing",
+            ORLFoundation__ORLFoundation_h=lambda text:
+            text.replace("#include <ORLFoundation/calendar/Days.h>\n", ""))
+
+    def test_an_internal_header_that_users_would_lack(self):
+        self.assert_one(
+            "ORLFoundation/calendar/Days.h: <ORLFoundation/calendar/internal/Table.h> must be "
+            "listed under HEADERS, or users lack it",
+            ORLFoundation__calendar__Days_h="#include <ORLFoundation/calendar/internal/Table.h>\n")
+
+
+if __name__ == "__main__":
+    unittest.main()
