@@ -63,7 +63,7 @@ class Folder:
     def linked_for(self, file):
         """Folders that a test or benchmark links beside those of its own folder."""
         links = []
-        if file.name.endswith("_test.cpp") or file.name.endswith("_test.c"):
+        if file.name.endswith(("_test.cpp", "_test.c", "_testing.h")):
             links = self["TEST_LINKS"]
         elif file.name.endswith("_benchmark.cpp"):
             links = self["BENCHMARK_LINKS"]
@@ -160,9 +160,14 @@ def is_standard(include):
     return re.fullmatch(r"[a-z_0-9]+", include) is not None
 
 
+def is_proof(file):
+    """Tests, benchmarks, fuzz targets and the headers that they share."""
+    return re.search(r"_(test|benchmark|fuzz)\.(cpp|c)$|_testing\.h$", file.name) is not None
+
+
 def check_file(root, folders, folder, file):
     name = file.relative_to(root).as_posix()
-    proof = re.search(r"_(test|benchmark|fuzz)\.(cpp|c)$", file.name) is not None
+    proof = is_proof(file)
     declared = {folder.name, *folder["USES"]}
     if proof:
         declared = closure(folders, declared | folder.linked_for(file))
@@ -173,9 +178,11 @@ def check_file(root, folders, folder, file):
         elif include.startswith("tests/"):
             if not proof:
                 yield f"{place}: only tests include <{include}>"
+        elif include.endswith("_testing.h") and not proof:
+            yield f"{place}: only tests include <{include}>"
         elif not include.startswith("ORLFoundation/"):
             outside = not is_standard(include) and include not in HEADER_EXCEPTIONS
-            if file.suffix == ".h" and outside:
+            if file.suffix == ".h" and outside and not proof:
                 yield f"{place}: a header includes the outside header <{include}>"
         else:
             yield from check_own_include(root, folders, folder, declared, place, include)
@@ -198,8 +205,9 @@ def check_lists(root, folders, folder):
               for entry in folder[key]}
     for file in files_of(root, folder, folders):
         entry = file.relative_to(root / folder.path).as_posix()
-        internal_header = entry.startswith("internal/") and file.suffix == ".h"
-        if entry not in listed and not internal_header:
+        unlisted_header = file.suffix == ".h" and (
+            entry.startswith("internal/") or entry.endswith("_testing.h"))
+        if entry not in listed and not unlisted_header:
             yield f"{folder.path}/{entry}: not listed in {folder.path}/CMakeLists.txt"
     for header in folder["HEADERS"]:
         for _, _, include in includes_of(root / folder.path / header):

@@ -113,6 +113,13 @@ class IncludeCheck(unittest.TestCase):
             "ORLFoundation/calendar/Days.cpp:1: only tests include <tests/support/VectorFile.h>",
             ORLFoundation__calendar__Days_cpp="#include <tests/support/VectorFile.h>\n")
 
+    def test_a_header_for_tests_outside_a_test(self):
+        self.assert_one(
+            "ORLFoundation/calendar/Days.cpp:1: only tests include "
+            "<ORLFoundation/calendar/Days_testing.h>",
+            ORLFoundation__calendar__Days_testing_h="#include <tests/support/VectorFile.h>\n",
+            ORLFoundation__calendar__Days_cpp="#include <ORLFoundation/calendar/Days_testing.h>\n")
+
     def test_an_internal_header_of_another_folder(self):
         self.assert_one(
             "ORLFoundation/calendar/Days.cpp:1: <ORLFoundation/platform/object/internal/Lock.h> is "
