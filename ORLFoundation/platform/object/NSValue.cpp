@@ -1,0 +1,53 @@
+#include <ORLFoundation/platform/object/NSValue.h>
+
+#include <cstdio>
+#include <functional>
+
+namespace ORLFoundation {
+namespace {
+
+std::string number(double value) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%g", value);
+  return text;
+}
+
+std::string pair(double first, double second) {
+  return "{" + number(first) + ", " + number(second) + "}";
+}
+
+std::string describe(NSRange range) {
+  return "NSRange: {" + std::to_string(range.location) + ", " + std::to_string(range.length) + "}";
+}
+std::string describe(CGPoint point) { return "NSPoint: " + pair(point.x, point.y); }
+std::string describe(CGRect rect) {
+  return "NSRect: {" + pair(rect.origin.x, rect.origin.y) + ", " +
+         pair(rect.size.width, rect.size.height) + "}";
+}
+
+NSUInteger mix(NSUInteger first, NSUInteger second) { return first * 31 + second; }
+// Adding zero turns -0 into 0, which equals it.
+NSUInteger hashOf(double value) { return std::hash<double>{}(value + 0.0); }
+NSUInteger hashOf(NSRange range) { return mix(range.location, range.length); }
+NSUInteger hashOf(CGPoint point) { return mix(hashOf(point.x), hashOf(point.y)); }
+NSUInteger hashOf(CGRect rect) {
+  return mix(hashOf(rect.origin), mix(hashOf(rect.size.width), hashOf(rect.size.height)));
+}
+
+}  // namespace
+
+NSUInteger NSValue::hash() const noexcept {
+  return std::visit([](const auto& record) { return hashOf(record); }, record_);
+}
+
+std::string NSValue::description() const {
+  return std::visit([](const auto& record) { return describe(record); }, record_);
+}
+
+NSValue orlfValueWithCGPoint(CGPoint point) { return NSValue::valueWithPoint(point); }
+
+CGPoint orlfCGPointValue(const NSValue& value) noexcept { return value.pointValue(); }
+
+CGRect orlfCGRectValue(const NSValue& value) noexcept { return value.rectValue(); }
+
+}  // namespace ORLFoundation

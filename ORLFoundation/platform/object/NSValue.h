@@ -1,0 +1,78 @@
+/// A plain record boxed as a value: a range, a point or a rectangle.
+#pragma once
+
+#include <ORLFoundation/platform/value/NSRange.h>
+#include <ORLFoundation/platform/value/NSTypes.h>
+
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace ORLFoundation {
+
+struct CGPoint {
+  double x = 0;
+  double y = 0;
+  friend constexpr bool operator==(const CGPoint&, const CGPoint&) = default;
+};
+
+struct CGSize {
+  double width = 0;
+  double height = 0;
+  friend constexpr bool operator==(const CGSize&, const CGSize&) = default;
+};
+
+struct CGRect {
+  CGPoint origin;
+  CGSize size;
+  friend constexpr bool operator==(const CGRect&, const CGRect&) = default;
+};
+
+class NSValue {
+ public:
+  /// `valueWithPoint:`
+  [[nodiscard]] static NSValue valueWithPoint(CGPoint point) { return NSValue(point); }
+  /// `valueWithRect:`
+  [[nodiscard]] static NSValue valueWithRect(CGRect rect) { return NSValue(rect); }
+  /// `valueWithRange:`
+  [[nodiscard]] static NSValue valueWithRange(NSRange range) { return NSValue(range); }
+
+  /// `pointValue`, `rectValue`, `rangeValue`  All zeros when the value holds another record.
+  [[nodiscard]] CGPoint pointValue() const noexcept { return recordOrZero<CGPoint>(); }
+  [[nodiscard]] CGRect rectValue() const noexcept { return recordOrZero<CGRect>(); }
+  [[nodiscard]] NSRange rangeValue() const noexcept { return recordOrZero<NSRange>(); }
+
+  /// The record of one kind, nil when the value holds another.
+  template <class T>
+  [[nodiscard]] std::optional<T> record() const noexcept {
+    const T* held = std::get_if<T>(&record_);
+    return held ? std::optional<T>(*held) : std::nullopt;
+  }
+
+  [[nodiscard]] NSUInteger hash() const noexcept;
+  /// "NSRange: {1, 2}", "NSPoint: {1, 2.5}", "NSRect: {{0, 0}, {3, 4}}".
+  [[nodiscard]] std::string description() const;
+
+  /// Equal records of one kind.
+  friend bool operator==(const NSValue&, const NSValue&) = default;
+
+ private:
+  using Record = std::variant<NSRange, CGPoint, CGRect>;
+
+  explicit NSValue(Record record) noexcept : record_(record) {}
+  template <class T>
+  [[nodiscard]] T recordOrZero() const noexcept {
+    return record<T>().value_or(T{});
+  }
+
+  Record record_;
+};
+
+/// `orlfValueWithCGPoint:`
+[[nodiscard]] NSValue orlfValueWithCGPoint(CGPoint point);
+/// `orlfCGPointValue`
+[[nodiscard]] CGPoint orlfCGPointValue(const NSValue& value) noexcept;
+/// `orlfCGRectValue`
+[[nodiscard]] CGRect orlfCGRectValue(const NSValue& value) noexcept;
+
+}  // namespace ORLFoundation
