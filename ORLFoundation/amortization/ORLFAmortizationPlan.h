@@ -17,6 +17,7 @@
 #include <ORLFoundation/platform/object/NSObject.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <span>
@@ -159,6 +160,7 @@ class ORLFAmortizationPlan : public NSObject {
       const StartingPrincipal& arguments);
 
   [[nodiscard]] std::string className() const override;
+  [[nodiscard]] const NSKeyTable& keyTable() const override;
   /// `isEqual:`  A plan for which `isEqualAmortizationPlan` is true.
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
   /// `isEqualAmortizationPlan:`  Equal ends and equal segments in order. False for nil.
@@ -169,6 +171,16 @@ class ORLFAmortizationPlan : public NSObject {
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;
 
  private:
+  class BalanceWalk;
+  class BestBalance;
+
+  [[nodiscard]] std::shared_ptr<ORLFAmortizationPlan> copyOfPlan() const;
+  /// The last member that does not start after a date; none before the plan and from its end on.
+  [[nodiscard]] std::optional<std::size_t> memberOnDate(NSDate date) const;
+  [[nodiscard]] NSDate endOfMember(std::size_t index) const;
+  std::optional<NSDecimalNumber> bestBalance(const BalanceBetweenDates& arguments,
+                                             NSComparisonResult beaten) const;
+
   std::vector<Segment> segments_;
   std::optional<NSDate> endDate_;
 };

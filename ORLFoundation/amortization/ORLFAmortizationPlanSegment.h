@@ -194,6 +194,7 @@ class ORLFAmortizationPlanSegment : public NSObject {
       NSDate date, const NSCalendar& usingCalendar) const;
 
   [[nodiscard]] std::string className() const override;
+  [[nodiscard]] const NSKeyTable& keyTable() const override;
   /// `isEqual:`  A segment for which `isEqualSegment` is true.
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
   /// `isEqualSegment:`  The start date and the six terms; the plan takes no part. False for nil.
