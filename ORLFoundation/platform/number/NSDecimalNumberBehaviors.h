@@ -1,0 +1,35 @@
+/// How a decimal calculation rounds, and what stands in for its result when it meets an error.
+/// `ORLFDecimalNumberHandler` is the library's own; anyone may write another.
+///
+/// Operations take a pointer; nullptr is the default behaviour: plain rounding, no fixed scale, an
+/// exception on overflow, underflow and division by zero, and loss of precision ignored.
+#pragma once
+
+#include <ORLFoundation/platform/value/NSDecimal.h>
+
+#include <optional>
+#include <string_view>
+
+namespace ORLFoundation {
+
+class NSDecimalNumber;
+
+class NSDecimalNumberBehaviors {
+ public:
+  virtual ~NSDecimalNumberBehaviors() = default;
+
+  /// `roundingMode`
+  [[nodiscard]] virtual NSRoundingMode roundingMode() const = 0;
+  /// `scale`  Digits kept after the point; negative ones round before it.
+  [[nodiscard]] virtual std::int16_t scale() const = 0;
+  /// `exceptionDuringOperation:error:leftOperand:rightOperand:`  Called when a calculation meets an
+  /// error, loss of precision included. What it gives is the operation's result, unrounded; what it
+  /// throws goes to the caller. The operation's name serves messages; the right operand is absent
+  /// where there is none, or none that is a decimal.
+  [[nodiscard]] virtual std::optional<NSDecimalNumber> exceptionDuringOperation(
+      std::string_view operation, NSCalculationError error,
+      const std::optional<NSDecimalNumber>& leftOperand,
+      const std::optional<NSDecimalNumber>& rightOperand) const = 0;
+};
+
+}  // namespace ORLFoundation
