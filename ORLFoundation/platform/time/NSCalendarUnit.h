@@ -26,7 +26,8 @@ enum NSCalendarUnit : NSUInteger {
 };
 
 /// A mask of units.
-[[nodiscard]] constexpr NSCalendarUnit operator|(NSCalendarUnit left, NSCalendarUnit right) noexcept {
+[[nodiscard]] constexpr NSCalendarUnit operator|(NSCalendarUnit left,
+                                                 NSCalendarUnit right) noexcept {
   return static_cast<NSCalendarUnit>(static_cast<NSUInteger>(left) |
                                      static_cast<NSUInteger>(right));
 }

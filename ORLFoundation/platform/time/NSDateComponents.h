@@ -81,26 +81,53 @@ class NSDateComponents {
 
  private:
   enum Field : std::size_t {
-    kEra, kYear, kMonth, kDay, kHour, kMinute, kSecond, kNanosecond, kWeekday, kWeekdayOrdinal,
-    kQuarter, kWeekOfMonth, kWeekOfYear, kYearForWeekOfYear, kFieldCount,
+    kEra,
+    kYear,
+    kMonth,
+    kDay,
+    kHour,
+    kMinute,
+    kSecond,
+    kNanosecond,
+    kWeekday,
+    kWeekdayOrdinal,
+    kQuarter,
+    kWeekOfMonth,
+    kWeekOfYear,
+    kYearForWeekOfYear,
+    kFieldCount,
   };
   [[nodiscard]] static constexpr std::size_t fieldOfUnit(NSCalendarUnit unit) noexcept {
     switch (unit) {
-      case NSCalendarUnitEra: return kEra;
-      case NSCalendarUnitYear: return kYear;
-      case NSCalendarUnitMonth: return kMonth;
-      case NSCalendarUnitDay: return kDay;
-      case NSCalendarUnitHour: return kHour;
-      case NSCalendarUnitMinute: return kMinute;
-      case NSCalendarUnitSecond: return kSecond;
-      case NSCalendarUnitNanosecond: return kNanosecond;
-      case NSCalendarUnitWeekday: return kWeekday;
-      case NSCalendarUnitWeekdayOrdinal: return kWeekdayOrdinal;
-      case NSCalendarUnitQuarter: return kQuarter;
-      case NSCalendarUnitWeekOfMonth: return kWeekOfMonth;
+      case NSCalendarUnitEra:
+        return kEra;
+      case NSCalendarUnitYear:
+        return kYear;
+      case NSCalendarUnitMonth:
+        return kMonth;
+      case NSCalendarUnitDay:
+        return kDay;
+      case NSCalendarUnitHour:
+        return kHour;
+      case NSCalendarUnitMinute:
+        return kMinute;
+      case NSCalendarUnitSecond:
+        return kSecond;
+      case NSCalendarUnitNanosecond:
+        return kNanosecond;
+      case NSCalendarUnitWeekday:
+        return kWeekday;
+      case NSCalendarUnitWeekdayOrdinal:
+        return kWeekdayOrdinal;
+      case NSCalendarUnitQuarter:
+        return kQuarter;
+      case NSCalendarUnitWeekOfMonth:
+        return kWeekOfMonth;
       case NSCalendarUnitWeek:
-      case NSCalendarUnitWeekOfYear: return kWeekOfYear;
-      case NSCalendarUnitYearForWeekOfYear: return kYearForWeekOfYear;
+      case NSCalendarUnitWeekOfYear:
+        return kWeekOfYear;
+      case NSCalendarUnitYearForWeekOfYear:
+        return kYearForWeekOfYear;
     }
     return kFieldCount;
   }

@@ -1,5 +1,5 @@
-/// A zone of civil time: its offsets from GMT at every instant, from the system's zoneinfo, with the
-/// rule that continues after the last listed change. Each zone is read once per process into an
+/// A zone of civil time: its offsets from GMT at every instant, from the system's zoneinfo, with
+/// the rule that continues after the last listed change. Each zone is read once per process into an
 /// immutable table; a zone object is shared and safe on any thread.
 #pragma once
 
@@ -18,8 +18,9 @@ class ZoneTable;
 class NSTimeZone : public NSObject {
  public:
   /// `timeZoneWithName:`  "America/New_York", "UTC", "GMT+0530"; nil for a name that is unknown.
+  /// Every call with one name of the zoneinfo gives the same object.
   [[nodiscard]] static std::shared_ptr<NSTimeZone> timeZoneWithName(std::string_view name);
-  /// `timeZoneForSecondsFromGMT:`
+  /// `timeZoneForSecondsFromGMT:`  Named "GMT+0530"; nil beyond 18 hours on either side.
   [[nodiscard]] static std::shared_ptr<NSTimeZone> timeZoneForSecondsFromGMT(NSInteger seconds);
   /// `systemTimeZone`  From TZ or the machine's setting; UTC when neither can be read.
   [[nodiscard]] static std::shared_ptr<NSTimeZone> systemTimeZone();
@@ -30,21 +31,28 @@ class NSTimeZone : public NSObject {
 
   /// `name`
   [[nodiscard]] const std::string& name() const noexcept;
-  /// `secondsFromGMTForDate:`
+  /// `secondsFromGMTForDate:`  0 for a date that is not finite or too far away to count with.
   [[nodiscard]] NSInteger secondsFromGMTForDate(NSDate date) const noexcept;
   /// `isDaylightSavingTimeForDate:`
   [[nodiscard]] bool isDaylightSavingTimeForDate(NSDate date) const noexcept;
-  /// `nextDaylightSavingTimeTransitionAfterDate:`  The next change of offset; nil when none follows.
+  /// `nextDaylightSavingTimeTransitionAfterDate:`  The next change of the zone's clock; nil when
+  /// none follows.
   [[nodiscard]] std::optional<NSDate> nextDaylightSavingTimeTransitionAfterDate(NSDate date) const;
 
+  std::string className() const override;
   bool isEqual(const NSObject* other) const override;
   NSUInteger hash() const override;
   std::string description() const override;
+  std::shared_ptr<NSObject> copy() override;
 
   /// The immutable table behind the zone, for calendars.
   [[nodiscard]] const ZoneTable& table() const noexcept { return *table_; }
 
+  /// Use one of the operations above.
+  NSTimeZone(std::string name, std::shared_ptr<const ZoneTable> table);
+
  private:
+  std::string name_;
   std::shared_ptr<const ZoneTable> table_;
 };
 

@@ -1,0 +1,199 @@
+#include <ORLFoundation/platform/time/NSCalendar.h>
+#include <ORLFoundation/platform/time/internal/CalendarArithmetic.h>
+#include <ORLFoundation/platform/time/internal/CalendarFields.h>
+#include <ORLFoundation/platform/time/internal/CalendarRanges.h>
+#include <ORLFoundation/platform/time/internal/CalendarSearch.h>
+
+#include <functional>
+#include <utility>
+
+namespace ORLFoundation {
+namespace {
+
+std::optional<NSDate> dateOf(const std::optional<Instant>& instant) noexcept {
+  if (!instant) return std::nullopt;
+  return dateFromInstant(*instant);
+}
+
+}  // namespace
+
+NSCalendar::NSCalendar(std::string identifier) : identifier_(std::move(identifier)) {
+  setTimeZone(nullptr);
+  if (identifier_ != NSCalendarIdentifierISO8601) return;
+  setFirstWeekday(2);
+  setMinimumDaysInFirstWeek(4);
+}
+
+std::shared_ptr<NSCalendar> NSCalendar::initWithCalendarIdentifier(std::string_view identifier) {
+  if (identifier != NSCalendarIdentifierGregorian && identifier != NSCalendarIdentifierISO8601) {
+    return nullptr;
+  }
+  return std::make_shared<NSCalendar>(std::string(identifier));
+}
+
+const std::string& NSCalendar::calendarIdentifier() const noexcept { return identifier_; }
+
+const std::shared_ptr<NSTimeZone>& NSCalendar::timeZone() const noexcept { return zone_; }
+
+void NSCalendar::setTimeZone(std::shared_ptr<NSTimeZone> zone) {
+  zone_ = zone ? std::move(zone) : NSTimeZone::defaultTimeZone();
+  rules_.zone = &zone_->table();
+}
+
+NSInteger NSCalendar::firstWeekday() const noexcept { return rules_.firstWeekday; }
+
+void NSCalendar::setFirstWeekday(NSInteger weekday) {
+  if (weekday < 1 || weekday > 7) return;
+  rules_.firstWeekday = static_cast<std::int32_t>(weekday);
+  hasFirstWeekday_ = true;
+}
+
+NSInteger NSCalendar::minimumDaysInFirstWeek() const noexcept { return rules_.minimumDays; }
+
+void NSCalendar::setMinimumDaysInFirstWeek(NSInteger days) {
+  if (days < 1 || days > 7) return;
+  rules_.minimumDays = static_cast<std::int32_t>(days);
+  hasMinimumDays_ = true;
+}
+
+const std::string& NSCalendar::localeIdentifier() const noexcept { return localeIdentifier_; }
+
+void NSCalendar::setLocaleIdentifier(std::string identifier) {
+  localeIdentifier_ = std::move(identifier);
+  localeWeek_ = localeIdentifier_.empty() ? LocaleWeek{} : weekOfLocale(localeIdentifier_);
+  if (!hasFirstWeekday_) rules_.firstWeekday = localeWeek_.firstWeekday;
+  if (!hasMinimumDays_) rules_.minimumDays = localeWeek_.minimumDays;
+}
+
+NSDateComponents NSCalendar::components(NSUInteger unitFlags, NSDate fromDate) const noexcept {
+  Instant instant;
+  if (!splitDate(fromDate, instant)) return {};
+  return fieldsOfInstant(rules_, unitFlags, instant);
+}
+
+NSInteger NSCalendar::component(NSCalendarUnit unit, NSDate fromDate) const noexcept {
+  Instant instant;
+  if (!splitDate(fromDate, instant)) return NSDateComponentUndefined;
+  return fieldOfInstant(rules_, unit, instant);
+}
+
+NSDateComponents NSCalendar::components(NSUInteger unitFlags, NSDate fromDate, NSDate toDate,
+                                        NSUInteger /*options*/) const noexcept {
+  Instant from;
+  Instant to;
+  if (!splitDate(fromDate, from) || !splitDate(toDate, to)) return {};
+  return differenceOfInstants(rules_, unitFlags, from, to);
+}
+
+std::optional<NSDate> NSCalendar::dateByAddingUnit(NSCalendarUnit unit, NSInteger value,
+                                                   NSDate toDate,
+                                                   NSUInteger options) const noexcept {
+  Instant to;
+  if (!splitDate(toDate, to)) return std::nullopt;
+  return dateOf(options & NSCalendarWrapComponents ? addUnitWrapping(rules_, unit, value, to)
+                                                   : addUnit(rules_, unit, value, to));
+}
+
+std::optional<NSDate> NSCalendar::dateByAddingComponents(const NSDateComponents& components,
+                                                         NSDate toDate,
+                                                         NSUInteger options) const noexcept {
+  Instant to;
+  if (!splitDate(toDate, to)) return std::nullopt;
+  return dateOf(addFields(rules_, components, to, (options & NSCalendarWrapComponents) != 0));
+}
+
+std::optional<NSDate> NSCalendar::dateFromComponents(
+    const NSDateComponents& components) const noexcept {
+  return dateOf(instantFromFields(rules_, components));
+}
+
+std::optional<NSDate> NSCalendar::dateBySettingUnit(NSCalendarUnit unit, NSInteger value,
+                                                    NSDate ofDate,
+                                                    NSUInteger options) const noexcept {
+  Instant of;
+  if (!splitDate(ofDate, of)) return std::nullopt;
+  const bool strict = (options & NSCalendarMatchStrictly) != 0;
+  return dateOf(instantBySettingUnit(rules_, unit, value, of, strict));
+}
+
+bool NSCalendar::rangeOfUnit(NSCalendarUnit unit, NSDate* startDate, NSTimeInterval* interval,
+                             NSDate forDate) const noexcept {
+  Instant instant;
+  if (!splitDate(forDate, instant)) return false;
+  const std::optional<InstantRange> range = rangeAroundInstant(rules_, unit, instant);
+  if (!range) return false;
+  if (startDate) *startDate = dateFromInstant(range->start);
+  if (interval) *interval = range->length;
+  return true;
+}
+
+NSRange NSCalendar::rangeOfUnit(NSCalendarUnit unit, NSCalendarUnit inUnit,
+                                NSDate forDate) const noexcept {
+  Instant instant;
+  if (!splitDate(forDate, instant)) return {static_cast<NSUInteger>(NSNotFound), 0};
+  return rangeWithin(rules_, unit, inUnit, instant);
+}
+
+NSRange NSCalendar::maximumRangeOfUnit(NSCalendarUnit unit) const noexcept {
+  return largestRange(rules_, unit);
+}
+
+NSRange NSCalendar::minimumRangeOfUnit(NSCalendarUnit unit) const noexcept {
+  return smallestRange(rules_, unit);
+}
+
+bool NSCalendar::date(NSDate date, const NSDateComponents& matchesComponents) const noexcept {
+  Instant instant;
+  return splitDate(date, instant) && matchesFields(rules_, matchesComponents, instant);
+}
+
+std::optional<NSDate> NSCalendar::nextDateAfterDate(NSDate date,
+                                                    const NSDateComponents& matchingComponents,
+                                                    NSUInteger options) const noexcept {
+  Instant from;
+  if (!splitDate(date, from)) return std::nullopt;
+  return dateOf(nearestMatch(rules_, matchingComponents, from,
+                             (options & NSCalendarSearchBackwards) != 0,
+                             (options & NSCalendarMatchNextTime) == 0));
+}
+
+bool NSCalendar::isDateInWeekend(NSDate date) const noexcept {
+  Instant instant;
+  if (!splitDate(date, instant)) return false;
+  const civil::DayTime local = localDayTime(rules_, instant.seconds);
+  const auto weekday = static_cast<std::size_t>(civil::weekdayOfDay(local.day) - 1);
+  return local.second >= localeWeek_.weekendFrom[weekday] &&
+         local.second < localeWeek_.weekendTo[weekday];
+}
+
+std::string NSCalendar::className() const { return "NSCalendar"; }
+
+bool NSCalendar::isEqual(const NSObject* other) const {
+  const auto* calendar = dynamic_cast<const NSCalendar*>(other);
+  return calendar && calendar->identifier_ == identifier_ &&
+         calendar->localeIdentifier_ == localeIdentifier_ &&
+         calendar->rules_.firstWeekday == rules_.firstWeekday &&
+         calendar->rules_.minimumDays == rules_.minimumDays &&
+         calendar->zone_->isEqual(zone_.get());
+}
+
+NSUInteger NSCalendar::hash() const {
+  return std::hash<std::string>{}(identifier_) ^ zone_->hash();
+}
+
+std::string NSCalendar::description() const {
+  return "<NSCalendar: " + identifier_ + ", " + zone_->name() + ">";
+}
+
+std::shared_ptr<NSObject> NSCalendar::copy() {
+  auto calendar = std::make_shared<NSCalendar>(identifier_);
+  calendar->rules_ = rules_;
+  calendar->hasFirstWeekday_ = hasFirstWeekday_;
+  calendar->hasMinimumDays_ = hasMinimumDays_;
+  calendar->localeWeek_ = localeWeek_;
+  calendar->localeIdentifier_ = localeIdentifier_;
+  calendar->zone_ = zone_;
+  return calendar;
+}
+
+}  // namespace ORLFoundation

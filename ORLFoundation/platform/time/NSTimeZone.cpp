@@ -1,0 +1,181 @@
+#include <ORLFoundation/platform/time/NSTimeZone.h>
+#include <ORLFoundation/platform/time/internal/CalendarRules.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <mutex>
+
+namespace ORLFoundation {
+namespace {
+
+constexpr NSInteger kLargestOffset = 18 * 3600;
+
+// The zones that were read, for the life of the process: as many as the system has names.
+struct ZoneCache {
+  std::mutex mutex;
+  std::map<std::string, std::shared_ptr<NSTimeZone>, std::less<>> zones;
+  std::shared_ptr<NSTimeZone> chosenDefault;
+};
+
+ZoneCache& zoneCache() {
+  static auto* const cache = new ZoneCache;  // outlives the objects that use it
+  return *cache;
+}
+
+// Only names within the zoneinfo folder: no absolute path, no way up, no name of a scheme.
+bool isZoneName(std::string_view name) {
+  const auto isNameCharacter = [](unsigned char c) {
+    return std::isalnum(c) || c == '/' || c == '_' || c == '-' || c == '+';
+  };
+  return !name.empty() && name.size() < 64 && name.front() != '/' &&
+         name.substr(0, 6) != "Fixed/" && std::all_of(name.begin(), name.end(), isNameCharacter);
+}
+
+std::shared_ptr<NSTimeZone> readZone(std::string_view name) {
+  std::string text(name);
+  std::shared_ptr<const ZoneTable> table = ZoneTable::read(text);
+  if (!table) return nullptr;
+  return std::make_shared<NSTimeZone>(std::move(text), std::move(table));
+}
+
+std::optional<NSInteger> twoDigits(std::string_view text) {
+  if (text.empty() || text.size() > 2) return std::nullopt;
+  NSInteger value = 0;
+  for (const char c : text) {
+    if (c < '0' || c > '9') return std::nullopt;
+    value = value * 10 + (c - '0');
+  }
+  return value;
+}
+
+// "GMT+5", "GMT+0530" and "UTC-05:30" in seconds.
+std::optional<NSInteger> offsetFromName(std::string_view name) {
+  const std::string_view scale = name.substr(0, 3);
+  if ((scale != "GMT" && scale != "UTC") || name.size() < 5) return std::nullopt;
+  if (name[3] != '+' && name[3] != '-') return std::nullopt;
+  std::string digits(name.substr(4));
+  if (const std::size_t colon = digits.find(':'); colon != std::string::npos) {
+    if (digits.size() - colon != 3) return std::nullopt;
+    digits.erase(colon, 1);
+  }
+  const std::size_t hourDigits = digits.size() <= 2 ? digits.size() : digits.size() - 2;
+  const auto hours = twoDigits(std::string_view(digits).substr(0, hourDigits));
+  const auto minutes = hourDigits == digits.size()
+                           ? std::optional<NSInteger>(0)
+                           : twoDigits(std::string_view(digits).substr(hourDigits));
+  if (!hours || !minutes || *minutes > 59) return std::nullopt;
+  const NSInteger seconds = *hours * 3600 + *minutes * 60;
+  return name[3] == '-' ? -seconds : seconds;
+}
+
+std::string nameOfOffset(NSInteger seconds) {
+  if (seconds == 0) return "GMT";
+  const int size = static_cast<int>(std::abs(seconds));
+  char text[24];
+  std::snprintf(text, sizeof text, "GMT%c%02d%02d", seconds < 0 ? '-' : '+', size / 3600,
+                size / 60 % 60);
+  if (size % 60 == 0) return text;
+  char rest[8];
+  std::snprintf(rest, sizeof rest, "%02d", size % 60);
+  return std::string(text) + rest;
+}
+
+// The name that the machine's link to its zone ends in.
+std::string linkedZoneName() {
+  std::error_code error;
+  const std::string target = std::filesystem::read_symlink("/etc/localtime", error).string();
+  constexpr std::string_view kFolder = "zoneinfo/";
+  const std::size_t folder = target.rfind(kFolder);
+  return error || folder == std::string::npos ? std::string()
+                                              : target.substr(folder + kFolder.size());
+}
+
+std::string systemZoneName() {
+  const char* variable = std::getenv("TZ");
+  if (!variable || *variable == '\0') return linkedZoneName();
+  return *variable == ':' ? variable + 1 : variable;
+}
+
+}  // namespace
+
+NSTimeZone::NSTimeZone(std::string name, std::shared_ptr<const ZoneTable> table)
+    : name_(std::move(name)), table_(std::move(table)) {}
+
+std::shared_ptr<NSTimeZone> NSTimeZone::timeZoneWithName(std::string_view name) {
+  if (name == "GMT") return timeZoneForSecondsFromGMT(0);
+  if (const auto offset = offsetFromName(name)) return timeZoneForSecondsFromGMT(*offset);
+  if (!isZoneName(name)) return nullptr;
+  ZoneCache& cache = zoneCache();
+  const std::lock_guard lock(cache.mutex);
+  if (const auto known = cache.zones.find(name); known != cache.zones.end()) return known->second;
+  std::shared_ptr<NSTimeZone> zone = readZone(name);
+  if (zone) cache.zones.emplace(std::string(name), zone);
+  return zone;
+}
+
+std::shared_ptr<NSTimeZone> NSTimeZone::timeZoneForSecondsFromGMT(NSInteger seconds) {
+  if (seconds < -kLargestOffset || seconds > kLargestOffset) return nullptr;
+  return std::make_shared<NSTimeZone>(nameOfOffset(seconds),
+                                      ZoneTable::fixed(static_cast<std::int32_t>(seconds)));
+}
+
+std::shared_ptr<NSTimeZone> NSTimeZone::systemTimeZone() {
+  std::shared_ptr<NSTimeZone> zone = timeZoneWithName(systemZoneName());
+  if (!zone) zone = timeZoneWithName("UTC");
+  return zone ? zone : timeZoneForSecondsFromGMT(0);
+}
+
+std::shared_ptr<NSTimeZone> NSTimeZone::defaultTimeZone() {
+  ZoneCache& cache = zoneCache();
+  {
+    const std::lock_guard lock(cache.mutex);
+    if (cache.chosenDefault) return cache.chosenDefault;
+  }
+  return systemTimeZone();
+}
+
+void NSTimeZone::setDefaultTimeZone(std::shared_ptr<NSTimeZone> zone) {
+  ZoneCache& cache = zoneCache();
+  const std::lock_guard lock(cache.mutex);
+  cache.chosenDefault = std::move(zone);
+}
+
+const std::string& NSTimeZone::name() const noexcept { return name_; }
+
+NSInteger NSTimeZone::secondsFromGMTForDate(NSDate date) const noexcept {
+  Instant instant;
+  return splitDate(date, instant) ? table_->offsetAt(instant.seconds) : 0;
+}
+
+bool NSTimeZone::isDaylightSavingTimeForDate(NSDate date) const noexcept {
+  Instant instant;
+  return splitDate(date, instant) && table_->segmentAt(instant.seconds).daylightSaving;
+}
+
+std::optional<NSDate> NSTimeZone::nextDaylightSavingTimeTransitionAfterDate(NSDate date) const {
+  Instant instant;
+  if (!splitDate(date, instant)) return std::nullopt;
+  const std::int64_t change = table_->nextChangeAfter(instant.seconds);
+  if (change == std::numeric_limits<std::int64_t>::max()) return std::nullopt;
+  return dateFromInstant({change, 0});
+}
+
+std::string NSTimeZone::className() const { return "NSTimeZone"; }
+
+bool NSTimeZone::isEqual(const NSObject* other) const {
+  const auto* zone = dynamic_cast<const NSTimeZone*>(other);
+  return zone && zone->name_ == name_;
+}
+
+NSUInteger NSTimeZone::hash() const { return std::hash<std::string>{}(name_); }
+
+std::string NSTimeZone::description() const { return name_; }
+
+std::shared_ptr<NSObject> NSTimeZone::copy() { return shared_from_this(); }
+
+}  // namespace ORLFoundation

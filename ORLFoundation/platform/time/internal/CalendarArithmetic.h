@@ -1,0 +1,31 @@
+/// Sums and differences of instants in calendar units.
+///
+/// Days and larger units keep the time that the zone's clock shows; hours and smaller ones are
+/// lengths of time. A sum that lands in the gap of a clock change is moved on by the gap's length;
+/// one that lands on a doubled time takes the occurrence that it meets first: the earlier one when
+/// counting forward, the later one when counting backward.
+#pragma once
+
+#include <ORLFoundation/platform/time/NSDateComponents.h>
+#include <ORLFoundation/platform/time/internal/CalendarRules.h>
+
+namespace ORLFoundation {
+
+/// nil when the result is out of range, or for a unit that cannot be added (an era).
+[[nodiscard]] std::optional<Instant> addUnit(const CalendarRules& rules, NSCalendarUnit unit,
+                                             NSInteger value, Instant to) noexcept;
+/// As `addUnit`, but without a carry into the next larger unit: December plus 1 is January of the
+/// same year.
+[[nodiscard]] std::optional<Instant> addUnitWrapping(const CalendarRules& rules,
+                                                     NSCalendarUnit unit, NSInteger value,
+                                                     Instant to) noexcept;
+/// Every set field, from the largest unit to the smallest.
+[[nodiscard]] std::optional<Instant> addFields(const CalendarRules& rules,
+                                               const NSDateComponents& fields, Instant to,
+                                               bool wrap) noexcept;
+/// The masked units from the largest: of each the most whole steps that do not pass the second
+/// instant, counted from what the larger ones have reached.
+[[nodiscard]] NSDateComponents differenceOfInstants(const CalendarRules& rules, NSUInteger mask,
+                                                    Instant from, Instant to) noexcept;
+
+}  // namespace ORLFoundation

@@ -1,0 +1,37 @@
+/// Instants to calendar fields and back.
+#pragma once
+
+#include <ORLFoundation/platform/time/NSDateComponents.h>
+#include <ORLFoundation/platform/time/internal/CalendarRules.h>
+
+namespace ORLFoundation {
+
+/// The fields that the mask names; the others stay unset.
+[[nodiscard]] NSDateComponents fieldsOfInstant(const CalendarRules& rules, NSUInteger mask,
+                                               Instant instant) noexcept;
+/// One field; `NSDateComponentUndefined` for what is not a single unit.
+[[nodiscard]] NSInteger fieldOfInstant(const CalendarRules& rules, NSCalendarUnit unit,
+                                       Instant instant) noexcept;
+/// nil only where a field or the result is beyond the range that is counted with.
+[[nodiscard]] std::optional<Instant> instantFromFields(const CalendarRules& rules,
+                                                       const NSDateComponents& fields) noexcept;
+/// Whether the set fields are those of the instant that they resolve to.
+[[nodiscard]] bool areFieldsValid(const CalendarRules& rules,
+                                  const NSDateComponents& fields) noexcept;
+/// Whether the instant shows every set field.
+[[nodiscard]] bool matchesFields(const CalendarRules& rules, const NSDateComponents& fields,
+                                 Instant instant) noexcept;
+/// The mask of the fields that are set.
+[[nodiscard]] NSUInteger setFieldsMask(const NSDateComponents& fields) noexcept;
+
+/// A week by number and the year that it is counted in.
+struct WeekOfYear {
+  std::int32_t year;
+  std::int32_t week;
+};
+[[nodiscard]] WeekOfYear weekOfYear(const CalendarRules& rules, std::int32_t day,
+                                    const civil::Date& date) noexcept;
+[[nodiscard]] std::int32_t weekOfMonth(const CalendarRules& rules, std::int32_t day,
+                                       const civil::Date& date) noexcept;
+
+}  // namespace ORLFoundation
