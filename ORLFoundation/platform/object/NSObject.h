@@ -1,17 +1,35 @@
 /// The root of every class of the library: identity, equality, description, copying, key-value
 /// access, observation and attached values. Objects are made with `std::make_shared` and held by
-/// `std::shared_ptr`.
+/// `std::shared_ptr`. NSKeyTable.h tells how a class declares its keys, NSKeyValueObserving.h what
+/// an observer receives.
+///
+///     void Account::setName(std::string name) {
+///       changeValue("name", [&] { name_ = std::move(name); });   // observers hear of it
+///     }
+///     auto token = account->addObserver("owner.name", NSKeyValueObservingOptionNew, block);
+///
+/// An object that nobody observes and that carries no attached value pays one empty pointer.
 #pragma once
 
 #include <ORLFoundation/platform/value/NSTypes.h>
 
+#include <atomic>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace ORLFoundation {
 
 class id;
+class NSKeyTable;
+class NSKeyValueObservation;
+struct NSKeyValueChange;
+struct NSObjectState;
+
+/// Called with each change of an observed value, on the thread that changed it.
+using NSKeyValueBlock = std::function<void(const NSKeyValueChange& change)>;
 
 class NSObject : public std::enable_shared_from_this<NSObject> {
  public:
@@ -26,12 +44,89 @@ class NSObject : public std::enable_shared_from_this<NSObject> {
   [[nodiscard]] virtual bool isEqual(const NSObject* other) const;
   /// `hash`  Equal objects have equal hashes.
   [[nodiscard]] virtual NSUInteger hash() const;
-  /// `description`
+  /// `description`  "<ClassName: 0x55d0c8>" unless a class says otherwise.
   [[nodiscard]] virtual std::string description() const;
   /// `copy`  The receiver itself for immutable classes; raises for classes that do not copy.
   [[nodiscard]] virtual std::shared_ptr<NSObject> copy();
   /// `mutableCopy`
   [[nodiscard]] virtual std::shared_ptr<NSObject> mutableCopy();
+
+  /// The keys of the object's class, those of its base classes included.
+  [[nodiscard]] virtual const NSKeyTable& keyTable() const;
+  /// `valueForKey:`  The value under a key of the class; "self" is the object. Any other key goes
+  /// to `valueForUndefinedKey`.
+  [[nodiscard]] virtual id valueForKey(std::string_view key) const;
+  /// `setValue:forKey:`  Observers of the key are told once, whether or not the setter tells them
+  /// too. A value of the wrong kind, and nil for a number, raise `NSInvalidArgumentException`; a
+  /// key without a setter goes to `setValueForUndefinedKey`.
+  virtual void setValueForKey(const id& value, std::string_view key);
+  /// `valueForKeyPath:`  Keys with points between them; nil anywhere on the way gives nil.
+  [[nodiscard]] virtual id valueForKeyPath(std::string_view keyPath) const;
+  /// `setValue:forKeyPath:`  A nil on the way takes the value without a trace.
+  virtual void setValueForKeyPath(const id& value, std::string_view keyPath);
+  /// `valueForUndefinedKey:`  Raises `NSUndefinedKeyException` unless a class knows better.
+  [[nodiscard]] virtual id valueForUndefinedKey(std::string_view key) const;
+  /// `setValue:forUndefinedKey:`  Raises `NSUndefinedKeyException` unless a class knows better.
+  virtual void setValueForUndefinedKey(const id& value, std::string_view key);
+
+  /// The value attached under a text key; nil when there is none. Safe on any thread, and costs a
+  /// pointer's read where nothing was ever attached.
+  [[nodiscard]] id attachedValue(std::string_view key) const;
+  /// Attaches a value, which the object then owns; nil takes it away. Safe on any thread. Extra
+  /// state is no part of the object's value, so constant objects take it too.
+  void setAttachedValue(std::string_view key, id value) const;
+
+  /// `addObserver:forKeyPath:options:context:`  Calls the block with each change of the value until
+  /// the token is dropped or invalidated. Neither holds the object. A dead object, also one in the
+  /// middle of the path, is no error: the path then ends in nil.
+  [[nodiscard]] std::shared_ptr<NSKeyValueObservation> addObserver(std::string_view keyPath,
+                                                                   NSUInteger options,
+                                                                   NSKeyValueBlock block);
+  /// The same for an observing object, which is not held: its `observeValueForKeyPath` is called
+  /// until it dies or is removed. The context tells one's own observations from a base class's.
+  void addObserver(const std::shared_ptr<NSObject>& observer, std::string_view forKeyPath,
+                   NSUInteger options, const void* context = nullptr);
+  /// `removeObserver:forKeyPath:context:`  The latest observation that fits; raises
+  /// `NSRangeException` when there is none.
+  void removeObserver(const NSObject& observer, std::string_view forKeyPath,
+                      const void* context = nullptr);
+  /// `observeValueForKeyPath:ofObject:change:context:`  For observing objects to override.
+  virtual void observeValueForKeyPath(std::string_view keyPath, NSObject& ofObject,
+                                      const NSKeyValueChange& change, const void* context);
+  /// `keyPathsForValuesAffectingValueForKey:`  From the key table.
+  [[nodiscard]] virtual std::vector<std::string> keyPathsForValuesAffectingValueForKey(
+      std::string_view key) const;
+
+  /// `willChangeValueForKey:`, `didChangeValueForKey:`  Around every change, in pairs that may
+  /// nest.
+  void willChangeValueForKey(std::string_view key);
+  void didChangeValueForKey(std::string_view key);
+
+  /// Makes a change between the two notices. A change that throws is not told of.
+  template <class Change>
+  void changeValue(std::string_view key, Change&& change) {
+    if (!hasState()) return static_cast<void>(change());
+    willChangeValueForKey(key);
+    try {
+      change();
+    } catch (...) {
+      abandonChange(key);
+      throw;
+    }
+    didChangeValueForKey(key);
+  }
+
+ private:
+  friend class NSKeyValueObservation;
+
+  [[nodiscard]] bool hasState() const noexcept {
+    return state_.load(std::memory_order_acquire) != nullptr;
+  }
+  [[nodiscard]] NSObjectState& state() const;
+  void beginChange(std::string_view key, bool automatic);
+  void abandonChange(std::string_view key) noexcept;
+
+  mutable std::atomic<NSObjectState*> state_{nullptr};
 };
 
 /// A copy under the object's own type; nil for nil.

@@ -1,0 +1,71 @@
+/// Values under keys. Keys and values are any `id` but nil; entries are met in the order of their
+/// addition, and a description lists text keys in ascending order.
+#pragma once
+
+#include <ORLFoundation/platform/object/NSCollection.h>
+#include <ORLFoundation/platform/object/internal/IdTable.h>
+
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace ORLFoundation {
+
+class NSDictionary : public NSCollection {
+ public:
+  using Entries = std::vector<std::pair<id, id>>;
+
+  NSDictionary() = default;
+  /// A later entry takes the place of an earlier one with an equal key. Raises
+  /// `NSInvalidArgumentException` for a nil key or value.
+  explicit NSDictionary(const Entries& entries);
+  /// `dictionaryWithObjectsAndKeys:`  Each pair is a key and its value.
+  [[nodiscard]] static std::shared_ptr<NSDictionary> dictionaryWithEntries(
+      std::initializer_list<std::pair<id, id>> entries);
+
+  [[nodiscard]] NSUInteger count() const noexcept override { return table_.count(); }
+  /// `objectForKey:`  nil for a key that is absent, and for nil.
+  [[nodiscard]] id objectForKey(const id& key) const;
+  /// `allKeys`, `allValues`  In the same order.
+  [[nodiscard]] std::vector<id> allKeys() const;
+  [[nodiscard]] std::vector<id> allValues() const;
+  [[nodiscard]] Entries entries() const;
+
+  [[nodiscard]] std::string className() const override { return "NSDictionary"; }
+  [[nodiscard]] bool isEqual(const NSObject* other) const override;
+  [[nodiscard]] NSUInteger hash() const override;
+  [[nodiscard]] std::string descriptionWithIndent(NSUInteger indent) const override;
+  [[nodiscard]] bool isPropertyList() const override;
+  [[nodiscard]] std::shared_ptr<NSObject> copy() override;
+  [[nodiscard]] std::shared_ptr<NSObject> mutableCopy() override;
+
+  /// `valueForKey:`  `objectForKey`, except that "@count" is the count.
+  [[nodiscard]] id valueForKey(std::string_view key) const override;
+
+ protected:
+  internal::IdTable table_;
+};
+
+class NSMutableDictionary final : public NSDictionary {
+ public:
+  using NSDictionary::NSDictionary;
+
+  /// `setObject:forKey:`  Raises `NSInvalidArgumentException` for a nil key or value.
+  void setObject(const id& object, const id& forKey);
+  /// `removeObjectForKey:`
+  void removeObjectForKey(const id& key) { table_.remove(key); }
+  /// `removeAllObjects`
+  void removeAllObjects() { table_.clear(); }
+  /// `addEntriesFromDictionary:`
+  void addEntriesFromDictionary(const NSDictionary& other);
+  /// `setValue:forKey:`  nil removes the entry. Observers of the key are told.
+  void setValueForKey(const id& value, std::string_view key) override;
+
+  [[nodiscard]] std::string className() const override { return "NSMutableDictionary"; }
+  [[nodiscard]] std::shared_ptr<NSObject> copy() override;
+};
+
+}  // namespace ORLFoundation

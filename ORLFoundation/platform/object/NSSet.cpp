@@ -1,0 +1,94 @@
+#include <ORLFoundation/platform/object/NSArray.h>
+#include <ORLFoundation/platform/object/NSSet.h>
+#include <ORLFoundation/platform/object/internal/CollectionOperators.h>
+#include <ORLFoundation/platform/object/internal/DescriptionText.h>
+#include <ORLFoundation/platform/value/NSException.h>
+
+#include <utility>
+
+namespace ORLFoundation {
+namespace {
+
+void refuseNil(const id& object) {
+  if (object.isNil()) throw NSException(NSInvalidArgumentException, "attempt to insert nil object");
+}
+
+}  // namespace
+
+NSSet::NSSet(const std::vector<id>& members) {
+  for (const id& member : members) {
+    refuseNil(member);
+    table_.set(member, nullptr);
+  }
+}
+
+std::shared_ptr<NSSet> NSSet::setWithObjects(std::initializer_list<id> members) {
+  return std::make_shared<NSSet>(std::vector<id>(members));
+}
+
+std::vector<id> NSSet::allObjects() const {
+  std::vector<id> members;
+  members.reserve(table_.count());
+  table_.forEach([&](const auto& entry) { members.push_back(entry.key); });
+  return members;
+}
+
+id NSSet::anyObject() const {
+  id any;
+  table_.forEach([&](const auto& entry) {
+    if (any.isNil()) any = entry.key;
+  });
+  return any;
+}
+
+bool NSSet::isEqual(const NSObject* other) const {
+  if (this == other) return true;
+  const auto* set = dynamic_cast<const NSSet*>(other);
+  if (!set || set->count() != count()) return false;
+  bool equal = true;
+  table_.forEach([&](const auto& entry) { equal = equal && set->containsObject(entry.key); });
+  return equal;
+}
+
+NSUInteger NSSet::hash() const { return count() ^ 0x736574; }
+
+std::string NSSet::descriptionWithIndent(NSUInteger indent) const {
+  const std::string margin = internal::indentation(indent);
+  if (indent > internal::kDeepestDescription) return margin + "...";
+  std::string members;
+  table_.forEach([&](const auto& entry) {
+    if (!members.empty()) members += ",\n";
+    members += margin + "    " + entry.key.descriptionInCollection(indent + 1);
+  });
+  return margin + "{(\n" + members + (members.empty() ? "" : "\n") + margin + ")}";
+}
+
+std::shared_ptr<NSObject> NSSet::copy() { return shared_from_this(); }
+
+std::shared_ptr<NSObject> NSSet::mutableCopy() {
+  return std::make_shared<NSMutableSet>(allObjects());
+}
+
+id NSSet::valueForKey(std::string_view key) const {
+  if (key == "@count") return count();
+  if (key.starts_with('@')) return NSObject::valueForKey(key.substr(1));
+  const auto values = std::make_shared<NSMutableSet>();
+  table_.forEach([&](const auto& entry) {
+    if (const id value = entry.key.valueForKey(key)) values->addObject(value);
+  });
+  return values->copy();
+}
+
+id NSSet::valueForKeyPath(std::string_view keyPath) const {
+  if (keyPath.starts_with('@')) return internal::applyCollectionOperator(allObjects(), keyPath);
+  return NSObject::valueForKeyPath(keyPath);
+}
+
+void NSMutableSet::addObject(const id& object) {
+  refuseNil(object);
+  table_.set(object, nullptr);
+}
+
+std::shared_ptr<NSObject> NSMutableSet::copy() { return std::make_shared<NSSet>(allObjects()); }
+
+}  // namespace ORLFoundation

@@ -1,0 +1,22 @@
+#include <ORLFoundation/platform/value/NSURL.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+using ORLFoundation::NSURL;
+
+// A text is refused or kept; a path survives the way through a file address.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string_view text(reinterpret_cast<const char*>(data), size);
+  if (const auto url = NSURL::URLWithString(text)) {
+    if (url->absoluteString() != text) std::abort();
+    static_cast<void>(url->host());
+    static_cast<void>(url->port());
+    static_cast<void>(url->pathExtension());
+  }
+  const NSURL file = NSURL::fileURLWithPath(text);
+  if (NSURL::URLWithString(file.absoluteString()) != file) std::abort();
+  return 0;
+}
