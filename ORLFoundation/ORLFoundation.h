@@ -1,2 +1,54 @@
-/// Everything that the library offers, in one include.
+/// Everything that the library offers, in one include. scripts/check_includes.py --write-umbrella
+/// writes this file.
 #pragma once
+
+#include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
+#include <ORLFoundation/calendar/ORLFCalendarNow.h>
+#include <ORLFoundation/calendar/ORLFCalendarQuarters.h>
+#include <ORLFoundation/calendar/ORLFCalendarRounding.h>
+#include <ORLFoundation/calendar/ORLFCompareCalendarUnits.h>
+#include <ORLFoundation/calendar/ORLFDateOrdering.h>
+#include <ORLFoundation/calendar/ORLFISO8601.h>
+#include <ORLFoundation/platform/format/NSLocale.h>
+#include <ORLFoundation/platform/format/NSNumberFormatter.h>
+#include <ORLFoundation/platform/object/Id.h>
+#include <ORLFoundation/platform/object/LogCapture.h>
+#include <ORLFoundation/platform/object/NSArray.h>
+#include <ORLFoundation/platform/object/NSCollection.h>
+#include <ORLFoundation/platform/object/NSDictionary.h>
+#include <ORLFoundation/platform/object/NSError.h>
+#include <ORLFoundation/platform/object/NSKeyTable.h>
+#include <ORLFoundation/platform/object/NSKeyValueObserving.h>
+#include <ORLFoundation/platform/object/NSLog.h>
+#include <ORLFoundation/platform/object/NSNotificationCenter.h>
+#include <ORLFoundation/platform/object/NSNull.h>
+#include <ORLFoundation/platform/object/NSNumber.h>
+#include <ORLFoundation/platform/object/NSObject.h>
+#include <ORLFoundation/platform/object/NSSet.h>
+#include <ORLFoundation/platform/object/NSString.h>
+#include <ORLFoundation/platform/object/NSUserDefaults.h>
+#include <ORLFoundation/platform/object/NSValue.h>
+#include <ORLFoundation/platform/object/NSValueTransformer.h>
+#include <ORLFoundation/platform/object/ORLFFatalError.h>
+#include <ORLFoundation/platform/text/NSStringNumbers.h>
+#include <ORLFoundation/platform/time/NSCalendar.h>
+#include <ORLFoundation/platform/time/NSCalendarUnit.h>
+#include <ORLFoundation/platform/time/NSDateComponents.h>
+#include <ORLFoundation/platform/time/NSTimeZone.h>
+#include <ORLFoundation/platform/value/NSData.h>
+#include <ORLFoundation/platform/value/NSDate.h>
+#include <ORLFoundation/platform/value/NSException.h>
+#include <ORLFoundation/platform/value/NSRange.h>
+#include <ORLFoundation/platform/value/NSTypes.h>
+#include <ORLFoundation/platform/value/NSURL.h>
+#include <ORLFoundation/platform/value/NSUUID.h>
+#include <ORLFoundation/recurrence/ORLFCalendarRecurrence.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceBlock.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceDayOfWeek.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceEnd.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceFrequency.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+#include <ORLFoundation/support/ORLFCondition.h>
+#include <ORLFoundation/support/ORLFConditionalLog.h>
+#include <ORLFoundation/support/ORLFDebugLog.h>

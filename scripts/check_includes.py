@@ -20,6 +20,7 @@ PLATFORM_RANKS = {
     "platform_object": 1,
     "platform_number": 2,
     "platform_time": 2,
+    "platform_text": 2,
     "platform_format": 3,
     "platform_archive": 4,
 }
