@@ -79,9 +79,10 @@ class NSCalendar : public NSObject {
                                                              NSDate toDate,
                                                              NSUInteger options) const noexcept;
   /// `dateFromComponents:`  Unset fields take their smallest value, a week without a weekday its
-  /// first day; values out of range roll over. Of a day, a weekday's place and a week of the month,
-  /// the first that is set decides; a week of the year does where no month and none of these is
-  /// set. A time that a clock change leaves out is moved on by the gap; a doubled one is its first.
+  /// first day; values out of range roll over. A day decides over a weekday's place, that over a
+  /// week of the month; where none of month, day and week of the month is set, a week of the year
+  /// does. A time that a clock change leaves out is moved on by the gap; a doubled one is its
+  /// first.
   [[nodiscard]] std::optional<NSDate> dateFromComponents(
       const NSDateComponents& components) const noexcept;
   /// `dateBySettingUnit:value:ofDate:options:`  The date itself when it shows the value, else the

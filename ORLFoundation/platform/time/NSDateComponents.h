@@ -73,7 +73,7 @@ class NSDateComponents {
   }
   /// `isValidDateInCalendar:`  Whether the set fields describe a date that exists: not 31 April,
   /// not a weekday's fifth place in a month that holds four, not a time that a clock change leaves
-  /// out.
+  /// out. A day whose midnight is left out exists as long as no time is named.
   [[nodiscard]] bool isValidDateInCalendar(const NSCalendar& calendar) const;
 
   /// `isEqual:`  All fields, unset ones included.

@@ -73,7 +73,7 @@ NSInteger daysIntoWeek(const CalendarRules& rules, NSInteger weekday) noexcept {
 // Whether the fields tell a day by its week of the year rather than by its month.
 bool isNamedByWeekOfYear(const NSDateComponents& fields) noexcept {
   return !isSet(fields.month()) && !isSet(fields.day()) && !isSet(fields.quarter()) &&
-         !isSet(fields.weekOfMonth()) && !isSet(fields.weekdayOrdinal()) &&
+         !isSet(fields.weekOfMonth()) &&
          (isSet(fields.weekOfYear()) || isSet(fields.yearForWeekOfYear()));
 }
 
@@ -209,8 +209,10 @@ bool areFieldsValid(const CalendarRules& rules, const NSDateComponents& fields) 
     if (asked.nanosecond() < 0 || asked.nanosecond() > 999'999'999) return false;
     asked.setNanosecond(NSDateComponentUndefined);
   }
-  // Beside a week of the year, the year is the one that the week is counted in.
-  if (isNamedByWeekOfYear(fields) && !isSet(fields.yearForWeekOfYear())) {
+  // Beside a week of the year alone, the year is the one that the week is counted in; beside a
+  // weekday too it is the calendar's, and week 1 may lack the day.
+  if (isNamedByWeekOfYear(fields) && !isSet(fields.weekday()) &&
+      !isSet(fields.yearForWeekOfYear())) {
     asked.setYearForWeekOfYear(astronomicalYear(fields, valueOr(fields.year(), 1)));
     asked.setYear(NSDateComponentUndefined);
     asked.setEra(NSDateComponentUndefined);
