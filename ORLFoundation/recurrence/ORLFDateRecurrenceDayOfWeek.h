@@ -31,6 +31,7 @@ class ORLFDateRecurrenceDayOfWeek : public NSObject {
   /// Which such day of the month: 1 to 5 from its start, negative from its end, 0 for none given.
   [[nodiscard]] NSInteger weekNumber() const noexcept { return weekNumber_; }
 
+  [[nodiscard]] const NSKeyTable& keyTable() const override;
   [[nodiscard]] std::string className() const override;
   /// `isEqual:`  An entry with equal fields.
   [[nodiscard]] bool isEqual(const NSObject* other) const override;

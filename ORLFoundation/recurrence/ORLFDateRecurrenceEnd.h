@@ -33,6 +33,7 @@ class ORLFDateRecurrenceEnd : public NSObject {
   [[nodiscard]] bool shouldEndForDate(std::optional<NSDate> date, NSInteger count,
                                       bool backwards) const;
 
+  [[nodiscard]] const NSKeyTable& keyTable() const override;
   [[nodiscard]] std::string className() const override;
   /// `isEqual:`  By end date where the receiver has one, else by count alone: an end after 0 dates
   /// equals an end by any date, though not the other way round. This lopsided test is required.

@@ -36,6 +36,8 @@ class ORLFDateRecurrencePeriod : public NSObject {
   [[nodiscard]] bool isEqualToRecurrencePeriod(
       const ORLFDateRecurrencePeriod* other) const noexcept;
 
+  /// Keys "frequency", "interval" and "frequencyPerYear", which depends on them.
+  [[nodiscard]] const NSKeyTable& keyTable() const override;
   [[nodiscard]] std::string className() const override;
   /// `isEqual:`  A period for which `isEqualToRecurrencePeriod` holds.
   [[nodiscard]] bool isEqual(const NSObject* other) const override;

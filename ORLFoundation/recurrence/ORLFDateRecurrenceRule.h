@@ -168,6 +168,7 @@ class ORLFDateRecurrenceRule : public NSObject {
   [[nodiscard]] std::vector<NSDate> boundingDatesForReferenceDate(
       std::optional<NSDate> date, const NSCalendar& inCalendar) const;
 
+  [[nodiscard]] const NSKeyTable& keyTable() const override;
   [[nodiscard]] std::string className() const override;
   /// `isEqual:`  A rule with equal fields; `absolute` takes no part, here or in the hash.
   [[nodiscard]] bool isEqual(const NSObject* other) const override;

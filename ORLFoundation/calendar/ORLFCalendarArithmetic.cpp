@@ -1,0 +1,107 @@
+#include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
+#include <ORLFoundation/calendar/ORLFCalendarQuarters.h>
+#include <ORLFoundation/calendar/ORLFCalendarRounding.h>
+#include <ORLFoundation/calendar/ORLFCompareCalendarUnits.h>
+#include <ORLFoundation/support/ORLFCondition.h>
+#include <ORLFoundation/support/ORLFDebugLog.h>
+
+namespace ORLFoundation {
+namespace {
+
+constexpr NSUInteger kCountedUnits =
+    NSCalendarUnitEra | NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay |
+    NSCalendarUnitHour | NSCalendarUnitMinute | NSCalendarUnitSecond | NSCalendarUnitWeek |
+    NSCalendarUnitWeekday | NSCalendarUnitWeekdayOrdinal | NSCalendarUnitWeekOfMonth |
+    NSCalendarUnitWeekOfYear | NSCalendarUnitYearForWeekOfYear;
+
+constexpr bool isOneOf(NSCalendarUnit unit, NSUInteger units) {
+  const auto bits = static_cast<NSUInteger>(unit);
+  return (bits & (bits - 1)) == 0 && (bits & units) != 0;
+}
+
+NSInteger secondsBetween(const NSCalendar& calendar, NSDate from, NSDate to) noexcept {
+  const NSInteger seconds = calendar.components(NSCalendarUnitSecond, from, to, 0).second();
+  return seconds == NSDateComponentUndefined ? 0 : seconds;
+}
+
+/// The whole seconds from one date to another over the length of the unit that holds `within`.
+double fractionOfUnit(const NSCalendar& calendar, NSCalendarUnit unit, NSDate within, NSDate from,
+                      NSDate to) noexcept {
+  NSTimeInterval length = 0;
+  if (!calendar.rangeOfUnit(unit, nullptr, &length, within)) {
+    _ORLFDebugLog("Couldn't calculate range of unit for %@", within);
+    return 0;
+  }
+  return static_cast<double>(secondsBetween(calendar, from, to)) / length;
+}
+
+bool isWholeCount(const NSCalendar& calendar, NSCalendarUnit unit, NSInteger whole, NSDate from,
+                  NSDate to) noexcept {
+  const std::optional<NSDate> probe =
+      whole == 0 ? from : calendar.dateByAddingUnit(unit, whole, from, 0);
+  return probe && probe->compare(to) == NSOrderedSame;
+}
+
+}  // namespace
+
+NSInteger orlfIntervalInCalendarUnit(const NSCalendar& calendar, NSCalendarUnit unit,
+                                     NSDate fromDate, NSDate toDate) noexcept {
+  if (unit == NSCalendarUnitQuarter)
+    return orlfQuartersForDateSince1970(calendar, toDate) -
+           orlfQuartersForDateSince1970(calendar, fromDate);
+  if (!isOneOf(unit, kCountedUnits)) return 0;
+  const NSCalendarUnit asked = unit == NSCalendarUnitWeek ? NSCalendarUnitWeekOfYear : unit;
+  const NSInteger interval =
+      calendar.components(asked, fromDate, toDate, 0).valueForComponent(asked);
+  return interval == NSDateComponentUndefined ? 0 : interval;
+}
+
+double orlfCountOfCalendarUnit(const NSCalendar& calendar, NSCalendarUnit unit, NSDate fromDate,
+                               NSDate toDate) {
+  const NSInteger whole = orlfIntervalInCalendarUnit(calendar, unit, fromDate, toDate);
+  if (isWholeCount(calendar, unit, whole, fromDate, toDate)) return static_cast<double>(whole);
+
+  const auto up = orlfDateByRoundingDateUpToCalendarUnit(calendar, fromDate, unit);
+  const auto down = orlfDateByRoundingDateDownToCalendarUnit(calendar, toDate, unit);
+  double count = 0;
+  if (up && down)
+    count = static_cast<double>(orlfIntervalInCalendarUnit(calendar, unit, *up, *down));
+  if (ORLFCompareCalendarUnits(unit, NSCalendarUnitDay) != NSOrderedDescending) {
+    ORLFConditionAssert(unit == NSCalendarUnitDay, "unit == NSCalendarUnitDay",
+                        "Units smaller than day are not supported");
+    return count;
+  }
+  if (up && !up->isEqualToDate(fromDate))
+    count += fractionOfUnit(calendar, unit, fromDate, fromDate, *up);
+  if (down && !down->isEqualToDate(toDate))
+    count += fractionOfUnit(calendar, unit, toDate, *down, toDate);
+  return count;
+}
+
+std::optional<NSDate> orlfDateByAddingInterval(const NSCalendar& calendar, NSInteger interval,
+                                               NSCalendarUnit inCalendarUnit,
+                                               std::optional<NSDate> toDate) noexcept {
+  if (!toDate) return std::nullopt;
+  NSDateComponents components;
+  if (inCalendarUnit == NSCalendarUnitQuarter) {
+    NSInteger months = 0;
+    if (__builtin_mul_overflow(interval, orlfMonthsPerQuarter(calendar), &months))
+      return std::nullopt;
+    components.setMonth(months);
+  } else {
+    components.setValueForComponent(interval, inCalendarUnit);
+  }
+  return calendar.dateByAddingComponents(components, *toDate, 0);
+}
+
+NSComparisonResult orlfDateOnSameDayAsDate(const NSCalendar& calendar, std::optional<NSDate> date,
+                                           std::optional<NSDate> onSameDayAsDate) noexcept {
+  if (!date || !onSameDayAsDate) return NSOrderedAscending;
+  constexpr NSUInteger kDate = NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay;
+  const NSDateComponents day = calendar.components(kDate, *date);
+  const bool same =
+      day.day() != NSDateComponentUndefined && day == calendar.components(kDate, *onSameDayAsDate);
+  return same ? NSOrderedSame : date->compare(*onSameDayAsDate);
+}
+
+}  // namespace ORLFoundation

@@ -1,0 +1,69 @@
+#include <ORLFoundation/platform/object/NSKeyTable.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceDayOfWeek.h>
+#include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
+#include <ORLFoundation/recurrence/internal/ORLFRecurrenceKeys.h>
+
+#include <iterator>
+
+namespace ORLFoundation {
+namespace {
+
+/// From -3 on.
+constexpr std::string_view kWeekdayNames[] = {"weekend day", "weekday", "day",     "unknown",
+                                              "Sunday",      "Monday",  "Tuesday", "Wednesday",
+                                              "Thursday",    "Friday",  "Saturday"};
+constexpr NSInteger kFirstWeekdayName = -3;
+
+/// From -1 on.
+constexpr std::string_view kWeekNumberNames[] = {"last",  "every",  "first", "second",
+                                                 "third", "fourth", "fifth"};
+constexpr NSInteger kFirstWeekNumberName = -1;
+
+template <std::size_t Count>
+std::string_view nameAt(const std::string_view (&names)[Count], NSInteger first, NSInteger value,
+                        std::string_view fallback) noexcept {
+  if (value < first || value >= first + static_cast<NSInteger>(Count)) return fallback;
+  return names[value - first];
+}
+
+}  // namespace
+
+ORLFDateRecurrenceDayOfWeek::ORLFDateRecurrenceDayOfWeek(NSInteger dayOfTheWeek,
+                                                         NSInteger weekNumber)
+    : dayOfTheWeek_(dayOfTheWeek), weekNumber_(weekNumber) {}
+
+std::shared_ptr<ORLFDateRecurrenceDayOfWeek> ORLFDateRecurrenceDayOfWeek::dayOfWeek(
+    NSInteger dayOfTheWeek) {
+  return std::make_shared<ORLFDateRecurrenceDayOfWeek>(dayOfTheWeek);
+}
+
+std::string_view ORLFDateRecurrenceDayOfWeek::nameForWeekday(NSInteger weekday) noexcept {
+  return nameAt(kWeekdayNames, kFirstWeekdayName, weekday, "unknown");
+}
+
+std::string_view ORLFDateRecurrenceDayOfWeek::stringForWeekNumber(NSInteger weekNumber) noexcept {
+  return nameAt(kWeekNumberNames, kFirstWeekNumberName, weekNumber, "every");
+}
+
+const NSKeyTable& ORLFDateRecurrenceDayOfWeek::keyTable() const {
+  using Entry = ORLFDateRecurrenceDayOfWeek;
+  static const NSKeyTable table(NSObject::keyTable(),
+                                {NSKey::readOnly<&Entry::dayOfTheWeek>(internal::kDayOfTheWeekKey),
+                                 NSKey::readOnly<&Entry::weekNumber>(internal::kWeekNumberKey)});
+  return table;
+}
+
+std::string ORLFDateRecurrenceDayOfWeek::className() const { return "ORLFDateRecurrenceDayOfWeek"; }
+
+bool ORLFDateRecurrenceDayOfWeek::isEqual(const NSObject* other) const {
+  const auto* entry = dynamic_cast<const ORLFDateRecurrenceDayOfWeek*>(other);
+  return entry && entry->dayOfTheWeek_ == dayOfTheWeek_ && entry->weekNumber_ == weekNumber_;
+}
+
+NSUInteger ORLFDateRecurrenceDayOfWeek::hash() const {
+  return static_cast<NSUInteger>(internal::wrappedSum(dayOfTheWeek_, weekNumber_));
+}
+
+std::shared_ptr<NSObject> ORLFDateRecurrenceDayOfWeek::copy() { return shared_from_this(); }
+
+}  // namespace ORLFoundation

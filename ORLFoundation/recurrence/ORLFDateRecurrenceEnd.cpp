@@ -1,0 +1,65 @@
+#include <ORLFoundation/calendar/ORLFDateOrdering.h>
+#include <ORLFoundation/platform/object/NSKeyTable.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceEnd.h>
+#include <ORLFoundation/recurrence/internal/ORLFRecurrenceKeys.h>
+#include <ORLFoundation/support/ORLFCondition.h>
+
+namespace ORLFoundation {
+
+ORLFDateRecurrenceEnd::ORLFDateRecurrenceEnd(std::optional<NSDate> endDate,
+                                             NSUInteger occurrenceCount)
+    : endDate_(endDate), occurrenceCount_(occurrenceCount) {}
+
+std::shared_ptr<ORLFDateRecurrenceEnd> ORLFDateRecurrenceEnd::initEndWithEndDate(
+    std::optional<NSDate> endDate) {
+  return std::make_shared<ORLFDateRecurrenceEnd>(endDate, 0);
+}
+
+std::shared_ptr<ORLFDateRecurrenceEnd> ORLFDateRecurrenceEnd::initEndWithOccurrenceCount(
+    NSUInteger occurrenceCount) {
+  return std::make_shared<ORLFDateRecurrenceEnd>(std::nullopt, occurrenceCount);
+}
+
+void ORLFDateRecurrenceEnd::setEndDate(std::optional<NSDate> endDate) {
+  changeValue(internal::kEndDateKey, [&] { endDate_ = endDate; });
+}
+
+void ORLFDateRecurrenceEnd::setOccurrenceCount(NSUInteger occurrenceCount) {
+  changeValue(internal::kOccurrenceCountKey, [&] { occurrenceCount_ = occurrenceCount; });
+}
+
+bool ORLFDateRecurrenceEnd::shouldEndForDate(std::optional<NSDate> date, NSInteger count,
+                                             bool backwards) const {
+  if (!endDate_) return static_cast<NSUInteger>(count) >= occurrenceCount_;
+  ORLFConditionAssert(date.has_value(), "date != nil",
+                      "NIL date for ORLFDateRecurrenceEnd with and end date");
+  if (!date) return true;
+  return backwards ? !orlfIsBefore(*endDate_, *date) : !orlfIsAfter(*endDate_, *date);
+}
+
+const NSKeyTable& ORLFDateRecurrenceEnd::keyTable() const {
+  using End = ORLFDateRecurrenceEnd;
+  static const NSKeyTable table(
+      NSObject::keyTable(),
+      {NSKey::readWrite<&End::endDate, &End::setEndDate>(internal::kEndDateKey),
+       NSKey::readWrite<&End::occurrenceCount, &End::setOccurrenceCount>(
+           internal::kOccurrenceCountKey)});
+  return table;
+}
+
+std::string ORLFDateRecurrenceEnd::className() const { return "ORLFDateRecurrenceEnd"; }
+
+bool ORLFDateRecurrenceEnd::isEqual(const NSObject* other) const {
+  const auto* end = dynamic_cast<const ORLFDateRecurrenceEnd*>(other);
+  if (!end) return false;
+  if (!endDate_) return end->occurrenceCount_ == occurrenceCount_;
+  return end->endDate_ && end->endDate_->isEqualToDate(*endDate_);
+}
+
+NSUInteger ORLFDateRecurrenceEnd::hash() const {
+  return endDate_ ? endDate_->hash() : occurrenceCount_;
+}
+
+std::shared_ptr<NSObject> ORLFDateRecurrenceEnd::copy() { return shared_from_this(); }
+
+}  // namespace ORLFoundation

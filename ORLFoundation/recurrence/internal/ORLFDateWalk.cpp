@@ -1,0 +1,119 @@
+#include <ORLFoundation/calendar/ORLFDateOrdering.h>
+#include <ORLFoundation/recurrence/internal/ORLFDateWalk.h>
+#include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace ORLFoundation::internal {
+namespace {
+
+constexpr NSInteger kMonthsPerQuarter = 3;
+/// Each empty period counts for two, so that 60 in a row end a walk.
+constexpr int kEmptinessLimit = 120;
+constexpr int kEmptinessOfPeriod = 2;
+
+NSCalendarUnit unitOf(const ORLFDateRecurrenceRule& rule) {
+  return rule.frequency() == ORLFDateRecurrenceFrequencyQuarterly
+             ? NSCalendarUnitMonth
+             : static_cast<NSCalendarUnit>(rule.frequency());
+}
+
+std::optional<NSInteger> stepOf(const ORLFDateRecurrenceRule& rule, bool backwards) {
+  const NSInteger units =
+      rule.frequency() == ORLFDateRecurrenceFrequencyQuarterly ? kMonthsPerQuarter : 1;
+  return product(rule.interval(), backwards ? -units : units);
+}
+
+}  // namespace
+
+ORLFDateWalk::ORLFDateWalk(const ORLFDateRecurrenceRule& rule,
+                           const ORLFDateRecurrenceRule::EnumerateDatesStartDate& arguments)
+    : rule_(rule),
+      arguments_(arguments),
+      unit_(unitOf(rule)),
+      step_(stepOf(rule, arguments.backwards)),
+      simple_(rule.isSimpleRecurrence()),
+      expansion_(rule, arguments.startDate, &arguments.calendar),
+      current_(arguments.startDate) {}
+
+NSUInteger ORLFDateWalk::run() {
+  int emptiness = 0;
+  NSInteger index = 0;
+  while (!stop_) {
+    const std::optional<NSDate> next = endOfWindow(++index);
+    collectWindow(next);
+    emptiness = window_.empty() ? emptiness + kEmptinessOfPeriod : 0;
+    deliver();
+    if (emptiness >= kEmptinessLimit || !next) break;
+    current_ = *next;
+  }
+  return static_cast<NSUInteger>(index);
+}
+
+/// Always counted from the start date, so that a month's end that clamps once stays out of the
+/// windows after it. nil where the calendar ends, and with it the walk.
+std::optional<NSDate> ORLFDateWalk::endOfWindow(NSInteger index) const noexcept {
+  const std::optional<NSInteger> units = step_ ? product(index, *step_) : std::nullopt;
+  if (!units) return std::nullopt;
+  return arguments_.calendar.dateByAddingUnit(unit_, *units, arguments_.startDate, 0);
+}
+
+/// A window holds its near end and not its far end. Neither end need sit on a boundary of the
+/// calendar, so both ends' patterns give candidates.
+void ORLFDateWalk::collectWindow(std::optional<NSDate> next) {
+  window_.clear();
+  if (simple_) {
+    window_.push_back(current_);
+    return;
+  }
+  if (!next) return;
+  if (ofNext_.quiet)
+    std::swap(ofCurrent_, ofNext_);
+  else
+    resolvePatterns(current_, ofCurrent_);
+  resolvePatterns(*next, ofNext_);
+  keepDatesInWindow(ofCurrent_.dates, *next);
+  keepDatesInWindow(ofNext_.dates, *next);
+
+  const auto before = [](NSDate left, NSDate right) { return orlfIsBefore(left, right); };
+  const auto after = [](NSDate left, NSDate right) { return orlfIsAfter(left, right); };
+  if (arguments_.backwards)
+    std::sort(window_.begin(), window_.end(), after);
+  else
+    std::sort(window_.begin(), window_.end(), before);
+  window_.erase(std::unique(window_.begin(), window_.end()), window_.end());
+}
+
+void ORLFDateWalk::resolvePatterns(NSDate date, PeriodDates& into) {
+  into.dates.clear();
+  for (const NSDateComponents& pattern : expansion_.expand(date)) {
+    if (!pattern.isValidDateInCalendar(arguments_.calendar)) continue;
+    const std::optional<NSDate> resolved = arguments_.calendar.dateFromComponents(pattern);
+    if (resolved) into.dates.push_back(*resolved);
+  }
+  into.quiet = expansion_.quiet();
+}
+
+void ORLFDateWalk::keepDatesInWindow(const Dates& dates, NSDate next) {
+  for (const NSDate date : dates) {
+    const bool inside = arguments_.backwards
+                            ? orlfIsOnOrBefore(date, current_) && orlfIsAfter(date, next)
+                            : orlfIsOnOrAfter(date, current_) && orlfIsBefore(date, next);
+    if (inside) window_.push_back(date);
+  }
+}
+
+/// The end counts the dates delivered before, the block counts its own too.
+void ORLFDateWalk::deliver() {
+  for (const NSDate date : window_) {
+    if (arguments_.end)
+      stop_ = arguments_.end->shouldEndForDate(date, static_cast<NSInteger>(delivered_),
+                                               arguments_.backwards);
+    if (stop_) return;
+    arguments_.usingBlock(date, ++delivered_, stop_);
+    if (stop_) return;
+  }
+}
+
+}  // namespace ORLFoundation::internal

@@ -1,0 +1,52 @@
+/// The main enumeration: one window of time after the other, from the start date on, with the dates
+/// of the rule that lie inside it.
+#pragma once
+
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+#include <ORLFoundation/recurrence/internal/ORLFPatternExpansion.h>
+
+#include <boost/container/small_vector.hpp>
+#include <optional>
+
+namespace ORLFoundation::internal {
+
+class ORLFDateWalk {
+ public:
+  /// The rule and the arguments must outlive the walk; `exactPatternMatch` is not looked at.
+  ORLFDateWalk(const ORLFDateRecurrenceRule& rule,
+               const ORLFDateRecurrenceRule::EnumerateDatesStartDate& arguments);
+
+  /// Walks to the end and answers how many periods that took.
+  NSUInteger run();
+
+ private:
+  using Dates = boost::container::small_vector<NSDate, 16>;
+  /// The dates that the patterns of one period describe, inside a window or not.
+  struct PeriodDates {
+    Dates dates;
+    /// Making them logged nothing, so that they may serve the next window too.
+    bool quiet = false;
+  };
+
+  [[nodiscard]] std::optional<NSDate> endOfWindow(NSInteger index) const noexcept;
+  void collectWindow(std::optional<NSDate> next);
+  void resolvePatterns(NSDate date, PeriodDates& into);
+  void keepDatesInWindow(const Dates& dates, NSDate next);
+  void deliver();
+
+  const ORLFDateRecurrenceRule& rule_;
+  const ORLFDateRecurrenceRule::EnumerateDatesStartDate& arguments_;
+  NSCalendarUnit unit_;
+  std::optional<NSInteger> step_;
+  bool simple_;
+
+  ORLFPatternExpansion expansion_;
+  PeriodDates ofCurrent_;
+  PeriodDates ofNext_;
+  Dates window_;
+  NSDate current_;
+  NSUInteger delivered_ = 0;
+  bool stop_ = false;
+};
+
+}  // namespace ORLFoundation::internal

@@ -1,0 +1,59 @@
+#include <ORLFoundation/recurrence/internal/ORLFExactPattern.h>
+
+namespace ORLFoundation::internal {
+namespace {
+
+using Rule = ORLFDateRecurrenceRule;
+
+template <class List>
+bool holdsEntries(const List& list) {
+  return list && !list->empty();
+}
+
+Rule::Recurrence withoutLists(const Rule& rule) {
+  return {.frequency = rule.frequency(), .interval = rule.interval()};
+}
+
+std::optional<Rule::Recurrence> exactDay(const Rule& rule, const NSDateComponents& date) {
+  if (holdsEntries(rule.daysOfTheMonth())) return std::nullopt;
+  Rule::Recurrence exact = withoutLists(rule);
+  exact.daysOfTheMonth = {{date.day()}};
+  return exact;
+}
+
+std::optional<Rule::Recurrence> exactWeekday(const Rule& rule, const NSDateComponents& date) {
+  if (holdsEntries(rule.daysOfTheWeek())) return std::nullopt;
+  Rule::Recurrence exact = withoutLists(rule);
+  exact.daysOfTheWeek = {{ORLFDateRecurrenceDayOfWeek::dayOfWeek(date.weekday())}};
+  return exact;
+}
+
+std::optional<Rule::Recurrence> exactDayAndMonth(const Rule& rule, const NSDateComponents& date) {
+  Rule::Recurrence exact = withoutLists(rule);
+  exact.daysOfTheMonth = rule.daysOfTheMonth();
+  if (!holdsEntries(exact.daysOfTheMonth)) exact.daysOfTheMonth = {{date.day()}};
+  exact.monthsOfTheYear = {{date.month()}};
+  return exact;
+}
+
+}  // namespace
+
+std::optional<Rule::Recurrence> exactPattern(const Rule& rule, NSDate referenceDate,
+                                             const NSCalendar& calendar) {
+  const NSDateComponents date = calendar.components(
+      NSCalendarUnitMonth | NSCalendarUnitDay | NSCalendarUnitWeekday, referenceDate);
+  switch (rule.frequency()) {
+    case ORLFDateRecurrenceFrequencyMonthly:
+    case ORLFDateRecurrenceFrequencyQuarterly:
+      return exactDay(rule, date);
+    case ORLFDateRecurrenceFrequencyWeekly:
+      return exactWeekday(rule, date);
+    case ORLFDateRecurrenceFrequencyYearly:
+      return exactDayAndMonth(rule, date);
+    case ORLFDateRecurrenceFrequencyDaily:
+      break;
+  }
+  return std::nullopt;
+}
+
+}  // namespace ORLFoundation::internal

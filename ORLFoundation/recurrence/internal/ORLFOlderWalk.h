@@ -1,0 +1,37 @@
+/// The older enumeration, apart from the main one on purpose: it steps from a base that an absolute
+/// rule's anchor sets, looks back from each step for the dates that match the rule's patterns, and
+/// picks among them by position.
+#pragma once
+
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+
+#include <boost/container/small_vector.hpp>
+#include <optional>
+
+namespace ORLFoundation::internal {
+
+class ORLFOlderWalk {
+ public:
+  /// The rule and the arguments must outlive the walk.
+  ORLFOlderWalk(const ORLFDateRecurrenceRule& rule,
+                const ORLFDateRecurrenceRule::EnumerateDatesRefernceDate& arguments);
+
+  void run();
+
+ private:
+  [[nodiscard]] std::optional<NSDate> base() const;
+  [[nodiscard]] std::optional<NSDate> dateOfPeriod(NSDate base, NSInteger number) const noexcept;
+  void collectPeriod(NSDate period);
+  [[nodiscard]] bool isPicked(std::size_t index) const noexcept;
+  bool deliver();
+
+  const ORLFDateRecurrenceRule& rule_;
+  const ORLFDateRecurrenceRule::EnumerateDatesRefernceDate& arguments_;
+  std::optional<ORLFDateRecurrenceRule::WorkingSet> patterns_;
+  NSCalendarUnit unit_;
+  boost::container::small_vector<NSDate, 16> dates_;
+  NSUInteger delivered_ = 0;
+  bool stop_ = false;
+};
+
+}  // namespace ORLFoundation::internal
