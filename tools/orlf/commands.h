@@ -1,0 +1,31 @@
+/// The commands of the tool, one file each.
+#pragma once
+
+#include <functional>
+
+namespace CLI {
+class App;
+}  // namespace CLI
+
+namespace orlftool {
+
+struct Session;
+
+/// A command that has been added to the parser: `run` does its job with what was parsed.
+struct Command {
+  CLI::App* parser = nullptr;
+  std::function<void(Session&)> run;
+};
+
+/// `orlf dates`  The dates of a recurrence rule.
+[[nodiscard]] Command addDatesCommand(CLI::App& tool);
+/// `orlf plan`  Balances and contributions of a plan file.
+[[nodiscard]] Command addPlanCommand(CLI::App& tool);
+/// `orlf amount`  Amounts as people type them.
+[[nodiscard]] Command addAmountCommand(CLI::App& tool);
+/// `orlf round`  A decimal rounded.
+[[nodiscard]] Command addRoundCommand(CLI::App& tool);
+/// `orlf decimal`  Sums on decimals.
+[[nodiscard]] Command addDecimalCommand(CLI::App& tool);
+
+}  // namespace orlftool

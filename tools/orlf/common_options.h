@@ -1,0 +1,34 @@
+/// What every command shares: where it writes, the options that work before and after the command's
+/// name, and the calendar that these options make.
+#pragma once
+
+#include <ORLFoundation/platform/time/NSCalendar.h>
+
+#include <iosfwd>
+#include <memory>
+#include <string>
+
+namespace orlftool {
+
+struct CommonOptions {
+  bool json = false;
+  std::string zone = "UTC";
+  bool zoneWasGiven = false;
+  std::string locale = "en_US";
+};
+
+/// One run of the tool. Commands write to the streams only.
+struct Session {
+  std::ostream& out;
+  std::ostream& err;
+  CommonOptions options;
+};
+
+/// A Gregorian calendar in a zone, with the weeks and the weekend of the locale's region. Throws
+/// UsageFailure for a zone or a locale that is unknown.
+[[nodiscard]] std::shared_ptr<ORLFoundation::NSCalendar> makeCalendar(const std::string& zone,
+                                                                      const std::string& locale);
+/// Whether language and region (where one is named) of an identifier such as "de_DE" exist.
+[[nodiscard]] bool isKnownLocale(const std::string& identifier);
+
+}  // namespace orlftool
