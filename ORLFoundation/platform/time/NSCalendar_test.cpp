@@ -1,0 +1,632 @@
+#include <ORLFoundation/platform/time/NSCalendar.h>
+#include <gtest/gtest.h>
+#include <tests/support/VectorCodec.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+
+namespace ORLFoundation {
+namespace {
+
+using orlftest::componentsFromVector;
+using orlftest::vectorFromComponents;
+using orlftest::vectorFromDate;
+
+std::shared_ptr<NSCalendar> calendarIn(const char* zone, NSInteger firstWeekday = 1,
+                                       NSInteger minimumDays = 1) {
+  const auto calendar = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian);
+  calendar->setTimeZone(NSTimeZone::timeZoneWithName(zone));
+  calendar->setFirstWeekday(firstWeekday);
+  calendar->setMinimumDaysInFirstWeek(minimumDays);
+  return calendar;
+}
+
+NSDate date(const char* text) { return orlftest::dateFromVector(text).value(); }
+
+// ---------------------------------------------------------------- the calendar as an object
+
+TEST(NSCalendar, IsMadeForKnownIdentifiersOnly) {
+  EXPECT_NE(NSCalendar::initWithCalendarIdentifier("gregorian"), nullptr);
+  EXPECT_NE(NSCalendar::initWithCalendarIdentifier("iso8601"), nullptr);
+  for (const char* identifier : {"", "julian", "hebrew", "Gregorian"})
+    EXPECT_EQ(NSCalendar::initWithCalendarIdentifier(identifier), nullptr) << identifier;
+}
+
+TEST(NSCalendar, BeginsWeeksOnSundayOrOnMondayForISO8601) {
+  const auto gregorian = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian);
+  EXPECT_EQ(gregorian->firstWeekday(), 1);
+  EXPECT_EQ(gregorian->minimumDaysInFirstWeek(), 1);
+  const auto iso = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierISO8601);
+  iso->setLocaleIdentifier("en_US");
+  EXPECT_EQ(iso->firstWeekday(), 2);
+  EXPECT_EQ(iso->minimumDaysInFirstWeek(), 4);
+}
+
+TEST(NSCalendar, TakesWeeksFromTheLocaleUnlessTheyWereSet) {
+  const auto calendar = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian);
+  calendar->setLocaleIdentifier("de_DE");
+  EXPECT_EQ(calendar->firstWeekday(), 2);
+  EXPECT_EQ(calendar->minimumDaysInFirstWeek(), 4);
+  calendar->setFirstWeekday(7);
+  calendar->setLocaleIdentifier("en_US");
+  EXPECT_EQ(calendar->firstWeekday(), 7);
+  EXPECT_EQ(calendar->minimumDaysInFirstWeek(), 1);
+}
+
+TEST(NSCalendar, IgnoresWeekdaysAndMinimumsThatDoNotExist) {
+  const auto calendar = calendarIn("UTC", 3, 5);
+  for (const NSInteger value : {NSIntegerMin, NSInteger{0}, NSInteger{8}, NSIntegerMax}) {
+    calendar->setFirstWeekday(value);
+    calendar->setMinimumDaysInFirstWeek(value);
+  }
+  EXPECT_EQ(calendar->firstWeekday(), 3);
+  EXPECT_EQ(calendar->minimumDaysInFirstWeek(), 5);
+}
+
+TEST(NSCalendar, CopiesToACalendarOfItsOwn) {
+  const auto calendar = calendarIn("Asia/Kathmandu", 2, 4);
+  calendar->setLocaleIdentifier("ne_NP");
+  const auto copy = copyOf(calendar);
+  EXPECT_NE(copy, calendar);
+  EXPECT_TRUE(copy->isEqual(calendar.get()));
+  EXPECT_EQ(copy->hash(), calendar->hash());
+  copy->setFirstWeekday(1);
+  EXPECT_FALSE(copy->isEqual(calendar.get()));
+  EXPECT_EQ(calendar->firstWeekday(), 2);
+}
+
+TEST(NSCalendar, IsInTheDefaultZoneWhenGivenNone) {
+  NSTimeZone::setDefaultTimeZone(NSTimeZone::timeZoneWithName("Asia/Tehran"));
+  const auto calendar = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian);
+  EXPECT_EQ(calendar->timeZone()->name(), "Asia/Tehran");
+  calendar->setTimeZone(NSTimeZone::timeZoneWithName("UTC"));
+  calendar->setTimeZone(nullptr);
+  EXPECT_EQ(calendar->timeZone()->name(), "Asia/Tehran");
+  NSTimeZone::setDefaultTimeZone(nullptr);
+}
+
+// ---------------------------------------------------------------- components
+
+struct ComponentsCase {
+  const char* name;
+  const char* zone;
+  NSInteger firstWeekday, minimumDays;
+  NSUInteger mask;
+  const char* date;
+  const char* components;
+};
+const ComponentsCase kComponentsCases[] = {
+    {"OnlyTheMask", "UTC", 1, 1, 28, "2024-02-29T12:00:00Z", "year=2024 month=2 day=29"},
+    {"EmptyMask", "UTC", 1, 1, 0, "2024-02-29T12:00:00Z", ""},
+    {"UnknownBits", "UTC", 1, 1, 1, "2024-02-29T12:00:00Z", ""},
+    {"RetiredWeek", "UTC", 1, 1, 256, "2024-01-07T00:00:00Z", "weekOfYear=2"},
+    {"RetiredWeekWithWeekday", "UTC", 1, 1, 768, "2024-01-07T00:00:00Z", "weekOfYear=2 weekday=1"},
+    {"WeekYearEndsISO", "UTC", 2, 4, 24576, "2021-01-03T00:00:00Z",
+     "weekOfYear=53 yearForWeekOfYear=2020"},
+    {"WeekYearBeginsISO", "UTC", 2, 4, 24576, "2024-12-30T00:00:00Z",
+     "weekOfYear=1 yearForWeekOfYear=2025"},
+    {"WeekYearBeginsUS", "UTC", 1, 1, 24576, "2020-12-27T00:00:00Z",
+     "weekOfYear=1 yearForWeekOfYear=2021"},
+    {"WeekZeroOfAMonth", "UTC", 2, 4, 4096, "2021-01-02T00:00:00Z", "weekOfMonth=0"},
+    {"FirstDayOfYear1", "UTC", 1, 1, 30, "@-63113904000", "era=1 year=1 month=1 day=1"},
+    {"DayBeforeChrist", "UTC", 1, 1, 30, "@-63113904001", "era=0 year=1 month=12 day=31"},
+    {"BeforeTheReform", "UTC", 1, 1, 28, "1582-10-14T00:00:00Z", "year=1582 month=10 day=14"},
+    {"Before1970", "UTC", 1, 1, 240, "1969-12-31T23:59:59Z", "day=31 hour=23 minute=59 second=59"},
+    {"FractionBeforeTheReference", "UTC", 1, 1, 32896, "@-0.25", "second=59 nanosecond=750000000"},
+    {"OddOffset", "Asia/Kathmandu", 1, 1, 96, "2024-01-01T00:00:00Z", "hour=5 minute=45"},
+    {"HalfHourChange", "Australia/Lord_Howe", 1, 1, 96, "2024-04-06T15:00:00Z", "hour=1 minute=30"},
+    {"Year400000", "UTC", 1, 1, 28, "@12559635273600", "year=400000 month=1 day=1"},
+};
+
+TEST(NSCalendar, TellsTheComponentsOfADate) {
+  for (const ComponentsCase& row : kComponentsCases) {
+    const auto calendar = calendarIn(row.zone, row.firstWeekday, row.minimumDays);
+    const NSDateComponents components = calendar->components(row.mask, date(row.date));
+    EXPECT_EQ(vectorFromComponents(components), row.components) << row.name;
+  }
+}
+
+TEST(NSCalendar, TellsOneComponentLikeAll) {
+  const auto calendar = calendarIn("America/St_Johns", 2, 4);
+  for (NSUInteger unit = 1; unit <= 65536; unit *= 2) {
+    for (const char* text : {"2024-12-31T12:34:56.500Z", "1931-02-03T00:00:00Z"}) {
+      const auto single = static_cast<NSCalendarUnit>(unit);
+      EXPECT_EQ(calendar->component(single, date(text)),
+                calendar->components(0xffff, date(text)).valueForComponent(single))
+          << unit;
+    }
+  }
+}
+
+// ---------------------------------------------------------------- sums
+
+struct SumCase {
+  const char* name;
+  const char* zone;
+  NSUInteger unit;
+  NSInteger value;
+  NSUInteger options;
+  const char* from;
+  const char* to;
+};
+const SumCase kSumCases[] = {
+    {"MonthEndClamps", "UTC", 8, 1, 0, "2024-01-31T09:30:00Z", "2024-02-29T09:30:00Z"},
+    {"MonthEndClampsBack", "UTC", 8, -1, 0, "2023-03-31T00:00:00Z", "2023-02-28T00:00:00Z"},
+    {"LeapDayClampsByYear", "UTC", 4, 1, 0, "2024-02-29T00:00:00Z", "2025-02-28T00:00:00Z"},
+    {"QuarterIsThreeMonths", "UTC", 2048, 1, 0, "2024-11-30T00:00:00Z", "2025-02-28T00:00:00Z"},
+    {"RetiredWeek", "UTC", 256, 1, 0, "2024-02-29T00:00:00Z", "2024-03-07T00:00:00Z"},
+    {"WeekOfMonth", "UTC", 4096, -1, 0, "2024-03-07T00:00:00Z", "2024-02-29T00:00:00Z"},
+    {"OrdinalIsAWeek", "UTC", 1024, 2, 0, "2024-03-07T00:00:00Z", "2024-03-21T00:00:00Z"},
+    {"WeekdayIsADay", "UTC", 512, 2, 0, "2024-03-07T00:00:00Z", "2024-03-09T00:00:00Z"},
+    {"YearOfWeeksIsAYear", "UTC", 16384, 1, 0, "2024-03-07T00:00:00Z", "2025-03-07T00:00:00Z"},
+    {"NanosecondsCarry", "UTC", 32768, 1'500'000'000, 0, "2024-03-07T00:00:00Z",
+     "2024-03-07T00:00:01.500Z"},
+    {"NanosecondsBorrow", "UTC", 32768, -250'000'000, 0, "2024-03-07T00:00:00Z",
+     "2024-03-06T23:59:59.750Z"},
+    {"FractionStays", "UTC", 8, 1, 0, "2024-03-07T00:00:00.625Z", "2024-04-07T00:00:00.625Z"},
+    {"OptionFourActsAsNone", "UTC", 8, 1, 4, "2024-12-31T00:00:00Z", "2025-01-31T00:00:00Z"},
+    {"DayKeepsTheClock", "America/New_York", 16, 1, 0, "2024-03-09T15:00:00Z",
+     "2024-03-10T14:00:00Z"},
+    {"HoursAreLengths", "America/New_York", 32, 24, 0, "2024-03-09T15:00:00Z",
+     "2024-03-10T15:00:00Z"},
+    {"GapMovesOn", "America/New_York", 16, 1, 0, "2024-03-09T07:30:00Z", "2024-03-10T07:30:00Z"},
+    {"HalfHourGapMovesOn", "Australia/Lord_Howe", 16, 1, 0, "2024-10-04T15:40:00Z",
+     "2024-10-05T15:40:00Z"},
+    {"DoubledTimeIsTheFirstGoingForward", "America/New_York", 16, 1, 0, "2024-11-02T05:30:00Z",
+     "2024-11-03T05:30:00Z"},
+    {"DoubledTimeIsTheSecondGoingBack", "America/New_York", 16, -1, 0, "2024-11-04T06:30:00Z",
+     "2024-11-03T06:30:00Z"},
+    {"NothingAddedKeepsTheSecond", "America/New_York", 16, 0, 0, "2024-11-03T06:30:00Z",
+     "2024-11-03T06:30:00Z"},
+    {"SkippedDayIsMovedOn", "Pacific/Apia", 16, 1, 0, "2011-12-29T20:00:00Z",
+     "2011-12-30T20:00:00Z"},
+    {"AfterTheSkippedDay", "Pacific/Apia", 16, 2, 0, "2011-12-29T20:00:00Z",
+     "2011-12-30T20:00:00Z"},
+    {"ThreeAfterTheSkippedDay", "Pacific/Apia", 16, 3, 0, "2011-12-29T20:00:00Z",
+     "2011-12-31T20:00:00Z"},
+    {"NoEra", "UTC", 2, 1, 0, "2024-03-07T00:00:00Z", nullptr},
+    {"NoErasAdded", "UTC", 2, 0, 0, "2024-03-07T00:00:00Z", "2024-03-07T00:00:00Z"},
+    {"NoMask", "UTC", 24, 1, 0, "2024-03-07T00:00:00Z", nullptr},
+    {"MonthWraps", "UTC", 8, 1, 1, "2024-12-31T00:00:00Z", "2024-01-31T00:00:00Z"},
+    {"MonthWrapsAndClamps", "UTC", 8, -11, 1, "2024-12-31T00:00:00Z", "2024-01-31T00:00:00Z"},
+    {"DayWraps", "UTC", 16, 1, 1, "2024-02-29T00:00:00Z", "2024-02-01T00:00:00Z"},
+    {"DayWrapsBack", "UTC", 16, -30, 1, "2024-02-01T00:00:00Z", "2024-02-29T00:00:00Z"},
+    {"QuarterWraps", "UTC", 2048, 1, 1, "2024-12-15T00:00:00Z", "2024-03-15T00:00:00Z"},
+    {"WeekdayWraps", "UTC", 512, 1, 1, "2024-03-09T00:00:00Z", "2024-03-03T00:00:00Z"},
+    {"WeekWraps", "UTC", 8192, 1, 1, "2024-12-28T00:00:00Z", "2024-01-06T00:00:00Z"},
+    {"OrdinalWraps", "UTC", 1024, 1, 1, "2024-02-29T00:00:00Z", "2024-02-01T00:00:00Z"},
+    {"HourWraps", "UTC", 32, 1, 1, "2024-02-29T23:10:00Z", "2024-02-29T00:10:00Z"},
+    {"MinuteWraps", "UTC", 64, -11, 1, "2024-02-29T23:10:00Z", "2024-02-29T23:59:00Z"},
+    {"SecondWraps", "UTC", 128, 61, 1, "2024-02-29T23:10:00Z", "2024-02-29T23:10:01Z"},
+    {"YearDoesNotWrap", "UTC", 4, 1, 1, "2024-02-29T00:00:00Z", "2025-02-28T00:00:00Z"},
+};
+
+TEST(NSCalendar, AddsAUnit) {
+  for (const SumCase& row : kSumCases) {
+    const auto result = calendarIn(row.zone)->dateByAddingUnit(
+        static_cast<NSCalendarUnit>(row.unit), row.value, date(row.from), row.options);
+    EXPECT_EQ(vectorFromDate(result), row.to ? row.to : "nil") << row.name;
+  }
+}
+
+TEST(NSCalendar, AddsNothingOutOfRange) {
+  const auto calendar = calendarIn("America/New_York");
+  for (NSUInteger unit = 4; unit <= 16384; unit *= 2) {
+    for (const NSInteger value : {NSIntegerMin, NSIntegerMin + 1, -(NSInteger{1} << 62),
+                                  NSInteger{1} << 62, NSIntegerMax - 1}) {
+      EXPECT_EQ(calendar->dateByAddingUnit(static_cast<NSCalendarUnit>(unit), value,
+                                           date("2024-02-29T00:00:00Z"), 0),
+                std::nullopt)
+          << unit << " " << value;
+      static_cast<void>(calendar->dateByAddingUnit(static_cast<NSCalendarUnit>(unit), value,
+                                                   date("2024-02-29T00:00:00Z"),
+                                                   NSCalendarWrapComponents));
+    }
+  }
+}
+
+TEST(NSCalendar, AddsComponentsFromTheLargestClampingAfterEach) {
+  const auto calendar = calendarIn("UTC");
+  const struct {
+    const char* components;
+    const char* from;
+    const char* to;
+  } rows[] = {
+      {"", "2024-02-29T00:00:00.625Z", "2024-02-29T00:00:00.625Z"},
+      {"month=1 day=1", "2024-01-31T00:00:00Z", "2024-03-01T00:00:00Z"},
+      {"year=1 month=12", "2024-02-29T00:00:00Z", "2026-02-28T00:00:00Z"},
+      {"weekdayOrdinal=2", "2024-02-29T00:00:00Z", "2024-03-14T00:00:00Z"},
+      {"weekOfYear=1 day=-7", "2024-02-29T00:00:00Z", "2024-02-29T00:00:00Z"},
+      {"era=0 day=1", "2024-02-29T00:00:00Z", "2024-03-01T00:00:00Z"},
+      {"era=1 day=1", "2024-02-29T00:00:00Z", nullptr},
+      {"year=4611686018427387904", "2024-02-29T00:00:00Z", nullptr},
+      {"nanosecond=500000000 second=-1", "2024-02-29T00:00:00Z", "2024-02-28T23:59:59.500Z"},
+  };
+  for (const auto& row : rows) {
+    const auto result =
+        calendar->dateByAddingComponents(componentsFromVector(row.components), date(row.from), 0);
+    EXPECT_EQ(vectorFromDate(result), row.to ? row.to : "nil") << row.components;
+  }
+}
+
+// ---------------------------------------------------------------- differences
+
+struct DifferenceCase {
+  const char* name;
+  const char* zone;
+  NSUInteger mask;
+  const char* from;
+  const char* to;
+  const char* components;
+};
+const DifferenceCase kDifferenceCases[] = {
+    {"MonthEndIsAMonth", "UTC", 8, "2024-01-31T00:00:00Z", "2024-02-29T00:00:00Z", "month=1"},
+    {"ASecondShort", "UTC", 8, "2024-01-31T00:00:01Z", "2024-02-29T00:00:00Z", "month=0"},
+    {"AFractionShort", "UTC", 16, "2024-01-31T00:00:00.500Z", "2024-02-01T00:00:00.250Z", "day=0"},
+    {"BackwardTowardZero", "UTC", 8, "2024-03-31T00:00:00Z", "2024-02-29T00:00:01Z", "month=0"},
+    {"Backward", "UTC", 8, "2024-03-31T00:00:00Z", "2024-02-29T00:00:00Z", "month=-1"},
+    {"LargestFirst", "UTC", 28, "2024-02-29T00:00:00Z", "2026-04-01T00:00:00Z",
+     "year=2 month=1 day=4"},
+    {"QuartersWhole", "UTC", 2048, "2024-01-31T00:00:00Z", "2024-12-31T00:00:00Z", "quarter=3"},
+    {"YearsOfWeeks", "UTC", 16384, "2020-01-31T00:00:00Z", "2024-01-30T00:00:00Z",
+     "yearForWeekOfYear=3"},
+    {"RetiredWeekIsWeekOfYear", "UTC", 256, "2024-01-31T00:00:00Z", "2024-02-29T00:00:00Z",
+     "weekOfYear=4"},
+    {"Nanoseconds", "UTC", 32896, "2024-01-31T00:00:00Z", "2024-01-31T00:00:01.250Z",
+     "second=1 nanosecond=250000000"},
+    {"Eras", "UTC", 2, "@-63113904001", "@0", "era=1"},
+    {"ErasBack", "UTC", 2, "@0", "@-63113904001", "era=-1"},
+    {"DayOfTwentyThreeHours", "America/New_York", 48, "2024-03-09T15:00:00Z",
+     "2024-03-10T15:00:00Z", "day=1 hour=1"},
+    {"TwoDaysOverTheSkippedOne", "Pacific/Apia", 16, "2011-12-29T20:00:00Z", "2011-12-30T20:00:00Z",
+     "day=2"},
+    {"BackOverTheSkippedOne", "Pacific/Apia", 16, "2011-12-30T20:00:00Z", "2011-12-29T20:00:00Z",
+     "day=-2"},
+    {"FarYears", "UTC", 4, "@-20000000000000", "@20000000000000", "year=1267549"},
+};
+
+TEST(NSCalendar, CountsUnitsBetweenDates) {
+  for (const DifferenceCase& row : kDifferenceCases) {
+    for (const NSUInteger options : {NSUInteger{0}, NSUInteger{NSCalendarWrapComponents}}) {
+      const NSDateComponents components =
+          calendarIn(row.zone)->components(row.mask, date(row.from), date(row.to), options);
+      EXPECT_EQ(vectorFromComponents(components), row.components) << row.name;
+    }
+  }
+}
+
+// ---------------------------------------------------------------- dates from components
+
+struct ResolveCase {
+  const char* name;
+  const char* zone;
+  NSInteger firstWeekday, minimumDays;
+  const char* components;
+  const char* date;
+};
+const ResolveCase kResolveCases[] = {
+    {"SmallestValues", "UTC", 1, 1, "year=2024", "2024-01-01T00:00:00Z"},
+    {"DayRollsOver", "UTC", 1, 1, "year=2024 month=4 day=31", "2024-05-01T00:00:00Z"},
+    {"MonthRollsOver", "UTC", 1, 1, "year=2024 month=14 day=1", "2025-02-01T00:00:00Z"},
+    {"TimeRollsOver", "UTC", 1, 1, "year=2024 hour=25 minute=-61 second=3601",
+     "2024-01-02T00:59:01Z"},
+    {"NanosecondsRollOver", "UTC", 1, 1, "year=2024 nanosecond=-250000000",
+     "2023-12-31T23:59:59.750Z"},
+    {"QuarterAlone", "UTC", 1, 1, "year=2024 quarter=3", "2024-07-01T00:00:00Z"},
+    {"WeekdayOrdinal", "UTC", 1, 1, "year=2024 month=5 weekday=3 weekdayOrdinal=2",
+     "2024-05-14T00:00:00Z"},
+    {"WeekdayOrdinalFromTheEnd", "UTC", 1, 1, "year=2024 month=5 weekday=3 weekdayOrdinal=-1",
+     "2024-05-28T00:00:00Z"},
+    {"WeekdayOrdinalZero", "UTC", 1, 1, "year=2024 month=5 weekday=3 weekdayOrdinal=0",
+     "2024-04-30T00:00:00Z"},
+    {"WeekdayAlone", "UTC", 1, 1, "year=2024 month=5 weekday=3", "2024-05-07T00:00:00Z"},
+    {"WeekOfMonth", "UTC", 2, 4, "year=2024 month=5 weekOfMonth=2 weekday=1",
+     "2024-05-12T00:00:00Z"},
+    {"WeekOfYearISO", "UTC", 2, 4, "year=2021 weekOfYear=1", "2021-01-04T00:00:00Z"},
+    {"WeekOfYearUS", "UTC", 1, 1, "yearForWeekOfYear=2021 weekOfYear=1", "2020-12-27T00:00:00Z"},
+    {"WeekYearAlone", "UTC", 2, 4, "yearForWeekOfYear=2020", "2019-12-30T00:00:00Z"},
+    {"DayOverWeek", "UTC", 1, 1, "year=2024 month=5 day=7 weekday=1 weekOfYear=50",
+     "2024-05-07T00:00:00Z"},
+    {"BeforeChrist", "UTC", 1, 1, "era=0 year=1 month=12 day=31", "@-63113990400"},
+    {"GapMovesOn", "America/New_York", 1, 1, "year=2024 month=3 day=10 hour=2 minute=30",
+     "2024-03-10T07:30:00Z"},
+    {"DoubledTimeIsTheFirst", "America/New_York", 1, 1, "year=2024 month=11 day=3 hour=1 minute=30",
+     "2024-11-03T05:30:00Z"},
+    {"YearBeyondAll", "UTC", 1, 1, "year=4611686018427387904", nullptr},
+    {"DayBeyondAll", "UTC", 1, 1, "year=2024 day=-4611686018427387904", nullptr},
+    {"HourBeyondAll", "UTC", 1, 1, "year=2024 hour=4611686018427387904", nullptr},
+    {"OrdinalBeyondAll", "UTC", 1, 1, "year=2024 weekday=1 weekdayOrdinal=4611686018427387904",
+     nullptr},
+    {"WeekdayBeyondAll", "UTC", 1, 1, "year=2024 weekday=4611686018427387904", nullptr},
+    {"WeekYearBeyondAll", "UTC", 1, 1, "yearForWeekOfYear=4611686018427387904", nullptr},
+    {"Year400000", "UTC", 1, 1, "year=400000", "@12559635273600"},
+};
+
+TEST(NSCalendar, ResolvesComponents) {
+  for (const ResolveCase& row : kResolveCases) {
+    const auto calendar = calendarIn(row.zone, row.firstWeekday, row.minimumDays);
+    const auto result = calendar->dateFromComponents(componentsFromVector(row.components));
+    EXPECT_EQ(vectorFromDate(result), row.date ? row.date : "nil") << row.name;
+  }
+}
+
+// ---------------------------------------------------------------- ranges
+
+TEST(NSCalendar, BeginsADayAtItsFirstInstant) {
+  const struct {
+    const char* zone;
+    const char* date;
+    const char* start;
+    double hours;
+  } rows[] = {
+      {"America/New_York", "2024-03-10T12:00:00Z", "2024-03-10T05:00:00Z", 23},
+      {"America/New_York", "2024-11-03T12:00:00Z", "2024-11-03T04:00:00Z", 25},
+      {"America/Sao_Paulo", "2017-10-15T12:00:00Z", "2017-10-15T03:00:00Z", 23},
+      {"Australia/Lord_Howe", "2024-10-05T20:00:00Z", "2024-10-05T13:30:00Z", 23.5},
+      {"Pacific/Apia", "2011-12-30T05:00:00Z", "2011-12-29T10:00:00Z", 24},
+      {"Pacific/Apia", "2011-12-30T15:00:00Z", "2011-12-30T10:00:00Z", 24},
+  };
+  for (const auto& row : rows) {
+    NSDate start;
+    NSTimeInterval interval = 0;
+    ASSERT_TRUE(
+        calendarIn(row.zone)->rangeOfUnit(NSCalendarUnitDay, &start, &interval, date(row.date)));
+    EXPECT_EQ(vectorFromDate(start), row.start);
+    EXPECT_EQ(interval, row.hours * 3600) << row.start;
+  }
+}
+
+TEST(NSCalendar, HasNoRangeOfErasAndMasksAndLeavesBothOutputs) {
+  const auto calendar = calendarIn("UTC");
+  for (const NSUInteger unit : {0, 1, 2, 12, 65536}) {
+    NSDate start = date("1999-01-01T00:00:00Z");
+    NSTimeInterval interval = -5;
+    EXPECT_FALSE(calendar->rangeOfUnit(static_cast<NSCalendarUnit>(unit), &start, &interval,
+                                       date("2024-03-10T12:00:00Z")));
+    EXPECT_EQ(vectorFromDate(start), "1999-01-01T00:00:00Z");
+    EXPECT_EQ(interval, -5);
+  }
+}
+
+TEST(NSCalendar, LeavesOutRangeOutputsThatAreNotWanted) {
+  const auto calendar = calendarIn("UTC");
+  NSDate start;
+  NSTimeInterval interval = 0;
+  const NSDate at = date("2024-03-10T12:00:00.500Z");
+  EXPECT_TRUE(calendar->rangeOfUnit(NSCalendarUnitMonth, nullptr, nullptr, at));
+  EXPECT_TRUE(calendar->rangeOfUnit(NSCalendarUnitMonth, &start, nullptr, at));
+  EXPECT_TRUE(calendar->rangeOfUnit(NSCalendarUnitMonth, nullptr, &interval, at));
+  EXPECT_EQ(vectorFromDate(start), "2024-03-01T00:00:00Z");
+  EXPECT_EQ(interval, 31 * 86400.0);
+  EXPECT_TRUE(calendar->rangeOfUnit(NSCalendarUnitSecond, &start, &interval, at));
+  EXPECT_EQ(vectorFromDate(start), "2024-03-10T12:00:00Z");
+  EXPECT_EQ(interval, 1);
+  EXPECT_TRUE(calendar->rangeOfUnit(NSCalendarUnitWeek, &start, &interval, at));
+  EXPECT_EQ(vectorFromDate(start), "2024-03-10T00:00:00Z");
+  EXPECT_EQ(interval, 7 * 86400.0);
+}
+
+struct RangeCase {
+  NSUInteger unit;
+  NSUInteger larger;
+  const char* date;
+  NSRange range;
+};
+constexpr NSUInteger kNone = 9223372036854775807;
+const RangeCase kRangeCases[] = {
+    {16, 8, "2024-02-10T00:00:00Z", {1, 29}},    {16, 4, "2024-02-10T00:00:00Z", {1, 366}},
+    {1024, 8, "2023-02-10T00:00:00Z", {1, 4}},   {1024, 8, "2024-02-10T00:00:00Z", {1, 5}},
+    {8, 4, "2024-02-10T00:00:00Z", {1, 12}},     {8, 2048, "2024-05-10T00:00:00Z", {4, 3}},
+    {2048, 4, "2024-05-10T00:00:00Z", {1, 4}},   {512, 8192, "2024-05-10T00:00:00Z", {1, 7}},
+    {32, 16, "2024-03-10T12:00:00Z", {0, 24}},   {64, 32, "2024-03-10T12:00:00Z", {0, 60}},
+    {8192, 4, "2024-05-10T00:00:00Z", {1, 53}},  {256, 4, "2024-05-10T00:00:00Z", {1, 53}},
+    {8192, 4, "2028-05-10T00:00:00Z", {1, 54}},  {4096, 8, "2024-06-10T00:00:00Z", {1, 6}},
+    {16, 2048, "2024-05-10T00:00:00Z", {1, 91}}, {16, 2, "2024-05-10T00:00:00Z", {1, 31}},
+    {4, 8, "2024-05-10T00:00:00Z", {kNone, 0}},  {16, 16, "2024-05-10T00:00:00Z", {kNone, 0}},
+    {12, 2, "2024-05-10T00:00:00Z", {kNone, 0}}, {8, 24, "2024-05-10T00:00:00Z", {kNone, 0}},
+};
+
+TEST(NSCalendar, TellsTheRangeOfAUnitInALargerOne) {
+  const auto calendar = calendarIn("UTC");
+  for (const RangeCase& row : kRangeCases) {
+    const NSRange range =
+        calendar->rangeOfUnit(static_cast<NSCalendarUnit>(row.unit),
+                              static_cast<NSCalendarUnit>(row.larger), date(row.date));
+    EXPECT_EQ(range.location, row.range.location) << row.unit << " in " << row.larger;
+    EXPECT_EQ(range.length, row.range.length) << row.unit << " in " << row.larger;
+  }
+}
+
+TEST(NSCalendar, TellsTheLargestRangeOfEveryUnit) {
+  const auto calendar = calendarIn("UTC");
+  const struct {
+    NSUInteger unit;
+    NSRange range;
+  } rows[] = {{8, {1, 12}},   {16, {1, 31}},  {32, {0, 24}},   {64, {0, 60}},
+              {128, {0, 60}}, {512, {1, 7}},  {1024, {1, 5}},  {2048, {1, 4}},
+              {256, {1, 53}}, {4096, {1, 6}}, {8192, {1, 53}}, {32768, {0, 1'000'000'000}}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(calendar->maximumRangeOfUnit(static_cast<NSCalendarUnit>(row.unit)), row.range)
+        << row.unit;
+  }
+  for (const NSUInteger unit : {0, 1, 12, 65536}) {
+    EXPECT_EQ(calendar->maximumRangeOfUnit(static_cast<NSCalendarUnit>(unit)).length, 0) << unit;
+    EXPECT_EQ(calendar->minimumRangeOfUnit(static_cast<NSCalendarUnit>(unit)).length, 0) << unit;
+  }
+}
+
+// ---------------------------------------------------------------- search and setting
+
+struct SearchCase {
+  const char* name;
+  const char* zone;
+  NSUInteger options;
+  const char* components;
+  const char* from;
+  const char* found;
+};
+const SearchCase kSearchCases[] = {
+    {"MonthAlone", "UTC", 6, "month=2", "2024-01-15T00:00:00Z", "2023-02-01T00:00:00Z"},
+    {"StartOfTheMatchItself", "UTC", 6, "weekday=2", "2024-01-15T12:00:00Z",
+     "2024-01-15T00:00:00Z"},
+    {"NotTheDateItself", "UTC", 6, "weekday=2", "2024-01-15T00:00:00Z", "2024-01-08T00:00:00Z"},
+    {"WeekAlone", "UTC", 6, "weekOfYear=1", "2021-06-01T00:00:00Z", "2020-12-27T00:00:00Z"},
+    {"WeekOfACalendarYear", "UTC", 6, "year=2021 weekOfYear=1", "2021-06-01T00:00:00Z",
+     "2021-01-01T00:00:00Z"},
+    {"YearAlone", "UTC", 6, "year=1990", "2021-06-01T00:00:00Z", "1990-01-01T00:00:00Z"},
+    {"WeekYearAlone", "UTC", 6, "yearForWeekOfYear=2020", "2021-06-01T00:00:00Z",
+     "2019-12-29T00:00:00Z"},
+    {"QuarterAlone", "UTC", 6, "quarter=4", "2021-06-01T00:00:00Z", "2020-10-01T00:00:00Z"},
+    {"LeapDay", "UTC", 6, "month=2 day=29", "2104-02-29T00:00:00Z", "2096-02-29T00:00:00Z"},
+    {"LeapDayOverACentury", "UTC", 6, "month=2 day=29 weekday=2", "2024-01-01T00:00:00Z",
+     "2016-02-29T00:00:00Z"},
+    {"RareLeapDay", "UTC", 6, "month=2 day=29 weekday=1", "1932-01-01T00:00:00Z",
+     "1920-02-29T00:00:00Z"},
+    {"AFullCycleBack", "UTC", 6, "month=2 day=29 weekday=5 year=1624", "2024-01-01T00:00:00Z",
+     "1624-02-29T00:00:00Z"},
+    {"Never", "UTC", 6, "month=2 day=30", "2024-01-01T00:00:00Z", nullptr},
+    {"NeverInAnyMonth", "UTC", 6, "day=32", "2024-01-01T00:00:00Z", nullptr},
+    {"NeverAFifteenthMonth", "UTC", 6, "month=15", "2024-01-01T00:00:00Z", nullptr},
+    {"YearStillToCome", "UTC", 6, "year=2025", "2024-01-01T00:00:00Z", nullptr},
+    {"NoFields", "UTC", 6, "", "2024-01-01T00:00:00Z", nullptr},
+    {"FieldBeyondAll", "UTC", 6, "day=4611686018427387904", "2024-01-01T00:00:00Z", nullptr},
+    {"SkippedDayHasNoStart", "Pacific/Apia", 6, "month=12 day=30", "2012-06-01T00:00:00Z",
+     "2010-12-30T10:00:00Z"},
+    {"TimeOfDay", "America/New_York", 6, "hour=9", "2024-01-15T12:00:00Z", "2024-01-14T14:00:00Z"},
+    {"MinuteOnly", "America/New_York", 6, "minute=30", "2024-01-15T12:00:00Z",
+     "2024-01-15T11:30:00Z"},
+    {"SecondOnly", "America/New_York", 6, "second=59", "2024-01-15T12:00:00Z",
+     "2024-01-15T11:59:59Z"},
+    {"TimeInAGapIsPassedOver", "America/New_York", 6, "hour=2 minute=30", "2024-03-10T12:00:00Z",
+     "2024-03-09T07:30:00Z"},
+    {"SecondOfADoubledTime", "America/New_York", 6, "hour=1 minute=30", "2024-11-03T12:00:00Z",
+     "2024-11-03T06:30:00Z"},
+    {"FirstOfADoubledTime", "America/New_York", 6, "hour=1 minute=30", "2024-11-03T06:30:00Z",
+     "2024-11-03T05:30:00Z"},
+    {"Forward", "UTC", 2, "month=2 day=29", "2024-02-29T00:00:00Z", "2028-02-29T00:00:00Z"},
+    {"ForwardWithinTheMonth", "UTC", 2, "day=31", "2024-01-05T00:00:00Z", "2024-01-31T00:00:00Z"},
+    {"ForwardToAYear", "UTC", 2, "year=2100 month=3", "2024-01-05T00:00:00Z",
+     "2100-03-01T00:00:00Z"},
+    {"ForwardByWeek", "UTC", 2, "weekOfYear=53", "2024-12-31T00:00:00Z", "2028-12-24T00:00:00Z"},
+    {"ForwardOverAGap", "America/New_York", 2, "hour=2 minute=30", "2024-03-10T05:00:00Z",
+     "2024-03-11T06:30:00Z"},
+    {"ForwardToTheEndOfAGap", "America/New_York", 1024, "hour=2 minute=30", "2024-03-10T05:00:00Z",
+     "2024-03-10T07:00:00Z"},
+};
+
+TEST(NSCalendar, FindsTheNearestMatch) {
+  for (const SearchCase& row : kSearchCases) {
+    const auto result = calendarIn(row.zone)->nextDateAfterDate(
+        date(row.from), componentsFromVector(row.components), row.options);
+    EXPECT_EQ(vectorFromDate(result), row.found ? row.found : "nil") << row.name;
+  }
+}
+
+TEST(NSCalendar, SetsAUnit) {
+  const struct {
+    const char* name;
+    NSUInteger unit;
+    NSInteger value;
+    NSUInteger options;
+    const char* from;
+    const char* to;
+  } rows[] = {
+      {"AlreadySet", 16, 15, 1024, "2024-01-15T12:34:00Z", "2024-01-15T12:34:00Z"},
+      {"ThisMonth", 16, 20, 1024, "2024-01-15T12:34:00Z", "2024-01-20T00:00:00Z"},
+      {"NextMonth", 16, 10, 1024, "2024-12-15T12:34:00Z", "2025-01-10T00:00:00Z"},
+      {"DayMissing", 16, 31, 1024, "2024-04-15T12:34:00Z", "2024-05-01T00:00:00Z"},
+      {"DayMissingInTheNextMonth", 16, 30, 1024, "2024-01-31T12:34:00Z", "2024-03-01T00:00:00Z"},
+      {"DayMissingGoesOnWhenStrict", 16, 31, 2, "2024-04-15T12:34:00Z", "2024-05-31T00:00:00Z"},
+      {"NoSuchDay", 16, 32, 1024, "2024-04-15T12:34:00Z", nullptr},
+      {"DayBeyondAll", 16, NSIntegerMin, 1024, "2024-04-15T12:34:00Z", nullptr},
+      {"Unset", 16, NSIntegerMax, 1024, "2024-04-15T12:34:00Z", nullptr},
+      {"NoSuchUnit", 24, 1, 1024, "2024-04-15T12:34:00Z", nullptr},
+      {"Month", 8, 3, 1024, "2024-04-15T12:34:00Z", "2025-03-01T00:00:00Z"},
+      {"Hour", 32, 9, 1024, "2024-04-15T12:34:00Z", "2024-04-16T09:00:00Z"},
+      {"Minute", 64, 35, 1024, "2024-04-15T12:34:00Z", "2024-04-15T12:35:00Z"},
+      {"Weekday", 512, 2, 1024, "2024-04-16T12:34:00Z", "2024-04-22T00:00:00Z"},
+  };
+  for (const auto& row : rows) {
+    const auto result = calendarIn("UTC")->dateBySettingUnit(
+        static_cast<NSCalendarUnit>(row.unit), row.value, date(row.from), row.options);
+    EXPECT_EQ(vectorFromDate(result), row.to ? row.to : "nil") << row.name;
+  }
+}
+
+TEST(NSCalendar, MatchesEverySetField) {
+  const auto calendar = calendarIn("UTC", 2, 4);
+  const NSDate at = date("2021-01-03T10:20:30.500Z");
+  EXPECT_TRUE(calendar->date(at, NSDateComponents()));
+  EXPECT_TRUE(calendar->date(at, componentsFromVector("year=2021 weekOfYear=53 weekday=1")));
+  EXPECT_TRUE(calendar->date(at, componentsFromVector("hour=10 nanosecond=500000000")));
+  EXPECT_FALSE(calendar->date(at, componentsFromVector("hour=10 nanosecond=0")));
+  EXPECT_FALSE(calendar->date(at, componentsFromVector("year=2021 weekOfYear=1")));
+}
+
+TEST(NSCalendar, TakesTheWeekendOfTheLocalesRegion) {
+  const struct {
+    const char* locale;
+    const char* weekend;  // by weekday from Sunday
+  } rows[] = {{"", "X.....X"},      {"en_US", "X.....X"}, {"ar_EG", ".....XX"},
+              {"fa_IR", ".....X."}, {"en_IN", "X......"}, {"xx_YY", "X.....X"}};
+  for (const auto& row : rows) {
+    const auto calendar = calendarIn("America/New_York");
+    calendar->setLocaleIdentifier(row.locale);
+    std::string weekend;
+    for (int day = 0; day < 7; ++day) {
+      const NSDate sunday = date("2024-03-10T16:00:00Z");
+      weekend +=
+          calendar->isDateInWeekend(sunday.dateByAddingTimeInterval(day * 86400)) ? 'X' : '.';
+    }
+    EXPECT_EQ(weekend, row.weekend) << row.locale;
+  }
+}
+
+// ---------------------------------------------------------------- dates that cannot be counted
+// with
+
+TEST(NSCalendar, HasAClearAnswerForDatesThatAreNotFiniteOrTooFar) {
+  const auto calendar = calendarIn("America/New_York");
+  const NSDate good = date("2024-01-01T00:00:00Z");
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  for (const double seconds : {std::nan(""), kInfinity, -kInfinity, 1e300, -1e300, 1e18, 5e13}) {
+    const NSDate bad = NSDate::dateWithTimeIntervalSinceReferenceDate(seconds);
+    EXPECT_EQ(calendar->components(0xffff, bad), NSDateComponents());
+    EXPECT_EQ(calendar->component(NSCalendarUnitYear, bad), NSDateComponentUndefined);
+    EXPECT_EQ(calendar->components(0xffff, bad, good, 0), NSDateComponents());
+    EXPECT_EQ(calendar->components(0xffff, good, bad, 0), NSDateComponents());
+    EXPECT_EQ(calendar->dateByAddingUnit(NSCalendarUnitDay, 1, bad, 0), std::nullopt);
+    EXPECT_EQ(calendar->dateByAddingComponents(NSDateComponents(), bad, 0), std::nullopt);
+    EXPECT_EQ(calendar->dateBySettingUnit(NSCalendarUnitDay, 1, bad, 1024), std::nullopt);
+    EXPECT_FALSE(calendar->rangeOfUnit(NSCalendarUnitDay, nullptr, nullptr, bad));
+    EXPECT_EQ(calendar->rangeOfUnit(NSCalendarUnitDay, NSCalendarUnitMonth, bad).length, 0);
+    EXPECT_FALSE(calendar->date(bad, NSDateComponents()));
+    EXPECT_EQ(calendar->nextDateAfterDate(bad, componentsFromVector("day=1"), 6), std::nullopt);
+    EXPECT_FALSE(calendar->isDateInWeekend(bad));
+  }
+}
+
+TEST(NSCalendar, AnswersAtTheEdgeOfTheSupportedRange) {
+  const auto calendar = calendarIn("America/New_York");
+  for (const double seconds : {-4.3198e13, 4.3198e13}) {
+    const NSDate edge = NSDate::dateWithTimeIntervalSinceReferenceDate(seconds);
+    const NSDateComponents components = calendar->components(0xffff, edge);
+    EXPECT_NE(components.year(), NSDateComponentUndefined);
+    for (NSUInteger unit = 4; unit <= 32768; unit *= 2) {
+      const auto single = static_cast<NSCalendarUnit>(unit);
+      for (const NSInteger value : {-1, 1}) {
+        static_cast<void>(calendar->dateByAddingUnit(single, value, edge, 0));
+        static_cast<void>(calendar->dateByAddingUnit(single, value, edge, 1));
+      }
+      NSDate start;
+      EXPECT_TRUE(calendar->rangeOfUnit(single, &start, nullptr, edge));
+      EXPECT_LE(start.timeIntervalSinceReferenceDate(), seconds);
+    }
+    static_cast<void>(calendar->nextDateAfterDate(edge, componentsFromVector("day=1"), 6));
+    static_cast<void>(calendar->nextDateAfterDate(edge, componentsFromVector("day=1"), 2));
+  }
+}
+
+}  // namespace
+}  // namespace ORLFoundation

@@ -1,0 +1,108 @@
+#include <ORLFoundation/platform/time/NSTimeZone.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <thread>
+#include <vector>
+
+namespace ORLFoundation {
+namespace {
+
+NSDate since1970(double seconds) { return NSDate::dateWithTimeIntervalSince1970(seconds); }
+
+TEST(NSTimeZone, GivesOneObjectPerNameOnAnyThread) {
+  std::vector<std::shared_ptr<NSTimeZone>> zones(8);
+  std::vector<std::thread> threads;
+  for (auto& zone : zones)
+    threads.emplace_back([&zone] { zone = NSTimeZone::timeZoneWithName("Europe/Vienna"); });
+  for (std::thread& thread : threads) thread.join();
+  for (const auto& zone : zones) {
+    ASSERT_NE(zone, nullptr);
+    EXPECT_EQ(zone, zones.front());
+    EXPECT_EQ(&zone->table(), &zones.front()->table());
+  }
+}
+
+TEST(NSTimeZone, RefusesNamesThatAreNoZones) {
+  for (const char* name :
+       {"", "Atlantis/Capital", "/etc/passwd", "../zoneinfo/UTC", "America/../UTC", "file:UTC",
+        "Fixed/UTC+01:00:00", "GMT+", "GMT+x", "GMT+05:3", "GMT+0560", "GMT+1900", "UTC-18:01",
+        "GMT+123456", "America/New_York ", "America"}) {
+    EXPECT_EQ(NSTimeZone::timeZoneWithName(name), nullptr) << name;
+  }
+}
+
+TEST(NSTimeZone, ReadsOffsetsFromNames) {
+  const struct {
+    const char* name;
+    NSInteger seconds;
+    const char* shown;
+  } rows[] = {{"GMT", 0, "GMT"},
+              {"GMT+0530", 19800, "GMT+0530"},
+              {"GMT-5", -18000, "GMT-0500"},
+              {"UTC+05:45", 20700, "GMT+0545"},
+              {"GMT+18", 64800, "GMT+1800"}};
+  for (const auto& row : rows) {
+    const auto zone = NSTimeZone::timeZoneWithName(row.name);
+    ASSERT_NE(zone, nullptr) << row.name;
+    EXPECT_EQ(zone->secondsFromGMTForDate(since1970(0)), row.seconds) << row.name;
+    EXPECT_EQ(zone->name(), row.shown);
+    EXPECT_FALSE(zone->nextDaylightSavingTimeTransitionAfterDate(since1970(0)));
+  }
+}
+
+TEST(NSTimeZone, NamesFixedOffsetsToTheSecond) {
+  EXPECT_EQ(NSTimeZone::timeZoneForSecondsFromGMT(-11188)->name(), "GMT-030628");
+  EXPECT_EQ(NSTimeZone::timeZoneForSecondsFromGMT(64801), nullptr);
+  EXPECT_EQ(NSTimeZone::timeZoneForSecondsFromGMT(NSIntegerMin), nullptr);
+}
+
+TEST(NSTimeZone, ChangesItsOffsetAtTheInstantOfTheClockChange) {
+  const auto zone = NSTimeZone::timeZoneWithName("America/New_York");
+  EXPECT_EQ(zone->secondsFromGMTForDate(since1970(1'710'054'000 - 0.001)), -18000);
+  EXPECT_FALSE(zone->isDaylightSavingTimeForDate(since1970(1'710'053'999)));
+  EXPECT_EQ(zone->secondsFromGMTForDate(since1970(1'710'054'000)), -14400);
+  EXPECT_TRUE(zone->isDaylightSavingTimeForDate(since1970(1'710'054'000)));
+}
+
+TEST(NSTimeZone, GoesOnChangingAfterTheLastListedYear) {
+  const auto zone = NSTimeZone::timeZoneWithName("America/New_York");
+  const auto march = zone->nextDaylightSavingTimeTransitionAfterDate(since1970(26'514'000'000));
+  ASSERT_TRUE(march);
+  const auto november = zone->nextDaylightSavingTimeTransitionAfterDate(*march);
+  ASSERT_TRUE(november);
+  EXPECT_LT(november->timeIntervalSinceDate(*march), 300 * 86400.0);
+  EXPECT_NE(zone->secondsFromGMTForDate(*march), zone->secondsFromGMTForDate(*november));
+}
+
+TEST(NSTimeZone, AnswersForDatesThatAreNotFinite) {
+  const auto zone = NSTimeZone::timeZoneWithName("America/New_York");
+  for (const double seconds : {std::nan(""), std::numeric_limits<double>::infinity(),
+                               -std::numeric_limits<double>::infinity(), 1e300}) {
+    EXPECT_EQ(zone->secondsFromGMTForDate(since1970(seconds)), 0);
+    EXPECT_FALSE(zone->isDaylightSavingTimeForDate(since1970(seconds)));
+    EXPECT_FALSE(zone->nextDaylightSavingTimeTransitionAfterDate(since1970(seconds)));
+  }
+}
+
+TEST(NSTimeZone, TakesTheDefaultThatIsSet) {
+  NSTimeZone::setDefaultTimeZone(NSTimeZone::timeZoneWithName("Asia/Kathmandu"));
+  EXPECT_EQ(NSTimeZone::defaultTimeZone()->name(), "Asia/Kathmandu");
+  NSTimeZone::setDefaultTimeZone(nullptr);
+  EXPECT_TRUE(NSTimeZone::defaultTimeZone()->isEqual(NSTimeZone::systemTimeZone().get()));
+}
+
+TEST(NSTimeZone, EqualsByName) {
+  const auto zone = NSTimeZone::timeZoneForSecondsFromGMT(3600);
+  const auto same = NSTimeZone::timeZoneWithName("GMT+0100");
+  EXPECT_TRUE(zone->isEqual(same.get()));
+  EXPECT_EQ(zone->hash(), same->hash());
+  EXPECT_FALSE(zone->isEqual(NSTimeZone::timeZoneWithName("Europe/Berlin").get()));
+  EXPECT_FALSE(zone->isEqual(nullptr));
+  EXPECT_EQ(zone->copy(), zone);
+  EXPECT_EQ(zone->description(), "GMT+0100");
+}
+
+}  // namespace
+}  // namespace ORLFoundation
