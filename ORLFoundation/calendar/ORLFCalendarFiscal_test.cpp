@@ -1,0 +1,249 @@
+#include <ORLFoundation/calendar/ORLFCalendarFiscal.h>
+#include <ORLFoundation/calendar/ORLFCalendarIntervals.h>
+#include <ORLFoundation/calendar/ORLFCalendarRatios.h>
+#include <gtest/gtest.h>
+#include <tests/support/VectorCodec.h>
+#include <tests/support/VectorFile.h>
+
+namespace ORLFoundation {
+namespace {
+
+using orlftest::Json;
+
+const NSCalendar& utcCalendar() {
+  static const auto calendar = orlftest::calendarFromVector(
+      Json{{"zone", "UTC"}, {"first_weekday", 1}, {"min_days", 1}});
+  return *calendar;
+}
+
+NSDate day(const char* date) {
+  return *orlftest::dateFromVector(std::string(date) + "T00:00:00Z");
+}
+std::string text(std::optional<NSDate> date) {
+  return orlftest::vectorFromDate(date).substr(0, 10);
+}
+
+NSCalendarUnit unitOf(const Json& code) {
+  return static_cast<NSCalendarUnit>(code.get<NSUInteger>());
+}
+ORLFCalendarInterval intervalOf(const Json& code) {
+  return static_cast<ORLFCalendarInterval>(code.get<std::int32_t>());
+}
+
+using FiscalRounding = std::optional<NSDate> (*)(const NSCalendar&, std::optional<NSDate>,
+                                                 NSCalendarUnit, NSInteger, NSInteger) noexcept;
+
+orlftest::JsonCheck roundingCheck(FiscalRounding rounding) {
+  return [rounding](const Json& in, const Json& out) {
+    return orlftest::disagreement(
+        orlftest::dateFromVector(out),
+        rounding(*orlftest::calendarFromVector(in.at("calendar")),
+                 orlftest::dateFromVector(in.at("date")), unitOf(in.at("unit")),
+                 in.at("yearStartMonth").get<NSInteger>(),
+                 in.at("monthStartDay").get<NSInteger>()));
+  };
+}
+
+TEST(ORLFCalendarFiscal, AgreesWithVectors) {
+  orlftest::runJsonVectors(
+      "planning_fiscal",
+      {{"orlfComponents",
+        [](const Json& in, const Json& out) {
+          return orlftest::disagreement(
+              orlftest::componentsFromVector(out),
+              orlfComponents(*orlftest::calendarFromVector(in.at("calendar")),
+                             in.at("mask").get<NSUInteger>(),
+                             *orlftest::dateFromVector(in.at("date")),
+                             in.at("month").get<NSInteger>(), in.at("day").get<NSInteger>()));
+        }},
+       {"roundDown", roundingCheck(orlfDateByRoundingDateDownToCalendarUnit)},
+       {"roundUp", roundingCheck(orlfDateByRoundingDateUpToCalendarUnit)},
+       {"dateByAddingInterval:count:toDate:",
+        [](const Json& in, const Json& out) {
+          return orlftest::disagreement(
+              orlftest::dateFromVector(out),
+              dateByAddingInterval(*orlftest::calendarFromVector(in.at("calendar")),
+                                   intervalOf(in.at("interval")), in.at("count").get<NSInteger>(),
+                                   *orlftest::dateFromVector(in.at("date"))));
+        }},
+       {"numberOfIntervals:fromDate:toDate:",
+        [](const Json& in, const Json& out) {
+          return orlftest::disagreement(
+              out.get<NSInteger>(),
+              numberOfIntervals(*orlftest::calendarFromVector(in.at("calendar")),
+                                intervalOf(in.at("interval")),
+                                *orlftest::dateFromVector(in.at("from")),
+                                *orlftest::dateFromVector(in.at("to"))));
+        }},
+       {"date:onSameDayAsDate:",
+        [](const Json& in, const Json& out) {
+          const auto dates = orlftest::datesFromVector(in.at("dates"));
+          return orlftest::disagreement(
+              out.get<bool>(),
+              dateOnSameDayAsDate(*orlftest::calendarFromVector(in.at("calendar")), dates.at(0),
+                                  dates.at(1)));
+        }},
+       {"dateByRoundingDownDate:toInterval:",
+        [](const Json& in, const Json& out) {
+          return orlftest::disagreement(
+              orlftest::dateFromVector(out),
+              dateByRoundingDownDate(*orlftest::calendarFromVector(in.at("calendar")),
+                                     *orlftest::dateFromVector(in.at("date")),
+                                     intervalOf(in.at("interval"))));
+        }},
+       {"intervalCountInYear:",
+        [](const Json& in, const Json& out) {
+          return orlftest::disagreement(out.get<NSInteger>(),
+                                        intervalCountInYear(utcCalendar(), intervalOf(in)));
+        }},
+       {"calendarUnitNameForIntervalType:capitalize:unitCount:",
+        [](const Json& in, const Json& out) {
+          return orlftest::disagreement(
+              out.get<std::string>(),
+              calendarUnitNameForIntervalType(utcCalendar(), intervalOf(in.at(0)),
+                                              in.at(1).get<bool>(), in.at(2).get<NSInteger>()));
+        }},
+       {"orlfNameForCalendarUnit:plural:", [](const Json& in, const Json& out) {
+          return orlftest::disagreement(
+              out.get<std::string>(), orlfNameForCalendarUnit(unitOf(in.at(0)), in.at(1).get<bool>()));
+        }}});
+}
+
+struct JulyYearCase {
+  const char *name, *date;
+  NSInteger year, month, quarter;
+};
+const JulyYearCase kJulyYear[] = {
+    {"EarlierHalf", "2020-03-15", 2020, 9, 3},
+    {"LaterHalf", "2020-08-15", 2021, 2, 1},
+    {"LastDay", "2020-06-30", 2020, 12, 4},
+    {"StartItselfKeepsThePlainYear", "2020-07-01", 2020, 1, 1},
+    {"DayAfterTheStart", "2020-07-02", 2021, 1, 1},
+};
+
+TEST(OrlfComponents, CountsFromTheFirstOfJuly) {
+  for (const JulyYearCase& row : kJulyYear) {
+    const NSDateComponents fields =
+        orlfComponents(utcCalendar(),
+                       NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitQuarter |
+                           NSCalendarUnitDay,
+                       day(row.date), 7, 1);
+    EXPECT_EQ(fields.year(), row.year) << row.name;
+    EXPECT_EQ(fields.month(), row.month) << row.name;
+    EXPECT_EQ(fields.quarter(), row.quarter) << row.name;
+    EXPECT_EQ(fields.day(), utcCalendar().component(NSCalendarUnitDay, day(row.date))) << row.name;
+    EXPECT_EQ(fields.weekOfYear(), NSDateComponentUndefined) << row.name;
+  }
+}
+
+struct RoundingCase {
+  const char* name;
+  NSCalendarUnit unit;
+  const char* date;
+  NSInteger yearStartMonth, monthStartDay;
+  const char *down, *up;
+};
+const RoundingCase kRoundings[] = {
+    {"Year", NSCalendarUnitYear, "2020-08-15", 7, 1, "2020-07-01", "2020-08-01"},
+    {"YearBeforeItsStartMonth", NSCalendarUnitYear, "2020-03-15", 7, 1, "2019-07-01",
+     "2019-08-01"},
+    {"QuarterRoundsDownBothWays", NSCalendarUnitQuarter, "2020-08-15", 7, 1, "2020-07-01",
+     "2020-07-01"},
+    {"MonthTakesItsStartDayInTheDatesMonth", NSCalendarUnitMonth, "2020-08-05", 7, 10,
+     "2020-08-10", "2020-09-10"},
+    {"DayRoundsPlainly", NSCalendarUnitDay, "2020-08-05", 7, 10, "2020-08-05", "2020-08-05"},
+};
+
+TEST(OrlfDateByRoundingDateToFiscalUnit, MatchesTable) {
+  for (const RoundingCase& row : kRoundings) {
+    const auto down =
+        orlfDateByRoundingDateDownToCalendarUnit(utcCalendar(), day(row.date), row.unit,
+                                                 row.yearStartMonth, row.monthStartDay);
+    const auto up = orlfDateByRoundingDateUpToCalendarUnit(
+        utcCalendar(), day(row.date), row.unit, row.yearStartMonth, row.monthStartDay);
+    EXPECT_EQ(text(down), row.down) << row.name;
+    EXPECT_EQ(text(up), row.up) << row.name;
+  }
+}
+
+TEST(OrlfDateByRoundingDateToFiscalUnit, NilGivesNil) {
+  EXPECT_FALSE(orlfDateByRoundingDateDownToCalendarUnit(utcCalendar(), std::nullopt,
+                                                        NSCalendarUnitYear, 7, 1));
+  EXPECT_FALSE(orlfDateByRoundingDateUpToCalendarUnit(utcCalendar(), std::nullopt,
+                                                      NSCalendarUnitMonth, 7, 1));
+}
+
+TEST(OrlfDateByRoundingDateToFiscalUnit, QuarterUpIsQuarterDownOnEveryDayOfAYear) {
+  NSDate date = day("2023-01-01");
+  for (int index = 0; index < 366; ++index) {
+    for (const NSInteger start : {1, 4, 7, 10, 12})
+      EXPECT_EQ(orlfDateByRoundingDateUpToCalendarUnit(utcCalendar(), date, NSCalendarUnitQuarter,
+                                                       start, 1),
+                orlfDateByRoundingDateDownToCalendarUnit(utcCalendar(), date,
+                                                         NSCalendarUnitQuarter, start, 1));
+    date = *utcCalendar().dateByAddingUnit(NSCalendarUnitDay, 1, date, 0);
+  }
+}
+
+TEST(DateByRoundingDownDate, WeeksBeginOnSundayWhateverTheCalendarSays) {
+  const auto monday = orlftest::calendarFromVector(
+      Json{{"zone", "UTC"}, {"first_weekday", 2}, {"min_days", 4}});
+  EXPECT_EQ(text(dateByRoundingDownDate(*monday, day("2024-05-15"), ORLFCalendarIntervalWeek)),
+            "2024-05-12");
+}
+
+TEST(DateByRoundingDownDate, TwoWeeksBeginWithAnEvenWeek) {
+  // Week 20 begins on 12 May 2024, week 21 a week later.
+  EXPECT_EQ(
+      text(dateByRoundingDownDate(utcCalendar(), day("2024-05-15"), ORLFCalendarIntervalTwoWeeks)),
+      "2024-05-12");
+  EXPECT_EQ(
+      text(dateByRoundingDownDate(utcCalendar(), day("2024-05-22"), ORLFCalendarIntervalTwoWeeks)),
+      "2024-05-12");
+}
+
+TEST(DateByRoundingDownDate, ValuesOutsideTheSetGiveNil) {
+  EXPECT_FALSE(dateByRoundingDownDate(utcCalendar(), day("2024-05-15"),
+                                      static_cast<ORLFCalendarInterval>(6)));
+}
+
+struct AddingCase {
+  ORLFCalendarInterval interval;
+  NSInteger count;
+  const char* date;
+};
+const AddingCase kAddings[] = {
+    {ORLFCalendarIntervalWeek, 2, "2024-02-14"},    {ORLFCalendarIntervalTwoWeeks, 2, "2024-02-28"},
+    {ORLFCalendarIntervalMonth, 1, "2024-02-29"},   {ORLFCalendarIntervalQuarter, 1, "2024-04-30"},
+    {ORLFCalendarIntervalYear, -1, "2023-01-31"},   {ORLFCalendarIntervalDay, 30, "2024-03-01"},
+    {static_cast<ORLFCalendarInterval>(9), 5, "2024-01-31"},
+};
+
+TEST(DateByAddingInterval, MatchesTable) {
+  for (const AddingCase& row : kAddings)
+    EXPECT_EQ(text(dateByAddingInterval(utcCalendar(), row.interval, row.count, day("2024-01-31"))),
+              row.date);
+}
+
+TEST(DateByAddingInterval, CountsTooLargeGiveNil) {
+  EXPECT_FALSE(dateByAddingInterval(utcCalendar(), ORLFCalendarIntervalQuarter, NSIntegerMax,
+                                    day("2024-01-31")));
+}
+
+TEST(NumberOfIntervals, TruncatesTowardZero) {
+  EXPECT_EQ(numberOfIntervals(utcCalendar(), ORLFCalendarIntervalTwoWeeks, day("2024-01-01"),
+                              day("2024-01-22")),
+            1);
+  EXPECT_EQ(numberOfIntervals(utcCalendar(), ORLFCalendarIntervalTwoWeeks, day("2024-01-22"),
+                              day("2024-01-01")),
+            -1);
+  EXPECT_EQ(numberOfIntervals(utcCalendar(), ORLFCalendarIntervalQuarter, day("2024-01-01"),
+                              day("2024-12-31")),
+            3);
+  EXPECT_EQ(numberOfIntervals(utcCalendar(), static_cast<ORLFCalendarInterval>(-1),
+                              day("2024-01-01"), day("2024-12-31")),
+            0);
+}
+
+}  // namespace
+}  // namespace ORLFoundation

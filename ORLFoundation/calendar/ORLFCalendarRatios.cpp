@@ -1,0 +1,116 @@
+#include <ORLFoundation/calendar/ORLFCalendarRatios.h>
+#include <ORLFoundation/platform/object/NSBundle.h>
+#include <ORLFoundation/support/ORLFDebugLog.h>
+
+#include <atomic>
+#include <cmath>
+
+namespace ORLFoundation {
+namespace {
+
+// A value that the first calendar to ask decides for the whole process.
+class CachedMaximum {
+ public:
+  explicit constexpr CachedMaximum(NSCalendarUnit unit) : unit_(unit) {}
+
+  double value(const NSCalendar& calendar) noexcept {
+    NSUInteger value = value_.load(std::memory_order_relaxed);
+    if (value == 0) {
+      value = NSMaxRange(calendar.maximumRangeOfUnit(unit_));
+      NSUInteger unset = 0;
+      if (!value_.compare_exchange_strong(unset, value, std::memory_order_relaxed)) value = unset;
+    }
+    return static_cast<double>(value);
+  }
+
+ private:
+  NSCalendarUnit unit_;
+  std::atomic<NSUInteger> value_{0};
+};
+
+CachedMaximum hoursPerDay(NSCalendarUnitHour);
+CachedMaximum minutesPerHour(NSCalendarUnitMinute);
+CachedMaximum secondsPerMinute(NSCalendarUnitSecond);
+
+struct SecondsOfUnits {
+  double minute, hour, day;
+};
+
+SecondsOfUnits secondsOfUnits(const NSCalendar& calendar) noexcept {
+  const double hours = hoursPerDay.value(calendar);
+  const double minutes = minutesPerHour.value(calendar);
+  const double seconds = secondsPerMinute.value(calendar);
+  return {seconds, minutes * seconds, hours * minutes * seconds};
+}
+
+// The seconds of the unit that holds the date; 0 when it has no range.
+double lengthOfUnit(const NSCalendar& calendar, NSCalendarUnit unit, NSDate date) noexcept {
+  NSTimeInterval length = 0;
+  return calendar.rangeOfUnit(unit, nullptr, &length, date) ? length : 0;
+}
+
+double divided(double length, double by) noexcept { return by == 0 ? 0 : length / by; }
+
+struct UnitWord {
+  NSCalendarUnit unit;
+  const char *single, *plural;
+};
+constexpr UnitWord kWords[] = {
+    {NSCalendarUnitYear, "year", "years"},
+    {NSCalendarUnitMonth, "month", "months"},
+    {NSCalendarUnitWeek, "week", "weeks"},
+    {NSCalendarUnitWeekOfMonth, "week", "weeks"},
+    {NSCalendarUnitWeekOfYear, "week", "weeks"},
+    {NSCalendarUnitQuarter, "quarter", "quarters"},
+};
+
+}  // namespace
+
+double orlfMaximumValueOfUnit(const NSCalendar& calendar, NSCalendarUnit unit,
+                              NSCalendarUnit inUnit, std::optional<NSDate> forDate) noexcept {
+  if (!forDate) return 0;
+  const double length = lengthOfUnit(calendar, inUnit, *forDate);
+  if (length == 0) return 0;
+  const SecondsOfUnits seconds = secondsOfUnits(calendar);
+  switch (unit) {
+    case NSCalendarUnitEra:
+    case NSCalendarUnitYear:
+    case NSCalendarUnitQuarter:
+    case NSCalendarUnitWeek:
+    case NSCalendarUnitWeekOfMonth:
+    case NSCalendarUnitWeekOfYear:
+      return divided(length, lengthOfUnit(calendar, unit, *forDate));
+    case NSCalendarUnitMonth: {
+      const NSRange days = calendar.rangeOfUnit(NSCalendarUnitDay, NSCalendarUnitMonth, *forDate);
+      return divided(length, static_cast<double>(days.length) * seconds.day);
+    }
+    case NSCalendarUnitDay: return divided(length, seconds.day);
+    case NSCalendarUnitHour: return divided(length, seconds.hour);
+    case NSCalendarUnitMinute: return divided(length, seconds.minute);
+    case NSCalendarUnitSecond: return length;
+    default: return 0;
+  }
+}
+
+double orlfRatioOfCalendarUnit(const NSCalendar& calendar, NSCalendarUnit unit,
+                               NSCalendarUnit inUnit, std::optional<NSDate> forDate) noexcept {
+  const auto inYear = [&](NSCalendarUnit asked) {
+    const double value = orlfMaximumValueOfUnit(calendar, asked, NSCalendarUnitYear, forDate);
+    return asked == NSCalendarUnitEra ? value : std::ceil(value);
+  };
+  const double units = inYear(unit);
+  const double inUnits = inYear(inUnit);
+  return units == 0 || inUnits == 0 ? 0 : units / inUnits;
+}
+
+std::string orlfNameForCalendarUnit(NSCalendarUnit unit, bool plural) {
+  for (const UnitWord& word : kWords) {
+    if (word.unit != unit) continue;
+    return NSBundle::mainBundle()->localizedStringForKey(plural ? word.plural : word.single, "",
+                                                         std::nullopt);
+  }
+  _ORLFDebugLog("Unexpected repeat interval in orlfNameForCalendarUnit: %lu", unit);
+  return "unknown";
+}
+
+}  // namespace ORLFoundation

@@ -1,0 +1,151 @@
+#include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
+#include <ORLFoundation/calendar/ORLFCalendarRounding.h>
+#include <ORLFoundation/calendar/ORLFCalendarSeries.h>
+#include <ORLFoundation/calendar/ORLFDateOrdering.h>
+#include <ORLFoundation/support/ORLFCondition.h>
+#include <ORLFoundation/support/ORLFDebugLog.h>
+
+#include <algorithm>
+
+namespace ORLFoundation {
+namespace {
+
+using Dates = std::vector<NSDate>;
+
+bool earlier(NSDate left, NSDate right) { return left.compare(right) == NSOrderedAscending; }
+bool later(NSDate left, NSDate right) { return left.compare(right) == NSOrderedDescending; }
+
+// The events on one side of the anchor, one step after the other. It ends where the calendar does,
+// and where a step does not move.
+class SeriesWalk {
+ public:
+  SeriesWalk(const NSCalendar& calendar, const ORLFRepeatingEvents& events, bool backward)
+      : calendar_(calendar), events_(events), step_(events.multiplier) {
+    if (backward != (step_ < 0) && __builtin_sub_overflow(NSInteger{0}, step_, &step_)) step_ = 0;
+  }
+
+  std::optional<NSDate> next() {
+    if (__builtin_add_overflow(offset_, step_, &offset_)) return std::nullopt;
+    const auto date = orlfDateByAddingInterval(calendar_, offset_, events_.unit,
+                                               events_.anchoredOnEventDate);
+    if (!date || date->isEqualToDate(last_)) return std::nullopt;
+    last_ = *date;
+    return date;
+  }
+
+ private:
+  const NSCalendar& calendar_;
+  const ORLFRepeatingEvents& events_;
+  NSInteger step_;
+  NSInteger offset_ = 0;
+  NSDate last_ = events_.anchoredOnEventDate;
+};
+
+struct Range {
+  NSDate from, to;
+  bool inclusive;
+
+  [[nodiscard]] bool within(NSDate date) const {
+    return inclusive ? orlfIsOnOrBefore(date, to) : orlfIsBefore(date, to);
+  }
+  [[nodiscard]] bool past(NSDate date) const {
+    return inclusive ? orlfIsAfter(date, to) : orlfIsOnOrAfter(date, to);
+  }
+};
+
+void addWithin(SeriesWalk& walk, std::optional<NSDate> date, const Range& range, Dates& dates) {
+  for (; date && range.within(*date); date = walk.next()) dates.push_back(*date);
+}
+
+void addDownToStart(SeriesWalk& walk, std::optional<NSDate> date, const Range& range,
+                    Dates& dates) {
+  for (; date && orlfIsOnOrAfter(*date, range.from); date = walk.next()) dates.push_back(*date);
+}
+
+// The anchor lies in the range: both sides of it.
+Dates datesAround(const NSCalendar& calendar, const ORLFRepeatingEvents& events,
+                  const Range& range) {
+  Dates dates{events.anchoredOnEventDate};
+  SeriesWalk back(calendar, events, true);
+  addDownToStart(back, back.next(), range, dates);
+  SeriesWalk forward(calendar, events, false);
+  addWithin(forward, forward.next(), range, dates);
+  std::sort(dates.begin(), dates.end(), earlier);
+  return dates;
+}
+
+Dates datesAfter(const NSCalendar& calendar, const ORLFRepeatingEvents& events,
+                 const Range& range) {
+  Dates dates;
+  SeriesWalk forward(calendar, events, false);
+  auto date = forward.next();
+  while (date && orlfIsBefore(*date, range.from)) date = forward.next();
+  addWithin(forward, date, range, dates);
+  return dates;
+}
+
+Dates datesBefore(const NSCalendar& calendar, const ORLFRepeatingEvents& events,
+                  const Range& range) {
+  if (!range.past(events.anchoredOnEventDate)) {
+    _ORLFDebugLog("Wtf did you do??");
+    return {};
+  }
+  Dates dates;
+  SeriesWalk back(calendar, events, true);
+  auto date = back.next();
+  while (date && range.past(*date)) date = back.next();
+  addDownToStart(back, date, range, dates);
+  std::sort(dates.begin(), dates.end(), earlier);
+  return dates;
+}
+
+// The next date of a stepped list.
+std::optional<NSDate> steppedDate(const NSCalendar& calendar, const ORLFSteppedDates& dates,
+                                  NSInteger step, bool backward, NSDate current) {
+  const auto next = orlfDateByAddingInterval(calendar, step, dates.calendarUnit, current);
+  if (!dates.inAligned) return next;
+  if (!backward)
+    return orlfDateByRoundingDateDownToCalendarUnit(calendar, next, dates.calendarUnit);
+  const auto start =
+      orlfDateByRoundingDateDownToCalendarUnit(calendar, current, dates.calendarUnit);
+  return start && !start->isEqualToDate(current) ? start : next;
+}
+
+}  // namespace
+
+std::optional<Dates> orlfDatesOfEventsRepeatingWithUnit(const NSCalendar& calendar,
+                                                        const ORLFRepeatingEvents& events) {
+  ORLFConditionAssert(events.fromDate.has_value(), "fromDate != nil",
+                      "Can't pass nil for fromDate");
+  if (!events.fromDate) return std::nullopt;
+  const Range range{*events.fromDate, events.toDate.value_or(NSDate::date()), events.inclusive};
+  ORLFConditionAssert(range.from.compare(range.to) != NSOrderedDescending,
+                      "[fromDate compare:toDate] != NSOrderedDescending",
+                      "fromDate must not be after toDate");
+  const NSDate anchor = events.anchoredOnEventDate;
+  if (orlfIsBefore(anchor, range.from)) return datesAfter(calendar, events, range);
+  if (orlfIsAfter(range.to, anchor)) return datesAround(calendar, events, range);
+  return datesBefore(calendar, events, range);
+}
+
+Dates orlfDatesAtInterval(const NSCalendar& calendar, const ORLFSteppedDates& dates) {
+  NSDate current = dates.startingWithFirst ? dates.firstDate : dates.secondDate;
+  const NSDate limit = dates.startingWithFirst ? dates.secondDate : dates.firstDate;
+  const bool backward = current.compare(limit) == NSOrderedDescending;
+  NSInteger step = dates.interval;
+  if (backward && __builtin_sub_overflow(NSInteger{0}, step, &step)) step = NSIntegerMax;
+
+  Dates list{current};
+  const auto ahead = backward ? later : earlier;
+  for (bool more = true; more;) {
+    const auto next = steppedDate(calendar, dates, step, backward, current);
+    if (!next) break;
+    more = ahead(current, *next) && ahead(*next, limit);
+    current = *next;
+    list.push_back(current);
+  }
+  std::stable_sort(list.begin(), list.end(), dates.sortAscending ? earlier : later);
+  return list;
+}
+
+}  // namespace ORLFoundation
