@@ -73,6 +73,10 @@ class ORLFDecimalNumberHandler : public NSObject, public NSDecimalNumberBehavior
 
  protected:
   Fields fields_;
+
+ private:
+  /// The code of the field that stands for the error; to raise for an error that has none.
+  [[nodiscard]] std::int32_t reactionTo(NSCalculationError error) const noexcept;
 };
 
 }  // namespace ORLFoundation

@@ -24,8 +24,8 @@ using ORLFDecimalSolverTest =
 /// the given bounds, and where the behaviour gives nil for an error. Equal bounds are the answer
 /// unasked.
 ///
-/// There is no count of steps: with a behaviour of a fixed scale the search takes a call for each
-/// halving. Past the largest power of ten, where no bound was found, it raises like any overflow.
+/// Steps are not counted: the search takes a call for each halving down to the behaviour's scale,
+/// and one for each power of ten. nil too when the largest decimals are no bound.
 [[nodiscard]] std::optional<NSDecimalNumber> aproximateValueUsingLinearRegressionLowerBound(
     const std::optional<NSDecimalNumber>& lowerBound,
     const std::optional<NSDecimalNumber>& upperBound,

@@ -13,7 +13,7 @@
 
 #include <ORLFoundation/platform/number/NSDecimalNumberBehaviors.h>
 #include <ORLFoundation/platform/object/NSNumber.h>
-#include <ORLFoundation/platform/value/NSDecimal.h>
+#include <ORLFoundation/platform/value/NSDecimalArithmetic.h>
 
 #include <functional>
 #include <optional>
@@ -63,27 +63,37 @@ class NSDecimalNumber {
   [[nodiscard]] constexpr const NSDecimal& decimalValue() const noexcept { return value_; }
 
   /// `decimalNumberByAdding:`
-  [[nodiscard]] NSDecimalNumber decimalNumberByAdding(const NSDecimalNumber& other) const;
+  [[nodiscard]] NSDecimalNumber decimalNumberByAdding(const NSDecimalNumber& other) const {
+    return valueOrRaise(NSDecimalAdd(value_, other.value_));
+  }
   /// `decimalNumberByAdding:withBehavior:`
   [[nodiscard]] std::optional<NSDecimalNumber> decimalNumberByAdding(
       const NSDecimalNumber& other, const NSDecimalNumberBehaviors* withBehavior) const;
   /// `decimalNumberBySubtracting:`
-  [[nodiscard]] NSDecimalNumber decimalNumberBySubtracting(const NSDecimalNumber& other) const;
+  [[nodiscard]] NSDecimalNumber decimalNumberBySubtracting(const NSDecimalNumber& other) const {
+    return valueOrRaise(NSDecimalSubtract(value_, other.value_));
+  }
   /// `decimalNumberBySubtracting:withBehavior:`
   [[nodiscard]] std::optional<NSDecimalNumber> decimalNumberBySubtracting(
       const NSDecimalNumber& other, const NSDecimalNumberBehaviors* withBehavior) const;
   /// `decimalNumberByMultiplyingBy:`
-  [[nodiscard]] NSDecimalNumber decimalNumberByMultiplyingBy(const NSDecimalNumber& other) const;
+  [[nodiscard]] NSDecimalNumber decimalNumberByMultiplyingBy(const NSDecimalNumber& factor) const {
+    return valueOrRaise(NSDecimalMultiply(value_, factor.value_));
+  }
   /// `decimalNumberByMultiplyingBy:withBehavior:`
   [[nodiscard]] std::optional<NSDecimalNumber> decimalNumberByMultiplyingBy(
-      const NSDecimalNumber& other, const NSDecimalNumberBehaviors* withBehavior) const;
+      const NSDecimalNumber& factor, const NSDecimalNumberBehaviors* withBehavior) const;
   /// `decimalNumberByDividingBy:`
-  [[nodiscard]] NSDecimalNumber decimalNumberByDividingBy(const NSDecimalNumber& other) const;
+  [[nodiscard]] NSDecimalNumber decimalNumberByDividingBy(const NSDecimalNumber& divisor) const {
+    return valueOrRaise(NSDecimalDivide(value_, divisor.value_));
+  }
   /// `decimalNumberByDividingBy:withBehavior:`
   [[nodiscard]] std::optional<NSDecimalNumber> decimalNumberByDividingBy(
-      const NSDecimalNumber& other, const NSDecimalNumberBehaviors* withBehavior) const;
+      const NSDecimalNumber& divisor, const NSDecimalNumberBehaviors* withBehavior) const;
   /// `decimalNumberByRaisingToPower:`  A negative power divides one by the positive power.
-  [[nodiscard]] NSDecimalNumber decimalNumberByRaisingToPower(NSInteger power) const;
+  [[nodiscard]] NSDecimalNumber decimalNumberByRaisingToPower(NSInteger power) const {
+    return valueOrRaise(NSDecimalPower(value_, power));
+  }
   /// `decimalNumberByRaisingToPower:withBehavior:`
   [[nodiscard]] std::optional<NSDecimalNumber> decimalNumberByRaisingToPower(
       NSInteger power, const NSDecimalNumberBehaviors* withBehavior) const;
@@ -120,6 +130,13 @@ class NSDecimalNumber {
   }
 
  private:
+  /// The result under the default behaviour.
+  [[nodiscard]] static NSDecimalNumber valueOrRaise(const NSDecimalResult& result) {
+    if (result.error > NSCalculationLossOfPrecision) raise(result.error);
+    return NSDecimalNumber(result.value);
+  }
+  [[noreturn]] static void raise(NSCalculationError error);
+
   NSDecimal value_;
 };
 

@@ -22,10 +22,13 @@ class NSDecimalNumberBehaviors {
   [[nodiscard]] virtual NSRoundingMode roundingMode() const = 0;
   /// `scale`  Digits kept after the point; negative ones round before it.
   [[nodiscard]] virtual std::int16_t scale() const = 0;
+  /// Whether loss of precision counts as no error, so that the rounded result stands; false unless
+  /// a behaviour says otherwise.
+  [[nodiscard]] virtual bool ignoresLossOfPrecision() const { return false; }
   /// `exceptionDuringOperation:error:leftOperand:rightOperand:`  Called when a calculation meets an
   /// error, loss of precision included. What it gives is the operation's result, unrounded; what it
-  /// throws goes to the caller. The operation's name serves messages; the right operand is absent
-  /// where there is none, or none that is a decimal.
+  /// throws goes to the caller. The operation is its name, "decimalNumberByAdding:"; the right
+  /// operand is absent where there is none that is a decimal.
   [[nodiscard]] virtual std::optional<NSDecimalNumber> exceptionDuringOperation(
       std::string_view operation, NSCalculationError error,
       const std::optional<NSDecimalNumber>& leftOperand,

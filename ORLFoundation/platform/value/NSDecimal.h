@@ -78,9 +78,9 @@ class NSDecimal {
   /// of 38 digits. Infinite doubles and those past the largest decimal give not-a-number, those too
   /// small give zero.
   [[nodiscard]] static NSDecimal fromDouble(double value) noexcept;
-  /// Reads digits with an optional sign, decimal mark and exponent ("-12.50", ".5", "5.", "1e+5");
-  /// white space before and after is left out. Digits past the 38th round to the nearest. Text that
-  /// is no number, or is too large to hold, gives not-a-number.
+  /// Reads digits with an optional sign, decimal mark and exponent ("-12.50", ".5", "5.", "1e+5"),
+  /// and nothing else: a blank is no number. Digits past the 38th round to the nearest. Text that
+  /// is no number, or too large to hold, gives not-a-number; one too small gives zero.
   [[nodiscard]] static NSDecimal parse(std::string_view text,
                                        std::string_view decimalMark = ".") noexcept;
 

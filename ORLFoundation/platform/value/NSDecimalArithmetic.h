@@ -10,20 +10,65 @@
 #pragma once
 
 #include <ORLFoundation/platform/value/NSDecimal.h>
+#include <ORLFoundation/platform/value/internal/PowersOfTen.h>
 
 namespace ORLFoundation {
 
 struct NSDecimalResult {
-  NSDecimal value;
+  NSDecimal value = {};
   NSCalculationError error = NSCalculationNoError;
 };
 
-[[nodiscard]] NSDecimalResult NSDecimalAdd(const NSDecimal& left, const NSDecimal& right,
-                                           NSRoundingMode mode = NSRoundPlain) noexcept;
-[[nodiscard]] NSDecimalResult NSDecimalSubtract(const NSDecimal& left, const NSDecimal& right,
-                                                NSRoundingMode mode = NSRoundPlain) noexcept;
-[[nodiscard]] NSDecimalResult NSDecimalMultiply(const NSDecimal& left, const NSDecimal& right,
-                                                NSRoundingMode mode = NSRoundPlain) noexcept;
+namespace internal {
+
+/// Any two operands.
+[[nodiscard]] NSDecimalResult addLong(const NSDecimal& left, const NSDecimal& right,
+                                      NSRoundingMode mode) noexcept;
+[[nodiscard]] NSDecimalResult multiplyLong(const NSDecimal& left, const NSDecimal& right,
+                                           NSRoundingMode mode) noexcept;
+
+/// Mantissas of 64 bits that are at most this many digits apart have an exact sum.
+inline constexpr int kShortDistance = 18;
+
+/// Sums of money: both mantissas short, their exponents at most `kShortDistance` apart.
+[[nodiscard]] constexpr NSDecimal addShort(const NSDecimal& left, const NSDecimal& right) noexcept {
+  const int distance = left.exponent() - right.exponent();
+  const Wide larger = Wide{left.shortMantissa()} * shortPowerOfTen(distance > 0 ? distance : 0);
+  const Wide other = Wide{right.shortMantissa()} * shortPowerOfTen(distance < 0 ? -distance : 0);
+  const int exponent = distance > 0 ? right.exponent() : left.exponent();
+  if (left.isNegative() == right.isNegative()) return {larger + other, exponent, left.isNegative()};
+  if (larger < other) return {other - larger, exponent, right.isNegative()};
+  return {larger - other, exponent, left.isNegative()};
+}
+
+}  // namespace internal
+
+[[nodiscard]] inline NSDecimalResult NSDecimalAdd(const NSDecimal& left, const NSDecimal& right,
+                                                  NSRoundingMode mode = NSRoundPlain) noexcept {
+  const auto place =
+      static_cast<unsigned>(left.exponent() - right.exponent() + internal::kShortDistance);
+  if (left.isShort() && right.isShort() && place <= 2U * internal::kShortDistance)
+    return {internal::addShort(left, right)};
+  return internal::addLong(left, right, mode);
+}
+
+[[nodiscard]] inline NSDecimalResult NSDecimalSubtract(
+    const NSDecimal& left, const NSDecimal& right, NSRoundingMode mode = NSRoundPlain) noexcept {
+  return NSDecimalAdd(left, right.negated(), mode);
+}
+
+[[nodiscard]] inline NSDecimalResult NSDecimalMultiply(
+    const NSDecimal& left, const NSDecimal& right, NSRoundingMode mode = NSRoundPlain) noexcept {
+  if (left.isShort() && right.isShort()) {
+    const internal::Wide product = internal::Wide{left.shortMantissa()} * right.shortMantissa();
+    const int exponent = left.exponent() + right.exponent();
+    if (product < NSDecimal::kMantissaEnd && exponent >= NSDecimal::kSmallestExponent &&
+        exponent <= NSDecimal::kLargestExponent)
+      return {NSDecimal(product, exponent, left.isNegative() != right.isNegative())};
+  }
+  return internal::multiplyLong(left, right, mode);
+}
+
 /// Division by zero gives not-a-number and its error, for a dividend of zero too.
 [[nodiscard]] NSDecimalResult NSDecimalDivide(const NSDecimal& left, const NSDecimal& right,
                                               NSRoundingMode mode = NSRoundPlain) noexcept;

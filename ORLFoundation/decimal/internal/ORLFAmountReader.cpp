@@ -1,0 +1,184 @@
+#include <ORLFoundation/decimal/ORLFDecimalNumber.h>
+#include <ORLFoundation/decimal/internal/ORLFAmountReader.h>
+#include <ORLFoundation/platform/object/NSLog.h>
+#include <unicode/uchar.h>
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+
+namespace ORLFoundation::internal {
+namespace {
+
+/// The digits that a group between two separators holds at least.
+constexpr std::size_t kSmallestGroup = 2;
+constexpr int kThousandsGroup = 3;
+constexpr int kFractionPlaces = 4;
+
+bool isDigit(char16_t c) noexcept { return c >= u'0' && c <= u'9'; }
+
+/// White space and line ends.
+bool isSpace(UChar32 c) noexcept {
+  return (U_MASK(u_charType(c)) & U_GC_Z_MASK) != 0 || (c >= 0x09 && c <= 0x0D) || c == 0x85;
+}
+
+/// Letters and the marks that go with them.
+bool isLetter(UChar32 c) noexcept {
+  return (U_MASK(u_charType(c)) & (U_GC_L_MASK | U_GC_M_MASK)) != 0;
+}
+
+/// "%.4f"
+std::string fourPlaces(double value) {
+  char text[64];
+  const auto written =
+      std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, kFractionPlaces);
+  return {text, written.ptr};
+}
+
+}  // namespace
+
+ORLFAmountReader::ORLFAmountReader(std::string_view text)
+    : text_(icu::UnicodeString::fromUTF8(
+          icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())))) {
+  buffer_.reserve(text.size());
+}
+
+std::optional<NSDecimalNumber> ORLFAmountReader::read() {
+  for (std::int32_t i = 0; i < text_.length(); ++i) {
+    rememberEnds(i);
+    if (!take(i)) return std::nullopt;
+  }
+  if (separators_.count == 0 && fraction_.length > 0) placeFraction();
+  if (separators_.count > 0) placePoint();
+  const NSDecimalNumber number = NSDecimalNumber::decimalNumberWithString(buffer_);
+  if (number == NSDecimalNumber::notANumber()) return std::nullopt;
+  if (first_ == u'(' && last_ == u')') return orlfDecimalNumberByNegatingNumber(number);
+  return number;
+}
+
+void ORLFAmountReader::rememberEnds(std::int32_t index) {
+  if (isSpace(text_.char32At(index))) return;
+  last_ = text_[index];
+  if (first_ == 0) first_ = last_;
+}
+
+bool ORLFAmountReader::take(std::int32_t index) {
+  const char16_t c = text_[index];
+  if (isDigit(c)) return takeDigit(static_cast<char>(c));
+  switch (c) {
+    case u',':
+    case u'.':
+      return takeSeparator(c);
+    case u'E':
+    case u'e':
+      return takeExponent();
+    case u'/':
+      return takeSlash(index);
+    case u'-':
+      return takeMinus();
+    case u'+':
+      return takePlus();
+    default:
+      return takeOther(index);
+  }
+}
+
+bool ORLFAmountReader::takeDigit(char digit) {
+  if (!inExponent_) {
+    ++separators_.digitsSince;
+  } else if (previous() == 'e') {
+    return false;  // An exponent needs its sign.
+  }
+  buffer_ += digit;
+  return true;
+}
+
+bool ORLFAmountReader::takeSeparator(char16_t separator) {
+  if (inExponent_) return false;
+  const bool isFirst = separators_.count == 0;
+  if (!isFirst && buffer_.size() - separators_.lastPosition < kSmallestGroup) return false;
+  separators_.mixed = separators_.mixed || (!isFirst && separators_.last != separator);
+  separators_.lastPosition = buffer_.size();
+  separators_.last = separator;
+  ++separators_.count;
+  separators_.digitsSince = 0;
+  return true;
+}
+
+bool ORLFAmountReader::takeExponent() {
+  if (inExponent_) return false;
+  buffer_ += 'e';
+  inExponent_ = true;
+  return true;
+}
+
+bool ORLFAmountReader::takeSlash(std::int32_t index) {
+  if (inExponent_ || fraction_.met) return false;
+  std::int32_t from = index;
+  while (from > 0 && isDigit(text_[from - 1])) --from;
+  std::int32_t to = index + 1;
+  while (to < text_.length() && isDigit(text_[to])) ++to;
+  // 5/0 and 5/ are 5.
+  const std::int64_t denominator = std::max<std::int64_t>(integerBetween(index + 1, to), 1);
+  fraction_.met = true;
+  fraction_.start = buffer_.size() - static_cast<std::size_t>(index - from);
+  fraction_.length = static_cast<std::size_t>(to - from - 1);
+  fraction_.value =
+      *orlfDecimalNumberByDividingBy(orlfDecimalNumberWithInteger(integerBetween(from, index)),
+                                     orlfDecimalNumberWithInteger(denominator));
+  return true;
+}
+
+bool ORLFAmountReader::takeMinus() {
+  if (!buffer_.empty() && previous() != 'e') return false;
+  buffer_ += '-';
+  return true;
+}
+
+bool ORLFAmountReader::takePlus() {
+  if (buffer_.empty()) return true;
+  if (previous() != 'e') return false;
+  buffer_ += '+';
+  return true;
+}
+
+bool ORLFAmountReader::takeOther(std::int32_t index) const {
+  return buffer_.empty() || !isLetter(text_.char32At(index));
+}
+
+/// The value of a run of digits; one that is too long ends at the largest integer.
+std::int64_t ORLFAmountReader::integerBetween(std::int32_t from, std::int32_t to) const {
+  std::int64_t value = 0;
+  for (; from < to; ++from) {
+    if (__builtin_mul_overflow(value, 10, &value) ||
+        __builtin_add_overflow(value, text_[from] - u'0', &value))
+      return std::numeric_limits<std::int64_t>::max();
+  }
+  return value;
+}
+
+/// Writes the fraction's value in place of its digits. 3 1/2 becomes 3.5000; an improper fraction
+/// only stands alone.
+void ORLFAmountReader::placeFraction() {
+  std::string text = fourPlaces(fraction_.value.doubleValue());
+  const bool isProper = fraction_.value.compare(NSDecimalNumber::one()) == NSOrderedAscending;
+  const bool isAlone = fraction_.start == 0 && fraction_.length == buffer_.size();
+  if (!isProper && !isAlone) {
+    buffer_.erase(fraction_.start, fraction_.length);
+    NSLog("Cannot append improper fraction to end of amount: " + buffer_);
+    return;
+  }
+  if (isProper && text.front() == '0') text.erase(0, 1);
+  buffer_.replace(fraction_.start, fraction_.length, text);
+}
+
+/// Puts a point at the last separator, unless it ends a group of thousands. A single "." never
+/// does: 1.234 is a decimal.
+void ORLFAmountReader::placePoint() {
+  const bool isSinglePoint = separators_.count == 1 && separators_.last == u'.';
+  const bool endsThousands =
+      !separators_.mixed && separators_.digitsSince == kThousandsGroup && !isSinglePoint;
+  if (!endsThousands) buffer_.insert(separators_.lastPosition, 1, '.');
+}
+
+}  // namespace ORLFoundation::internal

@@ -1,0 +1,32 @@
+/// Division of two words of 64 bits by one, and what it serves: zeros at the end of a mantissa.
+#pragma once
+
+#include <ORLFoundation/platform/value/internal/PowersOfTen.h>
+
+#include <cstdint>
+
+namespace ORLFoundation::internal {
+
+struct ShortDivision {
+  std::uint64_t quotient;
+  std::uint64_t remainder;
+};
+
+/// Two words by one. The high word is below the divisor, so that the quotient fits one word.
+[[nodiscard]] inline ShortDivision divideTwoWords(std::uint64_t high, std::uint64_t low,
+                                                  std::uint64_t divisor) noexcept {
+#if defined(__x86_64__)
+  // The compiler would call a general routine that handles quotients of any length.
+  ShortDivision result{};
+  __asm__("divq %4"
+          : "=a"(result.quotient), "=d"(result.remainder)
+          : "a"(low), "d"(high), "r"(divisor)
+          : "cc");
+  return result;
+#else
+  const Wide dividend = (Wide{high} << 64) | low;
+  return {lowWord(dividend / divisor), lowWord(dividend % divisor)};
+#endif
+}
+
+}  // namespace ORLFoundation::internal

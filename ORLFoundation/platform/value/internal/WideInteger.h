@@ -1,0 +1,88 @@
+/// Unsigned integers of 256 bits, for what stands between exact operands and a rounded result: 76
+/// digits fit. Division is by powers of ten and by 128 bits only.
+#pragma once
+
+#include <ORLFoundation/platform/value/internal/PowersOfTen.h>
+
+namespace ORLFoundation::internal {
+
+/// The most digits that 256 bits always hold, with room for one sum.
+inline constexpr int kMostWideDigits = 76;
+
+struct WideInteger {
+  Wide low = 0;
+  Wide high = 0;
+
+  [[nodiscard]] constexpr bool isZero() const noexcept { return (low | high) == 0; }
+  friend constexpr bool operator==(const WideInteger&, const WideInteger&) noexcept = default;
+  friend constexpr bool operator<(const WideInteger& left, const WideInteger& right) noexcept {
+    return left.high != right.high ? left.high < right.high : left.low < right.low;
+  }
+};
+
+[[nodiscard]] constexpr WideInteger sum(const WideInteger& left,
+                                        const WideInteger& right) noexcept {
+  WideInteger result{left.low + right.low, left.high + right.high};
+  result.high += result.low < left.low ? 1 : 0;
+  return result;
+}
+
+/// The left side is not below the right one.
+[[nodiscard]] constexpr WideInteger difference(const WideInteger& left,
+                                               const WideInteger& right) noexcept {
+  const Wide borrow = left.low < right.low ? 1 : 0;
+  return {left.low - right.low, left.high - right.high - borrow};
+}
+
+[[nodiscard]] constexpr WideInteger product(Wide left, Wide right) noexcept {
+  const Wide left0 = lowWord(left), left1 = highWord(left);
+  const Wide right0 = lowWord(right), right1 = highWord(right);
+  const Wide low = left0 * right0;
+  const Wide cross = left1 * right0 + highWord(low);
+  const Wide middle = left0 * right1 + lowWord(cross);
+  return {(middle << 64) | lowWord(low), left1 * right1 + highWord(cross) + highWord(middle)};
+}
+
+/// The value times ten to the power, which the caller knows to fit.
+[[nodiscard]] constexpr WideInteger timesPowerOfTen(Wide value, int power) noexcept {
+  if (power <= NSDecimal::kMostDigits) return product(value, powerOfTen(power));
+  const WideInteger part = product(value, powerOfTen(NSDecimal::kMostDigits));
+  const Wide factor = powerOfTen(power - NSDecimal::kMostDigits);
+  WideInteger result = product(part.low, factor);
+  result.high += part.high * factor;
+  return result;
+}
+
+/// Decimal digits of a value below 10^77; none for zero.
+[[nodiscard]] int digitCount(const WideInteger& value) noexcept;
+
+/// How what is left out below a digit compares with half a unit of that digit.
+enum class Dropped : unsigned { kNothing, kBelowHalf, kHalf, kAboveHalf };
+
+/// The class of digits with more below them.
+[[nodiscard]] constexpr Dropped withMoreBelow(Dropped digits, bool more) noexcept {
+  if (!more) return digits;
+  if (digits == Dropped::kNothing) return Dropped::kBelowHalf;
+  return digits == Dropped::kHalf ? Dropped::kAboveHalf : digits;
+}
+
+/// The class of a remainder of a division.
+[[nodiscard]] constexpr Dropped classOfRemainder(Wide remainder, Wide divisor) noexcept {
+  if (remainder == 0) return Dropped::kNothing;
+  const Wide rest = divisor - remainder;
+  if (remainder == rest) return Dropped::kHalf;
+  return remainder < rest ? Dropped::kBelowHalf : Dropped::kAboveHalf;
+}
+
+struct WideQuotient {
+  Wide quotient;
+  Dropped dropped;
+};
+
+/// Drops that many digits, at least one; what stays is below 10^38.
+[[nodiscard]] WideQuotient dropDigits(const WideInteger& value, int count) noexcept;
+
+/// Divides a value whose high half is below the divisor.
+[[nodiscard]] WideQuotient divide(const WideInteger& value, Wide divisor) noexcept;
+
+}  // namespace ORLFoundation::internal
