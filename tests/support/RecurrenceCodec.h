@@ -32,8 +32,7 @@ inline std::shared_ptr<ORLFoundation::ORLFDateRecurrenceRule> ruleFromVector(con
   using namespace ORLFoundation;
   if (rule.is_null()) return nullptr;
   return ORLFDateRecurrenceRule::ruleWithFields(
-      {.frequency =
-           static_cast<ORLFDateRecurrenceFrequency>(rule.at("frequency").get<NSInteger>()),
+      {.frequency = static_cast<ORLFDateRecurrenceFrequency>(rule.at("frequency").get<NSInteger>()),
        .interval = rule.at("interval").get<NSInteger>(),
        .anchorIndex = rule.at("anchorIndex").get<NSInteger>(),
        .absolute = rule.at("absolute").get<bool>(),

@@ -68,8 +68,8 @@ NSDate plainDate(const std::string& text) {
   const std::chrono::year_month_day day{std::chrono::year(part(0, 4)),
                                         std::chrono::month(static_cast<unsigned>(part(5, 2))),
                                         std::chrono::day(static_cast<unsigned>(part(8, 2)))};
-  const int hour = part(11, 2);
-  const int minute = part(14, 2);
+  const std::int64_t hour = part(11, 2);
+  const std::int64_t minute = part(14, 2);
   const int second = part(17, 2);
   if (!day.ok() || hour > 23 || minute > 59 || second > 59) unreadable("date", text);
   const std::int64_t days = std::chrono::sys_days(day).time_since_epoch().count();

@@ -2,6 +2,7 @@
 #include <tests/support/VectorFile.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cerrno>
 #include <charconv>
 #include <cstdlib>
@@ -104,9 +105,9 @@ TsvRow readRow(const std::string& line, const std::vector<std::string>& columns)
   row.columns = &columns;
   for (const std::string& field : splitAtTabs(line)) {
     if (field == "\\N")
-      row.fields.push_back(std::nullopt);
+      row.fields.emplace_back(std::nullopt);
     else
-      row.fields.push_back(unescapedField(field));
+      row.fields.emplace_back(unescapedField(field));
   }
   if (row.fields.size() != columns.size())
     throw std::runtime_error(std::to_string(row.fields.size()) + " fields, expected " +
@@ -283,6 +284,11 @@ std::string disagreement(const std::optional<std::string>& expected,
     return text ? '"' + *text + '"' : std::string("nil");
   };
   return "expected " + shown(expected) + ", got " + shown(actual);
+}
+
+std::string realDisagreement(double expected, double actual, double tolerance) {
+  if (std::fabs(actual - expected) <= tolerance * std::fabs(expected)) return {};
+  return disagreement(expected, actual);
 }
 
 }  // namespace orlftest

@@ -106,5 +106,7 @@ requires requires(std::ostream& stream, const Expected& expected, const Actual& 
 }
 [[nodiscard]] std::string disagreement(const std::optional<std::string>& expected,
                                        const std::optional<std::string>& actual);
+/// "" when the doubles differ by no more than a part of the expected one's size.
+[[nodiscard]] std::string realDisagreement(double expected, double actual, double tolerance);
 
 }  // namespace orlftest
