@@ -8,6 +8,7 @@
 
 #include <ORLFoundation/platform/object/NSLog.h>
 
+#include <algorithm>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -32,6 +33,13 @@ class LogCapture {
   [[nodiscard]] std::vector<std::string> lines() const {
     const std::lock_guard guard(collected_->lock);
     return collected_->lines;
+  }
+  /// Each line once, sorted.
+  [[nodiscard]] std::vector<std::string> distinctLines() const {
+    std::vector<std::string> distinct = lines();
+    std::ranges::sort(distinct);
+    distinct.erase(std::unique(distinct.begin(), distinct.end()), distinct.end());
+    return distinct;
   }
   /// Forgets the lines so far.
   void clear() {

@@ -12,12 +12,18 @@ namespace {
 
 constexpr double kTwoTo63 = 9223372036854775808.0;
 constexpr double kTwoTo64 = 18446744073709551616.0;
+/// Whole doubles from here on are printed with an exponent.
+constexpr double kPlainIntegersEnd = 1e16;
 constexpr int kFewestDigits = 15;
 constexpr int kMostDigits = 17;
 
 /// With as few digits as read back as the same double.
 std::string shortestText(double value) {
   char text[32];
+  if (std::fabs(value) < kPlainIntegersEnd && value == std::trunc(value)) {
+    std::snprintf(text, sizeof text, "%.0f", value);
+    return text;
+  }
   for (int digits = kFewestDigits; digits <= kMostDigits; ++digits) {
     std::snprintf(text, sizeof text, "%.*g", digits, value);
     double back = 0;
