@@ -80,6 +80,22 @@ std::optional<Instant> addDays(const CalendarRules& rules, NSInteger value, std:
   return Instant{instantOfLocal(rules, local, value < 0), to.fraction};
 }
 
+// The same day of the same week of another year counted in weeks. Week 53 of a year that has 52 is
+// the week after its last.
+std::optional<Instant> addWeekYears(const CalendarRules& rules, NSInteger value,
+                                    Instant to) noexcept {
+  const civil::DayTime local = localDayTime(rules, to.seconds);
+  const std::int32_t from = weekOfYear(rules, local.day, civil::dateFromDay(local.day)).year;
+  NSInteger year;
+  if (__builtin_add_overflow(NSInteger{from}, value, &year) || year <= -civil::kMaxYear ||
+      year >= civil::kMaxYear) {
+    return std::nullopt;
+  }
+  const std::int32_t days =
+      rules.firstDayOfWeekYear(static_cast<std::int32_t>(year)) - rules.firstDayOfWeekYear(from);
+  return addDays(rules, days, 1, to);
+}
+
 std::optional<Instant> addSeconds(NSInteger value, std::int32_t size, Instant to) noexcept {
   NSInteger seconds;
   if (__builtin_mul_overflow(value, NSInteger{size}, &seconds) ||
@@ -101,6 +117,7 @@ std::optional<Instant> addNanoseconds(NSInteger value, Instant to) noexcept {
 std::optional<Instant> addStep(const CalendarRules& rules, const Step& step, NSInteger value,
                                Instant to) noexcept {
   if (value == 0) return to;
+  if (step.unit == NSCalendarUnitYearForWeekOfYear) return addWeekYears(rules, value, to);
   switch (step.kind) {
     case StepKind::kMonths:
       return addMonths(rules, value, step.size, to);
