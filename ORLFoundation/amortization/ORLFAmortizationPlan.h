@@ -154,8 +154,9 @@ class ORLFAmortizationPlan : public NSObject {
 
   /// `startingPrincipalOnDate:forAmortizationPlan:toMatchPlannedBalance:onDate:usingCalendar:roundingBehavior:`
   /// The principal at a start date from which the plan reaches a balance on a date, to the scale of
-  /// the behaviour: give one with a fixed scale. The plan itself is left untouched. nil when the
-  /// search finds none.
+  /// the behaviour: give one with a fixed scale. The plan itself is left untouched. Zero when the
+  /// date lies before the start, since no balance is there to be compared. Raises like an overflow
+  /// when no principal is large enough, as where a later segment starts from its own principal.
   [[nodiscard]] static std::optional<NSDecimalNumber> startingPrincipalOnDate(
       const StartingPrincipal& arguments);
 

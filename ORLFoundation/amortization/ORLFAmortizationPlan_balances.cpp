@@ -3,6 +3,7 @@
 #include <ORLFoundation/amortization/internal/ORLFPlanProjection.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
+#include <ORLFoundation/decimal/ORLFDecimalSolver.h>
 
 #include <algorithm>
 

@@ -243,7 +243,7 @@ TEST(ORLFAmortizationPlan, RefusesAStartAfterItsEnd) {
 }
 
 TEST(ORLFAmortizationPlan, RefusesASegmentWithoutAFrequency) {
-  for (const Segment& segment : {Segment(), makeSegment({.frequency = nullptr})}) {
+  for (const Segment& segment : {Segment(), makeSegment({.frequency = noPeriod()})}) {
     LogCapture log;
     EXPECT_EQ(ORLFAmortizationPlan::initWithStartDate(year(2024), segment, year(2025)), nullptr);
     EXPECT_THAT(log.lines(), ElementsAre("Condition Failed: segment.contributionFrequncy != nil "

@@ -71,6 +71,8 @@ inline Period monthly(NSInteger interval = 1) {
   return every(interval, ORLFDateRecurrenceFrequencyMonthly);
 }
 
+inline Period noPeriod() { return nullptr; }
+
 struct Terms {
   Decimal principal = std::nullopt;
   Decimal contribution = std::nullopt;

@@ -217,6 +217,13 @@ std::string checkBalance(const Json& in, const Json& out) {
   return compareBalances(decimalFrom(out), balance, in.at("behavior"));
 }
 
+/// Whether a plan's last member starts after the plan's end: its balance at the end then counts
+/// periods below zero as an unsigned number, for which no answer is recorded (null).
+bool endsBeforeItsLastMember(const Json& plan) {
+  const auto lastStart = dateFromVector(plan.at("segments").back().at("startDate"));
+  return dateFromVector(plan.at("endDate"))->compare(*lastStart) == NSOrderedAscending;
+}
+
 std::string checkBalances(const Json& in, const Json& out) {
   const auto dates = datesFromVector(in.at("dates"));
   const auto balances = planFrom(in.at("plan"))
@@ -225,6 +232,7 @@ std::string checkBalances(const Json& in, const Json& out) {
                                                      behaviorFrom(in.at("behavior")).get());
   if (balances.size() != out.size()) return disagreement(out.size(), balances.size());
   for (std::size_t index = 0; index < balances.size(); ++index) {
+    if (out[index].is_null() && endsBeforeItsLastMember(in.at("plan"))) continue;
     const auto difference =
         compareBalances(decimalFrom(out[index]), balances[index], in.at("behavior"));
     if (!difference.empty()) return "[" + std::to_string(index) + "]: " + difference;

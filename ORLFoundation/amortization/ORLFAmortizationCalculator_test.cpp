@@ -1,0 +1,284 @@
+#include <ORLFoundation/amortization/ORLFAmortizationCalculator.h>
+#include <ORLFoundation/amortization/net_present_value.h>
+#include <ORLFoundation/platform/value/NSException.h>
+#include <gtest/gtest.h>
+#include <tests/support/VectorCodec.h>
+#include <tests/support/VectorFile.h>
+
+#include <cmath>
+#include <stdexcept>
+
+namespace ORLFoundation {
+namespace {
+
+using orlftest::Json;
+using Calculator = ORLFAmortizationCalculator;
+using Decimal = std::optional<NSDecimalNumber>;
+using Doubles = std::vector<double>;
+
+NSDecimalNumber number(std::string_view text) {
+  return NSDecimalNumber::decimalNumberWithString(text);
+}
+Decimal decimalFrom(const Json& value) {
+  if (value.is_null()) return std::nullopt;
+  return number(value.get<std::string>());
+}
+
+std::shared_ptr<NSArray> indexes(std::size_t count) {
+  std::vector<id> members;
+  for (std::size_t i = 0; i < count; ++i) members.emplace_back(static_cast<NSInteger>(i));
+  return std::make_shared<NSArray>(members);
+}
+
+Decimal rateOf(const Doubles& times, const Doubles& values, NSUInteger options = 0) {
+  return Calculator::internalRateOfReturnForDataset(
+      *indexes(times.size()), options, [&](const id& /*object*/, NSUInteger index, bool& /*stop*/) {
+        return ORLFCashFlowPoint{times[index], values[index]};
+      });
+}
+
+std::string resultDisagreement(const Json& out, const Decimal& result, double tolerance) {
+  if (out.is_null() || !result)
+    return out.is_null() == !result ? "" : "expected and got differ in nil";
+  return orlftest::realDisagreement(out.get<double>(), result->doubleValue(), tolerance);
+}
+
+std::string checkRate(const Json& in, const Json& out) {
+  const auto times = in.at("times").get<Doubles>();
+  const auto values = in.at("values").get<Doubles>();
+  for (const NSUInteger options : {NSUInteger{0}, NSUInteger{NSEnumerationReverse}}) {
+    const std::string message = resultDisagreement(out, rateOf(times, values, options), 1e-12);
+    if (!message.empty()) return message;
+  }
+  return "";
+}
+
+TEST(ORLFAmortizationCalculator, AgreesWithVectors) {
+  orlftest::runJsonVectors(
+      "planning_calculator",
+      {{"paymentPeriodRateForIntervalRate",
+        [](const Json& in, const Json& out) {
+          return resultDisagreement(out,
+                                    Calculator::paymentPeriodRateForIntervalRate(
+                                        decimalFrom(in.at("rate")),
+                                        in.at("compoundingPeriodsPerInterval").get<std::int32_t>(),
+                                        in.at("paymentPeriodsPerInterval").get<std::int32_t>()),
+                                    1e-11);
+        }},
+       {"paymentOnInitialPrincipal",
+        [](const Json& in, const Json& out) {
+          return resultDisagreement(out,
+                                    Calculator::paymentOnInitialPrincipal(
+                                        decimalFrom(in.at("principal")), decimalFrom(in.at("rate")),
+                                        in.at("numberOfPeriods").get<std::int32_t>()),
+                                    1e-11);
+        }},
+       {"net_present_value",
+        [](const Json& in, const Json& out) {
+          const auto times = in.at("times").get<Doubles>();
+          const auto values = in.at("values").get<Doubles>();
+          return orlftest::realDisagreement(
+              out.get<double>(),
+              net_present_value(times.data(), values.data(),
+                                static_cast<std::int64_t>(times.size()),
+                                in.at("rate").get<double>()),
+              1e-11);
+        }},
+       {"internalRateOfReturn", checkRate},
+       {"annualIntervalFromDate", [](const Json& in, const Json& out) {
+          const auto calendar = orlftest::calendarFromVector(in.at("calendar"));
+          return orlftest::realDisagreement(
+              out.get<double>(),
+              Calculator::annualIntervalFromDate(orlftest::dateFromVector(in.at("from")),
+                                                 orlftest::dateFromVector(in.at("to")),
+                                                 calendar.get()),
+              1e-12);
+        }}});
+}
+
+TEST(NetPresentValue, IsZeroOfNothingAndThePlainSumAtARateOfZero) {
+  EXPECT_EQ(net_present_value(nullptr, nullptr, 0, 0.05), 0.0);
+  const double times[] = {0, 1, 2.5};
+  const double values[] = {-100, 60, 50.25};
+  EXPECT_EQ(net_present_value(times, values, 3, 0), 10.25);
+}
+
+TEST(PaymentPeriodRate, OfTheSamePeriodsIsTheRateOverThem) {
+  EXPECT_NEAR(Calculator::paymentPeriodRateForIntervalRate(number("0.12"), 12, 12)->doubleValue(),
+              0.01, 1e-15);
+  EXPECT_NEAR(Calculator::paymentPeriodRateForIntervalRate(number("0.06"), 2, 12)->doubleValue(),
+              std::pow(1.03, 2.0 / 12) - 1, 1e-15);
+}
+
+TEST(PaymentPeriodRate, NilGivesNilAndCountsOfZeroRaise) {
+  EXPECT_FALSE(Calculator::paymentPeriodRateForIntervalRate(std::nullopt, 12, 12));
+  EXPECT_THROW((void)Calculator::paymentPeriodRateForIntervalRate(number("0.05"), 0, 12),
+               NSException);
+  EXPECT_THROW((void)Calculator::paymentPeriodRateForIntervalRate(number("0.05"), 12, 0),
+               NSException);
+}
+
+// Level payments by the closed formula, from tests/data/reference/rates.py.
+struct PaymentCase {
+  const char *principal, *rate;
+  std::int32_t periods;
+  double payment;
+};
+const PaymentCase kPayments[] = {
+    {"1000", "0.01", 12, 88.8487886783417073},
+    {"250000", "0.00375", 360, 1266.7132745647017},
+    {"-1000", "0.01", 12, -88.8487886783417073},
+    {"1000", "0.01", 1, 1010},
+};
+
+TEST(PaymentOnInitialPrincipal, IsTheAnnuityPayment) {
+  for (const PaymentCase& row : kPayments)
+    EXPECT_NEAR(
+        Calculator::paymentOnInitialPrincipal(number(row.principal), number(row.rate), row.periods)
+            ->doubleValue(),
+        row.payment, std::fabs(row.payment) * 1e-14);
+}
+
+TEST(PaymentOnInitialPrincipal, PaysTheLoanOffToTheLastCent) {
+  const NSDecimalNumber rate = number("0.00375");
+  NSDecimalNumber balance = number("250000");
+  const NSDecimalNumber payment = *Calculator::paymentOnInitialPrincipal(balance, rate, 360);
+  for (int period = 0; period < 360; ++period) {
+    const Decimal interest = Calculator::interestForCurrentPrincipal(balance, rate);
+    balance = balance.decimalNumberByAdding(*interest).decimalNumberBySubtracting(payment);
+  }
+  EXPECT_LT(std::fabs(balance.doubleValue()), 1e-20);
+}
+
+TEST(PaymentOnInitialPrincipal, NilGivesNilAndARateOfZeroRaises) {
+  EXPECT_FALSE(Calculator::paymentOnInitialPrincipal(std::nullopt, number("0.01"), 12));
+  EXPECT_FALSE(Calculator::paymentOnInitialPrincipal(number("1000"), std::nullopt, 12));
+  EXPECT_THROW(
+      (void)Calculator::paymentOnInitialPrincipal(number("1000"), NSDecimalNumber::zero(), 12),
+      NSException);
+}
+
+TEST(InterestForCurrentPrincipal, MultipliesAndGivesNilForNil) {
+  EXPECT_EQ(Calculator::interestForCurrentPrincipal(number("1000"), number("0.01")), number("10"));
+  EXPECT_FALSE(Calculator::interestForCurrentPrincipal(std::nullopt, number("0.01")));
+  EXPECT_FALSE(Calculator::interestForCurrentPrincipal(number("1000"), std::nullopt));
+}
+
+TEST(InternalRateOfReturn, FindsTheRateOfAYearlyGain) {
+  EXPECT_NEAR(rateOf({0, 1}, {-100, 110})->doubleValue(), 0.1, 0.00001);
+}
+
+TEST(InternalRateOfReturn, FlowsOfOneSignHaveNone) {
+  EXPECT_FALSE(rateOf({0, 1, 2}, {100, 110, 5}));
+  EXPECT_FALSE(rateOf({0, 1}, {-100, -1}));
+}
+
+TEST(InternalRateOfReturn, EmptyListGivesTheLargeFirstMidpoint) {
+  const Decimal rate = rateOf({}, {});
+  ASSERT_TRUE(rate);
+  EXPECT_GT(rate->doubleValue(), 1e18);
+}
+
+TEST(InternalRateOfReturn, HasSeventeenPlaces) {
+  const std::string text = rateOf({0, 1}, {-100, 90})->stringValue();
+  EXPECT_LE(text.size() - text.find('.') - 1, 17U) << text;
+  EXPECT_GE(text.size() - text.find('.') - 1, 15U) << text;
+}
+
+// Whole flows against rates from an independent solver (tests/data/reference/rates.py: bisection
+// in decimal arithmetic of 60 digits).
+struct RateCase {
+  const char* name;
+  Doubles times, values;
+  double rate;
+};
+const RateCase kRates[] = {
+    {"Bond", {0, 1, 2, 3, 4, 5}, {-950, 40, 40, 40, 40, 1040}, 0.051599861525},
+    {"Saving", {0, 0.25, 0.5, 0.75, 1}, {-100, -100, -100, -100, 412}, 0.048284596985},
+    {"Loss", {0, 1, 2}, {-1000, 200, 300}, -0.343223563717},
+    {"Doubling", {0, 10}, {-1, 2}, 0.071773462536},
+};
+
+TEST(InternalRateOfReturn, AgreesWithAnIndependentSolver) {
+  for (const RateCase& row : kRates) {
+    const Decimal rate = rateOf(row.times, row.values);
+    ASSERT_TRUE(rate) << row.name;
+    // The search ends within 0.00001 of the rate or of the worth.
+    const double worth =
+        net_present_value(row.times.data(), row.values.data(),
+                          static_cast<std::int64_t>(row.times.size()), rate->doubleValue());
+    EXPECT_TRUE(std::fabs(rate->doubleValue() - row.rate) < 0.00002 || std::fabs(worth) < 0.00001)
+        << row.name << ": " << rate->stringValue();
+    EXPECT_NEAR(rate->doubleValue(), row.rate, 0.001) << row.name;
+  }
+}
+
+TEST(InternalRateOfReturn, ConcurrentVisitGivesTheSame) {
+  Doubles times, values;
+  for (int i = 0; i < 5000; ++i) {
+    times.push_back(i / 365.0);
+    values.push_back(i == 0 ? -100000 : 25);
+  }
+  const Decimal inOrder = rateOf(times, values);
+  ASSERT_TRUE(inOrder);
+  EXPECT_EQ(rateOf(times, values, NSEnumerationConcurrent), inOrder);
+  EXPECT_EQ(rateOf(times, values, NSEnumerationReverse), inOrder);
+  EXPECT_EQ(rateOf(times, values, NSEnumerationConcurrent | NSEnumerationReverse), inOrder);
+}
+
+TEST(InternalRateOfReturn, StopEndsTheVisit) {
+  NSUInteger visited = 0;
+  const auto rate = Calculator::internalRateOfReturnForDataset(
+      *indexes(100), 0, [&](const id& /*object*/, NSUInteger index, bool& stop) {
+        ++visited;
+        stop = index == 1;
+        return ORLFCashFlowPoint{static_cast<double>(index), index == 0 ? -100.0 : 110.0};
+      });
+  EXPECT_EQ(visited, 2U);
+  EXPECT_NEAR(rate->doubleValue(), 0.1, 0.00001);
+}
+
+TEST(InternalRateOfReturn, ExceptionOfTheGeneratorReachesTheCaller) {
+  for (const NSUInteger options : {NSUInteger{0}, NSUInteger{NSEnumerationConcurrent}}) {
+    EXPECT_THROW((void)Calculator::internalRateOfReturnForDataset(
+                     *indexes(500), options,
+                     [](const id& /*object*/, NSUInteger index, bool& /*stop*/) {
+                       if (index == 300) throw std::runtime_error("no such flow");
+                       return ORLFCashFlowPoint{};
+                     }),
+                 std::runtime_error);
+  }
+}
+
+TEST(InternalRateOfReturn, GeneratorGetsTheMemberAtItsIndex) {
+  const auto rate = Calculator::internalRateOfReturnForDataset(
+      *NSArray::arrayWithObjects({id(-100.0), id(110.0)}), NSEnumerationReverse,
+      [](const id& object, NSUInteger index, bool& /*stop*/) {
+        return ORLFCashFlowPoint{static_cast<double>(index), object.as<NSNumber>().doubleValue()};
+      });
+  EXPECT_NEAR(rate->doubleValue(), 0.1, 0.00001);
+}
+
+TEST(AnnualInterval, CountsYearsOf365Days) {
+  const auto calendar =
+      orlftest::calendarFromVector(Json{{"zone", "UTC"}, {"first_weekday", 1}, {"min_days", 1}});
+  const auto years = [&](const char* from, const char* to) {
+    return Calculator::annualIntervalFromDate(orlftest::dateFromVector(from),
+                                              orlftest::dateFromVector(to), calendar.get());
+  };
+  EXPECT_EQ(years("2023-01-01T00:00:00Z", "2024-01-01T00:00:00Z"), 1.0);
+  EXPECT_EQ(years("2024-01-01T00:00:00Z", "2025-01-01T00:00:00Z"), 366 / 365.0);
+  EXPECT_EQ(years("2024-01-01T00:00:00Z", "2023-01-01T00:00:00Z"), -1.0);
+}
+
+TEST(AnnualInterval, IsZeroForNil) {
+  const auto date = orlftest::dateFromVector("2024-01-01T00:00:00Z");
+  const auto calendar =
+      orlftest::calendarFromVector(Json{{"zone", "UTC"}, {"first_weekday", 1}, {"min_days", 1}});
+  EXPECT_EQ(Calculator::annualIntervalFromDate(std::nullopt, date, calendar.get()), 0.0);
+  EXPECT_EQ(Calculator::annualIntervalFromDate(date, std::nullopt, calendar.get()), 0.0);
+  EXPECT_EQ(Calculator::annualIntervalFromDate(date, date, nullptr), 0.0);
+}
+
+}  // namespace
+}  // namespace ORLFoundation
