@@ -10,10 +10,7 @@
 namespace ORLFoundation {
 namespace {
 
-std::optional<NSDate> dateOf(const std::optional<Instant>& instant) noexcept {
-  if (!instant) return std::nullopt;
-  return dateFromInstant(*instant);
-}
+NSDate notADate() noexcept { return dateFromInstant(Instant::none()); }
 
 }  // namespace
 
@@ -85,35 +82,33 @@ NSDateComponents NSCalendar::components(NSUInteger unitFlags, NSDate fromDate, N
   return differenceOfInstants(rules_, unitFlags, from, to);
 }
 
-std::optional<NSDate> NSCalendar::dateByAddingUnit(NSCalendarUnit unit, NSInteger value,
-                                                   NSDate toDate,
-                                                   NSUInteger options) const noexcept {
+NSDate NSCalendar::addUnitToDate(NSCalendarUnit unit, NSInteger value, NSDate toDate,
+                                 NSUInteger options) const noexcept {
   Instant to;
-  if (!splitDate(toDate, to)) return std::nullopt;
-  return dateOf(options & NSCalendarWrapComponents ? addUnitWrapping(rules_, unit, value, to)
-                                                   : addUnit(rules_, unit, value, to));
+  if (!splitDate(toDate, to)) return notADate();
+  return dateFromInstant(options & NSCalendarWrapComponents
+                             ? addUnitWrapping(rules_, unit, value, to)
+                             : addUnit(rules_, unit, value, to));
 }
 
-std::optional<NSDate> NSCalendar::dateByAddingComponents(const NSDateComponents& components,
-                                                         NSDate toDate,
-                                                         NSUInteger options) const noexcept {
+NSDate NSCalendar::addComponentsToDate(const NSDateComponents& components, NSDate toDate,
+                                       NSUInteger options) const noexcept {
   Instant to;
-  if (!splitDate(toDate, to)) return std::nullopt;
-  return dateOf(addFields(rules_, components, to, (options & NSCalendarWrapComponents) != 0));
+  if (!splitDate(toDate, to)) return notADate();
+  return dateFromInstant(
+      addFields(rules_, components, to, (options & NSCalendarWrapComponents) != 0));
 }
 
-std::optional<NSDate> NSCalendar::dateFromComponents(
-    const NSDateComponents& components) const noexcept {
-  return dateOf(instantFromFields(rules_, components));
+NSDate NSCalendar::resolveComponents(const NSDateComponents& components) const noexcept {
+  return dateFromInstant(instantFromFields(rules_, components));
 }
 
-std::optional<NSDate> NSCalendar::dateBySettingUnit(NSCalendarUnit unit, NSInteger value,
-                                                    NSDate ofDate,
-                                                    NSUInteger options) const noexcept {
+NSDate NSCalendar::setUnitOfDate(NSCalendarUnit unit, NSInteger value, NSDate ofDate,
+                                 NSUInteger options) const noexcept {
   Instant of;
-  if (!splitDate(ofDate, of)) return std::nullopt;
+  if (!splitDate(ofDate, of)) return notADate();
   const bool strict = (options & NSCalendarMatchStrictly) != 0;
-  return dateOf(instantBySettingUnit(rules_, unit, value, of, strict));
+  return dateFromInstant(instantBySettingUnit(rules_, unit, value, of, strict));
 }
 
 bool NSCalendar::rangeOfUnit(NSCalendarUnit unit, NSDate* startDate, NSTimeInterval* interval,
@@ -147,14 +142,13 @@ bool NSCalendar::date(NSDate date, const NSDateComponents& matchesComponents) co
   return splitDate(date, instant) && matchesFields(rules_, matchesComponents, instant);
 }
 
-std::optional<NSDate> NSCalendar::nextDateAfterDate(NSDate date,
-                                                    const NSDateComponents& matchingComponents,
-                                                    NSUInteger options) const noexcept {
+NSDate NSCalendar::findDateAfterDate(NSDate date, const NSDateComponents& matchingComponents,
+                                     NSUInteger options) const noexcept {
   Instant from;
-  if (!splitDate(date, from)) return std::nullopt;
-  return dateOf(nearestMatch(rules_, matchingComponents, from,
-                             (options & NSCalendarSearchBackwards) != 0,
-                             (options & NSCalendarMatchNextTime) == 0));
+  if (!splitDate(date, from)) return notADate();
+  return dateFromInstant(nearestMatch(rules_, matchingComponents, from,
+                                      (options & NSCalendarSearchBackwards) != 0,
+                                      (options & NSCalendarMatchNextTime) == 0));
 }
 
 bool NSCalendar::isDateInWeekend(NSDate date) const noexcept {

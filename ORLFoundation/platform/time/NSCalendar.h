@@ -72,26 +72,34 @@ class NSCalendar : public NSObject {
   /// `NSCalendarWrapComponents` keeps larger units as they are.
   [[nodiscard]] std::optional<NSDate> dateByAddingUnit(NSCalendarUnit unit, NSInteger value,
                                                        NSDate toDate,
-                                                       NSUInteger options) const noexcept;
+                                                       NSUInteger options) const noexcept {
+    return dateOrNil(addUnitToDate(unit, value, toDate, options));
+  }
   /// `dateByAddingComponents:toDate:options:`  Unit by unit from the largest, clamping after each;
   /// a `weekdayOrdinal` adds weeks. Empty components give the date unchanged.
   [[nodiscard]] std::optional<NSDate> dateByAddingComponents(const NSDateComponents& components,
                                                              NSDate toDate,
-                                                             NSUInteger options) const noexcept;
+                                                             NSUInteger options) const noexcept {
+    return dateOrNil(addComponentsToDate(components, toDate, options));
+  }
   /// `dateFromComponents:`  Unset fields take their smallest value, a week without a weekday its
   /// first day; values out of range roll over. A day decides over a weekday's place, that over a
   /// week of the month; where none of month, day and week of the month is set, a week of the year
   /// does. A time that a clock change leaves out is moved on by the gap; a doubled one is its
   /// first.
   [[nodiscard]] std::optional<NSDate> dateFromComponents(
-      const NSDateComponents& components) const noexcept;
+      const NSDateComponents& components) const noexcept {
+    return dateOrNil(resolveComponents(components));
+  }
   /// `dateBySettingUnit:value:ofDate:options:`  The date itself when it shows the value, else the
   /// start of the next unit that does. Where a month lacks the day, the day after its end stands
   /// for it (so does the clock change for a time left out), unless `NSCalendarMatchStrictly` asks
   /// to go on. nil for a value that no date has.
   [[nodiscard]] std::optional<NSDate> dateBySettingUnit(NSCalendarUnit unit, NSInteger value,
                                                         NSDate ofDate,
-                                                        NSUInteger options) const noexcept;
+                                                        NSUInteger options) const noexcept {
+    return dateOrNil(setUnitOfDate(unit, value, ofDate, options));
+  }
   /// `rangeOfUnit:startDate:interval:forDate:`  Start and length in seconds of the unit that holds
   /// the date: days of 23 or 25 hours as they are, from the first instant of the day. False, with
   /// both left as they were, for an era. Either output may be left out (nullptr).
@@ -114,7 +122,9 @@ class NSCalendar : public NSObject {
   /// nothing; with `NSCalendarMatchNextTime` the change stands for it.
   [[nodiscard]] std::optional<NSDate> nextDateAfterDate(NSDate date,
                                                         const NSDateComponents& matchingComponents,
-                                                        NSUInteger options) const noexcept;
+                                                        NSUInteger options) const noexcept {
+    return dateOrNil(findDateAfterDate(date, matchingComponents, options));
+  }
   /// `isDateInWeekend:`
   [[nodiscard]] bool isDateInWeekend(NSDate date) const noexcept;
 
@@ -133,6 +143,22 @@ class NSCalendar : public NSObject {
   explicit NSCalendar(std::string identifier);
 
  private:
+  // The operations that may give nil, which they tell by a date that is not a number: it travels in
+  // a register, where an optional takes a detour through memory.
+  [[nodiscard]] NSDate addUnitToDate(NSCalendarUnit unit, NSInteger value, NSDate toDate,
+                                     NSUInteger options) const noexcept;
+  [[nodiscard]] NSDate addComponentsToDate(const NSDateComponents& components, NSDate toDate,
+                                           NSUInteger options) const noexcept;
+  [[nodiscard]] NSDate resolveComponents(const NSDateComponents& components) const noexcept;
+  [[nodiscard]] NSDate setUnitOfDate(NSCalendarUnit unit, NSInteger value, NSDate ofDate,
+                                     NSUInteger options) const noexcept;
+  [[nodiscard]] NSDate findDateAfterDate(NSDate date, const NSDateComponents& matchingComponents,
+                                         NSUInteger options) const noexcept;
+  [[nodiscard]] static std::optional<NSDate> dateOrNil(NSDate date) noexcept {
+    if (date == date) return date;
+    return std::nullopt;
+  }
+
   CalendarRules rules_;
   bool hasFirstWeekday_ = false;
   bool hasMinimumDays_ = false;

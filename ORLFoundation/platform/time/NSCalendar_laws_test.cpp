@@ -1,6 +1,7 @@
 // What holds between the calendar's operations, swept over years of dates in zones that change
 // their clocks at odd places.
 #include <ORLFoundation/platform/time/NSCalendar.h>
+#include <ORLFoundation/platform/time/internal/CalendarFields.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -83,6 +84,24 @@ TEST_P(NSCalendarLaws, ComponentsResolveToTheirDate) {
         ASSERT_EQ(calendar_->dateFromComponents(components), date) << date.description();
         ASSERT_TRUE(components.isValidDateInCalendar(*calendar_)) << date.description();
         ASSERT_TRUE(calendar_->date(date, components)) << date.description();
+      }
+    }
+  }
+}
+
+TEST_P(NSCalendarLaws, PlainFieldsResolveLikeAllOthers) {
+  for (const NSDate date : dates(1890, 2110, 86400.0 * 5 + 1799.625)) {
+    NSDateComponents fields = calendar_->components(kFullDate, date);
+    for (const NSInteger more : {-100'000, -13, 0, 1, 40, 100'000}) {
+      for (const NSCalendarUnit unit :
+           {NSCalendarUnitDay, NSCalendarUnitHour, NSCalendarUnitMinute, NSCalendarUnitSecond}) {
+        NSDateComponents moved = fields;
+        moved.setValueForComponent(fields.valueForComponent(unit) + more, unit);
+        const Instant plain = instantFromPlainFields(calendar_->rules(), moved);
+        ASSERT_TRUE(plain.exists());
+        const Instant any = instantFromAnyFields(calendar_->rules(), moved);
+        ASSERT_EQ(plain.seconds, any.seconds) << date.description();
+        ASSERT_EQ(plain.fraction, any.fraction) << date.description();
       }
     }
   }

@@ -159,7 +159,8 @@ const SumCase kSumCases[] = {
     {"WeekOfMonth", "UTC", 4096, -1, 0, "2024-03-07T00:00:00Z", "2024-02-29T00:00:00Z"},
     {"OrdinalIsAWeek", "UTC", 1024, 2, 0, "2024-03-07T00:00:00Z", "2024-03-21T00:00:00Z"},
     {"WeekdayIsADay", "UTC", 512, 2, 0, "2024-03-07T00:00:00Z", "2024-03-09T00:00:00Z"},
-    {"YearOfWeeksIsAYear", "UTC", 16384, 1, 0, "2024-03-07T00:00:00Z", "2025-03-07T00:00:00Z"},
+    {"YearOfWeeksKeepsWeekAndWeekday", "UTC", 16384, 1, 0, "2024-03-07T00:00:00Z",
+     "2025-03-06T00:00:00Z"},
     {"NanosecondsCarry", "UTC", 32768, 1'500'000'000, 0, "2024-03-07T00:00:00Z",
      "2024-03-07T00:00:01.500Z"},
     {"NanosecondsBorrow", "UTC", 32768, -250'000'000, 0, "2024-03-07T00:00:00Z",
@@ -379,7 +380,7 @@ TEST(NSCalendar, BeginsADayAtItsFirstInstant) {
 
 TEST(NSCalendar, HasNoRangeOfErasAndMasksAndLeavesBothOutputs) {
   const auto calendar = calendarIn("UTC");
-  for (const NSUInteger unit : {0, 1, 2, 12, 65536}) {
+  for (const NSUInteger unit : std::initializer_list<NSUInteger>{0, 1, 2, 12, 65536}) {
     NSDate start = date("1999-01-01T00:00:00Z");
     NSTimeInterval interval = -5;
     EXPECT_FALSE(calendar->rangeOfUnit(static_cast<NSCalendarUnit>(unit), &start, &interval,
@@ -450,7 +451,7 @@ TEST(NSCalendar, TellsTheLargestRangeOfEveryUnit) {
     EXPECT_EQ(calendar->maximumRangeOfUnit(static_cast<NSCalendarUnit>(row.unit)), row.range)
         << row.unit;
   }
-  for (const NSUInteger unit : {0, 1, 12, 65536}) {
+  for (const NSUInteger unit : std::initializer_list<NSUInteger>{0, 1, 12, 65536}) {
     EXPECT_EQ(calendar->maximumRangeOfUnit(static_cast<NSCalendarUnit>(unit)).length, 0) << unit;
     EXPECT_EQ(calendar->minimumRangeOfUnit(static_cast<NSCalendarUnit>(unit)).length, 0) << unit;
   }

@@ -52,7 +52,7 @@ TEST(NSDateComponents, ReadsAndWritesWeekOfYearUnderTheRetiredUnit) {
 
 TEST(NSDateComponents, HasNoFieldForMasksAndUnknownUnits) {
   NSDateComponents components;
-  for (const NSUInteger unit : {0, 1, 12, 24, 65536}) {
+  for (const NSUInteger unit : std::initializer_list<NSUInteger>{0, 1, 12, 24, 65536}) {
     components.setValueForComponent(5, static_cast<NSCalendarUnit>(unit));
     EXPECT_EQ(components.valueForComponent(static_cast<NSCalendarUnit>(unit)),
               NSDateComponentUndefined);

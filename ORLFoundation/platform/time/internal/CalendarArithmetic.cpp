@@ -57,56 +57,55 @@ std::int64_t localAfterMonths(civil::Date date, std::int32_t second, std::int64_
   return civil::joinSeconds(civil::dayFromDate(year, month, day), second);
 }
 
-std::optional<Instant> addMonths(const CalendarRules& rules, NSInteger value, std::int32_t size,
-                                 Instant to) noexcept {
+Instant addMonths(const CalendarRules& rules, NSInteger value, std::int32_t size,
+                  Instant to) noexcept {
   constexpr NSInteger kMaxMonths = civil::kMaxYear * 12;
   NSInteger months;
-  if (__builtin_mul_overflow(value, NSInteger{size}, &months)) return std::nullopt;
+  if (__builtin_mul_overflow(value, NSInteger{size}, &months)) return Instant::none();
   const civil::DayTime local = localDayTime(rules, to.seconds);
   const civil::Date date = civil::dateFromDay(local.day);
   if (months < -2 * kMaxMonths || months > 2 * kMaxMonths ||
       std::abs(civil::monthNumber(date.year, date.month) + months) >= kMaxMonths) {
-    return std::nullopt;
+    return Instant::none();
   }
   return Instant{instantOfLocal(rules, localAfterMonths(date, local.second, months), value < 0),
                  to.fraction};
 }
 
-std::optional<Instant> addDays(const CalendarRules& rules, NSInteger value, std::int32_t size,
-                               Instant to) noexcept {
-  if (value < -2 * civil::kMaxDay || value > 2 * civil::kMaxDay) return std::nullopt;
+Instant addDays(const CalendarRules& rules, NSInteger value, std::int32_t size,
+                Instant to) noexcept {
+  if (value < -2 * civil::kMaxDay || value > 2 * civil::kMaxDay) return Instant::none();
   const std::int64_t local = localSeconds(rules, to.seconds) + value * size * civil::kSecondsPerDay;
-  if (std::abs(local) > civil::kMaxDay * civil::kSecondsPerDay) return std::nullopt;
+  if (std::abs(local) > civil::kMaxDay * civil::kSecondsPerDay) return Instant::none();
   return Instant{instantOfLocal(rules, local, value < 0), to.fraction};
 }
 
 // The same day of the same week of another year counted in weeks. Week 53 of a year that has 52 is
 // the week after its last.
-std::optional<Instant> addWeekYears(const CalendarRules& rules, NSInteger value,
-                                    Instant to) noexcept {
+Instant addWeekYears(const CalendarRules& rules, NSInteger value, Instant to) noexcept {
   const civil::DayTime local = localDayTime(rules, to.seconds);
   const std::int32_t from = weekOfYear(rules, local.day, civil::dateFromDay(local.day)).year;
   NSInteger year;
   if (__builtin_add_overflow(NSInteger{from}, value, &year) || year <= -civil::kMaxYear ||
       year >= civil::kMaxYear) {
-    return std::nullopt;
+    return Instant::none();
   }
   const std::int32_t days =
       rules.firstDayOfWeekYear(static_cast<std::int32_t>(year)) - rules.firstDayOfWeekYear(from);
   return addDays(rules, days, 1, to);
 }
 
-std::optional<Instant> addSeconds(NSInteger value, std::int32_t size, Instant to) noexcept {
+Instant addSeconds(NSInteger value, std::int32_t size, Instant to) noexcept {
   NSInteger seconds;
   if (__builtin_mul_overflow(value, NSInteger{size}, &seconds) ||
       __builtin_add_overflow(seconds, to.seconds, &seconds) ||
       std::abs(static_cast<double>(seconds)) > kMaxSeconds) {
-    return std::nullopt;
+    return Instant::none();
   }
   return Instant{seconds, to.fraction};
 }
 
-std::optional<Instant> addNanoseconds(NSInteger value, Instant to) noexcept {
+Instant addNanoseconds(NSInteger value, Instant to) noexcept {
   const NSInteger seconds = civil::floorDivide(value, kNanosecondsPerSecond);
   const double fraction =
       to.fraction + static_cast<double>(value - seconds * kNanosecondsPerSecond) * 1e-9;
@@ -114,8 +113,8 @@ std::optional<Instant> addNanoseconds(NSInteger value, Instant to) noexcept {
   return addSeconds(seconds + carry, 1, {to.seconds, fraction - static_cast<double>(carry)});
 }
 
-std::optional<Instant> addStep(const CalendarRules& rules, const Step& step, NSInteger value,
-                               Instant to) noexcept {
+Instant addStep(const CalendarRules& rules, const Step& step, NSInteger value,
+                Instant to) noexcept {
   if (value == 0) return to;
   if (step.unit == NSCalendarUnitYearForWeekOfYear) return addWeekYears(rules, value, to);
   switch (step.kind) {
@@ -130,27 +129,27 @@ std::optional<Instant> addStep(const CalendarRules& rules, const Step& step, NSI
     case StepKind::kNone:
       break;
   }
-  return std::nullopt;
+  return Instant::none();
 }
 
 }  // namespace
 
-std::optional<Instant> addUnit(const CalendarRules& rules, NSCalendarUnit unit, NSInteger value,
-                               Instant to) noexcept {
+Instant addUnit(const CalendarRules& rules, NSCalendarUnit unit, NSInteger value,
+                Instant to) noexcept {
   return addStep(rules, stepOfUnit(unit), value, to);
 }
 
-std::optional<Instant> addFields(const CalendarRules& rules, const NSDateComponents& fields,
-                                 Instant to, bool wrap) noexcept {
+Instant addFields(const CalendarRules& rules, const NSDateComponents& fields, Instant to,
+                  bool wrap) noexcept {
   const NSInteger eras = fields.era();
-  if (eras != NSDateComponentUndefined && eras != 0) return std::nullopt;
-  std::optional<Instant> reached = to;
+  if (eras != NSDateComponentUndefined && eras != 0) return Instant::none();
+  Instant reached = to;
   for (const Step& step : kSteps) {
     const NSInteger value = fields.valueForComponent(step.unit);
     if (value == NSDateComponentUndefined || value == 0) continue;
-    reached = wrap ? addUnitWrapping(rules, step.unit, value, *reached)
-                   : addStep(rules, step, value, *reached);
-    if (!reached) return std::nullopt;
+    reached = wrap ? addUnitWrapping(rules, step.unit, value, reached)
+                   : addStep(rules, step, value, reached);
+    if (!reached.exists()) return Instant::none();
   }
   return reached;
 }
@@ -270,8 +269,7 @@ NSDateComponents differenceOfInstants(const CalendarRules& rules, NSUInteger mas
 
 namespace {
 
-std::optional<Instant> replaceLocal(const CalendarRules& rules, std::int64_t local,
-                                    Instant to) noexcept {
+Instant replaceLocal(const CalendarRules& rules, std::int64_t local, Instant to) noexcept {
   return Instant{rules.zone->firstInstantOfLocal(local), to.fraction};
 }
 
@@ -282,8 +280,8 @@ std::int64_t wrapped(std::int64_t value, std::int64_t by, std::int64_t first,
 }
 
 // Weeks keep their weekday and stay among the weeks of the year by number.
-std::optional<Instant> addWeeksWrapping(const CalendarRules& rules, NSInteger value,
-                                        civil::DayTime local, Instant to) noexcept {
+Instant addWeeksWrapping(const CalendarRules& rules, NSInteger value, civil::DayTime local,
+                         Instant to) noexcept {
   const WeekOfYear week = weekOfYear(rules, local.day, civil::dateFromDay(local.day));
   const std::int64_t weeks =
       (rules.firstDayOfWeekYear(week.year + 1) - rules.firstDayOfWeekYear(week.year)) / 7;
@@ -292,8 +290,8 @@ std::optional<Instant> addWeeksWrapping(const CalendarRules& rules, NSInteger va
 }
 
 // Places of a weekday in a month, and of a week in it, that keep the month.
-std::optional<Instant> addPlacesWrapping(const CalendarRules& rules, NSInteger value,
-                                         civil::DayTime local, Instant to) noexcept {
+Instant addPlacesWrapping(const CalendarRules& rules, NSInteger value, civil::DayTime local,
+                          Instant to) noexcept {
   const civil::Date date = civil::dateFromDay(local.day);
   const std::int64_t first = (date.day - 1) % 7 + 1;
   const std::int64_t places = (civil::daysInMonth(date.year, date.month) - first) / 7 + 1;
@@ -302,9 +300,8 @@ std::optional<Instant> addPlacesWrapping(const CalendarRules& rules, NSInteger v
   return replaceLocal(rules, civil::joinSeconds(day, local.second), to);
 }
 
-std::optional<Instant> addMonthsWrapping(const CalendarRules& rules, std::int64_t value,
-                                         std::int64_t size, civil::DayTime local,
-                                         Instant to) noexcept {
+Instant addMonthsWrapping(const CalendarRules& rules, std::int64_t value, std::int64_t size,
+                          civil::DayTime local, Instant to) noexcept {
   const civil::Date date = civil::dateFromDay(local.day);
   const std::int64_t moved = wrapped(date.month, value % 12 * size, 1, 12) - date.month;
   return replaceLocal(rules, localAfterMonths(date, local.second, moved), to);
@@ -312,8 +309,8 @@ std::optional<Instant> addMonthsWrapping(const CalendarRules& rules, std::int64_
 
 }  // namespace
 
-std::optional<Instant> addUnitWrapping(const CalendarRules& rules, NSCalendarUnit unit,
-                                       NSInteger value, Instant to) noexcept {
+Instant addUnitWrapping(const CalendarRules& rules, NSCalendarUnit unit, NSInteger value,
+                        Instant to) noexcept {
   if (value == 0) return to;
   const civil::DayTime local = localDayTime(rules, to.seconds);
   const civil::Date date = civil::dateFromDay(local.day);

@@ -11,18 +11,16 @@
 
 namespace ORLFoundation {
 
-/// nil when the result is out of range, or for a unit that cannot be added (an era).
-[[nodiscard]] std::optional<Instant> addUnit(const CalendarRules& rules, NSCalendarUnit unit,
-                                             NSInteger value, Instant to) noexcept;
+/// None when the result is out of range, or for a unit that cannot be added (an era).
+[[nodiscard]] Instant addUnit(const CalendarRules& rules, NSCalendarUnit unit, NSInteger value,
+                              Instant to) noexcept;
 /// As `addUnit`, but without a carry into the next larger unit: December plus 1 is January of the
 /// same year.
-[[nodiscard]] std::optional<Instant> addUnitWrapping(const CalendarRules& rules,
-                                                     NSCalendarUnit unit, NSInteger value,
-                                                     Instant to) noexcept;
+[[nodiscard]] Instant addUnitWrapping(const CalendarRules& rules, NSCalendarUnit unit,
+                                      NSInteger value, Instant to) noexcept;
 /// Every set field, from the largest unit to the smallest.
-[[nodiscard]] std::optional<Instant> addFields(const CalendarRules& rules,
-                                               const NSDateComponents& fields, Instant to,
-                                               bool wrap) noexcept;
+[[nodiscard]] Instant addFields(const CalendarRules& rules, const NSDateComponents& fields,
+                                Instant to, bool wrap) noexcept;
 /// The masked units from the largest: of each the most whole steps that do not pass the second
 /// instant, counted from what the larger ones have reached.
 [[nodiscard]] NSDateComponents differenceOfInstants(const CalendarRules& rules, NSUInteger mask,

@@ -14,6 +14,8 @@ constexpr NSUInteger kDateMask = NSCalendarUnitEra | NSCalendarUnitYear | NSCale
                                  NSCalendarUnitQuarter | NSCalendarUnitWeekOfMonth |
                                  kWeekOfYearMask;
 
+constexpr NSInteger kNanosecondsPerSecond = 1'000'000'000;
+
 NSInteger nanosecondsOf(double fraction) noexcept { return static_cast<NSInteger>(fraction * 1e9); }
 
 void setTimeFields(NSDateComponents& fields, NSUInteger mask, std::int32_t secondOfDay,
@@ -49,6 +51,12 @@ bool isSet(NSInteger value) noexcept { return value != NSDateComponentUndefined;
 
 NSInteger valueOr(NSInteger value, NSInteger smallest) noexcept {
   return isSet(value) ? value : smallest;
+}
+
+// In one comparison.
+bool isWithin(NSInteger value, NSInteger least, NSInteger most) noexcept {
+  return static_cast<NSUInteger>(value) - static_cast<NSUInteger>(least) <=
+         static_cast<NSUInteger>(most - least);
 }
 
 // Fields beyond these sizes cannot lead back into the range of dates, except by cancelling out.
@@ -168,8 +176,32 @@ NSInteger fieldOfInstant(const CalendarRules& rules, NSCalendarUnit unit,
   return fieldsOfInstant(rules, unit, instant).valueForComponent(unit);
 }
 
-std::optional<Instant> instantFromFields(const CalendarRules& rules,
-                                         const NSDateComponents& fields) noexcept {
+Instant instantFromFields(const CalendarRules& rules, const NSDateComponents& fields) noexcept {
+  const Instant plain = instantFromPlainFields(rules, fields);
+  return plain.exists() ? plain : instantFromAnyFields(rules, fields);
+}
+
+Instant instantFromPlainFields(const CalendarRules& rules,
+                               const NSDateComponents& fields) noexcept {
+  constexpr NSInteger kUsual = 1'000'000;
+  const NSInteger hour = valueOr(fields.hour(), 0);
+  const NSInteger minute = valueOr(fields.minute(), 0);
+  const NSInteger second = valueOr(fields.second(), 0);
+  const NSInteger nanosecond = valueOr(fields.nanosecond(), 0);
+  const bool isPlain = isWithin(fields.year(), -kUsual, kUsual) & isWithin(fields.month(), 1, 12) &
+                       isWithin(fields.day(), -kUsual, kUsual) & isWithin(hour, -kUsual, kUsual) &
+                       isWithin(minute, -kUsual, kUsual) & isWithin(second, -kUsual, kUsual) &
+                       isWithin(nanosecond, 0, kNanosecondsPerSecond - 1) &
+                       (valueOr(fields.era(), 1) == 1);
+  if (!isPlain) return Instant::none();
+  const std::int32_t day = civil::dayFromDate(static_cast<std::int32_t>(fields.year()),
+                                              static_cast<std::int32_t>(fields.month()),
+                                              static_cast<std::int32_t>(fields.day()));
+  const std::int64_t local = civil::joinSeconds(day, hour * 3600 + minute * 60 + second);
+  return Instant{rules.zone->firstInstantOfLocal(local), static_cast<double>(nanosecond) * 1e-9};
+}
+
+Instant instantFromAnyFields(const CalendarRules& rules, const NSDateComponents& fields) noexcept {
   const std::optional<NSInteger> day = isNamedByWeekOfYear(fields)
                                            ? dayNamedByWeekOfYear(rules, fields)
                                            : dayNamedByMonth(rules, fields);
@@ -178,15 +210,15 @@ std::optional<Instant> instantFromFields(const CalendarRules& rules,
   const NSInteger second = valueOr(fields.second(), 0);
   const NSInteger nanosecond = valueOr(fields.nanosecond(), 0);
   if (!day || !isSmall(*day) || !isSmall(hour) || !isSmall(minute) || !isSmall(second)) {
-    return std::nullopt;
+    return Instant::none();
   }
-  const NSInteger wholeSeconds = civil::floorDivide(nanosecond, 1'000'000'000);
+  const NSInteger wholeSeconds = civil::floorDivide(nanosecond, kNanosecondsPerSecond);
   const NSInteger time = hour * 3600 + minute * 60 + second + wholeSeconds;
   const NSInteger days = civil::floorDivide(time, civil::kSecondsPerDay);
-  if (!isDayInRange(*day + days)) return std::nullopt;
+  if (!isDayInRange(*day + days)) return Instant::none();
   const std::int64_t local = civil::joinSeconds(*day, time);
   return Instant{rules.zone->firstInstantOfLocal(local),
-                 static_cast<double>(nanosecond - wholeSeconds * 1'000'000'000) * 1e-9};
+                 static_cast<double>(nanosecond - wholeSeconds * kNanosecondsPerSecond) * 1e-9};
 }
 
 NSUInteger setFieldsMask(const NSDateComponents& fields) noexcept {
@@ -201,8 +233,8 @@ NSUInteger setFieldsMask(const NSDateComponents& fields) noexcept {
 }
 
 bool areFieldsValid(const CalendarRules& rules, const NSDateComponents& fields) noexcept {
-  const std::optional<Instant> instant = instantFromFields(rules, fields);
-  if (!instant) return false;
+  const Instant instant = instantFromFields(rules, fields);
+  if (!instant.exists()) return false;
   NSDateComponents asked = fields;
   // Nanoseconds are finer than a date's own steps, so only their range is looked at.
   if (isSet(asked.nanosecond())) {
@@ -217,7 +249,7 @@ bool areFieldsValid(const CalendarRules& rules, const NSDateComponents& fields) 
     asked.setYear(NSDateComponentUndefined);
     asked.setEra(NSDateComponentUndefined);
   }
-  return matchesFields(rules, asked, *instant);
+  return matchesFields(rules, asked, instant);
 }
 
 bool matchesFields(const CalendarRules& rules, const NSDateComponents& fields,

@@ -12,9 +12,15 @@ namespace ORLFoundation {
 /// One field; `NSDateComponentUndefined` for what is not a single unit.
 [[nodiscard]] NSInteger fieldOfInstant(const CalendarRules& rules, NSCalendarUnit unit,
                                        Instant instant) noexcept;
-/// nil only where a field or the result is beyond the range that is counted with.
-[[nodiscard]] std::optional<Instant> instantFromFields(const CalendarRules& rules,
-                                                       const NSDateComponents& fields) noexcept;
+/// None only where a field or the result is beyond the range that is counted with. Fields told as
+/// most are, by year, month and day, take `instantFromPlainFields`, which answers alike.
+[[nodiscard]] Instant instantFromFields(const CalendarRules& rules,
+                                        const NSDateComponents& fields) noexcept;
+/// Years, months and days in their usual sizes, with or without a time of day; none for all others.
+[[nodiscard]] Instant instantFromPlainFields(const CalendarRules& rules,
+                                             const NSDateComponents& fields) noexcept;
+[[nodiscard]] Instant instantFromAnyFields(const CalendarRules& rules,
+                                           const NSDateComponents& fields) noexcept;
 /// Whether the set fields are those of the instant that they resolve to.
 [[nodiscard]] bool areFieldsValid(const CalendarRules& rules,
                                   const NSDateComponents& fields) noexcept;

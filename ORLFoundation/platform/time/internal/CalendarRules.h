@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <optional>
 
 namespace ORLFoundation {
@@ -35,10 +36,18 @@ struct CalendarRules {
   }
 };
 
-/// An instant as whole seconds since 1970 and the fraction after them, 0 to below 1.
+/// An instant as whole seconds since 1970 and the fraction after them, 0 to below 1; or none.
+/// Unlike an optional, it travels in two registers.
 struct Instant {
   std::int64_t seconds;
   double fraction;
+
+  [[nodiscard]] static constexpr Instant none() noexcept {
+    return {std::numeric_limits<std::int64_t>::min(), 0};
+  }
+  [[nodiscard]] constexpr bool exists() const noexcept {
+    return seconds != std::numeric_limits<std::int64_t>::min();
+  }
 
   friend constexpr bool operator<(Instant left, Instant right) noexcept {
     return left.seconds != right.seconds ? left.seconds < right.seconds
@@ -60,7 +69,11 @@ inline constexpr double kMaxSeconds = static_cast<double>((civil::kMaxDay - 20'0
   return true;
 }
 
+/// Not a number for none.
 [[nodiscard]] inline NSDate dateFromInstant(Instant instant) noexcept {
+  if (!instant.exists()) {
+    return NSDate::dateWithTimeIntervalSinceReferenceDate(std::numeric_limits<double>::quiet_NaN());
+  }
   return NSDate::dateWithTimeIntervalSinceReferenceDate(
       static_cast<double>(instant.seconds - kReferenceSeconds) + instant.fraction);
 }

@@ -146,11 +146,11 @@ struct Nearest {
   Instant from;
   bool backward;
   bool strict;
-  std::optional<Instant> found = std::nullopt;
+  Instant found = Instant::none();
 
   void offer(Instant candidate) noexcept {
     if (!(backward ? candidate < from : from < candidate)) return;
-    if (!found || (backward ? *found < candidate : candidate < *found)) found = candidate;
+    if (!found.exists() || (backward ? found < candidate : candidate < found)) found = candidate;
   }
   // Both instants of a local time.
   void offerLocal(std::int64_t local, double fraction) noexcept {
@@ -218,10 +218,10 @@ constexpr std::int64_t kMonthsToSearch = civil::kYearsPerCycle * 12 + 1;
 
 }  // namespace
 
-std::optional<Instant> nearestMatch(const CalendarRules& rules, const NSDateComponents& fields,
-                                    Instant from, bool backward, bool strict) noexcept {
+Instant nearestMatch(const CalendarRules& rules, const NSDateComponents& fields, Instant from,
+                     bool backward, bool strict) noexcept {
   const Pattern pattern(rules, fields);
-  if (!pattern.isPossible()) return std::nullopt;
+  if (!pattern.isPossible()) return Instant::none();
   Nearest nearest{rules, from, backward, strict};
   // A clock change can show the next day before the origin's own, and the reverse.
   const std::int32_t onward = backward ? -1 : 1;
@@ -240,16 +240,15 @@ std::optional<Instant> nearestMatch(const CalendarRules& rules, const NSDateComp
       const int bit = backward ? 31 - __builtin_clz(days) : __builtin_ctz(days);
       days &= ~(DayMask{1} << bit);
       offerDay(nearest, pattern, first + bit);
-      if (nearest.found) return nearest.found;
+      if (nearest.found.exists()) return nearest.found;
     }
   }
-  return std::nullopt;
+  return Instant::none();
 }
 
 namespace {
 
-std::optional<Instant> instantBySettingDay(const CalendarRules& rules, NSInteger value,
-                                           Instant of) noexcept {
+Instant instantBySettingDay(const CalendarRules& rules, NSInteger value, Instant of) noexcept {
   const civil::Date date = civil::dateFromDay(localDayTime(rules, of.seconds).day);
   const auto [year, month] = civil::yearMonthFromNumber(civil::monthNumber(date.year, date.month) +
                                                         (value < date.day ? 1 : 0));
@@ -261,11 +260,11 @@ std::optional<Instant> instantBySettingDay(const CalendarRules& rules, NSInteger
 
 }  // namespace
 
-std::optional<Instant> instantBySettingUnit(const CalendarRules& rules, NSCalendarUnit unit,
-                                            NSInteger value, Instant of, bool strict) noexcept {
+Instant instantBySettingUnit(const CalendarRules& rules, NSCalendarUnit unit, NSInteger value,
+                             Instant of, bool strict) noexcept {
   NSDateComponents fields;
   fields.setValueForComponent(value, unit);
-  if (!Pattern(rules, fields).isPossible()) return std::nullopt;
+  if (!Pattern(rules, fields).isPossible()) return Instant::none();
   if (matchesFields(rules, fields, of)) return of;
   if (unit == NSCalendarUnitDay && !strict) return instantBySettingDay(rules, value, of);
   return nearestMatch(rules, fields, of, false, strict);

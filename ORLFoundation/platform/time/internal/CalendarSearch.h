@@ -9,16 +9,14 @@ namespace ORLFoundation {
 /// The latest (earliest) matching instant before (after) the given one, at the start of the
 /// smallest unit that the fields name: a month alone at its first day, a week alone at its first
 /// day, else at the start of the day or of the named time. Looks as far as the calendar takes to
-/// repeat, 400 years; nil when nothing matches by then, and for fields without a value set. A time
+/// repeat, 400 years; none when nothing matches by then, and for fields without a value set. A time
 /// in the gap of a clock change matches nothing when `strict`, else the clock change stands for it.
-[[nodiscard]] std::optional<Instant> nearestMatch(const CalendarRules& rules,
-                                                  const NSDateComponents& fields, Instant from,
-                                                  bool backward, bool strict) noexcept;
+[[nodiscard]] Instant nearestMatch(const CalendarRules& rules, const NSDateComponents& fields,
+                                   Instant from, bool backward, bool strict) noexcept;
 /// The instant itself when it shows the value, else the next instant that does, at the start of the
 /// unit. Where the value is a day that the month lacks, `strict` goes on to a month that has it;
 /// otherwise the day after the month's end stands for it.
-[[nodiscard]] std::optional<Instant> instantBySettingUnit(const CalendarRules& rules,
-                                                          NSCalendarUnit unit, NSInteger value,
-                                                          Instant of, bool strict) noexcept;
+[[nodiscard]] Instant instantBySettingUnit(const CalendarRules& rules, NSCalendarUnit unit,
+                                           NSInteger value, Instant of, bool strict) noexcept;
 
 }  // namespace ORLFoundation
