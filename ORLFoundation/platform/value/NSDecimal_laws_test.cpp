@@ -1,0 +1,284 @@
+// Laws that hold for all decimals, swept over seeded random ones, and the agreement of every
+// calculation with plain fractions of unbounded integers.
+#include <ORLFoundation/platform/value/NSDecimalArithmetic.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <boost/multiprecision/cpp_int.hpp>
+#include <random>
+#include <string>
+
+namespace ORLFoundation {
+namespace {
+
+using boost::multiprecision::cpp_int;
+using Mantissa = NSDecimal::Mantissa;
+
+/// Random decimals of all lengths, near to one another or anywhere.
+class Source {
+ public:
+  explicit Source(unsigned seed) : engine_(seed) {}
+
+  NSInteger between(NSInteger from, NSInteger to) {
+    return std::uniform_int_distribution<NSInteger>(from, to)(engine_);
+  }
+
+  NSDecimal decimalWithExponentBetween(NSInteger from, NSInteger to) {
+    return {mantissa(), static_cast<int>(between(from, to)), between(0, 1) == 1};
+  }
+  NSDecimal moneySized() {
+    return {static_cast<Mantissa>(between(0, 9999999999)), static_cast<int>(between(-6, 0)),
+            between(0, 1) == 1};
+  }
+  NSDecimal any() {
+    switch (between(0, 4)) {
+      case 0:
+        return moneySized();
+      case 1:
+      case 2:
+        return decimalWithExponentBetween(-20, 5);
+      case 3:
+        return decimalWithExponentBetween(-60, 40);
+      default:
+        return decimalWithExponentBetween(-128, 127);
+    }
+  }
+  NSRoundingMode mode() { return static_cast<NSRoundingMode>(between(0, 3)); }
+
+ private:
+  /// Often with runs of zeros and nines, where carries and ties are.
+  Mantissa mantissa() {
+    const NSInteger digits = between(1, NSDecimal::kMostDigits);
+    const NSInteger kind = between(0, 3);
+    Mantissa value = 0;
+    for (NSInteger i = 0; i < digits; ++i) {
+      const NSInteger digit = kind == 0   ? (between(0, 3) == 0 ? 5 : 0)
+                              : kind == 1 ? 9
+                                          : between(0, 9);
+      value = value * 10 + static_cast<Mantissa>(digit);
+    }
+    return value;
+  }
+
+  std::mt19937_64 engine_;
+};
+
+cpp_int integerOf(Mantissa value) {
+  return (cpp_int(static_cast<std::uint64_t>(value >> 64)) << 64) |
+         static_cast<std::uint64_t>(value);
+}
+
+cpp_int powerOfTen(int exponent) { return pow(cpp_int(10), static_cast<unsigned>(exponent)); }
+
+/// A fraction of whole numbers, the denominator above zero.
+struct Fraction {
+  cpp_int numerator;
+  cpp_int denominator = 1;
+};
+
+Fraction fractionOf(const NSDecimal& value) {
+  cpp_int digits = integerOf(value.mantissa());
+  if (value.isNegative()) digits = -digits;
+  if (value.exponent() >= 0) return {digits * powerOfTen(value.exponent())};
+  return {digits, powerOfTen(-value.exponent())};
+}
+
+/// The whole number next to a fraction under a mode.
+cpp_int roundedWhole(const Fraction& value, NSRoundingMode mode) {
+  cpp_int floor = value.numerator / value.denominator;
+  cpp_int rest = value.numerator % value.denominator;
+  if (rest < 0) {
+    --floor;
+    rest += value.denominator;
+  }
+  if (rest == 0 || mode == NSRoundDown) return floor;
+  if (mode == NSRoundUp) return floor + 1;
+  const int half = cpp_int(rest * 2).compare(value.denominator);
+  if (half != 0) return half > 0 ? cpp_int(floor + 1) : floor;
+  const bool away = mode == NSRoundBankers ? floor % 2 != 0 : value.numerator > 0;
+  return away ? cpp_int(floor + 1) : floor;
+}
+
+Fraction scaled(const Fraction& value, int exponent) {
+  if (exponent >= 0) return {value.numerator, value.denominator * powerOfTen(exponent)};
+  return {value.numerator * powerOfTen(-exponent), value.denominator};
+}
+
+/// What a calculation with this exact value is to give, written as "mantissa e exponent ! error".
+std::string expectedResult(const Fraction& value, NSRoundingMode mode) {
+  if (value.numerator == 0) return "0e0!0";
+  const cpp_int size = abs(value.numerator);
+  // The smallest exponent that leaves 38 digits, or the smallest that there is.
+  const auto places =
+      static_cast<int>(size.str().size()) - static_cast<int>(value.denominator.str().size());
+  int exponent = std::max(NSDecimal::kSmallestExponent, places - NSDecimal::kMostDigits);
+  const auto isTooLong = [&](int at) {
+    const Fraction part = scaled({size, value.denominator}, at);
+    return part.numerator / part.denominator >= integerOf(NSDecimal::kMantissaEnd);
+  };
+  while (isTooLong(exponent)) ++exponent;
+  const Fraction unit = scaled(value, exponent);
+  cpp_int whole = roundedWhole(unit, mode);
+  const bool exact = whole * unit.denominator == unit.numerator;
+  if (whole == 0) return "0e0!2";
+  while (whole % 10 == 0) {
+    whole /= 10;
+    ++exponent;
+  }
+  const auto digits = static_cast<int>(cpp_int(abs(whole)).str().size());
+  if (exponent + digits > NSDecimal::kLargestExponent + NSDecimal::kMostDigits) return "NaN!3";
+  return whole.str() + "e" + std::to_string(exponent) + (exact ? "!0" : "!1");
+}
+
+std::string textOf(const NSDecimalResult& result) {
+  const std::string error = "!" + std::to_string(NSUInteger{result.error});
+  if (result.value.isNaN()) return "NaN" + error;
+  cpp_int digits = integerOf(result.value.mantissa());
+  if (digits == 0) return "0e0" + error;
+  int exponent = result.value.exponent();
+  for (; digits % 10 == 0; ++exponent) digits /= 10;
+  return (result.value.isNegative() ? "-" : "") + digits.str() + "e" + std::to_string(exponent) +
+         error;
+}
+
+constexpr int kCalculations = 60000;
+
+TEST(NSDecimalLaws, SumsAgreeWithFractions) {
+  Source source(1);
+  for (int i = 0; i < kCalculations; ++i) {
+    const NSDecimal left = source.any(), right = source.any();
+    const NSRoundingMode mode = source.mode();
+    const Fraction a = fractionOf(left), b = fractionOf(right);
+    const cpp_int first = a.numerator * b.denominator, second = b.numerator * a.denominator;
+    const cpp_int denominator = a.denominator * b.denominator;
+    ASSERT_EQ(textOf(NSDecimalAdd(left, right, mode)),
+              expectedResult({first + second, denominator}, mode))
+        << left.stringValue() << " + " << right.stringValue() << " mode " << mode;
+    ASSERT_EQ(textOf(NSDecimalSubtract(left, right, mode)),
+              expectedResult({first - second, denominator}, mode))
+        << left.stringValue() << " - " << right.stringValue() << " mode " << mode;
+  }
+}
+
+TEST(NSDecimalLaws, ProductsAgreeWithFractions) {
+  Source source(2);
+  for (int i = 0; i < kCalculations; ++i) {
+    const NSDecimal left = source.any(), right = source.any();
+    const NSRoundingMode mode = source.mode();
+    const Fraction a = fractionOf(left), b = fractionOf(right);
+    ASSERT_EQ(textOf(NSDecimalMultiply(left, right, mode)),
+              expectedResult({a.numerator * b.numerator, a.denominator * b.denominator}, mode))
+        << left.stringValue() << " * " << right.stringValue() << " mode " << mode;
+  }
+}
+
+TEST(NSDecimalLaws, QuotientsAgreeWithFractions) {
+  Source source(3);
+  for (int i = 0; i < kCalculations; ++i) {
+    const NSDecimal left = source.any(), right = source.any();
+    const NSRoundingMode mode = source.mode();
+    if (right.isZero()) continue;
+    const Fraction a = fractionOf(left), b = fractionOf(right);
+    Fraction quotient{a.numerator * b.denominator, a.denominator * b.numerator};
+    if (quotient.denominator < 0) quotient = {-quotient.numerator, -quotient.denominator};
+    ASSERT_EQ(textOf(NSDecimalDivide(left, right, mode)), expectedResult(quotient, mode))
+        << left.stringValue() << " / " << right.stringValue() << " mode " << mode;
+  }
+}
+
+TEST(NSDecimalLaws, RoundingAgreesWithFractions) {
+  Source source(4);
+  for (int i = 0; i < kCalculations; ++i) {
+    const NSDecimal value = source.any();
+    const NSRoundingMode mode = source.mode();
+    const auto scale = static_cast<int>(source.between(-60, 40));
+    const NSDecimal rounded = NSDecimalRound(value, scale, mode).value;
+    const cpp_int whole = roundedWhole(scaled(fractionOf(value), -scale), mode);
+    const Fraction came = fractionOf(rounded);
+    const Fraction expected =
+        scale >= 0 ? Fraction{whole, powerOfTen(scale)} : Fraction{whole * powerOfTen(-scale)};
+    ASSERT_EQ(came.numerator * expected.denominator, expected.numerator * came.denominator)
+        << value.stringValue() << " at " << scale << " mode " << mode;
+  }
+}
+
+TEST(NSDecimalLaws, RoundingTwiceIsRoundingOnce) {
+  Source source(5);
+  for (int i = 0; i < 200000; ++i) {
+    const NSRoundingMode mode = source.mode();
+    const NSInteger scale = source.between(-40, 40);
+    const NSDecimal once = NSDecimalRound(source.any(), scale, mode).value;
+    ASSERT_EQ(NSDecimalRound(once, scale, mode).value, once) << once.stringValue();
+  }
+}
+
+TEST(NSDecimalLaws, TakingAwayWhatWasAddedGivesTheFirst) {
+  Source source(6);
+  int exact = 0;
+  for (int i = 0; i < 300000; ++i) {
+    const NSDecimal left = source.any(), right = source.any();
+    const NSDecimalResult sum = NSDecimalAdd(left, right);
+    if (sum.error != NSCalculationNoError) continue;
+    ++exact;
+    const NSDecimalResult back = NSDecimalSubtract(sum.value, right);
+    ASSERT_EQ(back.error, NSCalculationNoError);
+    ASSERT_EQ(back.value, left) << left.stringValue() << " and " << right.stringValue();
+  }
+  EXPECT_GT(exact, 50000);
+}
+
+TEST(NSDecimalLaws, DividingByAFactorGivesTheOther) {
+  Source source(7);
+  int exact = 0;
+  for (int i = 0; i < 200000; ++i) {
+    const NSDecimal left = source.any(), right = source.moneySized();
+    const NSDecimalResult product = NSDecimalMultiply(left, right);
+    if (product.error != NSCalculationNoError || right.isZero()) continue;
+    ++exact;
+    ASSERT_EQ(NSDecimalDivide(product.value, right).value, left)
+        << left.stringValue() << " and " << right.stringValue();
+  }
+  EXPECT_GT(exact, 50000);
+}
+
+TEST(NSDecimalLaws, ReadingWhatWasWrittenGivesTheSameForAMillionValues) {
+  Source source(8);
+  char text[NSDecimal::kLongestText];
+  for (int i = 0; i < 1000000; ++i) {
+    const NSDecimal value = source.any();
+    const char* end = value.writeTo(text);
+    const std::string_view written(text, static_cast<std::size_t>(end - text));
+    ASSERT_EQ(NSDecimal::parse(written), value) << written;
+  }
+}
+
+TEST(NSDecimalLaws, ComparisonIsATotalOrderThatAgreesWithFractions) {
+  Source source(9);
+  for (int i = 0; i < 100000; ++i) {
+    const NSDecimal left = source.any(), right = source.any();
+    const NSComparisonResult order = left.compare(right);
+    const Fraction a = fractionOf(left), b = fractionOf(right);
+    const int expected =
+        cpp_int(a.numerator * b.denominator).compare(cpp_int(b.numerator * a.denominator));
+    ASSERT_EQ(NSInteger{order}, expected < 0 ? -1 : expected > 0 ? 1 : 0);
+    ASSERT_EQ(NSInteger{right.compare(left)}, -NSInteger{order});
+    const NSDecimal raised = left.compacted();
+    ASSERT_EQ(raised, left);
+    ASSERT_EQ(raised.hash(), left.hash());
+  }
+}
+
+TEST(NSDecimalLaws, DoublesOfAtMost15DigitsComeBack) {
+  Source source(10);
+  for (int i = 0; i < 100000; ++i) {
+    const NSDecimal value(static_cast<Mantissa>(source.between(0, 999999999999999)),
+                          static_cast<int>(source.between(-30, 10)), source.between(0, 1) == 1);
+    ASSERT_EQ(value.doubleValue(), std::stod(value.stringValue())) << value.stringValue();
+    // A double that has few enough digits is taken without a change.
+    const double half = static_cast<double>(source.between(-1000000, 1000000)) / 1024;
+    ASSERT_EQ(NSDecimal::fromDouble(half).doubleValue(), half);
+  }
+}
+
+}  // namespace
+}  // namespace ORLFoundation
