@@ -213,8 +213,15 @@ void ChartPainter::setLineStyle(const ChartLine& line, std::size_t index) {
 
 void ChartPainter::paintLine(const ChartLine& line) {
   cairo_set_line_join(cairo_, CAIRO_LINE_JOIN_ROUND);
-  for (const ChartPoint& point : line.points)
-    if (std::isfinite(point.value)) cairo_line_to(cairo_, x(point.date), y(point.value));
+  for (const ChartPoint& point : line.points) {
+    if (!std::isfinite(point.value)) continue;
+    if (line.isStepped && cairo_has_current_point(cairo_) != 0) {
+      double lastX = 0, lastY = 0;
+      cairo_get_current_point(cairo_, &lastX, &lastY);
+      cairo_line_to(cairo_, x(point.date), lastY);
+    }
+    cairo_line_to(cairo_, x(point.date), y(point.value));
+  }
   cairo_stroke(cairo_);
 }
 

@@ -21,6 +21,8 @@ struct ChartLine {
   std::vector<ChartPoint> points;  // in order of date; values that are not finite are left out
   /// Drawn thin, dashed and grey, as what the other lines are compared with.
   bool isReference = false;
+  /// A value holds until the next date: drawn as stairs.
+  bool isStepped = false;
 };
 
 struct Chart {

@@ -18,12 +18,22 @@ namespace {
 
 using namespace ORLFoundation;
 
-/// The smallest of 1, 2, 5 times a power of ten that is not below the length.
-double roundStep(double length) {
-  const double power = std::pow(10, std::floor(std::log10(length)));
-  for (const double factor : {1.0, 2.0, 5.0})
-    if (factor * power >= length * (1 - 1e-9)) return factor * power;
-  return 10 * power;
+/// Marks at first, first + 1 ... last times the step.
+struct NumberGrid {
+  double step, first, last;
+};
+
+/// The finest grid of 1, 2 or 5 times a power of ten that covers the range with few enough marks.
+NumberGrid gridOver(double low, double high, int mostTicks) {
+  const double power = std::pow(10, std::floor(std::log10(high / mostTicks - low / mostTicks)));
+  NumberGrid grid{};
+  for (const double factor : {1.0, 2.0, 5.0, 10.0, 20.0}) {
+    grid.step = factor * power;
+    grid.first = std::floor(low / grid.step + 1e-9);
+    grid.last = std::ceil(high / grid.step - 1e-9);
+    if (grid.last - grid.first < mostTicks) break;
+  }
+  return grid;
 }
 
 icu::number::LocalizedNumberFormatter axisNumbers(double step, double largest,
@@ -129,14 +139,12 @@ std::vector<NumberTick> numberTicks(double low, double high, int mostTicks,
     low -= margin;
     high += margin;
   }
-  const double step = roundStep((high / (mostTicks - 2) - low / (mostTicks - 2)));
-  const double first = std::floor(low / step + 1e-9);
-  const double last = std::ceil(high / step - 1e-9);
-  const auto numbers = axisNumbers(step, std::max(std::abs(low), std::abs(high)), locale);
+  const NumberGrid grid = gridOver(low, high, mostTicks);
+  const auto numbers = axisNumbers(grid.step, std::max(std::abs(low), std::abs(high)), locale);
   std::vector<NumberTick> ticks;
-  for (double index = first; index <= last; ++index) {
+  for (double index = grid.first; index <= grid.last; ++index) {
     UErrorCode status = U_ZERO_ERROR;
-    const double value = index == 0 ? 0 : index * step;
+    const double value = index == 0 ? 0 : index * grid.step;
     ticks.push_back({value, utf8(numbers.formatDouble(value, status).toString(status))});
   }
   return ticks;

@@ -157,9 +157,7 @@ void printDates(Session& session, const DatesArguments& arguments) {
 }
 
 void addRuleOptions(CLI::App& parser, DatesArguments& arguments) {
-  parser
-      .add_option("--freq", arguments.frequency,
-                  "daily, weekly, monthly, quarterly or yearly (required)")
+  parser.add_option("--freq", arguments.frequency, "daily, weekly, monthly, quarterly or yearly")
       ->required();
   parser.add_option("--interval", arguments.interval, "Periods between dates, from 1 on")
       ->capture_default_str();
@@ -182,7 +180,7 @@ void addRuleOptions(CLI::App& parser, DatesArguments& arguments) {
 }
 
 void addWalkOptions(CLI::App& parser, DatesArguments& arguments) {
-  parser.add_option("--start", arguments.start, "First date (required)")->required();
+  parser.add_option("--start", arguments.start, "First date")->required();
   parser.add_option("--from", arguments.from, "Range of dates: its beginning");
   parser.add_option("--to", arguments.to, "Range of dates: its end");
   parser.add_flag("--inclusive", arguments.inclusive, "Dates on --to or --until count too");

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -12,21 +13,12 @@ namespace {
 
 using namespace ORLFoundation;
 
-constexpr int kSamplesOfChart = 480, kFewestSamples = 3;
+constexpr double kMostPointsOfLine = 480, kMostStairs = 80;
 
 bool isEarlier(NSDate left, NSDate right) { return left.compare(right) == NSOrderedAscending; }
 
 double valueOf(const std::optional<NSDecimalNumber>& number) {
   return number ? number->doubleValue() : std::numeric_limits<double>::quiet_NaN();
-}
-
-/// Dates at equal distances, both ends included.
-std::vector<NSDate> sampleDates(NSDate from, NSDate to, int count) {
-  std::vector<NSDate> dates;
-  const double step = to.timeIntervalSinceDate(from) / (count - 1);
-  for (int i = 0; i + 1 < count; ++i) dates.push_back(from.dateByAddingTimeInterval(i * step));
-  dates.push_back(to);
-  return dates;
 }
 
 struct Stretch {
@@ -47,39 +39,68 @@ std::vector<Stretch> stretches(const PlanModel& model, NSDate from, NSDate to) {
   return found;
 }
 
+/// The contribution dates of a segment within a stretch, or every so many of them where there are
+/// many, with both ends of the stretch. Between two of them a balance does not change.
+struct Grid {
+  std::vector<NSDate> dates;
+  bool hasAllContributions = true;
+};
+
+Grid gridOfStretch(const PlanModel& model, const Stretch& stretch) {
+  const PlanTerms& terms = model.file.segments[stretch.segment];
+  const bool quarterly = terms.frequency == NSCalendarUnitQuarter;
+  const NSCalendarUnit unit = quarterly ? NSCalendarUnitMonth : terms.frequency;
+  const NSInteger interval = terms.interval * (quarterly ? 3 : 1);
+  const auto unitsTo = [&](NSDate date) {
+    return model.calendar().components(unit, terms.start, date, 0).valueForComponent(unit);
+  };
+  const NSInteger first = unitsTo(stretch.from) / interval;
+  const NSInteger last = unitsTo(stretch.to) / interval;
+  const double periods = static_cast<double>(last - first);
+  const auto skip = static_cast<NSInteger>(std::max(1.0, std::ceil(periods / kMostPointsOfLine)));
+  Grid grid{{stretch.from}, periods <= kMostStairs};
+  for (NSInteger index = first + skip; index <= last; index += skip) {
+    const auto date = model.calendar().dateByAddingUnit(unit, index * interval, terms.start, 0);
+    if (date && isEarlier(grid.dates.back(), *date) && isEarlier(*date, stretch.to))
+      grid.dates.push_back(*date);
+  }
+  grid.dates.push_back(stretch.to);
+  return grid;
+}
+
 /// The line ends on the balance that the segment leaves, not on the one that the next begins with.
-ChartLine lineOfStretch(const PlanModel& model, const Stretch& stretch, double wholeLength) {
-  const double share = stretch.to.timeIntervalSinceDate(stretch.from) / wholeLength;
-  std::vector<NSDate> dates =
-      sampleDates(stretch.from, stretch.to,
-                  std::max(kFewestSamples, static_cast<int>(std::lround(share * kSamplesOfChart))));
-  dates.pop_back();
+ChartLine lineOfStretch(const PlanModel& model, const Stretch& stretch, const Grid& grid) {
+  const std::span<const NSDate> inside(grid.dates.data(), grid.dates.size() - 1);
   const auto balances =
-      model.plan->plannedBalancesOnDates(dates, true, model.calendar(), model.rounding.get());
+      model.plan->plannedBalancesOnDates(inside, true, model.calendar(), model.rounding.get());
   ChartLine line;
   line.name = segmentName(model.file, stretch.segment);
-  for (std::size_t i = 0; i < dates.size(); ++i)
-    line.points.push_back({dates[i], valueOf(balances[i])});
+  line.isStepped = grid.hasAllContributions;
+  for (std::size_t i = 0; i < inside.size(); ++i)
+    line.points.push_back({inside[i], valueOf(balances[i])});
   line.points.push_back(
       {stretch.to, valueOf(model.plan->plannedBalanceOnDate(stretch.to, false, model.calendar(),
                                                             model.rounding.get()))});
   return line;
 }
 
-ChartLine lineOfContributions(const PlanModel& model, NSDate from, NSDate to) {
+/// What the first balance and the contributions after it come to.
+ChartLine lineOfContributions(const PlanModel& model, const std::vector<ChartLine>& balances) {
   ChartLine line;
   line.name = "Without interest";
   line.isReference = true;
-  const double start =
-      valueOf(model.plan->plannedBalanceOnDate(from, true, model.calendar(), model.rounding.get()));
-  for (const NSDate date : sampleDates(from, to, kSamplesOfChart / 2)) {
-    const double paid = valueOf(
-        model.plan->plannedContributionsFromStartDate({.startDate = from,
-                                                       .toEndDate = date,
-                                                       .usingCalendar = model.calendar(),
-                                                       .roundingBehavior = model.rounding.get()}));
-    line.points.push_back({date, start + paid});
-  }
+  line.isStepped = std::all_of(balances.begin(), balances.end(),
+                               [](const ChartLine& other) { return other.isStepped; });
+  const ChartPoint& start = balances.front().points.front();
+  for (const ChartLine& other : balances)
+    for (const ChartPoint& point : other.points) {
+      const auto paid =
+          model.plan->plannedContributionsFromStartDate({.startDate = start.date,
+                                                         .toEndDate = point.date,
+                                                         .usingCalendar = model.calendar(),
+                                                         .roundingBehavior = model.rounding.get()});
+      line.points.push_back({point.date, start.value + valueOf(paid)});
+    }
   return line;
 }
 
@@ -92,12 +113,11 @@ Chart makePlanChart(const PlanModel& model, NSDate from, NSDate to, const std::s
   chart.title = model.file.title;
   chart.calendar = model.file.calendar;
   chart.locale = locale;
-  const double length = to.timeIntervalSinceDate(from);
   for (const Stretch& stretch : stretches(model, from, to)) {
-    chart.lines.push_back(lineOfStretch(model, stretch, length));
+    chart.lines.push_back(lineOfStretch(model, stretch, gridOfStretch(model, stretch)));
     if (isEarlier(from, stretch.from)) chart.marks.push_back(stretch.from);
   }
-  if (isEarlier(from, to)) chart.lines.push_back(lineOfContributions(model, from, to));
+  if (!chart.lines.empty()) chart.lines.push_back(lineOfContributions(model, chart.lines));
   return chart;
 }
 

@@ -46,7 +46,7 @@ Command addRoundCommand(CLI::App& tool) {
   parser->add_option("VALUE", arguments->value, "Decimal")->required();
   parser
       ->add_option("--scale", arguments->rules.scale,
-                   "Digits kept after the point; negative ones round before it (required)")
+                   "Digits kept after the point; negative ones round before it")
       ->required();
   parser->add_option("--mode", arguments->rules.mode, std::string(kRoundingModeHelp))
       ->capture_default_str();

@@ -1,0 +1,40 @@
+#!/bin/sh
+# Shows the tool at work on the plans of this folder: examples/demo.sh ORLF [FOLDER]
+# ORLF is the built tool, FOLDER takes the chart (the current folder by default).
+set -eu
+
+orlf=${1:?usage: demo.sh ORLF [FOLDER]}
+output=${2:-.}
+here=$(dirname "$0")
+mkdir -p "$output"
+
+say() { printf '\n== %s\n\n' "$1"; }
+# Shows a command as it would be typed, then runs it.
+run() {
+  printf '$ orlf'
+  for word in "$@"; do
+    case $word in
+      *[!A-Za-z0-9_./:,=+%@-]*) printf " '%s'" "$word" ;;
+      *) printf ' %s' "$word" ;;
+    esac
+  done
+  printf '\n'
+  "$orlf" "$@"
+}
+
+say "Payment dates of a mortgage: the last weekday of each month"
+run dates --freq monthly --by-weekday=-1weekday --start 2024-01-31T09:30:00 --count 6 --tz America/New_York
+
+say "The mortgage over 30 years, then savings, drawn"
+run plan "$here/mortgage.json" --on 2024-02-01 2029-02-01 2034-02-01 2039-02-01 2044-02-01 2049-02-01 \
+  2054-02-01 2059-02-01 2064-02-01 --chart "$output/mortgage.svg"
+
+say "What could be borrowed, to be paid off a year earlier"
+run plan "$here/mortgage.json" --solve-principal 0 --on 2053-02-01
+
+say "Amounts as people type them"
+for amount in '$1,000.50' '1.234,56' '(12.50)' '3 1/2' '1,23,456' '12%' '5 USD'; do
+  printf '  %-12s %s\n' "$amount" "$("$orlf" amount -- "$amount")"
+done
+
+printf '\nThe chart is in %s\n' "$output/mortgage.svg"
