@@ -2,6 +2,7 @@
 #include <ORLFoundation/calendar/ORLFCalendarQuarters.h>
 #include <ORLFoundation/calendar/ORLFCalendarRounding.h>
 #include <ORLFoundation/calendar/ORLFCompareCalendarUnits.h>
+#include <ORLFoundation/calendar/internal/ORLFQuarterCount.h>
 #include <ORLFoundation/support/ORLFCondition.h>
 #include <ORLFoundation/support/ORLFDebugLog.h>
 
@@ -35,6 +36,12 @@ double fractionOfUnit(const NSCalendar& calendar, NSCalendarUnit unit, NSDate wi
   return static_cast<double>(secondsBetween(calendar, from, to)) / length;
 }
 
+NSInteger quartersBetween(const NSCalendar& calendar, NSDate from, NSDate to) noexcept {
+  const std::optional<NSInteger> last = internal::quartersSince1970(calendar, to);
+  const std::optional<NSInteger> first = internal::quartersSince1970(calendar, from);
+  return first && last ? *last - *first : 0;
+}
+
 bool isWholeCount(const NSCalendar& calendar, NSCalendarUnit unit, NSInteger whole, NSDate from,
                   NSDate to) noexcept {
   const std::optional<NSDate> probe =
@@ -46,9 +53,7 @@ bool isWholeCount(const NSCalendar& calendar, NSCalendarUnit unit, NSInteger who
 
 NSInteger orlfIntervalInCalendarUnit(const NSCalendar& calendar, NSCalendarUnit unit,
                                      NSDate fromDate, NSDate toDate) noexcept {
-  if (unit == NSCalendarUnitQuarter)
-    return orlfQuartersForDateSince1970(calendar, toDate) -
-           orlfQuartersForDateSince1970(calendar, fromDate);
+  if (unit == NSCalendarUnitQuarter) return quartersBetween(calendar, fromDate, toDate);
   if (!isOneOf(unit, kCountedUnits)) return 0;
   const NSCalendarUnit asked = unit == NSCalendarUnitWeek ? NSCalendarUnitWeekOfYear : unit;
   const NSInteger interval =

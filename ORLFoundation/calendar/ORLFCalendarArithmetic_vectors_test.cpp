@@ -3,8 +3,8 @@
 #include <ORLFoundation/calendar/ORLFCalendarQuarters.h>
 #include <ORLFoundation/calendar/ORLFCalendarRounding.h>
 #include <ORLFoundation/calendar/ORLFCompareCalendarUnits.h>
+#include <ORLFoundation/platform/object/LogCapture.h>
 #include <gtest/gtest.h>
-#include <tests/support/LogCapture.h>
 #include <tests/support/VectorCodec.h>
 
 #include <cmath>
@@ -26,11 +26,12 @@ NSCalendarUnit unitOf(const Json& in) {
 
 TEST(ORLFCompareCalendarUnits, AgreesWithVectors) {
   orlftest::runJsonVectors(
-      "planning_units", {{"ORLFCompareCalendarUnits", [](const Json& in, const Json& out) {
-                            const NSComparisonResult result = ORLFCompareCalendarUnits(
-                                in.at(0).get<NSUInteger>(), in.at(1).get<NSUInteger>());
-                            return orlftest::disagreement(out, Json(static_cast<NSInteger>(result)));
-                          }}});
+      "planning_units",
+      {{"ORLFCompareCalendarUnits", [](const Json& in, const Json& out) {
+          const NSComparisonResult result =
+              ORLFCompareCalendarUnits(in.at(0).get<NSUInteger>(), in.at(1).get<NSUInteger>());
+          return orlftest::disagreement(out, Json(static_cast<NSInteger>(result)));
+        }}});
 }
 
 TEST(ORLFCalendarArithmetic, AgreesWithVectorsOfSingleOperations) {
@@ -66,21 +67,19 @@ TEST(ORLFCalendarRounding, AgreesWithVectors) {
       "planning_rounding",
       {{"down",
         [](const Json& in, const Json& out) {
-          return orlftest::disagreement(
-              orlftest::dateFromVector(out),
-              orlfDateByRoundingDateDownToCalendarUnit(*calendarOf(in), dateOf(in, "date"),
-                                                       unitOf(in)));
+          return orlftest::disagreement(orlftest::dateFromVector(out),
+                                        orlfDateByRoundingDateDownToCalendarUnit(
+                                            *calendarOf(in), dateOf(in, "date"), unitOf(in)));
         }},
        {"up", [](const Json& in, const Json& out) {
-          return orlftest::disagreement(
-              orlftest::dateFromVector(out),
-              orlfDateByRoundingDateUpToCalendarUnit(*calendarOf(in), dateOf(in, "date"),
-                                                     unitOf(in)));
+          return orlftest::disagreement(orlftest::dateFromVector(out),
+                                        orlfDateByRoundingDateUpToCalendarUnit(
+                                            *calendarOf(in), dateOf(in, "date"), unitOf(in)));
         }}});
 }
 
 std::string counted(const Json& in, const Json& out) {
-  const orlftest::LogCapture log;
+  const LogCapture log;
   const double expected = out.at("count").get<double>();
   const double count =
       orlfCountOfCalendarUnit(*calendarOf(in), unitOf(in), dateOf(in, "from"), dateOf(in, "to"));
@@ -91,15 +90,15 @@ std::string counted(const Json& in, const Json& out) {
 }
 
 TEST(ORLFCalendarArithmetic, AgreesWithVectorsOfCounts) {
-  orlftest::runJsonVectors("planning_counting",
-                           {{"orlfIntervalInCalendarUnit",
-                             [](const Json& in, const Json& out) {
-                               return orlftest::disagreement(
-                                   out, Json(orlfIntervalInCalendarUnit(
-                                            *calendarOf(in), unitOf(in), dateOf(in, "from"),
-                                            dateOf(in, "to"))));
-                             }},
-                            {"orlfCountOfCalendarUnit", counted}});
+  orlftest::runJsonVectors(
+      "planning_counting",
+      {{"orlfIntervalInCalendarUnit",
+        [](const Json& in, const Json& out) {
+          return orlftest::disagreement(
+              out, Json(orlfIntervalInCalendarUnit(*calendarOf(in), unitOf(in), dateOf(in, "from"),
+                                                   dateOf(in, "to"))));
+        }},
+       {"orlfCountOfCalendarUnit", counted}});
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include <ORLFoundation/calendar/ORLFCalendarQuarters.h>
+#include <ORLFoundation/calendar/internal/ORLFQuarterCount.h>
 
 namespace ORLFoundation {
 
@@ -9,12 +10,18 @@ NSInteger orlfMonthsPerQuarter(const NSCalendar& calendar) noexcept {
   return static_cast<NSInteger>(months / quarters);
 }
 
-NSInteger orlfQuartersForDateSince1970(const NSCalendar& calendar, NSDate date) noexcept {
+std::optional<NSInteger> internal::quartersSince1970(const NSCalendar& calendar,
+                                                     NSDate date) noexcept {
   const NSInteger monthsPerQuarter = orlfMonthsPerQuarter(calendar);
   if (monthsPerQuarter == NSNotFound || monthsPerQuarter == 0) return NSNotFound;
   const NSDate epoch = NSDate::dateWithTimeIntervalSince1970(0);
   const NSInteger months = calendar.components(NSCalendarUnitMonth, epoch, date, 0).month();
-  return months == NSDateComponentUndefined ? 0 : months / monthsPerQuarter;
+  if (months == NSDateComponentUndefined) return std::nullopt;
+  return months / monthsPerQuarter;
+}
+
+NSInteger orlfQuartersForDateSince1970(const NSCalendar& calendar, NSDate date) noexcept {
+  return internal::quartersSince1970(calendar, date).value_or(0);
 }
 
 NSInteger orlfQuarterForDate(const NSCalendar& calendar, NSDate date) noexcept {

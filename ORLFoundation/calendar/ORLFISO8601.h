@@ -15,7 +15,8 @@
 namespace ORLFoundation {
 
 /// `orlfDateFromISO8601String:`  A final "Z" reads as "-0000". nil for any text that is not just a
-/// date of the form above: no spaces around it, no fraction, no field out of its range.
+/// date of the form above: no spaces around it, no fraction, no field out of its range,
+/// no year beyond 144683.
 [[nodiscard]] std::optional<NSDate> orlfDateFromISO8601String(std::string_view string);
 /// `orlfISO8601StringFromDate:`  In `NSTimeZone::defaultTimeZone`, fractions of a second cut off.
 /// Years beyond 9999 take the digits that they need. An empty text for a date that is not finite or
