@@ -6,7 +6,7 @@ find_package(Threads REQUIRED)
 find_package(ICU 72 REQUIRED COMPONENTS uc i18n)        # ICU::uc ICU::i18n
 find_package(Boost 1.74 REQUIRED)                       # Boost::headers
 find_package(CCTZ REQUIRED)                             # CCTZ::cctz
-pkg_check_modules(PLIST REQUIRED IMPORTED_TARGET libplist-2.0)  # PkgConfig::PLIST
+find_package(LibXml2 2.9 REQUIRED)                      # LibXml2::LibXml2
 find_package(nlohmann_json 3.11 REQUIRED)               # nlohmann_json::nlohmann_json
 if(ORLF_BUILD_TOOL)
   find_package(CLI11 2.1 REQUIRED)                      # CLI11::CLI11
@@ -15,6 +15,9 @@ endif()
 
 if(ORLF_BUILD_TESTS)
   find_package(GTest REQUIRED)                          # GTest::gmock
+endif()
+if(ORLF_BUILD_TESTS OR ORLF_BUILD_BENCHMARKS)
+  pkg_check_modules(PLIST REQUIRED IMPORTED_TARGET libplist-2.0)  # PkgConfig::PLIST, a peer
 endif()
 if(ORLF_BUILD_BENCHMARKS)
   find_package(benchmark REQUIRED)                      # benchmark::benchmark
