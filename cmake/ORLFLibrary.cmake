@@ -55,6 +55,3 @@ file(RELATIVE_PATH prefix_from_pc
 configure_file(cmake/orlfoundation.pc.in ${PROJECT_BINARY_DIR}/orlfoundation.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/orlfoundation.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-if(TARGET orlf)
-  install(TARGETS orlf)
-endif()

@@ -6,8 +6,8 @@
 
 Reads every orlf_add_folder(...) under ROOT/ORLFoundation and every include of their files, and
 names each fault as file:line. A folder includes itself and what it declares under USES; it may
-declare only what ALLOWED grants it; nothing goes round in a circle; headers include nothing but the
-standard library and ORLFoundation; internal/ headers stay inside their folder; every file is
+declare only what ALLOWED grants it; nothing goes round in a circle; public headers include nothing
+but the standard library and ORLFoundation; internal/ headers stay inside their folder; every file is
 listed; the umbrella header holds every public header.
 """
 
@@ -35,7 +35,7 @@ ALLOWED = {
     "amortization": {"diagnostics", "recurrence", "calendar", "decimal"},
 }
 
-# Outside headers that a header of ours may include, each with its reason.
+# Outside headers that a public header of ours may include, each with its reason.
 HEADER_EXCEPTIONS = {
     "stddef.h": "headers that C includes too",
     "stdint.h": "headers that C includes too",
@@ -166,6 +166,11 @@ def is_proof(file):
     return re.search(r"_(test|benchmark|fuzz)\.(cpp|c)$|_testing\.h$", file.name) is not None
 
 
+def is_public(folder, root, file):
+    """Headers under HEADERS are installed; the rest of internal/ is seen by our sources alone."""
+    return file.relative_to(root / folder.path).as_posix() in folder["HEADERS"]
+
+
 def check_file(root, folders, folder, file):
     name = file.relative_to(root).as_posix()
     proof = is_proof(file)
@@ -183,8 +188,8 @@ def check_file(root, folders, folder, file):
             yield f"{place}: only tests include <{include}>"
         elif not include.startswith("ORLFoundation/"):
             outside = not is_standard(include) and include not in HEADER_EXCEPTIONS
-            if file.suffix == ".h" and outside and not proof:
-                yield f"{place}: a header includes the outside header <{include}>"
+            if is_public(folder, root, file) and outside:
+                yield f"{place}: a public header includes the outside header <{include}>"
         else:
             yield from check_own_include(root, folders, folder, declared, place, include)
 

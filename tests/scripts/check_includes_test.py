@@ -92,11 +92,15 @@ class IncludeCheck(unittest.TestCase):
             "orlf_add_folder(platform_object HEADERS NSObject.h\n"
             "  USES platform_value platform_gone)\n")
 
-    def test_an_outside_header_in_a_header(self):
+    def test_an_outside_header_in_a_public_header(self):
         self.assert_one(
-            "ORLFoundation/calendar/internal/Table.h:1: a header includes the outside header "
+            "ORLFoundation/calendar/Days.h:2: a public header includes the outside header "
             "<unicode/ucal.h>",
-            ORLFoundation__calendar__internal__Table_h="#include <unicode/ucal.h>\n")
+            ORLFoundation__calendar__Days_h=lambda text: text + "#include <unicode/ucal.h>\n")
+
+    def test_an_outside_header_in_an_internal_header_is_no_fault(self):
+        self.assertEqual(self.faults(
+            ORLFoundation__calendar__internal__Table_h="#include <unicode/ucal.h>\n"), [])
 
     def test_a_quoted_include(self):
         self.assert_one(
