@@ -115,10 +115,10 @@ bool NSCalendar::rangeOfUnit(NSCalendarUnit unit, NSDate* startDate, NSTimeInter
                              NSDate forDate) const noexcept {
   Instant instant;
   if (!splitDate(forDate, instant)) return false;
-  const std::optional<InstantRange> range = rangeAroundInstant(rules_, unit, instant);
-  if (!range) return false;
-  if (startDate) *startDate = dateFromInstant(range->start);
-  if (interval) *interval = range->length;
+  const InstantRange range = rangeAroundInstant(rules_, unit, instant);
+  if (!range.start.exists()) return false;
+  if (startDate) *startDate = dateFromInstant(range.start);
+  if (interval) *interval = range.length;
   return true;
 }
 

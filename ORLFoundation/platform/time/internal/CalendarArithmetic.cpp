@@ -108,7 +108,7 @@ Instant addSeconds(NSInteger value, std::int32_t size, Instant to) noexcept {
 Instant addNanoseconds(NSInteger value, Instant to) noexcept {
   const NSInteger seconds = civil::floorDivide(value, kNanosecondsPerSecond);
   const double fraction =
-      to.fraction + static_cast<double>(value - seconds * kNanosecondsPerSecond) * 1e-9;
+      to.fraction + static_cast<double>(civil::floorModulo(value, kNanosecondsPerSecond)) * 1e-9;
   const NSInteger carry = fraction >= 1 ? 1 : 0;
   return addSeconds(seconds + carry, 1, {to.seconds, fraction - static_cast<double>(carry)});
 }

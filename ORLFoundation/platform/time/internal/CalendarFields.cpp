@@ -188,11 +188,11 @@ Instant instantFromPlainFields(const CalendarRules& rules,
   const NSInteger minute = valueOr(fields.minute(), 0);
   const NSInteger second = valueOr(fields.second(), 0);
   const NSInteger nanosecond = valueOr(fields.nanosecond(), 0);
-  const bool isPlain = isWithin(fields.year(), -kUsual, kUsual) & isWithin(fields.month(), 1, 12) &
-                       isWithin(fields.day(), -kUsual, kUsual) & isWithin(hour, -kUsual, kUsual) &
-                       isWithin(minute, -kUsual, kUsual) & isWithin(second, -kUsual, kUsual) &
-                       isWithin(nanosecond, 0, kNanosecondsPerSecond - 1) &
-                       (valueOr(fields.era(), 1) == 1);
+  const bool isPlain =
+      isWithin(fields.year(), -kUsual, kUsual) && isWithin(fields.month(), 1, 12) &&
+      isWithin(fields.day(), -kUsual, kUsual) && isWithin(hour, -kUsual, kUsual) &&
+      isWithin(minute, -kUsual, kUsual) && isWithin(second, -kUsual, kUsual) &&
+      isWithin(nanosecond, 0, kNanosecondsPerSecond - 1) && (valueOr(fields.era(), 1) == 1);
   if (!isPlain) return Instant::none();
   const std::int32_t day = civil::dayFromDate(static_cast<std::int32_t>(fields.year()),
                                               static_cast<std::int32_t>(fields.month()),
@@ -218,7 +218,7 @@ Instant instantFromAnyFields(const CalendarRules& rules, const NSDateComponents&
   if (!isDayInRange(*day + days)) return Instant::none();
   const std::int64_t local = civil::joinSeconds(*day, time);
   return Instant{rules.zone->firstInstantOfLocal(local),
-                 static_cast<double>(nanosecond - wholeSeconds * kNanosecondsPerSecond) * 1e-9};
+                 static_cast<double>(civil::floorModulo(nanosecond, kNanosecondsPerSecond)) * 1e-9};
 }
 
 NSUInteger setFieldsMask(const NSDateComponents& fields) noexcept {

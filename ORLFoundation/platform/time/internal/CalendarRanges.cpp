@@ -9,6 +9,8 @@ constexpr NSRange kNoRange{static_cast<NSUInteger>(NSNotFound), 0};
 struct DayRange {
   std::int32_t begin;
   std::int32_t end;
+
+  [[nodiscard]] constexpr bool exists() const noexcept { return begin != end; }
 };
 
 DayRange monthsFrom(std::int32_t year, std::int32_t month, std::int32_t count) noexcept {
@@ -17,8 +19,7 @@ DayRange monthsFrom(std::int32_t year, std::int32_t month, std::int32_t count) n
   return {civil::dayFromDate(year, month, 1), civil::dayFromDate(endYear, endMonth, 1)};
 }
 
-std::optional<DayRange> daysAround(const CalendarRules& rules, NSCalendarUnit unit,
-                                   std::int32_t day) noexcept {
+DayRange daysAround(const CalendarRules& rules, NSCalendarUnit unit, std::int32_t day) noexcept {
   switch (unit) {
     case NSCalendarUnitDay:
     case NSCalendarUnitWeekday:
@@ -46,26 +47,25 @@ std::optional<DayRange> daysAround(const CalendarRules& rules, NSCalendarUnit un
       return DayRange{rules.firstDayOfWeekYear(year), rules.firstDayOfWeekYear(year + 1)};
     }
     default:
-      return std::nullopt;
+      return DayRange{0, 0};
   }
 }
 
-std::optional<InstantRange> clockRange(const CalendarRules& rules, std::int64_t size,
-                                       Instant instant) noexcept {
+InstantRange clockRange(const CalendarRules& rules, std::int64_t size, Instant instant) noexcept {
   const std::int64_t local = localSeconds(rules, instant.seconds);
   return InstantRange{{instant.seconds - civil::floorModulo(local, size), 0},
                       static_cast<double>(size)};
 }
 
-std::optional<InstantRange> nanosecondRange(Instant instant) noexcept {
+InstantRange nanosecondRange(Instant instant) noexcept {
   const double whole = static_cast<double>(static_cast<std::int64_t>(instant.fraction * 1e9));
   return InstantRange{{instant.seconds, whole * 1e-9}, 1e-9};
 }
 
 }  // namespace
 
-std::optional<InstantRange> rangeAroundInstant(const CalendarRules& rules, NSCalendarUnit unit,
-                                               Instant instant) noexcept {
+InstantRange rangeAroundInstant(const CalendarRules& rules, NSCalendarUnit unit,
+                                Instant instant) noexcept {
   switch (unit) {
     case NSCalendarUnitHour:
       return clockRange(rules, 3600, instant);
@@ -78,10 +78,10 @@ std::optional<InstantRange> rangeAroundInstant(const CalendarRules& rules, NSCal
     default:
       break;
   }
-  const auto days = daysAround(rules, unit, localDayTime(rules, instant.seconds).day);
-  if (!days) return std::nullopt;
-  const std::int64_t start = rules.zone->startInstantOfLocal(civil::joinSeconds(days->begin, 0));
-  const std::int64_t end = rules.zone->startInstantOfLocal(civil::joinSeconds(days->end, 0));
+  const DayRange days = daysAround(rules, unit, localDayTime(rules, instant.seconds).day);
+  if (!days.exists()) return InstantRange{Instant::none(), 0};
+  const std::int64_t start = rules.zone->startInstantOfLocal(civil::joinSeconds(days.begin, 0));
+  const std::int64_t end = rules.zone->startInstantOfLocal(civil::joinSeconds(days.end, 0));
   return InstantRange{{start, 0}, static_cast<double>(end - start)};
 }
 
@@ -180,8 +180,8 @@ NSRange rangeWithin(const CalendarRules& rules, NSCalendarUnit unit, NSCalendarU
   if (rung == 0 || rung >= rungOfUnit(larger)) return kNoRange;
   if (larger == NSCalendarUnitEra || rung < rungOfUnit(NSCalendarUnitDay))
     return largestRange(rules, unit);
-  const auto days = daysAround(rules, larger, localDayTime(rules, instant.seconds).day);
-  return days ? datesWithin(rules, unit, larger, *days) : kNoRange;
+  const DayRange days = daysAround(rules, larger, localDayTime(rules, instant.seconds).day);
+  return days.exists() ? datesWithin(rules, unit, larger, days) : kNoRange;
 }
 
 namespace {

@@ -12,11 +12,10 @@ struct InstantRange {
   double length;  // seconds
 };
 
-/// The unit that holds the instant; nil for a unit without a beginning and an end (an era, a mask).
-/// Days and larger units begin at the first instant of their first day.
-[[nodiscard]] std::optional<InstantRange> rangeAroundInstant(const CalendarRules& rules,
-                                                             NSCalendarUnit unit,
-                                                             Instant instant) noexcept;
+/// The unit that holds the instant; a start that does not exist for a unit without a beginning and
+/// an end (an era, a mask). Days and larger units begin at the first instant of their first day.
+[[nodiscard]] InstantRange rangeAroundInstant(const CalendarRules& rules, NSCalendarUnit unit,
+                                              Instant instant) noexcept;
 /// Location `NSNotFound` and length 0 for a pair that has no range.
 [[nodiscard]] NSRange rangeWithin(const CalendarRules& rules, NSCalendarUnit unit,
                                   NSCalendarUnit larger, Instant instant) noexcept;

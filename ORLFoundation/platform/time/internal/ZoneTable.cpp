@@ -118,14 +118,11 @@ const ZoneTable::Segment& ZoneTable::segmentOfLocalOutsideIndex(
   return *(next - 1);
 }
 
-std::int64_t ZoneTable::startInstantOfLocal(std::int64_t local) const noexcept {
-  const Segment& segment = segmentOfLocal<&Segment::firstLocal>(local);
-  const std::int64_t instant = local - segment.offset;
-  const std::int64_t change = (&segment)[1].start;
-  if (change == kEndOfTime) return instant;
+std::int64_t ZoneTable::startAtClockChange(std::int64_t local,
+                                           const Segment& segment) const noexcept {
   // In a later repetition the table's change stands whole cycles earlier.
   const std::int64_t later = cyclesPast(local - largestOffset_) * kCycle;
-  return std::min(instant, change + later);
+  return std::min(local - segment.offset, (&segment)[1].start + later);
 }
 
 std::int64_t ZoneTable::nextChangeAfter(std::int64_t instant) const noexcept {

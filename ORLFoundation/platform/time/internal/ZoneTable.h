@@ -53,7 +53,11 @@ class ZoneTable {
   }
   /// The first instant at which the local clock shows the time or a later one: the clock change
   /// itself for a time that it leaves out.
-  [[nodiscard]] std::int64_t startInstantOfLocal(std::int64_t local) const noexcept;
+  [[nodiscard]] std::int64_t startInstantOfLocal(std::int64_t local) const noexcept {
+    const Segment& segment = segmentOfLocal<&Segment::firstLocal>(local);
+    const std::int64_t instant = local - segment.offset;
+    return instant < (&segment)[1].start ? instant : startAtClockChange(local, segment);
+  }
   /// Whether the offset stays the same for `margin` seconds before and after the instant.
   [[nodiscard]] bool isSteadyAround(std::int64_t instant, std::int64_t margin) const noexcept {
     const auto place = static_cast<std::uint64_t>(instant - kIndexStart) >> kIndexShift;
@@ -87,6 +91,8 @@ class ZoneTable {
   }
   [[nodiscard]] const Segment& segmentOfLocalOutsideIndex(
       std::int64_t local, std::int64_t Segment::*begin) const noexcept;
+  [[nodiscard]] std::int64_t startAtClockChange(std::int64_t local,
+                                                const Segment& segment) const noexcept;
   [[nodiscard]] std::int64_t cyclesPast(std::int64_t time) const noexcept;
 
   std::vector<Segment> segments_;  // closed by one at the end of time
