@@ -72,6 +72,7 @@ class ORLFAmortizationPlan : public NSObject {
   [[nodiscard]] const std::vector<Segment>& segments() const noexcept;
   /// Keeps a copy of the list and links each member to this plan.
   void setSegments(std::vector<Segment> segments);
+  /// The end, exclusive; `setEndDate:` moves it without a look at the segments.
   [[nodiscard]] const std::optional<NSDate>& endDate() const noexcept;
   void setEndDate(std::optional<NSDate> endDate);
 

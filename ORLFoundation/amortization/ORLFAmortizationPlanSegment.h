@@ -146,8 +146,8 @@ class ORLFAmortizationPlanSegment : public NSObject {
   /// What is added at each contribution date; nil counts as zero.
   [[nodiscard]] const std::optional<NSDecimalNumber>& contribution() const noexcept;
   void setContribution(std::optional<NSDecimalNumber> contribution);
-  /// Unit and interval of contributions. The setter keeps `copy` of its argument, which for a
-  /// plain period is the same object.
+  /// Unit and interval of contributions. `setContributionFrequncy:` keeps `copy` of its argument,
+  /// which for a plain period is the same object.
   [[nodiscard]] const std::shared_ptr<ORLFDateRecurrencePeriod>& contributionFrequncy()
       const noexcept;
   void setContributionFrequncy(const std::shared_ptr<ORLFDateRecurrencePeriod>& frequency);
@@ -155,6 +155,7 @@ class ORLFAmortizationPlanSegment : public NSObject {
   [[nodiscard]] const std::optional<NSDecimalNumber>& anualCompoundingRate() const noexcept;
   void setAnualCompoundingRate(std::optional<NSDecimalNumber> rate);
   /// Stored and compared; projections compound once per contribution period whatever it says.
+  /// `setCompoundingFrequncy:` keeps `copy` of its argument.
   [[nodiscard]] const std::shared_ptr<ORLFDateRecurrencePeriod>& compoundingFrequncy()
       const noexcept;
   void setCompoundingFrequncy(const std::shared_ptr<ORLFDateRecurrencePeriod>& frequency);
