@@ -44,8 +44,8 @@ NSInteger shiftedWeek(const NSCalendar& calendar, NSDate yearStart, NSDate date)
 
 // The calendar year in which the shifted year ends.
 NSInteger shiftedYear(const NSCalendar& calendar, NSDate yearStart) noexcept {
-  const OptionalDate last = added(calendar, -1, NSCalendarUnitDay,
-                                  added(calendar, 1, NSCalendarUnitYear, yearStart));
+  const OptionalDate last =
+      added(calendar, -1, NSCalendarUnitDay, added(calendar, 1, NSCalendarUnitYear, yearStart));
   return last ? calendar.component(NSCalendarUnitYear, *last) : NSDateComponentUndefined;
 }
 
@@ -116,9 +116,8 @@ NSDateComponents orlfComponents(const NSCalendar& calendar, NSUInteger unitFlags
   return fields;
 }
 
-OptionalDate orlfDateByRoundingDateDownToCalendarUnit(const NSCalendar& calendar,
-                                                      OptionalDate date, NSCalendarUnit unit,
-                                                      NSInteger yearStartMonth,
+OptionalDate orlfDateByRoundingDateDownToCalendarUnit(const NSCalendar& calendar, OptionalDate date,
+                                                      NSCalendarUnit unit, NSInteger yearStartMonth,
                                                       NSInteger monthStartDay) noexcept {
   return rounded(calendar, date, unit, {yearStartMonth, monthStartDay},
                  orlfDateByRoundingDateDownToCalendarUnit);

@@ -11,14 +11,12 @@ namespace {
 using orlftest::Json;
 
 const NSCalendar& utcCalendar() {
-  static const auto calendar = orlftest::calendarFromVector(
-      Json{{"zone", "UTC"}, {"first_weekday", 1}, {"min_days", 1}});
+  static const auto calendar =
+      orlftest::calendarFromVector(Json{{"zone", "UTC"}, {"first_weekday", 1}, {"min_days", 1}});
   return *calendar;
 }
 
-NSDate day(const char* date) {
-  return *orlftest::dateFromVector(std::string(date) + "T00:00:00Z");
-}
+NSDate day(const char* date) { return *orlftest::dateFromVector(std::string(date) + "T00:00:00Z"); }
 std::string text(std::optional<NSDate> date) {
   return orlftest::vectorFromDate(date).substr(0, 10);
 }
@@ -79,9 +77,8 @@ TEST(ORLFCalendarFiscal, AgreesWithVectors) {
         [](const Json& in, const Json& out) {
           const auto dates = orlftest::datesFromVector(in.at("dates"));
           return orlftest::disagreement(
-              out.get<bool>(),
-              dateOnSameDayAsDate(*orlftest::calendarFromVector(in.at("calendar")), dates.at(0),
-                                  dates.at(1)));
+              out.get<bool>(), dateOnSameDayAsDate(*orlftest::calendarFromVector(in.at("calendar")),
+                                                   dates.at(0), dates.at(1)));
         }},
        {"dateByRoundingDownDate:toInterval:",
         [](const Json& in, const Json& out) {
@@ -105,7 +102,8 @@ TEST(ORLFCalendarFiscal, AgreesWithVectors) {
         }},
        {"orlfNameForCalendarUnit:plural:", [](const Json& in, const Json& out) {
           return orlftest::disagreement(
-              out.get<std::string>(), orlfNameForCalendarUnit(unitOf(in.at(0)), in.at(1).get<bool>()));
+              out.get<std::string>(),
+              orlfNameForCalendarUnit(unitOf(in.at(0)), in.at(1).get<bool>()));
         }}});
 }
 
@@ -123,11 +121,10 @@ const JulyYearCase kJulyYear[] = {
 
 TEST(OrlfComponents, CountsFromTheFirstOfJuly) {
   for (const JulyYearCase& row : kJulyYear) {
-    const NSDateComponents fields =
-        orlfComponents(utcCalendar(),
-                       NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitQuarter |
-                           NSCalendarUnitDay,
-                       day(row.date), 7, 1);
+    const NSDateComponents fields = orlfComponents(
+        utcCalendar(),
+        NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitQuarter | NSCalendarUnitDay,
+        day(row.date), 7, 1);
     EXPECT_EQ(fields.year(), row.year) << row.name;
     EXPECT_EQ(fields.month(), row.month) << row.name;
     EXPECT_EQ(fields.quarter(), row.quarter) << row.name;
@@ -145,22 +142,20 @@ struct RoundingCase {
 };
 const RoundingCase kRoundings[] = {
     {"Year", NSCalendarUnitYear, "2020-08-15", 7, 1, "2020-07-01", "2020-08-01"},
-    {"YearBeforeItsStartMonth", NSCalendarUnitYear, "2020-03-15", 7, 1, "2019-07-01",
-     "2019-08-01"},
+    {"YearBeforeItsStartMonth", NSCalendarUnitYear, "2020-03-15", 7, 1, "2019-07-01", "2019-08-01"},
     {"QuarterRoundsDownBothWays", NSCalendarUnitQuarter, "2020-08-15", 7, 1, "2020-07-01",
      "2020-07-01"},
-    {"MonthTakesItsStartDayInTheDatesMonth", NSCalendarUnitMonth, "2020-08-05", 7, 10,
-     "2020-08-10", "2020-09-10"},
+    {"MonthTakesItsStartDayInTheDatesMonth", NSCalendarUnitMonth, "2020-08-05", 7, 10, "2020-08-10",
+     "2020-09-10"},
     {"DayRoundsPlainly", NSCalendarUnitDay, "2020-08-05", 7, 10, "2020-08-05", "2020-08-05"},
 };
 
 TEST(OrlfDateByRoundingDateToFiscalUnit, MatchesTable) {
   for (const RoundingCase& row : kRoundings) {
-    const auto down =
-        orlfDateByRoundingDateDownToCalendarUnit(utcCalendar(), day(row.date), row.unit,
-                                                 row.yearStartMonth, row.monthStartDay);
-    const auto up = orlfDateByRoundingDateUpToCalendarUnit(
+    const auto down = orlfDateByRoundingDateDownToCalendarUnit(
         utcCalendar(), day(row.date), row.unit, row.yearStartMonth, row.monthStartDay);
+    const auto up = orlfDateByRoundingDateUpToCalendarUnit(utcCalendar(), day(row.date), row.unit,
+                                                           row.yearStartMonth, row.monthStartDay);
     EXPECT_EQ(text(down), row.down) << row.name;
     EXPECT_EQ(text(up), row.up) << row.name;
   }
@@ -179,15 +174,15 @@ TEST(OrlfDateByRoundingDateToFiscalUnit, QuarterUpIsQuarterDownOnEveryDayOfAYear
     for (const NSInteger start : {1, 4, 7, 10, 12})
       EXPECT_EQ(orlfDateByRoundingDateUpToCalendarUnit(utcCalendar(), date, NSCalendarUnitQuarter,
                                                        start, 1),
-                orlfDateByRoundingDateDownToCalendarUnit(utcCalendar(), date,
-                                                         NSCalendarUnitQuarter, start, 1));
+                orlfDateByRoundingDateDownToCalendarUnit(utcCalendar(), date, NSCalendarUnitQuarter,
+                                                         start, 1));
     date = *utcCalendar().dateByAddingUnit(NSCalendarUnitDay, 1, date, 0);
   }
 }
 
 TEST(DateByRoundingDownDate, WeeksBeginOnSundayWhateverTheCalendarSays) {
-  const auto monday = orlftest::calendarFromVector(
-      Json{{"zone", "UTC"}, {"first_weekday", 2}, {"min_days", 4}});
+  const auto monday =
+      orlftest::calendarFromVector(Json{{"zone", "UTC"}, {"first_weekday", 2}, {"min_days", 4}});
   EXPECT_EQ(text(dateByRoundingDownDate(*monday, day("2024-05-15"), ORLFCalendarIntervalWeek)),
             "2024-05-12");
 }
@@ -213,9 +208,12 @@ struct AddingCase {
   const char* date;
 };
 const AddingCase kAddings[] = {
-    {ORLFCalendarIntervalWeek, 2, "2024-02-14"},    {ORLFCalendarIntervalTwoWeeks, 2, "2024-02-28"},
-    {ORLFCalendarIntervalMonth, 1, "2024-02-29"},   {ORLFCalendarIntervalQuarter, 1, "2024-04-30"},
-    {ORLFCalendarIntervalYear, -1, "2023-01-31"},   {ORLFCalendarIntervalDay, 30, "2024-03-01"},
+    {ORLFCalendarIntervalWeek, 2, "2024-02-14"},
+    {ORLFCalendarIntervalTwoWeeks, 2, "2024-02-28"},
+    {ORLFCalendarIntervalMonth, 1, "2024-02-29"},
+    {ORLFCalendarIntervalQuarter, 1, "2024-04-30"},
+    {ORLFCalendarIntervalYear, -1, "2023-01-31"},
+    {ORLFCalendarIntervalDay, 30, "2024-03-01"},
     {static_cast<ORLFCalendarInterval>(9), 5, "2024-01-31"},
 };
 

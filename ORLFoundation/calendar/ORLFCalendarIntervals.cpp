@@ -32,14 +32,12 @@ constexpr IntervalRow kIntervals[] = {
 
 const IntervalRow* rowOf(ORLFCalendarInterval interval) noexcept {
   const auto index = static_cast<std::int32_t>(interval);
-  return index >= 0 && index < static_cast<std::int32_t>(std::size(kIntervals))
-             ? &kIntervals[index]
-             : nullptr;
+  return index >= 0 && index < static_cast<std::int32_t>(std::size(kIntervals)) ? &kIntervals[index]
+                                                                                : nullptr;
 }
 
 // Midnight of the Sunday on or before the date, or one week earlier still.
-std::optional<NSDate> startOfWeek(const NSCalendar& calendar, NSDate date,
-                                  bool twoWeeks) noexcept {
+std::optional<NSDate> startOfWeek(const NSCalendar& calendar, NSDate date, bool twoWeeks) noexcept {
   const NSDateComponents fields =
       calendar.components(NSCalendarUnitWeekday | NSCalendarUnitWeek, date);
   NSDateComponents step;
@@ -122,8 +120,7 @@ NSInteger numberOfIntervals(const NSCalendar& calendar, ORLFCalendarInterval int
   return count == NSDateComponentUndefined ? 0 : count / row->countedPerInterval;
 }
 
-bool dateOnSameDayAsDate(const NSCalendar& calendar, NSDate date,
-                         NSDate onSameDayAsDate) noexcept {
+bool dateOnSameDayAsDate(const NSCalendar& calendar, NSDate date, NSDate onSameDayAsDate) noexcept {
   return calendar.components(kDayFields, date) == calendar.components(kDayFields, onSameDayAsDate);
 }
 

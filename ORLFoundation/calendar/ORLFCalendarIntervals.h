@@ -38,9 +38,8 @@ enum ORLFCalendarInterval : std::int32_t {
                                                          ORLFCalendarInterval interval,
                                                          NSInteger count, NSDate toDate) noexcept;
 /// `numberOfIntervals:fromDate:toDate:`  Whole ones, truncated toward zero; 0 outside the set.
-[[nodiscard]] NSInteger numberOfIntervals(const NSCalendar& calendar,
-                                          ORLFCalendarInterval interval, NSDate fromDate,
-                                          NSDate toDate) noexcept;
+[[nodiscard]] NSInteger numberOfIntervals(const NSCalendar& calendar, ORLFCalendarInterval interval,
+                                          NSDate fromDate, NSDate toDate) noexcept;
 /// `date:onSameDayAsDate:`
 [[nodiscard]] bool dateOnSameDayAsDate(const NSCalendar& calendar, NSDate date,
                                        NSDate onSameDayAsDate) noexcept;

@@ -56,12 +56,9 @@ struct UnitWord {
   const char *single, *plural;
 };
 constexpr UnitWord kWords[] = {
-    {NSCalendarUnitYear, "year", "years"},
-    {NSCalendarUnitMonth, "month", "months"},
-    {NSCalendarUnitWeek, "week", "weeks"},
-    {NSCalendarUnitWeekOfMonth, "week", "weeks"},
-    {NSCalendarUnitWeekOfYear, "week", "weeks"},
-    {NSCalendarUnitQuarter, "quarter", "quarters"},
+    {NSCalendarUnitYear, "year", "years"},       {NSCalendarUnitMonth, "month", "months"},
+    {NSCalendarUnitWeek, "week", "weeks"},       {NSCalendarUnitWeekOfMonth, "week", "weeks"},
+    {NSCalendarUnitWeekOfYear, "week", "weeks"}, {NSCalendarUnitQuarter, "quarter", "quarters"},
 };
 
 }  // namespace
@@ -84,11 +81,16 @@ double orlfMaximumValueOfUnit(const NSCalendar& calendar, NSCalendarUnit unit,
       const NSRange days = calendar.rangeOfUnit(NSCalendarUnitDay, NSCalendarUnitMonth, *forDate);
       return divided(length, static_cast<double>(days.length) * seconds.day);
     }
-    case NSCalendarUnitDay: return divided(length, seconds.day);
-    case NSCalendarUnitHour: return divided(length, seconds.hour);
-    case NSCalendarUnitMinute: return divided(length, seconds.minute);
-    case NSCalendarUnitSecond: return length;
-    default: return 0;
+    case NSCalendarUnitDay:
+      return divided(length, seconds.day);
+    case NSCalendarUnitHour:
+      return divided(length, seconds.hour);
+    case NSCalendarUnitMinute:
+      return divided(length, seconds.minute);
+    case NSCalendarUnitSecond:
+      return length;
+    default:
+      return 0;
   }
 }
 

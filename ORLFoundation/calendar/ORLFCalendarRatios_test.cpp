@@ -40,18 +40,18 @@ TEST(OrlfMaximumValueOfUnit, DividesLengths) {
 }
 
 TEST(OrlfMaximumValueOfUnit, IsZeroForNilAndForUnitsWithoutARange) {
-  EXPECT_EQ(orlfMaximumValueOfUnit(utcCalendar(), NSCalendarUnitDay, NSCalendarUnitYear,
-                                   std::nullopt),
-            0);
-  EXPECT_EQ(orlfMaximumValueOfUnit(utcCalendar(), NSCalendarUnitDay,
-                                   static_cast<NSCalendarUnit>(0), january2024()),
+  EXPECT_EQ(
+      orlfMaximumValueOfUnit(utcCalendar(), NSCalendarUnitDay, NSCalendarUnitYear, std::nullopt),
+      0);
+  EXPECT_EQ(orlfMaximumValueOfUnit(utcCalendar(), NSCalendarUnitDay, static_cast<NSCalendarUnit>(0),
+                                   january2024()),
             0);
 }
 
 TEST(OrlfRatioOfCalendarUnit, RoundsEachSideUpFirst) {
-  EXPECT_EQ(orlfRatioOfCalendarUnit(utcCalendar(), NSCalendarUnitDay, NSCalendarUnitMonth,
-                                    january2024()),
-            30.5);
+  EXPECT_EQ(
+      orlfRatioOfCalendarUnit(utcCalendar(), NSCalendarUnitDay, NSCalendarUnitMonth, january2024()),
+      30.5);
   const auto january2023 = orlftest::dateFromVector("2023-01-20T12:00:00Z");
   EXPECT_EQ(orlfRatioOfCalendarUnit(utcCalendar(), NSCalendarUnitMonth, NSCalendarUnitQuarter,
                                     january2023),
@@ -62,9 +62,9 @@ TEST(OrlfRatioOfCalendarUnit, IsZeroWhereASideIs) {
   EXPECT_EQ(orlfRatioOfCalendarUnit(utcCalendar(), NSCalendarUnitDay, NSCalendarUnitWeekday,
                                     january2024()),
             0);
-  EXPECT_EQ(orlfRatioOfCalendarUnit(utcCalendar(), NSCalendarUnitDay, NSCalendarUnitMonth,
-                                    std::nullopt),
-            0);
+  EXPECT_EQ(
+      orlfRatioOfCalendarUnit(utcCalendar(), NSCalendarUnitDay, NSCalendarUnitMonth, std::nullopt),
+      0);
 }
 
 struct NameCase {
@@ -72,14 +72,10 @@ struct NameCase {
   const char *single, *plural;
 };
 const NameCase kNames[] = {
-    {NSCalendarUnitYear, "year", "years"},
-    {NSCalendarUnitMonth, "month", "months"},
-    {NSCalendarUnitWeek, "week", "weeks"},
-    {NSCalendarUnitWeekOfMonth, "week", "weeks"},
-    {NSCalendarUnitWeekOfYear, "week", "weeks"},
-    {NSCalendarUnitQuarter, "quarter", "quarters"},
-    {NSCalendarUnitDay, "unknown", "unknown"},
-    {NSCalendarUnitEra, "unknown", "unknown"},
+    {NSCalendarUnitYear, "year", "years"},       {NSCalendarUnitMonth, "month", "months"},
+    {NSCalendarUnitWeek, "week", "weeks"},       {NSCalendarUnitWeekOfMonth, "week", "weeks"},
+    {NSCalendarUnitWeekOfYear, "week", "weeks"}, {NSCalendarUnitQuarter, "quarter", "quarters"},
+    {NSCalendarUnitDay, "unknown", "unknown"},   {NSCalendarUnitEra, "unknown", "unknown"},
 };
 
 TEST(OrlfNameForCalendarUnit, MatchesTable) {

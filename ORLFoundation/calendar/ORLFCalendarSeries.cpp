@@ -26,8 +26,8 @@ class SeriesWalk {
 
   std::optional<NSDate> next() {
     if (__builtin_add_overflow(offset_, step_, &offset_)) return std::nullopt;
-    const auto date = orlfDateByAddingInterval(calendar_, offset_, events_.unit,
-                                               events_.anchoredOnEventDate);
+    const auto date =
+        orlfDateByAddingInterval(calendar_, offset_, events_.unit, events_.anchoredOnEventDate);
     if (!date || date->isEqualToDate(last_)) return std::nullopt;
     last_ = *date;
     return date;

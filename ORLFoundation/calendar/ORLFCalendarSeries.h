@@ -15,9 +15,9 @@ struct ORLFRepeatingEvents {
   /// Units between two events. Its sign has no meaning; 0 is the anchor alone.
   NSInteger multiplier = 1;
   NSDate anchoredOnEventDate;
-  std::optional<NSDate> fromDate;
+  std::optional<NSDate> fromDate = std::nullopt;
   /// nil is the current instant.
-  std::optional<NSDate> toDate;
+  std::optional<NSDate> toDate = std::nullopt;
   /// Whether an event on `toDate` itself belongs to the list; one on `fromDate` always does.
   bool inclusive = false;
 };

@@ -14,9 +14,7 @@ NSCalendarUnit unitOf(const Json& code) {
   return static_cast<NSCalendarUnit>(code.get<NSUInteger>());
 }
 
-NSDate day(const char* date) {
-  return *orlftest::dateFromVector(std::string(date) + "T00:00:00Z");
-}
+NSDate day(const char* date) { return *orlftest::dateFromVector(std::string(date) + "T00:00:00Z"); }
 
 std::vector<std::string> texts(const std::vector<NSDate>& dates) {
   std::vector<std::string> list;
@@ -26,8 +24,8 @@ std::vector<std::string> texts(const std::vector<NSDate>& dates) {
 using Texts = std::vector<std::string>;
 
 const NSCalendar& utcCalendar() {
-  static const auto calendar = orlftest::calendarFromVector(
-      Json{{"zone", "UTC"}, {"first_weekday", 1}, {"min_days", 1}});
+  static const auto calendar =
+      orlftest::calendarFromVector(Json{{"zone", "UTC"}, {"first_weekday", 1}, {"min_days", 1}});
   return *calendar;
 }
 
@@ -51,14 +49,13 @@ TEST(ORLFCalendarSeries, AgreesWithVectors) {
     const auto calendar = orlftest::calendarFromVector(in.at("calendar"));
     return orlftest::disagreement(
         orlftest::datesFromVector(out),
-        orlfDatesAtInterval(*calendar,
-                            {.interval = in.at("interval").get<NSInteger>(),
-                             .inAligned = in.at("aligned").get<bool>(),
-                             .calendarUnit = unitOf(in.at("unit")),
-                             .firstDate = *orlftest::dateFromVector(in.at("first")),
-                             .secondDate = *orlftest::dateFromVector(in.at("second")),
-                             .startingWithFirst = in.at("startingWithFirst").get<bool>(),
-                             .sortAscending = in.at("ascending").get<bool>()}));
+        orlfDatesAtInterval(*calendar, {.interval = in.at("interval").get<NSInteger>(),
+                                        .inAligned = in.at("aligned").get<bool>(),
+                                        .calendarUnit = unitOf(in.at("unit")),
+                                        .firstDate = *orlftest::dateFromVector(in.at("first")),
+                                        .secondDate = *orlftest::dateFromVector(in.at("second")),
+                                        .startingWithFirst = in.at("startingWithFirst").get<bool>(),
+                                        .sortAscending = in.at("ascending").get<bool>()}));
   };
   const auto ratio = [](auto operation) {
     return [operation](const Json& in, const Json& out) {
@@ -83,22 +80,54 @@ struct MonthlyCase {
   Texts dates;
 };
 const MonthlyCase kMonthlyCases[] = {
-    {"AnchorInRangeCountsFromTheAnchorNotFromTheDateBefore", "2024-01-31", "2023-11-30",
-     "2024-04-30", false, {"2023-11-30", "2023-12-31", "2024-01-31", "2024-02-29", "2024-03-31"}},
-    {"StartOfTheRangeIsAlwaysTaken", "2024-01-15", "2024-01-15", "2024-03-15", false,
+    {"AnchorInRangeCountsFromTheAnchorNotFromTheDateBefore",
+     "2024-01-31",
+     "2023-11-30",
+     "2024-04-30",
+     false,
+     {"2023-11-30", "2023-12-31", "2024-01-31", "2024-02-29", "2024-03-31"}},
+    {"StartOfTheRangeIsAlwaysTaken",
+     "2024-01-15",
+     "2024-01-15",
+     "2024-03-15",
+     false,
      {"2024-01-15", "2024-02-15"}},
-    {"InclusiveTakesTheEndToo", "2024-01-15", "2024-01-15", "2024-03-15", true,
+    {"InclusiveTakesTheEndToo",
+     "2024-01-15",
+     "2024-01-15",
+     "2024-03-15",
+     true,
      {"2024-01-15", "2024-02-15", "2024-03-15"}},
-    {"AnchorBeforeTheRange", "2020-01-31", "2024-02-01", "2024-04-30", true,
+    {"AnchorBeforeTheRange",
+     "2020-01-31",
+     "2024-02-01",
+     "2024-04-30",
+     true,
      {"2024-02-29", "2024-03-31", "2024-04-30"}},
-    {"AnchorBeforeTheRangeLeavesOutTheEnd", "2020-01-31", "2024-02-01", "2024-04-30", false,
+    {"AnchorBeforeTheRangeLeavesOutTheEnd",
+     "2020-01-31",
+     "2024-02-01",
+     "2024-04-30",
+     false,
      {"2024-02-29", "2024-03-31"}},
-    {"AnchorAfterTheRange", "2025-01-31", "2024-02-29", "2024-04-30", true,
+    {"AnchorAfterTheRange",
+     "2025-01-31",
+     "2024-02-29",
+     "2024-04-30",
+     true,
      {"2024-02-29", "2024-03-31", "2024-04-30"}},
-    {"AnchorAfterTheRangeLeavesOutTheEnd", "2025-01-31", "2024-02-29", "2024-04-30", false,
+    {"AnchorAfterTheRangeLeavesOutTheEnd",
+     "2025-01-31",
+     "2024-02-29",
+     "2024-04-30",
+     false,
      {"2024-02-29", "2024-03-31"}},
     {"AnchorOnAnInclusiveEndGivesNothing", "2024-04-30", "2024-01-01", "2024-04-30", true, {}},
-    {"AnchorOnAnExclusiveEndGivesTheEarlierOnes", "2024-04-30", "2024-02-01", "2024-04-30", false,
+    {"AnchorOnAnExclusiveEndGivesTheEarlierOnes",
+     "2024-04-30",
+     "2024-02-01",
+     "2024-04-30",
+     false,
      {"2024-02-29", "2024-03-30"}},
 };
 
@@ -128,12 +157,12 @@ TEST(OrlfDatesOfEventsRepeating, NilStartFailsItsConditionAndGivesNil) {
 TEST(OrlfDatesOfEventsRepeating, RangeThatRunsBackwardFailsItsConditionAndIsEmpty) {
   for (const char* anchor : {"2024-01-01", "2024-02-15", "2024-06-01"}) {
     const LogCapture log;
-    const auto dates = orlfDatesOfEventsRepeatingWithUnit(
-        utcCalendar(), {.unit = NSCalendarUnitMonth,
-                        .anchoredOnEventDate = day(anchor),
-                        .fromDate = day("2024-03-01"),
-                        .toDate = day("2024-02-01"),
-                        .inclusive = true});
+    const auto dates =
+        orlfDatesOfEventsRepeatingWithUnit(utcCalendar(), {.unit = NSCalendarUnitMonth,
+                                                           .anchoredOnEventDate = day(anchor),
+                                                           .fromDate = day("2024-03-01"),
+                                                           .toDate = day("2024-02-01"),
+                                                           .inclusive = true});
     ASSERT_TRUE(dates);
     EXPECT_EQ(*dates, std::vector<NSDate>()) << anchor;
     EXPECT_EQ(log.lines(), Texts{"Condition Failed: [fromDate compare:toDate] != "
@@ -143,10 +172,10 @@ TEST(OrlfDatesOfEventsRepeating, RangeThatRunsBackwardFailsItsConditionAndIsEmpt
 
 TEST(OrlfDatesOfEventsRepeating, NilEndIsTheCurrentInstant) {
   NSDate::setClock([] { return day("2024-03-02"); });
-  const auto dates = orlfDatesOfEventsRepeatingWithUnit(
-      utcCalendar(), {.unit = NSCalendarUnitMonth,
-                      .anchoredOnEventDate = day("2024-01-01"),
-                      .fromDate = day("2024-01-01")});
+  const auto dates =
+      orlfDatesOfEventsRepeatingWithUnit(utcCalendar(), {.unit = NSCalendarUnitMonth,
+                                                         .anchoredOnEventDate = day("2024-01-01"),
+                                                         .fromDate = day("2024-01-01")});
   NSDate::setClock({});
   EXPECT_EQ(texts(*dates), (Texts{"2024-01-01", "2024-02-01", "2024-03-01"}));
 }
@@ -157,13 +186,11 @@ TEST(OrlfDatesOfEventsRepeating, StepsThatDoNotMoveEnd) {
                                    .anchoredOnEventDate = day("2024-01-15"),
                                    .fromDate = day("2024-01-01"),
                                    .toDate = day("2025-01-01")};
-  EXPECT_EQ(texts(*orlfDatesOfEventsRepeatingWithUnit(utcCalendar(), events)),
-            Texts{"2024-01-15"});
+  EXPECT_EQ(texts(*orlfDatesOfEventsRepeatingWithUnit(utcCalendar(), events)), Texts{"2024-01-15"});
   ORLFRepeatingEvents noUnit = events;
   noUnit.multiplier = 1;
   noUnit.unit = static_cast<NSCalendarUnit>(28);
-  EXPECT_EQ(texts(*orlfDatesOfEventsRepeatingWithUnit(utcCalendar(), noUnit)),
-            Texts{"2024-01-15"});
+  EXPECT_EQ(texts(*orlfDatesOfEventsRepeatingWithUnit(utcCalendar(), noUnit)), Texts{"2024-01-15"});
   ORLFRepeatingEvents extreme = events;
   extreme.multiplier = NSIntegerMin;
   EXPECT_EQ(texts(*orlfDatesOfEventsRepeatingWithUnit(utcCalendar(), extreme)),
@@ -181,21 +208,29 @@ TEST(OrlfDatesAtInterval, MatchesTable) {
   const NSDate january = day("2024-01-15");
   const NSDate march = day("2024-03-10");
   const SteppedCase cases[] = {
-      {"OverrunsTheLimitByOneStep", {1, false, month, january, march, true, true},
+      {"OverrunsTheLimitByOneStep",
+       {1, false, month, january, march, true, true},
        {"2024-01-15", "2024-02-15", "2024-03-15"}},
-      {"StepsBackFromTheSecondDate", {1, false, month, january, march, false, true},
+      {"StepsBackFromTheSecondDate",
+       {1, false, month, january, march, false, true},
        {"2024-01-10", "2024-02-10", "2024-03-10"}},
-      {"SortsDescending", {1, false, month, january, march, true, false},
+      {"SortsDescending",
+       {1, false, month, january, march, true, false},
        {"2024-03-15", "2024-02-15", "2024-01-15"}},
-      {"AlignsForwardAfterTheStep", {1, true, month, january, march, true, true},
+      {"AlignsForwardAfterTheStep",
+       {1, true, month, january, march, true, true},
        {"2024-01-15", "2024-02-01", "2024-03-01", "2024-04-01"}},
-      {"AlignsBackwardBeforeItSteps", {1, true, month, january, march, false, true},
+      {"AlignsBackwardBeforeItSteps",
+       {1, true, month, january, march, false, true},
        {"2024-01-01", "2024-02-01", "2024-03-01", "2024-03-10"}},
-      {"EqualDatesGiveTwo", {1, false, month, january, january, true, true},
+      {"EqualDatesGiveTwo",
+       {1, false, month, january, january, true, true},
        {"2024-01-15", "2024-02-15"}},
-      {"IntervalOfZeroGivesTwoEqualDates", {0, false, month, january, march, true, true},
+      {"IntervalOfZeroGivesTwoEqualDates",
+       {0, false, month, january, march, true, true},
        {"2024-01-15", "2024-01-15"}},
-      {"StepsThatLeadAwayEnd", {-1, false, month, january, march, true, true},
+      {"StepsThatLeadAwayEnd",
+       {-1, false, month, january, march, true, true},
        {"2023-12-15", "2024-01-15"}},
   };
   for (const SteppedCase& row : cases)
