@@ -29,8 +29,7 @@ std::optional<NSInteger> stepOf(const ORLFDateRecurrenceRule& rule, bool backwar
 
 ORLFDateWalk::ORLFDateWalk(const ORLFDateRecurrenceRule& rule,
                            const ORLFDateRecurrenceRule::EnumerateDatesStartDate& arguments)
-    : rule_(rule),
-      arguments_(arguments),
+    : arguments_(arguments),
       unit_(unitOf(rule)),
       step_(stepOf(rule, arguments.backwards)),
       simple_(rule.isSimpleRecurrence()),

@@ -34,7 +34,6 @@ class ORLFDateWalk {
   void keepDatesInWindow(const Dates& dates, NSDate next);
   void deliver();
 
-  const ORLFDateRecurrenceRule& rule_;
   const ORLFDateRecurrenceRule::EnumerateDatesStartDate& arguments_;
   NSCalendarUnit unit_;
   std::optional<NSInteger> step_;
