@@ -10,6 +10,10 @@
 namespace ORLFoundation {
 namespace {
 
+constexpr NSUInteger kDayAndWeekUnits =
+    NSCalendarUnitDay | NSCalendarUnitWeekday | NSCalendarUnitWeekdayOrdinal |
+    NSCalendarUnitWeekOfMonth | NSCalendarUnitWeekOfYear | NSCalendarUnitWeek;
+
 NSDate notADate() noexcept { return dateFromInstant(Instant::none()); }
 
 }  // namespace
@@ -75,10 +79,12 @@ NSInteger NSCalendar::component(NSCalendarUnit unit, NSDate fromDate) const noex
 }
 
 NSDateComponents NSCalendar::components(NSUInteger unitFlags, NSDate fromDate, NSDate toDate,
-                                        NSUInteger /*options*/) const noexcept {
+                                        NSUInteger options) const noexcept {
   Instant from;
   Instant to;
   if (!splitDate(fromDate, from) || !splitDate(toDate, to)) return {};
+  if ((options & NSCalendarWrapComponents) != 0 && (unitFlags & ~kDayAndWeekUnits) == 0)
+    to = withoutSkippedDays(rules_, from, to);
   return differenceOfInstants(rules_, unitFlags, from, to);
 }
 

@@ -267,6 +267,12 @@ NSDateComponents differenceOfInstants(const CalendarRules& rules, NSUInteger mas
   return result;
 }
 
+Instant withoutSkippedDays(const CalendarRules& rules, Instant from, Instant to) noexcept {
+  const std::int64_t days = (rules.zone->offsetAt(to.seconds) - rules.zone->offsetAt(from.seconds)) /
+                            civil::kSecondsPerDay;
+  return {to.seconds - days * civil::kSecondsPerDay, to.fraction};
+}
+
 namespace {
 
 Instant replaceLocal(const CalendarRules& rules, std::int64_t local, Instant to) noexcept {

@@ -26,4 +26,9 @@ namespace ORLFoundation {
 [[nodiscard]] NSDateComponents differenceOfInstants(const CalendarRules& rules, NSUInteger mask,
                                                     Instant from, Instant to) noexcept;
 
+/// The second instant less the days that the zone's clock left out whole between both (Apia's 30
+/// December 2011), so that a difference in days and weeks counts only days that there were.
+[[nodiscard]] Instant withoutSkippedDays(const CalendarRules& rules, Instant from,
+                                         Instant to) noexcept;
+
 }  // namespace ORLFoundation

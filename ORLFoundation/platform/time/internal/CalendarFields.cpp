@@ -20,10 +20,12 @@ NSInteger nanosecondsOf(double fraction) noexcept { return static_cast<NSInteger
 
 void setTimeFields(NSDateComponents& fields, NSUInteger mask, std::int32_t secondOfDay,
                    double fraction) noexcept {
-  const auto second = static_cast<std::uint32_t>(secondOfDay);
-  if (mask & NSCalendarUnitHour) fields.setHour(second / 3600);
-  if (mask & NSCalendarUnitMinute) fields.setMinute(second / 60 % 60);
-  if (mask & NSCalendarUnitSecond) fields.setSecond(second % 60);
+  const std::uint32_t second = static_cast<std::uint32_t>(secondOfDay);
+  const std::uint32_t minute = second / 60;
+  const std::uint32_t hour = minute / 60;
+  if (mask & NSCalendarUnitHour) fields.setHour(hour);
+  if (mask & NSCalendarUnitMinute) fields.setMinute(minute - hour * 60);
+  if (mask & NSCalendarUnitSecond) fields.setSecond(second - minute * 60);
   if (mask & NSCalendarUnitNanosecond) fields.setNanosecond(nanosecondsOf(fraction));
 }
 

@@ -1,0 +1,229 @@
+// Ranges of units, the search for matching dates, and the setting of one unit.
+#include <ORLFoundation/platform/time/NSCalendar.h>
+#include <gtest/gtest.h>
+#include <tests/support/VectorCodec.h>
+
+#include <string>
+
+namespace ORLFoundation {
+namespace {
+
+using orlftest::componentsFromVector;
+using orlftest::vectorFromDate;
+
+std::shared_ptr<NSCalendar> calendarIn(const char* zone, NSInteger firstWeekday = 1,
+                                       NSInteger minimumDays = 1) {
+  const auto calendar = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian);
+  calendar->setTimeZone(NSTimeZone::timeZoneWithName(zone));
+  calendar->setFirstWeekday(firstWeekday);
+  calendar->setMinimumDaysInFirstWeek(minimumDays);
+  return calendar;
+}
+
+NSDate date(const char* text) { return orlftest::dateFromVector(text).value(); }
+
+// ---------------------------------------------------------------- ranges
+
+TEST(NSCalendar, BeginsADayAtItsFirstInstant) {
+  const struct {
+    const char* zone;
+    const char* date;
+    const char* start;
+    double hours;
+  } rows[] = {
+      {"America/New_York", "2024-03-10T12:00:00Z", "2024-03-10T05:00:00Z", 23},
+      {"America/New_York", "2024-11-03T12:00:00Z", "2024-11-03T04:00:00Z", 25},
+      {"America/Sao_Paulo", "2017-10-15T12:00:00Z", "2017-10-15T03:00:00Z", 23},
+      {"Australia/Lord_Howe", "2024-10-05T20:00:00Z", "2024-10-05T13:30:00Z", 23.5},
+      {"Pacific/Apia", "2011-12-30T05:00:00Z", "2011-12-29T10:00:00Z", 24},
+      {"Pacific/Apia", "2011-12-30T15:00:00Z", "2011-12-30T10:00:00Z", 24},
+  };
+  for (const auto& row : rows) {
+    NSDate start;
+    NSTimeInterval interval = 0;
+    ASSERT_TRUE(
+        calendarIn(row.zone)->rangeOfUnit(NSCalendarUnitDay, &start, &interval, date(row.date)));
+    EXPECT_EQ(vectorFromDate(start), row.start);
+    EXPECT_EQ(interval, row.hours * 3600) << row.start;
+  }
+}
+
+TEST(NSCalendar, HasNoRangeOfErasAndMasksAndLeavesBothOutputs) {
+  const auto calendar = calendarIn("UTC");
+  for (const NSUInteger unit : std::initializer_list<NSUInteger>{0, 1, 2, 12, 65536}) {
+    NSDate start = date("1999-01-01T00:00:00Z");
+    NSTimeInterval interval = -5;
+    EXPECT_FALSE(calendar->rangeOfUnit(static_cast<NSCalendarUnit>(unit), &start, &interval,
+                                       date("2024-03-10T12:00:00Z")));
+    EXPECT_EQ(vectorFromDate(start), "1999-01-01T00:00:00Z");
+    EXPECT_EQ(interval, -5);
+  }
+}
+
+TEST(NSCalendar, LeavesOutRangeOutputsThatAreNotWanted) {
+  const auto calendar = calendarIn("UTC");
+  NSDate start;
+  NSTimeInterval interval = 0;
+  const NSDate at = date("2024-03-10T12:00:00.500Z");
+  EXPECT_TRUE(calendar->rangeOfUnit(NSCalendarUnitMonth, nullptr, nullptr, at));
+  EXPECT_TRUE(calendar->rangeOfUnit(NSCalendarUnitMonth, &start, nullptr, at));
+  EXPECT_TRUE(calendar->rangeOfUnit(NSCalendarUnitMonth, nullptr, &interval, at));
+  EXPECT_EQ(vectorFromDate(start), "2024-03-01T00:00:00Z");
+  EXPECT_EQ(interval, 31 * 86400.0);
+  EXPECT_TRUE(calendar->rangeOfUnit(NSCalendarUnitSecond, &start, &interval, at));
+  EXPECT_EQ(vectorFromDate(start), "2024-03-10T12:00:00Z");
+  EXPECT_EQ(interval, 1);
+  EXPECT_TRUE(calendar->rangeOfUnit(NSCalendarUnitWeek, &start, &interval, at));
+  EXPECT_EQ(vectorFromDate(start), "2024-03-10T00:00:00Z");
+  EXPECT_EQ(interval, 7 * 86400.0);
+}
+
+struct RangeCase {
+  NSUInteger unit;
+  NSUInteger larger;
+  const char* date;
+  NSRange range;
+};
+constexpr NSUInteger kNone = 9223372036854775807;
+const RangeCase kRangeCases[] = {
+    {16, 8, "2024-02-10T00:00:00Z", {1, 29}},    {16, 4, "2024-02-10T00:00:00Z", {1, 366}},
+    {1024, 8, "2023-02-10T00:00:00Z", {1, 4}},   {1024, 8, "2024-02-10T00:00:00Z", {1, 5}},
+    {8, 4, "2024-02-10T00:00:00Z", {1, 12}},     {8, 2048, "2024-05-10T00:00:00Z", {4, 3}},
+    {2048, 4, "2024-05-10T00:00:00Z", {1, 4}},   {512, 8192, "2024-05-10T00:00:00Z", {1, 7}},
+    {32, 16, "2024-03-10T12:00:00Z", {0, 24}},   {64, 32, "2024-03-10T12:00:00Z", {0, 60}},
+    {8192, 4, "2024-05-10T00:00:00Z", {1, 53}},  {256, 4, "2024-05-10T00:00:00Z", {1, 53}},
+    {8192, 4, "2028-05-10T00:00:00Z", {1, 54}},  {4096, 8, "2024-06-10T00:00:00Z", {1, 6}},
+    {16, 2048, "2024-05-10T00:00:00Z", {1, 91}}, {16, 2, "2024-05-10T00:00:00Z", {1, 31}},
+    {4, 8, "2024-05-10T00:00:00Z", {kNone, 0}},  {16, 16, "2024-05-10T00:00:00Z", {kNone, 0}},
+    {12, 2, "2024-05-10T00:00:00Z", {kNone, 0}}, {8, 24, "2024-05-10T00:00:00Z", {kNone, 0}},
+};
+
+TEST(NSCalendar, TellsTheRangeOfAUnitInALargerOne) {
+  const auto calendar = calendarIn("UTC");
+  for (const RangeCase& row : kRangeCases) {
+    const NSRange range =
+        calendar->rangeOfUnit(static_cast<NSCalendarUnit>(row.unit),
+                              static_cast<NSCalendarUnit>(row.larger), date(row.date));
+    EXPECT_EQ(range.location, row.range.location) << row.unit << " in " << row.larger;
+    EXPECT_EQ(range.length, row.range.length) << row.unit << " in " << row.larger;
+  }
+}
+
+TEST(NSCalendar, TellsTheLargestRangeOfEveryUnit) {
+  const auto calendar = calendarIn("UTC");
+  const struct {
+    NSUInteger unit;
+    NSRange range;
+  } rows[] = {{8, {1, 12}},   {16, {1, 31}},  {32, {0, 24}},   {64, {0, 60}},
+              {128, {0, 60}}, {512, {1, 7}},  {1024, {1, 5}},  {2048, {1, 4}},
+              {256, {1, 53}}, {4096, {1, 6}}, {8192, {1, 53}}, {32768, {0, 1'000'000'000}}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(calendar->maximumRangeOfUnit(static_cast<NSCalendarUnit>(row.unit)), row.range)
+        << row.unit;
+  }
+  for (const NSUInteger unit : std::initializer_list<NSUInteger>{0, 1, 12, 65536}) {
+    EXPECT_EQ(calendar->maximumRangeOfUnit(static_cast<NSCalendarUnit>(unit)).length, 0) << unit;
+    EXPECT_EQ(calendar->minimumRangeOfUnit(static_cast<NSCalendarUnit>(unit)).length, 0) << unit;
+  }
+}
+
+// ---------------------------------------------------------------- search and setting
+
+struct SearchCase {
+  const char* name;
+  const char* zone;
+  NSUInteger options;
+  const char* components;
+  const char* from;
+  const char* found;
+};
+const SearchCase kSearchCases[] = {
+    {"MonthAlone", "UTC", 6, "month=2", "2024-01-15T00:00:00Z", "2023-02-01T00:00:00Z"},
+    {"StartOfTheMatchItself", "UTC", 6, "weekday=2", "2024-01-15T12:00:00Z",
+     "2024-01-15T00:00:00Z"},
+    {"NotTheDateItself", "UTC", 6, "weekday=2", "2024-01-15T00:00:00Z", "2024-01-08T00:00:00Z"},
+    {"WeekAlone", "UTC", 6, "weekOfYear=1", "2021-06-01T00:00:00Z", "2020-12-27T00:00:00Z"},
+    {"WeekOfACalendarYear", "UTC", 6, "year=2021 weekOfYear=1", "2021-06-01T00:00:00Z",
+     "2021-01-01T00:00:00Z"},
+    {"YearAlone", "UTC", 6, "year=1990", "2021-06-01T00:00:00Z", "1990-01-01T00:00:00Z"},
+    {"WeekYearAlone", "UTC", 6, "yearForWeekOfYear=2020", "2021-06-01T00:00:00Z",
+     "2019-12-29T00:00:00Z"},
+    {"QuarterAlone", "UTC", 6, "quarter=4", "2021-06-01T00:00:00Z", "2020-10-01T00:00:00Z"},
+    {"LeapDay", "UTC", 6, "month=2 day=29", "2104-02-29T00:00:00Z", "2096-02-29T00:00:00Z"},
+    {"LeapDayOverACentury", "UTC", 6, "month=2 day=29 weekday=2", "2024-01-01T00:00:00Z",
+     "2016-02-29T00:00:00Z"},
+    {"RareLeapDay", "UTC", 6, "month=2 day=29 weekday=1", "1932-01-01T00:00:00Z",
+     "1920-02-29T00:00:00Z"},
+    {"AFullCycleBack", "UTC", 6, "month=2 day=29 weekday=5 year=1624", "2024-01-01T00:00:00Z",
+     "1624-02-29T00:00:00Z"},
+    {"Never", "UTC", 6, "month=2 day=30", "2024-01-01T00:00:00Z", nullptr},
+    {"NeverInAnyMonth", "UTC", 6, "day=32", "2024-01-01T00:00:00Z", nullptr},
+    {"NeverAFifteenthMonth", "UTC", 6, "month=15", "2024-01-01T00:00:00Z", nullptr},
+    {"YearStillToCome", "UTC", 6, "year=2025", "2024-01-01T00:00:00Z", nullptr},
+    {"NoFields", "UTC", 6, "", "2024-01-01T00:00:00Z", nullptr},
+    {"FieldBeyondAll", "UTC", 6, "day=4611686018427387904", "2024-01-01T00:00:00Z", nullptr},
+    {"SkippedDayHasNoStart", "Pacific/Apia", 6, "month=12 day=30", "2012-06-01T00:00:00Z",
+     "2010-12-30T10:00:00Z"},
+    {"TimeOfDay", "America/New_York", 6, "hour=9", "2024-01-15T12:00:00Z", "2024-01-14T14:00:00Z"},
+    {"MinuteOnly", "America/New_York", 6, "minute=30", "2024-01-15T12:00:00Z",
+     "2024-01-15T11:30:00Z"},
+    {"SecondOnly", "America/New_York", 6, "second=59", "2024-01-15T12:00:00Z",
+     "2024-01-15T11:59:59Z"},
+    {"TimeInAGapIsPassedOver", "America/New_York", 6, "hour=2 minute=30", "2024-03-10T12:00:00Z",
+     "2024-03-09T07:30:00Z"},
+    {"SecondOfADoubledTime", "America/New_York", 6, "hour=1 minute=30", "2024-11-03T12:00:00Z",
+     "2024-11-03T06:30:00Z"},
+    {"FirstOfADoubledTime", "America/New_York", 6, "hour=1 minute=30", "2024-11-03T06:30:00Z",
+     "2024-11-03T05:30:00Z"},
+    {"Forward", "UTC", 2, "month=2 day=29", "2024-02-29T00:00:00Z", "2028-02-29T00:00:00Z"},
+    {"ForwardWithinTheMonth", "UTC", 2, "day=31", "2024-01-05T00:00:00Z", "2024-01-31T00:00:00Z"},
+    {"ForwardToAYear", "UTC", 2, "year=2100 month=3", "2024-01-05T00:00:00Z",
+     "2100-03-01T00:00:00Z"},
+    {"ForwardByWeek", "UTC", 2, "weekOfYear=53", "2024-12-31T00:00:00Z", "2028-12-24T00:00:00Z"},
+    {"ForwardOverAGap", "America/New_York", 2, "hour=2 minute=30", "2024-03-10T05:00:00Z",
+     "2024-03-11T06:30:00Z"},
+    {"ForwardToTheEndOfAGap", "America/New_York", 1024, "hour=2 minute=30", "2024-03-10T05:00:00Z",
+     "2024-03-10T07:00:00Z"},
+};
+
+TEST(NSCalendar, FindsTheNearestMatch) {
+  for (const SearchCase& row : kSearchCases) {
+    const auto result = calendarIn(row.zone)->nextDateAfterDate(
+        date(row.from), componentsFromVector(row.components), row.options);
+    EXPECT_EQ(vectorFromDate(result), row.found ? row.found : "nil") << row.name;
+  }
+}
+
+TEST(NSCalendar, SetsAUnit) {
+  const struct {
+    const char* name;
+    NSUInteger unit;
+    NSInteger value;
+    NSUInteger options;
+    const char* from;
+    const char* to;
+  } rows[] = {
+      {"AlreadySet", 16, 15, 1024, "2024-01-15T12:34:00Z", "2024-01-15T12:34:00Z"},
+      {"ThisMonth", 16, 20, 1024, "2024-01-15T12:34:00Z", "2024-01-20T00:00:00Z"},
+      {"NextMonth", 16, 10, 1024, "2024-12-15T12:34:00Z", "2025-01-10T00:00:00Z"},
+      {"DayMissing", 16, 31, 1024, "2024-04-15T12:34:00Z", "2024-05-01T00:00:00Z"},
+      {"DayMissingInTheNextMonth", 16, 30, 1024, "2024-01-31T12:34:00Z", "2024-03-01T00:00:00Z"},
+      {"DayMissingGoesOnWhenStrict", 16, 31, 2, "2024-04-15T12:34:00Z", "2024-05-31T00:00:00Z"},
+      {"NoSuchDay", 16, 32, 1024, "2024-04-15T12:34:00Z", nullptr},
+      {"DayBeyondAll", 16, NSIntegerMin, 1024, "2024-04-15T12:34:00Z", nullptr},
+      {"Unset", 16, NSIntegerMax, 1024, "2024-04-15T12:34:00Z", nullptr},
+      {"NoSuchUnit", 24, 1, 1024, "2024-04-15T12:34:00Z", nullptr},
+      {"Month", 8, 3, 1024, "2024-04-15T12:34:00Z", "2025-03-01T00:00:00Z"},
+      {"Hour", 32, 9, 1024, "2024-04-15T12:34:00Z", "2024-04-16T09:00:00Z"},
+      {"Minute", 64, 35, 1024, "2024-04-15T12:34:00Z", "2024-04-15T12:35:00Z"},
+      {"Weekday", 512, 2, 1024, "2024-04-16T12:34:00Z", "2024-04-22T00:00:00Z"},
+  };
+  for (const auto& row : rows) {
+    const auto result = calendarIn("UTC")->dateBySettingUnit(
+        static_cast<NSCalendarUnit>(row.unit), row.value, date(row.from), row.options);
+    EXPECT_EQ(vectorFromDate(result), row.to ? row.to : "nil") << row.name;
+  }
+}
+
+}  // namespace
+}  // namespace ORLFoundation
