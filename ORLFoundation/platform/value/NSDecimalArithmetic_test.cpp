@@ -92,10 +92,7 @@ const std::vector<BinaryCase> kCalculations = {
     {"AlignsPlaces", '+', "0.1", "0.25", NSRoundPlain, "0.35"},
     {"CrossesZero", '+', "1", "-1.5", NSRoundPlain, "-0.5"},
     {"EndsAtZero", '-', "1.50", "1.5", NSRoundPlain, "0"},
-    {"AddsZeroOfAnyExponent", '+', "0e-100", "1e100", NSRoundPlain,
-     "100000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000"
-     "00"
-     "000000"},
+    {"AddsZeroOfAnyExponent", '+', "0e-100", "1e100", NSRoundPlain, "1e100"},
     {"CarriesPast64Bits", '+', "18446744073709551615", "1", NSRoundPlain, "18446744073709551616"},
     {"CarriesPast38Digits", '+', "99999999999999999999999999999999999999", "1", NSRoundPlain,
      "100000000000000000000000000000000000000"},
@@ -113,10 +110,7 @@ const std::vector<BinaryCase> kCalculations = {
     {"MultipliesExactly", '*', "19.99", "-1.0825", NSRoundPlain, "-21.639175"},
     {"MultipliesPast64Bits", '*', "18446744073709551615", "18446744073709551615", NSRoundPlain,
      "340282366920938463426481119284349108230!1"},
-    {"TakesTheExponentInByZeros", '*', "1e127", "1e37", NSRoundPlain,
-     "100000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000"
-     "00"
-     "000000000000000000000000000000000000000000000000000000000000000000000"},
+    {"TakesTheExponentInByZeros", '*', "1e127", "1e37", NSRoundPlain, "1e164"},
     {"Overflows", '*', "1e127", "1e38", NSRoundPlain, "NaN!3"},
     {"Underflows", '*', "1e-128", "0.1", NSRoundPlain, "0!2"},
     {"LosesHalfAUnitAtTheSmallest", '*', "1e-127", "0.05", NSRoundBankers, "0!2"},

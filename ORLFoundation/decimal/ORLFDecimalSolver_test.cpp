@@ -1,0 +1,128 @@
+#include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
+#include <ORLFoundation/decimal/ORLFDecimalSolver.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace ORLFoundation {
+namespace {
+
+using Optional = std::optional<NSDecimalNumber>;
+
+NSDecimalNumber number(std::string_view text) { return NSDecimalNumber(text); }
+
+const NSDecimalNumberBehaviors* places(std::int16_t scale) {
+  static const ORLFDecimalNumberHandler cents({.scale = 2});
+  static const ORLFDecimalNumberHandler hundreds({.scale = -2});
+  return scale == 2 ? &cents : &hundreds;
+}
+
+/// The candidates of a search for a target, and what it found.
+struct Trace {
+  std::string candidates;
+  std::string found;
+};
+
+Trace trace(const Optional& lower, const Optional& upper, std::string_view target,
+            std::int16_t scale = 2, int stopAtCall = 0) {
+  Trace made;
+  int calls = 0;
+  const auto answer = aproximateValueUsingLinearRegressionLowerBound(
+      lower, upper, places(scale), [&](const NSDecimalNumber& candidate, bool& stop) -> NSInteger {
+        made.candidates += candidate.stringValue() + " ";
+        stop = ++calls == stopAtCall;
+        return candidate.compare(number(target));
+      });
+  made.found = answer ? answer->stringValue() : "nil";
+  return made;
+}
+
+TEST(ORLFDecimalSolver, SearchesBothBoundsThenHalves) {
+  const Trace found = trace(std::nullopt, std::nullopt, "7");
+  EXPECT_EQ(found.candidates, "0 10 5 7.5 6.25 6.88 7.19 7.04 6.96 7 ");
+  EXPECT_EQ(found.found, "7");
+}
+
+TEST(ORLFDecimalSolver, ComesWithinTheLastPlaceOfATargetBetweenTwo) {
+  const Trace found = trace(std::nullopt, std::nullopt, "7.004");
+  const NSDecimalNumber off = number(found.found).decimalNumberBySubtracting(number("7.004"));
+  EXPECT_LE(off.compare(number("0.01")), NSOrderedSame);
+  EXPECT_GE(off.compare(number("-0.01")), NSOrderedSame);
+}
+
+TEST(ORLFDecimalSolver, MovesTheUpperBoundWhileItSearchesDownward) {
+  EXPECT_EQ(trace(std::nullopt, std::nullopt, "-150").candidates.substr(0, 26),
+            "0 -10 -100 -1000 -550 -325");
+  // The given upper bound gives way to the candidate before the last.
+  EXPECT_EQ(trace(std::nullopt, number("5000"), "-7").candidates.substr(0, 9), "0 -10 -5 ");
+}
+
+TEST(ORLFDecimalSolver, KeepsAGivenUpperBoundAboveTheFirstCandidate) {
+  EXPECT_EQ(trace(std::nullopt, number("8"), "2").candidates, "0 4 2 ");
+}
+
+TEST(ORLFDecimalSolver, SearchesUpwardFromTenWhateverTheLowerBound) {
+  EXPECT_EQ(trace(number("50"), std::nullopt, "75").candidates, "10 100 75 ");
+}
+
+TEST(ORLFDecimalSolver, GivesEqualBoundsUnasked) {
+  const Trace found = trace(number("3.10"), number("3.1"), "7");
+  EXPECT_EQ(found.candidates, "");
+  EXPECT_EQ(found.found, "3.1");
+}
+
+TEST(ORLFDecimalSolver, GivesNilForReversedBounds) {
+  const Trace found = trace(number("3"), number("2"), "2.5");
+  EXPECT_EQ(found.candidates + found.found, "nil");
+}
+
+TEST(ORLFDecimalSolver, GivesNilForATargetOutsideTheGivenBounds) {
+  EXPECT_EQ(trace(number("0"), number("10"), "11").found, "nil");
+}
+
+TEST(ORLFDecimalSolver, SeesATargetBelowTheLowerBoundOnlyWhereTheMidpointRoundsDownToIt) {
+  const auto below = [](NSRoundingMode mode) {
+    const ORLFDecimalNumberHandler cents({.roundingMode = mode, .scale = 2});
+    return aproximateValueUsingLinearRegressionLowerBound(
+        number("0"), number("10"), &cents, [](const NSDecimalNumber&, bool&) { return 1; });
+  };
+  EXPECT_EQ(below(NSRoundDown), std::nullopt);
+  EXPECT_EQ(below(NSRoundBankers), std::nullopt);
+  // The midpoint of 0 and 0.01 rounds to 0.01, which is not the caller's bound.
+  EXPECT_EQ(below(NSRoundPlain), number("0.01"));
+}
+
+TEST(ORLFDecimalSolver, FindsATargetInsideTheGivenBounds) {
+  EXPECT_EQ(trace(number("0"), number("10"), "9.99").found, "9.99");
+  EXPECT_EQ(trace(number("0"), number("1000"), "700", -2).found, "700");
+}
+
+TEST(ORLFDecimalSolver, GivesNilForAStopUnlessThatCallWasTheAnswer) {
+  for (int call = 1; call <= 9; ++call)
+    EXPECT_EQ(trace(std::nullopt, std::nullopt, "7", 2, call).found, "nil") << call;
+  EXPECT_EQ(trace(std::nullopt, std::nullopt, "0", 2, 1).found, "0");
+  EXPECT_EQ(trace(std::nullopt, std::nullopt, "10", 2, 2).found, "10");
+  // While it halves, a stop counts more than the answer.
+  EXPECT_EQ(trace(std::nullopt, std::nullopt, "7", 2, 10).found, "nil");
+}
+
+TEST(ORLFDecimalSolver, EndsWhereThePowersOfTenEnd) {
+  const auto always = [](NSInteger answer) {
+    return aproximateValueUsingLinearRegressionLowerBound(
+        std::nullopt, std::nullopt, places(2),
+        [=](const NSDecimalNumber&, bool&) { return answer; });
+  };
+  EXPECT_EQ(always(1), std::nullopt);
+  EXPECT_EQ(always(-1), std::nullopt);
+}
+
+TEST(ORLFDecimalSolver, TakesAnyPositiveOrNegativeAnswer) {
+  const auto found = aproximateValueUsingLinearRegressionLowerBound(
+      std::nullopt, std::nullopt, places(2), [](const NSDecimalNumber& candidate, bool&) {
+        return NSInteger{candidate.compare(number("7"))} * 1000;
+      });
+  EXPECT_EQ(found, number("7"));
+}
+
+}  // namespace
+}  // namespace ORLFoundation

@@ -1,0 +1,264 @@
+// Decimals against two peers on the same operands: numbers the size of money, and numbers of 34 to
+// 38 digits. Every benchmark checks that all give the same results.
+#include <ORLFoundation/platform/value/NSDecimalArithmetic.h>
+#include <benchmark/benchmark.h>
+
+#include <array>
+#include <boost/multiprecision/cpp_dec_float.hpp>
+#include <random>
+#include <string>
+#include <vector>
+
+#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__)
+#define ORLF_HAS_DECIMAL128 1
+#endif
+
+namespace ORLFoundation {
+namespace {
+
+using DecFloat = boost::multiprecision::number<boost::multiprecision::cpp_dec_float<38>,
+                                               boost::multiprecision::et_off>;
+
+constexpr std::size_t kCount = 1024;
+enum class Size { kMoney, kLong };
+
+std::string randomText(std::mt19937_64& engine, Size size) {
+  const auto between = [&](int from, int to) {
+    return std::uniform_int_distribution<int>(from, to)(engine);
+  };
+  const int digits = size == Size::kMoney ? between(3, 9) : between(34, 38);
+  std::string text(1, static_cast<char>('0' + between(1, 9)));
+  for (int i = 1; i < digits; ++i) text += static_cast<char>('0' + between(0, 9));
+  text.insert(text.size() - (size == Size::kMoney ? 2U : 17U), ".");
+  return (between(0, 1) == 1 ? "-" : "") + text;
+}
+
+const std::vector<std::string>& texts(Size size, unsigned seed) {
+  static std::array<std::vector<std::string>, 4> made;
+  std::vector<std::string>& list = made.at(static_cast<std::size_t>(size) * 2 + seed);
+  if (list.empty()) {
+    std::mt19937_64 engine(seed + 1);
+    for (std::size_t i = 0; i < kCount; ++i) list.push_back(randomText(engine, size));
+  }
+  return list;
+}
+
+struct Ours {
+  using Number = NSDecimal;
+  static Number parse(const std::string& text) { return NSDecimal::parse(text); }
+  static Number add(const Number& a, const Number& b) { return NSDecimalAdd(a, b).value; }
+  static Number multiply(const Number& a, const Number& b) { return NSDecimalMultiply(a, b).value; }
+  static Number divide(const Number& a, const Number& b) { return NSDecimalDivide(a, b).value; }
+  static Number round(const Number& a) { return NSDecimalRound(a, 2).value; }
+  static bool less(const Number& a, const Number& b) { return a.compare(b) == NSOrderedAscending; }
+  static std::string print(const Number& a) { return a.stringValue(); }
+  static bool agrees(const NSDecimal& expected, const Number& actual);
+};
+
+struct BoostFloat {
+  using Number = DecFloat;
+  static Number parse(const std::string& text) { return Number(text); }
+  static Number add(const Number& a, const Number& b) { return a + b; }
+  static Number multiply(const Number& a, const Number& b) { return a * b; }
+  static Number divide(const Number& a, const Number& b) { return a / b; }
+  static Number round(const Number& a) {
+    static const Number hundred(100), half(0.5);
+    const Number moved = a * hundred;
+    return trunc(moved < 0 ? Number(moved - half) : Number(moved + half)) / hundred;
+  }
+  static bool less(const Number& a, const Number& b) { return a < b; }
+  static std::string print(const Number& a) { return a.str(0, std::ios_base::fixed); }
+  static bool agrees(const NSDecimal& expected, const Number& actual);
+};
+
+#ifdef ORLF_HAS_DECIMAL128
+/// The compiler's decimals of 34 digits. It has no text functions for them, so that operands and
+/// results pass through our digits.
+struct Decimal128 {
+  typedef float Number __attribute__((mode(TD)));
+
+  static Number whole(unsigned long long value) { return static_cast<Number>(value); }
+
+  static Number of(const NSDecimal& value) {
+    const Number ten = whole(10), word = whole(1ULL << 32) * whole(1ULL << 32);
+    const auto high = static_cast<unsigned long long>(value.mantissa() >> 64);
+    Number number = whole(high) * word + whole(value.shortMantissa());
+    for (int i = value.exponent(); i < 0; ++i) number /= ten;
+    for (int i = value.exponent(); i > 0; --i) number *= ten;
+    return value.isNegative() ? -number : number;
+  }
+  static Number parse(const std::string& text) { return of(NSDecimal::parse(text)); }
+  static Number add(Number a, Number b) { return a + b; }
+  static Number multiply(Number a, Number b) { return a * b; }
+  static Number divide(Number a, Number b) { return a / b; }
+  /// For numbers whose hundredfold fits 64 bits.
+  static Number round(Number a) {
+    static const Number half = whole(1) / whole(2), hundred = whole(100), zero = whole(0);
+    const Number moved = a * hundred;
+    const auto cents = static_cast<long long>(moved < zero ? moved - half : moved + half);
+    return static_cast<Number>(cents) / hundred;
+  }
+  static bool less(Number a, Number b) { return a < b; }
+  static bool agrees(const NSDecimal& expected, Number actual) {
+    const Number wanted = of(expected);
+    const Number off = wanted < actual ? actual - wanted : wanted - actual;
+    static const Number part = of(NSDecimal(1, -30, false));
+    return off <= (wanted < whole(0) ? -wanted : wanted) * part;
+  }
+};
+#endif
+
+/// Agreement in 30 digits is what all can promise of a quotient.
+bool agreesWithText(const NSDecimal& expected, const NSDecimal& actual) {
+  const NSDecimal off = NSDecimalSubtract(expected, actual).value;
+  const NSDecimal size = expected.isNegative() ? expected.negated() : expected;
+  const NSDecimal bound = NSDecimalMultiplyByPowerOf10(size, -30).value;
+  return off.compare(bound) != NSOrderedDescending &&
+         off.negated().compare(bound) != NSOrderedDescending;
+}
+bool Ours::agrees(const NSDecimal& expected, const Number& actual) { return expected == actual; }
+bool BoostFloat::agrees(const NSDecimal& expected, const Number& actual) {
+  return agreesWithText(expected, NSDecimal::parse(actual.str(38, std::ios_base::scientific)));
+}
+
+template <class Library>
+std::vector<typename Library::Number> numbers(Size size, unsigned seed) {
+  std::vector<typename Library::Number> list;
+  for (const std::string& text : texts(size, seed)) list.push_back(Library::parse(text));
+  return list;
+}
+
+/// Times an operation on pairs, then checks each result against that of ours.
+template <class Library, class Operation, class Expected>
+void runPairs(benchmark::State& state, Size size, Operation operation, Expected expected) {
+  const auto left = numbers<Library>(size, 0);
+  const auto right = numbers<Library>(size, 1);
+  for (auto _ : state) {
+    for (std::size_t i = 0; i < kCount; ++i) {
+      auto result = operation(left[i], right[i]);
+      benchmark::DoNotOptimize(result);
+    }
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * kCount));
+  const auto ourLeft = numbers<Ours>(size, 0);
+  const auto ourRight = numbers<Ours>(size, 1);
+  for (std::size_t i = 0; i < kCount; ++i) {
+    if (!Library::agrees(expected(ourLeft[i], ourRight[i]), operation(left[i], right[i])))
+      return state.SkipWithError("a wrong result");
+  }
+}
+
+template <class Library, Size size>
+void add(benchmark::State& state) {
+  runPairs<Library>(state, size, Library::add, Ours::add);
+}
+template <class Library, Size size>
+void multiply(benchmark::State& state) {
+  runPairs<Library>(state, size, Library::multiply, Ours::multiply);
+}
+template <class Library, Size size>
+void divide(benchmark::State& state) {
+  runPairs<Library>(state, size, Library::divide, Ours::divide);
+}
+template <class Library, Size size>
+void roundToCents(benchmark::State& state) {
+  // Of quotients, which have digits to drop.
+  const auto left = numbers<Library>(size, 0);
+  const auto right = numbers<Library>(size, 1);
+  std::vector<typename Library::Number> values;
+  for (std::size_t i = 0; i < kCount; ++i)
+    values.push_back(size == Size::kMoney ? Library::multiply(left[i], right[i]) : left[i]);
+  for (auto _ : state) {
+    for (const auto& value : values) {
+      auto result = Library::round(value);
+      benchmark::DoNotOptimize(result);
+    }
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * kCount));
+  const auto ourLeft = numbers<Ours>(size, 0);
+  const auto ourRight = numbers<Ours>(size, 1);
+  for (std::size_t i = 0; i < kCount; ++i) {
+    const NSDecimal value =
+        size == Size::kMoney ? Ours::multiply(ourLeft[i], ourRight[i]) : ourLeft[i];
+    if (!Library::agrees(Ours::round(value), Library::round(values[i])))
+      return state.SkipWithError("a wrong result");
+  }
+}
+template <class Library, Size size>
+void compare(benchmark::State& state) {
+  const auto left = numbers<Library>(size, 0);
+  const auto right = numbers<Library>(size, 1);
+  for (auto _ : state) {
+    for (std::size_t i = 0; i < kCount; ++i)
+      benchmark::DoNotOptimize(Library::less(left[i], right[i]));
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * kCount));
+  const auto ourLeft = numbers<Ours>(size, 0);
+  const auto ourRight = numbers<Ours>(size, 1);
+  for (std::size_t i = 0; i < kCount; ++i) {
+    if (Library::less(left[i], right[i]) != Ours::less(ourLeft[i], ourRight[i]))
+      return state.SkipWithError("a wrong order");
+  }
+}
+template <class Library, Size size>
+void parse(benchmark::State& state) {
+  const auto& list = texts(size, 0);
+  for (auto _ : state) {
+    for (const std::string& text : list) {
+      auto result = Library::parse(text);
+      benchmark::DoNotOptimize(result);
+    }
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * kCount));
+  for (const std::string& text : list) {
+    if (!Library::agrees(NSDecimal::parse(text), Library::parse(text)))
+      return state.SkipWithError("a wrong number");
+  }
+}
+template <class Library, Size size>
+void print(benchmark::State& state) {
+  const auto list = numbers<Library>(size, 0);
+  for (auto _ : state) {
+    for (const auto& number : list) {
+      auto text = Library::print(number);
+      benchmark::DoNotOptimize(text.data());
+    }
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * kCount));
+  const auto ours = numbers<Ours>(size, 0);
+  for (std::size_t i = 0; i < kCount; ++i) {
+    if (NSDecimal::parse(Library::print(list[i])) != ours[i])
+      return state.SkipWithError("a wrong text");
+  }
+}
+
+#define ORLF_BENCHMARK_PEERS(work, size)            \
+  BENCHMARK_TEMPLATE(work, Ours, Size::size);       \
+  BENCHMARK_TEMPLATE(work, BoostFloat, Size::size); \
+  ORLF_BENCHMARK_DECIMAL128(work, size)
+#define ORLF_BENCHMARK_TEXT(work, size)       \
+  BENCHMARK_TEMPLATE(work, Ours, Size::size); \
+  BENCHMARK_TEMPLATE(work, BoostFloat, Size::size)
+#ifdef ORLF_HAS_DECIMAL128
+#define ORLF_BENCHMARK_DECIMAL128(work, size) BENCHMARK_TEMPLATE(work, Decimal128, Size::size)
+#else
+#define ORLF_BENCHMARK_DECIMAL128(work, size) static_assert(true)
+#endif
+
+ORLF_BENCHMARK_PEERS(add, kMoney);
+ORLF_BENCHMARK_PEERS(add, kLong);
+ORLF_BENCHMARK_PEERS(multiply, kMoney);
+ORLF_BENCHMARK_PEERS(multiply, kLong);
+ORLF_BENCHMARK_PEERS(divide, kMoney);
+ORLF_BENCHMARK_PEERS(divide, kLong);
+ORLF_BENCHMARK_PEERS(roundToCents, kMoney);
+ORLF_BENCHMARK_TEXT(roundToCents, kLong);
+ORLF_BENCHMARK_PEERS(compare, kMoney);
+ORLF_BENCHMARK_PEERS(compare, kLong);
+ORLF_BENCHMARK_TEXT(parse, kMoney);
+ORLF_BENCHMARK_TEXT(parse, kLong);
+ORLF_BENCHMARK_TEXT(print, kMoney);
+ORLF_BENCHMARK_TEXT(print, kLong);
+
+}  // namespace
+}  // namespace ORLFoundation
