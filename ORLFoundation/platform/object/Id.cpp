@@ -21,6 +21,16 @@ constexpr NSUInteger kNullHash = 0x6e756c6c;
 
 }  // namespace
 
+id::id(const id& other) = default;
+id::id(id&& other) noexcept = default;
+id& id::operator=(const id& other) = default;
+id& id::operator=(id&& other) noexcept = default;
+id::~id() = default;
+
+void id::hold(std::shared_ptr<NSObject> object) noexcept {
+  if (object) value_ = std::move(object);
+}
+
 bool id::isEqual(const id& other) const {
   if (value_.index() != other.value_.index()) return false;
   if (const auto* object = std::get_if<Object>(&value_)) {

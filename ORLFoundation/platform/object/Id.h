@@ -42,6 +42,12 @@ class id {
  public:
   /// nil.
   id() noexcept = default;
+  // Out of line: every file that names an id would else carry copies of these.
+  id(const id& other);
+  id(id&& other) noexcept;
+  id& operator=(const id& other);
+  id& operator=(id&& other) noexcept;
+  ~id();
   id(std::nullptr_t) noexcept {}
   id(std::nullopt_t) noexcept {}
 
@@ -69,7 +75,7 @@ class id {
   /// nil for a null pointer.
   template <class T>
   requires NSObjectClass<T> id(std::shared_ptr<T> object) {
-    if (object) value_ = std::shared_ptr<NSObject>(std::move(object));
+    hold(std::move(object));
   }
   /// A constant object is held like any other; `id` itself changes nothing in it.
   template <class T>
@@ -126,6 +132,7 @@ class id {
   friend bool operator==(const id& left, const id& right) { return left.isEqual(right); }
 
  private:
+  void hold(std::shared_ptr<NSObject> object) noexcept;
   template <class T>
   [[nodiscard]] std::optional<T> plainValue() const;
 
