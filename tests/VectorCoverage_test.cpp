@@ -30,7 +30,9 @@ std::string sourcesThatRunVectors() {
       if (content.find("run"
                        "TsvVectors(") != std::string::npos ||
           content.find("run"
-                       "JsonVectors(") != std::string::npos)
+                       "JsonVectors(") != std::string::npos ||
+          content.find("run"
+                       "JsonRows(") != std::string::npos)
         joined += content;
     }
   }

@@ -12,6 +12,7 @@
 #pragma once
 
 #include <ORLFoundation/amortization/ORLFAmortizationPlanSegment.h>
+#include <ORLFoundation/platform/archive/NSCoder.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
 #include <ORLFoundation/platform/number/NSDecimalNumberBehaviors.h>
 #include <ORLFoundation/platform/object/NSObject.h>
@@ -26,7 +27,7 @@
 
 namespace ORLFoundation {
 
-class ORLFAmortizationPlan : public NSObject {
+class ORLFAmortizationPlan : public NSObject, public NSSecureCoding {
  public:
   using Segment = std::shared_ptr<ORLFAmortizationPlanSegment>;
 
@@ -171,6 +172,14 @@ class ORLFAmortizationPlan : public NSObject {
   [[nodiscard]] std::string description() const override;
   /// `copyWithZone:`  A new plan with copies of all segments, linked to it.
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;
+
+  /// `encodeWithCoder:`, `initWithCoder:`  Under "segments" and "endDate". Segments
+  /// that were read are linked to the plan.
+  void encodeWithCoder(NSCoder& coder) const override;
+  [[nodiscard]] static std::shared_ptr<ORLFAmortizationPlan> initWithCoder(NSCoder& coder);
+  [[nodiscard]] static bool supportsSecureCoding() noexcept { return true; }
+  [[nodiscard]] static const NSCodingClass& codingClass();
+  [[nodiscard]] const NSCodingClass& classForCoder() const override { return codingClass(); }
 
  private:
   class BalanceWalk;

@@ -14,6 +14,7 @@
 /// stays in decimals. A total that is not finite becomes not-a-number.
 #pragma once
 
+#include <ORLFoundation/platform/archive/NSCoder.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
 #include <ORLFoundation/platform/number/NSDecimalNumberBehaviors.h>
 #include <ORLFoundation/platform/object/NSObject.h>
@@ -28,7 +29,7 @@ namespace ORLFoundation {
 
 class ORLFAmortizationPlan;
 
-class ORLFAmortizationPlanSegment : public NSObject {
+class ORLFAmortizationPlanSegment : public NSObject, public NSSecureCoding {
  public:
   /// What one projection takes; see `plannedPrincipalOnDate`.
   struct PlannedPrincipalOnDate {
@@ -204,6 +205,15 @@ class ORLFAmortizationPlanSegment : public NSObject {
   [[nodiscard]] std::string description() const override;
   /// `copyWithZone:`  A new segment with the same start and terms, and no plan.
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;
+
+  /// `encodeWithCoder:`, `initWithCoder:`  Each term under its name, nil ones left out,
+  /// and the plan under "amortizationPlan". Reading takes a missing contribution frequency for
+  /// monthly. The link to the plan that was read is as weak as any: keep the plan.
+  void encodeWithCoder(NSCoder& coder) const override;
+  [[nodiscard]] static std::shared_ptr<ORLFAmortizationPlanSegment> initWithCoder(NSCoder& coder);
+  [[nodiscard]] static bool supportsSecureCoding() noexcept { return true; }
+  [[nodiscard]] static const NSCodingClass& codingClass();
+  [[nodiscard]] const NSCodingClass& classForCoder() const override { return codingClass(); }
 
  private:
   std::optional<NSDecimalNumber> currentPrincipal_;

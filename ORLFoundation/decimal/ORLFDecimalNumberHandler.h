@@ -7,6 +7,7 @@
 ///     price.decimalNumberByDividingBy(count, toCents.get());  // nullopt when count is 0
 #pragma once
 
+#include <ORLFoundation/platform/archive/NSCoder.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
 #include <ORLFoundation/platform/number/NSDecimalNumberBehaviors.h>
 #include <ORLFoundation/platform/object/NSObject.h>
@@ -26,7 +27,9 @@ enum ORLFDecimalErrorBehavior : std::int32_t {
   ORLFDecimalErrorBehaviorReturnZero = 2,
 };
 
-class ORLFDecimalNumberHandler : public NSObject, public NSDecimalNumberBehaviors {
+class ORLFDecimalNumberHandler : public NSObject,
+                                 public NSDecimalNumberBehaviors,
+                                 public NSSecureCoding {
  public:
   /// The six values, in the order of the labels. None is checked: an undefined mode or code is kept
   /// and acted on as it comes.
@@ -70,6 +73,14 @@ class ORLFDecimalNumberHandler : public NSObject, public NSDecimalNumberBehavior
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;
   /// `mutableCopyWithZone:`  A new `ORLFMutableDecimalNumberHandler` with the same six values.
   [[nodiscard]] std::shared_ptr<NSObject> mutableCopy() override;
+
+  /// `encodeWithCoder:`, `initWithCoder:`  The six values under their names, the scale
+  /// under "decimalScale", of which reading takes 16 bits. No value is checked.
+  void encodeWithCoder(NSCoder& coder) const override;
+  [[nodiscard]] static std::shared_ptr<ORLFDecimalNumberHandler> initWithCoder(NSCoder& coder);
+  [[nodiscard]] static bool supportsSecureCoding() noexcept { return true; }
+  [[nodiscard]] static const NSCodingClass& codingClass();
+  [[nodiscard]] const NSCodingClass& classForCoder() const override { return codingClass(); }
 
  protected:
   Fields fields_;

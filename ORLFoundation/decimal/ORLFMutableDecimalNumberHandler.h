@@ -14,7 +14,8 @@ class ORLFMutableDecimalNumberHandler : public ORLFDecimalNumberHandler {
  public:
   using ORLFDecimalNumberHandler::ORLFDecimalNumberHandler;
 
-  /// `setRoundingMode:`, `setScale:` and the setters of the four reactions. Nothing is checked.
+  /// `setRoundingMode:`, `setScale:`, `setExactnessBehavior:`, `setOverflowBehavior:`,
+  /// `setUnderflowBehavior:`, `setDivideByZeroBehavior:`  Nothing is checked.
   void setRoundingMode(NSRoundingMode roundingMode) noexcept;
   void setScale(std::int16_t scale) noexcept;
   void setExactnessBehavior(std::int32_t behavior) noexcept;
@@ -25,6 +26,12 @@ class ORLFMutableDecimalNumberHandler : public ORLFDecimalNumberHandler {
   [[nodiscard]] std::string className() const override { return "ORLFMutableDecimalNumberHandler"; }
   /// `copyWithZone:`  A new immutable `ORLFDecimalNumberHandler` with the same six values.
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;
+
+  /// `initWithCoder:`  As the base class reads itself; may be read where that one is allowed.
+  [[nodiscard]] static std::shared_ptr<ORLFMutableDecimalNumberHandler> initWithCoder(
+      NSCoder& coder);
+  [[nodiscard]] static const NSCodingClass& codingClass();
+  [[nodiscard]] const NSCodingClass& classForCoder() const override { return codingClass(); }
 };
 
 }  // namespace ORLFoundation

@@ -3,6 +3,7 @@
 ///     std::make_shared<ORLFDateRecurrenceDayOfWeek>(3, 2);  // the second Tuesday
 #pragma once
 
+#include <ORLFoundation/platform/archive/NSCoder.h>
 #include <ORLFoundation/platform/object/NSObject.h>
 
 #include <memory>
@@ -11,7 +12,7 @@
 
 namespace ORLFoundation {
 
-class ORLFDateRecurrenceDayOfWeek : public NSObject {
+class ORLFDateRecurrenceDayOfWeek : public NSObject, public NSSecureCoding {
  public:
   /// `initWithDayOfTheWeek:`, `initWithDayOfTheWeek:weekNumber:`
   explicit ORLFDateRecurrenceDayOfWeek(NSInteger dayOfTheWeek, NSInteger weekNumber = 0);
@@ -38,6 +39,13 @@ class ORLFDateRecurrenceDayOfWeek : public NSObject {
   [[nodiscard]] NSUInteger hash() const override;
   /// `copyWithZone:`  The receiver.
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;
+
+  /// `encodeWithCoder:`, `initWithCoder:`  Under "dayOfTheWeek" and "weekNumber".
+  void encodeWithCoder(NSCoder& coder) const override;
+  [[nodiscard]] static std::shared_ptr<ORLFDateRecurrenceDayOfWeek> initWithCoder(NSCoder& coder);
+  [[nodiscard]] static bool supportsSecureCoding() noexcept { return true; }
+  [[nodiscard]] static const NSCodingClass& codingClass();
+  [[nodiscard]] const NSCodingClass& classForCoder() const override { return codingClass(); }
 
  private:
   NSInteger dayOfTheWeek_;

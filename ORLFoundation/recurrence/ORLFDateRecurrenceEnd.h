@@ -2,6 +2,7 @@
 /// dates. The end date decides which of the two it is; there is no other mark.
 #pragma once
 
+#include <ORLFoundation/platform/archive/NSCoder.h>
 #include <ORLFoundation/platform/object/NSObject.h>
 #include <ORLFoundation/platform/value/NSDate.h>
 
@@ -11,7 +12,7 @@
 
 namespace ORLFoundation {
 
-class ORLFDateRecurrenceEnd : public NSObject {
+class ORLFDateRecurrenceEnd : public NSObject, public NSSecureCoding {
  public:
   /// `initEndWithEndDate:`
   [[nodiscard]] static std::shared_ptr<ORLFDateRecurrenceEnd> initEndWithEndDate(
@@ -41,6 +42,14 @@ class ORLFDateRecurrenceEnd : public NSObject {
   [[nodiscard]] NSUInteger hash() const override;
   /// `copyWithZone:`  The receiver, although it has setters.
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;
+
+  /// `encodeWithCoder:`, `initWithCoder:`  Under "endDate", which may be missing, and
+  /// "occurrenceCount".
+  void encodeWithCoder(NSCoder& coder) const override;
+  [[nodiscard]] static std::shared_ptr<ORLFDateRecurrenceEnd> initWithCoder(NSCoder& coder);
+  [[nodiscard]] static bool supportsSecureCoding() noexcept { return true; }
+  [[nodiscard]] static const NSCodingClass& codingClass();
+  [[nodiscard]] const NSCodingClass& classForCoder() const override { return codingClass(); }
 
   /// Use the two named operations above.
   ORLFDateRecurrenceEnd(std::optional<NSDate> endDate, NSUInteger occurrenceCount);

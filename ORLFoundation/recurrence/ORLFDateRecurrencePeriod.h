@@ -6,6 +6,7 @@
 ///     date, 0);  // six months later
 #pragma once
 
+#include <ORLFoundation/platform/archive/NSCoder.h>
 #include <ORLFoundation/platform/object/NSObject.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceFrequency.h>
@@ -16,7 +17,7 @@
 
 namespace ORLFoundation {
 
-class ORLFDateRecurrencePeriod : public NSObject {
+class ORLFDateRecurrencePeriod : public NSObject, public NSSecureCoding {
  public:
   /// `initWithFrequency:interval:`
   ORLFDateRecurrencePeriod(ORLFDateRecurrenceFrequency frequency, NSInteger interval);
@@ -46,6 +47,14 @@ class ORLFDateRecurrencePeriod : public NSObject {
   [[nodiscard]] std::string description() const override;
   /// `copyWithZone:`  The receiver itself, although it has setters; a new period for a subclass.
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;
+
+  /// `encodeWithCoder:`, `initWithCoder:`  Under "frequency" and "interval", whatever
+  /// their values.
+  void encodeWithCoder(NSCoder& coder) const override;
+  [[nodiscard]] static std::shared_ptr<ORLFDateRecurrencePeriod> initWithCoder(NSCoder& coder);
+  [[nodiscard]] static bool supportsSecureCoding() noexcept { return true; }
+  [[nodiscard]] static const NSCodingClass& codingClass();
+  [[nodiscard]] const NSCodingClass& classForCoder() const override { return codingClass(); }
 
  private:
   ORLFDateRecurrenceFrequency frequency_;

@@ -15,6 +15,7 @@
 /// callers have: the dates in a range, the next date, whether a date belongs to the rule.
 #pragma once
 
+#include <ORLFoundation/platform/archive/NSCoder.h>
 #include <ORLFoundation/platform/object/NSObject.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceBlock.h>
@@ -25,11 +26,12 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace ORLFoundation {
 
-class ORLFDateRecurrenceRule : public NSObject {
+class ORLFDateRecurrenceRule : public NSObject, public NSSecureCoding {
  public:
   using Integers = std::optional<std::vector<NSInteger>>;
   using DaysOfTheWeek = std::optional<std::vector<std::shared_ptr<ORLFDateRecurrenceDayOfWeek>>>;
@@ -169,12 +171,44 @@ class ORLFDateRecurrenceRule : public NSObject {
       std::optional<NSDate> date, const NSCalendar& inCalendar) const;
 
   [[nodiscard]] const NSKeyTable& keyTable() const override;
+  /// `dateRecurrenceRuleFromICalendarString:`  The rule of an iCalendar recurrence line: what follows
+  /// the first "RRULE:" in the text. Reads FREQ, INTERVAL, BYDAY, BYMONTH, BYMONTHDAY, BYWEEKNO and
+  /// BYYEARDAY; other keys (COUNT, UNTIL, BYSETPOS ...) are passed over, so that the rule can be
+  /// weaker than its text. Keys and words are in capitals and nothing is trimmed. Yearly when no
+  /// frequency is named; the anchor is 1. nil for a text that is not read whole.
+  [[nodiscard]] static std::shared_ptr<ORLFDateRecurrenceRule>
+  dateRecurrenceRuleFromICalendarString(std::string_view text);
+
+  /// `humanReadableDescription`  One English sentence: "repeats monthly on the second Tuesday". With
+  /// nothing but a frequency and an interval it ends in a full stop: "repeats every 2 weeks.". Stops
+  /// the process for an unknown frequency and for a month outside 1 to 12.
+  [[nodiscard]] std::string humanReadableDescription() const;
+  /// `partialDescriptionForDaysOfTheWeek:`  "Monday, and Friday", "the first Monday"; grouped by week
+  /// number, the last ones first. This and the next two give nil for a nil or empty list.
+  [[nodiscard]] static std::optional<std::string> partialDescriptionForDaysOfTheWeek(
+      const DaysOfTheWeek& days);
+  /// `partialDescriptionForDaysOfTheMonth:`  "1st, and 15th"; 111 reads 111st and -1 reads -1th.
+  [[nodiscard]] static std::optional<std::string> partialDescriptionForDaysOfTheMonth(
+      const Integers& days);
+  /// `partialDescriptionForMonthsOfYear:`  "January, and March", in the order of the list.
+  [[nodiscard]] static std::optional<std::string> partialDescriptionForMonthsOfYear(
+      const Integers& months);
+
   [[nodiscard]] std::string className() const override;
   /// `isEqual:`  A rule with equal fields; `absolute` takes no part, here or in the hash.
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
   [[nodiscard]] NSUInteger hash() const override;
   /// `copyWithZone:`  A new rule with the same fields, nothing normalized.
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;
+
+  /// `encodeWithCoder:`, `initWithCoder:`  Each field under its name, in the order of
+  /// `Recurrence`. Reading normalizes nothing: a missing list is nil, an empty one stays empty, and
+  /// a missing number is 0.
+  void encodeWithCoder(NSCoder& coder) const override;
+  [[nodiscard]] static std::shared_ptr<ORLFDateRecurrenceRule> initWithCoder(NSCoder& coder);
+  [[nodiscard]] static bool supportsSecureCoding() noexcept { return true; }
+  [[nodiscard]] static const NSCodingClass& codingClass();
+  [[nodiscard]] const NSCodingClass& classForCoder() const override { return codingClass(); }
 
  private:
   Recurrence fields_;

@@ -2,9 +2,9 @@
 #include <tests/support/VectorFile.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cerrno>
 #include <charconv>
+#include <cmath>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
@@ -216,7 +216,7 @@ VectorReport checkTsvFile(const std::filesystem::path& file, const TsvCheck& che
   return reporter.finish();
 }
 
-VectorReport checkJsonFile(const std::filesystem::path& file, const JsonChecks& checkByOperation) {
+VectorReport checkJsonRows(const std::filesystem::path& file, const JsonRowCheck& check) {
   Reporter reporter(file);
   std::ifstream stream(file);
   if (!stream) reporter.fail("the file", "cannot be read");
@@ -226,10 +226,14 @@ VectorReport checkJsonFile(const std::filesystem::path& file, const JsonChecks& 
       const Json row = Json::parse(line);
       id = row.at("id").get<std::string>();
       reporter.noteId(id);
-      return runJsonRow(row, checkByOperation);
+      return check(row);
     });
   }
   return reporter.finish();
+}
+
+VectorReport checkJsonFile(const std::filesystem::path& file, const JsonChecks& checkByOperation) {
+  return checkJsonRows(file, [&](const Json& row) { return runJsonRow(row, checkByOperation); });
 }
 
 void runTsvVectors(const std::string& stem, const TsvCheck& check) {
@@ -239,6 +243,10 @@ void runTsvVectors(const std::string& stem, const TsvCheck& check) {
 void runJsonVectors(const std::string& stem, const JsonChecks& checkByOperation) {
   runInTest(stem + ".jsonl",
             [&](const auto& file) { return checkJsonFile(file, checkByOperation); });
+}
+
+void runJsonRows(const std::string& stem, const JsonRowCheck& check) {
+  runInTest(stem + ".jsonl", [&](const auto& file) { return checkJsonRows(file, check); });
 }
 
 std::filesystem::path vectorFolder() {

@@ -57,6 +57,7 @@ struct TsvRow {
 using TsvCheck = std::function<std::string(const TsvRow&)>;
 using JsonCheck = std::function<std::string(const Json& in, const Json& out)>;
 using JsonChecks = std::map<std::string, JsonCheck>;
+using JsonRowCheck = std::function<std::string(const Json& row)>;
 
 /// What came of running one file.
 struct VectorReport {
@@ -78,12 +79,16 @@ struct VectorReport {
 [[nodiscard]] VectorReport checkTsvFile(const std::filesystem::path& file, const TsvCheck& check);
 [[nodiscard]] VectorReport checkJsonFile(const std::filesystem::path& file,
                                          const JsonChecks& checkByOperation);
+/// For rows that name no operation: the check takes the whole row.
+[[nodiscard]] VectorReport checkJsonRows(const std::filesystem::path& file,
+                                         const JsonRowCheck& check);
 
 /// Runs <stem>.tsv or <stem>.jsonl of the vectors folder. Prints the first 20 disagreements and a
 /// closing line, and fails the running test unless every row agrees. A file that a folder named by
 /// ORLF_VECTORS does not hold skips the test; in the default folder it must be there.
 void runTsvVectors(const std::string& stem, const TsvCheck& check);
 void runJsonVectors(const std::string& stem, const JsonChecks& checkByOperation);
+void runJsonRows(const std::string& stem, const JsonRowCheck& check);
 
 /// The folder that vectors are read from.
 [[nodiscard]] std::filesystem::path vectorFolder();
