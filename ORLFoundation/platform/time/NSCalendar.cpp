@@ -10,9 +10,9 @@
 namespace ORLFoundation {
 namespace {
 
-constexpr NSUInteger kDayAndWeekUnits =
-    NSCalendarUnitDay | NSCalendarUnitWeekday | NSCalendarUnitWeekdayOrdinal |
-    NSCalendarUnitWeekOfMonth | NSCalendarUnitWeekOfYear | NSCalendarUnitWeek;
+constexpr NSUInteger kDayAndWeekUnits = NSCalendarUnitDay | NSCalendarUnitWeekday |
+                                        NSCalendarUnitWeekdayOrdinal | NSCalendarUnitWeekOfMonth |
+                                        NSCalendarUnitWeekOfYear | NSCalendarUnitWeek;
 
 NSDate notADate() noexcept { return dateFromInstant(Instant::none()); }
 
@@ -84,7 +84,7 @@ NSDateComponents NSCalendar::components(NSUInteger unitFlags, NSDate fromDate, N
   Instant to;
   if (!splitDate(fromDate, from) || !splitDate(toDate, to)) return {};
   if ((options & NSCalendarWrapComponents) != 0 && (unitFlags & ~kDayAndWeekUnits) == 0)
-    to = withoutSkippedDays(rules_, from, to);
+    return differenceInDaysThatWere(rules_, unitFlags, from, to);
   return differenceOfInstants(rules_, unitFlags, from, to);
 }
 

@@ -62,8 +62,9 @@ class NSCalendar : public NSObject {
   [[nodiscard]] NSInteger component(NSCalendarUnit unit, NSDate fromDate) const noexcept;
   /// `components:fromDate:toDate:options:`  For each masked unit from the largest, the most whole
   /// steps of `dateByAddingUnit` that do not pass the second date, counted from the date that the
-  /// larger units have reached; negative when the second date is earlier. Under `NSCalendarWrapComponents`, days and weeks
-  /// asked for alone leave out days that the zone skipped; no other option changes anything.
+  /// larger units have reached; negative when the second date is earlier. With
+  /// `NSCalendarWrapComponents`, days and weeks asked for alone leave out days that the zone
+  /// skipped; no other option changes anything.
   [[nodiscard]] NSDateComponents components(NSUInteger unitFlags, NSDate fromDate, NSDate toDate,
                                             NSUInteger options) const noexcept;
   /// `dateByAddingUnit:value:toDate:options:`  Days and larger units keep the time of day, hours

@@ -320,7 +320,7 @@ const DifferenceCase kWrappingDifferenceCases[] = {
      "2020-07-01T04:00:00Z", "weekOfYear=26"},
 };
 
-TEST(NSCalendar, CountsOnlyDaysThatThereWereUnderWrapping) {
+TEST(NSCalendar, CountsOnlyDaysThatThereWereWhenWrapping) {
   for (const DifferenceCase& row : kWrappingDifferenceCases) {
     const NSDateComponents components = calendarIn(row.zone)->components(
         row.mask, date(row.from), date(row.to), NSCalendarWrapComponents);

@@ -267,10 +267,18 @@ NSDateComponents differenceOfInstants(const CalendarRules& rules, NSUInteger mas
   return result;
 }
 
-Instant withoutSkippedDays(const CalendarRules& rules, Instant from, Instant to) noexcept {
-  const std::int64_t days = (rules.zone->offsetAt(to.seconds) - rules.zone->offsetAt(from.seconds)) /
-                            civil::kSecondsPerDay;
-  return {to.seconds - days * civil::kSecondsPerDay, to.fraction};
+NSDateComponents differenceInDaysThatWere(const CalendarRules& rules, NSUInteger mask, Instant from,
+                                          Instant to) noexcept {
+  const std::int64_t offset = rules.zone->offsetAt(from.seconds);
+  const std::int64_t leftOut =
+      (rules.zone->offsetAt(to.seconds) - offset) / civil::kSecondsPerDay * civil::kSecondsPerDay;
+  if (leftOut == 0) return differenceOfInstants(rules, mask, from, to);
+  // Both local times on one clock that leaves no day out.
+  static const std::shared_ptr<const ZoneTable> steadyClock = ZoneTable::fixed(0);
+  CalendarRules steady = rules;
+  steady.zone = steadyClock.get();
+  return differenceOfInstants(steady, mask, {from.seconds + offset, from.fraction},
+                              {localSeconds(rules, to.seconds) - leftOut, to.fraction});
 }
 
 namespace {

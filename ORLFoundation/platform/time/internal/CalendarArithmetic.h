@@ -26,9 +26,9 @@ namespace ORLFoundation {
 [[nodiscard]] NSDateComponents differenceOfInstants(const CalendarRules& rules, NSUInteger mask,
                                                     Instant from, Instant to) noexcept;
 
-/// The second instant less the days that the zone's clock left out whole between both (Apia's 30
-/// December 2011), so that a difference in days and weeks counts only days that there were.
-[[nodiscard]] Instant withoutSkippedDays(const CalendarRules& rules, Instant from,
-                                         Instant to) noexcept;
+/// As `differenceOfInstants`, for days and weeks: only days that there were count, not those that
+/// the zone's clock left out whole between both instants (Apia's 30 December 2011).
+[[nodiscard]] NSDateComponents differenceInDaysThatWere(const CalendarRules& rules, NSUInteger mask,
+                                                        Instant from, Instant to) noexcept;
 
 }  // namespace ORLFoundation
