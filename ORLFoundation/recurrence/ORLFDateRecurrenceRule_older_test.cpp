@@ -1,0 +1,241 @@
+// The older enumeration, anchors and bounding dates.
+#include <ORLFoundation/platform/object/LogCapture.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrence_testing.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace ORLFoundation {
+namespace {
+
+using orlftest::at;
+using orlftest::calendarIn;
+using orlftest::daysOf;
+using Rule = ORLFDateRecurrenceRule;
+using Days = std::vector<int>;
+
+constexpr auto kDaily = ORLFDateRecurrenceFrequencyDaily;
+constexpr auto kWeekly = ORLFDateRecurrenceFrequencyWeekly;
+constexpr auto kMonthly = ORLFDateRecurrenceFrequencyMonthly;
+constexpr auto kQuarterly = ORLFDateRecurrenceFrequencyQuarterly;
+constexpr auto kYearly = ORLFDateRecurrenceFrequencyYearly;
+
+class OlderEnumeration : public testing::Test {
+ protected:
+  const std::shared_ptr<NSCalendar> calendar_ = calendarIn("America/New_York");
+
+  [[nodiscard]] NSDate day(int year, int month, int dayOfMonth) const {
+    return at(*calendar_, year, month, dayOfMonth, 9, 30);
+  }
+  [[nodiscard]] Days days(const Rule::Recurrence& fields, NSDate reference, std::size_t most,
+                          bool backwards = false) const {
+    std::vector<NSDate> dates;
+    Rule::ruleWithFields(fields)->enumerateDatesForCalendarRefernceDate(
+        {.calendar = *calendar_,
+         .refernceDate = reference,
+         .backwards = backwards,
+         .usingBlock = [&](NSDate date, NSUInteger, bool& stop) {
+           dates.push_back(date);
+           stop = dates.size() >= most;
+         }});
+    return daysOf(dates, *calendar_);
+  }
+};
+
+TEST_F(OlderEnumeration, BeginsOneIntervalAfterItsBaseForwardAndAtItBackward) {
+  EXPECT_EQ(days({.frequency = kMonthly}, day(2023, 1, 31), 2), (Days{20230228, 20230331}));
+  EXPECT_EQ(days({.frequency = kMonthly}, day(2023, 1, 31), 2, true), (Days{20230131, 20221231}));
+}
+
+TEST_F(OlderEnumeration, CountsFromZero) {
+  std::vector<NSUInteger> counts;
+  Rule(kMonthly, 1)
+      .enumerateDatesForCalendarRefernceDate(
+          {.calendar = *calendar_,
+           .refernceDate = day(2023, 1, 1),
+           .end = ORLFDateRecurrenceEnd::initEndWithOccurrenceCount(3),
+           .usingBlock = [&](NSDate, NSUInteger count, bool&) { counts.push_back(count); }});
+  EXPECT_EQ(counts, (std::vector<NSUInteger>{0, 1, 2}));
+}
+
+TEST_F(OlderEnumeration, MovesItsBaseToTheAnchor) {
+  // Slot 1 of 3: two months before the base.
+  EXPECT_EQ(days({.frequency = kMonthly, .interval = 3, .anchorIndex = 1}, day(2023, 3, 15), 2),
+            (Days{20230415, 20230715}));
+  EXPECT_EQ(days({.frequency = kMonthly, .interval = 3, .anchorIndex = 3}, day(2023, 3, 15), 2),
+            (Days{20230615, 20230915}));
+  EXPECT_EQ(days({.frequency = kQuarterly, .interval = 2, .anchorIndex = 1}, day(2023, 3, 15), 1),
+            (Days{20230615}));
+}
+
+TEST_F(OlderEnumeration, LooksBackFromEachStepForItsPatterns) {
+  EXPECT_EQ(days({.frequency = kMonthly, .anchorIndex = 1, .daysOfTheMonth = {{15}}},
+                 day(2023, 1, 20), 2),
+            (Days{20230215, 20230315}));
+}
+
+TEST_F(OlderEnumeration, PicksDatesByPosition) {
+  const auto last =
+      days({.frequency = kMonthly, .daysOfTheMonth = {{5, 15}}, .setPositions = {{-1}}},
+           day(2023, 1, 20), 3);
+  EXPECT_EQ(last, (Days{20230215, 20230315, 20230415}));
+  const auto first =
+      days({.frequency = kMonthly, .daysOfTheMonth = {{5, 15}}, .setPositions = {{1}}},
+           day(2023, 1, 20), 3);
+  EXPECT_EQ(first, (Days{20230205, 20230305, 20230405}));
+}
+
+TEST_F(OlderEnumeration, GivesEqualDatesOfSeveralPatternsTwice) {
+  EXPECT_EQ(days({.frequency = kMonthly, .daysOfTheMonth = {{5, 5}}}, day(2023, 1, 20), 2),
+            (Days{20230205, 20230205}));
+}
+
+TEST_F(OlderEnumeration, StepsAQuarterlyRuleWithPatternsByYears) {
+  EXPECT_EQ(days({.frequency = kQuarterly, .monthsOfTheYear = {{1}}}, day(2023, 1, 20), 5),
+            (Days{20230401, 20230701, 20231001, 20240120, 20240401}));
+}
+
+TEST_F(OlderEnumeration, StopsWithAPeriodWithoutADate) {
+  EXPECT_TRUE(days({.frequency = kMonthly, .daysOfTheMonth = {{32}}}, day(2023, 1, 20), 5).empty());
+}
+
+TEST_F(OlderEnumeration, CallsTheBlockAgainAfterItsStopWhereAnEndAnswersOtherwise) {
+  Days seen;
+  Rule::ruleWithFields({.frequency = kMonthly, .daysOfTheMonth = {{5, 10, 15}}})
+      ->enumerateDatesForCalendarRefernceDate(
+          {.calendar = *calendar_,
+           .refernceDate = day(2023, 1, 20),
+           .end = ORLFDateRecurrenceEnd::initEndWithOccurrenceCount(99),
+           .usingBlock = [&](NSDate date, NSUInteger, bool& stop) {
+             seen.push_back(daysOf({date}, *calendar_).front());
+             stop = true;
+           }});
+  EXPECT_EQ(seen, (Days{20230205, 20230210, 20230215}));
+  // Without an end the first stop holds.
+  EXPECT_EQ(days({.frequency = kMonthly, .daysOfTheMonth = {{5, 10, 15}}}, day(2023, 1, 20), 1),
+            (Days{20230205}));
+}
+
+TEST_F(OlderEnumeration, EndsWhenNoPositionEverPicksADate) {
+  EXPECT_TRUE(days({.frequency = kDaily, .setPositions = {{2}}}, day(2023, 1, 20), 5).empty());
+  EXPECT_TRUE(
+      days({.frequency = kMonthly, .interval = 0, .setPositions = {{9}}}, day(2023, 1, 20), 5)
+          .empty());
+}
+
+TEST_F(OlderEnumeration, EndsWhereTheCalendarEndsAndWithoutADate) {
+  EXPECT_TRUE(
+      days({.frequency = kYearly, .interval = NSIntegerMax, .anchorIndex = 1}, day(2023, 1, 20), 5)
+          .empty());
+  EXPECT_TRUE(
+      days({.frequency = kMonthly, .interval = 5, .anchorIndex = NSIntegerMin}, day(2023, 1, 20), 5)
+          .empty());
+  const NSDate never =
+      NSDate::dateWithTimeIntervalSinceReferenceDate(std::numeric_limits<double>::quiet_NaN());
+  EXPECT_TRUE(days({.frequency = kMonthly}, never, 5).empty());
+  bool called = false;
+  Rule(kMonthly, 1)
+      .enumerateDatesForCalendarRefernceDate(
+          {.calendar = *calendar_,
+           .refernceDate = std::nullopt,
+           .usingBlock = [&](NSDate, NSUInteger, bool& stop) { called = stop = true; }});
+  EXPECT_FALSE(called);
+}
+
+// ---------------------------------------------------------------- anchors
+
+TEST_F(OlderEnumeration, CountsAbsolutePhasesFromTheFirstOfJanuary2012) {
+  EXPECT_EQ(Rule::universalAnchorDateInCalendar(*calendar_), at(*calendar_, 2012, 1, 1));
+}
+
+struct SlotCase {
+  const char* name;
+  ORLFDateRecurrenceFrequency frequency;
+  NSInteger interval;
+  int year, month, day;
+  NSInteger slot;
+};
+constexpr SlotCase kSlots[] = {
+    {"FirstMonth", kMonthly, 2, 2012, 1, 1, 1},
+    {"SecondMonth", kMonthly, 2, 2012, 2, 1, 2},
+    {"ThirdMonthIsTheFirstSlotAgain", kMonthly, 2, 2012, 3, 1, 1},
+    {"QuarterlySlotsAreMonths", kQuarterly, 1, 2012, 2, 1, 2},
+    {"Days", kDaily, 7, 2012, 1, 9, 2},
+    {"Weeks", kWeekly, 3, 2012, 1, 16, 3},
+    {"Years", kYearly, 5, 2018, 6, 1, 2},
+    {"WholeMonthsBeforeTheAnchor", kMonthly, 3, 2011, 12, 1, 2},
+    {"DaysBeforeTheAnchorAreAMonthMore", kMonthly, 3, 2011, 11, 15, 3},
+    {"AnyOtherFrequencyIsInTheFirst", static_cast<ORLFDateRecurrenceFrequency>(32), 3, 2015, 1, 2,
+     1},
+    {"IntervalZero", kMonthly, 0, 2015, 1, 1, 1},
+};
+
+TEST_F(OlderEnumeration, FindsTheSlotOfADate) {
+  for (const SlotCase& row : kSlots)
+    EXPECT_EQ(
+        Rule::anchorIndexForAbsoluteRecurrenceWithFrequency(
+            row.frequency, row.interval, at(*calendar_, row.year, row.month, row.day), *calendar_),
+        row.slot)
+        << row.name;
+}
+
+TEST_F(OlderEnumeration, TakesTheStartOfTheDayForTheReferenceOfARuleWithoutAPhase) {
+  const NSDate date = day(2023, 5, 17);
+  const NSDate start = at(*calendar_, 2023, 5, 17);
+  EXPECT_EQ(Rule(kMonthly, 3).canonicalReferenceDateForDate(date, *calendar_), start);
+  const auto every = Rule::ruleWithFields({.frequency = kMonthly, .absolute = true});
+  EXPECT_EQ(every->canonicalReferenceDateForDate(date, *calendar_), start);
+  const auto zero = Rule::ruleWithFields({.frequency = kMonthly, .interval = 0, .absolute = true});
+  EXPECT_EQ(zero->canonicalReferenceDateForDate(date, *calendar_), start);
+}
+
+TEST_F(OlderEnumeration, TakesTheCurrentInstantForANilDate) {
+  const NSDate now = day(2023, 5, 17);
+  NSDate::setClock([now] { return now; });
+  EXPECT_EQ(Rule(kMonthly, 1).canonicalReferenceDateForDate(std::nullopt, *calendar_),
+            at(*calendar_, 2023, 5, 17));
+  EXPECT_EQ(Rule(kMonthly, 1).boundingDatesForReferenceDate(std::nullopt, *calendar_),
+            (std::vector<NSDate>{now, day(2023, 6, 17)}));
+  NSDate::setClock({});
+}
+
+TEST_F(OlderEnumeration, TakesTheSpansLastUnitForAnAbsoluteRuleWithoutPatterns) {
+  const auto rule = Rule::ruleWithFields({.frequency = kMonthly, .interval = 3, .absolute = true});
+  EXPECT_EQ(rule->canonicalReferenceDateForDate(day(2023, 5, 17), *calendar_),
+            at(*calendar_, 2023, 7, 17));
+}
+
+TEST_F(OlderEnumeration, MovesAnAbsoluteRuleLessThanItsSpanOn) {
+  for (const auto frequency : {kDaily, kWeekly, kMonthly, kQuarterly, kYearly}) {
+    for (NSInteger interval = 2; interval < 7; ++interval) {
+      const auto rule = Rule::ruleWithFields({.frequency = frequency,
+                                              .interval = interval,
+                                              .absolute = true,
+                                              .daysOfTheMonth = {{10}}});
+      const NSInteger units = frequency == kQuarterly ? 12 : 1;
+      const auto unit =
+          frequency == kQuarterly ? NSCalendarUnitMonth : static_cast<NSCalendarUnit>(frequency);
+      for (int month = 1; month <= 12; ++month) {
+        const NSDate start = at(*calendar_, 2023, month, 3);
+        const auto moved = rule->canonicalReferenceDateForDate(start, *calendar_).value();
+        EXPECT_GE(moved.timeIntervalSinceDate(start), 0);
+        const NSInteger gone = calendar_->components(unit, start, moved, 0).valueForComponent(unit);
+        EXPECT_LT(gone, interval * units);
+      }
+    }
+  }
+}
+
+TEST_F(OlderEnumeration, BoundsADateByItselfAndTheNext) {
+  const Rule rule(kMonthly, 1);
+  EXPECT_EQ(rule.boundingDatesForReferenceDate(day(2023, 1, 31), *calendar_),
+            (std::vector<NSDate>{day(2023, 1, 31), day(2023, 2, 28)}));
+}
+
+TEST_F(OlderEnumeration, BoundsNothingWhereOneSideIsMissing) {
+  const auto rule = Rule::ruleWithFields({.frequency = kMonthly, .daysOfTheMonth = {{32}}});
+  EXPECT_TRUE(rule->boundingDatesForReferenceDate(day(2023, 1, 31), *calendar_).empty());
+}
+
+}  // namespace
+}  // namespace ORLFoundation

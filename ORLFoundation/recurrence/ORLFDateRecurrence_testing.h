@@ -1,0 +1,49 @@
+/// What the tests of this folder share: collecting the dates of a walk.
+#pragma once
+
+#include <ORLFoundation/calendar/ORLFCalendar_testing.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+
+#include <memory>
+#include <vector>
+
+namespace orlftest {
+
+struct WalkOptions {
+  std::shared_ptr<ORLFoundation::ORLFDateRecurrenceEnd> end = nullptr;
+  bool backwards = false;
+  bool exact = false;
+};
+
+/// The first dates of the main enumeration, at most so many.
+inline std::vector<ORLFoundation::NSDate> firstDates(
+    const ORLFoundation::ORLFDateRecurrenceRule& rule, const ORLFoundation::NSCalendar& calendar,
+    ORLFoundation::NSDate start, std::size_t most, const WalkOptions& options = {}) {
+  using namespace ORLFoundation;
+  std::vector<NSDate> dates;
+  rule.enumerateDatesForCalendarStartDate({.calendar = calendar,
+                                           .startDate = start,
+                                           .end = options.end,
+                                           .backwards = options.backwards,
+                                           .exactPatternMatch = options.exact,
+                                           .usingBlock = [&](NSDate date, NSUInteger, bool& stop) {
+                                             dates.push_back(date);
+                                             stop = dates.size() >= most;
+                                           }});
+  return dates;
+}
+
+/// The days of a walk as yyyymmdd on the calendar's clock.
+inline std::vector<int> daysOf(const std::vector<ORLFoundation::NSDate>& dates,
+                               const ORLFoundation::NSCalendar& calendar) {
+  using namespace ORLFoundation;
+  std::vector<int> days;
+  for (const NSDate date : dates) {
+    const auto day =
+        calendar.components(NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay, date);
+    days.push_back(static_cast<int>(day.year() * 10000 + day.month() * 100 + day.day()));
+  }
+  return days;
+}
+
+}  // namespace orlftest
