@@ -84,12 +84,13 @@ namespace ORLFoundation {
     const std::optional<NSDecimalNumber>& number, const std::optional<NSDecimalNumber>& other,
     const NSDecimalNumberBehaviors* withBehavior = nullptr);
 
-/// `orlfDecimalNumberByAdding:to:`, and with `withBehavior:`. A missing operand is absent, not a
-/// failure: the other one comes back as it is, unrounded. nil when both are.
+/// `orlfDecimalNumberByAdding:to:`, `orlfDecimalNumberByAdding:to:withBehavior:`  A missing operand
+/// is absent, not a failure: the other one comes back as it is, unrounded. nil when both are.
 [[nodiscard]] std::optional<NSDecimalNumber> orlfDecimalNumberByAddingTo(
     const std::optional<NSDecimalNumber>& number, const std::optional<NSDecimalNumber>& to,
     const NSDecimalNumberBehaviors* withBehavior = nullptr);
-/// `orlfDecimalNumberBySubtracting:from:`, and with `withBehavior:`. Without `from` the number
+/// `orlfDecimalNumberBySubtracting:from:`, `orlfDecimalNumberBySubtracting:from:withBehavior:`
+/// Without `from` the number
 /// negated, unrounded; without the number `from` as it is; nil when both are missing.
 [[nodiscard]] std::optional<NSDecimalNumber> orlfDecimalNumberBySubtractingFrom(
     const std::optional<NSDecimalNumber>& number, const std::optional<NSDecimalNumber>& from,

@@ -41,6 +41,46 @@ ExactValue exactSum(const NSDecimal& upper, const NSDecimal& lower) noexcept {
   return result;
 }
 
+/// Whether the sum fits 38 digits without a look below it; then it is exact.
+bool addWithinDigits(const NSDecimal& upper, const NSDecimal& lower, NSDecimal& sum) noexcept {
+  const int distance = upper.exponent() - lower.exponent();
+  Wide large = upper.mantissa();
+  const Wide small = lower.mantissa();
+  if (distance != 0) {
+    if (distance + internal::digitCount(large) > NSDecimal::kMostDigits) return false;
+    large *= internal::powerOfTen(distance);
+  }
+  const bool isSum = upper.isNegative() == lower.isNegative();
+  if (isSum && large + small >= NSDecimal::kMantissaEnd) return false;
+  const bool isLarger = isSum || large >= small;
+  const Wide digits = isSum ? large + small : isLarger ? large - small : small - large;
+  sum = NSDecimal(digits, lower.exponent(), isLarger ? upper.isNegative() : lower.isNegative());
+  return true;
+}
+
+/// Drops digits of a short mantissa.
+NSDecimal roundShort(const NSDecimal& number, int drop, NSRoundingMode mode) noexcept {
+  const std::uint64_t unit = internal::shortPowerOfTen(drop);
+  const std::uint64_t kept = number.shortMantissa() / unit;
+  const Dropped dropped = internal::classOfRemainder(number.shortMantissa() % unit, unit);
+  const bool away = internal::roundsAway(mode, number.isNegative(), (kept & 1) != 0, dropped);
+  return {kept + (away ? 1U : 0U), number.exponent() + drop, number.isNegative()};
+}
+
+/// Rounds a quotient of 38 digits.
+NSDecimalResult roundedQuotient(const internal::WideQuotient& quotient, int exponent, bool negative,
+                                NSRoundingMode mode) noexcept {
+  const bool isOdd = (quotient.quotient & 1) != 0;
+  const bool away = internal::roundsAway(mode, negative, isOdd, quotient.dropped);
+  const Wide digits = quotient.quotient + (away ? 1 : 0);
+  if (digits == NSDecimal::kMantissaEnd || exponent < NSDecimal::kSmallestExponent ||
+      exponent > NSDecimal::kLargestExponent)
+    return internal::rounded({{quotient.quotient, 0}, exponent, negative, quotient.dropped}, mode);
+  const bool isExact = quotient.dropped == Dropped::kNothing;
+  return {NSDecimal(digits, exponent, negative),
+          isExact ? NSCalculationNoError : NSCalculationLossOfPrecision};
+}
+
 }  // namespace
 
 namespace internal {
@@ -50,8 +90,12 @@ NSDecimalResult addLong(const NSDecimal& left, const NSDecimal& right,
   if (left.isNaN() || right.isNaN()) return kNotANumber;
   if (left.isZero()) return {right};
   if (right.isZero()) return {left};
-  if (left.exponent() < right.exponent()) return rounded(exactSum(right, left), mode);
-  return rounded(exactSum(left, right), mode);
+  const bool isLeftUpper = left.exponent() >= right.exponent();
+  const NSDecimal& upper = isLeftUpper ? left : right;
+  const NSDecimal& lower = isLeftUpper ? right : left;
+  NSDecimal sum;
+  if (addWithinDigits(upper, lower, sum)) return {sum};
+  return rounded(exactSum(upper, lower), mode);
 }
 
 NSDecimalResult multiplyLong(const NSDecimal& left, const NSDecimal& right,
@@ -69,19 +113,19 @@ NSDecimalResult NSDecimalDivide(const NSDecimal& left, const NSDecimal& right,
   if (left.isNaN() || right.isNaN()) return kNotANumber;
   if (right.isZero()) return {NSDecimal::notANumber(), NSCalculationDivideByZero};
   if (left.isZero()) return {};
-  Wide dividend = left.mantissa();
-  Wide divisor = right.mantissa();
+  const Wide dividend = left.mantissa();
+  const Wide divisor = right.mantissa();
   const int distance = internal::digitCount(divisor) - internal::digitCount(dividend);
   // As many digits on both sides tell whether the quotient's first digit is there or one further.
-  const bool starts = distance < 0 ? dividend >= divisor * internal::powerOfTen(-distance)
-                                   : dividend * internal::powerOfTen(distance) >= divisor;
+  const bool starts = dividend * internal::powerOfTen(std::max(distance, 0)) >=
+                      divisor * internal::powerOfTen(std::max(-distance, 0));
   const int raised = NSDecimal::kMostDigits - (starts ? 1 : 0) + distance;
-  const auto quotient = internal::divide(internal::timesPowerOfTen(dividend, raised), divisor);
-  const NSDecimalResult result = internal::rounded({{quotient.quotient, 0},
-                                                    left.exponent() - right.exponent() - raised,
-                                                    left.isNegative() != right.isNegative(),
-                                                    quotient.dropped},
-                                                   mode);
+  const WideInteger numerator =
+      left.isShort() ? internal::timesShort(internal::widePowerOfTen(raised), left.shortMantissa())
+                     : internal::timesPowerOfTen(dividend, raised);
+  const NSDecimalResult result = roundedQuotient(internal::divide(numerator, divisor),
+                                                 left.exponent() - right.exponent() - raised,
+                                                 left.isNegative() != right.isNegative(), mode);
   if (result.error != NSCalculationNoError) return result;
   return {result.value.compacted()};
 }
@@ -98,6 +142,10 @@ NSDecimalResult NSDecimalRound(const NSDecimal& number, NSInteger scale,
                                NSRoundingMode mode) noexcept {
   if (number.isNaN() || scale >= -number.exponent()) return {number};
   const auto lowest = static_cast<int>(-std::max(scale, -kFarthestPower));
+  const int drop = lowest - number.exponent();
+  if (number.isShort() && drop <= internal::kMostShortDigits &&
+      lowest <= NSDecimal::kLargestExponent)
+    return {roundShort(number, drop, mode)};
   const NSDecimalResult result = internal::rounded(
       {{number.mantissa(), 0}, number.exponent(), number.isNegative()}, mode, lowest);
   if (result.error == NSCalculationOverflow) return result;

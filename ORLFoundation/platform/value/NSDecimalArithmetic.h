@@ -30,15 +30,20 @@ namespace internal {
 /// Mantissas of 64 bits that are at most this many digits apart have an exact sum.
 inline constexpr int kShortDistance = 18;
 
+/// The two's complement of a negative number, without a branch.
+[[nodiscard]] constexpr Wide withSign(Wide value, bool isNegative) noexcept {
+  return (value ^ (Wide{0} - Wide{isNegative})) + Wide{isNegative};
+}
+
 /// Sums of money: both mantissas short, their exponents at most `kShortDistance` apart.
 [[nodiscard]] constexpr NSDecimal addShort(const NSDecimal& left, const NSDecimal& right) noexcept {
   const int distance = left.exponent() - right.exponent();
-  const Wide larger = Wide{left.shortMantissa()} * shortPowerOfTen(distance > 0 ? distance : 0);
-  const Wide other = Wide{right.shortMantissa()} * shortPowerOfTen(distance < 0 ? -distance : 0);
+  const Wide first = Wide{left.shortMantissa()} * shortPowerOfTen(distance > 0 ? distance : 0);
+  const Wide second = Wide{right.shortMantissa()} * shortPowerOfTen(distance < 0 ? -distance : 0);
   const int exponent = distance > 0 ? right.exponent() : left.exponent();
-  if (left.isNegative() == right.isNegative()) return {larger + other, exponent, left.isNegative()};
-  if (larger < other) return {other - larger, exponent, right.isNegative()};
-  return {larger - other, exponent, left.isNegative()};
+  const Wide sum = withSign(first, left.isNegative()) + withSign(second, right.isNegative());
+  const bool isNegative = (sum >> 127) != 0;
+  return {withSign(sum, isNegative), exponent, isNegative};
 }
 
 }  // namespace internal

@@ -1,71 +1,10 @@
 #include <ORLFoundation/platform/value/internal/TwoWordDivision.h>
 #include <ORLFoundation/platform/value/internal/WideInteger.h>
 
-#include <algorithm>
+#include <array>
 
 namespace ORLFoundation::internal {
 namespace {
-
-constexpr Wide kTenTo38 = NSDecimal::kMantissaEnd;
-
-/// A power of ten below 2^64, moved up until its top bit is set, with the reciprocal that turns a
-/// division by it into two multiplications (Möller and Granlund, 2011).
-struct PreparedDivisor {
-  std::uint64_t divisor;
-  std::uint64_t reciprocal;
-  int shift;
-};
-
-constexpr std::array<PreparedDivisor, kMostShortDigits + 1> kPreparedPowersOfTen = [] {
-  std::array<PreparedDivisor, kMostShortDigits + 1> table{};
-  for (std::size_t i = 0; i < table.size(); ++i) {
-    const int shift = std::countl_zero(kShortPowersOfTen[i]);
-    const std::uint64_t divisor = kShortPowersOfTen[i] << shift;
-    table[i] = {divisor, lowWord(~Wide{0} / divisor), shift};
-  }
-  return table;
-}();
-
-/// Two words by a prepared divisor; the high word is below it.
-ShortDivision dividePrepared(std::uint64_t high, std::uint64_t low,
-                             const PreparedDivisor& by) noexcept {
-  const Wide estimate = Wide{by.reciprocal} * high + ((Wide{high} << 64) | low);
-  std::uint64_t quotient = highWord(estimate) + 1;
-  std::uint64_t remainder = low - quotient * by.divisor;
-  if (remainder > lowWord(estimate)) {
-    --quotient;
-    remainder += by.divisor;
-  }
-  if (remainder >= by.divisor) {
-    ++quotient;
-    remainder -= by.divisor;
-  }
-  return {quotient, remainder};
-}
-
-using Words = std::array<std::uint64_t, 4>;
-
-constexpr Words wordsOf(const WideInteger& value) noexcept {
-  return {lowWord(value.low), highWord(value.low), lowWord(value.high), highWord(value.high)};
-}
-
-/// Divides the words, lowest first, by 10^count in place; count is at most 19. Gives the remainder.
-std::uint64_t divideWords(Words& words, int& length, int count) noexcept {
-  const PreparedDivisor& by = kPreparedPowersOfTen[static_cast<std::size_t>(count)];
-  const auto movedUp = [&](std::size_t i) {
-    const std::uint64_t below = i == 0 ? 0 : words[i - 1];
-    return by.shift == 0 ? words[i] : (words[i] << by.shift) | (below >> (64 - by.shift));
-  };
-  std::uint64_t remainder =
-      by.shift == 0 ? 0 : words[static_cast<std::size_t>(length - 1)] >> (64 - by.shift);
-  for (auto i = static_cast<std::size_t>(length); i-- > 0;) {
-    const ShortDivision step = dividePrepared(remainder, movedUp(i), by);
-    words[i] = step.quotient;
-    remainder = step.remainder;
-  }
-  while (length > 1 && words[static_cast<std::size_t>(length - 1)] == 0) --length;
-  return remainder >> by.shift;
-}
 
 /// One step of a long division: three words by two, the divisor's top bit set and the first two
 /// words below it. Leaves the remainder in the first two.
@@ -89,28 +28,64 @@ std::uint64_t quotientWord(Wide& remainder, std::uint64_t next, Wide divisor) no
   return lowWord(estimate);
 }
 
+/// A power of ten as a divisor: its reciprocal, moved up to 128 bits, turns a division into two
+/// multiplications (Barrett, 1986).
+struct PreparedDivisor {
+  Wide divisor = 0;
+  Wide reciprocal = 0;
+  /// The divisor's bits but one.
+  int shift = 0;
+};
+
+constexpr PreparedDivisor prepared(Wide divisor) noexcept {
+  PreparedDivisor by{divisor, 0, bitWidth(divisor) - 1};
+  Wide rest = Wide{1} << by.shift;
+  for (int i = 0; i < 128; ++i) {
+    rest <<= 1;
+    const bool goes = rest >= divisor;
+    by.reciprocal = (by.reciprocal << 1) | (goes ? 1U : 0U);
+    if (goes) rest -= divisor;
+  }
+  return by;
+}
+
+constexpr std::array<PreparedDivisor, NSDecimal::kMostDigits + 1> kPreparedPowersOfTen = [] {
+  std::array<PreparedDivisor, NSDecimal::kMostDigits + 1> table{};
+  for (std::size_t i = 1; i < table.size(); ++i) table[i] = prepared(kPowersOfTen[i]);
+  return table;
+}();
+
+/// Drops at most 38 digits.
+WideQuotient dropSomeDigits(const WideInteger& value, int count) noexcept {
+  const PreparedDivisor& by = kPreparedPowersOfTen[static_cast<std::size_t>(count)];
+  const Wide upper = (value.high << (128 - by.shift)) | (value.low >> by.shift);
+  // The estimate is right, or one or two too small.
+  Wide quotient = product(upper, by.reciprocal).high;
+  Wide remainder = value.low - quotient * by.divisor;
+  for (int i = 0; i < 2; ++i) {
+    const bool goes = remainder >= by.divisor;
+    quotient += goes ? 1 : 0;
+    remainder -= by.divisor & (Wide{0} - Wide{goes});
+  }
+  return {quotient, classOfRemainder(remainder, by.divisor)};
+}
+
 }  // namespace
 
 int digitCount(const WideInteger& value) noexcept {
-  if (value.high == 0 && value.low < kTenTo38) return digitCount(value.low);
   const int width = value.high == 0 ? bitWidth(value.low) : 128 + bitWidth(value.high);
-  const int estimate = std::max(NSDecimal::kMostDigits, (width * 1233) >> 12);
+  const int estimate = (width * 1233) >> 12;
   if (estimate > kMostWideDigits) return estimate;
-  const WideInteger power = timesPowerOfTen(1, estimate);
-  return value < power ? estimate : estimate + 1;
+  return estimate + (value < widePowerOfTen(estimate) ? 0 : 1);
 }
 
 WideQuotient dropDigits(const WideInteger& value, int count) noexcept {
-  if (count > kMostWideDigits + 1)
-    return {0, value.isZero() ? Dropped::kNothing : Dropped::kBelowHalf};
-  Words words = wordsOf(value);
-  int length = value.high == 0 ? 2 : 4;
-  bool more = false;
-  for (; count > kMostShortDigits; count -= kMostShortDigits)
-    more |= divideWords(words, length, kMostShortDigits) != 0;
-  const std::uint64_t remainder = divideWords(words, length, count);
-  const Dropped dropped = classOfRemainder(remainder, shortPowerOfTen(count));
-  return {(Wide{words[1]} << 64) | words[0], withMoreBelow(dropped, more)};
+  constexpr int kStep = NSDecimal::kMostDigits;
+  if (count <= kStep) return dropSomeDigits(value, count);
+  if (count > kMostWideDigits) return {0, value.isZero() ? Dropped::kNothing : Dropped::kBelowHalf};
+  const WideQuotient upper = dropSomeDigits(value, kStep);
+  const WideQuotient kept = dropSomeDigits({upper.quotient, 0}, count - kStep);
+  return {kept.quotient, withMoreBelow(kept.dropped, upper.dropped != Dropped::kNothing)};
 }
 
 WideQuotient divide(const WideInteger& value, Wide divisor) noexcept {

@@ -53,7 +53,26 @@ struct WideInteger {
   return result;
 }
 
-/// Decimal digits of a value below 10^77; none for zero.
+/// The product with one word, which the caller knows to fit.
+[[nodiscard]] constexpr WideInteger timesShort(const WideInteger& value,
+                                               std::uint64_t factor) noexcept {
+  WideInteger result = product(value.low, factor);
+  result.high += value.high * factor;
+  return result;
+}
+
+inline constexpr std::array<WideInteger, kMostWideDigits + 1> kWidePowersOfTen = [] {
+  std::array<WideInteger, kMostWideDigits + 1> powers{};
+  for (std::size_t i = 0; i < powers.size(); ++i)
+    powers[i] = timesPowerOfTen(1, static_cast<int>(i));
+  return powers;
+}();
+
+[[nodiscard]] constexpr const WideInteger& widePowerOfTen(int exponent) noexcept {
+  return kWidePowersOfTen[static_cast<std::size_t>(exponent)];
+}
+
+/// Decimal digits of a value below 2 * 10^76; none for zero.
 [[nodiscard]] int digitCount(const WideInteger& value) noexcept;
 
 /// How what is left out below a digit compares with half a unit of that digit.
@@ -79,7 +98,7 @@ struct WideQuotient {
   Dropped dropped;
 };
 
-/// Drops that many digits, at least one; what stays is below 10^38.
+/// Drops that many digits, at least one, of a value below 2 * 10^76; what stays is below 10^38.
 [[nodiscard]] WideQuotient dropDigits(const WideInteger& value, int count) noexcept;
 
 /// Divides a value whose high half is below the divisor.
