@@ -74,9 +74,7 @@ class id {
   }
   /// nil for a null pointer.
   template <class T>
-  requires NSObjectClass<T> id(std::shared_ptr<T> object) {
-    hold(std::move(object));
-  }
+  requires NSObjectClass<T> id(std::shared_ptr<T> object) { hold(std::move(object)); }
   /// A constant object is held like any other; `id` itself changes nothing in it.
   template <class T>
   requires NSObjectClass<T> id(std::shared_ptr<const T> object)
