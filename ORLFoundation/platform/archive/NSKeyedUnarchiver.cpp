@@ -165,8 +165,7 @@ class NSKeyedUnarchiver::Reader {
     if (document_.isNull(uid)) return {};
     const NSCodingClass& record = document_.classOf(uid);
     if (!isAllowed(record, allowed)) {
-      if (isAllowed(NSCodingClassOf<NSDecimalNumber>(), allowed))
-        if (const auto decimal = decimalInOtherForm(document_.entry(uid))) return *decimal;
+      if (const auto decimal = decimalInOtherForm(document_.entry(uid), allowed)) return *decimal;
       throw PropertyListFault("The class " + record.name() + " is not allowed.");
     }
     if (!record.supportsSecureCoding())
@@ -196,9 +195,13 @@ class NSKeyedUnarchiver::Reader {
     }
   }
 
-  // Some writers store decimals as plain numbers or texts.
-  std::optional<NSDecimal> decimalInOtherForm(Index entry) {
+  // Some writers store decimals as plain numbers or texts. Taken only where decimals are allowed by
+  // name: whoever allows numbers gets no text.
+  std::optional<NSDecimal> decimalInOtherForm(Index entry, NSCodingClasses allowed) {
     std::optional<NSDecimal> decimal;
+    if (std::find(allowed.begin(), allowed.end(), &NSCodingClassOf<NSDecimalNumber>()) ==
+        allowed.end())
+      return decimal;
     const PropertyListKind kind = table_.kind(entry);
     if (kind == PropertyListKind::Integer) decimal = NSDecimal::fromInteger(table_.integer(entry));
     if (kind == PropertyListKind::UnsignedInteger)

@@ -1,0 +1,780 @@
+// Archives of the platform's own values, and of small classes made for the purpose.
+#include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
+#include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
+#include <ORLFoundation/platform/archive/NSPropertyListUID.h>
+#include <ORLFoundation/platform/archive/NSPropertyList_testing.h>
+#include <ORLFoundation/platform/number/NSDecimalNumber.h>
+#include <ORLFoundation/platform/object/NSArray.h>
+#include <ORLFoundation/platform/object/NSDictionary.h>
+#include <ORLFoundation/platform/object/NSSet.h>
+#include <ORLFoundation/platform/value/NSException.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+using namespace ORLFoundation;
+using orlftest::bytesFromHex;
+
+/// Fields of every kind, and links that may go round.
+class Sample : public NSObject, public NSSecureCoding {
+ public:
+  id label, when, price, tags;
+  std::int64_t count = 0;
+  std::int32_t small = 0;
+  bool open = false;
+  double ratio = 0;
+  std::shared_ptr<Sample> next;
+  std::weak_ptr<Sample> parent;
+
+  std::string className() const override { return "Sample"; }
+  static bool supportsSecureCoding() { return true; }
+  static const NSCodingClass& codingClass();
+  const NSCodingClass& classForCoder() const override { return codingClass(); }
+  void encodeWithCoder(NSCoder& coder) const override {
+    coder.encodeObject(label, "label");
+    coder.encodeObject(when, "when");
+    coder.encodeObject(price, "price");
+    coder.encodeObject(tags, "tags");
+    coder.encodeInt64(count, "count");
+    coder.encodeInt32(small, "small");
+    coder.encodeBool(open, "open");
+    coder.encodeDouble(ratio, "ratio");
+    coder.encodeObject(next, "next");
+    coder.encodeObject(parent.lock(), "parent");
+  }
+  static std::shared_ptr<Sample> initWithCoder(NSCoder& coder) {
+    auto sample = std::make_shared<Sample>();
+    coder.setObjectBeingDecoded(sample);
+    sample->label = coder.decodeObjectOfClass<std::string>("label");
+    sample->when = coder.decodeObjectOfClass<NSDate>("when");
+    sample->price = coder.decodeObjectOfClass<NSDecimalNumber>("price");
+    sample->tags = coder.decodeObjectOfClasses<NSArray, std::string, NSNumber, NSNull>("tags");
+    sample->count = coder.decodeInt64("count");
+    sample->small = coder.decodeInt32("small");
+    sample->open = coder.decodeBool("open");
+    sample->ratio = coder.decodeDouble("ratio");
+    sample->next = coder.decodeObjectOfClass<Sample>("next");
+    sample->parent = coder.decodeObjectOfClass<Sample>("parent");
+    return sample;
+  }
+};
+
+class SpecialSample final : public Sample {
+ public:
+  static const NSCodingClass& codingClass();
+  const NSCodingClass& classForCoder() const override { return codingClass(); }
+  static std::shared_ptr<SpecialSample> initWithCoder(NSCoder&) {
+    return std::make_shared<SpecialSample>();
+  }
+};
+
+const NSCodingClass& Sample::codingClass() {
+  static const NSCodingClass& record = NSCodingClass::define<Sample>("Sample");
+  return record;
+}
+const NSCodingClass& SpecialSample::codingClass() {
+  static const NSCodingClass& record =
+      NSCodingClass::define<SpecialSample>("SpecialSample", &Sample::codingClass());
+  return record;
+}
+
+/// Does not announce itself, refuses to be read, or raises, as its mode says.
+class Stubborn final : public NSObject, public NSSecureCoding {
+ public:
+  std::int64_t mode = 0;
+  id member;
+
+  static bool supportsSecureCoding() { return true; }
+  static const NSCodingClass& codingClass() {
+    static const NSCodingClass& record = NSCodingClass::define<Stubborn>("Stubborn");
+    return record;
+  }
+  const NSCodingClass& classForCoder() const override { return codingClass(); }
+  void encodeWithCoder(NSCoder& coder) const override {
+    coder.encodeInt64(mode, "mode");
+    coder.encodeObject(member, "member");
+  }
+  static std::shared_ptr<Stubborn> initWithCoder(NSCoder& coder) {
+    const std::int64_t mode = coder.decodeInt64("mode");
+    if (mode == 1) return nullptr;
+    if (mode == 2) throw NSException(NSInvalidArgumentException, "raised while reading");
+    auto stubborn = std::make_shared<Stubborn>();
+    stubborn->member = coder.decodeObjectOfClass<Stubborn>("member");
+    return stubborn;
+  }
+};
+
+class Insecure final : public NSObject, public NSSecureCoding {
+ public:
+  static bool supportsSecureCoding() { return false; }
+  static const NSCodingClass& codingClass() {
+    static const NSCodingClass& record = NSCodingClass::define<Insecure>("Insecure");
+    return record;
+  }
+  const NSCodingClass& classForCoder() const override { return codingClass(); }
+  void encodeWithCoder(NSCoder&) const override {}
+  static std::shared_ptr<Insecure> initWithCoder(NSCoder&) { return std::make_shared<Insecure>(); }
+};
+
+NSData archived(const id& root) {
+  std::shared_ptr<const NSError> error;
+  const auto data = NSKeyedArchiver::archivedDataWithRootObject(root, true, &error);
+  EXPECT_TRUE(data) << (error ? error->localizedDescription() : "no error");
+  return data.value_or(NSData());
+}
+
+id unarchived(const NSData& data, NSErrorSlot error = nullptr) {
+  return NSKeyedUnarchiver::unarchivedObjectOfClasses<NSArray, NSDictionary, NSSet, std::string,
+                                                      NSNumber, NSDate, NSData, NSURL, NSUUID,
+                                                      NSNull, Sample, Stubborn>(data, error);
+}
+
+/// nil, with an error; gives what it says.
+std::string refusal(const NSData& data) {
+  std::shared_ptr<const NSError> error;
+  EXPECT_TRUE(unarchived(data, &error).isNil());
+  if (!error) return "no error";
+  EXPECT_EQ(error->domain(), NSCocoaErrorDomain);
+  EXPECT_EQ(error->code(), NSCoderReadCorruptError);
+  return error->localizedDescription();
+}
+
+id uid(std::uint32_t value) { return std::make_shared<NSPropertyListUID>(value); }
+id dictionary(const NSDictionary::Entries& entries) {
+  return std::make_shared<NSDictionary>(entries);
+}
+id list(std::vector<id> members) { return std::make_shared<NSArray>(std::move(members)); }
+id classNamed(std::string_view name) {
+  return dictionary({{"$classname", name}, {"$classes", list({name, "NSObject"})}});
+}
+
+/// An archive put together by hand; the object 1 is the root.
+NSData archiveOf(std::vector<id> objects,
+                 NSPropertyListFormat format = NSPropertyListBinaryFormat_v1_0) {
+  objects.insert(objects.begin(), "$null");
+  const auto data = NSPropertyListSerialization::dataWithPropertyList(
+      dictionary({{"$version", 100000},
+                  {"$archiver", "NSKeyedArchiver"},
+                  {"$top", dictionary({{"root", uid(1)}})},
+                  {"$objects", list(std::move(objects))}}),
+      format, 0);
+  EXPECT_TRUE(data);
+  return data.value_or(NSData());
+}
+
+constexpr std::string_view kTrueArchive =
+    "62706c6973743030 d4 01020304 0506070a 58 2476657273696f6e 59 246172636869766572 54 24746f70 "
+    "58 "
+    "246f626a65637473 12 000186a0 5f100f 4e534b657965644172636869766572 d1 08 09 54 726f6f74 80 01 "
+    "a2 0b 0c 55 246e756c6c 09 08111a24293237494c5153565c 000000000000 01 01 000000000000000d "
+    "0000000000000000 000000000000005d";
+
+TEST(NSKeyedArchiver, WritesTheBooleanTrueByteForByte) {
+  EXPECT_EQ(archived(true).text(), bytesFromHex(kTrueArchive));
+  EXPECT_EQ(unarchived(NSData(std::string_view(bytesFromHex(kTrueArchive)))), id(true));
+}
+
+// Its classes are numbered after all objects: a reader must not depend on the order.
+constexpr std::string_view kSampleArchive =
+    "62706c6973743030d4010203040506070a582476657273696f6e592461726368697665725424746f7058246f"
+    "626a6563747312000186a05f100f4e534b657965644172636869766572d1080954726f6f748001ae0b0c1f20"
+    "242a373d444546484b4e55246e756c6cd90d0e0f101112131415161718191a1b1c1d1e556c6162656c547768"
+    "656e557072696365547461677355636f756e74546f70656e55726174696f56706172656e745624636c617373"
+    "8002800380058007100309233ff80000000000008000800c6400430061006600e9d221152223574e532e7469"
+    "6d652341c5a1c4c00000008004d2252627285a24636c6173736e616d655824636c6173736573564e53446174"
+    "65a22729584e534f626a656374d72b2c2d2e2f3015313233343235365b4e532e6578706f6e656e74594e532e"
+    "6c656e6774685b4e532e6e656761746976655a4e532e636f6d706163745e4e532e6d616e74697373612e626f"
+    "5b4e532e6d616e746973736113fffffffffffffffe100108094f1010d2040000000000000000000000000000"
+    "8006d2252638395f101a4e53446563696d616c4e756d626572506c616365686f6c646572a5383a3b3c295f10"
+    "0f4e53446563696d616c4e756d626572584e534e756d626572574e5356616c7565d23e153f435a4e532e6f62"
+    "6a65637473a340414280088009800a800b51611007d11547800dd22526494a574e534172726179a24929d225"
+    "264c4d5653616d706c65a24c29d225264f50564e534e756c6ca24f2900080011001a00240029003200370049"
+    "004c0051005300620068007b00810086008c00910097009c00a200a900b000b200b400b600b800ba00bb00c4"
+    "00c600c800d100d600de00e700e900ee00f901020109010c011501240130013a014601510160016c01750177"
+    "01780179018c018e019301b001b601c801d101d901de01e901ed01ef01f101f301f501f701f901fc01fe0203"
+    "020b020e0213021a021d02220229000000000000020100000000000000510000000000000000000000000000"
+    "022c";
+
+TEST(NSKeyedUnarchiver, ReadsAnObjectWithFieldsOfEachKind) {
+  const std::string bytes = bytesFromHex(kSampleArchive);
+  ASSERT_EQ(bytes.size(), 750U);
+  std::shared_ptr<const NSError> error;
+  const auto sample =
+      NSKeyedUnarchiver::unarchivedObjectOfClass<Sample>(NSData(std::string_view(bytes)), &error);
+  ASSERT_TRUE(sample) << error->localizedDescription();
+  EXPECT_EQ(sample->label, id("Café"));
+  EXPECT_EQ(sample->when, id(NSDate::dateWithTimeIntervalSinceReferenceDate(725846400)));
+  EXPECT_EQ(sample->price, id(NSDecimal::parse("12.34")));
+  EXPECT_EQ(sample->tags, list({"a", 7, NSNull::null()}));
+  EXPECT_EQ(sample->count, 3);
+  EXPECT_TRUE(sample->open);
+  EXPECT_EQ(sample->ratio, 1.5);
+  EXPECT_FALSE(sample->parent.lock());
+}
+
+TEST(NSKeyedArchiver, NumbersObjectsBeforeTheirMembersAndClassesAfter) {
+  auto sample = std::make_shared<Sample>();
+  sample->label = "x";
+  sample->tags = list({"x", 7});
+  const auto root =
+      NSPropertyListSerialization::propertyListWithData(archived(sample), 0).as<NSDictionary>();
+  ASSERT_TRUE(root);
+  EXPECT_EQ(root->objectForKey("$archiver"), id("NSKeyedArchiver"));
+  EXPECT_EQ(root->objectForKey("$version"), id(100000));
+  EXPECT_EQ(root->objectForKey("$top"), dictionary({{"root", uid(1)}}));
+  EXPECT_EQ(root->objectForKey("$objects"),
+            list({"$null",
+                  dictionary({{"label", uid(2)},
+                              {"when", uid(0)},
+                              {"price", uid(0)},
+                              {"tags", uid(3)},
+                              {"count", 0},
+                              {"small", 0},
+                              {"open", false},
+                              {"ratio", 0.0},
+                              {"next", uid(0)},
+                              {"parent", uid(0)},
+                              {"$class", uid(6)}}),
+                  "x", dictionary({{"NS.objects", list({uid(2), uid(4)})}, {"$class", uid(5)}}), 7,
+                  classNamed("NSArray"), classNamed("Sample")}));
+}
+
+TEST(NSKeyedArchiver, WritesAndReadsEachPlainValue) {
+  const id rows[] = {true,
+                     false,
+                     0,
+                     -7,
+                     NSIntegerMin,
+                     NSUIntegerMax,
+                     1.5,
+                     std::numeric_limits<double>::infinity(),
+                     "",
+                     "Café 日本 😀",
+                     "$null",
+                     NSDecimal::parse("-1432.25"),
+                     NSDate::distantFuture(),
+                     NSDate::dateWithTimeIntervalSinceReferenceDate(-0.25),
+                     NSData(std::string_view("\0\xFF", 2)),
+                     *NSURL::URLWithString("https://example.com/a%20b?c=d#e"),
+                     *NSUUID::initWithUUIDString("E621E1F8-C36C-495A-93FC-0C247A3E6E5F"),
+                     NSNull::null(),
+                     list({}),
+                     list({1, "two", list({3, NSNull::null()})}),
+                     dictionary({{"a", 1}, {2, "b"}, {list({3}), NSDate()}}),
+                     std::make_shared<NSSet>(std::vector<id>{1, "one", list({1})})};
+  for (const id& value : rows) {
+    std::shared_ptr<const NSError> error;
+    const id back = unarchived(archived(value), &error);
+    EXPECT_EQ(back, value) << (error ? error->localizedDescription() : "");
+    EXPECT_EQ(back.className(), value.className());
+    if (const auto* number = value.get<NSNumber>()) {
+      EXPECT_EQ(back.get<NSNumber>()->kind(), number->kind());
+    }
+  }
+}
+
+TEST(NSKeyedArchiver, KeepsMutableCollectionsMutable) {
+  const id rows[] = {std::make_shared<NSMutableArray>(std::vector<id>{1}),
+                     std::make_shared<NSMutableSet>(std::vector<id>{1}),
+                     std::make_shared<NSMutableDictionary>(NSDictionary::Entries{{"a", 1}})};
+  for (const id& value : rows) {
+    const id back = unarchived(archived(value));
+    EXPECT_EQ(back, value);
+    EXPECT_EQ(back.className(), value.className());
+  }
+}
+
+TEST(NSKeyedArchiver, KeepsSharedObjectsSharedAndWritesEqualValuesOnce) {
+  const id shared = list({"text"});
+  const auto back = unarchived(archived(list({shared, shared, list({"text"})}))).as<NSArray>();
+  ASSERT_TRUE(back);
+  EXPECT_EQ(back->objectAtIndex(0).object(), back->objectAtIndex(1).object());
+  EXPECT_NE(back->objectAtIndex(0).object(), back->objectAtIndex(2).object());
+
+  const id date = NSDate::distantPast();
+  const id price = NSDecimal::parse("12.50");
+  const std::string one(archived(list({date, price, "text", 7})).text());
+  EXPECT_LT(
+      archived(list({date, price, "text", 7, date, NSDecimal::parse("12.5"), "text", 7})).length(),
+      one.size() + 20);
+}
+
+TEST(NSKeyedArchiver, WritesObjectsThatReferToEachOther) {
+  auto first = std::make_shared<Sample>();
+  first->next = std::make_shared<Sample>();
+  first->next->parent = first;
+  first->next->label = "second";
+  const auto back = NSKeyedUnarchiver::unarchivedObjectOfClass<Sample>(archived(first));
+  ASSERT_TRUE(back && back->next);
+  EXPECT_EQ(back->next->label, id("second"));
+  EXPECT_EQ(back->next->parent.lock(), back);
+
+  // An object that is its own member.
+  auto own = std::make_shared<Sample>();
+  own->next = own;
+  const auto ownBack = NSKeyedUnarchiver::unarchivedObjectOfClass<Sample>(archived(own));
+  ASSERT_TRUE(ownBack);
+  EXPECT_EQ(ownBack->next, ownBack);
+  own->next = nullptr;
+  ownBack->next = nullptr;
+}
+
+TEST(NSKeyedArchiver, RefusesCollectionsThatHoldThemselves) {
+  const auto array = std::make_shared<NSMutableArray>();
+  array->addObject(list({id(array)}));
+  std::shared_ptr<const NSError> error;
+  EXPECT_FALSE(NSKeyedArchiver::archivedDataWithRootObject(array, true, &error));
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->code(), NSCoderInvalidValueError);
+  EXPECT_EQ(error->localizedDescription(), "A collection holds itself.");
+  array->removeAllObjects();
+}
+
+TEST(NSKeyedArchiver, RefusesWhatCannotBeArchived) {
+  const id rows[] = {std::make_shared<NSObject>(), list({std::make_shared<NSObject>()}),
+                     NSRange{1, 2}, "\xFF", std::make_shared<Insecure>()};
+  for (const id& value : rows) {
+    std::shared_ptr<const NSError> error;
+    EXPECT_FALSE(NSKeyedArchiver::archivedDataWithRootObject(value, true, &error));
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->code(), NSCoderInvalidValueError);
+  }
+}
+
+TEST(NSKeyedArchiver, WritesNestingOf128ObjectsAndNoMore) {
+  id nest = list({});
+  for (int level = 1; level < 128; ++level) nest = list({nest});
+  EXPECT_EQ(unarchived(archived(nest)), nest);
+  EXPECT_FALSE(NSKeyedArchiver::archivedDataWithRootObject(list({nest}), true));
+
+  std::vector<id> objects;
+  for (std::uint32_t level = 1; level <= 129; ++level)
+    objects.push_back(dictionary(
+        {{"NS.objects", level < 129 ? list({uid(level + 1)}) : list({})}, {"$class", uid(130)}}));
+  objects.push_back(classNamed("NSArray"));
+  EXPECT_EQ(refusal(archiveOf(objects)), "The objects are nested too deep.");
+}
+
+TEST(NSKeyedArchiver, WritesValuesUnderTheCallersKeys) {
+  NSKeyedArchiver archiver(true);
+  archiver.encodeInt64(NSIntegerMin, "integer");
+  archiver.encodeBool(true, "flag");
+  archiver.encodeDouble(0.5, "real");
+  archiver.encodeBytes(NSData(std::string_view("bytes")), "bytes");
+  archiver.encodeObject("text", "$class");
+  archiver.encodeObject(nullptr, "nothing");
+  const auto coder = NSKeyedUnarchiver::initForReadingFromData(archiver.encodedData());
+  ASSERT_TRUE(coder);
+  EXPECT_EQ(coder->decodeInteger("integer"), NSIntegerMin);
+  EXPECT_TRUE(coder->decodeBool("flag"));
+  EXPECT_EQ(coder->decodeDouble("real"), 0.5);
+  EXPECT_EQ(coder->decodeBytes("bytes"), NSData(std::string_view("bytes")));
+  EXPECT_EQ(coder->decodeObjectOfClass<std::string>("$class"), "text");
+  EXPECT_TRUE(coder->containsValueForKey("nothing"));
+  EXPECT_FALSE(coder->decodeObjectOfClass<std::string>("nothing"));
+  EXPECT_FALSE(coder->error());
+
+  EXPECT_FALSE(coder->containsValueForKey("missing"));
+  EXPECT_EQ(coder->decodeInt64("missing"), 0);
+  EXPECT_EQ(coder->decodeInt32("missing"), 0);
+  EXPECT_FALSE(coder->decodeBool("missing"));
+  EXPECT_EQ(coder->decodeDouble("missing"), 0);
+  EXPECT_FALSE(coder->decodeBytes("missing"));
+  EXPECT_FALSE(coder->decodeText("missing"));
+  EXPECT_FALSE(coder->decodeObjects("missing"));
+  EXPECT_FALSE(coder->decodeObjectOfClass<NSDate>("missing"));
+  EXPECT_FALSE(coder->error());
+}
+
+TEST(NSKeyedArchiver, WritesXMLWhereAsked) {
+  auto sample = std::make_shared<Sample>();
+  sample->label = "label";
+  sample->price = NSDecimal::parse("0.1");
+  NSKeyedArchiver archiver(true);
+  archiver.setOutputFormat(NSPropertyListXMLFormat_v1_0);
+  archiver.encodeObject(sample, NSKeyedArchiveRootObjectKey);
+  const NSData data = archiver.encodedData();
+  EXPECT_TRUE(data.text().starts_with("<?xml"));
+  const auto back = NSKeyedUnarchiver::unarchivedObjectOfClass<Sample>(data);
+  ASSERT_TRUE(back);
+  EXPECT_EQ(back->label, sample->label);
+  EXPECT_EQ(back->price, sample->price);
+}
+
+TEST(NSCoder, RaisesForTheOtherDirection) {
+  NSKeyedArchiver archiver(true);
+  EXPECT_THROW(static_cast<void>(archiver.decodeInt64("a")), NSException);
+  EXPECT_THROW(static_cast<void>(archiver.containsValueForKey("a")), NSException);
+  const auto coder = NSKeyedUnarchiver::initForReadingFromData(archived("x"));
+  EXPECT_THROW(coder->encodeBool(true, "a"), NSException);
+}
+
+/// A coder over one field, to be asked for it in the wrong way.
+std::shared_ptr<NSKeyedUnarchiver> coderWith(const id& value) {
+  const auto data = NSPropertyListSerialization::dataWithPropertyList(
+      dictionary({{"$version", 100000},
+                  {"$archiver", "NSKeyedArchiver"},
+                  {"$top", dictionary({{"k", value}})},
+                  {"$objects", list({"$null", "text", 7})}}),
+      NSPropertyListBinaryFormat_v1_0, 0);
+  return NSKeyedUnarchiver::initForReadingFromData(*data);
+}
+
+TEST(NSKeyedUnarchiver, TakesAWholeNumberForABoolean) {
+  EXPECT_TRUE(coderWith(2)->decodeBool("k"));
+  EXPECT_FALSE(coderWith(0)->decodeBool("k"));
+}
+
+TEST(NSKeyedUnarchiver, FailsForValuesOfAnotherKindAndThenReadsNothing) {
+  using Coder = std::shared_ptr<NSKeyedUnarchiver>;
+  const std::pair<id, void (*)(const Coder&)> rows[] = {
+      {1.5, [](const Coder& coder) { EXPECT_EQ(coder->decodeInt64("k"), 0); }},
+      {true, [](const Coder& coder) { EXPECT_EQ(coder->decodeInt64("k"), 0); }},
+      {uid(2), [](const Coder& coder) { EXPECT_EQ(coder->decodeInt64("k"), 0); }},
+      {NSUIntegerMax, [](const Coder& coder) { EXPECT_EQ(coder->decodeInt64("k"), 0); }},
+      {4294967296, [](const Coder& coder) { EXPECT_EQ(coder->decodeInt32("k"), 0); }},
+      {-2147483649, [](const Coder& coder) { EXPECT_EQ(coder->decodeInt32("k"), 0); }},
+      {1, [](const Coder& coder) { EXPECT_EQ(coder->decodeDouble("k"), 0); }},
+      {"x", [](const Coder& coder) { EXPECT_FALSE(coder->decodeBool("k")); }},
+      {1.0, [](const Coder& coder) { EXPECT_FALSE(coder->decodeBool("k")); }},
+      {"x", [](const Coder& coder) { EXPECT_FALSE(coder->decodeBytes("k")); }},
+      {1, [](const Coder& coder) { EXPECT_FALSE(coder->decodeText("k")); }},
+      {1, [](const Coder& coder) { EXPECT_FALSE(coder->decodeObjects("k")); }},
+      {list({1}), [](const Coder& coder) { EXPECT_FALSE(coder->decodeObjects("k")); }},
+      {2, [](const Coder& coder) { EXPECT_FALSE(coder->decodeObjectOfClass<NSNumber>("k")); }},
+      {uid(1), [](const Coder& coder) { EXPECT_FALSE(coder->decodeObjectOfClass<NSNumber>("k")); }},
+      {uid(3), [](const Coder& coder) { EXPECT_FALSE(coder->decodeObjectOfClass<NSNumber>("k")); }},
+  };
+  for (const auto& [value, ask] : rows) {
+    const auto coder = coderWith(value);
+    ask(coder);
+    ASSERT_TRUE(coder->error()) << value.description();
+    const auto first = coder->error();
+    EXPECT_FALSE(coder->decodeBool("k"));
+    coder->failWithError("a second failure");
+    EXPECT_EQ(coder->error(), first);
+  }
+}
+
+TEST(NSKeyedUnarchiver, RefusesClassesThatAreNotAllowed) {
+  const NSData data = archived(std::make_shared<Sample>());
+  std::shared_ptr<const NSError> error;
+  EXPECT_TRUE(
+      (NSKeyedUnarchiver::unarchivedObjectOfClasses<NSArray, NSDate>(data, &error).isNil()));
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->localizedDescription(), "The class Sample is not allowed.");
+  EXPECT_FALSE(NSKeyedUnarchiver::unarchivedObjectOfClass<std::string>(archived(7)));
+  EXPECT_FALSE(NSKeyedUnarchiver::unarchivedObjectOfClass<NSNumber>(archived("7")));
+  EXPECT_FALSE(NSKeyedUnarchiver::unarchivedObjectOfClass<NSNumber>(archived(NSData())));
+  // Members must be allowed too, wherever they stand.
+  EXPECT_FALSE(NSKeyedUnarchiver::unarchivedObjectOfClass<NSArray>(archived(list({1}))));
+  EXPECT_TRUE((NSKeyedUnarchiver::unarchivedObjectOfClasses<NSArray, NSNumber>(
+                   archived(list({list({1, "text"})})))
+                   .isNil()));
+}
+
+TEST(NSKeyedUnarchiver, AllowsSubclassesThatAreKnown) {
+  const NSData data = archived(std::make_shared<SpecialSample>());
+  EXPECT_TRUE(std::dynamic_pointer_cast<SpecialSample>(
+      NSKeyedUnarchiver::unarchivedObjectOfClass<Sample>(data)));
+  EXPECT_FALSE(NSKeyedUnarchiver::unarchivedObjectOfClass<SpecialSample>(
+      archived(std::make_shared<Sample>())));
+  EXPECT_TRUE(NSKeyedUnarchiver::unarchivedObjectOfClass<NSNumber>(archived(NSDecimal::one())));
+}
+
+TEST(NSKeyedUnarchiver, TrustsNeitherTheChainNorTheNameOfAClass) {
+  const id strange = dictionary(
+      {{"$classname", "Stranger"}, {"$classes", list({"Stranger", "Sample", "NSObject"})}});
+  EXPECT_EQ(refusal(archiveOf({dictionary({{"$class", uid(2)}}), strange})),
+            "The class Stranger is unknown.");
+  const id posing = dictionary(
+      {{"$classname", "Insecure"}, {"$classes", list({"Insecure", "NSArray", "NSObject"})}});
+  static_cast<void>(Insecure::codingClass());
+  EXPECT_EQ(refusal(archiveOf({dictionary({{"$class", uid(2)}}), posing})),
+            "The class Insecure is not allowed.");
+  EXPECT_FALSE(NSKeyedUnarchiver::unarchivedObjectOfClass<Insecure>(
+      archiveOf({dictionary({{"$class", uid(2)}}), posing})));
+  // The chain of a known class has no say, nor has its absence.
+  const id bare = dictionary({{"$classname", "Sample"}});
+  EXPECT_FALSE(unarchived(archiveOf({dictionary({{"$class", uid(2)}}), bare})).isNil());
+}
+
+TEST(NSKeyedUnarchiver, TriesTheHintsOfAnUnknownClass) {
+  const auto archive = [](std::vector<id> hints) {
+    return archiveOf(
+        {dictionary({{"NS.time", 1.0}, {"$class", uid(2)}}),
+         dictionary({{"$classname", "FutureDate"}, {"$classhints", list(std::move(hints))}})});
+  };
+  EXPECT_EQ(unarchived(archive({"Unknown", 7, "NSDate", "NSArray"})),
+            id(NSDate::dateWithTimeIntervalSinceReferenceDate(1)));
+  EXPECT_TRUE(unarchived(archive({"Unknown"})).isNil());
+}
+
+TEST(NSKeyedUnarchiver, ReadsOtherFormsOfPlainValues) {
+  EXPECT_EQ(unarchived(archiveOf({dictionary({{"NS.string", "mutable"}, {"$class", uid(2)}}),
+                                  classNamed("NSMutableString")})),
+            id("mutable"));
+  EXPECT_EQ(unarchived(archiveOf(
+                {dictionary({{"NS.data", NSData(std::string_view("b"))}, {"$class", uid(2)}}),
+                 classNamed("NSMutableData")})),
+            id(NSData(std::string_view("b"))));
+  EXPECT_EQ(unarchived(archiveOf({NSDate()})), id(NSDate()));
+  EXPECT_EQ(unarchived(archiveOf(
+                {dictionary({{"NS.base", uid(2)}, {"NS.relative", uid(4)}, {"$class", uid(5)}}),
+                 dictionary({{"NS.base", uid(0)}, {"NS.relative", uid(3)}, {"$class", uid(5)}}),
+                 "https://example.com/a/b?c", "../d#e", classNamed("NSURL")})),
+            id(*NSURL::URLWithString("https://example.com/d#e")));
+  EXPECT_EQ(unarchived(archiveOf({list({}), "x"})), id());
+}
+
+struct DecimalCase {
+  std::string_view text;
+  std::int64_t exponent, length;
+  bool negative;
+  std::int64_t order;
+  std::string_view words;  // in hex; garbage may follow
+};
+const DecimalCase kDecimals[] = {
+    {"0", 0, 0, false, 1, "abcd"},
+    {"NaN", 0, 0, true, 1, "abcd"},
+    {"1", 0, 1, false, 1, "0100 ffff"},
+    {"1", 0, 1, false, 2, "0001 ffff"},
+    {"65535", 0, 1, false, 1, "ffff"},
+    {"9999", 0, 1, false, 1, "0f27"},
+    {"9999", 0, 1, false, 2, "270f"},
+    {"10240", 1, 1, false, 1, "0004"},
+    {"10240", 1, 1, false, 2, "0400"},
+    {"100000", 5, 1, false, 1, "0100"},
+    {"-1", 0, 1, true, 1, "0100"},
+    {"-100.23", -2, 1, true, 2, "2727"},
+    {"-100.2", -1, 1, true, 2, "03ea"},
+    {"12.34", -2, 1, false, 1, "d204"},
+    {"65537", 0, 2, false, 1, "0100 0100 beef"},
+    {"65537", 0, 2, false, 2, "0001 0001 beef"},
+    {"99999999999999999999999999999999999999", 0, 8, false, 1, "ffffffff3f228a097ac4865aa84c3b4b"},
+    // 2^128 - 1 has 39 digits.
+    {"340282366920938463463374607431768211460", 0, 8, false, 1, "ffffffffffffffffffffffffffffffff"},
+};
+
+id decimalEntry(const DecimalCase& row) {
+  std::string words = bytesFromHex(row.words);
+  words.resize(16, '\x5A');
+  return dictionary({{"NS.exponent", row.exponent},
+                     {"NS.length", row.length},
+                     {"NS.negative", row.negative},
+                     {"NS.compact", true},
+                     {"NS.mantissa.bo", row.order},
+                     {"NS.mantissa", NSData(std::string_view(words))},
+                     {"$class", uid(2)}});
+}
+
+TEST(NSKeyedUnarchiver, ReadsDecimalsOfEitherByteOrderUnderEitherName) {
+  for (const DecimalCase& row : kDecimals) {
+    for (const char* name : {"NSDecimalNumberPlaceholder", "NSDecimalNumber"}) {
+      const auto decimal = NSKeyedUnarchiver::unarchivedObjectOfClass<NSDecimalNumber>(
+          archiveOf({decimalEntry(row), classNamed(name)}));
+      ASSERT_TRUE(decimal) << row.text;
+      EXPECT_EQ(decimal->stringValue(), row.text);
+    }
+  }
+}
+
+TEST(NSKeyedUnarchiver, RefusesDecimalsThatAreNone) {
+  const DecimalCase rows[] = {
+      {"too long", 0, 9, false, 1, "01"},
+      {"negative length", 0, -1, false, 1, "01"},
+      {"unknown order", 0, 1, false, 3, "01"},
+      {"exponent too large", 128, 1, false, 1, "01"},
+      {"exponent too small", -129, 1, false, 1, "01"},
+      {"digits past the exponents", 127, 8, false, 1, "ffffffffffffffffffffffffffffffff"},
+  };
+  for (const DecimalCase& row : rows)
+    EXPECT_NE(refusal(archiveOf({decimalEntry(row), classNamed("NSDecimalNumber")})), "no error")
+        << row.text;
+  EXPECT_NE(refusal(archiveOf({dictionary({{"NS.length", 2},
+                                           {"NS.mantissa", NSData(std::string_view("abc"))},
+                                           {"$class", uid(2)}}),
+                               classNamed("NSDecimalNumber")})),
+            "no error");
+}
+
+TEST(NSKeyedArchiver, WritesDecimalsInThePlatformsForm) {
+  const auto objectsOf = [](const char* text) {
+    const auto root =
+        NSPropertyListSerialization::propertyListWithData(archived(NSDecimal::parse(text)), 0)
+            .as<NSDictionary>();
+    return root->objectForKey("$objects");
+  };
+  const id described =
+      dictionary({{"$classname", "NSDecimalNumberPlaceholder"},
+                  {"$classes", list({"NSDecimalNumberPlaceholder", "NSDecimalNumber", "NSNumber",
+                                     "NSValue", "NSObject"})}});
+  const auto entry = [](int exponent, int length, bool negative, bool compact,
+                        std::string_view words) {
+    std::string bytes = bytesFromHex(words);
+    bytes.resize(16);
+    return dictionary({{"NS.exponent", exponent},
+                       {"NS.length", length},
+                       {"NS.negative", negative},
+                       {"NS.compact", compact},
+                       {"NS.mantissa.bo", 1},
+                       {"NS.mantissa", NSData(std::string_view(bytes))},
+                       {"$class", uid(2)}});
+  };
+  EXPECT_EQ(objectsOf("-250000"), list({"$null", entry(4, 1, true, true, "19"), described}));
+  EXPECT_EQ(objectsOf("65537"), list({"$null", entry(0, 2, false, true, "01000100"), described}));
+  EXPECT_EQ(objectsOf("0.00"), list({"$null", entry(0, 0, false, false, ""), described}));
+  EXPECT_EQ(objectsOf("NaN"), list({"$null", entry(0, 0, true, false, ""), described}));
+}
+
+TEST(NSKeyedUnarchiver, TakesAPlainNumberOrTextForADecimal) {
+  using Unarchiver = NSKeyedUnarchiver;
+  EXPECT_EQ(Unarchiver::unarchivedObjectOfClass<NSDecimalNumber>(archived(-12)),
+            NSDecimalNumber("-12"));
+  EXPECT_EQ(Unarchiver::unarchivedObjectOfClass<NSDecimalNumber>(archived(NSUIntegerMax)),
+            NSDecimalNumber("18446744073709551615"));
+  EXPECT_EQ(Unarchiver::unarchivedObjectOfClass<NSDecimalNumber>(archived(0.1)),
+            NSDecimalNumber("0.1"));
+  EXPECT_EQ(Unarchiver::unarchivedObjectOfClass<NSDecimalNumber>(archived("1.25")),
+            NSDecimalNumber("1.25"));
+  for (const id& other : {id("text"), id(std::nan("")), id(true), id(NSDate())})
+    EXPECT_FALSE(Unarchiver::unarchivedObjectOfClass<NSDecimalNumber>(archived(other)));
+}
+
+struct BrokenCase {
+  std::string_view name;
+  std::vector<id> objects;
+};
+
+TEST(NSKeyedUnarchiver, RefusesDamagedObjects) {
+  const id array = classNamed("NSArray");
+  const BrokenCase rows[] = {
+      {"NoClass", {dictionary({{"NS.objects", list({})}})}},
+      {"ClassIsNoReference", {dictionary({{"$class", 2}}), array}},
+      {"ClassOutside", {dictionary({{"$class", uid(9)}}), array}},
+      {"ClassIsText", {dictionary({{"$class", uid(2)}}), "NSArray"}},
+      {"ClassWithoutName", {dictionary({{"$class", uid(2)}}), dictionary({})}},
+      {"ClassOfItself", {dictionary({{"$class", uid(1)}})}},
+      {"ClassUsedAsObject", {array}},
+      {"ArrayAsEntry", {list({1})}},
+      {"ReferenceAsEntry", {uid(1)}},
+      {"NoMembers", {dictionary({{"$class", uid(2)}}), array}},
+      {"MembersAreNoReferences",
+       {dictionary({{"NS.objects", list({1})}, {"$class", uid(2)}}), array}},
+      {"MemberOutside", {dictionary({{"NS.objects", list({uid(7)})}, {"$class", uid(2)}}), array}},
+      {"MemberIsNil", {dictionary({{"NS.objects", list({uid(0)})}, {"$class", uid(2)}}), array}},
+      {"MemberIsTheNullText",
+       {dictionary({{"NS.objects", list({uid(3)})}, {"$class", uid(2)}}), array, "$null"}},
+      {"HoldsItself", {dictionary({{"NS.objects", list({uid(1)})}, {"$class", uid(2)}}), array}},
+      {"HoldsItselfThroughAnother",
+       {dictionary({{"NS.objects", list({uid(3)})}, {"$class", uid(2)}}), array,
+        dictionary({{"NS.objects", list({uid(1)})}, {"$class", uid(2)}})}},
+      {"MoreKeysThanValues",
+       {dictionary({{"NS.keys", list({uid(3)})}, {"NS.objects", list({})}, {"$class", uid(2)}}),
+        classNamed("NSDictionary"), "k"}},
+      {"NoKeys",
+       {dictionary({{"NS.objects", list({})}, {"$class", uid(2)}}), classNamed("NSDictionary")}},
+      {"ShortIdentifier",
+       {dictionary({{"NS.uuidbytes", NSData(std::string_view("short"))}, {"$class", uid(2)}}),
+        classNamed("NSUUID")}},
+      {"DateWithoutTime", {dictionary({{"$class", uid(2)}}), classNamed("NSDate")}},
+      {"DateNotANumber",
+       {dictionary({{"NS.time", std::nan("")}, {"$class", uid(2)}}), classNamed("NSDate")}},
+      {"DateInfinite",
+       {dictionary({{"NS.time", std::numeric_limits<double>::infinity()}, {"$class", uid(2)}}),
+        classNamed("NSDate")}},
+      {"AddressWithoutText", {dictionary({{"$class", uid(2)}}), classNamed("NSURL")}},
+      {"AddressThatIsNone",
+       {dictionary({{"NS.relative", uid(3)}, {"$class", uid(2)}}), classNamed("NSURL"), "a b"}},
+      {"NumberWithFields", {dictionary({{"$class", uid(2)}}), classNamed("NSNumber")}},
+      {"RefusesItself", {dictionary({{"mode", 1}, {"$class", uid(2)}}), classNamed("Stubborn")}},
+      {"Raises", {dictionary({{"mode", 2}, {"$class", uid(2)}}), classNamed("Stubborn")}},
+      {"CycleThatIsNotAnnounced",
+       {dictionary({{"member", uid(1)}, {"$class", uid(2)}}), classNamed("Stubborn")}},
+  };
+  for (const BrokenCase& row : rows) {
+    SCOPED_TRACE(row.name);
+    EXPECT_NE(refusal(archiveOf(row.objects)), "no error");
+    EXPECT_NE(refusal(archiveOf(row.objects, NSPropertyListXMLFormat_v1_0)), "no error");
+  }
+}
+
+TEST(NSKeyedUnarchiver, RefusesAListThatIsNoArchive) {
+  const id objects = list({"$null", "text"});
+  const id top = dictionary({{"root", uid(1)}});
+  const id rows[] = {
+      5,
+      list({}),
+      dictionary({}),
+      dictionary({{"$archiver", "NSKeyedArchiver"}, {"$top", top}}),
+      dictionary({{"$archiver", "NSKeyedArchiver"}, {"$objects", objects}}),
+      dictionary({{"$top", top}, {"$objects", objects}}),
+      dictionary({{"$archiver", "OtherArchiver"}, {"$top", top}, {"$objects", objects}}),
+      dictionary({{"$archiver", "NSKeyedArchiver"}, {"$top", objects}, {"$objects", objects}}),
+      dictionary({{"$archiver", "NSKeyedArchiver"}, {"$top", top}, {"$objects", top}}),
+      dictionary({{"$archiver", "NSKeyedArchiver"}, {"$top", top}, {"$objects", list({})}}),
+      dictionary(
+          {{"$archiver", "NSKeyedArchiver"}, {"$top", dictionary({})}, {"$objects", objects}}),
+      dictionary({{"$archiver", "NSKeyedArchiver"},
+                  {"$top", dictionary({{"root", "text"}})},
+                  {"$objects", objects}}),
+  };
+  for (const id& row : rows) {
+    const auto data =
+        NSPropertyListSerialization::dataWithPropertyList(row, NSPropertyListBinaryFormat_v1_0, 0);
+    EXPECT_NE(refusal(*data), "no error") << row.description();
+  }
+  EXPECT_NE(refusal(NSData()), "no error");
+  EXPECT_NE(refusal(NSData(std::string_view("text"))), "no error");
+}
+
+TEST(NSKeyedUnarchiver, PassesOverKeysItDoesNotKnow) {
+  const auto data = NSPropertyListSerialization::dataWithPropertyList(
+      dictionary({{"$archiver", "NSKeyedArchiver"},
+                  {"$top", dictionary({{"root", uid(1)}, {"extra", 1}})},
+                  {"$objects", list({"not null", "text"})},
+                  {"$more", 1}}),
+      NSPropertyListBinaryFormat_v1_0, 0);
+  EXPECT_EQ(unarchived(*data), id("text"));
+}
+
+TEST(NSKeyedUnarchiver, BoundsTheHashingOfSharedKeys) {
+  // A set of one member that is 40 levels of two references each.
+  std::vector<id> objects;
+  objects.push_back(dictionary({{"NS.objects", list({uid(4)})}, {"$class", uid(2)}}));
+  objects.push_back(classNamed("NSSet"));
+  objects.push_back(classNamed("NSArray"));
+  for (std::uint32_t level = 0; level < 40; ++level)
+    objects.push_back(
+        dictionary({{"NS.objects", list({uid(5 + level), uid(5 + level)})}, {"$class", uid(3)}}));
+  objects.push_back(true);
+  EXPECT_EQ(refusal(archiveOf(objects)), "The keys of a collection are too large.");
+  // As an array it is read, and its members stay shared.
+  objects[0] = dictionary({{"NS.objects", list({uid(4)})}, {"$class", uid(3)}});
+  EXPECT_FALSE(unarchived(archiveOf(objects)).isNil());
+}
+
+TEST(NSKeyedUnarchiver, BoundsTextThatIsRepeated) {
+  std::vector<id> references(5000, uid(3));
+  const NSData data = archiveOf({dictionary({{"NS.objects", list(references)}, {"$class", uid(2)}}),
+                                 classNamed("NSArray"), std::string(1 << 20, 'x')});
+  EXPECT_EQ(refusal(data), "The archive repeats too much text.");
+}
+
+TEST(NSCodingClass, KeepsTheFirstRecordOfAName) {
+  const NSCodingClass& again = NSCodingClass::define<Insecure>("Sample");
+  EXPECT_EQ(&again, &Sample::codingClass());
+  EXPECT_EQ(NSCodingClass::named("Sample"), &Sample::codingClass());
+  EXPECT_EQ(NSCodingClass::named("NobodyDefinedThis"), nullptr);
+  EXPECT_TRUE(SpecialSample::codingClass().isSubclassOf(Sample::codingClass()));
+  EXPECT_FALSE(Sample::codingClass().isSubclassOf(SpecialSample::codingClass()));
+}
+
+}  // namespace
