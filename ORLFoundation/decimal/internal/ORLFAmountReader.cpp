@@ -2,6 +2,8 @@
 #include <ORLFoundation/decimal/internal/ORLFAmountReader.h>
 #include <ORLFoundation/platform/object/NSLog.h>
 #include <unicode/uchar.h>
+#include <unicode/unistr.h>
+#include <unicode/utf16.h>
 
 #include <algorithm>
 #include <charconv>
@@ -17,14 +19,22 @@ constexpr int kFractionPlaces = 4;
 
 bool isDigit(char16_t c) noexcept { return c >= u'0' && c <= u'9'; }
 
+std::int8_t categoryOf(char32_t c) noexcept { return u_charType(static_cast<UChar32>(c)); }
+
 /// White space and line ends.
-bool isSpace(UChar32 c) noexcept {
-  return (U_MASK(u_charType(c)) & U_GC_Z_MASK) != 0 || (c >= 0x09 && c <= 0x0D) || c == 0x85;
+bool isSpace(char32_t c) noexcept {
+  return (U_MASK(categoryOf(c)) & U_GC_Z_MASK) != 0 || (c >= 0x09 && c <= 0x0D) || c == 0x85;
 }
 
 /// Letters and the marks that go with them.
-bool isLetter(UChar32 c) noexcept {
-  return (U_MASK(u_charType(c)) & (U_GC_L_MASK | U_GC_M_MASK)) != 0;
+bool isLetter(char32_t c) noexcept {
+  return (U_MASK(categoryOf(c)) & (U_GC_L_MASK | U_GC_M_MASK)) != 0;
+}
+
+std::u16string utf16(std::string_view text) {
+  const auto length = static_cast<std::int32_t>(text.size());
+  const auto units = icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), length));
+  return {units.getBuffer(), static_cast<std::size_t>(units.length())};
 }
 
 /// "%.4f"
@@ -37,14 +47,12 @@ std::string fourPlaces(double value) {
 
 }  // namespace
 
-ORLFAmountReader::ORLFAmountReader(std::string_view text)
-    : text_(icu::UnicodeString::fromUTF8(
-          icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())))) {
+ORLFAmountReader::ORLFAmountReader(std::string_view text) : text_(utf16(text)) {
   buffer_.reserve(text.size());
 }
 
 std::optional<NSDecimalNumber> ORLFAmountReader::read() {
-  for (std::int32_t i = 0; i < text_.length(); ++i) {
+  for (std::size_t i = 0; i < text_.size(); ++i) {
     rememberEnds(i);
     if (!take(i)) return std::nullopt;
   }
@@ -56,13 +64,19 @@ std::optional<NSDecimalNumber> ORLFAmountReader::read() {
   return number;
 }
 
-void ORLFAmountReader::rememberEnds(std::int32_t index) {
-  if (isSpace(text_.char32At(index))) return;
+char32_t ORLFAmountReader::codePointAt(std::size_t index) const {
+  UChar32 c = 0;
+  U16_GET(text_.data(), 0, index, text_.size(), c);
+  return static_cast<char32_t>(c);
+}
+
+void ORLFAmountReader::rememberEnds(std::size_t index) {
+  if (isSpace(codePointAt(index))) return;
   last_ = text_[index];
   if (first_ == 0) first_ = last_;
 }
 
-bool ORLFAmountReader::take(std::int32_t index) {
+bool ORLFAmountReader::take(std::size_t index) {
   const char16_t c = text_[index];
   if (isDigit(c)) return takeDigit(static_cast<char>(c));
   switch (c) {
@@ -112,17 +126,17 @@ bool ORLFAmountReader::takeExponent() {
   return true;
 }
 
-bool ORLFAmountReader::takeSlash(std::int32_t index) {
+bool ORLFAmountReader::takeSlash(std::size_t index) {
   if (inExponent_ || fraction_.met) return false;
-  std::int32_t from = index;
+  std::size_t from = index;
   while (from > 0 && isDigit(text_[from - 1])) --from;
-  std::int32_t to = index + 1;
-  while (to < text_.length() && isDigit(text_[to])) ++to;
+  std::size_t to = index + 1;
+  while (to < text_.size() && isDigit(text_[to])) ++to;
   // 5/0 and 5/ are 5.
   const std::int64_t denominator = std::max<std::int64_t>(integerBetween(index + 1, to), 1);
   fraction_.met = true;
-  fraction_.start = buffer_.size() - static_cast<std::size_t>(index - from);
-  fraction_.length = static_cast<std::size_t>(to - from - 1);
+  fraction_.start = buffer_.size() - (index - from);
+  fraction_.length = to - from - 1;
   fraction_.value =
       *orlfDecimalNumberByDividingBy(orlfDecimalNumberWithInteger(integerBetween(from, index)),
                                      orlfDecimalNumberWithInteger(denominator));
@@ -142,12 +156,12 @@ bool ORLFAmountReader::takePlus() {
   return true;
 }
 
-bool ORLFAmountReader::takeOther(std::int32_t index) const {
-  return buffer_.empty() || !isLetter(text_.char32At(index));
+bool ORLFAmountReader::takeOther(std::size_t index) const {
+  return buffer_.empty() || !isLetter(codePointAt(index));
 }
 
 /// The value of a run of digits; one that is too long ends at the largest integer.
-std::int64_t ORLFAmountReader::integerBetween(std::int32_t from, std::int32_t to) const {
+std::int64_t ORLFAmountReader::integerBetween(std::size_t from, std::size_t to) const {
   std::int64_t value = 0;
   for (; from < to; ++from) {
     if (__builtin_mul_overflow(value, 10, &value) ||

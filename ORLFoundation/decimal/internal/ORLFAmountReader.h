@@ -2,7 +2,6 @@
 #pragma once
 
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
-#include <unicode/unistr.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -39,17 +38,19 @@ class ORLFAmountReader {
   };
 
   // One for each kind of character; false ends the reading without an amount.
-  bool take(std::int32_t index);
+  bool take(std::size_t index);
   bool takeDigit(char digit);
   bool takeSeparator(char16_t separator);
   bool takeExponent();
-  bool takeSlash(std::int32_t index);
+  bool takeSlash(std::size_t index);
   bool takeMinus();
   bool takePlus();
-  bool takeOther(std::int32_t index) const;
+  bool takeOther(std::size_t index) const;
 
-  void rememberEnds(std::int32_t index);
-  [[nodiscard]] std::int64_t integerBetween(std::int32_t from, std::int32_t to) const;
+  /// The code point of the character, also from the second half of a pair.
+  [[nodiscard]] char32_t codePointAt(std::size_t index) const;
+  void rememberEnds(std::size_t index);
+  [[nodiscard]] std::int64_t integerBetween(std::size_t from, std::size_t to) const;
 
   void placeFraction();
   void placePoint();
@@ -57,7 +58,7 @@ class ORLFAmountReader {
   /// The last character of the buffer, 0 when it is empty.
   [[nodiscard]] char previous() const noexcept { return buffer_.empty() ? '\0' : buffer_.back(); }
 
-  icu::UnicodeString text_;
+  std::u16string text_;
   std::string buffer_;
   char16_t first_ = 0;
   char16_t last_ = 0;

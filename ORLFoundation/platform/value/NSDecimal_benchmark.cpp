@@ -139,7 +139,7 @@ void runPairs(benchmark::State& state, Size size, Operation operation, Expected 
       benchmark::DoNotOptimize(result);
     }
   }
-  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * kCount));
+  state.SetItemsProcessed(state.iterations() * std::int64_t{kCount});
   const auto ourLeft = numbers<Ours>(size, 0);
   const auto ourRight = numbers<Ours>(size, 1);
   for (std::size_t i = 0; i < kCount; ++i) {
@@ -174,7 +174,7 @@ void roundToCents(benchmark::State& state) {
       benchmark::DoNotOptimize(result);
     }
   }
-  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * kCount));
+  state.SetItemsProcessed(state.iterations() * std::int64_t{kCount});
   const auto ourLeft = numbers<Ours>(size, 0);
   const auto ourRight = numbers<Ours>(size, 1);
   for (std::size_t i = 0; i < kCount; ++i) {
@@ -192,7 +192,7 @@ void compare(benchmark::State& state) {
     for (std::size_t i = 0; i < kCount; ++i)
       benchmark::DoNotOptimize(Library::less(left[i], right[i]));
   }
-  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * kCount));
+  state.SetItemsProcessed(state.iterations() * std::int64_t{kCount});
   const auto ourLeft = numbers<Ours>(size, 0);
   const auto ourRight = numbers<Ours>(size, 1);
   for (std::size_t i = 0; i < kCount; ++i) {
@@ -209,7 +209,7 @@ void parse(benchmark::State& state) {
       benchmark::DoNotOptimize(result);
     }
   }
-  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * kCount));
+  state.SetItemsProcessed(state.iterations() * std::int64_t{kCount});
   for (const std::string& text : list) {
     if (!Library::agrees(NSDecimal::parse(text), Library::parse(text)))
       return state.SkipWithError("a wrong number");
@@ -224,7 +224,7 @@ void print(benchmark::State& state) {
       benchmark::DoNotOptimize(text.data());
     }
   }
-  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * kCount));
+  state.SetItemsProcessed(state.iterations() * std::int64_t{kCount});
   const auto ours = numbers<Ours>(size, 0);
   for (std::size_t i = 0; i < kCount; ++i) {
     if (NSDecimal::parse(Library::print(list[i])) != ours[i])
