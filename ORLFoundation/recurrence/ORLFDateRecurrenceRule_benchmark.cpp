@@ -1,0 +1,182 @@
+// Dates of six rules through the main enumeration, 10,000 each from 2020-01-31 09:30 in New York,
+// beside libical's iterator. Both give their dates before anything is timed, and the program stops
+// where they differ. libical walks local times without a zone and ends with the year 2582; its walk
+// then begins anew until it has given as many dates. Every date is compared by its local day and
+// time; ours may leave out a date whose time a clock change leaves out, which none of these is.
+//
+// One rule is shaped differently on purpose: a weekly rule's weekdays are looked for in the same
+// week of the month as the two ends of each window, so that a week over a month's end can miss one.
+// For it ours must be a part of libical's dates, in order.
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+#include <benchmark/benchmark.h>
+#include <libical/ical.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <vector>
+
+namespace {
+
+using namespace ORLFoundation;
+using Rule = ORLFDateRecurrenceRule;
+
+constexpr std::size_t kDates = 10'000;
+
+/// Year to minute as one number, 202001310930.
+using LocalTime = std::int64_t;
+
+LocalTime localTime(std::int64_t year, std::int64_t month, std::int64_t day, std::int64_t hour,
+                    std::int64_t minute) {
+  return (((year * 100 + month) * 100 + day) * 100 + hour) * 100 + minute;
+}
+
+struct Work {
+  const char* name;
+  Rule::Recurrence fields;
+  const char* text;
+  bool isPartOfPeers = false;
+};
+
+std::shared_ptr<ORLFDateRecurrenceDayOfWeek> weekday(NSInteger day, NSInteger number) {
+  return std::make_shared<ORLFDateRecurrenceDayOfWeek>(day, number);
+}
+
+const std::vector<Work>& works() {
+  static const std::vector<Work> all = {
+      {"MonthlyDay31",
+       {.frequency = ORLFDateRecurrenceFrequencyMonthly, .daysOfTheMonth = {{31}}},
+       "FREQ=MONTHLY;BYMONTHDAY=31"},
+      {"MonthlySecondTuesday",
+       {.frequency = ORLFDateRecurrenceFrequencyMonthly, .daysOfTheWeek = {{weekday(3, 2)}}},
+       "FREQ=MONTHLY;BYDAY=2TU"},
+      {"WeeklyMondayFriday",
+       {.frequency = ORLFDateRecurrenceFrequencyWeekly,
+        .daysOfTheWeek = {{weekday(2, 0), weekday(6, 0)}}},
+       "FREQ=WEEKLY;BYDAY=MO,FR",
+       true},
+      {"YearlyMarch15",
+       {.frequency = ORLFDateRecurrenceFrequencyYearly,
+        .daysOfTheMonth = {{15}},
+        .monthsOfTheYear = {{3}}},
+       "FREQ=YEARLY;BYMONTH=3;BYMONTHDAY=15"},
+      {"EveryThreeDays",
+       {.frequency = ORLFDateRecurrenceFrequencyDaily, .interval = 3},
+       "FREQ=DAILY;INTERVAL=3"},
+      {"MonthlyLastDay",
+       {.frequency = ORLFDateRecurrenceFrequencyMonthly, .daysOfTheWeek = {{weekday(-1, -1)}}},
+       "FREQ=MONTHLY;BYMONTHDAY=-1"},
+  };
+  return all;
+}
+
+class Ours {
+ public:
+  explicit Ours(const Work& work)
+      : calendar_(NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian)),
+        rule_(Rule::ruleWithFields(work.fields)) {
+    calendar_->setTimeZone(NSTimeZone::timeZoneWithName("America/New_York"));
+  }
+
+  template <class Visit>
+  void walk(std::size_t most, Visit visit) const {
+    rule_->enumerateDatesForCalendarStartDate(
+        {.calendar = *calendar_,
+         .startDate = kStart,
+         .usingBlock = [&](NSDate date, NSUInteger count, bool& stop) {
+           visit(date);
+           stop = count >= most;
+         }});
+  }
+  [[nodiscard]] std::vector<LocalTime> localTimes() const {
+    std::vector<LocalTime> times;
+    walk(kDates, [&](NSDate date) {
+      const auto at = calendar_->components(4 | 8 | 16 | 32 | 64, date);
+      times.push_back(localTime(at.year(), at.month(), at.day(), at.hour(), at.minute()));
+    });
+    return times;
+  }
+
+ private:
+  /// 2020-01-31 09:30 in New York.
+  static constexpr NSDate kStart = NSDate::dateWithTimeIntervalSince1970(1580481000);
+
+  std::shared_ptr<NSCalendar> calendar_;
+  std::shared_ptr<Rule> rule_;
+};
+
+class Libical {
+ public:
+  explicit Libical(const Work& work) : rule_(icalrecurrencetype_from_string(work.text)) {}
+
+  /// Answers how many dates the walk gave.
+  template <class Visit>
+  std::size_t walk(std::size_t most, Visit visit) const {
+    icalrecur_iterator* iterator =
+        icalrecur_iterator_new(rule_, icaltime_from_string("20200131T093000"));
+    std::size_t count = 0;
+    for (; count < most; ++count) {
+      const icaltimetype time = icalrecur_iterator_next(iterator);
+      if (icaltime_is_null_time(time)) break;
+      visit(time);
+    }
+    icalrecur_iterator_free(iterator);
+    return count;
+  }
+  [[nodiscard]] std::vector<LocalTime> localTimes() const {
+    std::vector<LocalTime> times;
+    walk(kDates, [&](const icaltimetype& time) {
+      times.push_back(localTime(time.year, time.month, time.day, time.hour, time.minute));
+    });
+    return times;
+  }
+
+ private:
+  icalrecurrencetype rule_;
+};
+
+void stopUnlessEqual(const Work& work) {
+  std::vector<LocalTime> ours = Ours(work).localTimes();
+  const std::vector<LocalTime> peers = Libical(work).localTimes();
+  bool agree = ours.size() == kDates && !peers.empty();
+  ours.erase(std::upper_bound(ours.begin(), ours.end(), peers.back()), ours.end());
+  if (work.isPartOfPeers)
+    agree = agree && std::includes(peers.begin(), peers.end(), ours.begin(), ours.end());
+  else
+    agree = agree && ours == peers;
+  std::fprintf(stderr, "%s: %zu dates to compare, %zu of libical's: %s\n", work.name, ours.size(),
+               peers.size(), agree ? "equal" : "DIFFERENT");
+  if (!agree) std::exit(EXIT_FAILURE);
+}
+
+void runOurs(benchmark::State& state, const Work& work) {
+  const Ours ours(work);
+  for ([[maybe_unused]] auto _ : state)
+    ours.walk(kDates, [](NSDate date) { benchmark::DoNotOptimize(date); });
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * kDates));
+}
+
+void runLibical(benchmark::State& state, const Work& work) {
+  const Libical libical(work);
+  for ([[maybe_unused]] auto _ : state) {
+    for (std::size_t count = 0; count < kDates;)
+      count +=
+          libical.walk(kDates - count, [](icaltimetype time) { benchmark::DoNotOptimize(time); });
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * kDates));
+}
+
+const bool kRegistered = [] {
+  for (const Work& work : works()) {
+    stopUnlessEqual(work);
+    const std::string name = work.name;
+    benchmark::RegisterBenchmark(("Ours/" + name).c_str(), runOurs, work)
+        ->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark(("Libical/" + name).c_str(), runLibical, work)
+        ->Unit(benchmark::kMillisecond);
+  }
+  return true;
+}();
+
+}  // namespace
