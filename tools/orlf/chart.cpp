@@ -23,7 +23,7 @@ using namespace ORLFoundation;
 constexpr double kWidth = 960, kHeight = 540, kMargin = 28, kPixelsPerPoint = 1.75;
 constexpr double kTextSize = 12, kTitleSize = 18, kTickLength = 5, kGap = 8;
 constexpr int kMostNumberTicks = 9, kMostDateTicks = 11;
-constexpr std::size_t kMostLegendEntries = 12;
+constexpr std::size_t kMostLegendEntries = 12, kMostMarks = 12;
 
 struct Color {
   double red, green, blue;
@@ -154,7 +154,7 @@ double ChartPainter::paintLegend(double top) {
       cairo_stroke(cairo_);
     }
     setColor(kInk);
-    showText(left + kSwatch + kGap, baseline, text);
+    showText(cut ? left : left + kSwatch + kGap, baseline, text);
     left += width;
     if (cut) break;
   }
@@ -200,6 +200,7 @@ void ChartPainter::paintDateAxis() {
 }
 
 void ChartPainter::paintMarks() {
+  if (chart_.marks.size() > kMostMarks) return;
   setColor(kGrey);
   setDashes(true);
   for (const NSDate mark : chart_.marks) strokeLine(x(mark), plot_.top, x(mark), plot_.bottom, 0.8);

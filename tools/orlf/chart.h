@@ -28,7 +28,7 @@ struct ChartLine {
 struct Chart {
   std::string title;
   std::vector<ChartLine> lines;
-  /// Dates marked by an upright line.
+  /// Dates marked by an upright line, where there are not too many.
   std::vector<ORLFoundation::NSDate> marks;
   std::shared_ptr<ORLFoundation::NSCalendar> calendar;
   std::string locale = "en_US";

@@ -31,7 +31,7 @@ constexpr std::array kWeekdays{
 
 /// Takes a number off the front of the text: nil when there is one that is 0 or too far.
 std::optional<NSInteger> takePlace(std::string_view& text) {
-  if (text.starts_with('+')) text.remove_prefix(1);
+  if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
   NSInteger place = 0;
   const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), place);
   if (error == std::errc::invalid_argument) return 0;

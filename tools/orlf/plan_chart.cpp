@@ -92,14 +92,11 @@ ChartLine lineOfContributions(const PlanModel& model, const std::vector<ChartLin
   line.isStepped = std::all_of(balances.begin(), balances.end(),
                                [](const ChartLine& other) { return other.isStepped; });
   const ChartPoint& start = balances.front().points.front();
+  const double paidBefore = valueOf(model.contributionsUntil(start.date));
   for (const ChartLine& other : balances)
     for (const ChartPoint& point : other.points) {
-      const auto paid =
-          model.plan->plannedContributionsFromStartDate({.startDate = start.date,
-                                                         .toEndDate = point.date,
-                                                         .usingCalendar = model.calendar(),
-                                                         .roundingBehavior = model.rounding.get()});
-      line.points.push_back({point.date, start.value + valueOf(paid)});
+      line.points.push_back(
+          {point.date, start.value + valueOf(model.contributionsUntil(point.date)) - paidBefore});
     }
   return line;
 }

@@ -16,6 +16,8 @@ using Json = nlohmann::json;
 
 constexpr std::size_t kMostCharactersShown = 40;
 
+std::string_view lastLineOf(std::string_view token);
+
 /// How far the JSON reader has come. It reads one character past a number.
 struct Position {
   std::size_t line = 1;
@@ -63,7 +65,7 @@ class PlanFieldsReader {
 
   // The interface of the JSON reader's events. All throw instead of answering false.
   bool null() {
-    checkScalarPlace("null");
+    checkScalarPlace("null", position_.line);
     endValue();
     return true;
   }
@@ -91,7 +93,7 @@ class PlanFieldsReader {
     return store(text, false, position_.line - (position_.atLineStart ? 1 : 0));
   }
   bool store(const std::string& text, bool quoted, std::size_t line);
-  void checkScalarPlace(std::string_view got) const;
+  void checkScalarPlace(std::string_view got, std::size_t line) const;
   void endValue() { field_ = nullptr; }
   void begin(PlanPlace place, std::string path);
 
@@ -99,6 +101,7 @@ class PlanFieldsReader {
   const Position& position_;
   PlanFields fields_;
   PlanPlace place_ = PlanPlace::kOutside;
+  bool hasEnded_ = false;
   const PlanField* field_ = nullptr;            // the field whose value comes next
   std::set<std::string, std::less<>> seen_[2];  // names met in the root, in the object inside it
 };
@@ -116,7 +119,7 @@ std::string PlanFieldsReader::path() const {
 std::string_view PlanFieldsReader::expected() const {
   if (field_ != nullptr) return field_->expected;
   if (place_ == PlanPlace::kSegmentList) return "an object, one segment";
-  return "an object, the plan";
+  return hasEnded_ ? "the end of the file" : "an object, the plan";
 }
 
 PlanObject& PlanFieldsReader::object() {
@@ -124,16 +127,16 @@ PlanObject& PlanFieldsReader::object() {
   return place_ == PlanPlace::kSegment ? fields_.segments.back() : fields_.root;
 }
 
-void PlanFieldsReader::checkScalarPlace(std::string_view got) const {
+void PlanFieldsReader::checkScalarPlace(std::string_view got, std::size_t line) const {
   const bool takesScalar = field_ != nullptr && field_->form != PlanFieldForm::kRounding &&
                            field_->form != PlanFieldForm::kSegmentList;
   const bool mayBeNull = field_ != nullptr && !field_->required && got == "null";
-  if (!takesScalar && !mayBeNull) fail(expected(), got);
+  if (!takesScalar && !mayBeNull) failAtPlanField(name_, line, path(), expected(), got);
 }
 
 bool PlanFieldsReader::store(const std::string& text, bool quoted, std::size_t line) {
   const std::string shown = quoted ? quotedForMessage(text) : text;
-  checkScalarPlace(shown);
+  checkScalarPlace(shown, line);
   const bool wantsText = field_->form == PlanFieldForm::kText;
   const bool wantsNumber = field_->form == PlanFieldForm::kInteger;
   if ((wantsText && !quoted) || (wantsNumber && quoted))
@@ -183,6 +186,7 @@ bool PlanFieldsReader::end_object() {
     failAtPlanField(name_, object().line, planFieldPath(object().path, field.name), field.expected,
                     "nothing");
   }
+  hasEnded_ = place_ == PlanPlace::kRoot;
   place_ = place_ == PlanPlace::kSegment    ? PlanPlace::kSegmentList
            : place_ == PlanPlace::kRounding ? PlanPlace::kRoot
                                             : PlanPlace::kOutside;
@@ -209,12 +213,22 @@ bool PlanFieldsReader::parse_error(std::size_t, const std::string& token,
   if (error.id == kNumberOutOfRange)
     fail(expected(), "a number out of range, " + quotedForMessage(token));
   const std::size_t line = position_.line - (position_.atLineStart ? 1 : 0);
-  const bool ended = token.empty() ||
-                     std::string_view(error.what()).find("end of input") != std::string_view::npos;
-  const std::string got = ended ? "the end of the file" : quotedForMessage(token);
+  const bool ended =
+      std::string_view(error.what()).find("unexpected end of input") != std::string_view::npos;
   const bool valueIsNext = field_ != nullptr || place_ == PlanPlace::kOutside;
+  const std::string got = ended ? "the end of the file" : quotedForMessage(lastLineOf(token));
   failAtPlanField(name_, ended ? position_.line : line, path(),
                   valueIsNext ? expected() : "JSON, with its commas and brackets", got);
+}
+
+/// The JSON reader gives what it read since the last good piece, with its line ends written out.
+std::string_view lastLineOf(std::string_view token) {
+  constexpr std::string_view kLineEnd = "<U+000A>";
+  if (token.ends_with(kLineEnd)) token.remove_suffix(kLineEnd.size());
+  const std::size_t end = token.rfind(kLineEnd);
+  if (end != std::string_view::npos) token.remove_prefix(end + kLineEnd.size());
+  token.remove_prefix(std::min(token.find_first_not_of(' '), token.size()));
+  return token;
 }
 
 /// Bytes of the UTF-8 character at the front; 0 when they are none.

@@ -33,6 +33,13 @@ NSDate PlanModel::horizon() const {
   return calendar().dateByAddingUnit(NSCalendarUnitYear, kYearsOfOpenPlan, last, 0).value_or(last);
 }
 
+std::optional<NSDecimalNumber> PlanModel::contributionsUntil(NSDate date) const {
+  return plan->plannedContributionsFromStartDate({.startDate = start(),
+                                                  .toEndDate = date,
+                                                  .usingCalendar = calendar(),
+                                                  .roundingBehavior = rounding.get()});
+}
+
 PlanModel makePlanModel(PlanFile file) {
   PlanModel model;
   std::vector<ORLFAmortizationPlan::Segment> segments;

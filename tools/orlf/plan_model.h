@@ -5,6 +5,7 @@
 #include <ORLFoundation/platform/number/NSDecimalNumberBehaviors.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "plan_file.h"
@@ -21,6 +22,10 @@ struct PlanModel {
   [[nodiscard]] ORLFoundation::NSDate start() const { return file.segments.front().start; }
   /// The end of the plan; of an open one, ten years after the last thing that changes.
   [[nodiscard]] ORLFoundation::NSDate horizon() const;
+  /// What came in from the plan's start to a date. Contributions between two dates are the
+  /// difference of two such sums: so they add up, whatever the dates.
+  [[nodiscard]] std::optional<ORLFoundation::NSDecimalNumber> contributionsUntil(
+      ORLFoundation::NSDate date) const;
 };
 
 [[nodiscard]] PlanModel makePlanModel(PlanFile file);

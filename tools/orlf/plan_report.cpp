@@ -22,7 +22,9 @@ void appendRegularDates(const PlanDates& dates, const NSCalendar& calendar,
     const std::optional<NSDate> date =
         calendar.dateByAddingUnit(*dates.every, index, dates.from, 0);
     if (!date || isEarlier(dates.to, *date)) return;
-    if (list.size() >= kMostRows) throw JobFailure("the table would have more than 200000 rows");
+    if (list.size() >= kMostRows)
+      throw JobFailure(
+          "the table would have more than 200000 rows (--every, --from and --to choose fewer)");
     list.push_back(*date);
   }
 }
@@ -67,17 +69,14 @@ std::vector<NSDate> listPlanDates(const PlanDates& dates, const NSCalendar& cale
 PlanReport makePlanReport(const PlanModel& model, const PlanDates& dates, bool exclusive) {
   PlanReport report;
   const NSDecimalNumberBehaviors* rounding = model.rounding.get();
-  NSDate last = model.start();
+  std::optional<NSDecimalNumber> before = NSDecimalNumber::zero();
   for (const NSDate date : listPlanDates(dates, model.calendar())) {
     PlanRow row;
     row.date = date;
     row.balance = model.plan->plannedBalanceOnDate(date, !exclusive, model.calendar(), rounding);
-    row.contributions =
-        model.plan->plannedContributionsFromStartDate({.startDate = last,
-                                                       .toEndDate = date,
-                                                       .usingCalendar = model.calendar(),
-                                                       .roundingBehavior = rounding});
-    last = date;
+    const std::optional<NSDecimalNumber> until = model.contributionsUntil(date);
+    if (until && before) row.contributions = until->decimalNumberBySubtracting(*before, rounding);
+    before = until;
     report.rows.push_back(row);
   }
   report.peak = findExtreme(model, dates, true);

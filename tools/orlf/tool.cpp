@@ -96,6 +96,11 @@ int runTool(const std::vector<std::string>& arguments, std::ostream& out, std::o
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return tool.exit(error, out, err);
     const Command* chosen = chosenCommand(commands);
+    const std::vector<std::string> strangers = tool.remaining();
+    if (chosen == nullptr && !strangers.empty())
+      return report(err, "",
+                    "unknown command or option '" + strangers.front() + "' (--help tells more)",
+                    kExitWrongUsage);
     return report(err, chosen != nullptr ? chosen->parser->get_name() : "",
                   error.what() + std::string(" (--help tells more)"), kExitWrongUsage);
   }

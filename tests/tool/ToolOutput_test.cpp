@@ -1,0 +1,162 @@
+// What the case files cannot show: JSON, files that commands write, output that fails.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <streambuf>
+#include <string>
+
+#include "RunTool.h"
+
+namespace {
+
+using Json = nlohmann::json;
+using orlftest::runTool;
+using orlftest::ToolRun;
+
+std::string example(const std::string& name) {
+  return std::string(ORLF_SOURCE_DIR) + "/examples/" + name;
+}
+
+Json jsonOf(std::vector<std::string> arguments) {
+  arguments.emplace_back("--json");
+  const ToolRun run = runTool(arguments);
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_EQ(run.err, "");
+  return Json::parse(run.out);
+}
+
+class ToolOutput : public testing::Test {
+ protected:
+  void SetUp() override {
+    std::string pattern = testing::TempDir() + "/toolXXXXXX";
+    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
+    folder_ = pattern;
+  }
+  void TearDown() override { std::filesystem::remove_all(folder_); }
+  [[nodiscard]] std::string path(const std::string& name) const { return folder_ / name; }
+  [[nodiscard]] std::string read(const std::string& name) const {
+    std::ifstream file(path(name), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  std::filesystem::path folder_;
+};
+
+TEST_F(ToolOutput, EveryCommandHasHelp) {
+  for (const char* command : {"dates", "plan", "amount", "round", "decimal"}) {
+    const ToolRun run = runTool({command, "--help"});
+    EXPECT_EQ(run.exitCode, 0) << command;
+    EXPECT_EQ(run.err, "") << command;
+    EXPECT_NE(run.out.find("--help"), std::string::npos) << command;
+    EXPECT_NE(run.out.find("--tz"), std::string::npos) << command;
+  }
+  EXPECT_NE(runTool({"--help"}).out.find("amount"), std::string::npos);
+}
+
+TEST_F(ToolOutput, DatesAsJson) {
+  EXPECT_EQ(jsonOf({"dates", "--freq", "monthly", "--start", "2024-01-31", "--count", "2"}),
+            Json::parse(R"json({"zone": "UTC", "dates": ["2024-01-31T00:00:00+00:00",
+                                                     "2024-02-29T00:00:00+00:00"]})json"));
+  EXPECT_EQ(jsonOf({"dates", "--freq", "yearly", "--by-month", "2", "--by-monthday", "30",
+                    "--start", "2024-01-31"})["dates"],
+            Json::array());
+}
+
+TEST_F(ToolOutput, AmountsAsJson) {
+  EXPECT_EQ(jsonOf({"amount", "(1,234.50)", "5 USD"}),
+            Json::parse(R"json([{"text": "(1,234.50)", "amount": "-1234.5"},
+                            {"text": "5 USD", "amount": null}])json"));
+  EXPECT_EQ(jsonOf({"amount", "\xFF 5"}).size(), 1U);
+}
+
+TEST_F(ToolOutput, SumsAsJson) {
+  EXPECT_EQ(jsonOf({"round", "2.345", "--scale", "2", "--mode", "bankers"})["result"], "2.34");
+  EXPECT_EQ(
+      jsonOf({"decimal", "divide", "1", "3", "--scale", "4"}),
+      Json::parse(R"json({"operation": "divide", "a": "1", "b": "3", "result": "0.3333"})json"));
+  EXPECT_EQ(jsonOf({"decimal", "divide", "1", "0", "--on-error", "nil"})["result"], nullptr);
+}
+
+TEST_F(ToolOutput, PlanAsJsonAgreesWithItsTable) {
+  const Json plan = jsonOf({"plan", example("mortgage.json")});
+  EXPECT_EQ(plan["zone"], "America/New_York");
+  ASSERT_EQ(plan["rows"].size(), 41U);
+  EXPECT_EQ(plan["rows"][0]["date"], "2024-02-01T00:00:00-05:00");
+  EXPECT_EQ(plan["rows"][0]["balance"], "-300000");
+  EXPECT_EQ(plan["rows"][1]["contributions"], "18172.56");
+  EXPECT_EQ(plan["trough"]["balance"], "-300000");
+  EXPECT_EQ(plan["trough"]["date"], plan["rows"][0]["date"]);
+  EXPECT_EQ(plan["peak"]["balance"], plan["rows"][40]["balance"]);
+}
+
+TEST_F(ToolOutput, SolvedPrincipalIsWhatTheFileSays) {
+  const Json answer = jsonOf(
+      {"plan", example("savings.json"), "--solve-principal", "100000", "--on", "2045-01-01"});
+  EXPECT_EQ(answer["start"], "2025-01-01T00:00:00+01:00");
+  EXPECT_EQ(answer["target"], "100000");
+  EXPECT_NEAR(std::stod(answer["balance"].get<std::string>()), 100000, 0.05);
+}
+
+TEST_F(ToolOutput, TableAndChartAreWritten) {
+  const ToolRun run = runTool({"plan", example("retirement.json"), "--csv", path("t.csv"),
+                               "--chart", path("c.svg"), "--every", "quarter"});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_NE(run.out.find(path("c.svg")), std::string::npos);
+  EXPECT_NE(read("c.svg").find("<svg"), std::string::npos);
+  const std::string table = read("t.csv");
+  EXPECT_TRUE(
+      table.starts_with("date,balance,contributions\n"
+                        "2027-01-01T00:00:00-06:00,640000,0\n"))
+      << table.substr(0, 200);
+  EXPECT_EQ(std::count(table.begin(), table.end(), '\n'), 1 + 28 * 4 + 1);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_),
+                          std::filesystem::directory_iterator()),
+            2);
+}
+
+TEST_F(ToolOutput, AFailedPlanWritesNothing) {
+  const ToolRun run =
+      runTool({"plan", path("absent.json"), "--csv", path("t.csv"), "--chart", path("c.svg")});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.out, "");
+  EXPECT_EQ(run.err,
+            "orlf plan: " + path("absent.json") + ": cannot be read: No such file or directory\n");
+  EXPECT_TRUE(std::filesystem::is_empty(folder_));
+}
+
+TEST_F(ToolOutput, ChartsThatCannotBeWrittenFailTheJob) {
+  const ToolRun run =
+      runTool({"plan", example("savings.json"), "--chart", path("no/such/folder/c.png")});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+}
+
+TEST_F(ToolOutput, FileNamesWithLineEndsStayInOneLine) {
+  const ToolRun run = runTool({"plan", "no\nsuch\nfile"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.err, "orlf plan: no such file: cannot be read: No such file or directory\n");
+}
+
+/// Takes nothing.
+class FullStream : public std::streambuf {};
+
+TEST_F(ToolOutput, OutputThatCannotBeWrittenFailsTheJob) {
+  FullStream full;
+  std::ostream out(&full);
+  std::ostringstream err;
+  EXPECT_EQ(orlftool::runTool({"round", "1", "--scale", "0"}, out, err), 1);
+  EXPECT_EQ(err.str(), "orlf round: the output cannot be written\n");
+}
+
+TEST_F(ToolOutput, LinesOfTheLogComeOnce) {
+  const ToolRun run = runTool({"amount", "3 7/2", "3 7/2"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.out, "3\n3\n");
+  EXPECT_EQ(run.err, "orlf: Cannot append improper fraction to end of amount: 3\n");
+}
+
+}  // namespace
