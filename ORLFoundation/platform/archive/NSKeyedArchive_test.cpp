@@ -4,6 +4,7 @@
 #include <ORLFoundation/platform/archive/NSPropertyListUID.h>
 #include <ORLFoundation/platform/archive/NSPropertyList_testing.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
+#include <ORLFoundation/platform/object/LogCapture.h>
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSSet.h>
@@ -353,6 +354,14 @@ TEST(NSKeyedArchiver, WritesNestingOf128ObjectsAndNoMore) {
   for (int level = 1; level < 128; ++level) nest = list({nest});
   EXPECT_EQ(unarchived(archived(nest)), nest);
   EXPECT_FALSE(NSKeyedArchiver::archivedDataWithRootObject(list({nest}), true));
+  // A date takes a level of its own, a text does not.
+  for (const id& innermost : {id(NSDate()), id("text"), id("$null")}) {
+    id around = innermost;
+    for (int level = 0; level < 127; ++level) around = list({around});
+    EXPECT_EQ(unarchived(archived(around)), around);
+    const auto deeper = NSKeyedArchiver::archivedDataWithRootObject(list({around}), true);
+    EXPECT_EQ(deeper.has_value(), innermost == id("text"));
+  }
 
   std::vector<id> objects;
   for (std::uint32_t level = 1; level <= 129; ++level)
@@ -636,6 +645,7 @@ TEST(NSKeyedArchiver, WritesDecimalsInThePlatformsForm) {
 
 TEST(NSKeyedUnarchiver, TakesAPlainNumberOrTextForADecimal) {
   using Unarchiver = NSKeyedUnarchiver;
+  const LogCapture log;
   EXPECT_EQ(Unarchiver::unarchivedObjectOfClass<NSDecimalNumber>(archived(-12)),
             NSDecimalNumber("-12"));
   EXPECT_EQ(Unarchiver::unarchivedObjectOfClass<NSDecimalNumber>(archived(NSUIntegerMax)),
@@ -644,6 +654,7 @@ TEST(NSKeyedUnarchiver, TakesAPlainNumberOrTextForADecimal) {
             NSDecimalNumber("0.1"));
   EXPECT_EQ(Unarchiver::unarchivedObjectOfClass<NSDecimalNumber>(archived("1.25")),
             NSDecimalNumber("1.25"));
+  EXPECT_EQ(log.lines().size(), 4U);
   for (const id& other : {id("text"), id(std::nan("")), id(true), id(NSDate())})
     EXPECT_FALSE(Unarchiver::unarchivedObjectOfClass<NSDecimalNumber>(archived(other)));
 }
@@ -764,8 +775,12 @@ TEST(NSKeyedUnarchiver, BoundsTheHashingOfSharedKeys) {
 TEST(NSKeyedUnarchiver, BoundsTextThatIsRepeated) {
   std::vector<id> references(5000, uid(3));
   const NSData data = archiveOf({dictionary({{"NS.objects", list(references)}, {"$class", uid(2)}}),
-                                 classNamed("NSArray"), std::string(1 << 20, 'x')});
+                                 classNamed("NSArray"), std::string(1 << 16, 'x')});
   EXPECT_EQ(refusal(data), "The archive repeats too much text.");
+  // What is written here is read here, however often it repeats.
+  const id text = std::string(100000, 'x');
+  const id repeated = std::make_shared<NSArray>(std::vector<id>(700, text));
+  EXPECT_EQ(unarchived(archived(repeated)), repeated);
 }
 
 TEST(NSCodingClass, KeepsTheFirstRecordOfAName) {

@@ -60,6 +60,7 @@ class NSKeyedArchiver::Writer {
   class Frame {
    public:
     explicit Frame(Writer& writer) : writer_(writer), first_(writer.keys_.size()) {
+      if (writer_.depth_ >= archive::kDeepestNesting) raise("The objects are nested too deep.");
       ++writer_.depth_;
     }
     Frame(const Frame&) = delete;
@@ -159,8 +160,6 @@ class NSKeyedArchiver::Writer {
     if (record == nullptr) raiseForClass(object.className());
     if (secure_ && !record->supportsSecureCoding())
       raise(record->name() + " does not support secure coding.");
-    if (depth_ >= archive::kDeepestNesting) raise("The objects are nested too deep.");
-
     const Index uid = append(0);
     identities_.emplace(&object, Known{uid, true});
     kept_.push_back(value);

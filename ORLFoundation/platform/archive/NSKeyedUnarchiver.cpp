@@ -6,6 +6,7 @@
 #include <ORLFoundation/platform/value/NSException.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <limits>
 #include <unordered_map>
@@ -187,6 +188,7 @@ class NSKeyedUnarchiver::Reader {
       case PropertyListKind::Real:
         return table_.real(entry);
       case PropertyListKind::Date:
+        if (!std::isfinite(table_.real(entry))) throw PropertyListFault("A date has no time.");
         return NSDate::dateWithTimeIntervalSinceReferenceDate(table_.real(entry));
       case PropertyListKind::Data:
         return NSData(textOf(entry));

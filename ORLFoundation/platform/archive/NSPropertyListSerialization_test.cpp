@@ -404,8 +404,8 @@ TEST(NSPropertyListSerialization, KeepsSharedMembersSharedHoweverManyReferences)
 
 TEST(NSPropertyListSerialization, BoundsTextThatIsRepeated) {
   std::string text = "\x5F\x12";
-  orlftest::appendBigEndian(text, 1 << 20, 4);
-  text += std::string(1 << 20, 'x');
+  orlftest::appendBigEndian(text, 1 << 16, 4);
+  text += std::string(1 << 16, 'x');
   expectRefused(binaryList({binaryArray(std::vector<std::size_t>(10000, 1)), text}));
 }
 

@@ -49,6 +49,7 @@ PropertyListBuilder::Index PropertyListBuilder::unique(PropertyListKind kind, st
 
 PropertyListBuilder::Index PropertyListBuilder::uniqueText(PropertyListKind kind,
                                                            std::string_view text) {
+  if (text.size() > kLongestShared) return table_.addText(kind, text);
   return findOrAdd(
       mixed(std::hash<std::string_view>{}(text) + static_cast<std::uint64_t>(kind)),
       [&](Index node) { return table_.kind(node) == kind && table_.text(node) == text; },

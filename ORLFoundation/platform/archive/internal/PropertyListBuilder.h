@@ -1,4 +1,5 @@
-/// Builds a table in which equal texts, numbers, dates and references stand once.
+/// Builds a table in which equal numbers, dates, references and short texts stand once. Long texts
+/// do not: what is written here stays within what readers take of repeated text.
 #pragma once
 
 #include <ORLFoundation/platform/archive/internal/PropertyListTable.h>
@@ -41,6 +42,7 @@ class PropertyListBuilder {
     Index node = kEmpty;
   };
   static constexpr Index kEmpty = UINT32_MAX;
+  static constexpr std::size_t kLongestShared = PropertyListTextBudget::kMostReuse;
 
   Index unique(PropertyListKind kind, std::uint64_t bits);
   Index uniqueText(PropertyListKind kind, std::string_view text);

@@ -33,9 +33,11 @@ class PropertyListTextBudget {
     return true;
   }
 
+  /// Each reference may make so many bytes of text, whatever it refers to.
+  static constexpr std::uint64_t kMostReuse = 256;
+
  private:
   static constexpr std::uint64_t kLeast = std::uint64_t{1} << 26;
-  static constexpr std::uint64_t kMostReuse = 64;
 
   std::uint64_t left_;
 };
