@@ -1,10 +1,10 @@
 #!/bin/sh
 # Shows the tool at work on the plans of this folder: examples/demo.sh ORLF [FOLDER]
-# ORLF is the built tool, FOLDER takes the chart (the current folder by default).
+# ORLF is the built tool, FOLDER takes the chart (the tool's own folder by default).
 set -eu
 
 orlf=${1:?usage: demo.sh ORLF [FOLDER]}
-output=${2:-.}
+output=${2:-$(dirname "$orlf")}
 here=$(dirname "$0")
 mkdir -p "$output"
 
