@@ -23,8 +23,8 @@ struct SharedFormatter {
 };
 
 std::unique_ptr<icu::GregorianCalendar> makeGregorianCalendar(UErrorCode& status) {
-  auto calendar = std::make_unique<icu::GregorianCalendar>(
-      icu::SimpleTimeZone(0, u"GMT"), icu::Locale("en", "US", "POSIX"), status);
+  auto calendar = std::make_unique<icu::GregorianCalendar>(icu::SimpleTimeZone(0, u"GMT"),
+                                                           icu::Locale("en_US_POSIX"), status);
   calendar->setGregorianChange(-std::numeric_limits<double>::max(), status);
   calendar->setLenient(false);
   return calendar;
@@ -32,8 +32,8 @@ std::unique_ptr<icu::GregorianCalendar> makeGregorianCalendar(UErrorCode& status
 
 std::unique_ptr<icu::SimpleDateFormat> makeFormatter() {
   UErrorCode status = U_ZERO_ERROR;
-  auto formatter = std::make_unique<icu::SimpleDateFormat>(
-      u"yyyy-MM-dd'T'HH:mm:ssZZZ", icu::Locale("en", "US", "POSIX"), status);
+  auto formatter = std::make_unique<icu::SimpleDateFormat>(u"yyyy-MM-dd'T'HH:mm:ssZZZ",
+                                                           icu::Locale("en_US_POSIX"), status);
   if (U_FAILURE(status)) return nullptr;
   auto calendar = makeGregorianCalendar(status);
   if (U_FAILURE(status)) return nullptr;

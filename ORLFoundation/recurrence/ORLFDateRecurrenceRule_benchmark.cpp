@@ -154,7 +154,7 @@ void runOurs(benchmark::State& state, const Work& work) {
   const Ours ours(work);
   for ([[maybe_unused]] auto _ : state)
     ours.walk(kDates, [](NSDate date) { benchmark::DoNotOptimize(date); });
-  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * kDates));
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kDates));
 }
 
 void runLibical(benchmark::State& state, const Work& work) {
@@ -164,7 +164,7 @@ void runLibical(benchmark::State& state, const Work& work) {
       count +=
           libical.walk(kDates - count, [](icaltimetype time) { benchmark::DoNotOptimize(time); });
   }
-  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * kDates));
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kDates));
 }
 
 const bool kRegistered = [] {

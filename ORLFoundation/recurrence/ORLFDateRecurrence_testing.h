@@ -1,8 +1,10 @@
-/// What the tests of this folder share: collecting the dates of a walk.
+/// What the tests of this folder share: the dates of a walk.
 #pragma once
 
 #include <ORLFoundation/calendar/ORLFCalendar_testing.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+#include <ORLFoundation/recurrence/internal/ORLFDateWalk.h>
+#include <gtest/gtest.h>
 
 #include <memory>
 #include <vector>
@@ -45,5 +47,34 @@ inline std::vector<int> daysOf(const std::vector<ORLFoundation::NSDate>& dates,
   }
   return days;
 }
+
+/// How many periods a walk takes that gives no date.
+inline ORLFoundation::NSUInteger periodsOf(const ORLFoundation::ORLFDateRecurrenceRule& rule,
+                                           const ORLFoundation::NSCalendar& calendar,
+                                           ORLFoundation::NSDate start) {
+  using namespace ORLFoundation;
+  std::size_t delivered = 0;
+  const NSUInteger periods =
+      internal::ORLFDateWalk(rule, {.calendar = calendar,
+                                    .startDate = start,
+                                    .usingBlock = [&](NSDate, NSUInteger, bool&) { ++delivered; }})
+          .run();
+  EXPECT_EQ(delivered, 0U);
+  return periods;
+}
+
+class EnumerationTest : public testing::Test {
+ protected:
+  const std::shared_ptr<ORLFoundation::NSCalendar> calendar_ = calendarIn("America/New_York");
+
+  [[nodiscard]] ORLFoundation::NSDate morning(int year, int month, int day) const {
+    return at(*calendar_, year, month, day, 9, 30);
+  }
+  [[nodiscard]] std::vector<int> days(const ORLFoundation::ORLFDateRecurrenceRule& rule,
+                                      ORLFoundation::NSDate start, std::size_t most,
+                                      const WalkOptions& options = {}) const {
+    return daysOf(firstDates(rule, *calendar_, start, most, options), *calendar_);
+  }
+};
 
 }  // namespace orlftest

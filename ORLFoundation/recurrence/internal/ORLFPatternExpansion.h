@@ -55,11 +55,12 @@ class ORLFPatternExpansion {
   Patterns patterns_;
   Patterns expanded_;
   ORLFPatternConditions conditions_;
-  /// No stage has fixed the month yet, so it comes from the date.
+  /// `needsMonthConstraint`  No stage has fixed the month yet, so it comes from the date.
   bool needsMonthConstraint_ = false;
-  /// No stage has fixed the day yet, so it comes from the date.
+  /// `needsDayOfMonthConstraint`  No stage has fixed the day yet, so it comes from the date.
   bool needsDayOfMonthConstraint_ = false;
-  /// No stage has fixed the weekday yet, so weekday and ordinal come from the date.
+  /// `needsDayOfWeekConstraint`  No stage has fixed the weekday yet, so weekday and ordinal come
+  /// from the date.
   bool needsDayOfWeekConstraint_ = false;
 };
 

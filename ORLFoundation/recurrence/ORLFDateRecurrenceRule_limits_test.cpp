@@ -1,0 +1,118 @@
+// The main enumeration at clock changes, in odd zones, in far years and past the calendar's ends.
+#include <ORLFoundation/recurrence/ORLFDateRecurrence_testing.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace ORLFoundation {
+namespace {
+
+class EnumerationLimits : public orlftest::EnumerationTest {};
+
+using orlftest::at;
+using orlftest::calendarIn;
+using orlftest::daysOf;
+using orlftest::firstDates;
+using orlftest::periodsOf;
+using Rule = ORLFDateRecurrenceRule;
+using Days = std::vector<int>;
+
+constexpr auto kDaily = ORLFDateRecurrenceFrequencyDaily;
+constexpr auto kWeekly = ORLFDateRecurrenceFrequencyWeekly;
+constexpr auto kMonthly = ORLFDateRecurrenceFrequencyMonthly;
+constexpr auto kQuarterly = ORLFDateRecurrenceFrequencyQuarterly;
+constexpr auto kYearly = ORLFDateRecurrenceFrequencyYearly;
+
+TEST_F(EnumerationLimits, PassesOverADateWhoseTimeAClockChangeLeavesOut) {
+  // 02:30 does not exist on 10 March 2024.
+  const Rule rule(Rule::Recurrence{.frequency = kMonthly, .daysOfTheMonth = {{10}}});
+  EXPECT_EQ(days(rule, at(*calendar_, 2024, 2, 10, 2, 30), 3),
+            (Days{20240210, 20240410, 20240510}));
+  // A simple rule moves it on by the length of the gap.
+  const auto simple =
+      firstDates(Rule(kMonthly, 1), *calendar_, at(*calendar_, 2024, 2, 10, 2, 30), 3);
+  EXPECT_EQ(simple[1], at(*calendar_, 2024, 3, 10, 3, 30));
+  EXPECT_EQ(simple[2], at(*calendar_, 2024, 4, 10, 2, 30));
+}
+
+TEST_F(EnumerationLimits, TakesTheFirstPassOfADoubledTime) {
+  const Rule rule(Rule::Recurrence{.frequency = kMonthly, .daysOfTheMonth = {{3}}});
+  const auto dates = firstDates(rule, *calendar_, at(*calendar_, 2024, 10, 3, 1, 30), 2);
+  const NSDate standard = at(*calendar_, 2024, 11, 3, 12).dateByAddingTimeInterval(-11.5 * 3600);
+  EXPECT_EQ(dates[1], standard);
+}
+
+struct ZoneCase {
+  const char* zone;
+  int hour, minute;
+};
+constexpr ZoneCase kZones[] = {{"Asia/Kathmandu", 5, 45},
+                               {"Australia/Lord_Howe", 2, 15},
+                               {"Pacific/Apia", 0, 0},
+                               {"America/New_York", 2, 30},
+                               {"UTC", 0, 0}};
+
+TEST_F(EnumerationLimits, AgreesForwardAndBackwardInOddZones) {
+  for (const ZoneCase& row : kZones) {
+    const auto calendar = calendarIn(row.zone);
+    const Rule rule(Rule::Recurrence{.frequency = kMonthly, .daysOfTheMonth = {{7, 30}}});
+    const NSDate start = at(*calendar, 2009, 12, 1, row.hour, row.minute);
+    const auto forward = firstDates(rule, *calendar, start, 60);
+    ASSERT_EQ(forward.size(), 60U);
+    auto backward = firstDates(rule, *calendar, forward.back(), 60, {.backwards = true});
+    std::reverse(backward.begin(), backward.end());
+    EXPECT_EQ(forward, backward) << row.zone;
+    for (std::size_t index = 1; index < forward.size(); ++index) {
+      const auto restarted = firstDates(rule, *calendar, forward[index], 1);
+      EXPECT_EQ(restarted.front(), forward[index]) << row.zone << index;
+    }
+  }
+}
+
+TEST_F(EnumerationLimits, PassesOverTheDayThatApiaSkipped) {
+  const auto apia = calendarIn("Pacific/Apia");
+  const Rule rule(Rule::Recurrence{.frequency = kMonthly, .daysOfTheMonth = {{30}}});
+  EXPECT_EQ(daysOf(firstDates(rule, *apia, at(*apia, 2011, 11, 30, 9), 2), *apia),
+            (Days{20111130, 20120130}));
+}
+
+TEST_F(EnumerationLimits, WalksFarYears) {
+  const Rule rule(Rule::Recurrence{.frequency = kMonthly, .daysOfTheMonth = {{31}}});
+  EXPECT_EQ(days(rule, morning(2199, 12, 31), 2), (Days{21991231, 22000131}));
+  EXPECT_EQ(days(rule, morning(1799, 12, 31), 2, {.backwards = true}), (Days{17991231, 17991031}));
+  EXPECT_EQ(firstDates(rule, *calendar_, at(*calendar_, 400000, 1, 31), 3).size(), 3U);
+}
+
+TEST_F(EnumerationLimits, EndsWhereTheCalendarEnds) {
+  const NSDate start = morning(2023, 1, 1);
+  for (const ORLFDateRecurrenceFrequency frequency :
+       {kDaily, kWeekly, kMonthly, kQuarterly, kYearly}) {
+    EXPECT_EQ(days(Rule(frequency, NSIntegerMax / 2), start, 5).size(), 1U);
+    EXPECT_EQ(days(Rule(frequency, NSIntegerMin), start, 5).size(), 1U);
+    EXPECT_EQ(days(Rule(frequency, NSIntegerMax / 2), start, 5, {.backwards = true}).size(), 1U);
+  }
+  const Rule rule(Rule::Recurrence{.frequency = kMonthly, .daysOfTheMonth = {{31}}});
+  for (const double seconds :
+       {std::numeric_limits<double>::quiet_NaN(), HUGE_VAL, -HUGE_VAL, 1e300}) {
+    const NSDate never = NSDate::dateWithTimeIntervalSinceReferenceDate(seconds);
+    EXPECT_TRUE(firstDates(rule, *calendar_, never, 5).empty());
+    EXPECT_EQ(firstDates(Rule(kMonthly, 1), *calendar_, never, 5).size(), 1U);
+  }
+}
+
+TEST_F(EnumerationLimits, StandsStillWithAnIntervalOfZero) {
+  EXPECT_EQ(days(Rule(kMonthly, 0), morning(2023, 1, 1), 3), (Days{20230101, 20230101, 20230101}));
+  const Rule rule(Rule::Recurrence{.interval = 0, .daysOfTheMonth = {{1}}});
+  EXPECT_EQ(periodsOf(rule, *calendar_, morning(2023, 1, 1)), 60U);
+}
+
+TEST_F(EnumerationLimits, TakesAnOtherUnitForAFrequency) {
+  const Rule hourly(static_cast<ORLFDateRecurrenceFrequency>(NSCalendarUnitHour), 6);
+  const auto dates = firstDates(hourly, *calendar_, morning(2023, 1, 1), 3);
+  EXPECT_EQ(dates[2], morning(2023, 1, 1).dateByAddingTimeInterval(12 * 3600));
+}
+
+}  // namespace
+}  // namespace ORLFoundation
