@@ -84,8 +84,8 @@ class CashFlowVisit {
 NSDecimalNumber decimalFromRate(double rate) {
   constexpr int kPlaces = 17;
   char text[400];
-  const auto end = std::to_chars(std::begin(text), std::end(text), rate, std::chars_format::fixed,
-                                 kPlaces);
+  const auto end =
+      std::to_chars(std::begin(text), std::end(text), rate, std::chars_format::fixed, kPlaces);
   return NSDecimalNumber::decimalNumberWithString(
       std::string_view(text, static_cast<std::size_t>(end.ptr - text)));
 }
@@ -98,9 +98,8 @@ std::optional<NSDecimalNumber> ORLFAmortizationCalculator::paymentPeriodRateForI
   if (!intervalRate) return std::nullopt;
   const NSDecimalNumber compounding = orlfDecimalNumberWithInt(compoundingPeriodsPerInterval);
   const NSDecimalNumber payments = orlfDecimalNumberWithInt(paymentPeriodsPerInterval);
-  const NSDecimalNumber base =
-      intervalRate->decimalNumberByDividingBy(compounding).decimalNumberByAdding(
-          NSDecimalNumber::one());
+  const NSDecimalNumber base = intervalRate->decimalNumberByDividingBy(compounding)
+                                   .decimalNumberByAdding(NSDecimalNumber::one());
   const NSDecimalNumber exponent = compounding.decimalNumberByDividingBy(payments);
   const double growth = std::pow(base.doubleValue(), exponent.doubleValue());
   return NSDecimalNumber(NSDecimal::fromDouble(growth))
@@ -112,9 +111,8 @@ std::optional<NSDecimalNumber> ORLFAmortizationCalculator::paymentOnInitialPrinc
     std::optional<NSDecimalNumber> atPaymentPeriodRate, std::int32_t forNumberOfPeriods) {
   if (!initialPrincipal || !atPaymentPeriodRate) return std::nullopt;
   const NSDecimalNumber one = NSDecimalNumber::one();
-  const NSDecimalNumber growth =
-      one.decimalNumberByAdding(*atPaymentPeriodRate).decimalNumberByRaisingToPower(
-          forNumberOfPeriods);
+  const NSDecimalNumber growth = one.decimalNumberByAdding(*atPaymentPeriodRate)
+                                     .decimalNumberByRaisingToPower(forNumberOfPeriods);
   const NSDecimalNumber top = initialPrincipal->decimalNumberByMultiplyingBy(
       atPaymentPeriodRate->decimalNumberByMultiplyingBy(growth));
   return top.decimalNumberByDividingBy(growth.decimalNumberBySubtracting(one));

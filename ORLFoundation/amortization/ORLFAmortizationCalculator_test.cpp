@@ -8,6 +8,8 @@
 #include <cmath>
 #include <stdexcept>
 
+extern "C" double orlf_test_value_from_c(void);
+
 namespace ORLFoundation {
 namespace {
 
@@ -102,6 +104,8 @@ TEST(NetPresentValue, IsZeroOfNothingAndThePlainSumAtARateOfZero) {
   const double values[] = {-100, 60, 50.25};
   EXPECT_EQ(net_present_value(times, values, 3, 0), 10.25);
 }
+
+TEST(NetPresentValue, IsCalledFromC) { EXPECT_NEAR(orlf_test_value_from_c(), 0, 1e-12); }
 
 TEST(PaymentPeriodRate, OfTheSamePeriodsIsTheRateOverThem) {
   EXPECT_NEAR(Calculator::paymentPeriodRateForIntervalRate(number("0.12"), 12, 12)->doubleValue(),
@@ -254,7 +258,7 @@ TEST(InternalRateOfReturn, GeneratorGetsTheMemberAtItsIndex) {
   const auto rate = Calculator::internalRateOfReturnForDataset(
       *NSArray::arrayWithObjects({id(-100.0), id(110.0)}), NSEnumerationReverse,
       [](const id& object, NSUInteger index, bool& /*stop*/) {
-        return ORLFCashFlowPoint{static_cast<double>(index), object.as<NSNumber>().doubleValue()};
+        return ORLFCashFlowPoint{static_cast<double>(index), object.as<NSNumber>()->doubleValue()};
       });
   EXPECT_NEAR(rate->doubleValue(), 0.1, 0.00001);
 }

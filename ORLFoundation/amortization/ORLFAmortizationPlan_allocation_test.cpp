@@ -9,15 +9,21 @@
 namespace {
 std::atomic<std::size_t> allocations{0};
 
-void* counted(std::size_t size) {
+void* tried(std::size_t size) noexcept {
   ++allocations;
-  if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
+  return std::malloc(size == 0 ? 1 : size);
+}
+
+void* counted(std::size_t size) {
+  if (void* memory = tried(size)) return memory;
   throw std::bad_alloc();
 }
 }  // namespace
 
 void* operator new(std::size_t size) { return counted(size); }
 void* operator new[](std::size_t size) { return counted(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return tried(size); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return tried(size); }
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete[](void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }

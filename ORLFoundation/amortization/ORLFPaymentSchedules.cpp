@@ -80,11 +80,16 @@ NSUInteger daysPerPeriod(const ORLFDateRecurrenceRule& rule) {
 
 double periodsInYear(ORLFDateRecurrenceFrequency frequency) {
   switch (frequency) {
-    case ORLFDateRecurrenceFrequencyYearly: return 1;
-    case ORLFDateRecurrenceFrequencyMonthly: return 12;
-    case ORLFDateRecurrenceFrequencyWeekly: return 52;
-    case ORLFDateRecurrenceFrequencyQuarterly: return 4;
-    case ORLFDateRecurrenceFrequencyDaily: return 365;
+    case ORLFDateRecurrenceFrequencyYearly:
+      return 1;
+    case ORLFDateRecurrenceFrequencyMonthly:
+      return 12;
+    case ORLFDateRecurrenceFrequencyWeekly:
+      return 52;
+    case ORLFDateRecurrenceFrequencyQuarterly:
+      return 4;
+    case ORLFDateRecurrenceFrequencyDaily:
+      return 365;
   }
   return 0;
 }
@@ -107,8 +112,8 @@ ORLFPaymentSchedule scheduleForSemiMonthlyPayments(std::optional<NSInteger> firs
 }
 
 ORLFPaymentSchedule scheduleForMonthlyPayments(std::optional<NSInteger> day) {
-  return schedule({.frequency = ORLFDateRecurrenceFrequencyMonthly,
-                   .daysOfTheMonth = list({day.value_or(1)})});
+  return schedule(
+      {.frequency = ORLFDateRecurrenceFrequencyMonthly, .daysOfTheMonth = list({day.value_or(1)})});
 }
 
 ORLFPaymentSchedule scheduleForLastDayOfMonth() {
@@ -173,9 +178,8 @@ ORLFPaymentSchedule absoluteScheduleForMonthlyPaymentsIncludingDate(NSDate date,
 
 ORLFPaymentSchedule absoluteScheduleForSemiMonthlyPaymentsIncludingDate(
     NSDate date, NSDate andDate, const NSCalendar& inCalendar) {
-  return schedule(
-      {.frequency = ORLFDateRecurrenceFrequencyMonthly,
-       .daysOfTheMonth = list({dayOf(date, inCalendar), dayOf(andDate, inCalendar)})});
+  return schedule({.frequency = ORLFDateRecurrenceFrequencyMonthly,
+                   .daysOfTheMonth = list({dayOf(date, inCalendar), dayOf(andDate, inCalendar)})});
 }
 
 ORLFPaymentSchedule absoluteScheduleForQuarterlyPaymentsIncludingDate(

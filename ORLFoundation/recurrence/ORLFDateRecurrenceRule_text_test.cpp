@@ -1,0 +1,289 @@
+// Reading iCalendar recurrence lines, and the English sentences of rules.
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+#include <gtest/gtest.h>
+#include <tests/support/RecurrenceCodec.h>
+
+#include <fstream>
+
+namespace ORLFoundation {
+namespace {
+
+using orlftest::Json;
+using Rule = ORLFDateRecurrenceRule;
+
+constexpr auto kYearly = ORLFDateRecurrenceFrequencyYearly;
+constexpr auto kMonthly = ORLFDateRecurrenceFrequencyMonthly;
+constexpr auto kQuarterly = ORLFDateRecurrenceFrequencyQuarterly;
+constexpr auto kWeekly = ORLFDateRecurrenceFrequencyWeekly;
+constexpr auto kDaily = ORLFDateRecurrenceFrequencyDaily;
+
+Rule::DaysOfTheWeek days(std::initializer_list<std::pair<NSInteger, NSInteger>> entries) {
+  Rule::DaysOfTheWeek list(std::in_place);
+  for (const auto& [day, number] : entries)
+    list->push_back(std::make_shared<ORLFDateRecurrenceDayOfWeek>(day, number));
+  return list;
+}
+
+Rule::Integers numbers(std::initializer_list<NSInteger> values) {
+  return std::vector<NSInteger>(values);
+}
+
+// ---------------------------------------------------------------- text
+
+TEST(RuleText, AgreesWithVectors) {
+  orlftest::runJsonVectors(
+      "rules_rule_text",
+      {{"dateRecurrenceRuleFromICalendarString", [](const Json& in, const Json& out) {
+          const auto rule = Rule::dateRecurrenceRuleFromICalendarString(in.get<std::string>());
+          return orlftest::disagreement(out, orlftest::vectorFromRule(rule.get()));
+        }}});
+}
+
+struct ReadCase {
+  const char *name, *text;
+  Rule::Recurrence fields;
+};
+
+TEST(RuleText, ReadsEveryKey) {
+  const ReadCase cases[] = {
+      {"Daily", "RRULE:FREQ=DAILY", {.frequency = kDaily}},
+      {"Weekly", "RRULE:FREQ=WEEKLY", {.frequency = kWeekly}},
+      {"Monthly", "RRULE:FREQ=MONTHLY", {.frequency = kMonthly}},
+      {"YearlyUnlessToldOtherwise", "RRULE:INTERVAL=2", {.frequency = kYearly, .interval = 2}},
+      {"ByDay",
+       "RRULE:FREQ=MONTHLY;BYDAY=1MO,-1FR",
+       {.frequency = kMonthly, .daysOfTheWeek = days({{2, 1}, {6, -1}})}},
+      {"EveryDayName",
+       "RRULE:FREQ=WEEKLY;BYDAY=SU,MO,TU,WE,TH,FR,SA",
+       {.frequency = kWeekly,
+        .daysOfTheWeek = days({{1, 0}, {2, 0}, {3, 0}, {4, 0}, {5, 0}, {6, 0}, {7, 0}})}},
+      {"ByMonth",
+       "RRULE:BYMONTH=3,13",
+       {.frequency = kYearly, .monthsOfTheYear = numbers({3, 13})}},
+      {"ByMonthDay",
+       "RRULE:FREQ=MONTHLY;BYMONTHDAY=15,-1",
+       {.frequency = kMonthly, .daysOfTheMonth = numbers({15, -1})}},
+      {"ByWeekNumber",
+       "RRULE:BYWEEKNO=20",
+       {.frequency = kYearly, .weeksOfTheYear = numbers({20})}},
+      {"ByYearDay",
+       "RRULE:BYYEARDAY=1,-1",
+       {.frequency = kYearly, .daysOfTheYear = numbers({1, -1})}},
+      {"RepeatedListsAdd",
+       "RRULE:BYMONTH=3;BYMONTH=4",
+       {.frequency = kYearly, .monthsOfTheYear = numbers({3, 4})}},
+      {"RepeatedWordsOverwrite",
+       "RRULE:FREQ=DAILY;INTERVAL=3;FREQ=WEEKLY;INTERVAL=2",
+       {.frequency = kWeekly, .interval = 2}},
+      {"OtherKeysArePassedOver",
+       "RRULE:FREQ=WEEKLY;COUNT=5;UNTIL=x;WKST=MO;BYHOUR=9",
+       {.frequency = kWeekly}},
+      {"SetPositionsArePassedOver", "RRULE:FREQ=MONTHLY;BYSETPOS=-1", {.frequency = kMonthly}},
+      {"WhatStandsBeforeIsIgnored", "DTSTART:20240131\nRRULE:FREQ=DAILY", {.frequency = kDaily}},
+      {"NumbersStopAtTheFirstOtherCharacter",
+       "RRULE:INTERVAL= +2x",
+       {.frequency = kYearly, .interval = 2}},
+      {"LineEndBelongsToTheLastValue",
+       "RRULE:INTERVAL=2\r\n",
+       {.frequency = kYearly, .interval = 2}},
+  };
+  for (const ReadCase& row : cases) {
+    const auto rule = Rule::dateRecurrenceRuleFromICalendarString(row.text);
+    ASSERT_TRUE(rule) << row.name;
+    Rule::Recurrence fields = row.fields;
+    fields.anchorIndex = 1;
+    EXPECT_TRUE(rule->isEqual(std::make_shared<Rule>(fields).get())) << row.name;
+    EXPECT_EQ(rule->anchorIndex(), 1) << row.name;
+    EXPECT_FALSE(rule->absolute()) << row.name;
+  }
+}
+
+const char* const kUnreadable[] = {
+    "",
+    "FREQ=DAILY",
+    "rrule:FREQ=DAILY",
+    "RRULE:",
+    "RRULE:FREQ=WEEKLY;",
+    "RRULE:FREQ",
+    "RRULE:FREQ=DAILY=1",
+    "RRULE:FREQ=weekly",
+    "RRULE:FREQ=HOURLY",
+    "RRULE:FREQ=QUARTERLY",
+    "RRULE:FREQ=DAILY\n",
+    "RRULE:FREQ=DAILY;INTERVAL=0",
+    "RRULE:FREQ=DAILY;INTERVAL=x",
+    "RRULE:BYMONTH=0",
+    "RRULE:BYMONTH=1,",
+    "RRULE:BYMONTHDAY=x",
+    "RRULE:BYWEEKNO=",
+    "RRULE:BYYEARDAY=1,x",
+    "RRULE:BYDAY=M",
+    "RRULE:BYDAY=XX",
+    "RRULE:BYDAY=mo",
+    "RRULE:BYDAY=0MO",
+    "RRULE:BYDAY=xMO",
+    "RRULE:BYDAY=MO,",
+};
+
+TEST(RuleText, RefusesWhatItCannotReadWhole) {
+  for (const char* text : kUnreadable)
+    EXPECT_EQ(Rule::dateRecurrenceRuleFromICalendarString(text), nullptr) << text;
+}
+
+TEST(RuleText, DiffersFromARuleOfTheSameIntervalByItsAnchor) {
+  const auto read = Rule::dateRecurrenceRuleFromICalendarString("RRULE:FREQ=DAILY;INTERVAL=3");
+  EXPECT_FALSE(read->isEqual(std::make_shared<Rule>(kDaily, 3).get()));
+  EXPECT_TRUE(Rule::dateRecurrenceRuleFromICalendarString("RRULE:FREQ=DAILY")
+                  ->isEqual(std::make_shared<Rule>(kDaily, 1).get()));
+}
+
+TEST(RuleText, ReadsOrRefusesEveryRuleOfOtherProjects) {
+  std::ifstream file(orlftest::vectorFolder().parent_path() / "rrule" / "rrule_dev.tsv");
+  if (!file) file.open("tests/data/rrule/rrule_dev.tsv");
+  ASSERT_TRUE(file);
+  std::size_t rows = 0, read = 0, coreRefused = 0;
+  std::string line;
+  std::getline(file, line);
+  while (std::getline(file, line)) {
+    ++rows;
+    const std::string text = line.substr(0, line.find('\t'));
+    const bool core = line.find("\tcore\t") != std::string::npos;
+    const auto rule = Rule::dateRecurrenceRuleFromICalendarString(text);
+    if (rule) ++read;
+    if (core && !rule) ++coreRefused;
+  }
+  EXPECT_EQ(rows, 364U);
+  EXPECT_EQ(coreRefused, 0U);
+  EXPECT_GT(read, 250U);
+}
+
+// ---------------------------------------------------------------- descriptions
+
+TEST(RuleDescription, AgreesWithVectors) {
+  orlftest::runJsonVectors(
+      "rules_description",
+      {{"humanReadableDescription",
+        [](const Json& in, const Json& out) {
+          return orlftest::disagreement(out.get<std::string>(),
+                                        orlftest::ruleFromVector(in)->humanReadableDescription());
+        }},
+       {"partialDescriptionForDaysOfTheWeek",
+        [](const Json& in, const Json& out) {
+          const auto text =
+              Rule::partialDescriptionForDaysOfTheWeek(orlftest::daysOfTheWeekFromVector(in));
+          return orlftest::disagreement(out, text ? Json(*text) : Json());
+        }},
+       {"partialDescriptionForDaysOfTheMonth",
+        [](const Json& in, const Json& out) {
+          const auto text =
+              Rule::partialDescriptionForDaysOfTheMonth(orlftest::integersFromVector(in));
+          return orlftest::disagreement(out, text ? Json(*text) : Json());
+        }},
+       {"partialDescriptionForMonthsOfYear",
+        [](const Json& in, const Json& out) {
+          const auto text =
+              Rule::partialDescriptionForMonthsOfYear(orlftest::integersFromVector(in));
+          return orlftest::disagreement(out, text ? Json(*text) : Json());
+        }},
+       {"nameForWeekday",
+        [](const Json& in, const Json& out) {
+          return orlftest::disagreement(
+              out.get<std::string>(),
+              std::string(ORLFDateRecurrenceDayOfWeek::nameForWeekday(in.get<NSInteger>())));
+        }},
+       {"stringForWeekNumber", [](const Json& in, const Json& out) {
+          return orlftest::disagreement(
+              out.get<std::string>(),
+              std::string(ORLFDateRecurrenceDayOfWeek::stringForWeekNumber(in.get<NSInteger>())));
+        }}});
+}
+
+struct SentenceCase {
+  Rule::Recurrence rule;
+  const char* sentence;
+};
+
+TEST(RuleDescription, MatchesTable) {
+  const SentenceCase cases[] = {
+      {{.frequency = kYearly}, "repeats yearly."},
+      {{.frequency = kMonthly}, "repeats monthly."},
+      {{.frequency = kQuarterly}, "repeats quarterly."},
+      {{.frequency = kWeekly}, "repeats weekly."},
+      {{.frequency = kDaily}, "repeats daily."},
+      {{.frequency = kYearly, .interval = 3}, "repeats every 3 years."},
+      {{.frequency = kMonthly, .interval = 2}, "repeats every 2 months."},
+      {{.frequency = kQuarterly, .interval = 2}, "repeats every 2 quarters."},
+      {{.frequency = kWeekly, .interval = 2}, "repeats every 2 weeks."},
+      {{.frequency = kDaily, .interval = 10}, "repeats every 10 days."},
+      {{.frequency = kDaily, .interval = -1}, "repeats every -1 days."},
+      {{.frequency = kMonthly, .daysOfTheMonth = numbers({1, 15})},
+       "repeats monthly on the 1st, and 15th"},
+      {{.frequency = kWeekly, .daysOfTheWeek = days({{2, 0}, {6, 0}})},
+       "repeats weekly on Monday, and Friday"},
+      {{.frequency = kMonthly, .daysOfTheWeek = days({{3, 2}})},
+       "repeats monthly on the second Tuesday"},
+      {{.frequency = kYearly, .daysOfTheMonth = numbers({15}), .monthsOfTheYear = numbers({3})},
+       "repeats yearly on the 15th of March"},
+      {{.frequency = kYearly, .monthsOfTheYear = numbers({3})}, "repeats yearly in March"},
+      {{.frequency = kMonthly,
+        .daysOfTheWeek = days({{6, 0}}),
+        .daysOfTheMonth = numbers({13}),
+        .monthsOfTheYear = numbers({1, 10})},
+       "repeats monthly on Friday on the 13th of January, and October"},
+      {{.frequency = kYearly, .weeksOfTheYear = numbers({20})}, "repeats yearly."},
+  };
+  for (const SentenceCase& row : cases)
+    EXPECT_EQ(std::make_shared<Rule>(row.rule)->humanReadableDescription(), row.sentence);
+}
+
+TEST(RuleDescription, IntervalOfZeroTakesThePlural) {
+  EXPECT_EQ(std::make_shared<Rule>(kDaily, 0)->humanReadableDescription(), "repeats every 0 days.");
+}
+
+TEST(RuleDescription, WeekdaysAreGroupedByNumberTheLastOnesFirst) {
+  const auto text = [](auto entries) { return *Rule::partialDescriptionForDaysOfTheWeek(entries); };
+  EXPECT_EQ(text(days({{2, 1}, {6, 0}})), "every Friday, and the first Monday");
+  EXPECT_EQ(text(days({{2, 1}, {6, -1}, {3, 1}})),
+            "the last Friday, the first Monday, and the first Tuesday");
+  EXPECT_EQ(text(days({{-2, -1}})), "the last weekday");
+  EXPECT_EQ(text(days({{2, -2}})), "the every Monday");
+  EXPECT_EQ(text(days({{2, 0}})), "Monday");
+}
+
+struct OrdinalCase {
+  NSInteger number;
+  const char* text;
+};
+const OrdinalCase kOrdinals[] = {{1, "1st"},   {2, "2nd"},     {3, "3rd"},   {4, "4th"},
+                                 {11, "11th"}, {12, "12th"},   {13, "13th"}, {21, "21st"},
+                                 {22, "22nd"}, {111, "111st"}, {-1, "-1th"}, {0, "0th"}};
+
+TEST(RuleDescription, OrdinalsOfDays) {
+  for (const OrdinalCase& row : kOrdinals)
+    EXPECT_EQ(Rule::partialDescriptionForDaysOfTheMonth(numbers({row.number})), row.text);
+}
+
+TEST(RuleDescription, ValuesThatEqualTheLastAreSetOffByAnd) {
+  EXPECT_EQ(Rule::partialDescriptionForDaysOfTheMonth(numbers({1, 5, 3, 5})),
+            "1st, and 5th, 3rd, and 5th");
+  EXPECT_EQ(Rule::partialDescriptionForMonthsOfYear(numbers({1, 2})), "January, and February");
+}
+
+TEST(RuleDescription, NilAndEmptyListsHaveNone) {
+  EXPECT_FALSE(Rule::partialDescriptionForDaysOfTheWeek(std::nullopt));
+  EXPECT_FALSE(Rule::partialDescriptionForDaysOfTheWeek(days({})));
+  EXPECT_FALSE(Rule::partialDescriptionForDaysOfTheMonth(std::nullopt));
+  EXPECT_FALSE(Rule::partialDescriptionForDaysOfTheMonth(numbers({})));
+  EXPECT_FALSE(Rule::partialDescriptionForMonthsOfYear(std::nullopt));
+  EXPECT_FALSE(Rule::partialDescriptionForMonthsOfYear(numbers({})));
+}
+
+TEST(RuleDescriptionDeathTest, UnknownFrequenciesAndMonthsStopTheProcess) {
+  EXPECT_DEATH((void)std::make_shared<Rule>(static_cast<ORLFDateRecurrenceFrequency>(7), 1)
+                   ->humanReadableDescription(),
+               "Fatal error");
+  EXPECT_DEATH((void)Rule::partialDescriptionForMonthsOfYear(numbers({13})), "Fatal error");
+}
+
+}  // namespace
+}  // namespace ORLFoundation
