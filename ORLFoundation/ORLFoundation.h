@@ -2,8 +2,11 @@
 /// writes this file.
 #pragma once
 
+#include <ORLFoundation/amortization/ORLFAmortizationCalculator.h>
 #include <ORLFoundation/amortization/ORLFAmortizationPlan.h>
 #include <ORLFoundation/amortization/ORLFAmortizationPlanSegment.h>
+#include <ORLFoundation/amortization/ORLFPaymentSchedules.h>
+#include <ORLFoundation/amortization/net_present_value.h>
 #include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
 #include <ORLFoundation/calendar/ORLFCalendarFiscal.h>
 #include <ORLFoundation/calendar/ORLFCalendarIntervals.h>
@@ -20,6 +23,7 @@
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
 #include <ORLFoundation/decimal/ORLFDecimalSolver.h>
+#include <ORLFoundation/decimal/ORLFMathematicalAxis.h>
 #include <ORLFoundation/decimal/ORLFMutableDecimalNumberHandler.h>
 #include <ORLFoundation/decimal/ORLFNegateDecimalNumberTransformer.h>
 #include <ORLFoundation/platform/archive/NSCoder.h>
