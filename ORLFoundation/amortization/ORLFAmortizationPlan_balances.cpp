@@ -10,7 +10,6 @@
 namespace ORLFoundation {
 namespace {
 
-using internal::isAfter;
 using internal::isBefore;
 using internal::ORLFPlanProjection;
 

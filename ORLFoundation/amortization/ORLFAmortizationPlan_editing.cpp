@@ -135,7 +135,7 @@ void ORLFAmortizationPlan::trimPlanSegmentsToStartDate(std::optional<NSDate> sta
 std::shared_ptr<ORLFAmortizationPlan>
 ORLFAmortizationPlan::amortizationPlanByMergingWithAmortizationPlan(
     const ORLFAmortizationPlan& other) const {
-  const auto plan = copyOfPlan();
+  auto plan = copyOfPlan();
   for (std::size_t index = 0; index < other.segments_.size(); ++index) {
     const bool isLast = index + 1 == other.segments_.size();
     plan->setPlanSegment(other.segments_[index], other.segments_[index]->startDate(),
@@ -146,7 +146,7 @@ ORLFAmortizationPlan::amortizationPlanByMergingWithAmortizationPlan(
 
 std::shared_ptr<ORLFAmortizationPlan> ORLFAmortizationPlan::amortizationPlanWithStartDate(
     std::optional<NSDate> startDate, std::optional<NSDate> endDate) const {
-  const auto plan = copyOfPlan();
+  auto plan = copyOfPlan();
   plan->trimPlanSegmentsToStartDate(startDate, endDate);
   const Segment first = plan->firstSegment();
   const auto frequency = first ? first->contributionFrequncy() : nullptr;

@@ -2,7 +2,7 @@
 #ifndef ORLFOUNDATION_AMORTIZATION_NET_PRESENT_VALUE_H
 #define ORLFOUNDATION_AMORTIZATION_NET_PRESENT_VALUE_H
 
-#include <stdint.h>
+#include <stdint.h> /* NOLINT(modernize-deprecated-headers): C has no other */
 
 #ifdef __cplusplus
 extern "C" {

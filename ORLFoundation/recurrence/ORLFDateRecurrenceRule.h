@@ -171,20 +171,20 @@ class ORLFDateRecurrenceRule : public NSObject, public NSSecureCoding {
       std::optional<NSDate> date, const NSCalendar& inCalendar) const;
 
   [[nodiscard]] const NSKeyTable& keyTable() const override;
-  /// `dateRecurrenceRuleFromICalendarString:`  The rule of an iCalendar recurrence line: what follows
-  /// the first "RRULE:" in the text. Reads FREQ, INTERVAL, BYDAY, BYMONTH, BYMONTHDAY, BYWEEKNO and
-  /// BYYEARDAY; other keys (COUNT, UNTIL, BYSETPOS ...) are passed over, so that the rule can be
-  /// weaker than its text. Keys and words are in capitals and nothing is trimmed. Yearly when no
-  /// frequency is named; the anchor is 1. nil for a text that is not read whole.
+  /// `dateRecurrenceRuleFromICalendarString:`  The rule of an iCalendar recurrence line: what
+  /// follows the first "RRULE:" in the text. Reads FREQ, INTERVAL, BYDAY, BYMONTH, BYMONTHDAY,
+  /// BYWEEKNO and BYYEARDAY; other keys (COUNT, UNTIL, BYSETPOS ...) are passed over, so that the
+  /// rule can be weaker than its text. Keys and words are in capitals and nothing is trimmed.
+  /// Yearly when no frequency is named; the anchor is 1. nil for a text that is not read whole.
   [[nodiscard]] static std::shared_ptr<ORLFDateRecurrenceRule>
   dateRecurrenceRuleFromICalendarString(std::string_view text);
 
-  /// `humanReadableDescription`  One English sentence: "repeats monthly on the second Tuesday". With
-  /// nothing but a frequency and an interval it ends in a full stop: "repeats every 2 weeks.". Stops
-  /// the process for an unknown frequency and for a month outside 1 to 12.
+  /// `humanReadableDescription`  One English sentence: "repeats monthly on the second Tuesday".
+  /// With nothing but a frequency and an interval it ends in a full stop: "repeats every 2 weeks.".
+  /// Stops the process for an unknown frequency and for a month outside 1 to 12.
   [[nodiscard]] std::string humanReadableDescription() const;
-  /// `partialDescriptionForDaysOfTheWeek:`  "Monday, and Friday", "the first Monday"; grouped by week
-  /// number, the last ones first. This and the next two give nil for a nil or empty list.
+  /// `partialDescriptionForDaysOfTheWeek:`  "Monday, and Friday", "the first Monday"; grouped by
+  /// week number, the last ones first. This and the next two give nil for a nil or empty list.
   [[nodiscard]] static std::optional<std::string> partialDescriptionForDaysOfTheWeek(
       const DaysOfTheWeek& days);
   /// `partialDescriptionForDaysOfTheMonth:`  "1st, and 15th"; 111 reads 111st and -1 reads -1th.

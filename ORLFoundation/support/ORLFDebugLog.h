@@ -4,6 +4,7 @@
 #pragma once
 
 /// `_ORLFDebugLog`
+// NOLINTNEXTLINE(bugprone-reserved-identifier): callers know it by this name.
 #define _ORLFDebugLog(...) \
   (true ? static_cast<void>(0) : ::ORLFoundation::ORLFDiscardDebugLog(__VA_ARGS__))
 

@@ -1,4 +1,5 @@
-/// The count of quarters behind `orlfQuartersForDateSince1970`, which tells what it could not count.
+/// The count of quarters behind `orlfQuartersForDateSince1970`, which tells what it could not
+/// count.
 #pragma once
 
 #include <ORLFoundation/platform/time/NSCalendar.h>

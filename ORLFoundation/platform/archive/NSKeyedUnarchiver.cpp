@@ -276,7 +276,7 @@ id NSKeyedUnarchiver::unarchivedObject(NSCodingClasses ofClasses, const NSData& 
                                        NSErrorSlot error) {
   const auto coder = initForReadingFromData(fromData, error);
   if (!coder) return {};
-  const id root = coder->decodeObject(ofClasses, NSKeyedArchiveRootObjectKey);
+  id root = coder->decodeObject(ofClasses, NSKeyedArchiveRootObjectKey);
   if (root.isNil()) coder->failWithError("The archive holds no object.");
   if (!coder->error()) return root;
   if (error != nullptr) *error = coder->error();

@@ -94,8 +94,8 @@ double dateFromXML(std::string_view text) {
       takeDigits(text, std::max<std::size_t>(std::min(text.find('-'), text.size()), 4), '-');
   const int month = takeDigits(text, 2, '-');
   const int day = takeDigits(text, 2, 'T');
-  const int hour = takeDigits(text, 2, ':');
-  const int minute = takeDigits(text, 2, ':');
+  const std::int64_t hour = takeDigits(text, 2, ':');
+  const std::int64_t minute = takeDigits(text, 2, ':');
   const int second = takeDigits(text, 2, 'Z');
   const std::chrono::year_month_day date(std::chrono::year(isNegative ? -year : year),
                                          std::chrono::month(static_cast<unsigned>(month)),
