@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace ORLFoundation::internal {
@@ -246,6 +247,31 @@ xmlSAXHandler handlers() {
   return handler;
 }
 
+struct FreeParser {
+  void operator()(xmlParserCtxt* parser) const noexcept {
+    // Declarations in the document make the parser keep one, callbacks or not.
+    xmlFreeDoc(parser->myDoc);
+    parser->myDoc = nullptr;
+    xmlFreeParserCtxt(parser);
+  }
+};
+
+// Runs the parser over the document; false for one that is not well-formed.
+bool parse(std::span<const std::uint8_t> bytes, Session& session) {
+  const std::unique_ptr<xmlParserCtxt, FreeParser> parser(xmlCreateMemoryParserCtxt(
+      reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size())));
+  if (!parser) throw PropertyListFault("The document cannot be read.");
+  session.parser = parser.get();
+  xmlSAXHandler handler = handlers();
+  xmlSAXHandler* const ownHandler = std::exchange(parser->sax, &handler);
+  void* const ownData = std::exchange(parser->userData, &session);
+  xmlCtxtUseOptions(parser.get(), XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_NOWARNING);
+  xmlParseDocument(parser.get());
+  parser->sax = ownHandler;
+  parser->userData = ownData;
+  return parser->wellFormed != 0;
+}
+
 // The parser takes white space before an element, but not before the XML declaration.
 std::span<const std::uint8_t> withoutLeadingBlanks(std::span<const std::uint8_t> bytes) noexcept {
   std::size_t first = 0;
@@ -264,23 +290,7 @@ PropertyListTable readXMLPropertyList(std::span<const std::uint8_t> bytes) {
   std::call_once(initialized, xmlInitParser);
 
   Session session;
-  xmlSAXHandler handler = handlers();
-  const std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)> parser(
-      xmlCreateMemoryParserCtxt(reinterpret_cast<const char*>(bytes.data()),
-                                static_cast<int>(bytes.size())),
-      xmlFreeParserCtxt);
-  if (!parser) throw PropertyListFault("The document cannot be read.");
-  session.parser = parser.get();
-  xmlSAXHandler* const own = parser->sax;
-  void* const ownData = parser->userData;
-  parser->sax = &handler;
-  parser->userData = &session;
-  xmlCtxtUseOptions(parser.get(), XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_NOWARNING);
-  xmlParseDocument(parser.get());
-  const bool wellFormed = parser->wellFormed != 0;
-  parser->sax = own;
-  parser->userData = ownData;
-
+  const bool wellFormed = parse(bytes, session);
   if (session.fault) throw PropertyListFault(*session.fault);
   if (!wellFormed) throw PropertyListFault("The document is no well-formed XML.");
   return session.builder.finish();
