@@ -1,17 +1,22 @@
-/// What the tests of property lists and archives share: bytes from hex digits, and binary lists put
-/// together object by object.
+/// What the tests of property lists and archives share: lists read and written in a word, bytes
+/// from hex digits, and binary lists put together object by object.
 #pragma once
 
+#include <ORLFoundation/platform/archive/NSPropertyListSerialization.h>
 #include <ORLFoundation/platform/value/NSData.h>
+#include <gtest/gtest.h>
 
 #include <cctype>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace orlftest {
+
+using namespace ORLFoundation;
 
 /// Bytes from hex digits; blanks are passed over.
 inline std::string bytesFromHex(std::string_view hex) {
@@ -35,7 +40,7 @@ inline void appendBigEndian(std::string& bytes, std::uint64_t value, unsigned wi
 }
 
 /// A binary list of the objects, the first one on top, with references of two bytes.
-inline ORLFoundation::NSData binaryList(const std::vector<std::string>& objects) {
+inline NSData binaryList(const std::vector<std::string>& objects) {
   std::string bytes = "bplist00";
   std::vector<std::size_t> offsets;
   for (const std::string& object : objects) {
@@ -48,7 +53,7 @@ inline ORLFoundation::NSData binaryList(const std::vector<std::string>& objects)
   appendBigEndian(bytes, offsets.size(), 8);
   appendBigEndian(bytes, 0, 8);
   appendBigEndian(bytes, table, 8);
-  return ORLFoundation::NSData(std::string_view(bytes));
+  return NSData(std::string_view(bytes));
 }
 
 /// The object of an array (0xA0) with references of two bytes.
@@ -58,5 +63,42 @@ inline std::string binaryArray(const std::vector<std::size_t>& references) {
   for (const std::size_t reference : references) appendBigEndian(bytes, reference, 2);
   return bytes;
 }
+
+using Serialization = NSPropertyListSerialization;
+
+inline id read(const NSData& data, NSErrorSlot error = nullptr) {
+  return Serialization::propertyListWithData(data, NSPropertyListImmutable, nullptr, error);
+}
+inline id read(std::string_view text, NSErrorSlot error = nullptr) {
+  return read(NSData(text), error);
+}
+
+inline NSData written(const id& list, NSPropertyListFormat format) {
+  std::shared_ptr<const NSError> error;
+  const auto data = Serialization::dataWithPropertyList(list, format, 0, &error);
+  EXPECT_TRUE(data) << (error ? error->localizedDescription() : "no error");
+  return data.value_or(NSData());
+}
+inline std::string xmlOf(const id& list) {
+  return std::string(written(list, NSPropertyListXMLFormat_v1_0).text());
+}
+
+inline std::string inDocument(std::string_view body) {
+  return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST "
+         "1.0//EN\" \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n<plist "
+         "version=\"1.0\">\n" +
+         std::string(body) + "</plist>\n";
+}
+
+/// nil with an error that tells something.
+inline void expectRefused(const NSData& data) {
+  std::shared_ptr<const NSError> error;
+  EXPECT_TRUE(read(data, &error).isNil());
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->domain(), NSCocoaErrorDomain);
+  EXPECT_EQ(error->code(), NSPropertyListReadCorruptError);
+  EXPECT_FALSE(error->localizedDescription().empty());
+}
+inline void expectRefused(std::string_view text) { expectRefused(NSData(text)); }
 
 }  // namespace orlftest
