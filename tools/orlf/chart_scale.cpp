@@ -142,8 +142,10 @@ std::vector<NumberTick> numberTicks(double low, double high, int mostTicks,
   const NumberGrid grid = gridOver(low, high, mostTicks);
   const auto numbers = axisNumbers(grid.step, std::max(std::abs(low), std::abs(high)), locale);
   std::vector<NumberTick> ticks;
-  for (double index = grid.first; index <= grid.last; ++index) {
+  const auto count = static_cast<int>(grid.last - grid.first) + 1;
+  for (int place = 0; place < count; ++place) {
     UErrorCode status = U_ZERO_ERROR;
+    const double index = grid.first + place;
     const double value = index == 0 ? 0 : index * grid.step;
     ticks.push_back({value, utf8(numbers.formatDouble(value, status).toString(status))});
   }
@@ -158,7 +160,7 @@ std::vector<DateTick> dateTicks(NSDate from, NSDate to, int mostTicks, const NSC
   const DateStep& step = stepFor(seconds / 86400, mostTicks);
   const DayPrinter printer(step.skeleton, locale);
   const std::optional<NSDate> start = gridStart(from, step, calendar);
-  for (NSInteger index = 0; start && index <= 2 * mostTicks; ++index) {
+  for (NSInteger index = 0; start && index <= NSInteger{2} * mostTicks; ++index) {
     const std::optional<NSDate> date =
         calendar.dateByAddingUnit(step.unit, index * step.count, *start, 0);
     if (!date || date->compare(to) == NSOrderedDescending) break;

@@ -83,7 +83,7 @@ DecimalPrinter::~DecimalPrinter() = default;
 DecimalPrinter::DecimalPrinter(DecimalPrinter&&) noexcept = default;
 
 std::string DecimalPrinter::text(const NSDecimalNumber& number) const {
-  const std::string plain = number.stringValue();
+  std::string plain = number.stringValue();
   UErrorCode status = U_ZERO_ERROR;
   const icu::number::FormattedNumber formatted =
       formatter_->numbers.formatDecimal(icu::StringPiece(plain), status);

@@ -30,7 +30,7 @@ inline constexpr std::string_view kRateExpected = "a decimal text, a fraction or
 inline constexpr std::string_view kPlanDateExpected =
     "an ISO 8601 date or date-time such as \"2024-01-31\"";
 inline constexpr std::string_view kFrequencyExpected =
-    "\"daily\", \"weekly\", \"monthly\", \"quarterly\" or \"yearly\"";
+    R"("daily", "weekly", "monthly", "quarterly" or "yearly")";
 
 inline constexpr std::array kPlanFields{
     PlanField{PlanPlace::kRoot, "title", PlanFieldForm::kText, "a text"},
@@ -48,7 +48,7 @@ inline constexpr std::array kPlanFields{
     PlanField{PlanPlace::kRounding, "scale", PlanFieldForm::kInteger,
               "a whole number from -128 to 127", true},
     PlanField{PlanPlace::kRounding, "mode", PlanFieldForm::kText,
-              "\"plain\", \"down\", \"up\" or \"bankers\""},
+              R"("plain", "down", "up" or "bankers")"},
     PlanField{PlanPlace::kSegment, "name", PlanFieldForm::kText, "a text"},
     PlanField{PlanPlace::kSegment, "start", PlanFieldForm::kText, kPlanDateExpected, true},
     PlanField{PlanPlace::kSegment, "principal", PlanFieldForm::kDecimal, kDecimalExpected},

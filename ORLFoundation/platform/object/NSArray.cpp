@@ -126,10 +126,7 @@ void NSMutableArray::removeObjectAtIndex(NSUInteger index) {
   members_.erase(at(members_, index));
 }
 
-void NSMutableArray::removeObject(const id& object) {
-  const id target = object;  // The argument may be a member, which moves while others are removed.
-  std::erase(members_, target);
-}
+void NSMutableArray::removeObject(id object) { std::erase(members_, object); }
 
 std::shared_ptr<NSObject> NSMutableArray::copy() { return std::make_shared<NSArray>(members_); }
 

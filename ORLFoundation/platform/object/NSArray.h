@@ -67,8 +67,9 @@ class NSMutableArray final : public NSArray {
   void replaceObjectAtIndex(NSUInteger index, id withObject);
   /// `removeObjectAtIndex:`
   void removeObjectAtIndex(NSUInteger index);
-  /// `removeObject:`  Every member that equals it.
-  void removeObject(const id& object);
+  /// `removeObject:`  Every member that equals it. Taken by value: the argument may be a member,
+  /// which moves while others are removed.
+  void removeObject(id object);
   /// `removeAllObjects`
   void removeAllObjects() noexcept { members_.clear(); }
 

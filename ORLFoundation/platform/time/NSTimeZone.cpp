@@ -13,7 +13,7 @@
 namespace ORLFoundation {
 namespace {
 
-constexpr NSInteger kLargestOffset = 18 * 3600;
+constexpr NSInteger kLargestOffset = NSInteger{18} * 3600;
 
 // The zones that were read, for the life of the process: as many as the system has names.
 struct ZoneCache {

@@ -12,7 +12,6 @@ using boost::multiprecision::cpp_int_backend;
 using boost::multiprecision::unchecked;
 using boost::multiprecision::unsigned_magnitude;
 using internal::Dropped;
-using internal::ExactValue;
 using internal::Wide;
 using internal::WideInteger;
 

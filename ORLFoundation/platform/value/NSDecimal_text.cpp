@@ -159,7 +159,7 @@ NSDecimal NSDecimal::parse(std::string_view text, std::string_view decimalMark) 
 }
 
 char* NSDecimal::writeTo(char* text) const noexcept {
-  if (isNaN()) return static_cast<char*>(std::memcpy(text, "NaN", 3)) + 3;
+  if (isNaN()) return std::copy_n("NaN", 3, text);
   if (isZero()) return *text = '0', text + 1;
   if (negative_) *text++ = '-';
   char* end = writeDigits(text, mantissa());

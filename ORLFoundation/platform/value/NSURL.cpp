@@ -168,7 +168,7 @@ std::optional<std::string> NSURL::query() const { return optionalText(query_); }
 std::optional<std::string> NSURL::fragment() const { return optionalText(fragment_); }
 
 std::string NSURL::lastPathComponent() const {
-  const std::string whole = path();
+  std::string whole = path();
   if (whole == "/") return whole;
   return whole.substr(whole.rfind('/') + 1);
 }
