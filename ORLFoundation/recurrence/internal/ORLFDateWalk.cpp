@@ -63,7 +63,7 @@ std::optional<NSDate> ORLFDateWalk::endOfWindow(NSInteger index) const noexcept 
 void ORLFDateWalk::collectWindow(std::optional<NSDate> next) {
   window_.clear();
   if (simple_) {
-    window_.push_back(current_);
+    window_.assign(1, current_);
     return;
   }
   if (!next) return;

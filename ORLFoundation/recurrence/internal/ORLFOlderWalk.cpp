@@ -68,7 +68,7 @@ std::optional<NSDate> ORLFOlderWalk::dateOfPeriod(NSDate base, NSInteger number)
 void ORLFOlderWalk::collectPeriod(NSDate period) {
   dates_.clear();
   if (!patterns_) {
-    dates_.push_back(period);
+    dates_.assign(1, period);
     return;
   }
   const NSCalendar& calendar = arguments_.calendar;
