@@ -160,9 +160,21 @@ bool NSTimeZone::isDaylightSavingTimeForDate(NSDate date) const noexcept {
 std::optional<NSDate> NSTimeZone::nextDaylightSavingTimeTransitionAfterDate(NSDate date) const {
   Instant instant;
   if (!splitDate(date, instant)) return std::nullopt;
-  const std::int64_t change = table_->nextChangeAfter(instant.seconds);
-  if (change == std::numeric_limits<std::int64_t>::max()) return std::nullopt;
+  const std::int64_t change = table_->stretchAt(instant.seconds).end;
+  if (change == ZoneTable::kEndOfTime) return std::nullopt;
   return dateFromInstant({change, 0});
+}
+
+NSTimeZone::OffsetStretch NSTimeZone::offsetStretchForDate(NSDate date) const noexcept {
+  Instant instant;
+  if (!splitDate(date, instant)) return {0, 0, 0};
+  const ZoneTable::Stretch stretch = table_->stretchAt(instant.seconds);
+  constexpr auto kForEver = std::numeric_limits<NSTimeInterval>::infinity();
+  return {
+      stretch.begin == ZoneTable::kBeginningOfTime ? -kForEver
+                                                   : static_cast<NSTimeInterval>(stretch.begin),
+      stretch.end == ZoneTable::kEndOfTime ? kForEver : static_cast<NSTimeInterval>(stretch.end),
+      stretch.offset};
 }
 
 std::string NSTimeZone::className() const { return "NSTimeZone"; }

@@ -17,6 +17,15 @@ class ZoneTable;
 
 class NSTimeZone : public NSObject {
  public:
+  /// A stretch of time in which the zone keeps one offset.
+  struct OffsetStretch {
+    /// Seconds since 1970, from the first instant up to the one that is no longer in it; infinite
+    /// where no clock change bounds it.
+    NSTimeInterval begin;
+    NSTimeInterval end;
+    NSInteger secondsFromGMT;
+  };
+
   /// `timeZoneWithName:`  "America/New_York", "UTC", "GMT+0530"; nil for a name that is unknown.
   /// Every call with one name of the zoneinfo gives the same object.
   [[nodiscard]] static std::shared_ptr<NSTimeZone> timeZoneWithName(std::string_view name);
@@ -38,6 +47,10 @@ class NSTimeZone : public NSObject {
   /// `nextDaylightSavingTimeTransitionAfterDate:`  The next change of the zone's clock; nil when
   /// none follows.
   [[nodiscard]] std::optional<NSDate> nextDaylightSavingTimeTransitionAfterDate(NSDate date) const;
+
+  /// The stretch of one offset that holds the date. For callers that convert many dates: within it
+  /// they need not ask again. A date that is not finite gives an empty stretch at offset 0.
+  [[nodiscard]] OffsetStretch offsetStretchForDate(NSDate date) const noexcept;
 
   std::string className() const override;
   bool isEqual(const NSObject* other) const override;

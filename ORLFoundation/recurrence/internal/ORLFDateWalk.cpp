@@ -28,11 +28,13 @@ std::optional<NSInteger> stepOf(const ORLFDateRecurrenceRule& rule, bool backwar
 }  // namespace
 
 ORLFDateWalk::ORLFDateWalk(const ORLFDateRecurrenceRule& rule,
-                           const ORLFDateRecurrenceRule::EnumerateDatesStartDate& arguments)
+                           const ORLFDateRecurrenceRule::EnumerateDatesStartDate& arguments,
+                           Paths paths)
     : arguments_(arguments),
       unit_(unitOf(rule)),
       step_(stepOf(rule, arguments.backwards)),
       simple_(rule.isSimpleRecurrence()),
+      civil_(paths == Paths::kAll ? ORLFCivilWindows::forRule(rule, arguments) : std::nullopt),
       expansion_(rule, arguments.startDate, &arguments.calendar),
       current_(arguments.startDate) {}
 
@@ -40,14 +42,24 @@ NSUInteger ORLFDateWalk::run() {
   int emptiness = 0;
   NSInteger index = 0;
   while (!stop_) {
-    const std::optional<NSDate> next = endOfWindow(++index);
-    collectWindow(next);
+    const std::optional<NSDate> next = collectNextWindow(++index);
     emptiness = window_.empty() ? emptiness + kEmptinessOfPeriod : 0;
     deliver();
     if (emptiness >= kEmptinessLimit || !next) break;
     current_ = *next;
   }
   return static_cast<NSUInteger>(index);
+}
+
+std::optional<NSDate> ORLFDateWalk::collectNextWindow(NSInteger index) {
+  if (civil_) {
+    const std::optional<NSDate> end = civil_->collectNext(window_);
+    ofNext_.quiet = false;  // The patterns of this window's end have not been made.
+    if (end) return end;
+  }
+  const std::optional<NSDate> end = endOfWindow(index);
+  collectWindow(end);
+  return end;
 }
 
 /// Always counted from the start date, so that a month's end that clamps once stays out of the

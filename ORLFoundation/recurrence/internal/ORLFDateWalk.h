@@ -3,24 +3,28 @@
 #pragma once
 
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+#include <ORLFoundation/recurrence/internal/ORLFCivilWindows.h>
 #include <ORLFoundation/recurrence/internal/ORLFPatternExpansion.h>
 
-#include <boost/container/small_vector.hpp>
 #include <optional>
 
 namespace ORLFoundation::internal {
 
 class ORLFDateWalk {
  public:
+  /// A walk gives the same dates with its fast path as without.
+  enum class Paths { kAll, kGeneralOnly };
+
   /// The rule and the arguments must outlive the walk; `exactPatternMatch` is not looked at.
   ORLFDateWalk(const ORLFDateRecurrenceRule& rule,
-               const ORLFDateRecurrenceRule::EnumerateDatesStartDate& arguments);
+               const ORLFDateRecurrenceRule::EnumerateDatesStartDate& arguments,
+               Paths paths = Paths::kAll);
 
   /// Walks to the end and answers how many periods that took.
   NSUInteger run();
 
  private:
-  using Dates = boost::container::small_vector<NSDate, 16>;
+  using Dates = ORLFCivilWindows::Dates;
   /// The dates that the patterns of one period describe, inside a window or not.
   struct PeriodDates {
     Dates dates;
@@ -29,6 +33,7 @@ class ORLFDateWalk {
   };
 
   [[nodiscard]] std::optional<NSDate> endOfWindow(NSInteger index) const noexcept;
+  [[nodiscard]] std::optional<NSDate> collectNextWindow(NSInteger index);
   void collectWindow(std::optional<NSDate> next);
   void resolvePatterns(NSDate date, PeriodDates& into);
   void keepDatesInWindow(const Dates& dates, NSDate next);
@@ -39,6 +44,7 @@ class ORLFDateWalk {
   std::optional<NSInteger> step_;
   bool simple_;
 
+  std::optional<ORLFCivilWindows> civil_;
   ORLFPatternExpansion expansion_;
   PeriodDates ofCurrent_;
   PeriodDates ofNext_;

@@ -9,7 +9,7 @@ namespace ORLFoundation {
 namespace {
 
 constexpr std::int64_t kCycle = civil::kDaysPerCycle * civil::kSecondsPerDay;
-constexpr std::int64_t kBeginningOfTime = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t kBeginningOfTime = ZoneTable::kBeginningOfTime;
 
 using CctzSeconds = cctz::time_point<cctz::seconds>;
 
@@ -125,11 +125,13 @@ std::int64_t ZoneTable::startAtClockChange(std::int64_t local,
   return std::min(local - segment.offset, (&segment)[1].start + later);
 }
 
-std::int64_t ZoneTable::nextChangeAfter(std::int64_t instant) const noexcept {
-  const std::int64_t cycles = cyclesPast(instant);
+ZoneTable::Stretch ZoneTable::stretchAt(std::int64_t instant) const noexcept {
+  const std::int64_t later = cyclesPast(instant) * kCycle;
   const Segment& segment = segmentAt(instant);
-  const std::int64_t change = (&segment)[1].start;
-  return change == kEndOfTime ? kEndOfTime : change + cycles * kCycle;
+  const std::int64_t begin = segment.start;
+  const std::int64_t end = (&segment)[1].start;
+  return {begin == kBeginningOfTime ? begin : begin + later, end == kEndOfTime ? end : end + later,
+          segment.offset};
 }
 
 }  // namespace ORLFoundation

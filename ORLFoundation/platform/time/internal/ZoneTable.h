@@ -65,8 +65,16 @@ class ZoneTable {
     const Segment& segment = segmentAt(instant);
     return instant - margin >= segment.start && instant + margin < (&segment)[1].start;
   }
-  /// The first change of offset after an instant; the largest number when none follows.
-  [[nodiscard]] std::int64_t nextChangeAfter(std::int64_t instant) const noexcept;
+  /// The stretch of one offset that holds an instant, at its own place in time.
+  struct Stretch {
+    std::int64_t begin;  // kBeginningOfTime where no change comes before
+    std::int64_t end;    // kEndOfTime where no change follows
+    std::int32_t offset;
+  };
+  [[nodiscard]] Stretch stretchAt(std::int64_t instant) const noexcept;
+
+  static constexpr std::int64_t kBeginningOfTime = std::numeric_limits<std::int64_t>::min();
+  static constexpr std::int64_t kEndOfTime = std::numeric_limits<std::int64_t>::max();
 
   /// Use `read` or `fixed`: segments in order of time, the first from the beginning of time.
   ZoneTable(std::vector<Segment> segments, bool repeats);
@@ -76,7 +84,6 @@ class ZoneTable {
   static constexpr std::int64_t kIndexStart = -2208988800;
   static constexpr int kIndexShift = 20;
   static constexpr std::uint64_t kIndexSize = 9030;
-  static constexpr std::int64_t kEndOfTime = std::numeric_limits<std::int64_t>::max();
 
   [[nodiscard]] const Segment& segmentOutsideIndex(std::int64_t instant) const noexcept;
   template <std::int64_t Segment::*begin>

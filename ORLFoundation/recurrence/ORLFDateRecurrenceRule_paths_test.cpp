@@ -1,0 +1,205 @@
+// The fast path of the main enumeration gives what the general walk gives, over rules of every
+// shape, zones with every kind of clock change, both directions and odd start dates.
+#include <ORLFoundation/platform/object/LogCapture.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrence_testing.h>
+#include <ORLFoundation/recurrence/internal/ORLFCivilWindows.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <random>
+#include <set>
+
+namespace ORLFoundation {
+namespace {
+
+using internal::ORLFCivilWindows;
+using internal::ORLFDateWalk;
+using Rule = ORLFDateRecurrenceRule;
+
+struct Start {
+  int year, month, day, hour, minute;
+  double fraction = 0;
+};
+
+// Month ends, leap days, times that clock changes leave out or double, both sides of the year 1.
+constexpr Start kStarts[] = {
+    {2020, 1, 31, 9, 30}, {2020, 2, 29, 0, 0},   {2021, 3, 14, 2, 30},  {2021, 3, 30, 23, 59},
+    {2021, 11, 7, 1, 30}, {2011, 12, 30, 12, 0}, {2011, 10, 29, 10, 0}, {1993, 7, 21, 8, 0},
+    {1, 1, 31, 6, 0},     {1880, 12, 31, 12, 0}, {29990, 5, 31, 9, 0},  {2024, 10, 31, 9, 0, 0.25}};
+
+constexpr std::string_view kZones[] = {"UTC",
+                                       "America/New_York",
+                                       "Europe/Dublin",
+                                       "Asia/Kathmandu",
+                                       "Australia/Lord_Howe",
+                                       "Pacific/Apia",
+                                       "Pacific/Kwajalein",
+                                       "America/Santiago",
+                                       "Africa/Casablanca"};
+
+constexpr ORLFDateRecurrenceFrequency kFrequencies[] = {
+    ORLFDateRecurrenceFrequencyYearly, ORLFDateRecurrenceFrequencyMonthly,
+    ORLFDateRecurrenceFrequencyDaily, ORLFDateRecurrenceFrequencyQuarterly,
+    ORLFDateRecurrenceFrequencyWeekly};
+
+class RandomWalks {
+ public:
+  [[nodiscard]] NSInteger below(NSInteger bound) {
+    return static_cast<NSInteger>(engine_() % static_cast<std::uint64_t>(bound));
+  }
+  template <class Table>
+  [[nodiscard]] const auto& oneOf(const Table& table) {
+    return table[static_cast<std::size_t>(below(std::ssize(table)))];
+  }
+
+  [[nodiscard]] Rule::Recurrence rule() {
+    Rule::Recurrence fields{.frequency = oneOf(kFrequencies)};
+    fields.interval = oneOf(std::array<NSInteger, 7>{1, 1, 1, 2, 3, 14, -1});
+    if (below(3) == 0) fields.monthsOfTheYear = list(std::array<NSInteger, 6>{1, 2, 3, 11, 12, 14});
+    if (below(3) == 0)
+      fields.daysOfTheMonth = list(std::array<NSInteger, 9>{1, 2, 7, 15, 28, 29, 30, 31, -1});
+    else if (below(2) == 0)
+      fields.daysOfTheWeek = weekdays(fields.frequency);
+    if (below(12) == 0) fields.weeksOfTheYear = list(std::array<NSInteger, 3>{1, 20, 53});
+    if (below(12) == 0) fields.daysOfTheYear = list(std::array<NSInteger, 3>{1, 100, 366});
+    return fields;
+  }
+  [[nodiscard]] NSDate start(const NSCalendar& calendar) {
+    const Start& start = oneOf(kStarts);
+    return orlftest::at(calendar, start.year, start.month, start.day, start.hour, start.minute)
+        .dateByAddingTimeInterval(start.fraction);
+  }
+  [[nodiscard]] std::shared_ptr<NSCalendar> calendar() {
+    auto calendar = orlftest::calendarIn(oneOf(kZones));
+    calendar->setFirstWeekday(oneOf(std::array<NSInteger, 3>{1, 2, 7}));
+    calendar->setMinimumDaysInFirstWeek(oneOf(std::array<NSInteger, 3>{1, 1, 4}));
+    return calendar;
+  }
+
+ private:
+  template <class Table>
+  [[nodiscard]] std::vector<NSInteger> list(const Table& table) {
+    std::vector<NSInteger> values;
+    for (NSInteger count = below(3); count >= 0; --count) values.push_back(oneOf(table));
+    return values;
+  }
+  [[nodiscard]] Rule::DaysOfTheWeek weekdays(ORLFDateRecurrenceFrequency frequency) {
+    Rule::DaysOfTheWeek days = Rule::DaysOfTheWeek::value_type{};
+    const bool plain = frequency == ORLFDateRecurrenceFrequencyWeekly && below(4) != 0;
+    for (NSInteger count = below(3); count >= 0; --count) {
+      const NSInteger weekday =
+          plain ? 1 + below(7) : oneOf(std::array<NSInteger, 7>{1, 2, 4, 6, 7, -1, -2});
+      const NSInteger number = plain ? 0 : oneOf(std::array<NSInteger, 7>{0, 1, 2, 4, 5, -1, 6});
+      days->push_back(std::make_shared<ORLFDateRecurrenceDayOfWeek>(weekday, number));
+    }
+    return days;
+  }
+
+  std::mt19937_64 engine_{20200131};
+};
+
+std::string textOf(const Rule& rule) {
+  std::string text =
+      std::string(description(rule.frequency())) + " by " + std::to_string(rule.interval());
+  const auto append = [&text](std::string_view name, const Rule::Integers& values) {
+    text.append(" ").append(name);
+    for (const NSInteger value : values.value_or(std::vector<NSInteger>{}))
+      text.append(" ").append(std::to_string(value));
+  };
+  append("months", rule.monthsOfTheYear());
+  append("days", rule.daysOfTheMonth());
+  append("weeks", rule.weeksOfTheYear());
+  append("days of the year", rule.daysOfTheYear());
+  for (const auto& day : rule.daysOfTheWeek().value_or(Rule::DaysOfTheWeek::value_type{}))
+    text +=
+        " weekday " + std::to_string(day->dayOfTheWeek()) + "/" + std::to_string(day->weekNumber());
+  return text;
+}
+
+struct Walked {
+  std::vector<double> dates;
+  NSUInteger periods = 0;
+  std::vector<std::string> log;
+  bool operator==(const Walked&) const = default;
+};
+
+Walked walk(const Rule& rule, const NSCalendar& calendar, NSDate start, bool backwards,
+            ORLFDateWalk::Paths paths) {
+  constexpr std::size_t kMost = 40;
+  Walked walked;
+  const LogCapture log;
+  const auto take = [&](NSDate date, NSUInteger, bool& stop) {
+    walked.dates.push_back(date.timeIntervalSinceReferenceDate());
+    stop = walked.dates.size() == kMost;
+  };
+  walked.periods =
+      ORLFDateWalk(
+          rule,
+          {.calendar = calendar, .startDate = start, .backwards = backwards, .usingBlock = take},
+          paths)
+          .run();
+  walked.log = log.lines();
+  return walked;
+}
+
+TEST(ORLFCivilWindows, AgreeWithTheGeneralWalkOnRandomRules) {
+  RandomWalks random;
+  int served = 0;
+  int dates = 0;
+  for (int round = 0; round < 12'000; ++round) {
+    const auto calendar = random.calendar();
+    const auto rule = Rule::ruleWithFields(random.rule());
+    const NSDate start = random.start(*calendar);
+    const bool backwards = round % 4 == 0;
+    const ORLFDateRecurrenceBlock none = [](NSDate, NSUInteger, bool&) {};
+    if (ORLFCivilWindows::forRule(*rule,
+                                  {.calendar = *calendar, .startDate = start, .usingBlock = none}))
+      ++served;
+    const Walked general =
+        walk(*rule, *calendar, start, backwards, ORLFDateWalk::Paths::kGeneralOnly);
+    const Walked all = walk(*rule, *calendar, start, backwards, ORLFDateWalk::Paths::kAll);
+    dates += static_cast<int>(all.dates.size());
+    SCOPED_TRACE(testing::Message()
+                 << textOf(*rule) << " in " << calendar->timeZone()->name() << " from "
+                 << start.description() << (backwards ? " backwards" : ""));
+    ASSERT_EQ(general.dates, all.dates);
+    ASSERT_EQ(general.periods, all.periods);
+    ASSERT_EQ(general.log, all.log);
+  }
+  // The sweep is worth something only while both kinds of rules are many.
+  EXPECT_GT(served, 3'000);
+  EXPECT_LT(served, 11'000);
+  EXPECT_GT(dates, 100'000);
+}
+
+TEST(ORLFCivilWindows, AgreeThroughCenturiesOfClockChanges) {
+  const Rule rules[] = {
+      Rule({.frequency = ORLFDateRecurrenceFrequencyDaily,
+            .daysOfTheMonth = {{1, 8, 9, 10, 11, 14, 29, 30, 31}}}),
+      Rule({.frequency = ORLFDateRecurrenceFrequencyMonthly, .daysOfTheMonth = {{9, 30, 31}}})};
+  for (const std::string_view zone : kZones) {
+    const auto calendar = orlftest::calendarIn(zone);
+    for (const Rule& rule : rules) {
+      const NSDate start = orlftest::at(*calendar, 1890, 1, 1, 2, 15);
+      std::array<std::vector<double>, 2> dates;
+      for (const auto paths : {ORLFDateWalk::Paths::kAll, ORLFDateWalk::Paths::kGeneralOnly}) {
+        auto& into = dates[paths == ORLFDateWalk::Paths::kAll ? 0 : 1];
+        ORLFDateWalk(rule,
+                     {.calendar = *calendar,
+                      .startDate = start,
+                      .usingBlock =
+                          [&](NSDate date, NSUInteger count, bool& stop) {
+                            into.push_back(date.timeIntervalSinceReferenceDate());
+                            stop = count == 12'000;
+                          }},
+                     paths)
+            .run();
+      }
+      ASSERT_EQ(dates[0].size(), 12'000U);
+      ASSERT_EQ(dates[0], dates[1]) << zone;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace ORLFoundation
