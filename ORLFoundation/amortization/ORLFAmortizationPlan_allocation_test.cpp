@@ -1,33 +1,8 @@
 // Counts allocations of balances through a replaced operator new.
 #include <ORLFoundation/amortization/ORLFAmortizationPlan_testing.h>
 #include <gtest/gtest.h>
+#include <tests/support/AllocationCount.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
-namespace {
-std::atomic<std::size_t> allocations{0};
-
-void* tried(std::size_t size) noexcept {
-  ++allocations;
-  return std::malloc(size == 0 ? 1 : size);
-}
-
-void* counted(std::size_t size) {
-  if (void* memory = tried(size)) return memory;
-  throw std::bad_alloc();
-}
-}  // namespace
-
-void* operator new(std::size_t size) { return counted(size); }
-void* operator new[](std::size_t size) { return counted(size); }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return tried(size); }
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return tried(size); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace orlftest {
 namespace {
@@ -60,9 +35,9 @@ TEST(ORLFAmortizationPlanAllocation, ManyBalancesAllocateTheirListOnly) {
   const Plan plan = planOfAllKinds();
   const auto dates = everyTenDays();
   const NSDecimalNumberBehaviors* behavior = cents();
-  const std::size_t before = allocations;
+  const std::size_t before = orlftest::allocationCount();
   const auto balances = plan->plannedBalancesOnDates(dates, true, utcCalendar(), behavior);
-  EXPECT_EQ(allocations - before, 1U);
+  EXPECT_EQ(orlftest::allocationCount() - before, 1U);
   EXPECT_EQ(balances.size(), dates.size());
 }
 
@@ -71,11 +46,11 @@ TEST(ORLFAmortizationPlanAllocation, SingleBalancesAllocateNothing) {
   const auto dates = everyTenDays();
   const NSDecimalNumberBehaviors* behavior = cents();
   std::size_t found = 0;
-  const std::size_t before = allocations;
+  const std::size_t before = orlftest::allocationCount();
   for (const NSDate date : dates) {
     found += plan->plannedBalanceOnDate(date, true, utcCalendar(), behavior).has_value();
   }
-  EXPECT_EQ(allocations - before, 0U);
+  EXPECT_EQ(orlftest::allocationCount() - before, 0U);
   EXPECT_EQ(found, dates.size());
 }
 
@@ -83,7 +58,7 @@ TEST(ORLFAmortizationPlanAllocation, TheSearchForPeriodsAllocatesNothing) {
   const Segment segment = makeSegment({.contribution = number("100"), .rate = number("0.05")});
   const NSDecimalNumber zero = NSDecimalNumber::zero();
   const NSDecimalNumber target = number("123456");
-  const std::size_t before = allocations;
+  const std::size_t before = orlftest::allocationCount();
   const NSUInteger periods = segment->numberOfContributionPeriodsToReachBalance(
       ORLFAmortizationPlanSegment::SegmentPeriodsToReachBalance{
           .balance = target,
@@ -91,7 +66,7 @@ TEST(ORLFAmortizationPlanAllocation, TheSearchForPeriodsAllocatesNothing) {
           .fristContributionDate = utc(2024, 1, 1),
           .usingCalendar = utcCalendar(),
           .roundingBehavior = nullptr});
-  EXPECT_EQ(allocations - before, 0U);
+  EXPECT_EQ(orlftest::allocationCount() - before, 0U);
   EXPECT_LT(periods, 1000U);
 }
 

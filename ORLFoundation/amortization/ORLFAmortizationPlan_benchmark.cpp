@@ -59,7 +59,7 @@ void manyBalances(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * kDates);
 }
-BENCHMARK(manyBalances)->Unit(benchmark::kMicrosecond);
+BENCHMARK(manyBalances)->Name("manyBalances/ours")->Unit(benchmark::kMicrosecond);
 
 void balancesOneByOne(benchmark::State& state) {
   const Plan plan = planOfFiftySegments();
@@ -67,7 +67,7 @@ void balancesOneByOne(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(oneByOne(plan, dates));
   state.SetItemsProcessed(state.iterations() * kDates);
 }
-BENCHMARK(balancesOneByOne)->Unit(benchmark::kMicrosecond);
+BENCHMARK(balancesOneByOne)->Name("balancesOneByOne/ours")->Unit(benchmark::kMicrosecond);
 
 void startingPrincipal(benchmark::State& state) {
   const Plan plan = makePlan(
@@ -89,6 +89,6 @@ void startingPrincipal(benchmark::State& state) {
     benchmark::DoNotOptimize(ORLFAmortizationPlan::startingPrincipalOnDate(question));
   }
 }
-BENCHMARK(startingPrincipal)->Unit(benchmark::kMicrosecond);
+BENCHMARK(startingPrincipal)->Name("startingPrincipal/ours")->Unit(benchmark::kMicrosecond);
 
 }  // namespace

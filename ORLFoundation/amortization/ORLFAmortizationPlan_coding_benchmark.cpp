@@ -41,7 +41,7 @@ void WriteArchiveOfPlan(benchmark::State& state) {
     benchmark::DoNotOptimize(data);
   }
 }
-BENCHMARK(WriteArchiveOfPlan)->Unit(benchmark::kMicrosecond);
+BENCHMARK(WriteArchiveOfPlan)->Name("writeArchiveOfPlan/ours")->Unit(benchmark::kMicrosecond);
 
 void ReadArchiveOfPlan(benchmark::State& state) {
   const auto plan = planOfFiftySegments();
@@ -54,7 +54,7 @@ void ReadArchiveOfPlan(benchmark::State& state) {
     state.ResumeTiming();
   }
 }
-BENCHMARK(ReadArchiveOfPlan)->Unit(benchmark::kMicrosecond);
+BENCHMARK(ReadArchiveOfPlan)->Name("readArchiveOfPlan/ours")->Unit(benchmark::kMicrosecond);
 
 void PeerWritesPropertyList(benchmark::State& state) {
   const std::string bytes(archiveOfPlan().text());
@@ -69,7 +69,9 @@ void PeerWritesPropertyList(benchmark::State& state) {
   }
   plist_free(node);
 }
-BENCHMARK(PeerWritesPropertyList)->Unit(benchmark::kMicrosecond);
+BENCHMARK(PeerWritesPropertyList)
+    ->Name("writeArchiveOfPlan/libplist")
+    ->Unit(benchmark::kMicrosecond);
 
 void PeerReadsPropertyList(benchmark::State& state) {
   const std::string bytes(archiveOfPlan().text());
@@ -80,6 +82,6 @@ void PeerReadsPropertyList(benchmark::State& state) {
     plist_free(node);
   }
 }
-BENCHMARK(PeerReadsPropertyList)->Unit(benchmark::kMicrosecond);
+BENCHMARK(PeerReadsPropertyList)->Name("readArchiveOfPlan/libplist")->Unit(benchmark::kMicrosecond);
 
 }  // namespace

@@ -1,22 +1,8 @@
-// A walk allocates nothing per period.
+// A walk allocates nothing per period, and what it needs is small.
 #include <ORLFoundation/recurrence/ORLFDateRecurrence_testing.h>
 #include <gtest/gtest.h>
+#include <tests/support/AllocationCount.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
-namespace {
-std::atomic<std::size_t> allocations{0};
-}  // namespace
-
-void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* memory = std::malloc(size)) return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace ORLFoundation {
 namespace {
@@ -31,9 +17,9 @@ std::size_t allocationsOfWalk(const Rule& rule, const NSCalendar& calendar, NSDa
   rule.enumerateDatesForCalendarStartDate({.calendar = calendar,
                                            .startDate = start,
                                            .usingBlock = [&](NSDate, NSUInteger count, bool& stop) {
-                                             if (count == 2) atFirst = allocations;
+                                             if (count == 2) atFirst = orlftest::allocationCount();
                                              stop = count == kDates;
-                                             if (stop) atLast = allocations;
+                                             if (stop) atLast = orlftest::allocationCount();
                                            }});
   EXPECT_GT(atLast, 0U);
   return atLast - atFirst;
@@ -74,11 +60,33 @@ TEST(ORLFDateRecurrenceRule, WalksLargeSetsWithoutAllocatingOnceWarm) {
   rule.enumerateDatesForCalendarStartDate({.calendar = *calendar,
                                            .startDate = start,
                                            .usingBlock = [&](NSDate, NSUInteger count, bool& stop) {
-                                             atDates.push_back(allocations);
+                                             atDates.push_back(orlftest::allocationCount());
                                              stop = count == 2000;
                                            }});
   // Past the first two windows of a year each.
   EXPECT_EQ(atDates.back(), atDates[800]);
+}
+
+TEST(ORLFDateRecurrenceRule, TakesUnderFourKilobytesWithCalendarAndWalk) {
+  const auto zone = NSTimeZone::timeZoneWithName("America/New_York");  // Its table is shared.
+  const std::size_t before = orlftest::allocatedBytes();
+  const auto calendar = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian);
+  calendar->setTimeZone(zone);
+  const auto rule = Rule::ruleWithFields(
+      {.frequency = ORLFDateRecurrenceFrequencyWeekly,
+       .daysOfTheWeek = {{std::make_shared<ORLFDateRecurrenceDayOfWeek>(2, 0),
+                          std::make_shared<ORLFDateRecurrenceDayOfWeek>(6, 0)}}});
+  std::size_t walked = 0;
+  rule->enumerateDatesForCalendarStartDate(
+      {.calendar = *calendar,
+       .startDate = orlftest::at(*calendar, 2020, 1, 31, 9, 30),
+       .usingBlock = [&](NSDate, NSUInteger count, bool& stop) {
+         stop = (walked = count) == 100;
+       }});
+  EXPECT_EQ(walked, 100U);
+  const std::size_t onHeap = orlftest::allocatedBytes() - before;
+  EXPECT_GT(onHeap, sizeof(Rule) + sizeof(NSCalendar));
+  EXPECT_LT(onHeap + sizeof(internal::ORLFDateWalk), 4096U);
 }
 
 }  // namespace

@@ -45,26 +45,26 @@ std::shared_ptr<ORLFDateRecurrenceDayOfWeek> weekday(NSInteger day, NSInteger nu
 
 const std::vector<Work>& works() {
   static const std::vector<Work> all = {
-      {"MonthlyDay31",
+      {"monthlyDay31",
        {.frequency = ORLFDateRecurrenceFrequencyMonthly, .daysOfTheMonth = {{31}}},
        "FREQ=MONTHLY;BYMONTHDAY=31"},
-      {"MonthlySecondTuesday",
+      {"monthlySecondTuesday",
        {.frequency = ORLFDateRecurrenceFrequencyMonthly, .daysOfTheWeek = {{weekday(3, 2)}}},
        "FREQ=MONTHLY;BYDAY=2TU"},
-      {"WeeklyMondayFriday",
+      {"weeklyMondayFriday",
        {.frequency = ORLFDateRecurrenceFrequencyWeekly,
         .daysOfTheWeek = {{weekday(2, 0), weekday(6, 0)}}},
        "FREQ=WEEKLY;BYDAY=MO,FR",
        true},
-      {"YearlyMarch15",
+      {"yearlyMarch15",
        {.frequency = ORLFDateRecurrenceFrequencyYearly,
         .daysOfTheMonth = {{15}},
         .monthsOfTheYear = {{3}}},
        "FREQ=YEARLY;BYMONTH=3;BYMONTHDAY=15"},
-      {"EveryThreeDays",
+      {"everyThreeDays",
        {.frequency = ORLFDateRecurrenceFrequencyDaily, .interval = 3},
        "FREQ=DAILY;INTERVAL=3"},
-      {"MonthlyLastDay",
+      {"monthlyLastDay",
        {.frequency = ORLFDateRecurrenceFrequencyMonthly, .daysOfTheWeek = {{weekday(-1, -1)}}},
        "FREQ=MONTHLY;BYMONTHDAY=-1"},
   };
@@ -171,9 +171,9 @@ const bool kRegistered = [] {
   for (const Work& work : works()) {
     stopUnlessEqual(work);
     const std::string name = work.name;
-    benchmark::RegisterBenchmark(("Ours/" + name).c_str(), runOurs, work)
+    benchmark::RegisterBenchmark((name + "/ours").c_str(), runOurs, work)
         ->Unit(benchmark::kMillisecond);
-    benchmark::RegisterBenchmark(("Libical/" + name).c_str(), runLibical, work)
+    benchmark::RegisterBenchmark((name + "/libical").c_str(), runLibical, work)
         ->Unit(benchmark::kMillisecond);
   }
   return true;

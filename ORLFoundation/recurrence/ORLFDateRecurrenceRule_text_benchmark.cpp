@@ -19,6 +19,6 @@ void readRuleText(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations());
 }
-BENCHMARK(readRuleText);
+BENCHMARK(readRuleText)->Name("readRuleText/ours");
 
 }  // namespace

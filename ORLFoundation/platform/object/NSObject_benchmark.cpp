@@ -32,7 +32,7 @@ void setterWithoutNotices(benchmark::State& state) {
   }
   if (counter->value() != static_cast<NSInteger>(state.iterations())) state.SkipWithError("wrong");
 }
-BENCHMARK(setterWithoutNotices);
+BENCHMARK(setterWithoutNotices)->Name("setterWithoutNotices/ours");
 
 void setterThatNobodyObserves(benchmark::State& state) {
   const auto counter = std::make_shared<Counter>();
@@ -42,14 +42,14 @@ void setterThatNobodyObserves(benchmark::State& state) {
   }
   if (counter->value() != static_cast<NSInteger>(state.iterations())) state.SkipWithError("wrong");
 }
-BENCHMARK(setterThatNobodyObserves);
+BENCHMARK(setterThatNobodyObserves)->Name("setterThatNobodyObserves/ours");
 
 void attachedValueOfABareObject(benchmark::State& state) {
   const auto counter = std::make_shared<Counter>();
   for (auto _ : state) benchmark::DoNotOptimize(counter->attachedValue("ORLFDateNow"));
   if (counter->attachedValue("ORLFDateNow")) state.SkipWithError("something is attached");
 }
-BENCHMARK(attachedValueOfABareObject);
+BENCHMARK(attachedValueOfABareObject)->Name("attachedValueOfABareObject/ours");
 
 constexpr int kEntries = 1000;
 
@@ -67,7 +67,7 @@ void dictionaryLookups(benchmark::State& state) {
   if (sum != kEntries * (kEntries - 1) / 2) state.SkipWithError("wrong sum");
   state.SetItemsProcessed(state.iterations() * kEntries);
 }
-BENCHMARK(dictionaryLookups);
+BENCHMARK(dictionaryLookups)->Name("dictionaryLookups/ours");
 
 void unorderedMapLookups(benchmark::State& state) {
   std::unordered_map<std::string, id> map;
@@ -81,7 +81,7 @@ void unorderedMapLookups(benchmark::State& state) {
   if (sum != kEntries * (kEntries - 1) / 2) state.SkipWithError("wrong sum");
   state.SetItemsProcessed(state.iterations() * kEntries);
 }
-BENCHMARK(unorderedMapLookups);
+BENCHMARK(unorderedMapLookups)->Name("dictionaryLookups/std");
 
 void formattedText(benchmark::State& state) {
   std::string text;
@@ -91,7 +91,7 @@ void formattedText(benchmark::State& state) {
   }
   if (text != "list has 42 members") state.SkipWithError("wrong text");
 }
-BENCHMARK(formattedText);
+BENCHMARK(formattedText)->Name("formattedText/ours");
 
 void formattedTextByTheCLibrary(benchmark::State& state) {
   char text[64] = "";
@@ -101,7 +101,7 @@ void formattedTextByTheCLibrary(benchmark::State& state) {
   }
   if (std::string_view(text) != "list has 42 members") state.SkipWithError("wrong text");
 }
-BENCHMARK(formattedTextByTheCLibrary);
+BENCHMARK(formattedTextByTheCLibrary)->Name("formattedText/libc");
 
 }  // namespace
 }  // namespace ORLFoundation

@@ -1,27 +1,8 @@
 // Counts allocations through a replaced operator new.
 #include <ORLFoundation/platform/time/NSCalendar.h>
 #include <gtest/gtest.h>
+#include <tests/support/AllocationCount.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
-namespace {
-std::atomic<std::size_t> allocations{0};
-
-void* counted(std::size_t size) {
-  ++allocations;
-  if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
-  throw std::bad_alloc();
-}
-}  // namespace
-
-void* operator new(std::size_t size) { return counted(size); }
-void* operator new[](std::size_t size) { return counted(size); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace ORLFoundation {
 namespace {
@@ -54,21 +35,21 @@ NSInteger useEveryOperation(const NSCalendar& calendar, NSDate date) {
 TEST(NSCalendarAllocation, OperationsAllocateNothing) {
   const auto calendar = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian);
   calendar->setTimeZone(NSTimeZone::timeZoneWithName("America/New_York"));
-  const std::size_t before = allocations;
+  const std::size_t before = orlftest::allocationCount();
   NSInteger sum = 0;
   for (int month = 0; month < 1000; ++month) {
     sum += useEveryOperation(*calendar,
                              NSDate::dateWithTimeIntervalSinceReferenceDate(month * 2.6e6 - 1e9));
   }
-  EXPECT_EQ(allocations, before);
+  EXPECT_EQ(orlftest::allocationCount(), before);
   EXPECT_GT(sum, 0);
 }
 
 TEST(NSCalendarAllocation, TheCounterCounts) {
-  const std::size_t before = allocations;
+  const std::size_t before = orlftest::allocationCount();
   delete new NSDate;
   const auto zone = NSTimeZone::timeZoneForSecondsFromGMT(60);
-  EXPECT_GT(allocations, before);
+  EXPECT_GT(orlftest::allocationCount(), before);
   EXPECT_NE(zone, nullptr);
 }
 

@@ -71,6 +71,13 @@ class NSDateComponents {
     const std::size_t index = fieldOfUnit(unit);
     if (index < kFieldCount) fields_[index] = value;
   }
+  /// The mask of the units whose fields are set.
+  [[nodiscard]] constexpr NSUInteger setUnits() const noexcept {
+    NSUInteger mask = 0;
+    for (std::size_t i = 0; i < kFieldCount; ++i)
+      mask |= fields_[i] != NSDateComponentUndefined ? kUnits[i] : 0;
+    return mask;
+  }
   /// `isValidDateInCalendar:`  Whether the set fields describe a date that exists: not 31 April,
   /// not a weekday's fifth place in a month that holds four, not a time that a clock change leaves
   /// out. A day whose midnight is left out exists as long as no time is named.
@@ -131,6 +138,16 @@ class NSDateComponents {
     }
     return kFieldCount;
   }
+
+  /// By field.
+  static constexpr NSUInteger kUnits[kFieldCount] = {
+      NSCalendarUnitEra,        NSCalendarUnitYear,
+      NSCalendarUnitMonth,      NSCalendarUnitDay,
+      NSCalendarUnitHour,       NSCalendarUnitMinute,
+      NSCalendarUnitSecond,     NSCalendarUnitNanosecond,
+      NSCalendarUnitWeekday,    NSCalendarUnitWeekdayOrdinal,
+      NSCalendarUnitQuarter,    NSCalendarUnitWeekOfMonth,
+      NSCalendarUnitWeekOfYear, NSCalendarUnitYearForWeekOfYear};
 
   std::array<NSInteger, kFieldCount> fields_{};
 };

@@ -149,5 +149,23 @@ TEST(NSDateComponents, IsValidForEveryDayOfFourCenturiesAndNotForTheDayAfterAMon
   }
 }
 
+TEST(NSDateComponents, TellsWhichUnitsAreSet) {
+  EXPECT_EQ(NSDateComponents().setUnits(), 0U);
+  constexpr NSCalendarUnit kUnits[] = {NSCalendarUnitEra,        NSCalendarUnitYear,
+                                       NSCalendarUnitMonth,      NSCalendarUnitDay,
+                                       NSCalendarUnitHour,       NSCalendarUnitMinute,
+                                       NSCalendarUnitSecond,     NSCalendarUnitNanosecond,
+                                       NSCalendarUnitWeekday,    NSCalendarUnitWeekdayOrdinal,
+                                       NSCalendarUnitQuarter,    NSCalendarUnitWeekOfMonth,
+                                       NSCalendarUnitWeekOfYear, NSCalendarUnitYearForWeekOfYear};
+  NSUInteger all = 0;
+  NSDateComponents fields;
+  for (const NSCalendarUnit unit : kUnits) {
+    fields.setValueForComponent(0, unit);
+    all |= unit;
+    EXPECT_EQ(fields.setUnits(), all);
+  }
+}
+
 }  // namespace
 }  // namespace ORLFoundation

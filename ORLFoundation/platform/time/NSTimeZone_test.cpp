@@ -104,5 +104,46 @@ TEST(NSTimeZone, EqualsByName) {
   EXPECT_EQ(zone->description(), "GMT+0100");
 }
 
+TEST(NSTimeZone, GivesTheStretchOfOneOffsetAroundADate) {
+  const auto newYork = NSTimeZone::timeZoneWithName("America/New_York");
+  // 2021-03-14T07:00:00Z to 2021-11-07T06:00:00Z.
+  constexpr double kBegin = 1615705200;
+  constexpr double kEnd = 1636264800;
+  for (const double instant : {kBegin, kBegin + 1, kEnd - 0.25}) {
+    const auto stretch =
+        newYork->offsetStretchForDate(NSDate::dateWithTimeIntervalSince1970(instant));
+    EXPECT_EQ(stretch.begin, kBegin);
+    EXPECT_EQ(stretch.end, kEnd);
+    EXPECT_EQ(stretch.secondsFromGMT, -4 * 3600);
+  }
+  const auto after = newYork->offsetStretchForDate(NSDate::dateWithTimeIntervalSince1970(kEnd));
+  EXPECT_EQ(after.begin, kEnd);
+  EXPECT_EQ(after.secondsFromGMT, -5 * 3600);
+}
+
+TEST(NSTimeZone, BoundsAStretchThatLiesCyclesLater) {
+  const auto newYork = NSTimeZone::timeZoneWithName("America/New_York");
+  constexpr double kCycle = 146097.0 * 86400;
+  const auto stretch =
+      newYork->offsetStretchForDate(NSDate::dateWithTimeIntervalSince1970(1615705200 + 5 * kCycle));
+  EXPECT_EQ(stretch.begin, 1615705200 + 5 * kCycle);
+  EXPECT_EQ(stretch.end, 1636264800 + 5 * kCycle);
+}
+
+TEST(NSTimeZone, LeavesAStretchOpenThatNoClockChangeBounds) {
+  const auto stretch = NSTimeZone::timeZoneForSecondsFromGMT(3600)->offsetStretchForDate(NSDate());
+  EXPECT_TRUE(std::isinf(stretch.begin) && stretch.begin < 0);
+  EXPECT_TRUE(std::isinf(stretch.end) && stretch.end > 0);
+  EXPECT_EQ(stretch.secondsFromGMT, 3600);
+  const auto none = NSTimeZone::timeZoneWithName("Europe/Paris")
+                        ->offsetStretchForDate(NSDate::dateWithTimeIntervalSince1970(NAN));
+  EXPECT_EQ(none.begin, none.end);
+}
+
+TEST(NSTimeZone, ReadsATableOncePerZone) {
+  const auto first = NSTimeZone::timeZoneWithName("Asia/Tokyo");
+  EXPECT_EQ(&first->table(), &NSTimeZone::timeZoneWithName("Asia/Tokyo")->table());
+}
+
 }  // namespace
 }  // namespace ORLFoundation

@@ -232,33 +232,33 @@ void print(benchmark::State& state) {
   }
 }
 
-#define ORLF_BENCHMARK_PEERS(work, size)            \
-  BENCHMARK_TEMPLATE(work, Ours, Size::size);       \
-  BENCHMARK_TEMPLATE(work, BoostFloat, Size::size); \
-  ORLF_BENCHMARK_DECIMAL128(work, size)
-#define ORLF_BENCHMARK_TEXT(work, size)       \
-  BENCHMARK_TEMPLATE(work, Ours, Size::size); \
-  BENCHMARK_TEMPLATE(work, BoostFloat, Size::size)
+#define ORLF_BENCHMARK_ENGINE(work, size, Library, engine) \
+  BENCHMARK_TEMPLATE(work, Library, Size::k##size)->Name(#work #size "/" engine)
+#define ORLF_BENCHMARK_TEXT(work, size)            \
+  ORLF_BENCHMARK_ENGINE(work, size, Ours, "ours"); \
+  ORLF_BENCHMARK_ENGINE(work, size, BoostFloat, "boost")
 #ifdef ORLF_HAS_DECIMAL128
-#define ORLF_BENCHMARK_DECIMAL128(work, size) BENCHMARK_TEMPLATE(work, Decimal128, Size::size)
+#define ORLF_BENCHMARK_PEERS(work, size) \
+  ORLF_BENCHMARK_TEXT(work, size);       \
+  ORLF_BENCHMARK_ENGINE(work, size, Decimal128, "decimal128")
 #else
-#define ORLF_BENCHMARK_DECIMAL128(work, size) static_assert(true)
+#define ORLF_BENCHMARK_PEERS ORLF_BENCHMARK_TEXT
 #endif
 
-ORLF_BENCHMARK_PEERS(add, kMoney);
-ORLF_BENCHMARK_PEERS(add, kLong);
-ORLF_BENCHMARK_PEERS(multiply, kMoney);
-ORLF_BENCHMARK_PEERS(multiply, kLong);
-ORLF_BENCHMARK_PEERS(divide, kMoney);
-ORLF_BENCHMARK_PEERS(divide, kLong);
-ORLF_BENCHMARK_PEERS(roundToCents, kMoney);
-ORLF_BENCHMARK_TEXT(roundToCents, kLong);
-ORLF_BENCHMARK_PEERS(compare, kMoney);
-ORLF_BENCHMARK_PEERS(compare, kLong);
-ORLF_BENCHMARK_TEXT(parse, kMoney);
-ORLF_BENCHMARK_TEXT(parse, kLong);
-ORLF_BENCHMARK_TEXT(print, kMoney);
-ORLF_BENCHMARK_TEXT(print, kLong);
+ORLF_BENCHMARK_PEERS(add, Money);
+ORLF_BENCHMARK_PEERS(add, Long);
+ORLF_BENCHMARK_PEERS(multiply, Money);
+ORLF_BENCHMARK_PEERS(multiply, Long);
+ORLF_BENCHMARK_PEERS(divide, Money);
+ORLF_BENCHMARK_PEERS(divide, Long);
+ORLF_BENCHMARK_PEERS(roundToCents, Money);
+ORLF_BENCHMARK_TEXT(roundToCents, Long);
+ORLF_BENCHMARK_PEERS(compare, Money);
+ORLF_BENCHMARK_PEERS(compare, Long);
+ORLF_BENCHMARK_TEXT(parse, Money);
+ORLF_BENCHMARK_TEXT(parse, Long);
+ORLF_BENCHMARK_TEXT(print, Money);
+ORLF_BENCHMARK_TEXT(print, Long);
 
 }  // namespace
 }  // namespace ORLFoundation

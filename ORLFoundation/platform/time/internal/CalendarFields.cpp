@@ -14,12 +14,16 @@ constexpr NSUInteger kDateMask = NSCalendarUnitEra | NSCalendarUnitYear | NSCale
                                  NSCalendarUnitQuarter | NSCalendarUnitWeekOfMonth |
                                  kWeekOfYearMask;
 
+constexpr NSUInteger kYearToSecondMask = NSCalendarUnitYear | NSCalendarUnitMonth |
+                                         NSCalendarUnitDay | NSCalendarUnitHour |
+                                         NSCalendarUnitMinute | NSCalendarUnitSecond;
+
 constexpr NSInteger kNanosecondsPerSecond = 1'000'000'000;
 
 NSInteger nanosecondsOf(double fraction) noexcept { return static_cast<NSInteger>(fraction * 1e9); }
 
-void setTimeFields(NSDateComponents& fields, NSUInteger mask, std::int32_t secondOfDay,
-                   double fraction) noexcept {
+inline void setTimeFields(NSDateComponents& fields, NSUInteger mask, std::int32_t secondOfDay,
+                          double fraction) noexcept {
   const std::uint32_t second = static_cast<std::uint32_t>(secondOfDay);
   const std::uint32_t minute = second / 60;
   const std::uint32_t hour = minute / 60;
@@ -29,7 +33,8 @@ void setTimeFields(NSDateComponents& fields, NSUInteger mask, std::int32_t secon
   if (mask & NSCalendarUnitNanosecond) fields.setNanosecond(nanosecondsOf(fraction));
 }
 
-void setDateFields(NSDateComponents& fields, NSUInteger mask, const civil::Date& date) noexcept {
+inline void setDateFields(NSDateComponents& fields, NSUInteger mask,
+                          const civil::Date& date) noexcept {
   const bool beforeChrist = date.year <= 0;
   if (mask & NSCalendarUnitEra) fields.setEra(beforeChrist ? 0 : 1);
   if (mask & NSCalendarUnitYear) fields.setYear(beforeChrist ? 1 - date.year : date.year);
@@ -140,6 +145,15 @@ std::optional<NSInteger> dayNamedByMonth(const CalendarRules& rules,
   return dayOfOrdinal(*month, first, weekday, place);
 }
 
+/// The fields from the year to the second, which are asked for most, without a test of each.
+NSDateComponents fieldsFromYearToSecond(civil::DayTime local) noexcept {
+  NSDateComponents fields;
+  setTimeFields(fields, kTimeMask & ~NSUInteger{NSCalendarUnitNanosecond}, local.second, 0);
+  setDateFields(fields, NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay,
+                civil::dateFromDay(local.day));
+  return fields;
+}
+
 }  // namespace
 
 WeekOfYear weekOfYear(const CalendarRules& rules, std::int32_t day,
@@ -161,8 +175,9 @@ std::int32_t weekOfMonth(const CalendarRules& rules, std::int32_t day,
 
 NSDateComponents fieldsOfInstant(const CalendarRules& rules, NSUInteger mask,
                                  Instant instant) noexcept {
-  NSDateComponents fields;
   const civil::DayTime local = localDayTime(rules, instant.seconds);
+  if (mask == kYearToSecondMask) return fieldsFromYearToSecond(local);
+  NSDateComponents fields;
   if (mask & kTimeMask) setTimeFields(fields, mask, local.second, instant.fraction);
   civil::Date date{};
   if (mask & kDateMask) {
@@ -223,17 +238,6 @@ Instant instantFromAnyFields(const CalendarRules& rules, const NSDateComponents&
                  static_cast<double>(civil::floorModulo(nanosecond, kNanosecondsPerSecond)) * 1e-9};
 }
 
-NSUInteger setFieldsMask(const NSDateComponents& fields) noexcept {
-  NSUInteger mask = 0;
-  for (NSUInteger unit = NSCalendarUnitEra; unit <= NSCalendarUnitNanosecond; unit <<= 1) {
-    if (unit != NSCalendarUnitWeek &&
-        isSet(fields.valueForComponent(static_cast<NSCalendarUnit>(unit)))) {
-      mask |= unit;
-    }
-  }
-  return mask;
-}
-
 bool areFieldsValid(const CalendarRules& rules, const NSDateComponents& fields) noexcept {
   const Instant instant = instantFromFields(rules, fields);
   if (!instant.exists()) return false;
@@ -256,7 +260,7 @@ bool areFieldsValid(const CalendarRules& rules, const NSDateComponents& fields) 
 
 bool matchesFields(const CalendarRules& rules, const NSDateComponents& fields,
                    Instant instant) noexcept {
-  return fieldsOfInstant(rules, setFieldsMask(fields), instant) == fields;
+  return fieldsOfInstant(rules, fields.setUnits(), instant) == fields;
 }
 
 }  // namespace ORLFoundation

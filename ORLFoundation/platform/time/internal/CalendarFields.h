@@ -27,8 +27,6 @@ namespace ORLFoundation {
 /// Whether the instant shows every set field.
 [[nodiscard]] bool matchesFields(const CalendarRules& rules, const NSDateComponents& fields,
                                  Instant instant) noexcept;
-/// The mask of the fields that are set.
-[[nodiscard]] NSUInteger setFieldsMask(const NSDateComponents& fields) noexcept;
 
 /// A week by number and the year that it is counted in.
 struct WeekOfYear {

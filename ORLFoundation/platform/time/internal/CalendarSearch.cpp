@@ -29,7 +29,7 @@ DayMask shifted(DayMask days, std::int64_t by) noexcept {
 class Pattern {
  public:
   Pattern(const CalendarRules& rules, const NSDateComponents& fields) noexcept
-      : rules_(rules), fields_(fields), mask_(setFieldsMask(fields)), grain_(grainOf(mask_)) {}
+      : rules_(rules), fields_(fields), mask_(fields.setUnits()), grain_(grainOf(mask_)) {}
 
   // Whether any month at all can hold a match.
   [[nodiscard]] bool isPossible() const noexcept {
