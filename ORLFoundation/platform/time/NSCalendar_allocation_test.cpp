@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <tests/support/AllocationCount.h>
 
-
 namespace ORLFoundation {
 namespace {
 
