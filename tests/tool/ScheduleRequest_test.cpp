@@ -70,7 +70,7 @@ TEST(ScheduleRequest, GivesTwelveDatesWhereNothingElseEndsThem) {
 }
 
 TEST(ScheduleRequest, QuartersOfADateInTheThirdMonthLeaveOutDecember) {
-  // Month 0 of the quarter is June's and September's, March's too, but not that of the year before.
+  // Their place in the quarter, 0, comes out as the months 0, 3, 6 and 9, and there is no month 0.
   const auto calendar = newYork();
   ScheduleArguments arguments = pattern("quarterly");
   arguments.including = "2024-06-15";
