@@ -29,6 +29,16 @@ say "The mortgage over 30 years, then savings, drawn"
 run plan "$here/mortgage.json" --on 2024-02-01 2029-02-01 2034-02-01 2039-02-01 2044-02-01 2049-02-01 \
   2054-02-01 2059-02-01 2064-02-01 --chart "$output/mortgage.svg"
 
+say "A loan with level payments: its amortization table, abridged"
+run loan --principal 300000 --rate 4.5% --compounding 12 --payments 12 --periods 360 --schedule >"$output/loan.txt"
+sed -n '1,14p' "$output/loan.txt"
+echo '...'
+tail -n 3 "$output/loan.txt"
+
+say "A rule in words, and its dates"
+run describe 'RRULE:FREQ=MONTHLY;BYDAY=2TU,-1FR'
+run dates --rule 'RRULE:FREQ=MONTHLY;BYDAY=2TU,-1FR' --start 2024-01-01 --count 4
+
 say "What could be borrowed, to be paid off a year earlier"
 run plan "$here/mortgage.json" --solve-principal 0 --on 2053-02-01
 

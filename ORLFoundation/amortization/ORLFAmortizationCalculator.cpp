@@ -102,6 +102,7 @@ std::optional<NSDecimalNumber> ORLFAmortizationCalculator::paymentPeriodRateForI
                                    .decimalNumberByAdding(NSDecimalNumber::one());
   const NSDecimalNumber exponent = compounding.decimalNumberByDividingBy(payments);
   const double growth = std::pow(base.doubleValue(), exponent.doubleValue());
+  // `initWithDouble:`, which keeps the double's full precision, and not the rounded decimal.
   return NSDecimalNumber(NSDecimal::fromDouble(growth))
       .decimalNumberBySubtracting(NSDecimalNumber::one());
 }

@@ -19,7 +19,8 @@
 
 namespace ORLFoundation {
 
-/// How the members of a list are visited; the bits combine.
+/// How the members of a list are visited (`enumerateObjectsWithOptions:usingBlock:`); the bits
+/// combine.
 enum NSEnumerationOptions : NSUInteger {
   /// On several threads at once, in no order.
   NSEnumerationConcurrent = 1,

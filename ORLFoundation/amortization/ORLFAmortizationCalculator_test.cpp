@@ -5,6 +5,7 @@
 #include <tests/support/VectorCodec.h>
 #include <tests/support/VectorFile.h>
 
+#include <atomic>
 #include <cmath>
 #include <stdexcept>
 
@@ -105,13 +106,63 @@ TEST(NetPresentValue, IsZeroOfNothingAndThePlainSumAtARateOfZero) {
   EXPECT_EQ(net_present_value(times, values, 3, 0), 10.25);
 }
 
+// Sums from tests/data/reference/rates.py.
+struct WorthCase {
+  const char* name;
+  Doubles times, values;
+  double rate, worth;
+};
+const WorthCase kWorths[] = {
+    {"Investment", {0, 1, 2, 3}, {-1000, 400, 400, 400}, 0.08, 30.83879489915155},
+    {"NegativeRate", {0, 1, 2, 3}, {-1000, 400, 400, 400}, -0.5, 4600},
+    {"PartsOfYears", {0, 0.5, 1.25}, {10, 20, 30}, 0.1, 55.69981786699304},
+    {"PastFlowsGrow", {-1, 0}, {100, 50}, 0.25, 175},
+};
+
+TEST(NetPresentValue, IsTheSumOfDiscountedValues) {
+  for (const WorthCase& row : kWorths)
+    EXPECT_NEAR(net_present_value(row.times.data(), row.values.data(),
+                                  static_cast<std::int64_t>(row.times.size()), row.rate),
+                row.worth, std::fabs(row.worth) * 1e-14)
+        << row.name;
+}
+
+TEST(NetPresentValue, OfAnAnnuityIsItsClosedForm) {
+  for (int count = 1; count <= 400; count += 7) {
+    const Doubles values(static_cast<std::size_t>(count), 100.0);
+    Doubles times;
+    for (int year = 1; year <= count; ++year) times.push_back(year);
+    for (const double rate : {-0.02, 0.01, 0.05, 0.3}) {
+      const double worth = 100 * (1 - std::pow(1 + rate, -count)) / rate;
+      EXPECT_NEAR(net_present_value(times.data(), values.data(), count, rate), worth,
+                  std::fabs(worth) * 1e-12);
+    }
+  }
+}
+
 TEST(NetPresentValue, IsCalledFromC) { EXPECT_NEAR(orlf_test_value_from_c(), 0, 1e-12); }
 
-TEST(PaymentPeriodRate, OfTheSamePeriodsIsTheRateOverThem) {
-  EXPECT_NEAR(Calculator::paymentPeriodRateForIntervalRate(number("0.12"), 12, 12)->doubleValue(),
-              0.01, 1e-15);
-  EXPECT_NEAR(Calculator::paymentPeriodRateForIntervalRate(number("0.06"), 2, 12)->doubleValue(),
-              std::pow(1.03, 2.0 / 12) - 1, 1e-15);
+// Closed forms from tests/data/reference/rates.py.
+struct PeriodRateCase {
+  const char* rate;
+  std::int32_t compounding, payments;
+  double periodRate;
+};
+const PeriodRateCase kPeriodRates[] = {
+    {"0.12", 12, 12, 0.01},
+    {"0.06", 2, 12, 0.004938622031196978},
+    {"0.05", 365, 12, 0.004175072737602566},
+    {"0.08", 1, 52, 0.001481115792001733},
+    {"-0.1", 4, 1, -0.096312109375},
+    {"0", 12, 12, 0},
+};
+
+TEST(PaymentPeriodRate, IsTheClosedForm) {
+  for (const PeriodRateCase& row : kPeriodRates)
+    EXPECT_NEAR(Calculator::paymentPeriodRateForIntervalRate(number(row.rate), row.compounding,
+                                                             row.payments)
+                    ->doubleValue(),
+                row.periodRate, 1e-14);
 }
 
 TEST(PaymentPeriodRate, NilGivesNilAndCountsOfZeroRaise) {
@@ -133,6 +184,9 @@ const PaymentCase kPayments[] = {
     {"250000", "0.00375", 360, 1266.7132745647017},
     {"-1000", "0.01", 12, -88.8487886783417073},
     {"1000", "0.01", 1, 1010},
+    {"18500", "0.0725", 7, 3462.7121133227943145},
+    {"100", "-0.01", 10, 9.4582901175912352},
+    {"0", "0.01", 12, 0},
 };
 
 TEST(PaymentOnInitialPrincipal, IsTheAnnuityPayment) {
@@ -177,10 +231,27 @@ TEST(InternalRateOfReturn, FlowsOfOneSignHaveNone) {
   EXPECT_FALSE(rateOf({0, 1}, {-100, -1}));
 }
 
-TEST(InternalRateOfReturn, EmptyListGivesTheLargeFirstMidpoint) {
+TEST(InternalRateOfReturn, EmptyListGivesTheMidpointOfTheWidestBracket) {
+  double high = 0.2;
+  for (int step = 0; step < 50; ++step) high = high + 1.6 * (high - 0.0);
   const Decimal rate = rateOf({}, {});
   ASSERT_TRUE(rate);
-  EXPECT_GT(rate->doubleValue(), 1e18);
+  EXPECT_DOUBLE_EQ(rate->doubleValue(), high + (0.0 - high) * 0.5);
+}
+
+TEST(InternalRateOfReturn, AsksForEachMemberOnce) {
+  for (const NSUInteger options :
+       {NSUInteger{0}, NSUInteger{NSEnumerationReverse}, NSUInteger{NSEnumerationConcurrent}}) {
+    std::vector<std::atomic<int>> asked(1000);
+    const auto rate = Calculator::internalRateOfReturnForDataset(
+        *indexes(asked.size()), options, [&](const id& object, NSUInteger index, bool& /*stop*/) {
+          ++asked[index];
+          EXPECT_EQ(object.as<NSNumber>()->integerValue(), static_cast<NSInteger>(index));
+          return ORLFCashFlowPoint{static_cast<double>(index), index == 0 ? -100.0 : 1.0};
+        });
+    EXPECT_TRUE(rate);
+    for (const auto& count : asked) EXPECT_EQ(count, 1);
+  }
 }
 
 TEST(InternalRateOfReturn, HasSeventeenPlaces) {
@@ -190,17 +261,29 @@ TEST(InternalRateOfReturn, HasSeventeenPlaces) {
 }
 
 // Whole flows against rates from an independent solver (tests/data/reference/rates.py: bisection
-// in decimal arithmetic of 60 digits).
+// in decimal arithmetic of 60 digits), and against the search's own steps, done there in doubles.
 struct RateCase {
   const char* name;
   Doubles times, values;
   double rate;
+  const char* found;
 };
 const RateCase kRates[] = {
-    {"Bond", {0, 1, 2, 3, 4, 5}, {-950, 40, 40, 40, 40, 1040}, 0.051599861525},
-    {"Saving", {0, 0.25, 0.5, 0.75, 1}, {-100, -100, -100, -100, 412}, 0.048284596985},
-    {"Loss", {0, 1, 2}, {-1000, 200, 300}, -0.343223563717},
-    {"Doubling", {0, 10}, {-1, 2}, 0.071773462536},
+    {"Ruin", {0, 1}, {-1000, 20}, -0.98, "-0.97999250888824452"},
+    {"Lottery", {0, 1}, {-1, 500}, 499, "498.99968885559633236"},
+    {"Borrowing", {0, 1, 2}, {1000, -600, -600}, 0.130662386292, "0.13065795898437499"},
+    {"Bond",
+     {0, 1, 2, 3, 4, 5},
+     {-950, 40, 40, 40, 40, 1040},
+     0.051599861525,
+     "0.05160522460937501"},
+    {"Saving",
+     {0, 0.25, 0.5, 0.75, 1},
+     {-100, -100, -100, -100, 412},
+     0.048284596985,
+     "0.048284912109375"},
+    {"Loss", {0, 1, 2}, {-1000, 200, 300}, -0.343223563717, "-0.34322738647460932"},
+    {"Doubling", {0, 10}, {-1, 2}, 0.071773462536, "0.07177124023437502"},
 };
 
 TEST(InternalRateOfReturn, AgreesWithAnIndependentSolver) {
@@ -214,7 +297,16 @@ TEST(InternalRateOfReturn, AgreesWithAnIndependentSolver) {
     EXPECT_TRUE(std::fabs(rate->doubleValue() - row.rate) < 0.00002 || std::fabs(worth) < 0.00001)
         << row.name << ": " << rate->stringValue();
     EXPECT_NEAR(rate->doubleValue(), row.rate, 0.001) << row.name;
+    EXPECT_EQ(rate, number(row.found)) << row.name;
   }
+}
+
+TEST(InternalRateOfReturn, IsNilWhereTheSignsChangeButNoRateIs) {
+  EXPECT_FALSE(rateOf({0, 1, 2}, {100, -150, 100}));
+}
+
+TEST(InternalRateOfReturn, IsNilForFlowsThatAreNoNumbers) {
+  EXPECT_FALSE(rateOf({0, 1}, {-100, std::nan("")}));
 }
 
 TEST(InternalRateOfReturn, ConcurrentVisitGivesTheSame) {

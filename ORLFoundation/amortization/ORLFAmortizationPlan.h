@@ -170,7 +170,7 @@ class ORLFAmortizationPlan : public NSObject, public NSSecureCoding {
   [[nodiscard]] bool isEqualAmortizationPlan(const ORLFAmortizationPlan* other) const;
   [[nodiscard]] NSUInteger hash() const override;
   [[nodiscard]] std::string description() const override;
-  /// `copyWithZone:`  A new plan with copies of all segments, linked to it.
+  /// `copyWithZone:` (`NSCopying`)  A new plan with copies of all segments, linked to it.
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;
 
   /// `encodeWithCoder:`, `initWithCoder:`  Under "segments" and "endDate". Segments

@@ -133,6 +133,36 @@ TEST(OrlfComponents, CountsFromTheFirstOfJuly) {
   }
 }
 
+struct WeekCase {
+  const char* name;
+  const char* date;
+  NSInteger week;
+};
+// Weeks of seven days are counted from January 1st, so that the second one begins on July 2nd.
+const WeekCase kJulyWeeks[] = {
+    {"FirstDay", "2019-07-01", 1},       {"SecondDay", "2019-07-02", 2},
+    {"EndOfTheSecond", "2019-07-08", 2}, {"ThirdWeek", "2019-07-09", 3},
+    {"March", "2020-03-15", 38},         {"LastDay", "2020-06-30", 54},
+};
+
+TEST(OrlfComponents, CountsWeeksFromTheStartOfTheYear) {
+  for (const WeekCase& row : kJulyWeeks)
+    EXPECT_EQ(
+        orlfComponents(utcCalendar(), NSCalendarUnitWeekOfYear, day(row.date), 7, 1).weekOfYear(),
+        row.week)
+        << row.name;
+}
+
+TEST(OrlfComponents, OfAYearFromTheFirstOfJanuaryAreTheCalendars) {
+  NSDate date = day("2023-01-01");
+  for (int index = 0; index < 800; ++index) {
+    const NSUInteger mask = NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay;
+    EXPECT_EQ(orlfComponents(utcCalendar(), mask, date, 1, 1),
+              utcCalendar().components(mask, date));
+    date = *utcCalendar().dateByAddingUnit(NSCalendarUnitDay, 1, date, 0);
+  }
+}
+
 struct RoundingCase {
   const char* name;
   NSCalendarUnit unit;
@@ -145,6 +175,11 @@ const RoundingCase kRoundings[] = {
     {"YearBeforeItsStartMonth", NSCalendarUnitYear, "2020-03-15", 7, 1, "2019-07-01", "2019-08-01"},
     {"QuarterRoundsDownBothWays", NSCalendarUnitQuarter, "2020-08-15", 7, 1, "2020-07-01",
      "2020-07-01"},
+    {"QuarterBeforeItsStartMonth", NSCalendarUnitQuarter, "2020-03-15", 7, 1, "2020-01-01",
+     "2020-01-01"},
+    {"YearOnALaterDay", NSCalendarUnitYear, "2020-08-15", 7, 15, "2020-07-15", "2020-08-15"},
+    {"WeekRoundsPlainly", NSCalendarUnitWeekOfYear, "2020-08-05", 7, 10, "2020-08-02",
+     "2020-08-09"},
     {"MonthTakesItsStartDayInTheDatesMonth", NSCalendarUnitMonth, "2020-08-05", 7, 10, "2020-08-10",
      "2020-09-10"},
     {"DayRoundsPlainly", NSCalendarUnitDay, "2020-08-05", 7, 10, "2020-08-05", "2020-08-05"},
@@ -178,69 +213,6 @@ TEST(OrlfDateByRoundingDateToFiscalUnit, QuarterUpIsQuarterDownOnEveryDayOfAYear
                                                          start, 1));
     date = *utcCalendar().dateByAddingUnit(NSCalendarUnitDay, 1, date, 0);
   }
-}
-
-TEST(DateByRoundingDownDate, WeeksBeginOnSundayWhateverTheCalendarSays) {
-  const auto monday =
-      orlftest::calendarFromVector(Json{{"zone", "UTC"}, {"first_weekday", 2}, {"min_days", 4}});
-  EXPECT_EQ(text(dateByRoundingDownDate(*monday, day("2024-05-15"), ORLFCalendarIntervalWeek)),
-            "2024-05-12");
-}
-
-TEST(DateByRoundingDownDate, TwoWeeksBeginWithAnEvenWeek) {
-  // Week 20 begins on 12 May 2024, week 21 a week later.
-  EXPECT_EQ(
-      text(dateByRoundingDownDate(utcCalendar(), day("2024-05-15"), ORLFCalendarIntervalTwoWeeks)),
-      "2024-05-12");
-  EXPECT_EQ(
-      text(dateByRoundingDownDate(utcCalendar(), day("2024-05-22"), ORLFCalendarIntervalTwoWeeks)),
-      "2024-05-12");
-}
-
-TEST(DateByRoundingDownDate, ValuesOutsideTheSetGiveNil) {
-  EXPECT_FALSE(dateByRoundingDownDate(utcCalendar(), day("2024-05-15"),
-                                      static_cast<ORLFCalendarInterval>(6)));
-}
-
-struct AddingCase {
-  ORLFCalendarInterval interval;
-  NSInteger count;
-  const char* date;
-};
-const AddingCase kAddings[] = {
-    {ORLFCalendarIntervalWeek, 2, "2024-02-14"},
-    {ORLFCalendarIntervalTwoWeeks, 2, "2024-02-28"},
-    {ORLFCalendarIntervalMonth, 1, "2024-02-29"},
-    {ORLFCalendarIntervalQuarter, 1, "2024-04-30"},
-    {ORLFCalendarIntervalYear, -1, "2023-01-31"},
-    {ORLFCalendarIntervalDay, 30, "2024-03-01"},
-    {static_cast<ORLFCalendarInterval>(9), 5, "2024-01-31"},
-};
-
-TEST(DateByAddingInterval, MatchesTable) {
-  for (const AddingCase& row : kAddings)
-    EXPECT_EQ(text(dateByAddingInterval(utcCalendar(), row.interval, row.count, day("2024-01-31"))),
-              row.date);
-}
-
-TEST(DateByAddingInterval, CountsTooLargeGiveNil) {
-  EXPECT_FALSE(dateByAddingInterval(utcCalendar(), ORLFCalendarIntervalQuarter, NSIntegerMax,
-                                    day("2024-01-31")));
-}
-
-TEST(NumberOfIntervals, TruncatesTowardZero) {
-  EXPECT_EQ(numberOfIntervals(utcCalendar(), ORLFCalendarIntervalTwoWeeks, day("2024-01-01"),
-                              day("2024-01-22")),
-            1);
-  EXPECT_EQ(numberOfIntervals(utcCalendar(), ORLFCalendarIntervalTwoWeeks, day("2024-01-22"),
-                              day("2024-01-01")),
-            -1);
-  EXPECT_EQ(numberOfIntervals(utcCalendar(), ORLFCalendarIntervalQuarter, day("2024-01-01"),
-                              day("2024-12-31")),
-            3);
-  EXPECT_EQ(numberOfIntervals(utcCalendar(), static_cast<ORLFCalendarInterval>(-1),
-                              day("2024-01-01"), day("2024-12-31")),
-            0);
 }
 
 }  // namespace

@@ -28,6 +28,13 @@ const ValueCase kValues[] = {
     {"SecondsInAMinute", NSCalendarUnitSecond, NSCalendarUnitMinute, 60},
     {"WeeksInAMonth", NSCalendarUnitWeek, NSCalendarUnitMonth, 31.0 / 7},
     {"QuartersInAYear", NSCalendarUnitQuarter, NSCalendarUnitYear, 366.0 / 91},
+    {"WeeksOfTheMonthInAWeek", NSCalendarUnitWeekOfMonth, NSCalendarUnitWeekOfYear, 1},
+    {"WeeksOfTheYearInAYear", NSCalendarUnitWeekOfYear, NSCalendarUnitYear, 366.0 / 7},
+    {"YearsInAQuarter", NSCalendarUnitYear, NSCalendarUnitQuarter, 91.0 / 366},
+    {"YearsInAYear", NSCalendarUnitYear, NSCalendarUnitYear, 1},
+    {"ErasWhoseLengthTheCalendarDoesNotTell", NSCalendarUnitEra, NSCalendarUnitYear, 0},
+    {"SecondsInAnHour", NSCalendarUnitSecond, NSCalendarUnitHour, 3600},
+    {"NanosecondsHaveNoLength", NSCalendarUnitNanosecond, NSCalendarUnitYear, 0},
     {"WeekdaysHaveNoLength", NSCalendarUnitWeekdayOrdinal, NSCalendarUnitYear, 0},
     {"MasksHaveNoLength", static_cast<NSCalendarUnit>(28), NSCalendarUnitYear, 0},
 };
@@ -46,6 +53,17 @@ TEST(OrlfMaximumValueOfUnit, IsZeroForNilAndForUnitsWithoutARange) {
   EXPECT_EQ(orlfMaximumValueOfUnit(utcCalendar(), NSCalendarUnitDay, static_cast<NSCalendarUnit>(0),
                                    january2024()),
             0);
+}
+
+TEST(OrlfMaximumValueOfUnit, CountsTheHoursOfADayThatAClockChangeMakesLonger) {
+  const auto calendar = orlftest::calendarFromVector(
+      orlftest::Json{{"zone", "America/New_York"}, {"first_weekday", 1}, {"min_days", 1}});
+  const auto longDay = orlftest::dateFromVector("2024-11-03T12:00:00Z");
+  EXPECT_EQ(orlfMaximumValueOfUnit(*calendar, NSCalendarUnitHour, NSCalendarUnitDay, longDay), 25);
+  // Days count as 24 hours whatever the clock does.
+  EXPECT_DOUBLE_EQ(
+      orlfMaximumValueOfUnit(*calendar, NSCalendarUnitDay, NSCalendarUnitMonth, longDay),
+      30 + 1 / 24.0);
 }
 
 TEST(OrlfRatioOfCalendarUnit, RoundsEachSideUpFirst) {

@@ -69,12 +69,13 @@ class ORLFDecimalNumberHandler : public NSObject,
       const std::optional<NSDecimalNumber>& rightOperand) const override;
 
   [[nodiscard]] std::string className() const override { return "ORLFDecimalNumberHandler"; }
-  /// `copyWithZone:`  The receiver itself: it never changes.
+  /// `copyWithZone:` (`NSCopying`)  The receiver itself: it never changes.
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;
-  /// `mutableCopyWithZone:`  A new `ORLFMutableDecimalNumberHandler` with the same six values.
+  /// `mutableCopyWithZone:` (`NSMutableCopying`)  A new `ORLFMutableDecimalNumberHandler` with the
+  /// same six values.
   [[nodiscard]] std::shared_ptr<NSObject> mutableCopy() override;
 
-  /// `encodeWithCoder:`, `initWithCoder:`  The six values under their names, the scale
+  /// `encodeWithCoder:`, `initWithCoder:` (`NSCoding`)  The six values under their names, the scale
   /// under "decimalScale", of which reading takes 16 bits. No value is checked.
   void encodeWithCoder(NSCoder& coder) const override;
   [[nodiscard]] static std::shared_ptr<ORLFDecimalNumberHandler> initWithCoder(NSCoder& coder);

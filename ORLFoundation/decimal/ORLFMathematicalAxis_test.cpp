@@ -174,6 +174,21 @@ TEST_F(ORLFMathematicalAxisTest, BoundsThatCannotBeScaledChangeNothing) {
   }
 }
 
+TEST_F(ORLFMathematicalAxisTest, RequestsForNoStepEndWhereTheDoublesDoAndChangeNothing) {
+  for (const NSUInteger requested : {0, 1}) {
+    ORLFMathematicalAxis axis(0, 100, 6);
+    EXPECT_EQ(axis.rescaleWithMin(0, 1, requested), 5U);
+    EXPECT_EQ(axis.axisMax(), 100);
+  }
+}
+
+TEST_F(ORLFMathematicalAxisTest, RescalingGivesTheNewCount) {
+  ORLFMathematicalAxis axis(0, 100, 6);
+  EXPECT_EQ(axis.rescaleWithMin(0, 0.5, 6), 3U);
+  EXPECT_EQ(axis.stepCount(), 3U);
+  EXPECT_EQ(axis.stepSize(), 0.2);
+}
+
 TEST_F(ORLFMathematicalAxisTest, SweptAxesHoldTheirBoundsInWholeSteps) {
   for (int exponent = -3; exponent < 12; ++exponent) {
     for (int low = -20; low <= 20; low += 3) {

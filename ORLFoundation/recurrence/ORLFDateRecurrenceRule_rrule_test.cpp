@@ -1,5 +1,5 @@
-// Expected dates of recurrence rules of other projects, for the shapes on which all agree. See
-// tests/data/rrule.
+// Rules of other projects' tests: each is read or refused, none keeps the walk busy, and where all
+// agree on the dates these come out. See tests/data/rrule.
 #include <ORLFoundation/recurrence/ORLFDateRecurrence_testing.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorFile.h>
@@ -11,6 +11,7 @@ namespace ORLFoundation {
 namespace {
 
 using Rule = ORLFDateRecurrenceRule;
+using Rows = std::vector<std::vector<std::string>>;
 
 std::vector<std::string> split(const std::string& text, char mark) {
   std::vector<std::string> parts;
@@ -19,44 +20,16 @@ std::vector<std::string> split(const std::string& text, char mark) {
   return parts;
 }
 
-std::vector<NSInteger> integers(const std::string& text) {
-  std::vector<NSInteger> values;
-  for (const std::string& part : split(text, ',')) values.push_back(std::stoll(part));
-  return values;
-}
-
-/// "1TU", "-1TH", "FR".
-std::shared_ptr<ORLFDateRecurrenceDayOfWeek> weekday(const std::string& text) {
-  static const std::vector<std::string> kNames = {"SU", "MO", "TU", "WE", "TH", "FR", "SA"};
-  const std::string name = text.substr(text.size() - 2);
-  const auto found = std::find(kNames.begin(), kNames.end(), name);
-  if (found == kNames.end()) throw std::runtime_error("unknown weekday " + text);
-  const std::string number = text.substr(0, text.size() - 2);
-  return std::make_shared<ORLFDateRecurrenceDayOfWeek>(found - kNames.begin() + 1,
-                                                       number.empty() ? 0 : std::stoll(number));
-}
-
-std::shared_ptr<Rule> ruleFromText(const std::string& text) {
-  static const std::map<std::string, ORLFDateRecurrenceFrequency> kFrequencies = {
-      {"YEARLY", ORLFDateRecurrenceFrequencyYearly},
-      {"MONTHLY", ORLFDateRecurrenceFrequencyMonthly},
-      {"WEEKLY", ORLFDateRecurrenceFrequencyWeekly},
-      {"DAILY", ORLFDateRecurrenceFrequencyDaily}};
-  Rule::Recurrence fields;
-  for (const std::string& part : split(text.substr(text.find(':') + 1), ';')) {
-    const std::string key = part.substr(0, part.find('='));
-    const std::string value = part.substr(part.find('=') + 1);
-    if (key == "FREQ") fields.frequency = kFrequencies.at(value);
-    if (key == "INTERVAL") fields.interval = std::stoll(value);
-    if (key == "BYMONTH") fields.monthsOfTheYear = integers(value);
-    if (key == "BYMONTHDAY") fields.daysOfTheMonth = integers(value);
-    if (key == "BYDAY") {
-      fields.daysOfTheWeek.emplace();
-      for (const std::string& day : split(value, ','))
-        fields.daysOfTheWeek->push_back(weekday(day));
-    }
-  }
-  return std::make_shared<Rule>(fields);
+/// The fields of each line after the first.
+Rows rowsOf(const std::string& name) {
+  std::ifstream file(orlftest::vectorFolder().parent_path() / "rrule" / name);
+  if (!file) file.open("tests/data/rrule/" + name);
+  EXPECT_TRUE(file) << name;
+  Rows rows;
+  std::string line;
+  std::getline(file, line);
+  while (std::getline(file, line)) rows.push_back(split(line, '\t'));
+  return rows;
 }
 
 /// "19970902T090000" or "19970902" on the calendar's clock.
@@ -68,23 +41,85 @@ NSDate dateFromText(const std::string& text, const NSCalendar& calendar) {
                       number(11, 2), number(13, 2));
 }
 
-TEST(ORLFDateRecurrenceRule, GivesTheDatesThatOtherProjectsExpect) {
-  std::ifstream file(orlftest::vectorFolder().parent_path() / "rrule" / "rrule_dev.tsv");
-  if (!file) file.open("tests/data/rrule/rrule_dev.tsv");
-  ASSERT_TRUE(file);
-  std::size_t rows = 0;
-  for (std::string line; std::getline(file, line);) {
-    const auto fields = split(line, '\t');
-    if (fields.size() < 7 || fields[5] != "core" || !fields[6].empty()) continue;
+std::string listText(const char* name, const Rule::Integers& values) {
+  std::string text;
+  if (!values) return text;
+  for (const NSInteger value : *values)
+    text += (text.empty() ? std::string(" ") + name + "=" : ",") + std::to_string(value);
+  return text;
+}
+
+std::string daysText(const Rule& rule) {
+  std::string text;
+  if (!rule.daysOfTheWeek()) return text;
+  for (const auto& day : *rule.daysOfTheWeek())
+    text += (text.empty() ? " days=" : ",") + std::to_string(day->dayOfTheWeek()) + "/" +
+            std::to_string(day->weekNumber());
+  return text;
+}
+
+/// A rule as rules_read.tsv writes it.
+std::string fieldsText(const Rule* rule) {
+  if (rule == nullptr) return "nil";
+  return std::to_string(rule->frequency()) + " " + std::to_string(rule->interval()) +
+         daysText(*rule) + listText("bymonthday", rule->daysOfTheMonth()) +
+         listText("bymonth", rule->monthsOfTheYear()) +
+         listText("byweekno", rule->weeksOfTheYear()) +
+         listText("byyearday", rule->daysOfTheYear());
+}
+
+TEST(RuleTextsOfOtherProjects, AreReadAsAnIndependentReaderReadsThem) {
+  std::size_t rows = 0, rules = 0;
+  for (const auto& row : rowsOf("rules_read.tsv")) {
+    ASSERT_EQ(row.size(), 2U);
+    const auto rule = Rule::dateRecurrenceRuleFromICalendarString(row[0]);
+    EXPECT_EQ(fieldsText(rule.get()), row[1]) << row[0];
     ++rows;
-    SCOPED_TRACE(fields[0] + " from " + fields[1]);
-    const auto calendar = orlftest::calendarIn(fields[2].empty() ? "UTC" : fields[2]);
+    if (!rule) continue;
+    ++rules;
+    EXPECT_EQ(rule->anchorIndex(), 1) << row[0];
+    EXPECT_FALSE(rule->absolute()) << row[0];
+    EXPECT_FALSE(rule->setPositions()) << row[0];
+  }
+  EXPECT_EQ(rows, 364U);
+  EXPECT_EQ(rules, 267U);
+}
+
+TEST(RuleTextsOfOtherProjects, HaveDatesInOrderOrEndByThemselves) {
+  std::size_t walked = 0;
+  for (const auto& row : rowsOf("rrule_dev.tsv")) {
+    const auto rule = Rule::dateRecurrenceRuleFromICalendarString(row[0]);
+    if (!rule) continue;
+    ++walked;
+    const auto calendar = orlftest::calendarIn(row[2].empty() ? "UTC" : row[2]);
+    const NSDate start = dateFromText(row[1], *calendar);
+    for (const bool backwards : {false, true}) {
+      const auto dates =
+          orlftest::firstDates(*rule, *calendar, start, 200, {.backwards = backwards});
+      const NSComparisonResult order = backwards ? NSOrderedDescending : NSOrderedAscending;
+      for (std::size_t i = 1; i < dates.size(); ++i)
+        ASSERT_EQ(dates[i - 1].compare(dates[i]), order) << row[0];
+    }
+  }
+  EXPECT_EQ(walked, 267U);
+}
+
+TEST(RuleTextsOfOtherProjects, GiveTheDatesOnWhichAllAgree) {
+  std::size_t rows = 0;
+  for (const auto& row : rowsOf("rrule_dev.tsv")) {
+    ASSERT_EQ(row.size(), 8U);
+    if (row[5] != "core" || !row[6].empty()) continue;
+    ++rows;
+    SCOPED_TRACE(row[0] + " from " + row[1]);
+    const auto rule = Rule::dateRecurrenceRuleFromICalendarString(row[0]);
+    ASSERT_TRUE(rule);
+    const auto calendar = orlftest::calendarIn(row[2].empty() ? "UTC" : row[2]);
     std::vector<NSDate> expected;
-    for (const std::string& date : split(fields[3], ','))
+    for (const std::string& date : split(row[3], ','))
       expected.push_back(dateFromText(date, *calendar));
-    EXPECT_EQ(orlftest::firstDates(*ruleFromText(fields[0]), *calendar,
-                                   dateFromText(fields[1], *calendar), expected.size()),
-              expected);
+    EXPECT_EQ(
+        orlftest::firstDates(*rule, *calendar, dateFromText(row[1], *calendar), expected.size()),
+        expected);
   }
   EXPECT_EQ(rows, 55U);
 }

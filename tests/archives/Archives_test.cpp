@@ -87,6 +87,36 @@ TEST(ORLFDateRecurrenceRule, ReadsAnythingMissingAsNilAndZero) {
   EXPECT_TRUE(rule->isSimpleRecurrence());
 }
 
+TEST(ORLFDateRecurrencePeriod, ReadsMissingNumbersAsZero) {
+  const auto read = [](NSDictionary::Entries fields) {
+    return NSKeyedUnarchiver::unarchivedObjectOfClass<ORLFDateRecurrencePeriod>(
+        archiveOf("ORLFDateRecurrencePeriod", std::move(fields)));
+  };
+  EXPECT_EQ(read({{"frequency", 8}})->interval(), 0);
+  EXPECT_EQ(read({{"interval", 3}})->frequency(), 0);
+  EXPECT_EQ(read({{"interval", 3}})->interval(), 3);
+  EXPECT_FALSE(read({{"interval", "3"}}));
+}
+
+TEST(ORLFDateRecurrenceDayOfWeek, ReadsMissingNumbersAsZero) {
+  const auto day = NSKeyedUnarchiver::unarchivedObjectOfClass<ORLFDateRecurrenceDayOfWeek>(
+      archiveOf("ORLFDateRecurrenceDayOfWeek", {}));
+  ASSERT_TRUE(day);
+  EXPECT_EQ(day->dayOfTheWeek(), 0);
+  EXPECT_EQ(day->weekNumber(), 0);
+}
+
+TEST(ORLFDateRecurrenceEnd, ReadsAMissingDateAsNilAndAMissingCountAsZero) {
+  const auto end = NSKeyedUnarchiver::unarchivedObjectOfClass<ORLFDateRecurrenceEnd>(
+      archiveOf("ORLFDateRecurrenceEnd", {}));
+  ASSERT_TRUE(end);
+  EXPECT_FALSE(end->endDate());
+  EXPECT_EQ(end->occurrenceCount(), 0U);
+  EXPECT_FALSE(NSKeyedUnarchiver::unarchivedObjectOfClass<ORLFDateRecurrenceEnd>(
+      archiveOf("ORLFDateRecurrenceEnd", {{"endDate", std::make_shared<NSPropertyListUID>(3)}},
+                {"2024-01-01"})));
+}
+
 TEST(ORLFDateRecurrenceRule, ReadsAnEmptyListAsOne) {
   const auto rule = NSKeyedUnarchiver::unarchivedObjectOfClass<ORLFDateRecurrenceRule>(
       archived(ORLFDateRecurrenceRule::ruleWithFields(
@@ -159,6 +189,10 @@ TEST(ORLFAmortizationPlanSegment, ComesBackMonthlyWithoutAFrequency) {
   EXPECT_EQ(segment->contributionFrequncy()->frequency(), ORLFDateRecurrenceFrequencyMonthly);
   EXPECT_EQ(segment->contributionFrequncy()->interval(), 1);
   EXPECT_FALSE(segment->startDate());
+  EXPECT_FALSE(segment->currentPrincipal());
+  EXPECT_FALSE(segment->contribution());
+  EXPECT_FALSE(segment->anualCompoundingRate());
+  EXPECT_FALSE(segment->anualInflationRate());
   EXPECT_FALSE(segment->amortizationPlan());
 }
 
@@ -188,8 +222,14 @@ TEST(ORLFAmortizationPlan, RefusesSegmentsThatAreNone) {
       archiveOf("ORLFAmortizationPlan", {{"segments", std::make_shared<NSPropertyListUID>(1)}})));
   EXPECT_FALSE(NSKeyedUnarchiver::unarchivedObjectOfClass<ORLFAmortizationPlan>(
       archiveOf("ORLFAmortizationPlan", {{"segments", uid3}}, {"text"})));
-  EXPECT_TRUE(NSKeyedUnarchiver::unarchivedObjectOfClass<ORLFAmortizationPlan>(
-      archiveOf("ORLFAmortizationPlan", {})));
+}
+
+TEST(ORLFAmortizationPlan, ReadsAnythingMissingAsNone) {
+  const auto plan = NSKeyedUnarchiver::unarchivedObjectOfClass<ORLFAmortizationPlan>(
+      archiveOf("ORLFAmortizationPlan", {}));
+  ASSERT_TRUE(plan);
+  EXPECT_TRUE(plan->segments().empty());
+  EXPECT_FALSE(plan->endDate());
 }
 
 TEST(NSKeyedUnarchiver, RefusesEverySampleCutOffAtAnyByte) {

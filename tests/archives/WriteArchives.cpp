@@ -1,7 +1,9 @@
-// Writes archives of all kinds into a folder, each beside the value that it holds, as JSON:
+// Writes archives of all kinds into a folder, each beside the value that it holds, as JSON; those
+// of the good samples are written again there:
 //
 //     orlf_write_archives FOLDER
 #include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
+#include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
 #include <tests/archives/ArchiveSamples.h>
 #include <tests/archives/WrittenArchives.h>
 
@@ -26,6 +28,15 @@ NSData archived(const id& object, NSPropertyListFormat format) {
   return archiver.encodedData();
 }
 
+/// Writes both forms of an archive of the object, and its value.
+bool writeArchives(const std::filesystem::path& folder, const std::string& name, const id& object) {
+  const auto file = [&](const char* extension) { return folder / (name + extension); };
+  const NSData binary = archived(object, NSPropertyListBinaryFormat_v1_0);
+  const NSData xml = archived(object, NSPropertyListXMLFormat_v1_0);
+  return write(file(".archive"), binary.text()) && write(file(".xml"), xml.text()) &&
+         write(file(".json"), orlftest::jsonFromObject(object).dump());
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -35,13 +46,12 @@ int main(int count, char** arguments) {
   }
   const std::filesystem::path folder = arguments[1];
   bool written = true;
-  for (const auto& row : orlftest::writtenArchives()) {
-    const auto file = [&](const char* extension) { return folder / (row.name + extension); };
-    const NSData binary = archived(row.object, NSPropertyListBinaryFormat_v1_0);
-    const NSData xml = archived(row.object, NSPropertyListXMLFormat_v1_0);
-    written = written && write(file(".archive"), binary.text()) &&
-              write(file(".xml"), xml.text()) &&
-              write(file(".json"), orlftest::jsonFromObject(row.object).dump());
+  for (const auto& row : orlftest::writtenArchives())
+    written = writeArchives(folder, row.name, row.object) && written;
+  for (const std::string& name : orlftest::sampleNames()) {
+    const id object =
+        NSKeyedUnarchiver::unarchivedObject(orlftest::allClasses(), orlftest::sampleNamed(name));
+    if (!object.isNil()) written = writeArchives(folder, "sample-" + name, object) && written;
   }
   return written ? 0 : 1;
 }

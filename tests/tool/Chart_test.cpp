@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
@@ -25,36 +26,61 @@ std::vector<std::string> labelsOf(const auto& ticks) {
   return labels;
 }
 
-TEST(NumberTicks, StandAtRoundNumbersAroundTheRange) {
-  using Labels = std::vector<std::string>;
-  const auto labels = [](double low, double high) {
-    return labelsOf(orlftool::numberTicks(low, high, 8, "en_US"));
-  };
-  EXPECT_EQ(labels(-300000, 212000),
-            (Labels{"-300,000", "-200,000", "-100,000", "0", "100,000", "200,000", "300,000"}));
-  EXPECT_EQ(labels(0, 1), (Labels{"0.0", "0.2", "0.4", "0.6", "0.8", "1.0"}));
-  EXPECT_EQ(labels(1000, 1000), (Labels{"900", "950", "1,000", "1,050", "1,100"}));
-  EXPECT_EQ(labels(0, 0), (Labels{"-1.0", "-0.5", "0.0", "0.5", "1.0"}));
+using Labels = std::vector<std::string>;
+
+Labels numberLabels(double low, double high, const std::string& locale = "en_US") {
+  return labelsOf(orlftool::numberScale(low, high, 9, locale).ticks);
 }
 
-TEST(NumberTicks, FollowTheLocale) {
-  EXPECT_EQ(orlftool::numberTicks(0, 5000, 8, "de_DE").back().label, "5.000");
+TEST(NumberScale, StandsAtRoundNumbersAroundTheRange) {
+  EXPECT_EQ(numberLabels(-300000, 426000), (Labels{"-400K", "-200K", "0", "200K", "400K", "600K"}));
+  EXPECT_EQ(numberLabels(0, 93), (Labels{"0", "20", "40", "60", "80", "100"}));
+  EXPECT_EQ(numberLabels(0, 5.2e6), (Labels{"0", "1M", "2M", "3M", "4M", "5M", "6M"}));
+  EXPECT_EQ(numberLabels(0, 1), (Labels{"0", "0.2", "0.4", "0.6", "0.8", "1"}));
+  EXPECT_EQ(numberLabels(93, 0), numberLabels(0, 93));
 }
 
-TEST(NumberTicks, StayFewAndCoverTheRangeWhateverItsSize) {
-  for (const double size : {1e-300, 1e-12, 1e-3, 1.0, 7.3, 99.0, 1e6, 123456789.0, 1e13, 1e300,
-                            std::numeric_limits<double>::max()})
+TEST(NumberScale, WidensARangeWithoutLengthAroundItsValue) {
+  EXPECT_EQ(numberLabels(1000, 1000), (Labels{"900", "950", "1K", "1.05K", "1.1K"}));
+  EXPECT_EQ(numberLabels(0, 0).front(), "-1");
+  EXPECT_EQ(numberLabels(0, 0).back(), "1");
+}
+
+TEST(NumberScale, FollowsTheLocale) {
+  EXPECT_EQ(numberLabels(0, 10000, "de_DE")[1], "2K");
+  EXPECT_EQ(numberLabels(1000, 1000, "de_DE")[3], "1,05K");
+  EXPECT_EQ(numberLabels(2000000, 2000200, "de_DE").front(), "2.000.000");
+}
+
+TEST(NumberScale, WritesNumbersInFullWhereShortLabelsReadAlike) {
+  EXPECT_EQ(numberLabels(250000, 250001),
+            (Labels{"250,000", "250,000.2", "250,000.4", "250,000.6", "250,000.8", "250,001"}));
+  EXPECT_EQ(numberLabels(2000000, 2000200).front(), "2,000,000");
+}
+
+TEST(NumberScale, WritesHugeNumbersInPowersOfTen) {
+  EXPECT_EQ(numberLabels(0, 1e30).back(), "1e+30");
+}
+
+TEST(NumberScale, StaysFewAndCoversTheRangeWhateverItsSize) {
+  for (const double size : {1e-300, 1e-12, 1e-3, 1.0, 7.3, 99.0, 1e6, 123456789.0, 1e13, 1e300})
     for (const double low : {-size, -size / 3, 0.0, size / 3}) {
-      const auto ticks = orlftool::numberTicks(low, size, 9, "en_US");
-      ASSERT_GE(ticks.size(), 2U) << low << ' ' << size;
-      EXPECT_LE(ticks.size(), 9U) << low << ' ' << size;
-      EXPECT_LE(ticks.front().value, low + std::abs(size) * 1e-6);
-      EXPECT_GE(ticks.back().value, size - std::abs(size) * 1e-6);
+      const orlftool::NumberScale scale = orlftool::numberScale(low, size, 9, "en_US");
+      ASSERT_GE(scale.ticks.size(), 2U) << low << ' ' << size;
+      EXPECT_LE(scale.ticks.size(), 9U) << low << ' ' << size;
+      EXPECT_LE(scale.low, low);
+      EXPECT_GE(scale.high, size);
+      Labels labels = labelsOf(scale.ticks);
+      EXPECT_EQ(std::adjacent_find(labels.begin(), labels.end()), labels.end()) << low;
     }
 }
 
+TEST(NumberScale, RefusesEndsThatAreTooFarApart) {
+  const double most = std::numeric_limits<double>::max();
+  EXPECT_THROW((void)orlftool::numberScale(-most, most, 9, "en_US"), orlftool::JobFailure);
+}
+
 TEST(DateTicks, StandOnRoundYearsMonthsAndDays) {
-  using Labels = std::vector<std::string>;
   const auto calendar = orlftool::makeCalendar("America/New_York", "en_US");
   const auto labels = [&](const char* from, const char* to) {
     return labelsOf(orlftool::dateTicks(orlftool::readDate(from, *calendar).value(),

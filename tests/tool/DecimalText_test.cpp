@@ -91,4 +91,15 @@ TEST(DecimalPrinter, SaysWhatIsAbsentOrNoNumber) {
   EXPECT_EQ(money.text(NSDecimalNumber::notANumber()), "NaN");
 }
 
+TEST(ReadRate, TakesFractionsAndPercentages) {
+  for (const auto& [text, rate] : std::vector<std::pair<const char*, const char*>>{
+           {"0.045", "0.045"}, {"4.5%", "0.045"}, {"-1%", "-0.01"}, {"0", "0"}, {"100%", "1"}}) {
+    const auto read = orlftool::readRate(text);
+    ASSERT_TRUE(read) << text;
+    EXPECT_EQ(read->stringValue(), rate);
+  }
+  for (const char* text : {"", "%", "4.5 %", "%4.5", "4,5%", "4.5%%", "1e-127%"})
+    EXPECT_FALSE(orlftool::readRate(text)) << text;
+}
+
 }  // namespace

@@ -47,7 +47,8 @@ class ToolOutput : public testing::Test {
 };
 
 TEST_F(ToolOutput, EveryCommandHasHelp) {
-  for (const char* command : {"dates", "plan", "amount", "round", "decimal"}) {
+  for (const char* command : {"dates", "describe", "schedule", "fiscal", "plan", "loan", "irr",
+                              "axis", "amount", "round", "decimal"}) {
     const ToolRun run = runTool({command, "--help"});
     EXPECT_EQ(run.exitCode, 0) << command;
     EXPECT_EQ(run.err, "") << command;
@@ -64,6 +65,75 @@ TEST_F(ToolOutput, DatesAsJson) {
   EXPECT_EQ(jsonOf({"dates", "--freq", "yearly", "--by-month", "2", "--by-monthday", "30",
                     "--start", "2024-01-31"})["dates"],
             Json::array());
+}
+
+TEST_F(ToolOutput, DatesOfARuleTextAsJson) {
+  EXPECT_EQ(jsonOf({"dates", "--rule", "RRULE:FREQ=MONTHLY;BYDAY=-1FR", "--start", "2024-01-01",
+                    "--count", "1", "--tz", "America/New_York"}),
+            Json::parse(R"json({"zone": "America/New_York",
+                                "dates": ["2024-01-26T00:00:00-05:00"]})json"));
+}
+
+TEST_F(ToolOutput, DescriptionsAsJson) {
+  EXPECT_EQ(jsonOf({"describe", "RRULE:FREQ=DAILY"}),
+            Json::parse(R"json({"rule": "RRULE:FREQ=DAILY",
+                                "description": "repeats daily."})json"));
+  EXPECT_EQ(jsonOf({"describe", "--freq", "quarterly"}),
+            Json::parse(R"json({"description": "repeats quarterly."})json"));
+}
+
+TEST_F(ToolOutput, SchedulesAsJson) {
+  EXPECT_EQ(jsonOf({"schedule", "biweekly", "--including", "2024-05-15T09:30", "--count", "2",
+                    "--tz", "America/New_York"}),
+            Json::parse(R"json({"pattern": "biweekly", "zone": "America/New_York",
+                                "paymentsPerYear": 26,
+                                "dates": ["2024-05-15T00:00:00-04:00",
+                                          "2024-05-29T00:00:00-04:00"]})json"));
+}
+
+TEST_F(ToolOutput, FiscalDatesAsJson) {
+  EXPECT_EQ(jsonOf({"fiscal", "2020-08-15", "--year-start", "7-1"}),
+            Json::parse(R"json({"year": 2021, "quarter": 1, "month": 2, "week": 7,
+                                "yearStart": "2020-07-01T00:00:00+00:00",
+                                "quarterStart": "2020-07-01T00:00:00+00:00",
+                                "monthStart": "2020-08-01T00:00:00+00:00"})json"));
+}
+
+TEST_F(ToolOutput, LoansAsJson) {
+  const Json loan =
+      jsonOf({"loan", "--principal", "1000", "--rate", "12%", "--periods", "2", "--schedule"});
+  EXPECT_EQ(loan["payment"], "507.51");
+  EXPECT_EQ(loan["lastPayment"], "507.51");
+  EXPECT_EQ(loan["paid"], "1015.02");
+  EXPECT_EQ(loan["interest"], "15.02");
+  EXPECT_EQ(loan["schedule"], Json::parse(R"json([
+      {"number": 1, "payment": "507.51", "interest": "10", "principal": "497.51",
+       "balance": "502.49"},
+      {"number": 2, "payment": "507.51", "interest": "5.02", "principal": "502.49",
+       "balance": "0"}])json"));
+  EXPECT_FALSE(jsonOf({"loan", "--principal", "1000", "--rate", "12%", "--periods", "2"})
+                   .contains("schedule"));
+}
+
+TEST_F(ToolOutput, RatesOfReturnAsJson) {
+  std::ofstream(path("flows.csv")) << "2023-01-01,-100\n2024-01-01,110\n";
+  const Json rate = jsonOf({"irr", path("flows.csv")});
+  EXPECT_NEAR(std::stod(rate["rate"].get<std::string>()), 0.1, 0.00001);
+  EXPECT_EQ(rate["flows"], 2);
+  EXPECT_EQ(rate["from"], "2023-01-01T00:00:00+00:00");
+  EXPECT_EQ(rate["to"], "2024-01-01T00:00:00+00:00");
+  const Json worth = jsonOf({"irr", path("flows.csv"), "--npv", "8%"});
+  EXPECT_EQ(worth["discountRate"], "8%");
+  EXPECT_EQ(worth["netPresentValue"], "1.851852");
+  EXPECT_FALSE(worth.contains("rate"));
+}
+
+TEST_F(ToolOutput, AxesAsJson) {
+  EXPECT_EQ(jsonOf({"axis", "0", "5000", "--steps", "3"}),
+            Json::parse(R"json({"min": 0.0, "max": 5000.0, "stepSize": 2500.0, "stepCount": 2,
+                                "steps": [{"value": 0.0, "label": "0"},
+                                          {"value": 2500.0, "label": "2.5K"},
+                                          {"value": 5000.0, "label": "5K"}]})json"));
 }
 
 TEST_F(ToolOutput, AmountsAsJson) {

@@ -252,9 +252,10 @@ Scales scalesOf(const Chart& chart) {
     }
   if (scales.from.compare(scales.to) != NSOrderedAscending || !(scales.low <= scales.high))
     throw JobFailure("the chart needs balances on at least two dates");
-  scales.numbers = numberTicks(scales.low, scales.high, kMostNumberTicks, chart.locale);
-  scales.low = scales.numbers.front().value;
-  scales.high = scales.numbers.back().value;
+  NumberScale numbers = numberScale(scales.low, scales.high, kMostNumberTicks, chart.locale);
+  scales.low = numbers.low;
+  scales.high = numbers.high;
+  scales.numbers = std::move(numbers.ticks);
   scales.dates = dateTicks(scales.from, scales.to, kMostDateTicks, *chart.calendar, chart.locale);
   return scales;
 }

@@ -1,50 +1,28 @@
 #include "chart_scale.h"
 
+#include <ORLFoundation/decimal/ORLFMathematicalAxis.h>
+#include <ORLFoundation/platform/format/NSNumberFormatter.h>
 #include <unicode/dtptngen.h>
 #include <unicode/gregocal.h>
 #include <unicode/locid.h>
-#include <unicode/numberformatter.h>
 #include <unicode/smpdtfmt.h>
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <memory>
 #include <optional>
 #include <string_view>
 
+#include "failure.h"
+#include "scoped_locale.h"
+#include "table.h"
+
 namespace orlftool {
 namespace {
 
 using namespace ORLFoundation;
-
-/// Marks at first, first + 1 ... last times the step.
-struct NumberGrid {
-  double step, first, last;
-};
-
-/// The finest grid of 1, 2 or 5 times a power of ten that covers the range with few enough marks.
-NumberGrid gridOver(double low, double high, int mostTicks) {
-  const double power = std::pow(10, std::floor(std::log10(high / mostTicks - low / mostTicks)));
-  NumberGrid grid{};
-  for (const double factor : {1.0, 2.0, 5.0, 10.0, 20.0}) {
-    grid.step = factor * power;
-    grid.first = std::floor(low / grid.step + 1e-9);
-    grid.last = std::ceil(high / grid.step - 1e-9);
-    if (grid.last - grid.first < mostTicks) break;
-  }
-  return grid;
-}
-
-icu::number::LocalizedNumberFormatter axisNumbers(double step, double largest,
-                                                  const std::string& locale) {
-  constexpr double kLargestPlainNumber = 1e12;
-  const auto numbers = icu::number::NumberFormatter::withLocale(icu::Locale(locale.c_str()));
-  if (largest >= kLargestPlainNumber || step < 1e-9)
-    return numbers.notation(icu::number::Notation::scientific());
-  const int digits = std::max(0, static_cast<int>(std::ceil(-std::log10(step) - 1e-9)));
-  return numbers.precision(icu::number::Precision::fixedFraction(digits));
-}
 
 std::string utf8(const icu::UnicodeString& text) {
   std::string bytes;
@@ -129,27 +107,66 @@ class DayPrinter {
   std::unique_ptr<icu::SimpleDateFormat> format_;
 };
 
+using Labels = std::vector<std::string>;
+
+/// The text of each step.
+Labels labelsOf(const ORLFMathematicalAxis& axis, const auto& textOfStep) {
+  Labels labels;
+  for (NSUInteger index = 0; index <= axis.stepCount(); ++index)
+    labels.push_back(textOfStep(index));
+  return labels;
+}
+
+bool areTooLong(const Labels& labels) {
+  constexpr std::size_t kMostCharacters = 16;
+  return std::any_of(labels.begin(), labels.end(), [](const std::string& label) {
+    return characterCount(label) > kMostCharacters;
+  });
+}
+
+std::string scientificText(double value) {
+  std::array<char, 32> text{};
+  const auto end =
+      std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, 6);
+  return {text.data(), end.ptr};
+}
+
+/// The axis's own labels ("250K"), or all numbers in full where two of those read alike, as small
+/// steps do far from zero. Numbers that leave no room for the plot are written "1e+20".
+Labels readableLabels(const ORLFMathematicalAxis& axis, const std::string& locale) {
+  const ScopedLocale scope(locale);
+  Labels labels = labelsOf(
+      axis, [&](NSUInteger index) { return axis.labelForStepIndex(static_cast<double>(index)); });
+  if (std::adjacent_find(labels.begin(), labels.end()) != labels.end()) {
+    NSNumberFormatter full;
+    full.setNumberStyle(NSNumberFormatterDecimalStyle);
+    labels = labelsOf(axis, [&](NSUInteger index) {
+      return full.stringFromDouble(axis.valueForStepIndex(index));
+    });
+  }
+  if (areTooLong(labels))
+    labels = labelsOf(
+        axis, [&](NSUInteger index) { return scientificText(axis.valueForStepIndex(index)); });
+  return labels;
+}
+
 }  // namespace
 
-std::vector<NumberTick> numberTicks(double low, double high, int mostTicks,
-                                    const std::string& locale) {
+NumberScale numberScale(double low, double high, int mostTicks, const std::string& locale) {
   if (low > high) std::swap(low, high);
   if (high - low <= std::abs(high) * 1e-12) {
     const double margin = high == 0 ? 1 : std::abs(high) / 10;
     low -= margin;
     high += margin;
   }
-  const NumberGrid grid = gridOver(low, high, mostTicks);
-  const auto numbers = axisNumbers(grid.step, std::max(std::abs(low), std::abs(high)), locale);
-  std::vector<NumberTick> ticks;
-  const auto count = static_cast<int>(grid.last - grid.first) + 1;
-  for (int place = 0; place < count; ++place) {
-    UErrorCode status = U_ZERO_ERROR;
-    const double index = grid.first + place;
-    const double value = index == 0 ? 0 : index * grid.step;
-    ticks.push_back({value, utf8(numbers.formatDouble(value, status).toString(status))});
-  }
-  return ticks;
+  // Steps are counted before their bounds are widened, which may add one.
+  const ORLFMathematicalAxis axis(low, high, static_cast<NSUInteger>(mostTicks - 1));
+  if (axis.stepCount() == 0) throw JobFailure("the chart's values lie too far apart to draw");
+  NumberScale scale{axis.axisMin(), axis.axisMax(), {}};
+  const Labels labels = readableLabels(axis, locale);
+  for (NSUInteger index = 0; index <= axis.stepCount(); ++index)
+    scale.ticks.push_back({axis.valueForStepIndex(index), labels[index]});
+  return scale;
 }
 
 std::vector<DateTick> dateTicks(NSDate from, NSDate to, int mostTicks, const NSCalendar& calendar,

@@ -15,11 +15,18 @@ struct NumberTick {
   std::string label;
 };
 
-/// Marks at multiples of 1, 2 or 5 times a power of ten, at most `mostTicks` of them, from at or
-/// below `low` to at or above `high`; labels carry the locale's separators. A range without length
-/// is widened around its value. Both ends must be finite.
-[[nodiscard]] std::vector<NumberTick> numberTicks(double low, double high, int mostTicks,
-                                                  const std::string& locale);
+struct NumberScale {
+  double low = 0, high = 0;  // its ends, where the first and the last mark stand
+  std::vector<NumberTick> ticks;
+};
+
+/// The axis of `ORLFMathematicalAxis` from at or below `low` to at or above `high`, with at most
+/// `mostTicks` marks (3 or more). Labels are short, "250K", or in full where short ones would read
+/// alike, in the locale's manner; "1e+20" where they would be too long. A range without length is
+/// widened around its value. Both ends must be finite. Throws JobFailure where they lie too far
+/// apart for an axis.
+[[nodiscard]] NumberScale numberScale(double low, double high, int mostTicks,
+                                      const std::string& locale);
 
 struct DateTick {
   ORLFoundation::NSDate date;

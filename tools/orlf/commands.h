@@ -28,4 +28,17 @@ struct Command {
 /// `orlf decimal`  Sums on decimals.
 [[nodiscard]] Command addDecimalCommand(CLI::App& tool);
 
+/// `orlf describe`  The English sentence of a recurrence rule.
+[[nodiscard]] Command addDescribeCommand(CLI::App& tool);
+/// `orlf loan`  The level payment of a loan, and its amortization table.
+[[nodiscard]] Command addLoanCommand(CLI::App& tool);
+/// `orlf irr`  The internal rate of return of dated cash flows.
+[[nodiscard]] Command addIrrCommand(CLI::App& tool);
+/// `orlf schedule`  The dates of a usual payment schedule.
+[[nodiscard]] Command addScheduleCommand(CLI::App& tool);
+/// `orlf fiscal`  A date in a fiscal year.
+[[nodiscard]] Command addFiscalCommand(CLI::App& tool);
+/// `orlf axis`  The scale of a chart axis.
+[[nodiscard]] Command addAxisCommand(CLI::App& tool);
+
 }  // namespace orlftool

@@ -9,23 +9,13 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
+
+#include "rule_options.h"
 
 namespace orlftool {
 
 /// The options as they were typed.
-struct DatesArguments {
-  std::string frequency;
-  std::int64_t interval = 1;
-  std::vector<std::string> weekdays;
-  std::vector<std::int64_t> monthDays;
-  std::vector<std::int64_t> months;
-  std::vector<std::int64_t> yearDays;
-  std::vector<std::int64_t> weeks;
-  std::vector<std::int64_t> setPositions;
-  std::int64_t anchor = 0;
-  bool absolute = false;
+struct DatesArguments : RuleArguments {
   std::string start;
   std::optional<std::string> from, to, reference, until;
   bool inclusive = false;
@@ -46,15 +36,11 @@ struct DatesRequest {
   bool backwards = false;
   bool exact = false;
   bool older = false;
+  /// Leaves out a date that the one before it equals; the older walk may give some twice.
+  bool eachOnce = false;
 
   [[nodiscard]] bool asksForRange() const { return from.has_value(); }
 };
-
-/// A weekday with an optional place before it: "MO", "2TU" (the second Tuesday), "-1FR" (the last
-/// Friday); "day", "weekday" and "weekend" stand for any day, any working day and any day of the
-/// weekend. Capitals do not matter. Null for other text.
-[[nodiscard]] std::shared_ptr<ORLFoundation::ORLFDateRecurrenceDayOfWeek> readWeekday(
-    std::string_view text);
 
 /// Throws UsageFailure for an unknown word, a number out of range and options that do not go
 /// together.

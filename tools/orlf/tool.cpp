@@ -17,8 +17,10 @@
 namespace orlftool {
 namespace {
 
-constexpr std::array kAddCommands{&addDatesCommand, &addPlanCommand, &addAmountCommand,
-                                  &addRoundCommand, &addDecimalCommand};
+constexpr std::array kAddCommands{&addDatesCommand,  &addDescribeCommand, &addScheduleCommand,
+                                  &addFiscalCommand, &addPlanCommand,     &addLoanCommand,
+                                  &addIrrCommand,    &addAxisCommand,     &addAmountCommand,
+                                  &addRoundCommand,  &addDecimalCommand};
 
 /// Sends what the library logs to a stream, each line once, for as long as it lives.
 class LogToStream {
