@@ -32,6 +32,11 @@
 #include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
 #include <ORLFoundation/platform/archive/NSPropertyListSerialization.h>
 #include <ORLFoundation/platform/archive/NSPropertyListUID.h>
+#include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
+#include <ORLFoundation/platform/dispatch/NSThread.h>
+#include <ORLFoundation/platform/failure/NSAlert.h>
+#include <ORLFoundation/platform/failure/NSAlertPresenter.h>
+#include <ORLFoundation/platform/failure/NSAssertionHandler.h>
 #include <ORLFoundation/platform/format/NSLocale.h>
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
