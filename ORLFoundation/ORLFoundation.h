@@ -32,6 +32,9 @@
 #include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
 #include <ORLFoundation/platform/archive/NSPropertyListSerialization.h>
 #include <ORLFoundation/platform/archive/NSPropertyListUID.h>
+#include <ORLFoundation/platform/defaults/NSUserDefaults.h>
+#include <ORLFoundation/platform/defaults/NSUserDefaultsFile.h>
+#include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
 #include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
 #include <ORLFoundation/platform/dispatch/NSThread.h>
 #include <ORLFoundation/platform/failure/NSAlert.h>
@@ -57,7 +60,6 @@
 #include <ORLFoundation/platform/object/NSObject.h>
 #include <ORLFoundation/platform/object/NSSet.h>
 #include <ORLFoundation/platform/object/NSString.h>
-#include <ORLFoundation/platform/object/NSUserDefaults.h>
 #include <ORLFoundation/platform/object/NSValue.h>
 #include <ORLFoundation/platform/object/NSValueTransformer.h>
 #include <ORLFoundation/platform/object/ORLFFatalError.h>
@@ -82,6 +84,10 @@
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceFrequency.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+#include <ORLFoundation/support/ORLFAssertionHandler.h>
+#include <ORLFoundation/support/ORLFCancelError.h>
 #include <ORLFoundation/support/ORLFCondition.h>
 #include <ORLFoundation/support/ORLFConditionalLog.h>
 #include <ORLFoundation/support/ORLFDebugLog.h>
+#include <ORLFoundation/support/ORLFDebugging.h>
+#include <ORLFoundation/support/ORLFProcessDoor.h>
