@@ -60,6 +60,7 @@
 #include <ORLFoundation/platform/object/NSObject.h>
 #include <ORLFoundation/platform/object/NSSet.h>
 #include <ORLFoundation/platform/object/NSString.h>
+#include <ORLFoundation/platform/object/NSUserActivity.h>
 #include <ORLFoundation/platform/object/NSValue.h>
 #include <ORLFoundation/platform/object/NSValueTransformer.h>
 #include <ORLFoundation/platform/object/ORLFFatalError.h>
@@ -76,6 +77,7 @@
 #include <ORLFoundation/platform/value/NSRange.h>
 #include <ORLFoundation/platform/value/NSTypes.h>
 #include <ORLFoundation/platform/value/NSURL.h>
+#include <ORLFoundation/platform/value/NSURLComponents.h>
 #include <ORLFoundation/platform/value/NSUUID.h>
 #include <ORLFoundation/recurrence/ORLFCalendarRecurrence.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceBlock.h>
@@ -84,6 +86,8 @@
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceFrequency.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+#include <ORLFoundation/support/ORLFAppLinkHander.h>
+#include <ORLFoundation/support/ORLFAppLinkManger.h>
 #include <ORLFoundation/support/ORLFAssertionHandler.h>
 #include <ORLFoundation/support/ORLFCancelError.h>
 #include <ORLFoundation/support/ORLFCondition.h>

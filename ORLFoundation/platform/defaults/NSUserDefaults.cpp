@@ -5,8 +5,8 @@
 #include <ORLFoundation/platform/object/NSLog.h>
 #include <ORLFoundation/platform/text/NSStringNumbers.h>
 #include <ORLFoundation/platform/value/NSException.h>
-#include <errno.h>
 
+#include <cerrno>
 #include <fstream>
 #include <utility>
 

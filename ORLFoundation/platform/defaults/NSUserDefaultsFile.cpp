@@ -67,8 +67,7 @@ std::shared_ptr<NSDictionary> NSUserDefaultsFile::apply(const NSUserDefaultsChan
   const std::optional<FileState> state = readState(path_, error);
   if (!state) return nullptr;
   const auto nothing = std::make_shared<NSDictionary>();
-  const auto values =
-      NSDictionaryByApplyingChanges(state->values ? *state->values : *nothing, changes);
+  auto values = NSDictionaryByApplyingChanges(state->values ? *state->values : *nothing, changes);
   if (state->values && values->isEqual(state->values.get())) return values;
   const auto bytes = NSPropertyListSerialization::dataWithPropertyList(
       values, NSPropertyListBinaryFormat_v1_0, 0, error);

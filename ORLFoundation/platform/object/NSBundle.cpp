@@ -73,7 +73,7 @@ std::string NSBundle::localizedStringForKey(std::optional<std::string_view> key,
 /// The languages whose tables are looked for, "" for those of all languages.
 std::vector<std::string> NSBundle::searchOrder() const {
   std::vector<std::string> order{""};
-  std::ranges::move(preferredLocalizations(), std::back_inserter(order));
+  for (const std::string& language : preferredLocalizations()) order.push_back(language);
   order.push_back(developmentLocalization());
   return order;
 }
@@ -118,7 +118,7 @@ std::vector<std::string> NSBundle::preferredLocalizations() const {
   std::vector<std::string> own = localizations();
   // What the bundle was written in comes first, so that it serves where nothing suits.
   const std::string development = developmentLocalization();
-  std::ranges::stable_partition(own, [&](const auto& name) { return name == development; });
+  std::stable_partition(own.begin(), own.end(), [&](const auto& name) { return name == development; });
   return preferredLocalizationsFromArray(own, preferredLanguages());
 }
 

@@ -3,10 +3,10 @@
 #include <ORLFoundation/platform/defaults/internal/DefaultsValues.h>
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
-#include <locale.h>
-#include <stdlib.h>
 
 #include <algorithm>
+#include <clocale>
+#include <cstdlib>
 
 namespace ORLFoundation::internal {
 namespace {
