@@ -43,6 +43,7 @@ void ORLFAppLinkManger::handlersDidChange() {
   const std::vector<Handler> before = handlers_;
   // Each is asked once, so that prefixes that change meanwhile cannot lead the sorting astray.
   std::vector<std::pair<internal::PathPrefix, Handler>> prefixed;
+  prefixed.reserve(before.size());
   for (const Handler& handler : before)
     prefixed.emplace_back(
         internal::PathPrefix(handler->pathPrefixForMatchingInAppLinkManager(*this)), handler);

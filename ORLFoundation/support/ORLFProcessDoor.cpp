@@ -1,7 +1,7 @@
 #include <ORLFoundation/support/ORLFProcessDoor.h>
-#include <signal.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <fstream>
 #include <sstream>
 

@@ -27,5 +27,7 @@ struct Command {
 [[nodiscard]] Command addRoundCommand(CLI::App& tool);
 /// `orlf decimal`  Sums on decimals.
 [[nodiscard]] Command addDecimalCommand(CLI::App& tool);
+/// `orlf link`  Which handler takes a link.
+[[nodiscard]] Command addLinkCommand(CLI::App& tool);
 
 }  // namespace orlftool

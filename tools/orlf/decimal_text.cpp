@@ -1,5 +1,6 @@
 #include "decimal_text.h"
 
+#include <ORLFoundation/platform/value/NSException.h>
 #include <unicode/locid.h>
 #include <unicode/numberformatter.h>
 
@@ -67,6 +68,24 @@ std::optional<NSDecimalNumber> readDecimal(std::string_view text) {
 NSDecimalNumber readDecimalArgument(std::string_view argument, std::string_view text) {
   if (const std::optional<NSDecimalNumber> number = readDecimal(text)) return *number;
   throw UsageFailure(std::string(argument) + ": expected " + std::string(kDecimalForm) + ", got '" +
+                     std::string(text) + "'");
+}
+
+std::optional<NSDecimalNumber> readRate(std::string_view text) {
+  if (!text.ends_with('%')) return readDecimal(text);
+  text.remove_suffix(1);
+  const std::optional<NSDecimalNumber> percent = readDecimal(text);
+  if (!percent) return std::nullopt;
+  try {
+    return percent->decimalNumberByMultiplyingBy(NSDecimalNumber::decimalNumberWithString("0.01"));
+  } catch (const NSException&) {
+    return std::nullopt;
+  }
+}
+
+NSDecimalNumber readRateArgument(std::string_view argument, std::string_view text) {
+  if (const std::optional<NSDecimalNumber> rate = readRate(text)) return *rate;
+  throw UsageFailure(std::string(argument) + ": expected " + std::string(kRateForm) + ", got '" +
                      std::string(text) + "'");
 }
 

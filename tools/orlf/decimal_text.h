@@ -22,6 +22,15 @@ inline constexpr std::string_view kDecimalForm = "a decimal text such as -1250.7
 [[nodiscard]] ORLFoundation::NSDecimalNumber readDecimalArgument(std::string_view argument,
                                                                  std::string_view text);
 
+/// What `readRate` takes, for messages.
+inline constexpr std::string_view kRateForm = "a rate such as 0.045 or 4.5%";
+
+/// Reads a rate: a decimal text, or one of percent ("4.5%"). nil for other text.
+[[nodiscard]] std::optional<ORLFoundation::NSDecimalNumber> readRate(std::string_view text);
+/// The same for an argument of the command line; throws UsageFailure that names it.
+[[nodiscard]] ORLFoundation::NSDecimalNumber readRateArgument(std::string_view argument,
+                                                              std::string_view text);
+
 /// Prints decimals with the marks of a locale, "-1,250.75". Digits are never rounded away.
 class DecimalPrinter {
  public:

@@ -7,14 +7,12 @@
 #include <optional>
 #include <set>
 
-#include "failure.h"
+#include "message_text.h"
 
 namespace orlftool {
 namespace {
 
 using Json = nlohmann::json;
-
-constexpr std::size_t kMostCharactersShown = 40;
 
 std::string_view lastLineOf(std::string_view token);
 
@@ -84,7 +82,7 @@ class PlanFieldsReader {
 
  private:
   [[noreturn]] void fail(std::string_view expectedText, std::string_view got) const {
-    failAtPlanField(name_, position_.line, path(), expectedText, got);
+    failAtField(name_, position_.line, path(), expectedText, got);
   }
   [[nodiscard]] std::string path() const;
   [[nodiscard]] std::string_view expected() const;
@@ -131,7 +129,7 @@ void PlanFieldsReader::checkScalarPlace(std::string_view got, std::size_t line) 
   const bool takesScalar = field_ != nullptr && field_->form != PlanFieldForm::kRounding &&
                            field_->form != PlanFieldForm::kSegmentList;
   const bool mayBeNull = field_ != nullptr && !field_->required && got == "null";
-  if (!takesScalar && !mayBeNull) failAtPlanField(name_, line, path(), expected(), got);
+  if (!takesScalar && !mayBeNull) failAtField(name_, line, path(), expected(), got);
 }
 
 bool PlanFieldsReader::store(const std::string& text, bool quoted, std::size_t line) {
@@ -140,7 +138,7 @@ bool PlanFieldsReader::store(const std::string& text, bool quoted, std::size_t l
   const bool wantsText = field_->form == PlanFieldForm::kText;
   const bool wantsNumber = field_->form == PlanFieldForm::kInteger;
   if ((wantsText && !quoted) || (wantsNumber && quoted))
-    failAtPlanField(name_, line, path(), field_->expected, shown);
+    failAtField(name_, line, path(), field_->expected, shown);
   object().values.emplace(field_->name, PlanValue{text, quoted, line});
   endValue();
   return true;
@@ -183,8 +181,8 @@ bool PlanFieldsReader::end_object() {
   const std::set<std::string, std::less<>>& seen = seen_[place_ != PlanPlace::kRoot];
   for (const PlanField& field : kPlanFields) {
     if (field.place != place_ || !field.required || seen.contains(field.name)) continue;
-    failAtPlanField(name_, object().line, planFieldPath(object().path, field.name), field.expected,
-                    "nothing");
+    failAtField(name_, object().line, planFieldPath(object().path, field.name), field.expected,
+                "nothing");
   }
   hasEnded_ = place_ == PlanPlace::kRoot;
   place_ = place_ == PlanPlace::kSegment    ? PlanPlace::kSegmentList
@@ -217,8 +215,8 @@ bool PlanFieldsReader::parse_error(std::size_t, const std::string& token,
       std::string_view(error.what()).find("unexpected end of input") != std::string_view::npos;
   const bool valueIsNext = field_ != nullptr || place_ == PlanPlace::kOutside;
   const std::string got = ended ? "the end of the file" : quotedForMessage(lastLineOf(token));
-  failAtPlanField(name_, ended ? position_.line : line, path(),
-                  valueIsNext ? expected() : "JSON, with its commas and brackets", got);
+  failAtField(name_, ended ? position_.line : line, path(),
+              valueIsNext ? expected() : "JSON, with its commas and brackets", got);
 }
 
 /// The JSON reader gives what it read since the last good piece, with its line ends written out.
@@ -229,20 +227,6 @@ std::string_view lastLineOf(std::string_view token) {
   if (end != std::string_view::npos) token.remove_prefix(end + kLineEnd.size());
   token.remove_prefix(std::min(token.find_first_not_of(' '), token.size()));
   return token;
-}
-
-/// Bytes of the UTF-8 character at the front; 0 when they are none.
-std::size_t characterLength(std::string_view text) {
-  const auto byte = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const std::size_t length = byte(0) < 0x80    ? 1
-                             : byte(0) >= 0xF0 ? 4
-                             : byte(0) >= 0xE0 ? 3
-                             : byte(0) >= 0xC2 ? 2
-                                               : 0;
-  if (length > text.size() || byte(0) > 0xF4) return 0;
-  for (std::size_t i = 1; i < length; ++i)
-    if ((byte(i) & 0xC0) != 0x80) return 0;
-  return length;
 }
 
 }  // namespace
@@ -262,25 +246,6 @@ std::string planFieldNames(PlanPlace place) {
     names += field.name;
   }
   return names;
-}
-
-std::string quotedForMessage(std::string_view text) {
-  std::string shown = "'";
-  std::size_t at = 0;
-  for (std::size_t count = 0; at < text.size() && count < kMostCharactersShown; ++count) {
-    const std::size_t length = characterLength(text.substr(at));
-    const bool printable = length > 1 || (length == 1 && text[at] >= ' ' && text[at] != '\x7F');
-    shown += printable ? text.substr(at, length) : "?";
-    at += std::max<std::size_t>(length, 1);
-  }
-  return shown + (at < text.size() ? "...'" : "'");
-}
-
-void failAtPlanField(const std::string& name, std::size_t line, const std::string& field,
-                     std::string_view expected, std::string_view got) {
-  std::string message = name + ":" + std::to_string(line) + ": ";
-  if (!field.empty()) message += field + ": ";
-  throw JobFailure(message.append("expected ").append(expected).append(", got ").append(got));
 }
 
 std::string planFieldPath(const std::string& object, std::string_view field) {

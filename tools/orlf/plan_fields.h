@@ -86,13 +86,6 @@ struct PlanFields {
   std::vector<PlanObject> segments;
 };
 
-/// A text of the file as a message shows it: at most 40 characters, in quotes, without line ends
-/// and broken bytes.
-[[nodiscard]] std::string quotedForMessage(std::string_view text);
-/// Throws JobFailure "name:line: field: expected ..., got ...".
-[[noreturn]] void failAtPlanField(const std::string& name, std::size_t line,
-                                  const std::string& field, std::string_view expected,
-                                  std::string_view got);
 /// "segments[2].rate", or "rate" for the root.
 [[nodiscard]] std::string planFieldPath(const std::string& object, std::string_view field);
 

@@ -1,19 +1,13 @@
 #include "plan_file.h"
 
-#include <ORLFoundation/platform/value/NSException.h>
-#include <sys/stat.h>
-
-#include <array>
-#include <cerrno>
 #include <charconv>
-#include <cstdio>
-#include <cstring>
 #include <utility>
 
 #include "common_options.h"
 #include "date_text.h"
 #include "decimal_text.h"
-#include "failure.h"
+#include "input_file.h"
+#include "message_text.h"
 #include "plan_fields.h"
 #include "words.h"
 
@@ -22,7 +16,6 @@ namespace {
 
 using namespace ORLFoundation;
 
-constexpr std::size_t kMostBytes = std::size_t{64} << 20;
 constexpr std::int64_t kLongestInterval = 100000;
 
 /// Turns the fields of one object into values; every failure names the file, the line and the
@@ -38,8 +31,8 @@ class ObjectReader {
   }
   [[noreturn]] void fail(std::string_view field, std::string_view expected) const {
     const PlanValue& value = *find(field);
-    failAtPlanField(name_, value.line, planFieldPath(object_.path, field), expected,
-                    value.quoted ? quotedForMessage(value.text) : value.text);
+    failAtField(name_, value.line, planFieldPath(object_.path, field), expected,
+                value.quoted ? quotedForMessage(value.text) : value.text);
   }
   [[noreturn]] void fail(std::string_view field) const {
     fail(field, findPlanField(place_, field)->expected);
@@ -68,16 +61,9 @@ class ObjectReader {
   /// A fraction such as "0.045", or a percentage such as "4.5%".
   [[nodiscard]] std::optional<NSDecimalNumber> rate(std::string_view field) const {
     const PlanValue* value = find(field);
-    if (value == nullptr || value->text.empty() || value->text.back() != '%') return decimal(field);
-    const std::string_view digits(value->text.data(), value->text.size() - 1);
-    const std::optional<NSDecimalNumber> percent = readDecimal(digits);
-    const std::optional<NSDecimalNumber> hundredth = readDecimal("0.01");
-    if (!percent || !hundredth) fail(field);
-    try {
-      return percent->decimalNumberByMultiplyingBy(*hundredth);
-    } catch (const NSException&) {
-      fail(field);
-    }
+    if (value == nullptr) return std::nullopt;
+    if (const std::optional<NSDecimalNumber> number = readRate(value->text)) return number;
+    fail(field);
   }
   [[nodiscard]] std::optional<NSDate> date(std::string_view field,
                                            const NSCalendar& calendar) const {
@@ -137,25 +123,6 @@ std::string dateAfter(NSDate earlier, const NSCalendar& calendar) {
   return "a date after " + shortDateText(earlier, calendar);
 }
 
-std::string readBytes(const std::string& path) {
-  struct stat status {};
-  if (::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
-    throw JobFailure(path + ": expected a plan file, got a directory");
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
-                                                             &std::fclose);
-  if (!file) throw JobFailure(path + ": cannot be read: " + std::strerror(errno));
-  std::string bytes;
-  std::array<char, 65536> buffer{};
-  while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), file.get())) {
-    bytes.append(buffer.data(), count);
-    if (bytes.size() > kMostBytes)
-      throw JobFailure(path + ": expected a plan file of at most 64 MB, got more");
-  }
-  if (std::ferror(file.get()) != 0)
-    throw JobFailure(path + ": cannot be read: " + std::strerror(errno));
-  return bytes;
-}
-
 }  // namespace
 
 PlanFile parsePlanFile(std::string_view text, const std::string& name,
@@ -182,7 +149,7 @@ PlanFile parsePlanFile(std::string_view text, const std::string& name,
 }
 
 PlanFile readPlanFile(const std::string& path, const PlanFileDefaults& defaults) {
-  return parsePlanFile(readBytes(path), path, defaults);
+  return parsePlanFile(readInputFile(path, "a plan file"), path, defaults);
 }
 
 }  // namespace orlftool

@@ -17,8 +17,8 @@
 namespace orlftool {
 namespace {
 
-constexpr std::array kAddCommands{&addDatesCommand, &addPlanCommand, &addAmountCommand,
-                                  &addRoundCommand, &addDecimalCommand};
+constexpr std::array kAddCommands{&addDatesCommand, &addPlanCommand,    &addAmountCommand,
+                                  &addRoundCommand, &addDecimalCommand, &addLinkCommand};
 
 /// Sends what the library logs to a stream, each line once, for as long as it lives.
 class LogToStream {

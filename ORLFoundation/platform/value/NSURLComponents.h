@@ -8,6 +8,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace ORLFoundation {
 
@@ -34,7 +35,7 @@ class NSURLComponents {
   [[nodiscard]] const NSURL& URL() const noexcept { return url_; }
 
  private:
-  explicit NSURLComponents(const NSURL& url) : url_(url) {}
+  explicit NSURLComponents(NSURL url) : url_(std::move(url)) {}
 
   NSURL url_;
 };
