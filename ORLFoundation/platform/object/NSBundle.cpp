@@ -118,7 +118,8 @@ std::vector<std::string> NSBundle::preferredLocalizations() const {
   std::vector<std::string> own = localizations();
   // What the bundle was written in comes first, so that it serves where nothing suits.
   const std::string development = developmentLocalization();
-  std::stable_partition(own.begin(), own.end(), [&](const auto& name) { return name == development; });
+  std::stable_partition(own.begin(), own.end(),
+                        [&](const auto& name) { return name == development; });
   return preferredLocalizationsFromArray(own, preferredLanguages());
 }
 
