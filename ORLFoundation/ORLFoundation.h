@@ -32,6 +32,14 @@
 #include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
 #include <ORLFoundation/platform/archive/NSPropertyListSerialization.h>
 #include <ORLFoundation/platform/archive/NSPropertyListUID.h>
+#include <ORLFoundation/platform/defaults/NSUserDefaults.h>
+#include <ORLFoundation/platform/defaults/NSUserDefaultsFile.h>
+#include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
+#include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
+#include <ORLFoundation/platform/dispatch/NSThread.h>
+#include <ORLFoundation/platform/failure/NSAlert.h>
+#include <ORLFoundation/platform/failure/NSAlertPresenter.h>
+#include <ORLFoundation/platform/failure/NSAssertionHandler.h>
 #include <ORLFoundation/platform/format/NSLocale.h>
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
@@ -52,7 +60,7 @@
 #include <ORLFoundation/platform/object/NSObject.h>
 #include <ORLFoundation/platform/object/NSSet.h>
 #include <ORLFoundation/platform/object/NSString.h>
-#include <ORLFoundation/platform/object/NSUserDefaults.h>
+#include <ORLFoundation/platform/object/NSUserActivity.h>
 #include <ORLFoundation/platform/object/NSValue.h>
 #include <ORLFoundation/platform/object/NSValueTransformer.h>
 #include <ORLFoundation/platform/object/ORLFFatalError.h>
@@ -69,6 +77,7 @@
 #include <ORLFoundation/platform/value/NSRange.h>
 #include <ORLFoundation/platform/value/NSTypes.h>
 #include <ORLFoundation/platform/value/NSURL.h>
+#include <ORLFoundation/platform/value/NSURLComponents.h>
 #include <ORLFoundation/platform/value/NSUUID.h>
 #include <ORLFoundation/recurrence/ORLFCalendarRecurrence.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceBlock.h>
@@ -77,6 +86,12 @@
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceFrequency.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+#include <ORLFoundation/support/ORLFAppLinkHander.h>
+#include <ORLFoundation/support/ORLFAppLinkManger.h>
+#include <ORLFoundation/support/ORLFAssertionHandler.h>
+#include <ORLFoundation/support/ORLFCancelError.h>
 #include <ORLFoundation/support/ORLFCondition.h>
 #include <ORLFoundation/support/ORLFConditionalLog.h>
 #include <ORLFoundation/support/ORLFDebugLog.h>
+#include <ORLFoundation/support/ORLFDebugging.h>
+#include <ORLFoundation/support/ORLFProcessDoor.h>

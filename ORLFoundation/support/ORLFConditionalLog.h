@@ -3,9 +3,9 @@
 ///     ORLFConditionalLog("ORLFXMLParserLogging", "element %@ at line %ld", name, line);
 #pragma once
 
+#include <ORLFoundation/platform/defaults/NSUserDefaults.h>
 #include <ORLFoundation/platform/object/NSLog.h>
 #include <ORLFoundation/platform/object/NSString.h>
-#include <ORLFoundation/platform/object/NSUserDefaults.h>
 
 #include <string_view>
 

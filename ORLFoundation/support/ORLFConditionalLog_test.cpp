@@ -11,9 +11,7 @@ using testing::IsEmpty;
 
 class ORLFConditionalLogTest : public testing::Test {
  protected:
-  ~ORLFConditionalLogTest() override {
-    NSUserDefaults::standardUserDefaults()->removeObjectForKey("ORLFXMLParserLogging");
-  }
+  NSStandardUserDefaultsInMemory defaults_;
   LogCapture log_;
 };
 

@@ -48,7 +48,7 @@ class ToolOutput : public testing::Test {
 
 TEST_F(ToolOutput, EveryCommandHasHelp) {
   for (const char* command : {"dates", "describe", "schedule", "fiscal", "plan", "loan", "irr",
-                              "axis", "amount", "round", "decimal"}) {
+                              "axis", "amount", "round", "decimal", "link"}) {
     const ToolRun run = runTool({command, "--help"});
     EXPECT_EQ(run.exitCode, 0) << command;
     EXPECT_EQ(run.err, "") << command;
@@ -149,6 +149,22 @@ TEST_F(ToolOutput, SumsAsJson) {
       jsonOf({"decimal", "divide", "1", "3", "--scale", "4"}),
       Json::parse(R"json({"operation": "divide", "a": "1", "b": "3", "result": "0.3333"})json"));
   EXPECT_EQ(jsonOf({"decimal", "divide", "1", "0", "--on-error", "nil"})["result"], nullptr);
+}
+
+TEST_F(ToolOutput, LinksAsJson) {
+  std::ofstream(path("handlers.txt")) << "accept /a\ndecline a/b\naccept /x\n";
+  const std::string handlers = "--handlers=" + path("handlers.txt");
+  EXPECT_EQ(jsonOf({"link", "https://x.org/a/b%20c", handlers}),
+            Json::parse(R"json({"url": "https://x.org/a/b%20c", "path": "/a/b c",
+                                "order": ["/a/b", "/a", "/x"],
+                                "asked": [{"prefix": "/a/b", "accepted": false},
+                                          {"prefix": "/a", "accepted": true}],
+                                "handled": true, "handler": "/a"})json"));
+  const Json nothing = jsonOf({"link", "https://x.org/%FF", handlers});
+  EXPECT_EQ(nothing["path"], nullptr);
+  EXPECT_EQ(nothing["asked"], Json::array());
+  EXPECT_EQ(nothing["handled"], false);
+  EXPECT_EQ(nothing["handler"], nullptr);
 }
 
 TEST_F(ToolOutput, PlanAsJsonAgreesWithItsTable) {

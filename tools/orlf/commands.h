@@ -27,6 +27,8 @@ struct Command {
 [[nodiscard]] Command addRoundCommand(CLI::App& tool);
 /// `orlf decimal`  Sums on decimals.
 [[nodiscard]] Command addDecimalCommand(CLI::App& tool);
+/// `orlf link`  Which handler takes a link.
+[[nodiscard]] Command addLinkCommand(CLI::App& tool);
 
 /// `orlf describe`  The English sentence of a recurrence rule.
 [[nodiscard]] Command addDescribeCommand(CLI::App& tool);

@@ -20,7 +20,7 @@ namespace {
 constexpr std::array kAddCommands{&addDatesCommand,  &addDescribeCommand, &addScheduleCommand,
                                   &addFiscalCommand, &addPlanCommand,     &addLoanCommand,
                                   &addIrrCommand,    &addAxisCommand,     &addAmountCommand,
-                                  &addRoundCommand,  &addDecimalCommand};
+                                  &addRoundCommand,  &addDecimalCommand,  &addLinkCommand};
 
 /// Sends what the library logs to a stream, each line once, for as long as it lives.
 class LogToStream {

@@ -1,4 +1,5 @@
 #include <ORLFoundation/platform/value/NSURL.h>
+#include <ORLFoundation/platform/value/internal/PercentEscapes.h>
 
 #include <algorithm>
 #include <charconv>
@@ -13,39 +14,13 @@ constexpr std::string_view kPathSigns = "/-._~!$&'()*+,;=:@";
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
-int hexValue(char c) {
-  if (isDigit(c)) return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
-
-bool isEscapeAt(std::string_view text, std::size_t i) {
-  return text[i] == '%' && i + 2 < text.size() && hexValue(text[i + 1]) >= 0 &&
-         hexValue(text[i + 2]) >= 0;
-}
-
 bool isAddressText(std::string_view text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     const auto byte = static_cast<unsigned char>(text[i]);
     if (byte <= 0x20 || byte >= 0x7f || kRefused.find(text[i]) != kRefused.npos) return false;
-    if (text[i] == '%' && !isEscapeAt(text, i)) return false;
+    if (text[i] == '%' && !internal::isPercentEscapeAt(text, i)) return false;
   }
   return !text.empty();
-}
-
-std::string unescaped(std::string_view text) {
-  std::string out;
-  out.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (isEscapeAt(text, i)) {
-      out += static_cast<char>(hexValue(text[i + 1]) * 16 + hexValue(text[i + 2]));
-      i += 2;
-    } else {
-      out += text[i];
-    }
-  }
-  return out;
 }
 
 std::string escapedPath(std::string_view path) {
@@ -146,7 +121,7 @@ std::optional<std::string> NSURL::host() const {
   if (!host_.present) return std::nullopt;
   std::string_view name = text(host_);
   if (name.starts_with('[') && name.ends_with(']')) name = name.substr(1, name.size() - 2);
-  return unescaped(name);
+  return internal::withoutPercentEscapes(name);
 }
 
 std::optional<NSInteger> NSURL::port() const {
@@ -158,10 +133,12 @@ std::optional<NSInteger> NSURL::port() const {
 }
 
 std::string NSURL::path() const {
-  std::string path = unescaped(text(path_));
+  std::string path = internal::withoutPercentEscapes(text(path_));
   if (path.size() > 1 && path.ends_with('/')) path.pop_back();
   return path;
 }
+
+std::string_view NSURL::percentEncodedPath() const noexcept { return text(path_); }
 
 std::optional<std::string> NSURL::query() const { return optionalText(query_); }
 

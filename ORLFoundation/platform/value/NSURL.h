@@ -34,6 +34,8 @@ class NSURL {
   [[nodiscard]] std::string path() const;
   [[nodiscard]] std::optional<std::string> query() const;
   [[nodiscard]] std::optional<std::string> fragment() const;
+  /// The path as it stands in the address.
+  [[nodiscard]] std::string_view percentEncodedPath() const noexcept;
   /// `lastPathComponent`  "" for an empty path, "/" for the root; a slash at the end is passed
   /// over.
   [[nodiscard]] std::string lastPathComponent() const;

@@ -1,4 +1,5 @@
 #include <ORLFoundation/platform/value/NSURL.h>
+#include <ORLFoundation/platform/value/NSURLComponents.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -6,6 +7,7 @@
 #include <string_view>
 
 using ORLFoundation::NSURL;
+using ORLFoundation::NSURLComponents;
 
 // A text is refused or kept; a path survives the way through a file address.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -15,6 +17,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static_cast<void>(url->host());
     static_cast<void>(url->port());
     static_cast<void>(url->pathExtension());
+    const auto components = NSURLComponents::componentsWithURL(*url, true);
+    if (components->path().value_or("").size() > components->percentEncodedPath().size())
+      std::abort();
   }
   const NSURL file = NSURL::fileURLWithPath(text);
   if (NSURL::URLWithString(file.absoluteString()) != file) std::abort();

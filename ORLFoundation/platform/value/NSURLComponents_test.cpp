@@ -1,0 +1,66 @@
+#include <ORLFoundation/platform/value/NSURLComponents.h>
+#include <ORLFoundation/platform/value/internal/PercentEscapes.h>
+#include <gtest/gtest.h>
+
+#include <string_view>
+
+namespace ORLFoundation {
+namespace {
+
+struct PathCase {
+  const char* text;
+  std::optional<std::string> path;
+  std::string encoded;
+};
+const PathCase kPaths[] = {
+    {"https://x.org", "", ""},
+    {"https://x.org?q", "", ""},
+    {"https://x.org/", "/", "/"},
+    {"https://x.org/a/", "/a/", "/a/"},
+    {"https://x.org//a//b?q=1#f", "//a//b", "//a//b"},
+    {"https://x.org/a%20b/%C3%A9", "/a b/é", "/a%20b/%C3%A9"},
+    {"https://x.org/%2F%25", "//%", "/%2F%25"},
+    {"https://x.org/%FF", std::nullopt, "/%FF"},
+    {"mailto:a@x.org", "a@x.org", "a@x.org"},
+    {"a/b", "a/b", "a/b"},
+};
+
+TEST(NSURLComponents, GivesThePathWithItsSlashes) {
+  for (const PathCase& row : kPaths) {
+    for (const bool resolving : {true, false}) {
+      const auto url = NSURL::URLWithString(row.text);
+      ASSERT_TRUE(url) << row.text;
+      const auto components = NSURLComponents::componentsWithURL(url, resolving);
+      ASSERT_TRUE(components) << row.text;
+      EXPECT_EQ(components->path(), row.path) << row.text;
+      EXPECT_EQ(components->percentEncodedPath(), row.encoded) << row.text;
+    }
+  }
+}
+
+TEST(NSURLComponents, GivesTheOtherParts) {
+  const auto url = NSURL::URLWithString("https://x.org:81/a?q=%201#f");
+  const auto components = NSURLComponents::componentsWithURL(url, true);
+  EXPECT_EQ(components->scheme(), "https");
+  EXPECT_EQ(components->host(), "x.org");
+  EXPECT_EQ(components->port(), 81);
+  EXPECT_EQ(components->percentEncodedQuery(), "q=%201");
+  EXPECT_EQ(components->percentEncodedFragment(), "f");
+  EXPECT_EQ(components->URL(), *url);
+}
+
+TEST(NSURLComponents, IsNilForNil) {
+  EXPECT_FALSE(NSURLComponents::componentsWithURL(std::nullopt, true));
+}
+
+TEST(PercentEscapes, TellUTF8FromOtherBytes) {
+  for (const std::string_view text : {"", "a", "é", "€", "😀", "\xEF\xBF\xBF", "\xF4\x8F\xBF\xBF"})
+    EXPECT_TRUE(internal::isUTF8(text)) << text;
+  for (const std::string_view text :
+       {"\x80", "\xC3", "\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xE2\x82",
+        "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xFF", "a\xE2\x28\xA1"})
+    EXPECT_FALSE(internal::isUTF8(text));
+}
+
+}  // namespace
+}  // namespace ORLFoundation
