@@ -8,7 +8,9 @@ Reads every orlf_add_folder(...) under ROOT/ORLFoundation and every include of t
 names each fault as file:line. A folder includes itself and what it declares under USES; it may
 declare only what ALLOWED grants it; nothing goes round in a circle; public headers include nothing
 but the standard library and ORLFoundation; internal/ headers stay inside their folder; every file is
-listed; the umbrella header holds every public header.
+listed; the umbrella header holds every public header. Where one CMakeLists.txt declares two of them,
+a file belongs to the one that lists it, an unlisted header to the one that lists the source of its
+name.
 """
 
 import re
@@ -23,12 +25,16 @@ PLATFORM_RANKS = {
     "platform_text": 2,
     "platform_format": 3,
     "platform_archive": 4,
+    "platform_dispatch": 2,
+    "platform_failure": 3,
+    "platform_defaults": 5,
 }
 
 # What a subsystem may use beside the platform. diagnostics (logging and soft assertions) lies below
 # all others.
 ALLOWED = {
     "diagnostics": set(),
+    "support": {"diagnostics", "recurrence"},
     "calendar": {"diagnostics"},
     "decimal": {"diagnostics"},
     "recurrence": {"diagnostics", "calendar"},
@@ -60,6 +66,10 @@ class Folder:
 
     def __getitem__(self, keyword):
         return self.lists.get(keyword, [])
+
+    def listed(self):
+        return {entry for key in ("HEADERS", "SOURCES", "TESTS", "BENCHMARKS", "FUZZERS")
+                for entry in self[key]}
 
     def linked_for(self, file):
         """Folders that a test or benchmark links beside those of its own folder."""
@@ -137,9 +147,20 @@ def closure(folders, names):
 
 
 def folder_of(folders, include):
-    """The folder that holds an included file: the one with the longest path."""
+    """The folder that holds an included file: the one with the longest path, and of those that
+    share it the one that lists the file or a source of its stem, else the last declared."""
     holding = [f for f in folders.values() if include.startswith(f.path + "/")]
-    return max(holding, key=lambda f: len(f.path), default=None)
+    longest = max((len(f.path) for f in holding), default=0)
+    sharing = [f for f in holding if len(f.path) == longest]
+    if len(sharing) < 2:
+        return sharing[0] if sharing else None
+    entry = include[longest + 1:]
+    stem = re.sub(r"(_testing)?\.[a-z]+$", "", entry)
+    for names in ({entry}, {stem + ".cpp", stem + ".c", stem + "_test.cpp"}):
+        for folder in sharing:
+            if names & folder.listed():
+                return folder
+    return sharing[-1]
 
 
 def files_of(root, folder, folders):
@@ -207,8 +228,7 @@ def check_own_include(root, folders, folder, declared, place, include):
 
 
 def check_lists(root, folders, folder):
-    listed = {entry for key in ("HEADERS", "SOURCES", "TESTS", "BENCHMARKS", "FUZZERS")
-              for entry in folder[key]}
+    listed = folder.listed()
     for file in files_of(root, folder, folders):
         entry = file.relative_to(root / folder.path).as_posix()
         unlisted_header = file.suffix == ".h" and (

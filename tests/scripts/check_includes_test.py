@@ -142,6 +142,44 @@ class IncludeCheck(unittest.TestCase):
             "ORLFoundation/calendar/Weeks.cpp: not listed in ORLFoundation/calendar/CMakeLists.txt",
             ORLFoundation__calendar__Weeks_cpp="")
 
+    TWO_IN_ONE = (
+        "orlf_add_folder(platform_object HEADERS NSObject.h SOURCES internal/Lock.cpp\n"
+        "  USES platform_value)\n"
+        "orlf_add_folder(platform_number HEADERS Sum.h SOURCES Sum.cpp%s)\n")
+
+    def two_in_one(self, uses="", **changes):
+        """The sound tree, where the root's folder holds a second target with USES."""
+        return self.faults(
+            ORLFoundation__ORLFoundation_h=lambda text:
+            text + "#include <ORLFoundation/platform/object/Sum.h>\n",
+            ORLFoundation__platform__object__CMakeLists_txt=self.TWO_IN_ONE % uses,
+            ORLFoundation__platform__object__internal__Lock_h="",
+            ORLFoundation__platform__object__internal__Lock_cpp="",
+            ORLFoundation__platform__object__Sum_h="",
+            **{"ORLFoundation__platform__object__Sum_cpp":
+               "#include <ORLFoundation/platform/object/NSObject.h>\n", **changes})
+
+    def test_two_folders_in_one_place(self):
+        self.assertEqual(self.two_in_one(" USES platform_object"), [])
+
+    def test_an_undeclared_neighbour_in_one_place(self):
+        self.assertEqual(self.two_in_one(), [
+            "ORLFoundation/platform/object/Sum.cpp:1: platform_number does not declare "
+            "platform_object under USES: <ORLFoundation/platform/object/NSObject.h>"])
+
+    def test_an_internal_header_of_a_neighbour_in_one_place(self):
+        self.assertEqual(
+            self.two_in_one(" USES platform_object", ORLFoundation__platform__object__Sum_cpp=
+                            "#include <ORLFoundation/platform/object/internal/Lock.h>\n"),
+            ["ORLFoundation/platform/object/Sum.cpp:1: "
+             "<ORLFoundation/platform/object/internal/Lock.h> is internal to platform_object"])
+
+    def test_a_file_that_neither_of_two_lists(self):
+        self.assertEqual(
+            self.two_in_one(" USES platform_object", ORLFoundation__platform__object__Odd_cpp=""),
+            ["ORLFoundation/platform/object/Odd.cpp: not listed in "
+             "ORLFoundation/platform/object/CMakeLists.txt"])
+
     def test_a_public_header_that_the_umbrella_lacks(self):
         self.assert_one(
             "ORLFoundation/ORLFoundation.h: #include <ORLFoundation/calendar/Days.h> is missing",
