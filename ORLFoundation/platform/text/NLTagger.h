@@ -60,11 +60,11 @@ using NLTokenBlock = std::function<void(const NLToken& token, bool& stop)>;
 
 struct NLTagEnumeration {
   /// The whole text when absent.
-  std::optional<NSRange> inRange;
+  std::optional<NSRange> inRange = std::nullopt;
   NLTokenUnit unit = NLTokenUnitWord;
   std::string_view scheme = NLTagSchemeLexicalClass;
   NSUInteger options = 0;
-  NLTokenBlock usingBlock;
+  NLTokenBlock usingBlock = nullptr;
 };
 
 class NLTagger : public NSObject {
