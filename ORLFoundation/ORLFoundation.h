@@ -34,6 +34,7 @@
 #include <ORLFoundation/platform/archive/NSPropertyListUID.h>
 #include <ORLFoundation/platform/format/NSLocale.h>
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
+#include <ORLFoundation/platform/format/NSStringLocalizedCase.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
 #include <ORLFoundation/platform/number/NSDecimalNumberBehaviors.h>
 #include <ORLFoundation/platform/object/Id.h>
@@ -56,7 +57,15 @@
 #include <ORLFoundation/platform/object/NSValue.h>
 #include <ORLFoundation/platform/object/NSValueTransformer.h>
 #include <ORLFoundation/platform/object/ORLFFatalError.h>
+#include <ORLFoundation/platform/text/NLTagger.h>
+#include <ORLFoundation/platform/text/NSAttributedString.h>
+#include <ORLFoundation/platform/text/NSCharacterSet.h>
+#include <ORLFoundation/platform/text/NSDataDetector.h>
+#include <ORLFoundation/platform/text/NSPredicate.h>
+#include <ORLFoundation/platform/text/NSStringCase.h>
+#include <ORLFoundation/platform/text/NSStringEncoding.h>
 #include <ORLFoundation/platform/text/NSStringNumbers.h>
+#include <ORLFoundation/platform/text/NSStringSearch.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 #include <ORLFoundation/platform/time/NSCalendarUnit.h>
 #include <ORLFoundation/platform/time/NSDateComponents.h>
@@ -77,6 +86,9 @@
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceFrequency.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+#include <ORLFoundation/support/ORLFAttributedStringUtilities.h>
 #include <ORLFoundation/support/ORLFCondition.h>
 #include <ORLFoundation/support/ORLFConditionalLog.h>
 #include <ORLFoundation/support/ORLFDebugLog.h>
+#include <ORLFoundation/support/ORLFPredicateUtilities.h>
+#include <ORLFoundation/support/ORLFStringUtilities.h>

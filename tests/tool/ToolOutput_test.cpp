@@ -47,7 +47,7 @@ class ToolOutput : public testing::Test {
 };
 
 TEST_F(ToolOutput, EveryCommandHasHelp) {
-  for (const char* command : {"dates", "plan", "amount", "round", "decimal"}) {
+  for (const char* command : {"dates", "plan", "amount", "round", "decimal", "title", "email"}) {
     const ToolRun run = runTool({command, "--help"});
     EXPECT_EQ(run.exitCode, 0) << command;
     EXPECT_EQ(run.err, "") << command;
@@ -79,6 +79,19 @@ TEST_F(ToolOutput, SumsAsJson) {
       jsonOf({"decimal", "divide", "1", "3", "--scale", "4"}),
       Json::parse(R"json({"operation": "divide", "a": "1", "b": "3", "result": "0.3333"})json"));
   EXPECT_EQ(jsonOf({"decimal", "divide", "1", "0", "--on-error", "nil"})["result"], nullptr);
+}
+
+TEST_F(ToolOutput, TitlesAsJson) {
+  EXPECT_EQ(jsonOf({"title", "cash at bank"}),
+            Json::parse(R"json([{"text": "cash at bank", "title": "Cash at Bank"}])json"));
+  EXPECT_EQ(jsonOf({"title", "\xFF of"})[0]["title"], "\uFFFD of");
+}
+
+TEST_F(ToolOutput, AddressesAsJson) {
+  const ToolRun run = runTool({"email", "a@b.de", "a@b", "--json"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(Json::parse(run.out), Json::parse(R"json([{"text": "a@b.de", "isEmailAddress": true},
+                                                      {"text": "a@b", "isEmailAddress": false}])json"));
 }
 
 TEST_F(ToolOutput, PlanAsJsonAgreesWithItsTable) {

@@ -27,5 +27,9 @@ struct Command {
 [[nodiscard]] Command addRoundCommand(CLI::App& tool);
 /// `orlf decimal`  Sums on decimals.
 [[nodiscard]] Command addDecimalCommand(CLI::App& tool);
+/// `orlf title`  Texts in title case.
+[[nodiscard]] Command addTitleCommand(CLI::App& tool);
+/// `orlf email`  Whether texts are e-mail addresses.
+[[nodiscard]] Command addEmailCommand(CLI::App& tool);
 
 }  // namespace orlftool

@@ -13,8 +13,8 @@ struct NSCharacterSet::Members {
 
 namespace {
 
-std::shared_ptr<NSCharacterSet> frozen(icu::UnicodeSet set) {
-  auto members = std::make_unique<NSCharacterSet::Members>(NSCharacterSet::Members{std::move(set)});
+std::shared_ptr<NSCharacterSet> frozen(const icu::UnicodeSet& set) {
+  auto members = std::make_unique<NSCharacterSet::Members>(NSCharacterSet::Members{set});
   members->set.freeze();
   return std::make_shared<NSCharacterSet>(std::move(members));
 }
@@ -24,7 +24,7 @@ std::shared_ptr<NSCharacterSet> setOf(const char16_t* pattern) {
   UErrorCode status = U_ZERO_ERROR;
   icu::UnicodeSet set(icu::UnicodeString(pattern), status);
   if (U_FAILURE(status)) throw NSException(NSInvalidArgumentException, u_errorName(status));
-  return frozen(std::move(set));
+  return frozen(set);
 }
 
 }  // namespace
@@ -58,7 +58,7 @@ std::shared_ptr<NSCharacterSet> NSCharacterSet::characterSetWithCharactersInStri
     std::string_view string) {
   icu::UnicodeSet set;
   set.addAll(internal::utf16Of(string));
-  return frozen(std::move(set));
+  return frozen(set);
 }
 
 NSCharacterSet::NSCharacterSet(std::unique_ptr<const Members> members)
@@ -71,10 +71,9 @@ bool NSCharacterSet::longCharacterIsMember(char32_t character) const noexcept {
 }
 
 std::shared_ptr<NSCharacterSet> NSCharacterSet::invertedSet() const {
-  icu::UnicodeSet set(members_->set);
-  if (set.isFrozen()) set = *std::unique_ptr<icu::UnicodeSet>(set.cloneAsThawed());
-  set.complement();
-  return frozen(std::move(set));
+  const std::unique_ptr<icu::UnicodeSet> set(members_->set.cloneAsThawed());
+  set->complement();
+  return frozen(*set);
 }
 
 bool NSCharacterSet::isEqual(const NSObject* other) const {

@@ -83,9 +83,9 @@ std::string capitalized(std::string_view text, const icu::Locale& locale) {
   return utf8Of(result);
 }
 
-/// Languages that map ASCII letters by rules of their own.
+/// Whether a language may map letters by rules of its own; codes of three letters are left to ICU.
 bool hasOwnLetterRules(std::string_view localeIdentifier) {
-  constexpr std::string_view kLanguages[] = {"az", "lt", "nl", "tr"};
+  constexpr std::string_view kLanguages[] = {"az", "el", "hy", "lt", "nl", "tr"};
   const std::string_view language =
       localeIdentifier.substr(0, localeIdentifier.find_first_of("_-@."));
   return language.size() > 2 ||
@@ -110,7 +110,7 @@ std::string capitalizedString(std::string_view text) {
 }
 
 std::string capitalizedStringWithLocale(std::string_view text, std::string_view localeIdentifier) {
-  if (!hasOwnLetterRules(localeIdentifier) && isASCII(text)) return capitalizedASCII(text);
+  if (!hasOwnLetterRules(localeIdentifier)) return capitalizedString(text);
   return capitalized(text, icu::Locale(std::string(localeIdentifier).c_str()));
 }
 
