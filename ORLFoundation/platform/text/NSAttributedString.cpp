@@ -28,8 +28,8 @@ NSAttributedString::NSAttributedString(std::string_view string,
   if (length_ > 0) runs_.push_back({0, immutable(attributes)});
 }
 
-NSAttributedString::NSAttributedString(const NSAttributedString& other)
-    : NSObject(), string_(other.string_), length_(other.length_), runs_(other.runs_) {}
+NSAttributedString::NSAttributedString(CopyOf other)
+    : string_(other.text.string_), length_(other.text.length_), runs_(other.text.runs_) {}
 
 void NSAttributedString::checkRange(NSRange range) const {
   if (range.location > length_ || range.length > length_ - range.location)

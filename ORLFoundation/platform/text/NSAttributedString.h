@@ -74,7 +74,11 @@ class NSAttributedString : public NSObject {
     NSRange range;
   };
 
-  NSAttributedString(const NSAttributedString& other);
+  /// Asks for the constructor that copies; texts as such do not.
+  struct CopyOf {
+    const NSAttributedString& text;
+  };
+  explicit NSAttributedString(CopyOf other);
 
   void checkRange(NSRange range) const;
   [[nodiscard]] std::size_t runAt(NSUInteger place) const;

@@ -19,13 +19,14 @@ std::shared_ptr<NSDictionary> finished(const std::shared_ptr<NSMutableDictionary
 /// Opens the constructor that copies, for std::make_shared.
 class CopiedAttributedString final : public NSAttributedString {
  public:
-  explicit CopiedAttributedString(const NSAttributedString& other) : NSAttributedString(other) {}
+  explicit CopiedAttributedString(const NSAttributedString& other)
+      : NSAttributedString(CopyOf{other}) {}
 };
 
 }  // namespace
 
 NSMutableAttributedString::NSMutableAttributedString(const NSAttributedString& other)
-    : NSAttributedString(other) {}
+    : NSAttributedString(CopyOf{other}) {}
 
 /// The run that begins at a place, made by cutting another one if need be.
 std::size_t NSMutableAttributedString::splitAt(NSUInteger place) {
@@ -86,9 +87,9 @@ void NSMutableAttributedString::removeAttribute(std::string_view name, NSRange r
 
 void NSMutableAttributedString::setAttributes(const std::shared_ptr<NSDictionary>& attributes,
                                               NSRange range) {
-  const std::shared_ptr<NSDictionary> set =
+  std::shared_ptr<NSDictionary> set =
       attributes ? copyOf(attributes) : std::make_shared<NSDictionary>();
-  changeRuns(range, [&](const NSDictionary&) { return set; });
+  changeRuns(range, [&set](const NSDictionary&) { return set; });
 }
 
 std::shared_ptr<NSObject> NSMutableAttributedString::copy() {
