@@ -42,6 +42,7 @@
 #include <ORLFoundation/platform/failure/NSAssertionHandler.h>
 #include <ORLFoundation/platform/format/NSLocale.h>
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
+#include <ORLFoundation/platform/format/NSStringLocalizedCase.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
 #include <ORLFoundation/platform/number/NSDecimalNumberBehaviors.h>
 #include <ORLFoundation/platform/object/Id.h>
@@ -64,7 +65,15 @@
 #include <ORLFoundation/platform/object/NSValue.h>
 #include <ORLFoundation/platform/object/NSValueTransformer.h>
 #include <ORLFoundation/platform/object/ORLFFatalError.h>
+#include <ORLFoundation/platform/text/NLTagger.h>
+#include <ORLFoundation/platform/text/NSAttributedString.h>
+#include <ORLFoundation/platform/text/NSCharacterSet.h>
+#include <ORLFoundation/platform/text/NSDataDetector.h>
+#include <ORLFoundation/platform/text/NSPredicate.h>
+#include <ORLFoundation/platform/text/NSStringCase.h>
+#include <ORLFoundation/platform/text/NSStringEncoding.h>
 #include <ORLFoundation/platform/text/NSStringNumbers.h>
+#include <ORLFoundation/platform/text/NSStringSearch.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 #include <ORLFoundation/platform/time/NSCalendarUnit.h>
 #include <ORLFoundation/platform/time/NSDateComponents.h>
@@ -89,9 +98,12 @@
 #include <ORLFoundation/support/ORLFAppLinkHander.h>
 #include <ORLFoundation/support/ORLFAppLinkManger.h>
 #include <ORLFoundation/support/ORLFAssertionHandler.h>
+#include <ORLFoundation/support/ORLFAttributedStringUtilities.h>
 #include <ORLFoundation/support/ORLFCancelError.h>
 #include <ORLFoundation/support/ORLFCondition.h>
 #include <ORLFoundation/support/ORLFConditionalLog.h>
 #include <ORLFoundation/support/ORLFDebugLog.h>
 #include <ORLFoundation/support/ORLFDebugging.h>
+#include <ORLFoundation/support/ORLFPredicateUtilities.h>
 #include <ORLFoundation/support/ORLFProcessDoor.h>
+#include <ORLFoundation/support/ORLFStringUtilities.h>

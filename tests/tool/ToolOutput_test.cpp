@@ -48,7 +48,7 @@ class ToolOutput : public testing::Test {
 
 TEST_F(ToolOutput, EveryCommandHasHelp) {
   for (const char* command : {"dates", "describe", "schedule", "fiscal", "plan", "loan", "irr",
-                              "axis", "amount", "round", "decimal", "link"}) {
+                              "axis", "amount", "round", "decimal", "link", "title", "email"}) {
     const ToolRun run = runTool({command, "--help"});
     EXPECT_EQ(run.exitCode, 0) << command;
     EXPECT_EQ(run.err, "") << command;
@@ -165,6 +165,19 @@ TEST_F(ToolOutput, LinksAsJson) {
   EXPECT_EQ(nothing["asked"], Json::array());
   EXPECT_EQ(nothing["handled"], false);
   EXPECT_EQ(nothing["handler"], nullptr);
+}
+
+TEST_F(ToolOutput, TitlesAsJson) {
+  EXPECT_EQ(jsonOf({"title", "cash at bank"}),
+            Json::parse(R"json([{"text": "cash at bank", "title": "Cash at Bank"}])json"));
+  EXPECT_EQ(jsonOf({"title", "\xFF of"})[0]["title"], "\uFFFD of");
+}
+
+TEST_F(ToolOutput, AddressesAsJson) {
+  const ToolRun run = runTool({"email", "a@b.de", "a@b", "--json"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(Json::parse(run.out), Json::parse(R"json([{"text": "a@b.de", "isEmailAddress": true},
+                                                      {"text": "a@b", "isEmailAddress": false}])json"));
 }
 
 TEST_F(ToolOutput, PlanAsJsonAgreesWithItsTable) {

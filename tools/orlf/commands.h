@@ -42,5 +42,9 @@ struct Command {
 [[nodiscard]] Command addFiscalCommand(CLI::App& tool);
 /// `orlf axis`  The scale of a chart axis.
 [[nodiscard]] Command addAxisCommand(CLI::App& tool);
+/// `orlf title`  Texts in title case.
+[[nodiscard]] Command addTitleCommand(CLI::App& tool);
+/// `orlf email`  Whether texts are e-mail addresses.
+[[nodiscard]] Command addEmailCommand(CLI::App& tool);
 
 }  // namespace orlftool

@@ -22,6 +22,8 @@ struct Session {
   std::ostream& out;
   std::ostream& err;
   CommonOptions options;
+  /// What a command that does its job ends with; those that answer a question say no with 1.
+  int exitCode = 0;
 };
 
 /// A Gregorian calendar in a zone, with the weeks and the weekend of the locale's region. Throws

@@ -20,7 +20,8 @@ namespace {
 constexpr std::array kAddCommands{&addDatesCommand,  &addDescribeCommand, &addScheduleCommand,
                                   &addFiscalCommand, &addPlanCommand,     &addLoanCommand,
                                   &addIrrCommand,    &addAxisCommand,     &addAmountCommand,
-                                  &addRoundCommand,  &addDecimalCommand,  &addLinkCommand};
+                                  &addRoundCommand,  &addDecimalCommand,  &addLinkCommand,
+                                  &addTitleCommand,  &addEmailCommand};
 
 /// Sends what the library logs to a stream, each line once, for as long as it lives.
 class LogToStream {
@@ -70,7 +71,7 @@ int runCommand(const Command& command, Session& session) {
     const LogToStream log(session.err);
     command.run(session);
     if (!session.out.flush()) throw JobFailure("the output cannot be written");
-    return kExitSuccess;
+    return session.exitCode;
   } catch (const UsageFailure& failure) {
     return report(session.err, name, failure.what(), kExitWrongUsage);
   } catch (const std::exception& failure) {

@@ -1,9 +1,39 @@
+#include <ORLFoundation/platform/text/NSCharacterSet.h>
 #include <ORLFoundation/platform/text/NSStringNumbers.h>
+#include <unicode/utf8.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <limits>
+#include <system_error>
 
 namespace ORLFoundation {
 namespace {
 
-constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
+constexpr std::string_view kDigits = "0123456789";
+
+std::string_view withoutLeadingSpace(std::string_view text) noexcept {
+  while (!text.empty()) {
+    const auto first = static_cast<unsigned char>(text.front());
+    if (first > ' ' && first < 0x80) break;
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+    UChar32 character = U_SENTINEL;
+    std::size_t length = 0;
+    U8_NEXT(bytes, length, text.size(), character);
+    const auto& space = NSCharacterSet::whitespaceAndNewlineCharacterSet();
+    if (character < 0 || !space->longCharacterIsMember(static_cast<char32_t>(character))) break;
+    text.remove_prefix(length);
+  }
+  return text;
+}
+
+/// Takes a sign off; answers whether it was a minus.
+bool takeSign(std::string_view& text) noexcept {
+  const bool negative = text.starts_with('-');
+  if (negative || text.starts_with('+')) text.remove_prefix(1);
+  return negative;
+}
 
 // Digits as a number with the sign given; ends at the nearest end of 64 bits.
 NSInteger digitsValue(std::string_view digits, bool negative) noexcept {
@@ -19,14 +49,73 @@ NSInteger digitsValue(std::string_view digits, bool negative) noexcept {
   return value;
 }
 
+std::size_t endOfDigits(std::string_view text, std::size_t from) noexcept {
+  return std::min(text.find_first_not_of(kDigits, from), text.size());
+}
+
+/// Where the digits of an exponent end; `from` where none begins there.
+std::size_t endOfExponent(std::string_view text, std::size_t from) noexcept {
+  if (from >= text.size() || (text[from] != 'e' && text[from] != 'E')) return from;
+  std::size_t digits = from + 1;
+  if (digits < text.size() && (text[digits] == '+' || text[digits] == '-')) ++digits;
+  const std::size_t end = endOfDigits(text, digits);
+  return end > digits ? end : from;
+}
+
+/// The unsigned decimal number at the beginning of a text; empty when there is none.
+std::string_view decimalPart(std::string_view text) noexcept {
+  std::size_t end = endOfDigits(text, 0);
+  std::size_t digits = end;
+  if (end < text.size() && text[end] == '.') {
+    const std::size_t fraction = endOfDigits(text, end + 1);
+    digits += fraction - end - 1;
+    end = fraction;
+  }
+  return digits == 0 ? std::string_view() : text.substr(0, endOfExponent(text, end));
+}
+
+/// Whether a number that a double does not hold is too large rather than too small: the place of
+/// its first digit that is not 0, moved by its exponent.
+bool isTooLarge(std::string_view number) noexcept {
+  const std::size_t mantissaEnd = std::min(number.find_first_of("eE"), number.size());
+  const std::string_view mantissa = number.substr(0, mantissaEnd);
+  const auto point = static_cast<NSInteger>(std::min(mantissa.find('.'), mantissa.size()));
+  const auto first = static_cast<NSInteger>(mantissa.find_first_not_of("0."));
+  if (mantissaEnd == number.size()) return first < point;
+  std::string_view exponent = number.substr(mantissaEnd + 1);
+  const bool negative = takeSign(exponent);
+  NSInteger place = 0;
+  if (__builtin_add_overflow(digitsValue(exponent, negative), point - first, &place))
+    return !negative;
+  return place > 0;
+}
+
 }  // namespace
 
 NSInteger integerValue(std::string_view text) noexcept {
-  const std::size_t start = text.find_first_not_of(kWhiteSpace);
-  if (start == std::string_view::npos) return 0;
-  const bool negative = text[start] == '-';
-  const bool sign = negative || text[start] == '+';
-  return digitsValue(text.substr(start + (sign ? 1 : 0)), negative);
+  text = withoutLeadingSpace(text);
+  const bool negative = takeSign(text);
+  return digitsValue(text, negative);
+}
+
+long long longLongValue(std::string_view text) noexcept { return integerValue(text); }
+
+double doubleValue(std::string_view text) {
+  text = withoutLeadingSpace(text);
+  const bool negative = takeSign(text);
+  const std::string_view number = decimalPart(text);
+  double value = 0;
+  const auto result = std::from_chars(number.data(), number.data() + number.size(), value);
+  if (result.ec == std::errc::result_out_of_range)
+    value = isTooLarge(number) ? std::numeric_limits<double>::infinity() : 0;
+  return negative ? -value : value;
+}
+
+bool boolValue(std::string_view text) noexcept {
+  text = withoutLeadingSpace(text);
+  takeSign(text);
+  text.remove_prefix(std::min(text.find_first_not_of('0'), text.size()));
+  return !text.empty() && std::string_view("YyTt123456789").find(text.front()) != text.npos;
 }
 
 }  // namespace ORLFoundation

@@ -1,0 +1,88 @@
+#include <ORLFoundation/platform/text/NSCharacterSet.h>
+#include <ORLFoundation/platform/text/internal/UTF16.h>
+#include <ORLFoundation/platform/value/NSException.h>
+#include <unicode/uniset.h>
+
+#include <utility>
+
+namespace ORLFoundation {
+
+struct NSCharacterSet::Members {
+  icu::UnicodeSet set;
+};
+
+namespace {
+
+std::shared_ptr<NSCharacterSet> frozen(const icu::UnicodeSet& set) {
+  auto members = std::make_unique<NSCharacterSet::Members>(NSCharacterSet::Members{set});
+  members->set.freeze();
+  return std::make_shared<NSCharacterSet>(std::move(members));
+}
+
+/// The set of a pattern of ICU's.
+std::shared_ptr<NSCharacterSet> setOf(const char16_t* pattern) {
+  UErrorCode status = U_ZERO_ERROR;
+  icu::UnicodeSet set(icu::UnicodeString(pattern), status);
+  if (U_FAILURE(status)) throw NSException(NSInvalidArgumentException, u_errorName(status));
+  return frozen(set);
+}
+
+}  // namespace
+
+// Each named set is made when it is first asked for, and lives as long as the process.
+#define ORLF_NAMED_SET(name, pattern)                              \
+  const std::shared_ptr<NSCharacterSet>& NSCharacterSet::name() {  \
+    static const auto& set = *new std::shared_ptr(setOf(pattern)); \
+    return set;                                                    \
+  }
+
+ORLF_NAMED_SET(whitespaceCharacterSet, u"[[:Zs:]\\u0009\\u200B]")
+ORLF_NAMED_SET(newlineCharacterSet, u"[\\u000A-\\u000D\\u0085\\u2028\\u2029]")
+ORLF_NAMED_SET(whitespaceAndNewlineCharacterSet,
+               u"[[:Zs:]\\u0009-\\u000D\\u0085\\u200B\\u2028\\u2029]")
+ORLF_NAMED_SET(decimalDigitCharacterSet, u"[:Nd:]")
+ORLF_NAMED_SET(letterCharacterSet, u"[[:L:][:M:]]")
+ORLF_NAMED_SET(lowercaseLetterCharacterSet, u"[:Ll:]")
+ORLF_NAMED_SET(uppercaseLetterCharacterSet, u"[[:Lu:][:Lt:]]")
+ORLF_NAMED_SET(capitalizedLetterCharacterSet, u"[:Lt:]")
+ORLF_NAMED_SET(alphanumericCharacterSet, u"[[:L:][:M:][:N:]]")
+ORLF_NAMED_SET(nonBaseCharacterSet, u"[:M:]")
+ORLF_NAMED_SET(decomposableCharacterSet, u"[:NFD_Quick_Check=No:]")
+ORLF_NAMED_SET(punctuationCharacterSet, u"[:P:]")
+ORLF_NAMED_SET(symbolCharacterSet, u"[:S:]")
+ORLF_NAMED_SET(controlCharacterSet, u"[[:Cc:][:Cf:]]")
+ORLF_NAMED_SET(illegalCharacterSet, u"[:Cn:]")
+#undef ORLF_NAMED_SET
+
+std::shared_ptr<NSCharacterSet> NSCharacterSet::characterSetWithCharactersInString(
+    std::string_view string) {
+  icu::UnicodeSet set;
+  set.addAll(internal::utf16Of(string));
+  return frozen(set);
+}
+
+NSCharacterSet::NSCharacterSet(std::unique_ptr<const Members> members)
+    : members_(std::move(members)) {}
+
+NSCharacterSet::~NSCharacterSet() = default;
+
+bool NSCharacterSet::longCharacterIsMember(char32_t character) const noexcept {
+  return character <= 0x10FFFF && members_->set.contains(static_cast<UChar32>(character));
+}
+
+std::shared_ptr<NSCharacterSet> NSCharacterSet::invertedSet() const {
+  const std::unique_ptr<icu::UnicodeSet> set(members_->set.cloneAsThawed());
+  set->complement();
+  return frozen(*set);
+}
+
+bool NSCharacterSet::isEqual(const NSObject* other) const {
+  const auto* set = dynamic_cast<const NSCharacterSet*>(other);
+  return set != nullptr && set->members_->set == members_->set;
+}
+
+NSUInteger NSCharacterSet::hash() const {
+  return static_cast<NSUInteger>(static_cast<std::uint32_t>(members_->set.hashCode()));
+}
+
+}  // namespace ORLFoundation
