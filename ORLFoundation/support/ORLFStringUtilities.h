@@ -20,7 +20,8 @@
 
 namespace ORLFoundation {
 
-/// `orlfGenerateUUIDString`  A new random one, 36 characters, letters in upper case.
+/// `orlfGenerateUUIDString`  A new random one, as `CFUUIDCreate` and `CFUUIDCreateString` make it:
+/// 36 characters, letters in upper case.
 [[nodiscard]] std::string orlfGenerateUUIDString();
 /// `orlfGenerateUniqueId`  The same.
 [[nodiscard]] std::string orlfGenerateUniqueId();
