@@ -11,10 +11,12 @@ namespace {
 
 constexpr NSUInteger kMostNumbers = NSUInteger{1} << 32;
 
+/// The members of this moment: a block may change a mutable array.
+std::vector<id> snapshotOf(const NSArray& array) { return array.members(); }
+
 template <class Keep>
 std::shared_ptr<NSArray> membersThat(const NSArray& array, Keep&& keep) {
-  // The members of this moment: a block may change a mutable array.
-  std::vector<id> kept = array.members();
+  std::vector<id> kept = snapshotOf(array);
   std::erase_if(kept, [&keep](const id& member) { return !keep(member); });
   return std::make_shared<NSArray>(std::move(kept));
 }
@@ -24,7 +26,7 @@ std::shared_ptr<NSArray> membersThat(const NSArray& array, Keep&& keep) {
 void orlfEnumerateObjectPairsUsingBlock(
     const NSArray& array,
     const std::function<void(const id&, const id&, NSUInteger, bool&)>& block) {
-  const std::vector<id> members = array.members();
+  const std::vector<id> members = snapshotOf(array);
   bool stop = false;
   for (std::size_t index = 1; index < members.size() && !stop; ++index)
     block(members[index - 1], members[index], index - 1, stop);
@@ -33,8 +35,8 @@ void orlfEnumerateObjectPairsUsingBlock(
 std::shared_ptr<NSIndexSet> insertionIndexesOfSortedObjects(const NSArray& array,
                                                             const NSArray& sortedObjects,
                                                             const NSComparator& usingComparator) {
-  const std::vector<id> members = array.members();
-  const std::vector<id> objects = sortedObjects.members();
+  const std::vector<id> members = snapshotOf(array);
+  const std::vector<id> objects = snapshotOf(sortedObjects);
   const auto indexes = std::make_shared<NSMutableIndexSet>();
   std::size_t next = 0;
   for (std::size_t index = 0; index < members.size(); ++index) {

@@ -6,7 +6,6 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -95,14 +94,13 @@ CGImageRef ORLFCGImageRefCreateTemplateImageWithColorAndThreshold(const CGImageR
                                                                   double threshold) {
   if (!image) return nullptr;
   const std::size_t pixels = image->width() * image->height();
-  auto* bytes = static_cast<std::uint8_t*>(std::calloc(pixels, sizeof(Pixel)));
-  if (bytes == nullptr) return nullptr;
-  const auto provider = std::make_shared<CGDataProvider>(nullptr, bytes, pixels * sizeof(Pixel),
+  auto* buffer = static_cast<Pixel*>(std::calloc(pixels, sizeof(Pixel)));
+  if (buffer == nullptr) return nullptr;
+  const auto provider = std::make_shared<CGDataProvider>(nullptr, buffer, pixels * sizeof(Pixel),
                                                          &ORLFReleaseDataProviderData);
   const Lightness lightness = lightnessOf(*image);
   const auto table = pixelTable(templateColor(color.get()), threshold, lightness.darkest);
-  for (std::size_t i = 0; i < pixels; ++i)
-    std::memcpy(bytes + i * sizeof(Pixel), table[lightness.pixels[i]].data(), sizeof(Pixel));
+  for (std::size_t i = 0; i < pixels; ++i) buffer[i] = table[lightness.pixels[i]];
   return CGImage::create({.width = image->width(),
                           .height = image->height(),
                           .bytesPerRow = image->width() * sizeof(Pixel),
