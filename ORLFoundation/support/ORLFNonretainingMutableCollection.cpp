@@ -3,6 +3,7 @@
 #include <ORLFoundation/support/internal/ORLFNonretained.h>
 
 #include <algorithm>
+#include <functional>
 
 namespace ORLFoundation {
 
@@ -47,9 +48,9 @@ NSUInteger ORLFNonretainingMutableCollection::countByEnumeratingWithState(
   // A batch of nothing but destroyed objects is not the end.
   while (const NSUInteger count = realSet().countByEnumeratingWithState(state, objects)) {
     const auto batch = objects.first(count);
-    std::ranges::transform(batch, batch.begin(), internal::unwrappedObject);
-    const auto gone = std::ranges::remove_if(batch, &id::isNil);
-    if (gone.size() < count) return count - gone.size();
+    std::transform(batch.begin(), batch.end(), batch.begin(), internal::unwrappedObject);
+    const auto end = std::remove_if(batch.begin(), batch.end(), std::mem_fn(&id::isNil));
+    if (end != batch.begin()) return static_cast<NSUInteger>(end - batch.begin());
   }
   return 0;
 }
