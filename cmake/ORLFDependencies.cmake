@@ -11,6 +11,7 @@ find_package(nlohmann_json 3.11 REQUIRED)               # nlohmann_json::nlohman
 if(ORLF_BUILD_TOOL)
   find_package(CLI11 2.1 REQUIRED)                      # CLI11::CLI11
   pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo)  # PkgConfig::CAIRO
+  find_package(PNG 1.6 REQUIRED)                        # PNG::PNG
 endif()
 
 if(ORLF_BUILD_TESTS)

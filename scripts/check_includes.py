@@ -23,6 +23,8 @@ PLATFORM_RANKS = {
     "platform_number": 2,
     "platform_time": 2,
     "platform_text": 2,
+    "platform_image": 2,
+    "platform_files": 2,
     "platform_format": 3,
     "platform_archive": 4,
     "platform_dispatch": 2,

@@ -47,8 +47,9 @@ class ToolOutput : public testing::Test {
 };
 
 TEST_F(ToolOutput, EveryCommandHasHelp) {
-  for (const char* command : {"dates", "describe", "schedule", "fiscal", "plan", "loan", "irr",
-                              "axis", "amount", "round", "decimal", "link", "title", "email"}) {
+  for (const char* command :
+       {"dates", "describe", "schedule", "fiscal", "plan", "loan", "irr", "axis", "amount", "round",
+        "decimal", "link", "title", "email", "template-image"}) {
     const ToolRun run = runTool({command, "--help"});
     EXPECT_EQ(run.exitCode, 0) << command;
     EXPECT_EQ(run.err, "") << command;

@@ -46,5 +46,7 @@ struct Command {
 [[nodiscard]] Command addTitleCommand(CLI::App& tool);
 /// `orlf email`  Whether texts are e-mail addresses.
 [[nodiscard]] Command addEmailCommand(CLI::App& tool);
+/// `orlf template-image`  A picture drawn in one color.
+[[nodiscard]] Command addTemplateImageCommand(CLI::App& tool);
 
 }  // namespace orlftool

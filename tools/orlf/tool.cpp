@@ -21,7 +21,7 @@ constexpr std::array kAddCommands{&addDatesCommand,  &addDescribeCommand, &addSc
                                   &addFiscalCommand, &addPlanCommand,     &addLoanCommand,
                                   &addIrrCommand,    &addAxisCommand,     &addAmountCommand,
                                   &addRoundCommand,  &addDecimalCommand,  &addLinkCommand,
-                                  &addTitleCommand,  &addEmailCommand};
+                                  &addTitleCommand,  &addEmailCommand,    &addTemplateImageCommand};
 
 /// Sends what the library logs to a stream, each line once, for as long as it lives.
 class LogToStream {

@@ -40,6 +40,11 @@ bool id::isEqual(const id& other) const {
   return value_ == other.value_;
 }
 
+bool id::isIdenticalTo(const id& other) const {
+  const auto* object = std::get_if<Object>(&value_);
+  return object ? *object == other.object() : isEqual(other);
+}
+
 NSUInteger id::hash() const {
   return std::visit(
       Overload{[](std::monostate) -> NSUInteger { return 0; },

@@ -110,6 +110,8 @@ class id {
 
   /// `isEqual:`  By value; objects by their own `isEqual`. nil equals only nil.
   [[nodiscard]] bool isEqual(const id& other) const;
+  /// One and the same object; plain values have no identity beyond their equality.
+  [[nodiscard]] bool isIdenticalTo(const id& other) const;
   /// Equal values have equal hashes; nil has 0.
   [[nodiscard]] NSUInteger hash() const;
   /// `description`  Text as it is, nil "(null)", `NSNull` "<null>", collections over several lines.

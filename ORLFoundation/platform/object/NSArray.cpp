@@ -1,9 +1,11 @@
 #include <ORLFoundation/platform/object/NSArray.h>
+#include <ORLFoundation/platform/object/NSIndexSet.h>
 #include <ORLFoundation/platform/object/internal/CollectionOperators.h>
 #include <ORLFoundation/platform/object/internal/DescriptionText.h>
 #include <ORLFoundation/platform/value/NSException.h>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace ORLFoundation {
@@ -17,6 +19,11 @@ void requireIndex(NSUInteger index, NSUInteger limit) {
   if (index < limit) return;
   throw NSException(NSRangeException, "index " + std::to_string(index) + " beyond bounds [0 .. " +
                                           std::to_string(limit) + ")");
+}
+
+NSUInteger indexIn(const std::vector<id>& members, std::vector<id>::const_iterator found) {
+  return found == members.end() ? static_cast<NSUInteger>(NSNotFound)
+                                : static_cast<NSUInteger>(found - members.begin());
 }
 
 auto at(std::vector<id>& members, NSUInteger index) {
@@ -39,9 +46,13 @@ const id& NSArray::objectAtIndex(NSUInteger index) const {
 }
 
 NSUInteger NSArray::indexOfObject(const id& object) const {
-  const auto found = std::ranges::find(members_, object);
-  return found == members_.end() ? static_cast<NSUInteger>(NSNotFound)
-                                 : static_cast<NSUInteger>(found - members_.begin());
+  return indexIn(members_, std::ranges::find(members_, object));
+}
+
+NSUInteger NSArray::indexOfObjectIdenticalTo(const id& object) const {
+  return indexIn(members_, std::ranges::find_if(members_, [&object](const id& member) {
+                   return member.isIdenticalTo(object);
+                 }));
 }
 
 bool NSArray::containsObject(const id& object) const {
@@ -124,6 +135,24 @@ void NSMutableArray::replaceObjectAtIndex(NSUInteger index, id withObject) {
 void NSMutableArray::removeObjectAtIndex(NSUInteger index) {
   requireIndex(index, members_.size());
   members_.erase(at(members_, index));
+}
+
+void NSMutableArray::removeObjectsAtIndexes(const NSIndexSet& indexes) {
+  if (indexes.count() == 0) return;
+  requireIndex(indexes.lastIndex(), members_.size());
+  std::vector<id> kept;
+  kept.reserve(members_.size() - indexes.count());
+  NSUInteger next = 0;
+  const auto keepUpTo = [&](NSUInteger end) {
+    std::move(at(members_, next), at(members_, end), std::back_inserter(kept));
+  };
+  for (const NSRange range : indexes.ranges()) {
+    keepUpTo(range.location);
+    next = NSMaxRange(range);
+  }
+  keepUpTo(members_.size());
+  // What is removed may look into this array while it is destroyed.
+  const std::vector<id> removed = std::exchange(members_, std::move(kept));
 }
 
 void NSMutableArray::removeObject(id object) { std::erase(members_, object); }

@@ -14,6 +14,8 @@
 
 namespace ORLFoundation {
 
+class NSIndexSet;
+
 class NSArray : public NSCollection {
  public:
   NSArray() = default;
@@ -30,6 +32,8 @@ class NSArray : public NSCollection {
   /// `containsObject:`, `indexOfObject:`  By equality; `NSNotFound` when it is absent.
   [[nodiscard]] bool containsObject(const id& object) const;
   [[nodiscard]] NSUInteger indexOfObject(const id& object) const;
+  /// `indexOfObjectIdenticalTo:`  By identity; plain values are identical when they are equal.
+  [[nodiscard]] NSUInteger indexOfObjectIdenticalTo(const id& object) const;
   /// All members in order. Changing a mutable array ends references into it.
   [[nodiscard]] const std::vector<id>& members() const noexcept { return members_; }
   [[nodiscard]] auto begin() const noexcept { return members_.begin(); }
@@ -67,6 +71,9 @@ class NSMutableArray final : public NSArray {
   void replaceObjectAtIndex(NSUInteger index, id withObject);
   /// `removeObjectAtIndex:`
   void removeObjectAtIndex(NSUInteger index);
+  /// `removeObjectsAtIndexes:`  Raises `NSRangeException`, and removes nothing, when an index is
+  /// beyond the end.
+  void removeObjectsAtIndexes(const NSIndexSet& indexes);
   /// `removeObject:`  Every member that equals it. Taken by value: the argument may be a member,
   /// which moves while others are removed.
   void removeObject(id object);

@@ -1,5 +1,6 @@
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
+#include <ORLFoundation/platform/object/NSIndexSet.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 
@@ -181,6 +182,30 @@ TEST(NSArray, SetsAValueOfEveryMember) {
   list({first, second, "text"})->setValueForKey(7, "x");
   EXPECT_EQ(first->objectForKey("x"), id(7));
   EXPECT_EQ(second->objectForKey("x"), id(7));
+}
+
+TEST(NSArray, FindsObjectsByIdentity) {
+  const id first = NSArray::arrayWithObjects({1});
+  const id second = NSArray::arrayWithObjects({1});
+  const auto list = NSArray::arrayWithObjects({first, second, "text"});
+  EXPECT_EQ(list->indexOfObject(second), 0U);
+  EXPECT_EQ(list->indexOfObjectIdenticalTo(second), 1U);
+  EXPECT_EQ(list->indexOfObjectIdenticalTo("text"), 2U);
+  EXPECT_EQ(list->indexOfObjectIdenticalTo(NSArray::arrayWithObjects({1})),
+            static_cast<NSUInteger>(NSNotFound));
+  EXPECT_EQ(list->indexOfObjectIdenticalTo(nullptr), static_cast<NSUInteger>(NSNotFound));
+}
+
+TEST(NSMutableArray, RemovesTheObjectsAtIndexes) {
+  NSMutableArray list(std::vector<id>{0, 1, 2, 3, 4, 5});
+  NSMutableIndexSet indexes(NSRange{3, 2});
+  indexes.addIndex(0);
+  list.removeObjectsAtIndexes(indexes);
+  EXPECT_EQ(list.members(), (std::vector<id>{1, 2, 5}));
+  EXPECT_THROW(list.removeObjectsAtIndexes(indexes), NSException);
+  EXPECT_EQ(list.count(), 3U);
+  list.removeObjectsAtIndexes(NSIndexSet());
+  EXPECT_EQ(list.count(), 3U);
 }
 
 }  // namespace

@@ -51,15 +51,25 @@ id NSDictionary::objectForKey(const id& key) const {
 std::vector<id> NSDictionary::allKeys() const {
   std::vector<id> keys;
   keys.reserve(count());
-  table_.forEach([&](const auto& entry) { keys.push_back(entry.key); });
+  for (auto& [key, value] : entries()) keys.push_back(key);
   return keys;
 }
 
 std::vector<id> NSDictionary::allValues() const {
   std::vector<id> values;
   values.reserve(count());
-  table_.forEach([&](const auto& entry) { values.push_back(entry.value); });
+  for (auto& [key, value] : entries()) values.push_back(value);
   return values;
+}
+
+std::shared_ptr<NSEnumerator> NSDictionary::keyEnumerator() const {
+  return NSEnumerator::enumeratorWithObjects(allKeys());
+}
+
+NSUInteger NSDictionary::countByEnumeratingWithState(NSFastEnumerationState& state,
+                                                     std::span<id> objects) const {
+  state.requireUnchanged(*this, table_.mutations());
+  return table_.copyKeys(state.position, objects);
 }
 
 NSDictionary::Entries NSDictionary::entries() const {
@@ -73,13 +83,9 @@ bool NSDictionary::isEqual(const NSObject* other) const {
   if (this == other) return true;
   const auto* dictionary = dynamic_cast<const NSDictionary*>(other);
   if (!dictionary || dictionary->count() != count()) return false;
-  bool equal = true;
-  table_.forEach([&](const auto& entry) {
-    if (!equal) return;
-    const auto* match = dictionary->table_.find(entry.key);
-    equal = match && match->value == entry.value;
+  return std::ranges::all_of(entries(), [dictionary](const auto& entry) {
+    return dictionary->objectForKey(entry.first) == entry.second;
   });
-  return equal;
 }
 
 NSUInteger NSDictionary::hash() const { return count() ^ 0x64696374; }
@@ -119,7 +125,7 @@ void NSMutableDictionary::setObject(const id& object, const id& forKey) {
 }
 
 void NSMutableDictionary::addEntriesFromDictionary(const NSDictionary& other) {
-  for (const auto& [key, value] : other.entries()) table_.set(key, value);
+  for (const auto& [key, value] : other.entries()) setObject(value, key);
 }
 
 void NSMutableDictionary::setValueForKey(const id& value, std::string_view key) {

@@ -1,12 +1,15 @@
 /// Values under keys. Keys and values are any `id` but nil; entries are met in the order of their
-/// addition, and a description lists text keys in ascending order.
+/// addition, and a description lists text keys in ascending order. A subclass that keeps its values
+/// elsewhere overrides the virtual operations of its own; all others rest on them.
 #pragma once
 
 #include <ORLFoundation/platform/object/NSCollection.h>
+#include <ORLFoundation/platform/object/NSEnumerator.h>
 #include <ORLFoundation/platform/object/internal/IdTable.h>
 
 #include <initializer_list>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -28,11 +31,18 @@ class NSDictionary : public NSCollection {
 
   [[nodiscard]] NSUInteger count() const noexcept override { return table_.count(); }
   /// `objectForKey:`  nil for a key that is absent, and for nil.
-  [[nodiscard]] id objectForKey(const id& key) const;
+  [[nodiscard]] virtual id objectForKey(const id& key) const;
   /// `allKeys`, `allValues`  In the same order.
   [[nodiscard]] std::vector<id> allKeys() const;
   [[nodiscard]] std::vector<id> allValues() const;
-  [[nodiscard]] Entries entries() const;
+  [[nodiscard]] virtual Entries entries() const;
+  /// `keyEnumerator`  Walks the keys of this moment.
+  [[nodiscard]] virtual std::shared_ptr<NSEnumerator> keyEnumerator() const;
+  /// `countByEnumeratingWithState:objects:count:`  Fills the next keys into `objects` and answers
+  /// how many, 0 at the end. Raises `NSGenericException` when keys came or went since the first
+  /// call.
+  virtual NSUInteger countByEnumeratingWithState(NSFastEnumerationState& state,
+                                                 std::span<id> objects) const;
 
   [[nodiscard]] std::string className() const override { return "NSDictionary"; }
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
@@ -49,16 +59,16 @@ class NSDictionary : public NSCollection {
   internal::IdTable table_;
 };
 
-class NSMutableDictionary final : public NSDictionary {
+class NSMutableDictionary : public NSDictionary {
  public:
   using NSDictionary::NSDictionary;
 
   /// `setObject:forKey:`  Raises `NSInvalidArgumentException` for a nil key or value.
-  void setObject(const id& object, const id& forKey);
+  virtual void setObject(const id& object, const id& forKey);
   /// `removeObjectForKey:`
-  void removeObjectForKey(const id& key) { table_.remove(key); }
+  virtual void removeObjectForKey(const id& key) { table_.remove(key); }
   /// `removeAllObjects`
-  void removeAllObjects() { table_.clear(); }
+  virtual void removeAllObjects() { table_.clear(); }
   /// `addEntriesFromDictionary:`
   void addEntriesFromDictionary(const NSDictionary& other);
   /// `setValue:forKey:`  nil removes the entry. Observers of the key are told.

@@ -4,7 +4,8 @@
 #include <ORLFoundation/platform/object/internal/DescriptionText.h>
 #include <ORLFoundation/platform/value/NSException.h>
 
-#include <utility>
+#include <algorithm>
+#include <array>
 
 namespace ORLFoundation {
 namespace {
@@ -26,6 +27,21 @@ std::shared_ptr<NSSet> NSSet::setWithObjects(std::initializer_list<id> members) 
   return std::make_shared<NSSet>(std::vector<id>(members));
 }
 
+id NSSet::member(const id& object) const {
+  const auto* entry = table_.find(object);
+  return entry ? entry->key : id();
+}
+
+std::shared_ptr<NSEnumerator> NSSet::objectEnumerator() const {
+  return NSEnumerator::enumeratorWithObjects(allObjects());
+}
+
+NSUInteger NSSet::countByEnumeratingWithState(NSFastEnumerationState& state,
+                                              std::span<id> objects) const {
+  state.requireUnchanged(*this, table_.mutations());
+  return table_.copyKeys(state.position, objects);
+}
+
 std::vector<id> NSSet::allObjects() const {
   std::vector<id> members;
   members.reserve(table_.count());
@@ -34,20 +50,18 @@ std::vector<id> NSSet::allObjects() const {
 }
 
 id NSSet::anyObject() const {
-  id any;
-  table_.forEach([&](const auto& entry) {
-    if (any.isNil()) any = entry.key;
-  });
-  return any;
+  NSFastEnumerationState state;
+  std::array<id, 1> any;
+  countByEnumeratingWithState(state, any);
+  return any.front();
 }
 
 bool NSSet::isEqual(const NSObject* other) const {
   if (this == other) return true;
   const auto* set = dynamic_cast<const NSSet*>(other);
   if (!set || set->count() != count()) return false;
-  bool equal = true;
-  table_.forEach([&](const auto& entry) { equal = equal && set->containsObject(entry.key); });
-  return equal;
+  return std::ranges::all_of(allObjects(),
+                             [set](const id& member) { return set->containsObject(member); });
 }
 
 NSUInteger NSSet::hash() const { return count() ^ 0x736574; }
@@ -56,10 +70,10 @@ std::string NSSet::descriptionWithIndent(NSUInteger indent) const {
   const std::string margin = internal::indentation(indent);
   if (indent > internal::kDeepestDescription) return margin + "...";
   std::string members;
-  table_.forEach([&](const auto& entry) {
+  for (const id& member : allObjects()) {
     if (!members.empty()) members += ",\n";
-    members += margin + "    " + entry.key.descriptionInCollection(indent + 1);
-  });
+    members += margin + "    " + member.descriptionInCollection(indent + 1);
+  }
   return margin + "{(\n" + members + (members.empty() ? "" : "\n") + margin + ")}";
 }
 
@@ -73,9 +87,8 @@ id NSSet::valueForKey(std::string_view key) const {
   if (key == "@count") return count();
   if (key.starts_with('@')) return NSObject::valueForKey(key.substr(1));
   const auto values = std::make_shared<NSMutableSet>();
-  table_.forEach([&](const auto& entry) {
-    if (const id value = entry.key.valueForKey(key)) values->addObject(value);
-  });
+  for (const id& member : allObjects())
+    if (const id value = member.valueForKey(key)) values->addObject(value);
   return values->copy();
 }
 

@@ -1,12 +1,15 @@
 /// A set of values, each at most once by equality. Members are met in the order of their addition.
-/// nil cannot be a member.
+/// nil cannot be a member. A subclass that keeps its members elsewhere overrides the virtual
+/// operations of its own; all others rest on them.
 #pragma once
 
 #include <ORLFoundation/platform/object/NSCollection.h>
+#include <ORLFoundation/platform/object/NSEnumerator.h>
 #include <ORLFoundation/platform/object/internal/IdTable.h>
 
 #include <initializer_list>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,10 +24,19 @@ class NSSet : public NSCollection {
   [[nodiscard]] static std::shared_ptr<NSSet> setWithObjects(std::initializer_list<id> members);
 
   [[nodiscard]] NSUInteger count() const noexcept override { return table_.count(); }
+  /// `member:`  The member that equals the object; nil when there is none.
+  [[nodiscard]] virtual id member(const id& object) const;
   /// `containsObject:`
-  [[nodiscard]] bool containsObject(const id& object) const { return table_.find(object); }
+  [[nodiscard]] bool containsObject(const id& object) const { return !member(object).isNil(); }
   /// `allObjects`
-  [[nodiscard]] std::vector<id> allObjects() const;
+  [[nodiscard]] virtual std::vector<id> allObjects() const;
+  /// `objectEnumerator`  Walks the members of this moment.
+  [[nodiscard]] virtual std::shared_ptr<NSEnumerator> objectEnumerator() const;
+  /// `countByEnumeratingWithState:objects:count:`  Fills the next members into `objects` and
+  /// answers how many, 0 at the end. Raises `NSGenericException` when the set changed since the
+  /// first call.
+  virtual NSUInteger countByEnumeratingWithState(NSFastEnumerationState& state,
+                                                 std::span<id> objects) const;
   /// `anyObject`  The first one; nil for an empty set.
   [[nodiscard]] id anyObject() const;
 
@@ -46,16 +58,16 @@ class NSSet : public NSCollection {
   internal::IdTable table_;
 };
 
-class NSMutableSet final : public NSSet {
+class NSMutableSet : public NSSet {
  public:
   using NSSet::NSSet;
 
   /// `addObject:`  A member that equals one in the set leaves the set as it is.
-  void addObject(const id& object);
+  virtual void addObject(const id& object);
   /// `removeObject:`
-  void removeObject(const id& object) { table_.remove(object); }
+  virtual void removeObject(const id& object) { table_.remove(object); }
   /// `removeAllObjects`
-  void removeAllObjects() { table_.clear(); }
+  virtual void removeAllObjects() { table_.clear(); }
 
   [[nodiscard]] std::string className() const override { return "NSMutableSet"; }
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;

@@ -1,5 +1,7 @@
+#include <ORLFoundation/platform/object/NSObject.h>
 #include <ORLFoundation/platform/object/NSValue.h>
 
+#include <cinttypes>
 #include <cstdio>
 #include <functional>
 
@@ -34,14 +36,45 @@ NSUInteger hashOf(CGRect rect) {
   return mix(hashOf(rect.origin), mix(hashOf(rect.size.width), hashOf(rect.size.height)));
 }
 
+std::string describe(const NSObject* object) {
+  char text[48];
+  std::snprintf(text, sizeof text, "<NSValue: 0x%" PRIxPTR ">",
+                reinterpret_cast<std::uintptr_t>(object));
+  return text;
+}
+
 }  // namespace
 
+NSValue NSValue::valueWithNonretainedObject(const NSObject* object) {
+  if (object == nullptr) return NSValue(Reference());
+  return NSValue(Reference{object, const_cast<NSObject*>(object)->weak_from_this()});
+}
+
+std::shared_ptr<NSObject> NSValue::nonretainedObjectValue() const noexcept {
+  const auto* reference = std::get_if<Reference>(&record_);
+  return reference ? reference->object.lock() : nullptr;
+}
+
 NSUInteger NSValue::hash() const noexcept {
-  return std::visit([](const auto& record) { return hashOf(record); }, record_);
+  return std::visit(
+      [](const auto& record) {
+        if constexpr (requires { record.address; })
+          return NSUInteger{std::hash<const NSObject*>{}(record.address)};
+        else
+          return hashOf(record);
+      },
+      record_);
 }
 
 std::string NSValue::description() const {
-  return std::visit([](const auto& record) { return describe(record); }, record_);
+  return std::visit(
+      [](const auto& record) {
+        if constexpr (requires { record.address; })
+          return describe(record.address);
+        else
+          return describe(record);
+      },
+      record_);
 }
 
 NSValue orlfValueWithCGPoint(CGPoint point) { return NSValue::valueWithPoint(point); }

@@ -1,3 +1,4 @@
+#include <ORLFoundation/platform/object/NSObject.h>
 #include <ORLFoundation/platform/object/NSValue.h>
 #include <gtest/gtest.h>
 
@@ -21,6 +22,21 @@ TEST(NSValue, EqualsAndHashesByRecord) {
   EXPECT_EQ(orlfValueWithCGPoint({0.0, 2}).hash(), orlfValueWithCGPoint({-0.0, 2}).hash());
   EXPECT_NE(orlfValueWithCGPoint({1, 2}), orlfValueWithCGPoint({2, 1}));
   EXPECT_NE(orlfValueWithCGPoint({0, 0}), NSValue::valueWithRange({0, 0}));
+}
+
+TEST(NSValue, RefersToAnObjectWithoutOwningIt) {
+  auto object = std::make_shared<NSObject>();
+  const auto other = std::make_shared<NSObject>();
+  const NSValue value = NSValue::valueWithNonretainedObject(object.get());
+  EXPECT_EQ(value.nonretainedObjectValue(), object);
+  EXPECT_EQ(value, NSValue::valueWithNonretainedObject(object.get()));
+  EXPECT_EQ(value.hash(), NSValue::valueWithNonretainedObject(object.get()).hash());
+  EXPECT_NE(value, NSValue::valueWithNonretainedObject(other.get()));
+  EXPECT_TRUE(value.description().starts_with("<NSValue: 0x")) << value.description();
+  object.reset();
+  EXPECT_EQ(value.nonretainedObjectValue(), nullptr);
+  EXPECT_EQ(NSValue::valueWithNonretainedObject(nullptr).nonretainedObjectValue(), nullptr);
+  EXPECT_EQ(NSValue::valueWithPoint({1, 2}).nonretainedObjectValue(), nullptr);
 }
 
 }  // namespace

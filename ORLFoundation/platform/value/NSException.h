@@ -20,6 +20,7 @@ class NSException : public std::runtime_error {
 };
 
 inline constexpr const char* NSInvalidArgumentException = "NSInvalidArgumentException";
+inline constexpr const char* NSGenericException = "NSGenericException";
 inline constexpr const char* NSRangeException = "NSRangeException";
 inline constexpr const char* NSUndefinedKeyException = "NSUnknownKeyException";
 

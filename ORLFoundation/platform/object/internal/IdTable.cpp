@@ -45,6 +45,7 @@ void IdTable::set(const id& key, id value) {
   entries_.push_back({key, std::move(value), hash});
   slots_[at] = static_cast<Slot>(entries_.size());
   ++count_;
+  ++mutations_;
 }
 
 void IdTable::remove(const id& key) {
@@ -52,6 +53,7 @@ void IdTable::remove(const id& key) {
   const Slot slot = slots_[findSlot(key, key.hash())];
   if (slot == kEmpty) return;
   --count_;
+  ++mutations_;
   // The slot goes on pointing at the entry, so that probes behind it are still found. What the
   // entry held is let go last: it may look into this table while it is destroyed.
   const Entry removed = std::exchange(entries_[slot - 1], Entry());
@@ -60,7 +62,17 @@ void IdTable::remove(const id& key) {
 void IdTable::clear() {
   slots_.clear();
   count_ = 0;
+  ++mutations_;
   const std::vector<Entry> removed = std::exchange(entries_, {});
+}
+
+std::size_t IdTable::copyKeys(std::size_t& position, std::span<id> keys) const {
+  std::size_t copied = 0;
+  for (; position < entries_.size() && copied < keys.size(); ++position) {
+    const id& key = entries_[position].key;
+    if (!key.isNil()) keys[copied++] = key;
+  }
+  return copied;
 }
 
 void IdTable::rebuild() {

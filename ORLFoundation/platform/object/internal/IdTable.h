@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace ORLFoundation::internal {
@@ -26,6 +27,12 @@ class IdTable {
   void remove(const id& key);
   void clear();
 
+  /// Copies the next keys into `keys` and answers how many; `position` begins at 0 and says where
+  /// to go on.
+  std::size_t copyKeys(std::size_t& position, std::span<id> keys) const;
+  /// Grows with every key that comes or goes.
+  [[nodiscard]] std::size_t mutations() const noexcept { return mutations_; }
+
   template <class Visit>
   void forEach(Visit&& visit) const {
     for (const Entry& entry : entries_)
@@ -42,6 +49,7 @@ class IdTable {
   std::vector<Entry> entries_;
   std::vector<Slot> slots_;  // a power of two of them, at most half in use
   std::size_t count_ = 0;
+  std::size_t mutations_ = 0;
 };
 
 }  // namespace ORLFoundation::internal
