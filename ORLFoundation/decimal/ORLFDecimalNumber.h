@@ -65,9 +65,9 @@ namespace ORLFoundation {
 [[nodiscard]] NSDecimalNumber orlfSmallerDecimalNumber(const NSDecimalNumber& number,
                                                        const NSDecimalNumber& other) noexcept;
 
-/// `orlfDecimalNumberByAdding:`, and with `withBehavior:`. This and the next three give nil when
-/// the receiver or the argument is nil, else what the operation of that name without the prefix
-/// gives; without a behaviour they can raise.
+/// `orlfDecimalNumberByAdding:`, `orlfDecimalNumberByAdding:withBehavior:`  This and the next three
+/// give nil when the receiver or the argument is nil, else what the operation of that name without
+/// the prefix gives; without a behaviour they can raise.
 [[nodiscard]] std::optional<NSDecimalNumber> orlfDecimalNumberByAdding(
     const std::optional<NSDecimalNumber>& number, const std::optional<NSDecimalNumber>& other,
     const NSDecimalNumberBehaviors* withBehavior = nullptr);

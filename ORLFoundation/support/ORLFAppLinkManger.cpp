@@ -1,11 +1,22 @@
+#include <ORLFoundation/platform/text/NSStringSearch.h>
 #include <ORLFoundation/platform/value/NSURLComponents.h>
 #include <ORLFoundation/support/ORLFAppLinkManger.h>
-#include <ORLFoundation/support/internal/PathPrefix.h>
 
 #include <algorithm>
 #include <utility>
 
 namespace ORLFoundation {
+namespace {
+
+/// A longer prefix, in UTF-16 units, comes first; equally long ones are in the order of `compare:`.
+bool isTriedBefore(std::string_view prefix, std::string_view other) {
+  const NSUInteger units = length(prefix);
+  const NSUInteger unitsOfOther = length(other);
+  if (units != unitsOfOther) return units > unitsOfOther;
+  return compare(prefix, other) == NSOrderedAscending;
+}
+
+}  // namespace
 
 const std::shared_ptr<ORLFAppLinkManger>& ORLFAppLinkManger::sharedManager() {
   static const auto& manager = *new auto(std::make_shared<ORLFAppLinkManger>());
@@ -42,15 +53,14 @@ void ORLFAppLinkManger::handlersDidChange() {
   const std::lock_guard guard(lock_);
   const std::vector<Handler> before = handlers_;
   // Each is asked once, so that prefixes that change meanwhile cannot lead the sorting astray.
-  std::vector<std::pair<internal::PathPrefix, Handler>> prefixed;
+  std::vector<std::pair<std::string, Handler>> prefixed;
   prefixed.reserve(before.size());
   for (const Handler& handler : before)
-    prefixed.emplace_back(
-        internal::PathPrefix(handler->pathPrefixForMatchingInAppLinkManager(*this)), handler);
+    prefixed.emplace_back(handler->pathPrefixForMatchingInAppLinkManager(*this), handler);
   // A handler that changed the handlers when it was asked has had them ordered already.
   if (handlers_ != before) return;
   std::stable_sort(prefixed.begin(), prefixed.end(), [](const auto& left, const auto& right) {
-    return left.first.isBefore(right.first);
+    return isTriedBefore(left.first, right.first);
   });
   std::transform(prefixed.begin(), prefixed.end(), handlers_.begin(),
                  [](auto& entry) { return std::move(entry.second); });

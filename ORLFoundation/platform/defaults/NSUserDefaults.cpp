@@ -118,7 +118,7 @@ id NSUserDefaults::valueForKey(std::string_view key) const { return objectForKey
 
 bool NSUserDefaults::boolForKey(std::string_view key) const {
   const id value = objectForKey(key);
-  if (const auto* text = value.get<std::string>()) return internal::boolValueOfText(*text);
+  if (const auto* text = value.get<std::string>()) return boolValue(*text);
   return value.as<bool>().value_or(false);
 }
 
@@ -130,7 +130,7 @@ NSInteger NSUserDefaults::integerForKey(std::string_view key) const {
 
 double NSUserDefaults::doubleForKey(std::string_view key) const {
   const id value = objectForKey(key);
-  if (const auto* text = value.get<std::string>()) return internal::doubleValueOfText(*text);
+  if (const auto* text = value.get<std::string>()) return doubleValue(*text);
   return value.as<double>().value_or(0);
 }
 

@@ -4,26 +4,10 @@
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
 
-#include <algorithm>
-#include <clocale>
 #include <cstdlib>
 
 namespace ORLFoundation::internal {
 namespace {
-
-constexpr std::string_view kBlanks = " \t\r\n\f\v";
-
-std::string_view withoutBlanks(std::string_view text) {
-  text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-  return text;
-}
-
-std::string_view withoutSign(std::string_view text) {
-  if (text.starts_with('+') || text.starts_with('-')) text.remove_prefix(1);
-  return text;
-}
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 /// The user's home without a slash at its end; "" when it is not known.
 std::string home() {
@@ -34,23 +18,6 @@ std::string home() {
 }
 
 }  // namespace
-
-bool boolValueOfText(std::string_view text) {
-  text = withoutSign(withoutBlanks(text));
-  const auto start = text.find_first_not_of('0');
-  if (start == text.npos) return false;
-  return std::string_view("YyTt123456789").find(text[start]) != std::string_view::npos;
-}
-
-double doubleValueOfText(const std::string& text) {
-  // No locale of the process, and none of the forms that strtod takes beside decimal numbers.
-  static const locale_t plain = ::newlocale(LC_ALL_MASK, "C", nullptr);
-  const std::string_view digits = withoutSign(withoutBlanks(text));
-  const bool isNumber = digits.size() > (digits.starts_with('.') ? 1 : 0) &&
-                        isDigit(digits[digits.starts_with('.') ? 1 : 0]);
-  if (!isNumber || digits.starts_with("0x") || digits.starts_with("0X")) return 0;
-  return ::strtod_l(text.c_str(), nullptr, plain);
-}
 
 id immutableCopy(const id& value) {
   if (const auto array = value.as<NSArray>()) {
