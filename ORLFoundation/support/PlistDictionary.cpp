@@ -22,11 +22,8 @@ const id* PlistDictionary::find(std::string_view name) const {
 }
 
 void PlistDictionary::set(const std::string& name, id value) {
-  if (value.isNil()) {
-    values_.erase(name);
-  } else {
-    values_.insert_or_assign(name, std::move(value));
-  }
+  if (value.isNil()) return remove(name);
+  values_.insert_or_assign(name, std::move(value));
 }
 
 }  // namespace ORLFoundation

@@ -53,7 +53,8 @@ class PlistDictionary {
   template <PlistConvertible T>
   void setValueForKey(const std::optional<std::type_identity_t<T>>& value,
                       const PlistDictionaryKey<T>& key) {
-    set(key.name, value ? id(PlistConversion<T>::plistValue(*value)) : id());
+    if (!value.has_value()) return remove(key.name);
+    set(key.name, PlistConversion<T>::plistValue(value.value()));
   }
 
   /// `subscript(PlistDictionaryKey)`  The value, as `valueForKey` reads it.
@@ -88,7 +89,9 @@ class PlistDictionary {
   }
   /// null when there is no entry of that name.
   [[nodiscard]] const id* find(std::string_view name) const;
+  /// nil, which an optional type converts to, takes the entry away.
   void set(const std::string& name, id value);
+  void remove(const std::string& name) { values_.erase(name); }
 
   Values values_;
 };
