@@ -1,4 +1,3 @@
-#include <ORLFoundation/platform/value/internal/TwoWordDivision.h>
 #include <ORLFoundation/platform/value/internal/WideInteger.h>
 
 #include <array>
@@ -88,14 +87,7 @@ WideQuotient dropDigits(const WideInteger& value, int count) noexcept {
   return {kept.quotient, withMoreBelow(kept.dropped, upper.dropped != Dropped::kNothing)};
 }
 
-WideQuotient divide(const WideInteger& value, Wide divisor) noexcept {
-  if (highWord(divisor) == 0) {
-    const std::uint64_t by = lowWord(divisor);
-    const auto upper = divideTwoWords(lowWord(value.high), highWord(value.low), by);
-    const auto lower = divideTwoWords(upper.remainder, lowWord(value.low), by);
-    return {(Wide{upper.quotient} << 64) | lower.quotient,
-            classOfRemainder(lower.remainder, divisor)};
-  }
+WideQuotient divideByTwoWords(const WideInteger& value, Wide divisor) noexcept {
   const int shift = 128 - bitWidth(divisor);
   const Wide by = divisor << shift;
   Wide remainder = shift == 0 ? value.high : (value.high << shift) | (value.low >> (128 - shift));

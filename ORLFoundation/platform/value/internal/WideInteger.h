@@ -3,6 +3,7 @@
 #pragma once
 
 #include <ORLFoundation/platform/value/internal/PowersOfTen.h>
+#include <ORLFoundation/platform/value/internal/TwoWordDivision.h>
 
 namespace ORLFoundation::internal {
 
@@ -101,7 +102,20 @@ struct WideQuotient {
 /// Drops that many digits, at least one, of a value below 2 * 10^76; what stays is below 10^38.
 [[nodiscard]] WideQuotient dropDigits(const WideInteger& value, int count) noexcept;
 
+/// Divides by one word, of which the value's high half is below.
+[[nodiscard]] inline WideQuotient divideByWord(const WideInteger& value,
+                                               std::uint64_t divisor) noexcept {
+  const ShortDivision upper = divideTwoWords(lowWord(value.high), highWord(value.low), divisor);
+  const ShortDivision lower = divideTwoWords(upper.remainder, lowWord(value.low), divisor);
+  return {(Wide{upper.quotient} << 64) | lower.quotient,
+          classOfRemainder(lower.remainder, divisor)};
+}
+/// Divides by more than one word.
+[[nodiscard]] WideQuotient divideByTwoWords(const WideInteger& value, Wide divisor) noexcept;
 /// Divides a value whose high half is below the divisor.
-[[nodiscard]] WideQuotient divide(const WideInteger& value, Wide divisor) noexcept;
+[[nodiscard]] inline WideQuotient divide(const WideInteger& value, Wide divisor) noexcept {
+  return highWord(divisor) == 0 ? divideByWord(value, lowWord(divisor))
+                                : divideByTwoWords(value, divisor);
+}
 
 }  // namespace ORLFoundation::internal
