@@ -43,10 +43,11 @@ MonthDay readYearStart(const std::string& text) {
   const std::size_t dash = text.find('-');
   if (dash != std::string::npos) {
     const auto month = readNumber(std::string_view(text).substr(0, dash), 12);
-    const auto day = month
-                         ? readNumber(std::string_view(text).substr(dash + 1), kDays.at(*month - 1))
-                         : std::nullopt;
-    if (day) return {*month, *day};
+    if (month) {
+      const NSInteger length = kDays.at(static_cast<std::size_t>(*month - 1));
+      const auto day = readNumber(std::string_view(text).substr(dash + 1), length);
+      if (day) return {*month, *day};
+    }
   }
   throw UsageFailure("--year-start: expected a month and a day such as 7-1, got '" + text + "'");
 }
