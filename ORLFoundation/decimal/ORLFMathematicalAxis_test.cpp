@@ -175,7 +175,7 @@ TEST_F(ORLFMathematicalAxisTest, BoundsThatCannotBeScaledChangeNothing) {
 }
 
 TEST_F(ORLFMathematicalAxisTest, RequestsForNoStepEndWhereTheDoublesDoAndChangeNothing) {
-  for (const NSUInteger requested : {0, 1}) {
+  for (const NSUInteger requested : {NSUInteger{0}, NSUInteger{1}}) {
     ORLFMathematicalAxis axis(0, 100, 6);
     EXPECT_EQ(axis.rescaleWithMin(0, 1, requested), 5U);
     EXPECT_EQ(axis.axisMax(), 100);

@@ -16,7 +16,6 @@ using orlftest::periodsOf;
 using Rule = ORLFDateRecurrenceRule;
 using Days = std::vector<int>;
 
-constexpr auto kDaily = ORLFDateRecurrenceFrequencyDaily;
 constexpr auto kWeekly = ORLFDateRecurrenceFrequencyWeekly;
 constexpr auto kMonthly = ORLFDateRecurrenceFrequencyMonthly;
 constexpr auto kQuarterly = ORLFDateRecurrenceFrequencyQuarterly;
