@@ -1,7 +1,6 @@
 // Ranges of units, the search for matching dates, and the setting of one unit.
-#include <ORLFoundation/platform/time/NSCalendar.h>
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>
 #include <gtest/gtest.h>
-#include <tests/support/VectorCodec.h>
 
 #include <string>
 
@@ -10,17 +9,6 @@ namespace {
 
 using orlftest::componentsFromVector;
 using orlftest::vectorFromDate;
-
-std::shared_ptr<NSCalendar> calendarIn(const char* zone, NSInteger firstWeekday = 1,
-                                       NSInteger minimumDays = 1) {
-  const auto calendar = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian);
-  calendar->setTimeZone(NSTimeZone::timeZoneWithName(zone));
-  calendar->setFirstWeekday(firstWeekday);
-  calendar->setMinimumDaysInFirstWeek(minimumDays);
-  return calendar;
-}
-
-NSDate date(const char* text) { return orlftest::dateFromVector(text).value(); }
 
 // ---------------------------------------------------------------- ranges
 

@@ -1,6 +1,5 @@
-#include <ORLFoundation/platform/time/NSCalendar.h>
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>
 #include <gtest/gtest.h>
-#include <tests/support/VectorCodec.h>
 
 #include <cmath>
 #include <limits>
@@ -12,17 +11,6 @@ namespace {
 using orlftest::componentsFromVector;
 using orlftest::vectorFromComponents;
 using orlftest::vectorFromDate;
-
-std::shared_ptr<NSCalendar> calendarIn(const char* zone, NSInteger firstWeekday = 1,
-                                       NSInteger minimumDays = 1) {
-  const auto calendar = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian);
-  calendar->setTimeZone(NSTimeZone::timeZoneWithName(zone));
-  calendar->setFirstWeekday(firstWeekday);
-  calendar->setMinimumDaysInFirstWeek(minimumDays);
-  return calendar;
-}
-
-NSDate date(const char* text) { return orlftest::dateFromVector(text).value(); }
 
 // ---------------------------------------------------------------- the calendar as an object
 
