@@ -1,15 +1,23 @@
-# One folder of the library is one target. `orlf_add_folder` declares its headers and sources, the
-# folders that it may include (USES) and the outside libraries that its sources call (LINKS, kept
-# private). It makes the object library orlf_<name>_objects, which the installed library is put
+# One folder of the library is one target, called a room. `orlf_add_folder` declares
+#   LAYER          the room's height: it may use rooms of lower layers alone
+#   HEADERS        what is installed and part of the interface
+#   HOUSE_HEADERS  what other rooms' sources may include too, and no user sees
+#   SOURCES
+#   USES           the rooms whose headers it includes
+#   LINKS          the outside libraries that its sources call, kept private
+# and its tests, benchmarks and fuzz targets. It makes the object library orlf_<name>_objects, which the installed library is put
 # together from, the archive orlf_<name>, which tests link, and the tests, benchmarks and fuzzers
 # of the folder.
 include_guard(GLOBAL)
 
 function(orlf_add_folder name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" ""
-    "HEADERS;SOURCES;USES;LINKS;TESTS;TEST_LINKS;BENCHMARKS;BENCHMARK_LINKS;FUZZERS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "LAYER"
+    "HEADERS;HOUSE_HEADERS;SOURCES;USES;LINKS;TESTS;TEST_LINKS;BENCHMARKS;BENCHMARK_LINKS;FUZZERS")
   if(arg_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "orlf_add_folder(${name}): unknown arguments ${arg_UNPARSED_ARGUMENTS}")
+  endif()
+  if(NOT arg_LAYER MATCHES "^[0-9]+$")
+    message(FATAL_ERROR "orlf_add_folder(${name}): LAYER is to be a number")
   endif()
   file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
   set_property(GLOBAL APPEND PROPERTY ORLF_FOLDERS ${name})
@@ -31,6 +39,7 @@ function(orlf_add_folder name)
   target_compile_features(${objects} PUBLIC cxx_std_20)
   target_include_directories(${objects} PUBLIC ${PROJECT_SOURCE_DIR})
   target_link_libraries(${objects} PRIVATE orlf_build_flags ${arg_LINKS})
+  target_precompile_headers(${objects} REUSE_FROM orlf_library_headers)
 
   add_library(orlf_${name} STATIC $<TARGET_OBJECTS:${objects}>)
   set_target_properties(orlf_${name} PROPERTIES LINKER_LANGUAGE CXX)
@@ -61,7 +70,7 @@ function(orlf_add_test name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
   add_executable(${name} ${arg_SOURCES})
   # Helpers first: what they call in a folder is found in the archives after them.
-  target_link_libraries(${name} PRIVATE orlf_test_support ${arg_LINKS} orlf_build_flags GTest::gmock_main)
+  target_link_libraries(${name} PRIVATE orlf_test_support ${arg_LINKS} orlf_test_flags GTest::gmock_main)
   target_precompile_headers(${name} REUSE_FROM orlf_test_headers)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES
     PROPERTIES TIMEOUT ${ORLF_TEST_TIMEOUT})

@@ -5,43 +5,16 @@
     scripts/check_includes.py --write-umbrella
 
 Reads every orlf_add_folder(...) under ROOT/ORLFoundation and every include of their files, and
-names each fault as file:line. A folder includes itself and what it declares under USES; it may
-declare only what ALLOWED grants it; nothing goes round in a circle; public headers include nothing
-but the standard library and ORLFoundation; internal/ headers stay inside their folder; every file is
-listed; the umbrella header holds every public header. Where one CMakeLists.txt declares two of them,
-a file belongs to the one that lists it, an unlisted header to the one that lists the source of its
-name.
+names each fault as file:line. A folder states its layer; it includes itself and what it declares
+under USES, which lies in lower layers; public headers include nothing but the standard library and
+installed headers of ours; internal/ headers stay inside their folder; a source includes its own header first; every file
+is listed; the
+umbrella header holds every public header.
 """
 
 import re
 import sys
 from pathlib import Path
-
-PLATFORM_RANKS = {
-    "platform_value": 0,
-    "platform_object": 1,
-    "platform_number": 2,
-    "platform_time": 2,
-    "platform_text": 2,
-    "platform_image": 2,
-    "platform_files": 2,
-    "platform_format": 3,
-    "platform_archive": 4,
-    "platform_dispatch": 2,
-    "platform_failure": 3,
-    "platform_defaults": 5,
-}
-
-# What a subsystem may use beside the platform. diagnostics (logging and soft assertions) lies below
-# all others.
-ALLOWED = {
-    "diagnostics": set(),
-    "support": {"diagnostics", "recurrence"},
-    "calendar": {"diagnostics"},
-    "decimal": {"diagnostics"},
-    "recurrence": {"diagnostics", "calendar"},
-    "amortization": {"diagnostics", "recurrence", "calendar", "decimal"},
-}
 
 # Outside headers that a public header of ours may include, each with its reason.
 HEADER_EXCEPTIONS = {
@@ -49,7 +22,7 @@ HEADER_EXCEPTIONS = {
     "stdint.h": "headers that C includes too",
 }
 
-KEYWORDS = {"HEADERS", "SOURCES", "USES", "LINKS", "TESTS", "TEST_LINKS", "BENCHMARKS",
+KEYWORDS = {"LAYER", "HEADERS", "HOUSE_HEADERS", "SOURCES", "USES", "LINKS", "TESTS", "TEST_LINKS", "BENCHMARKS",
             "BENCHMARK_LINKS", "FUZZERS"}
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 UMBRELLA = "ORLFoundation/ORLFoundation.h"
@@ -69,8 +42,13 @@ class Folder:
     def __getitem__(self, keyword):
         return self.lists.get(keyword, [])
 
+    @property
+    def layer(self):
+        stated = self["LAYER"]
+        return int(stated[0]) if len(stated) == 1 and stated[0].isdigit() else None
+
     def listed(self):
-        return {entry for key in ("HEADERS", "SOURCES", "TESTS", "BENCHMARKS", "FUZZERS")
+        return {entry for key in ("HEADERS", "HOUSE_HEADERS", "SOURCES", "TESTS", "BENCHMARKS", "FUZZERS")
                 for entry in self[key]}
 
     def linked_for(self, file):
@@ -100,41 +78,18 @@ def read_folders(root):
     return folders
 
 
-def may_use(name, used):
-    if name in PLATFORM_RANKS:
-        return used in PLATFORM_RANKS and PLATFORM_RANKS[used] < PLATFORM_RANKS[name]
-    return used in PLATFORM_RANKS or used in ALLOWED.get(name, set())
-
-
 def check_declarations(folders):
     for folder in folders.values():
         place = f"{folder.path}/CMakeLists.txt"
-        if folder.name not in PLATFORM_RANKS and folder.name not in ALLOWED:
-            yield f"{place}: folder {folder.name} has no place in the layers of check_includes.py"
+        if folder.layer is None:
+            yield f"{place}: {folder.name} states no layer"
             continue
         for used in folder["USES"]:
             if used not in folders:
                 yield f"{place}: {folder.name} uses {used}, which no folder is called"
-            elif not may_use(folder.name, used):
-                yield f"{place}: {folder.name} may not use {used}"
-    yield from check_circles(folders)
-
-
-def check_circles(folders):
-    finished = set()
-
-    def walk(name, path):
-        if name in path:
-            yield f"circle of folders: {' -> '.join(path[path.index(name):] + [name])}"
-            return
-        if name in finished or name not in folders:
-            return
-        for used in folders[name]["USES"]:
-            yield from walk(used, path + [name])
-        finished.add(name)
-
-    for name in folders:
-        yield from walk(name, [])
+            elif folders[used].layer is not None and folders[used].layer >= folder.layer:
+                yield (f"{place}: {folder.name} of layer {folder.layer} may not use {used} of layer "
+                       f"{folders[used].layer}")
 
 
 def closure(folders, names):
@@ -149,20 +104,9 @@ def closure(folders, names):
 
 
 def folder_of(folders, include):
-    """The folder that holds an included file: the one with the longest path, and of those that
-    share it the one that lists the file or a source of its stem, else the last declared."""
+    """The folder that holds an included file: the one with the longest path."""
     holding = [f for f in folders.values() if include.startswith(f.path + "/")]
-    longest = max((len(f.path) for f in holding), default=0)
-    sharing = [f for f in holding if len(f.path) == longest]
-    if len(sharing) < 2:
-        return sharing[0] if sharing else None
-    entry = include[longest + 1:]
-    stem = re.sub(r"(_testing)?\.[a-z]+$", "", entry)
-    for names in ({entry}, {stem + ".cpp", stem + ".c", stem + "_test.cpp"}):
-        for folder in sharing:
-            if names & folder.listed():
-                return folder
-    return sharing[-1]
+    return max(holding, key=lambda f: len(f.path), default=None)
 
 
 def files_of(root, folder, folders):
@@ -194,7 +138,32 @@ def is_public(folder, root, file):
     return file.relative_to(root / folder.path).as_posix() in folder["HEADERS"]
 
 
+def own_header(file):
+    """X.h beside X.cpp, and beside X_test.cpp, X_coding.cpp and the like."""
+    stem = file.stem
+    while True:
+        header = file.with_name(stem + ".h")
+        if header.is_file():
+            return header
+        if "_" not in stem:
+            return None
+        stem = stem.rpartition("_")[0]
+
+
+def check_order(root, file, base):
+    """A source shows by its first include that its header stands alone."""
+    header = own_header(file) if file.suffix == ".cpp" else None
+    if header is None:
+        return
+    own = header.relative_to(base).as_posix()
+    includes = [include for _, _, include in includes_of(file)]
+    missing = own not in includes and not is_proof(file)
+    if missing or own in includes[1:]:
+        yield f"{file.relative_to(root).as_posix()}: <{own}> is to be its first include"
+
+
 def check_file(root, folders, folder, file):
+    yield from check_order(root, file, root)
     name = file.relative_to(root).as_posix()
     proof = is_proof(file)
     declared = {folder.name, *folder["USES"]}
@@ -229,7 +198,23 @@ def check_own_include(root, folders, folder, declared, place, include):
         yield f"{place}: <{include}> is internal to {target.name}"
 
 
-def check_lists(root, folders, folder):
+def installed_headers(folders):
+    return {f"{folder.path}/{header}" for folder in folders.values() for header in folder["HEADERS"]}
+
+
+def reached_headers(root, folders):
+    """What the public headers include, and what that includes, and so on."""
+    reached, waiting = set(), sorted(public_headers(folders))
+    while waiting:
+        header = waiting.pop()
+        if header in reached or not (root / header).is_file():
+            continue
+        reached.add(header)
+        waiting += [include for _, _, include in includes_of(root / header)]
+    return reached
+
+
+def check_lists(root, folders, folder, installed, reached):
     listed = folder.listed()
     for file in files_of(root, folder, folders):
         entry = file.relative_to(root / folder.path).as_posix()
@@ -239,9 +224,11 @@ def check_lists(root, folders, folder):
             yield f"{folder.path}/{entry}: not listed in {folder.path}/CMakeLists.txt"
     for header in folder["HEADERS"]:
         for _, _, include in includes_of(root / folder.path / header):
-            prefix = folder.path + "/internal/"
-            if include.startswith(prefix) and include[len(folder.path) + 1:] not in listed:
+            if include.startswith("ORLFoundation/") and include not in installed:
                 yield f"{folder.path}/{header}: <{include}> must be listed under HEADERS, or users lack it"
+    for header in folder["HEADERS"]:
+        if header.startswith("internal/") and f"{folder.path}/{header}" not in reached:
+            yield f"{folder.path}/{header}: no public header needs it: not to be installed"
 
 
 def public_headers(folders):
@@ -266,6 +253,7 @@ def check_umbrella(root, folders):
 def check_tool(root):
     for file in sorted((root / "tools").rglob("*")):
         if file.suffix in (".h", ".cpp"):
+            yield from check_order(root, file, root / "tools/orlf")
             for number, _, include in includes_of(file):
                 if include.startswith("ORLFoundation/") and "/internal/" in include:
                     name = file.relative_to(root).as_posix()
@@ -277,10 +265,12 @@ def faults(root):
     if not folders:
         yield "no folder found"
     yield from check_declarations(folders)
+    installed = installed_headers(folders)
+    reached = reached_headers(root, folders)
     for folder in folders.values():
         for file in files_of(root, folder, folders):
             yield from check_file(root, folders, folder, file)
-        yield from check_lists(root, folders, folder)
+        yield from check_lists(root, folders, folder, installed, reached)
     yield from check_umbrella(root, folders)
     yield from check_tool(root)
 

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/amortization/ORLFAmortizationCalculator.h>
+
 #include <ORLFoundation/amortization/internal/ORLFRateSearch.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
 

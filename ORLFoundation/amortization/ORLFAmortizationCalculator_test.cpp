@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/amortization/ORLFAmortizationCalculator.h>
+
 #include <ORLFoundation/amortization/net_present_value.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>

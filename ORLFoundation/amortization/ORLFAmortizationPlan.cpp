@@ -1,10 +1,12 @@
+
 #include <ORLFoundation/amortization/ORLFAmortizationPlan.h>
+
 #include <ORLFoundation/amortization/internal/ORLFPlanArithmetic.h>
 #include <ORLFoundation/amortization/internal/ORLFPlanKeys.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSKeyTable.h>
-#include <ORLFoundation/support/ORLFCondition.h>
+#include <ORLFoundation/support/diagnostics/ORLFCondition.h>
 
 #include <algorithm>
 #include <utility>

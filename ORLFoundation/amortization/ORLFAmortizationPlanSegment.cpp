@@ -1,5 +1,7 @@
-#include <ORLFoundation/amortization/ORLFAmortizationPlan.h>
+
 #include <ORLFoundation/amortization/ORLFAmortizationPlanSegment.h>
+
+#include <ORLFoundation/amortization/ORLFAmortizationPlan.h>
 #include <ORLFoundation/amortization/internal/ORLFPlanKeys.h>
 #include <ORLFoundation/platform/object/NSKeyTable.h>
 

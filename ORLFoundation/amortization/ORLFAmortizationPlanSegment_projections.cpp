@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/amortization/ORLFAmortizationPlanSegment.h>
+
 #include <ORLFoundation/amortization/internal/ORLFBalanceSearch.h>
 #include <ORLFoundation/amortization/internal/ORLFPlanArithmetic.h>
 #include <ORLFoundation/amortization/internal/ORLFPlanGrowth.h>

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/amortization/ORLFAmortizationPlan.h>
+
 #include <ORLFoundation/amortization/internal/ORLFPlanArithmetic.h>
 #include <ORLFoundation/amortization/internal/ORLFPlanProjection.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>

@@ -1,6 +1,8 @@
 // How plans and their segments are archived. A plan and its segments refer to each other, so each
 // announces itself before it reads its members.
+
 #include <ORLFoundation/amortization/ORLFAmortizationPlan.h>
+
 #include <ORLFoundation/amortization/internal/ORLFPlanKeys.h>
 #include <ORLFoundation/platform/archive/NSCoder.h>
 #include <ORLFoundation/platform/object/NSArray.h>

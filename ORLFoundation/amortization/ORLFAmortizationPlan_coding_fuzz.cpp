@@ -1,12 +1,14 @@
 // Reads any bytes as an archive in which all classes are allowed. What is read is archived again
 // and read again.
+
 #include <ORLFoundation/amortization/ORLFAmortizationPlan.h>
+
 #include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
 #include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
 #include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
+#include <ORLFoundation/platform/log/NSLog.h>
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
-#include <ORLFoundation/platform/object/NSLog.h>
 #include <ORLFoundation/platform/object/NSSet.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 

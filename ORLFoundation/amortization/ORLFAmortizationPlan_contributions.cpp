@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/amortization/ORLFAmortizationPlan.h>
+
 #include <ORLFoundation/amortization/internal/ORLFPlanArithmetic.h>
 #include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>

@@ -1,6 +1,8 @@
+
 #include <ORLFoundation/amortization/ORLFAmortizationPlan.h>
+
 #include <ORLFoundation/amortization/internal/ORLFPlanArithmetic.h>
-#include <ORLFoundation/support/ORLFCondition.h>
+#include <ORLFoundation/support/diagnostics/ORLFCondition.h>
 
 #include <cstddef>
 #include <iterator>

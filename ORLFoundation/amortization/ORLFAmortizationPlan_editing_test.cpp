@@ -1,7 +1,7 @@
 // Insertion, trim, ranges and merges of plans, and what observers hear of them.
 
 #include <ORLFoundation/amortization/ORLFAmortizationPlan_testing.h>
-#include <ORLFoundation/platform/object/LogCapture.h>
+#include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/object/NSKeyValueObserving.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

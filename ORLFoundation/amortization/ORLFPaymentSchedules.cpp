@@ -1,3 +1,5 @@
+
+
 #include <ORLFoundation/amortization/ORLFPaymentSchedules.h>
 
 #include <cmath>

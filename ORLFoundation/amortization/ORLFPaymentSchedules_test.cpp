@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/amortization/ORLFPaymentSchedules.h>
+
 #include <gtest/gtest.h>
 #include <tests/support/RecurrenceCodec.h>
 

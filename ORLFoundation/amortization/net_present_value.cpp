@@ -1,3 +1,5 @@
+
+
 #include <ORLFoundation/amortization/net_present_value.h>
 
 #include <cmath>

@@ -1,10 +1,12 @@
+
 #include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
+
 #include <ORLFoundation/calendar/ORLFCalendarQuarters.h>
 #include <ORLFoundation/calendar/ORLFCalendarRounding.h>
 #include <ORLFoundation/calendar/ORLFCompareCalendarUnits.h>
 #include <ORLFoundation/calendar/internal/ORLFQuarterCount.h>
-#include <ORLFoundation/support/ORLFCondition.h>
-#include <ORLFoundation/support/ORLFDebugLog.h>
+#include <ORLFoundation/support/diagnostics/ORLFCondition.h>
+#include <ORLFoundation/support/diagnostics/ORLFDebugLog.h>
 
 namespace ORLFoundation {
 namespace {

@@ -1,6 +1,8 @@
+
 #include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
+
 #include <ORLFoundation/calendar/ORLFCalendar_testing.h>
-#include <ORLFoundation/platform/object/LogCapture.h>
+#include <ORLFoundation/platform/log/LogCapture.h>
 #include <gtest/gtest.h>
 
 #include <limits>

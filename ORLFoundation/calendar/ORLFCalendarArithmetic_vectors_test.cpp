@@ -1,9 +1,11 @@
 // The rows of the vector files on calendar arithmetic.
+
 #include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
+
 #include <ORLFoundation/calendar/ORLFCalendarQuarters.h>
 #include <ORLFoundation/calendar/ORLFCalendarRounding.h>
 #include <ORLFoundation/calendar/ORLFCompareCalendarUnits.h>
-#include <ORLFoundation/platform/object/LogCapture.h>
+#include <ORLFoundation/platform/log/LogCapture.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorCodec.h>
 

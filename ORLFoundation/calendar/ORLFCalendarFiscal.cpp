@@ -1,5 +1,7 @@
-#include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
+
 #include <ORLFoundation/calendar/ORLFCalendarFiscal.h>
+
+#include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
 #include <ORLFoundation/calendar/ORLFCalendarRounding.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
 

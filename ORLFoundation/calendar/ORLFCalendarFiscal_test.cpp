@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/calendar/ORLFCalendarFiscal.h>
+
 #include <ORLFoundation/calendar/ORLFCalendarIntervals.h>
 #include <ORLFoundation/calendar/ORLFCalendarRatios.h>
 #include <gtest/gtest.h>

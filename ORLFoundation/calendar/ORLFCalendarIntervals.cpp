@@ -1,5 +1,7 @@
+
 #include <ORLFoundation/calendar/ORLFCalendarIntervals.h>
-#include <ORLFoundation/platform/object/NSBundle.h>
+
+#include <ORLFoundation/platform/process/NSBundle.h>
 
 #include <iterator>
 

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/calendar/ORLFCalendarNow.h>
+
 #include <ORLFoundation/calendar/ORLFCalendarRounding.h>
 #include <ORLFoundation/platform/object/Id.h>
 

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/calendar/ORLFCalendarNow.h>
+
 #include <ORLFoundation/calendar/ORLFCalendar_testing.h>
 #include <ORLFoundation/platform/object/Id.h>
 #include <gtest/gtest.h>

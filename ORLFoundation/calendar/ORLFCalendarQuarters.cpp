@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/calendar/ORLFCalendarQuarters.h>
+
 #include <ORLFoundation/calendar/internal/ORLFQuarterCount.h>
 
 namespace ORLFoundation {

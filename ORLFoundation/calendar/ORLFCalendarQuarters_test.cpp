@@ -1,5 +1,7 @@
-#include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
+
 #include <ORLFoundation/calendar/ORLFCalendarQuarters.h>
+
+#include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
 #include <ORLFoundation/calendar/ORLFCalendar_testing.h>
 #include <gtest/gtest.h>
 

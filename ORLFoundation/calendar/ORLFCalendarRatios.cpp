@@ -1,6 +1,8 @@
+
 #include <ORLFoundation/calendar/ORLFCalendarRatios.h>
-#include <ORLFoundation/platform/object/NSBundle.h>
-#include <ORLFoundation/support/ORLFDebugLog.h>
+
+#include <ORLFoundation/platform/process/NSBundle.h>
+#include <ORLFoundation/support/diagnostics/ORLFDebugLog.h>
 
 #include <atomic>
 #include <cmath>

@@ -1,5 +1,7 @@
+
 #include <ORLFoundation/calendar/ORLFCalendarRatios.h>
-#include <ORLFoundation/platform/object/NSBundle.h>
+
+#include <ORLFoundation/platform/process/NSBundle.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorCodec.h>
 

@@ -1,5 +1,7 @@
+
 #include <ORLFoundation/calendar/ORLFCalendarRounding.h>
-#include <ORLFoundation/support/ORLFDebugLog.h>
+
+#include <ORLFoundation/support/diagnostics/ORLFDebugLog.h>
 
 namespace ORLFoundation {
 

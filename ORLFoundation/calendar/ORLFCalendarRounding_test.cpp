@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/calendar/ORLFCalendarRounding.h>
+
 #include <ORLFoundation/calendar/ORLFCalendar_testing.h>
 #include <gtest/gtest.h>
 

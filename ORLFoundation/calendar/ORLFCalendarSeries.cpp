@@ -1,9 +1,11 @@
+
+#include <ORLFoundation/calendar/ORLFCalendarSeries.h>
+
 #include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
 #include <ORLFoundation/calendar/ORLFCalendarRounding.h>
-#include <ORLFoundation/calendar/ORLFCalendarSeries.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
-#include <ORLFoundation/support/ORLFCondition.h>
-#include <ORLFoundation/support/ORLFDebugLog.h>
+#include <ORLFoundation/support/diagnostics/ORLFCondition.h>
+#include <ORLFoundation/support/diagnostics/ORLFDebugLog.h>
 
 #include <algorithm>
 

@@ -1,6 +1,8 @@
-#include <ORLFoundation/calendar/ORLFCalendarRatios.h>
+
 #include <ORLFoundation/calendar/ORLFCalendarSeries.h>
-#include <ORLFoundation/platform/object/LogCapture.h>
+
+#include <ORLFoundation/calendar/ORLFCalendarRatios.h>
+#include <ORLFoundation/platform/log/LogCapture.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorCodec.h>
 #include <tests/support/VectorFile.h>

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/calendar/ORLFCompareCalendarUnits.h>
+
 #include <gtest/gtest.h>
 
 #include <vector>

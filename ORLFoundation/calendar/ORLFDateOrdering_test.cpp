@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
+
 #include <gtest/gtest.h>
 
 namespace ORLFoundation {

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/calendar/ORLFISO8601.h>
+
 #include <ORLFoundation/platform/time/NSTimeZone.h>
 #include <unicode/gregocal.h>
 #include <unicode/simpletz.h>

@@ -1,4 +1,5 @@
 // Reads any text as a date; what is read and can be written reads back as the same date.
+
 #include <ORLFoundation/calendar/ORLFISO8601.h>
 
 #include <cstdint>

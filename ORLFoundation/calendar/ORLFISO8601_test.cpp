@@ -1,5 +1,7 @@
-#include <ORLFoundation/calendar/ORLFCalendar_testing.h>
+
 #include <ORLFoundation/calendar/ORLFISO8601.h>
+
+#include <ORLFoundation/calendar/ORLFCalendar_testing.h>
 #include <gtest/gtest.h>
 
 #include <cmath>

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/decimal/ORLFDecimal.h>
+
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
 
 namespace ORLFoundation {

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/decimal/ORLFDecimalAmount.h>
+
 #include <ORLFoundation/decimal/internal/ORLFAmountReader.h>
 
 #include <cstdint>

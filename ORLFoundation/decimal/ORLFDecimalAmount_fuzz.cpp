@@ -1,6 +1,8 @@
 // Any bytes as an amount: a clear answer, no crash, and a number that reads back from its text.
+
 #include <ORLFoundation/decimal/ORLFDecimalAmount.h>
-#include <ORLFoundation/platform/object/NSLog.h>
+
+#include <ORLFoundation/platform/log/NSLog.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -1,5 +1,7 @@
+
 #include <ORLFoundation/decimal/ORLFDecimalAmount.h>
-#include <ORLFoundation/platform/object/LogCapture.h>
+
+#include <ORLFoundation/platform/log/LogCapture.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorFile.h>
 

@@ -1,3 +1,5 @@
+
+
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
 
 #include <charconv>

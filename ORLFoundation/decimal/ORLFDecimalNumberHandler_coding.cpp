@@ -1,5 +1,7 @@
 // How decimal behaviours are archived.
+
 #include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
+
 #include <ORLFoundation/decimal/ORLFMutableDecimalNumberHandler.h>
 #include <ORLFoundation/platform/archive/NSCoder.h>
 

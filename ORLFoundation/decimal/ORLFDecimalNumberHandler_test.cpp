@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
+
 #include <ORLFoundation/decimal/ORLFMutableDecimalNumberHandler.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,7 @@
-#include <ORLFoundation/decimal/ORLFDecimal.h>
+
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
+
+#include <ORLFoundation/decimal/ORLFDecimal.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>

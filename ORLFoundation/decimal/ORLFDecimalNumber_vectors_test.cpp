@@ -1,7 +1,9 @@
-#include <ORLFoundation/decimal/ORLFDecimalAmount.h>
+
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
+
+#include <ORLFoundation/decimal/ORLFDecimalAmount.h>
 #include <ORLFoundation/decimal/ORLFDecimalSolver.h>
-#include <ORLFoundation/platform/object/LogCapture.h>
+#include <ORLFoundation/platform/log/LogCapture.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorFile.h>
 

@@ -1,5 +1,7 @@
-#include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
+
 #include <ORLFoundation/decimal/ORLFDecimalSolver.h>
+
+#include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/decimal/ORLFMathematicalAxis.h>
+
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
 
 #include <cmath>

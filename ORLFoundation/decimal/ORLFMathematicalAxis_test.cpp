@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/decimal/ORLFMathematicalAxis.h>
+
 #include <ORLFoundation/platform/format/NSLocale.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorFile.h>

@@ -1,5 +1,7 @@
-#include <ORLFoundation/decimal/ORLFDecimalNumber.h>
+
 #include <ORLFoundation/decimal/ORLFNegateDecimalNumberTransformer.h>
+
+#include <ORLFoundation/decimal/ORLFDecimalNumber.h>
 
 #include <memory>
 

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/decimal/ORLFNegateDecimalNumberTransformer.h>
+
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
 #include <gtest/gtest.h>
 

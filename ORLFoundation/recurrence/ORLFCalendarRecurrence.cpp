@@ -1,5 +1,7 @@
-#include <ORLFoundation/calendar/ORLFDateOrdering.h>
+
 #include <ORLFoundation/recurrence/ORLFCalendarRecurrence.h>
+
+#include <ORLFoundation/calendar/ORLFDateOrdering.h>
 
 namespace ORLFoundation {
 namespace {

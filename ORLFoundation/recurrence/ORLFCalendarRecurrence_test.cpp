@@ -1,5 +1,7 @@
 // The queries of a calendar about a rule.
+
 #include <ORLFoundation/recurrence/ORLFCalendarRecurrence.h>
+
 #include <ORLFoundation/recurrence/ORLFDateRecurrence_testing.h>
 #include <gtest/gtest.h>
 

@@ -1,5 +1,7 @@
-#include <ORLFoundation/platform/object/Id.h>
+
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceDayOfWeek.h>
+
+#include <ORLFoundation/platform/object/Id.h>
 #include <gtest/gtest.h>
 
 namespace ORLFoundation {

@@ -1,8 +1,10 @@
+
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceEnd.h>
+
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
 #include <ORLFoundation/platform/object/NSKeyTable.h>
-#include <ORLFoundation/recurrence/ORLFDateRecurrenceEnd.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceKeys.h>
-#include <ORLFoundation/support/ORLFCondition.h>
+#include <ORLFoundation/support/diagnostics/ORLFCondition.h>
 
 namespace ORLFoundation {
 

@@ -1,6 +1,8 @@
-#include <ORLFoundation/platform/object/Id.h>
-#include <ORLFoundation/platform/object/LogCapture.h>
+
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceEnd.h>
+
+#include <ORLFoundation/platform/log/LogCapture.h>
+#include <ORLFoundation/platform/object/Id.h>
 #include <gtest/gtest.h>
 
 namespace ORLFoundation {

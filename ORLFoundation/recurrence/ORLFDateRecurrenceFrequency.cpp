@@ -1,5 +1,7 @@
-#include <ORLFoundation/platform/object/ORLFFatalError.h>
+
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceFrequency.h>
+
+#include <ORLFoundation/platform/log/ORLFFatalError.h>
 
 namespace ORLFoundation {
 namespace {

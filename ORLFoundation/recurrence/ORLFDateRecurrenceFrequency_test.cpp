@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceFrequency.h>
+
 #include <gtest/gtest.h>
 
 namespace ORLFoundation {

@@ -1,6 +1,8 @@
+
+#include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
+
 #include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
 #include <ORLFoundation/platform/object/NSKeyTable.h>
-#include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceKeys.h>
 

@@ -1,7 +1,9 @@
+
+#include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
+
 #include <ORLFoundation/calendar/ORLFCalendar_testing.h>
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/object/NSKeyValueObserving.h>
-#include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 #include <gtest/gtest.h>
 
 #include <cmath>

@@ -1,5 +1,7 @@
-#include <ORLFoundation/platform/object/NSKeyTable.h>
+
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+
+#include <ORLFoundation/platform/object/NSKeyTable.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceKeys.h>
 

@@ -1,8 +1,10 @@
+
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+
 #include <ORLFoundation/calendar/ORLFCalendarRounding.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
-#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
-#include <ORLFoundation/support/ORLFDebugLog.h>
+#include <ORLFoundation/support/diagnostics/ORLFDebugLog.h>
 
 namespace ORLFoundation {
 namespace {

@@ -7,7 +7,9 @@
 // One rule is shaped differently on purpose: a weekly rule's weekdays are looked for in the same
 // week of the month as the two ends of each window, so that a week over a month's end can miss one.
 // For it ours must be a part of libical's dates, in order.
+
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+
 #include <benchmark/benchmark.h>
 #include <libical/ical.h>
 

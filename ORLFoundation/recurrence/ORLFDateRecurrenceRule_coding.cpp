@@ -1,10 +1,12 @@
 // How the classes of this folder are archived.
+
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+
 #include <ORLFoundation/platform/archive/NSCoder.h>
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceDayOfWeek.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceEnd.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
-#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceKeys.h>
 
 #include <utility>

@@ -1,5 +1,7 @@
-#include <ORLFoundation/platform/object/ORLFFatalError.h>
+
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+
+#include <ORLFoundation/platform/log/ORLFFatalError.h>
 
 #include <map>
 #include <string>

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+
 #include <ORLFoundation/recurrence/internal/ORLFDateWalk.h>
 #include <ORLFoundation/recurrence/internal/ORLFExactPattern.h>
 #include <ORLFoundation/recurrence/internal/ORLFPatternExpansion.h>

@@ -1,5 +1,5 @@
 // The main enumeration: windows, ends, emptiness, exact matches, weekdays, conditions.
-#include <ORLFoundation/platform/object/LogCapture.h>
+#include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrence_testing.h>
 #include <gtest/gtest.h>
 

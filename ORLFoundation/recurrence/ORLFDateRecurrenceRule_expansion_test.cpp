@@ -1,5 +1,5 @@
 // The patterns of one period, the exact rule, and the older patterns.
-#include <ORLFoundation/platform/object/LogCapture.h>
+#include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrence_testing.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+
 #include <ORLFoundation/recurrence/internal/ORLFOlderPatterns.h>
 #include <ORLFoundation/recurrence/internal/ORLFOlderWalk.h>
 

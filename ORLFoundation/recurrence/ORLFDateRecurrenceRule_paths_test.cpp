@@ -1,6 +1,6 @@
 // The fast path of the main enumeration gives what the general walk gives, over rules of every
 // shape, zones with every kind of clock change, both directions and odd start dates.
-#include <ORLFoundation/platform/object/LogCapture.h>
+#include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrence_testing.h>
 #include <ORLFoundation/recurrence/internal/ORLFCivilWindows.h>
 #include <gtest/gtest.h>

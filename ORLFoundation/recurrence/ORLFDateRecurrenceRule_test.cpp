@@ -1,7 +1,9 @@
 // The rule as a value: construction, copies, equality, keys.
+
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/object/NSArray.h>
-#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 #include <gtest/gtest.h>
 
 namespace ORLFoundation {

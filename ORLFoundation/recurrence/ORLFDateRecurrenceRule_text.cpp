@@ -1,5 +1,7 @@
-#include <ORLFoundation/platform/text/NSStringNumbers.h>
+
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+
+#include <ORLFoundation/platform/text/NSStringNumbers.h>
 
 #include <algorithm>
 #include <iterator>

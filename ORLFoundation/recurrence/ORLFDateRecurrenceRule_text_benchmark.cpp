@@ -1,5 +1,7 @@
 // How fast rule texts are read; 100,000 a second are promised.
+
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+
 #include <benchmark/benchmark.h>
 
 namespace {

@@ -1,4 +1,5 @@
 // Reads any text as a recurrence line and describes what came of it.
+
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 
 #include <algorithm>

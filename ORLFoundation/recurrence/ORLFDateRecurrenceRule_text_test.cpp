@@ -1,5 +1,7 @@
 // Reading iCalendar recurrence lines, and the English sentences of rules.
+
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+
 #include <gtest/gtest.h>
 #include <tests/support/RecurrenceCodec.h>
 

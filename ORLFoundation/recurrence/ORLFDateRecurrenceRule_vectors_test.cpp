@@ -1,8 +1,10 @@
 // The rows of the vector files on rules: both enumerations, anchors, queries and the model.
-#include <ORLFoundation/platform/object/LogCapture.h>
+
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+
+#include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/recurrence/ORLFCalendarRecurrence.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
-#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 #include <ORLFoundation/recurrence/internal/ORLFDateWalk.h>
 #include <gtest/gtest.h>
 #include <tests/support/KnownDisagreements.h>

@@ -2,9 +2,9 @@
 #include <ORLFoundation/decimal/ORLFMutableDecimalNumberHandler.h>
 #include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
 #include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
-#include <ORLFoundation/platform/archive/NSPropertyListUID.h>
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
+#include <ORLFoundation/platform/plist/NSPropertyListUID.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 #include <gtest/gtest.h>
 #include <tests/archives/ArchiveSamples.h>

@@ -8,25 +8,29 @@ from pathlib import Path
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "scripts"))
 import check_includes  # noqa: E402
 
+OWN = "#include <ORLFoundation/calendar/Days.h>\n\n"
+
 SOUND = {
     "ORLFoundation/ORLFoundation.h":
         "#include <ORLFoundation/platform/value/NSDate.h>\n"
         "#include <ORLFoundation/platform/object/NSObject.h>\n"
         "#include <ORLFoundation/calendar/Days.h>\n",
     "ORLFoundation/platform/value/CMakeLists.txt":
-        "orlf_add_folder(platform_value HEADERS NSDate.h SOURCES NSDate.cpp)\n",
+        "orlf_add_folder(platform_value LAYER 1 HEADERS NSDate.h SOURCES NSDate.cpp)\n",
     "ORLFoundation/platform/value/NSDate.h": "#pragma once\n#include <cstdint>\n",
     "ORLFoundation/platform/value/NSDate.cpp":
         "#include <ORLFoundation/platform/value/NSDate.h>\n#include <unicode/ucal.h>\n",
     "ORLFoundation/platform/object/CMakeLists.txt":
-        "orlf_add_folder(platform_object  # the root\n  HEADERS NSObject.h USES platform_value)\n",
+        "orlf_add_folder(platform_object  # the root\n  LAYER 2 HEADERS NSObject.h USES platform_value)\n",
     "ORLFoundation/platform/object/NSObject.h":
         "#include <ORLFoundation/platform/value/NSDate.h>\n",
     "ORLFoundation/calendar/CMakeLists.txt":
-        "orlf_add_folder(calendar HEADERS Days.h SOURCES Days.cpp\n"
+        "orlf_add_folder(calendar LAYER 20 HEADERS Days.h SOURCES Days.cpp\n"
         "  USES platform_object TESTS Days_test.cpp)\n",
     "ORLFoundation/calendar/Days.h": "#include <ORLFoundation/platform/object/NSObject.h>\n",
-    "ORLFoundation/calendar/Days.cpp": "#include <ORLFoundation/calendar/internal/Table.h>\n",
+    "ORLFoundation/calendar/Days.cpp":
+        "#include <ORLFoundation/calendar/Days.h>\n\n"
+        "#include <ORLFoundation/calendar/internal/Table.h>\n",
     "ORLFoundation/calendar/Days_test.cpp":
         "#include <ORLFoundation/platform/value/NSDate.h>\n#include <tests/support/VectorFile.h>\n",
     "ORLFoundation/calendar/internal/Table.h": "#include <array>\n",
@@ -57,9 +61,9 @@ class IncludeCheck(unittest.TestCase):
 
     def test_an_undeclared_folder(self):
         self.assert_one(
-            "ORLFoundation/calendar/Days.cpp:1: calendar does not declare platform_value under "
+            "ORLFoundation/calendar/Days.cpp:3: calendar does not declare platform_value under "
             "USES: <ORLFoundation/platform/value/NSDate.h>",
-            ORLFoundation__calendar__Days_cpp="#include <ORLFoundation/platform/value/NSDate.h>\n")
+            ORLFoundation__calendar__Days_cpp=OWN + "#include <ORLFoundation/platform/value/NSDate.h>\n")
 
     def test_an_upward_include(self):
         self.assert_one(
@@ -68,28 +72,37 @@ class IncludeCheck(unittest.TestCase):
             ORLFoundation__platform__value__NSDate_h=lambda text:
             text + "#include <ORLFoundation/calendar/Days.h>\n")
 
-    def test_an_upward_declaration_and_the_circle_that_it_makes(self):
-        found = self.faults(
-            ORLFoundation__platform__value__CMakeLists_txt=
-            "orlf_add_folder(platform_value HEADERS NSDate.h SOURCES NSDate.cpp\n"
-            "  USES platform_object)\n")
-        self.assertEqual(found, [
-            "ORLFoundation/platform/value/CMakeLists.txt: platform_value may not use "
-            "platform_object",
-            "circle of folders: platform_object -> platform_value -> platform_object"])
-
-    def test_a_folder_unknown_to_the_layers(self):
+    def test_an_upward_declaration(self):
         self.assert_one(
-            "ORLFoundation/lone/CMakeLists.txt: folder lone has no place in the layers of "
-            "check_includes.py",
+            "ORLFoundation/platform/value/CMakeLists.txt: platform_value of layer 1 may not use "
+            "platform_object of layer 2",
+            ORLFoundation__platform__value__CMakeLists_txt=
+            "orlf_add_folder(platform_value LAYER 1 HEADERS NSDate.h SOURCES NSDate.cpp\n"
+            "  USES platform_object)\n")
+
+    def test_a_declaration_within_a_layer(self):
+        self.assert_one(
+            "ORLFoundation/platform/object/CMakeLists.txt: platform_object of layer 1 may not use "
+            "platform_value of layer 1",
+            ORLFoundation__platform__object__CMakeLists_txt=
+            "orlf_add_folder(platform_object LAYER 1 HEADERS NSObject.h USES platform_value)\n")
+
+    def test_a_folder_without_a_layer(self):
+        self.assert_one(
+            "ORLFoundation/lone/CMakeLists.txt: lone states no layer",
             ORLFoundation__lone__CMakeLists_txt="orlf_add_folder(lone)\n")
+
+    def test_a_layer_that_is_no_number(self):
+        self.assert_one(
+            "ORLFoundation/lone/CMakeLists.txt: lone states no layer",
+            ORLFoundation__lone__CMakeLists_txt="orlf_add_folder(lone LAYER high)\n")
 
     def test_a_declared_folder_that_does_not_exist(self):
         self.assert_one(
             "ORLFoundation/platform/object/CMakeLists.txt: platform_object uses platform_gone, "
             "which no folder is called",
             ORLFoundation__platform__object__CMakeLists_txt=
-            "orlf_add_folder(platform_object HEADERS NSObject.h\n"
+            "orlf_add_folder(platform_object LAYER 2 HEADERS NSObject.h\n"
             "  USES platform_value platform_gone)\n")
 
     def test_an_outside_header_in_a_public_header(self):
@@ -104,32 +117,32 @@ class IncludeCheck(unittest.TestCase):
 
     def test_a_quoted_include(self):
         self.assert_one(
-            'ORLFoundation/calendar/Days.cpp:1: "Days.h" is to be written <ORLFoundation/...>',
-            ORLFoundation__calendar__Days_cpp='#include "Days.h"\n')
+            'ORLFoundation/calendar/Days.cpp:3: "Days.h" is to be written <ORLFoundation/...>',
+            ORLFoundation__calendar__Days_cpp=OWN + '#include "Days.h"\n')
 
     def test_a_missing_file(self):
         self.assert_one(
-            "ORLFoundation/calendar/Days.cpp:1: <ORLFoundation/calendar/Gone.h> does not exist",
-            ORLFoundation__calendar__Days_cpp="#include <ORLFoundation/calendar/Gone.h>\n")
+            "ORLFoundation/calendar/Days.cpp:3: <ORLFoundation/calendar/Gone.h> does not exist",
+            ORLFoundation__calendar__Days_cpp=OWN + "#include <ORLFoundation/calendar/Gone.h>\n")
 
     def test_test_helpers_outside_a_test(self):
         self.assert_one(
-            "ORLFoundation/calendar/Days.cpp:1: only tests include <tests/support/VectorFile.h>",
-            ORLFoundation__calendar__Days_cpp="#include <tests/support/VectorFile.h>\n")
+            "ORLFoundation/calendar/Days.cpp:3: only tests include <tests/support/VectorFile.h>",
+            ORLFoundation__calendar__Days_cpp=OWN + "#include <tests/support/VectorFile.h>\n")
 
     def test_a_header_for_tests_outside_a_test(self):
         self.assert_one(
-            "ORLFoundation/calendar/Days.cpp:1: only tests include "
+            "ORLFoundation/calendar/Days.cpp:3: only tests include "
             "<ORLFoundation/calendar/Days_testing.h>",
             ORLFoundation__calendar__Days_testing_h="#include <tests/support/VectorFile.h>\n",
-            ORLFoundation__calendar__Days_cpp="#include <ORLFoundation/calendar/Days_testing.h>\n")
+            ORLFoundation__calendar__Days_cpp=OWN + "#include <ORLFoundation/calendar/Days_testing.h>\n")
 
     def test_an_internal_header_of_another_folder(self):
         self.assert_one(
-            "ORLFoundation/calendar/Days.cpp:1: <ORLFoundation/platform/object/internal/Lock.h> is "
+            "ORLFoundation/calendar/Days.cpp:3: <ORLFoundation/platform/object/internal/Lock.h> is "
             "internal to platform_object",
             ORLFoundation__platform__object__internal__Lock_h="",
-            ORLFoundation__calendar__Days_cpp=
+            ORLFoundation__calendar__Days_cpp=OWN +
             "#include <ORLFoundation/platform/object/internal/Lock.h>\n")
 
     def test_an_internal_header_in_the_tool(self):
@@ -137,48 +150,51 @@ class IncludeCheck(unittest.TestCase):
             "tools/orlf/main.cpp:1: <ORLFoundation/calendar/internal/Table.h> is internal",
             tools__orlf__main_cpp="#include <ORLFoundation/calendar/internal/Table.h>\n")
 
+    def test_a_source_without_its_own_header(self):
+        self.assert_one(
+            "ORLFoundation/calendar/Days.cpp: <ORLFoundation/calendar/Days.h> is to be its first "
+            "include", ORLFoundation__calendar__Days_cpp="#include <vector>\n")
+
+    def test_a_test_that_includes_another_header_first(self):
+        self.assert_one(
+            "ORLFoundation/calendar/Days_test.cpp: <ORLFoundation/calendar/Days.h> is to be its "
+            "first include",
+            ORLFoundation__calendar__Days_test_cpp="#include <vector>\n" + OWN)
+
     def test_a_file_that_no_list_names(self):
         self.assert_one(
             "ORLFoundation/calendar/Weeks.cpp: not listed in ORLFoundation/calendar/CMakeLists.txt",
             ORLFoundation__calendar__Weeks_cpp="")
 
-    TWO_IN_ONE = (
-        "orlf_add_folder(platform_object HEADERS NSObject.h SOURCES internal/Lock.cpp\n"
-        "  USES platform_value)\n"
-        "orlf_add_folder(platform_number HEADERS Sum.h SOURCES Sum.cpp%s)\n")
+    HOUSE = ("orlf_add_folder(platform_value LAYER 1 HEADERS NSDate.h HOUSE_HEADERS Words.h\n"
+             "  SOURCES NSDate.cpp)\n")
 
-    def two_in_one(self, uses="", **changes):
-        """The sound tree, where the root's folder holds a second target with USES."""
-        return self.faults(
-            ORLFoundation__ORLFoundation_h=lambda text:
-            text + "#include <ORLFoundation/platform/object/Sum.h>\n",
-            ORLFoundation__platform__object__CMakeLists_txt=self.TWO_IN_ONE % uses,
-            ORLFoundation__platform__object__internal__Lock_h="",
-            ORLFoundation__platform__object__internal__Lock_cpp="",
-            ORLFoundation__platform__object__Sum_h="",
-            **{"ORLFoundation__platform__object__Sum_cpp":
-               "#include <ORLFoundation/platform/object/NSObject.h>\n", **changes})
+    def test_a_house_header_in_a_source_of_another_folder(self):
+        self.assertEqual(self.faults(
+            ORLFoundation__platform__value__CMakeLists_txt=self.HOUSE,
+            ORLFoundation__platform__value__Words_h="",
+            ORLFoundation__calendar__CMakeLists_txt=
+            "orlf_add_folder(calendar LAYER 20 HEADERS Days.h SOURCES Days.cpp\n"
+            "  USES platform_object platform_value TESTS Days_test.cpp)\n",
+            ORLFoundation__calendar__Days_cpp=OWN + "#include <ORLFoundation/platform/value/Words.h>\n"),
+            [])
 
-    def test_two_folders_in_one_place(self):
-        self.assertEqual(self.two_in_one(" USES platform_object"), [])
+    def test_a_house_header_in_a_public_header(self):
+        self.assert_one(
+            "ORLFoundation/platform/object/NSObject.h: <ORLFoundation/platform/value/Words.h> must "
+            "be listed under HEADERS, or users lack it",
+            ORLFoundation__platform__value__CMakeLists_txt=self.HOUSE,
+            ORLFoundation__platform__value__Words_h="",
+            ORLFoundation__platform__object__NSObject_h=
+            "#include <ORLFoundation/platform/value/Words.h>\n")
 
-    def test_an_undeclared_neighbour_in_one_place(self):
-        self.assertEqual(self.two_in_one(), [
-            "ORLFoundation/platform/object/Sum.cpp:1: platform_number does not declare "
-            "platform_object under USES: <ORLFoundation/platform/object/NSObject.h>"])
-
-    def test_an_internal_header_of_a_neighbour_in_one_place(self):
-        self.assertEqual(
-            self.two_in_one(" USES platform_object", ORLFoundation__platform__object__Sum_cpp=
-                            "#include <ORLFoundation/platform/object/internal/Lock.h>\n"),
-            ["ORLFoundation/platform/object/Sum.cpp:1: "
-             "<ORLFoundation/platform/object/internal/Lock.h> is internal to platform_object"])
-
-    def test_a_file_that_neither_of_two_lists(self):
-        self.assertEqual(
-            self.two_in_one(" USES platform_object", ORLFoundation__platform__object__Odd_cpp=""),
-            ["ORLFoundation/platform/object/Odd.cpp: not listed in "
-             "ORLFoundation/platform/object/CMakeLists.txt"])
+    def test_an_installed_internal_header_that_no_public_header_needs(self):
+        self.assert_one(
+            "ORLFoundation/calendar/internal/Table.h: no public header needs it: not to be "
+            "installed",
+            ORLFoundation__calendar__CMakeLists_txt=
+            "orlf_add_folder(calendar LAYER 20 HEADERS Days.h internal/Table.h SOURCES Days.cpp\n"
+            "  USES platform_object TESTS Days_test.cpp)\n")
 
     def test_a_public_header_that_the_umbrella_lacks(self):
         self.assert_one(

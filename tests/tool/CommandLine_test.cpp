@@ -18,7 +18,7 @@
 #include <string>
 #include <vector>
 
-#include "RunTool.h"
+#include <tests/tool/RunTool.h>
 
 namespace {
 

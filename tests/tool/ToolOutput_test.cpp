@@ -9,7 +9,7 @@
 #include <streambuf>
 #include <string>
 
-#include "RunTool.h"
+#include <tests/tool/RunTool.h>
 
 namespace {
 

@@ -1,6 +1,8 @@
+
+
 #include "tool.h"
 
-#include <ORLFoundation/platform/object/NSLog.h>
+#include <ORLFoundation/platform/log/NSLog.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -9,9 +11,9 @@
 #include <set>
 #include <string>
 
+#include "cli/common_options.h"
+#include "cli/failure.h"
 #include "commands.h"
-#include "common_options.h"
-#include "failure.h"
 #include "version.h"
 
 namespace orlftool {

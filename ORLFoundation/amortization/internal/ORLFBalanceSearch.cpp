@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/amortization/internal/ORLFBalanceSearch.h>
+
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
 
 namespace ORLFoundation::internal {

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/amortization/internal/ORLFPlanArithmetic.h>
+
 #include <ORLFoundation/platform/value/NSException.h>
 
 namespace ORLFoundation::internal {

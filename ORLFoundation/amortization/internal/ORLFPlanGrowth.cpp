@@ -1,5 +1,7 @@
-#include <ORLFoundation/amortization/internal/ORLFPlanArithmetic.h>
+
 #include <ORLFoundation/amortization/internal/ORLFPlanGrowth.h>
+
+#include <ORLFoundation/amortization/internal/ORLFPlanArithmetic.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
 
 #include <cmath>

@@ -1,5 +1,7 @@
-#include <ORLFoundation/amortization/internal/ORLFPlanArithmetic.h>
+
 #include <ORLFoundation/amortization/internal/ORLFPlanProjection.h>
+
+#include <ORLFoundation/amortization/internal/ORLFPlanArithmetic.h>
 #include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
 
 #include <cmath>

@@ -1,3 +1,5 @@
+
+
 #include <ORLFoundation/amortization/internal/ORLFRateSearch.h>
 
 #include <cmath>

@@ -1,6 +1,8 @@
-#include <ORLFoundation/decimal/ORLFDecimalNumber.h>
+
 #include <ORLFoundation/decimal/internal/ORLFAmountReader.h>
-#include <ORLFoundation/platform/object/NSLog.h>
+
+#include <ORLFoundation/decimal/ORLFDecimalNumber.h>
+#include <ORLFoundation/platform/log/NSLog.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 #include <unicode/utf16.h>

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/archive/NSCoder.h>
+
 #include <ORLFoundation/platform/value/NSException.h>
 
 #include <limits>

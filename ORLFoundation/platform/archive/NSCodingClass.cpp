@@ -1,3 +1,5 @@
+
+
 #include <ORLFoundation/platform/archive/NSCodingClass.h>
 
 #include <map>

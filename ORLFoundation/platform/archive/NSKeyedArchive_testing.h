@@ -4,12 +4,12 @@
 
 #include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
 #include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
-#include <ORLFoundation/platform/archive/NSPropertyListUID.h>
-#include <ORLFoundation/platform/archive/NSPropertyList_testing.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSSet.h>
+#include <ORLFoundation/platform/plist/NSPropertyListUID.h>
+#include <ORLFoundation/platform/plist/NSPropertyList_testing.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 

@@ -1,8 +1,10 @@
+
 #include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
+
 #include <ORLFoundation/platform/archive/internal/KeyedArchive.h>
-#include <ORLFoundation/platform/archive/internal/PropertyListBuilder.h>
-#include <ORLFoundation/platform/archive/internal/PropertyListBytes.h>
 #include <ORLFoundation/platform/archive/internal/StandardCoding.h>
+#include <ORLFoundation/platform/plist/PropertyListBuilder.h>
+#include <ORLFoundation/platform/plist/PropertyListBytes.h>
 #include <ORLFoundation/platform/value/NSException.h>
 
 #include <cstddef>

@@ -9,7 +9,7 @@
 #pragma once
 
 #include <ORLFoundation/platform/archive/NSCoder.h>
-#include <ORLFoundation/platform/archive/NSPropertyListSerialization.h>
+#include <ORLFoundation/platform/plist/NSPropertyListSerialization.h>
 
 #include <memory>
 #include <optional>

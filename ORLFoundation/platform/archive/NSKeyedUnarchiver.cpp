@@ -1,8 +1,10 @@
+
 #include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
+
 #include <ORLFoundation/platform/archive/internal/ArchiveDocument.h>
 #include <ORLFoundation/platform/archive/internal/KeyedArchive.h>
+#include <ORLFoundation/platform/log/NSLog.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
-#include <ORLFoundation/platform/object/NSLog.h>
 #include <ORLFoundation/platform/value/NSException.h>
 
 #include <algorithm>

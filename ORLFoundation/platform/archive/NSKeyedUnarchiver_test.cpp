@@ -1,5 +1,5 @@
 #include <ORLFoundation/platform/archive/NSKeyedArchive_testing.h>
-#include <ORLFoundation/platform/object/LogCapture.h>
+#include <ORLFoundation/platform/log/LogCapture.h>
 #include <gtest/gtest.h>
 
 #include <cmath>

@@ -1,8 +1,10 @@
+
 #include <ORLFoundation/platform/defaults/NSUserDefaults.h>
+
 #include <ORLFoundation/platform/defaults/NSUserDefaultsFile.h>
 #include <ORLFoundation/platform/defaults/internal/DefaultsValues.h>
-#include <ORLFoundation/platform/object/NSBundle.h>
-#include <ORLFoundation/platform/object/NSLog.h>
+#include <ORLFoundation/platform/log/NSLog.h>
+#include <ORLFoundation/platform/process/NSBundle.h>
 #include <ORLFoundation/platform/text/NSStringNumbers.h>
 #include <ORLFoundation/platform/value/NSException.h>
 

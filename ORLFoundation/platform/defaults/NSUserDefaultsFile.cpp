@@ -1,6 +1,8 @@
-#include <ORLFoundation/platform/archive/NSPropertyListSerialization.h>
+
 #include <ORLFoundation/platform/defaults/NSUserDefaultsFile.h>
-#include <ORLFoundation/platform/defaults/internal/WholeFile.h>
+
+#include <ORLFoundation/platform/files/WholeFile.h>
+#include <ORLFoundation/platform/plist/NSPropertyListSerialization.h>
 
 #include <algorithm>
 #include <cstdlib>

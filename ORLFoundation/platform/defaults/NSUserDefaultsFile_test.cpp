@@ -1,8 +1,10 @@
-#include <ORLFoundation/platform/archive/NSPropertyListSerialization.h>
-#include <ORLFoundation/platform/defaults/NSUserDefaults.h>
+
 #include <ORLFoundation/platform/defaults/NSUserDefaultsFile.h>
-#include <ORLFoundation/platform/object/LogCapture.h>
-#include <ORLFoundation/platform/object/NSBundle.h>
+
+#include <ORLFoundation/platform/defaults/NSUserDefaults.h>
+#include <ORLFoundation/platform/log/LogCapture.h>
+#include <ORLFoundation/platform/plist/NSPropertyListSerialization.h>
+#include <ORLFoundation/platform/process/NSBundle.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>

@@ -1,3 +1,5 @@
+
+
 #include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
 
 #include <cerrno>

@@ -1,5 +1,7 @@
+
 #include <ORLFoundation/platform/defaults/NSUserDefaults.h>
-#include <ORLFoundation/platform/object/LogCapture.h>
+
+#include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/object/NSKeyValueObserving.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gmock/gmock.h>

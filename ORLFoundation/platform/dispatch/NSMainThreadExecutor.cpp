@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
+
 #include <unistd.h>
 
 #include <future>

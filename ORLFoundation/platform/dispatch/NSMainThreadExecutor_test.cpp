@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
+
 #include <ORLFoundation/platform/dispatch/NSThread.h>
 #include <gtest/gtest.h>
 

@@ -1,5 +1,7 @@
-#include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
+
 #include <ORLFoundation/platform/dispatch/NSThread.h>
+
+#include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
 #include <cxxabi.h>
 #include <dlfcn.h>
 #include <execinfo.h>

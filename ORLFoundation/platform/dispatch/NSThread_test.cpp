@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/dispatch/NSThread.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/format/NSLocale.h>
+
 #include <unicode/dcfmtsym.h>
 #include <unicode/locid.h>
 

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
+
 #include <unicode/decimfmt.h>
 #include <unicode/fmtable.h>
 #include <unicode/locid.h>

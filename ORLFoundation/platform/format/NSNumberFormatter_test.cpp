@@ -1,5 +1,7 @@
-#include <ORLFoundation/platform/format/NSLocale.h>
+
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
+
+#include <ORLFoundation/platform/format/NSLocale.h>
 #include <gtest/gtest.h>
 
 #include <limits>

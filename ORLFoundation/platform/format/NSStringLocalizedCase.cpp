@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/format/NSStringLocalizedCase.h>
+
 #include <ORLFoundation/platform/text/NSStringCase.h>
 
 namespace ORLFoundation {

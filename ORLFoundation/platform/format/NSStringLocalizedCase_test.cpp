@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/format/NSStringLocalizedCase.h>
+
 #include <gtest/gtest.h>
 
 namespace ORLFoundation {

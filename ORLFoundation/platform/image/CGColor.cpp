@@ -1,3 +1,5 @@
+
+
 #include <ORLFoundation/platform/image/CGColor.h>
 
 #include <functional>

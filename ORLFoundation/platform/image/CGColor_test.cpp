@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/image/CGColor.h>
+
 #include <gtest/gtest.h>
 
 namespace ORLFoundation {

@@ -1,3 +1,5 @@
+
+
 #include <ORLFoundation/platform/image/CGDataProvider.h>
 
 #include <utility>

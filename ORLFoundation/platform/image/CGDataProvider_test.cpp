@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/image/CGDataProvider.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+
+
 #include <ORLFoundation/platform/image/CGImage.h>
 
 #include <utility>

@@ -1,3 +1,5 @@
+
+
 #include <ORLFoundation/platform/image/CGImageDrawing.h>
 
 #include <algorithm>

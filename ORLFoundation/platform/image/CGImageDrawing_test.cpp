@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/image/CGImageDrawing.h>
+
 #include <gtest/gtest.h>
 
 #include <cmath>

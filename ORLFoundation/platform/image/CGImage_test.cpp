@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/image/CGImage.h>
+
 #include <gtest/gtest.h>
 
 #include <limits>

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
+
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
+
 #include <gtest/gtest.h>
 #include <tests/support/VectorFile.h>
 

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/object/Id.h>
+
 #include <ORLFoundation/platform/object/NSCollection.h>
 #include <ORLFoundation/platform/object/NSObject.h>
 #include <ORLFoundation/platform/object/internal/DescriptionText.h>

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/object/NSArray.h>
+
 #include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSIndexSet.h>
 #include <ORLFoundation/platform/value/NSException.h>

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/object/NSDictionary.h>
+
 #include <ORLFoundation/platform/object/internal/DescriptionText.h>
 #include <ORLFoundation/platform/value/NSException.h>
 

@@ -1,5 +1,7 @@
-#include <ORLFoundation/platform/object/NSArray.h>
+
 #include <ORLFoundation/platform/object/NSDictionary.h>
+
+#include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 

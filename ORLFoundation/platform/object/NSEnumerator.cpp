@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/object/NSEnumerator.h>
+
 #include <ORLFoundation/platform/value/NSException.h>
 
 #include <utility>

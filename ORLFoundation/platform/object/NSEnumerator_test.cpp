@@ -1,5 +1,7 @@
-#include <ORLFoundation/platform/object/NSDictionary.h>
+
 #include <ORLFoundation/platform/object/NSEnumerator.h>
+
+#include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSSet.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/object/NSError.h>
+
 #include <ORLFoundation/platform/object/NSKeyTable.h>
 
 #include <utility>

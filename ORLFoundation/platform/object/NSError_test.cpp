@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/object/NSError.h>
+
 #include <gtest/gtest.h>
 
 namespace ORLFoundation {

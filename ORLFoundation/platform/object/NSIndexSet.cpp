@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/object/NSIndexSet.h>
+
 #include <ORLFoundation/platform/value/NSException.h>
 
 #include <algorithm>

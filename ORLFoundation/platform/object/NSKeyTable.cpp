@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/object/NSKeyTable.h>
+
 #include <ORLFoundation/platform/value/NSException.h>
 
 #include <algorithm>

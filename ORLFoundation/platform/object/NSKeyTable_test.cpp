@@ -1,5 +1,7 @@
-#include <ORLFoundation/platform/object/NSDictionary.h>
+
 #include <ORLFoundation/platform/object/NSKeyTable.h>
+
+#include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 

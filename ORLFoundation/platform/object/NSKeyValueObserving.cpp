@@ -1,5 +1,7 @@
-#include <ORLFoundation/platform/object/NSKeyTable.h>
+
 #include <ORLFoundation/platform/object/NSKeyValueObserving.h>
+
+#include <ORLFoundation/platform/object/NSKeyTable.h>
 #include <ORLFoundation/platform/object/internal/NSObjectState.h>
 #include <ORLFoundation/platform/value/NSException.h>
 

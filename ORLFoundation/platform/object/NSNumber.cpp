@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/object/NSNumber.h>
+
 #include <ORLFoundation/platform/object/internal/ExactComparison.h>
 
 #include <charconv>

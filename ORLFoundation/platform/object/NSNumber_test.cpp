@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/object/NSNumber.h>
+
 #include <gtest/gtest.h>
 
 #include <cmath>

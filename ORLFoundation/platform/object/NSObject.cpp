@@ -1,6 +1,8 @@
+
+#include <ORLFoundation/platform/object/NSObject.h>
+
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/object/NSKeyTable.h>
-#include <ORLFoundation/platform/object/NSObject.h>
 #include <ORLFoundation/platform/object/internal/NSObjectState.h>
 #include <ORLFoundation/platform/value/NSException.h>
 

@@ -1,5 +1,7 @@
-#include <ORLFoundation/platform/object/Id.h>
+
 #include <ORLFoundation/platform/object/NSObject.h>
+
+#include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 

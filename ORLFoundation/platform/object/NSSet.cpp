@@ -1,5 +1,7 @@
-#include <ORLFoundation/platform/object/NSArray.h>
+
 #include <ORLFoundation/platform/object/NSSet.h>
+
+#include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/internal/CollectionOperators.h>
 #include <ORLFoundation/platform/object/internal/DescriptionText.h>
 #include <ORLFoundation/platform/value/NSException.h>

@@ -1,3 +1,5 @@
+
+
 #include <ORLFoundation/platform/object/NSString.h>
 
 #include <algorithm>

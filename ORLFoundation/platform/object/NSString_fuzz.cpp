@@ -1,5 +1,7 @@
-#include <ORLFoundation/platform/object/NSArray.h>
+
 #include <ORLFoundation/platform/object/NSString.h>
+
+#include <ORLFoundation/platform/object/NSArray.h>
 
 #include <cstddef>
 #include <cstdint>

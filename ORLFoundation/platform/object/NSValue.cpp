@@ -1,5 +1,7 @@
-#include <ORLFoundation/platform/object/NSObject.h>
+
 #include <ORLFoundation/platform/object/NSValue.h>
+
+#include <ORLFoundation/platform/object/NSObject.h>
 
 #include <cinttypes>
 #include <cstdio>

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/object/NSValueTransformer.h>
+
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 

@@ -1,6 +1,8 @@
+
 #include <ORLFoundation/platform/text/NSAttributedString.h>
+
 #include <ORLFoundation/platform/text/NSStringSearch.h>
-#include <ORLFoundation/platform/text/internal/UTF16.h>
+#include <ORLFoundation/platform/text/UTF16.h>
 #include <ORLFoundation/platform/value/NSException.h>
 
 #include <algorithm>

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/text/NSAttributedString.h>
+
 #include <ORLFoundation/platform/value/NSException.h>
 
 #include <algorithm>

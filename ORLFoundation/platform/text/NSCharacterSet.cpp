@@ -1,5 +1,7 @@
+
 #include <ORLFoundation/platform/text/NSCharacterSet.h>
-#include <ORLFoundation/platform/text/internal/UTF16.h>
+
+#include <ORLFoundation/platform/text/UTF16.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <unicode/uniset.h>
 

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/text/NSCharacterSet.h>
+
 #include <gtest/gtest.h>
 
 namespace ORLFoundation {

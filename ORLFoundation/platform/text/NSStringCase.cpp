@@ -1,6 +1,8 @@
+
 #include <ORLFoundation/platform/text/NSStringCase.h>
-#include <ORLFoundation/platform/text/internal/ASCII.h>
-#include <ORLFoundation/platform/text/internal/UTF16.h>
+
+#include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/text/UTF16.h>
 #include <unicode/locid.h>
 #include <unicode/uchar.h>
 

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/text/NSStringCase.h>
+
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>

@@ -1,6 +1,8 @@
+
 #include <ORLFoundation/platform/text/NSStringEncoding.h>
-#include <ORLFoundation/platform/text/internal/ASCII.h>
-#include <ORLFoundation/platform/text/internal/UTF16.h>
+
+#include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/text/UTF16.h>
 #include <unicode/ucnv.h>
 #include <unicode/utf8.h>
 

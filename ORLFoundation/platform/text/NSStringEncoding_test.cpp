@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/text/NSStringEncoding.h>
+
 #include <gtest/gtest.h>
 
 namespace ORLFoundation {

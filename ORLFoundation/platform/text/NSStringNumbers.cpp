@@ -1,5 +1,7 @@
-#include <ORLFoundation/platform/text/NSCharacterSet.h>
+
 #include <ORLFoundation/platform/text/NSStringNumbers.h>
+
+#include <ORLFoundation/platform/text/NSCharacterSet.h>
 #include <unicode/utf8.h>
 
 #include <algorithm>

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/text/NSStringNumbers.h>
+
 #include <gtest/gtest.h>
 
 #include <limits>

@@ -1,7 +1,9 @@
+
 #include <ORLFoundation/platform/text/NSStringSearch.h>
-#include <ORLFoundation/platform/text/internal/ASCII.h>
+
+#include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/text/UTF16.h>
 #include <ORLFoundation/platform/text/internal/FoldedText.h>
-#include <ORLFoundation/platform/text/internal/UTF16.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <unicode/normalizer2.h>
 

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/text/NSStringSearch.h>
+
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/time/NSCalendar.h>
+
 #include <ORLFoundation/platform/time/internal/CalendarArithmetic.h>
 #include <ORLFoundation/platform/time/internal/CalendarFields.h>
 #include <ORLFoundation/platform/time/internal/CalendarRanges.h>

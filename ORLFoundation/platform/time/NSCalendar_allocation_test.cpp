@@ -1,5 +1,7 @@
 // Counts allocations through a replaced operator new.
+
 #include <ORLFoundation/platform/time/NSCalendar.h>
+
 #include <gtest/gtest.h>
 #include <tests/support/AllocationCount.h>
 

@@ -2,7 +2,9 @@
 // sums by icu::Calendar and by the date library with its zones. Before anything is timed, all
 // three give their answers to every date and the program stops where they differ; the date
 // library, which knows no clock changes from 2038 on, is asked about dates before that year.
+
 #include <ORLFoundation/platform/time/NSCalendar.h>
+
 #include <benchmark/benchmark.h>
 #include <date/tz.h>
 #include <unicode/gregocal.h>

@@ -1,6 +1,8 @@
 // What holds between the calendar's operations, swept over years of dates in zones that change
 // their clocks at odd places.
+
 #include <ORLFoundation/platform/time/NSCalendar.h>
+
 #include <ORLFoundation/platform/time/internal/CalendarFields.h>
 #include <gtest/gtest.h>
 

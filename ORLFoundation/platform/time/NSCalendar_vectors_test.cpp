@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/time/NSCalendar.h>
+
 #include <gtest/gtest.h>
 #include <tests/support/VectorCodec.h>
 #include <tests/support/VectorFile.h>

@@ -1,5 +1,7 @@
-#include <ORLFoundation/platform/time/NSCalendar.h>
+
 #include <ORLFoundation/platform/time/NSDateComponents.h>
+
+#include <ORLFoundation/platform/time/NSCalendar.h>
 #include <ORLFoundation/platform/time/internal/CalendarFields.h>
 
 namespace ORLFoundation {

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/time/NSTimeZone.h>
+
 #include <ORLFoundation/platform/time/internal/CalendarRules.h>
 
 #include <algorithm>

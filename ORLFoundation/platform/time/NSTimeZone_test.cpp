@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/time/NSTimeZone.h>
+
 #include <gtest/gtest.h>
 
 #include <cmath>

@@ -1,3 +1,5 @@
+
+
 #include <ORLFoundation/platform/value/NSData.h>
 
 #include <algorithm>

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/value/NSData.h>
+
 #include <gtest/gtest.h>
 
 namespace ORLFoundation {

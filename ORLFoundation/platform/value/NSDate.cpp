@@ -1,3 +1,5 @@
+
+
 #include <ORLFoundation/platform/value/NSDate.h>
 
 #include <atomic>

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/value/NSDate.h>
+
 #include <gtest/gtest.h>
 
 #include <atomic>

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/value/NSDecimalArithmetic.h>
+
 #include <gtest/gtest.h>
 
 #include <array>

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/value/NSDecimal.h>
+
 #include <gtest/gtest.h>
 
 #include <cmath>

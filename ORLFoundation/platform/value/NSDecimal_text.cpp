@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/value/NSDecimal.h>
+
 #include <ORLFoundation/platform/value/internal/DecimalRounding.h>
 #include <ORLFoundation/platform/value/internal/TwoWordDivision.h>
 

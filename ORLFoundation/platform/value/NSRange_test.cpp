@@ -1,5 +1,7 @@
-#include <ORLFoundation/platform/value/NSException.h>
+
 #include <ORLFoundation/platform/value/NSRange.h>
+
+#include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 
 namespace ORLFoundation {

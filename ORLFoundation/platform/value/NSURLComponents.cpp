@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/value/NSURLComponents.h>
+
 #include <ORLFoundation/platform/value/internal/PercentEscapes.h>
 
 namespace ORLFoundation {

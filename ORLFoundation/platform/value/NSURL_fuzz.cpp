@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/value/NSURL.h>
+
 #include <ORLFoundation/platform/value/NSURLComponents.h>
 
 #include <cstddef>

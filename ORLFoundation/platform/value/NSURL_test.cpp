@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/value/NSURL.h>
+
 #include <gtest/gtest.h>
 
 namespace ORLFoundation {

@@ -1,3 +1,5 @@
+
+
 #include <ORLFoundation/platform/value/NSUUID.h>
 
 #include <cstring>

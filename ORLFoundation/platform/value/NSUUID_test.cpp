@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/value/NSUUID.h>
+
 #include <gtest/gtest.h>
 
 #include <set>

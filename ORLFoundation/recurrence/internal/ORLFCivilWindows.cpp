@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/recurrence/internal/ORLFCivilWindows.h>
+
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
 
 #include <algorithm>

@@ -1,5 +1,7 @@
-#include <ORLFoundation/calendar/ORLFDateOrdering.h>
+
 #include <ORLFoundation/recurrence/internal/ORLFDateWalk.h>
+
+#include <ORLFoundation/calendar/ORLFDateOrdering.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
 
 #include <algorithm>

@@ -1,6 +1,8 @@
+
 #include <ORLFoundation/recurrence/internal/ORLFOlderPatterns.h>
+
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
-#include <ORLFoundation/support/ORLFCondition.h>
+#include <ORLFoundation/support/diagnostics/ORLFCondition.h>
 
 #include <string_view>
 #include <utility>

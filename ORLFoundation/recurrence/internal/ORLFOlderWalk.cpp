@@ -1,6 +1,8 @@
+
+#include <ORLFoundation/recurrence/internal/ORLFOlderWalk.h>
+
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
 #include <ORLFoundation/recurrence/internal/ORLFOlderPatterns.h>
-#include <ORLFoundation/recurrence/internal/ORLFOlderWalk.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
 
 #include <algorithm>

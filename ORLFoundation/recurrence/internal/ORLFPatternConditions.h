@@ -3,7 +3,7 @@
 #pragma once
 
 #include <ORLFoundation/platform/time/NSDateComponents.h>
-#include <ORLFoundation/support/ORLFCondition.h>
+#include <ORLFoundation/support/diagnostics/ORLFCondition.h>
 
 #include <string_view>
 

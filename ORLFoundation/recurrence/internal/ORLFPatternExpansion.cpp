@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/recurrence/internal/ORLFPatternExpansion.h>
+
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
 #include <ORLFoundation/recurrence/internal/ORLFWeekdayPatterns.h>
 

@@ -1,7 +1,9 @@
+
 #include <ORLFoundation/platform/archive/internal/ArchiveDocument.h>
+
 #include <ORLFoundation/platform/archive/internal/KeyedArchive.h>
-#include <ORLFoundation/platform/archive/internal/PropertyListBytes.h>
 #include <ORLFoundation/platform/archive/internal/StandardCoding.h>
+#include <ORLFoundation/platform/plist/PropertyListBytes.h>
 
 #include <optional>
 #include <string>

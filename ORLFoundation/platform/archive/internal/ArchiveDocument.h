@@ -2,7 +2,7 @@
 #pragma once
 
 #include <ORLFoundation/platform/archive/NSCodingClass.h>
-#include <ORLFoundation/platform/archive/internal/PropertyListTable.h>
+#include <ORLFoundation/platform/plist/PropertyListTable.h>
 #include <ORLFoundation/platform/value/NSData.h>
 
 #include <cstddef>

@@ -1,3 +1,5 @@
+
+
 #include <ORLFoundation/platform/archive/internal/DecimalCoding.h>
 
 #include <cstddef>

@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/archive/internal/ResolvedAddress.h>
+
 #include <libxml/globals.h>
 #include <libxml/uri.h>
 

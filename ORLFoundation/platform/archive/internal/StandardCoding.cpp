@@ -1,6 +1,8 @@
+
+#include <ORLFoundation/platform/archive/internal/StandardCoding.h>
+
 #include <ORLFoundation/platform/archive/internal/DecimalCoding.h>
 #include <ORLFoundation/platform/archive/internal/ResolvedAddress.h>
-#include <ORLFoundation/platform/archive/internal/StandardCoding.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
 
 #include <algorithm>

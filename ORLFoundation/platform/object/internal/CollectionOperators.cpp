@@ -1,6 +1,8 @@
+
+#include <ORLFoundation/platform/object/internal/CollectionOperators.h>
+
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSSet.h>
-#include <ORLFoundation/platform/object/internal/CollectionOperators.h>
 #include <ORLFoundation/platform/value/NSDecimalArithmetic.h>
 #include <ORLFoundation/platform/value/NSException.h>
 

@@ -1,3 +1,5 @@
+
+
 #include <ORLFoundation/platform/object/internal/DescriptionText.h>
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+
+
 #include <ORLFoundation/platform/object/internal/ExactComparison.h>
 
 #include <algorithm>

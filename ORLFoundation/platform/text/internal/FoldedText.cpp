@@ -1,5 +1,7 @@
-#include <ORLFoundation/platform/text/NSStringSearch.h>
+
 #include <ORLFoundation/platform/text/internal/FoldedText.h>
+
+#include <ORLFoundation/platform/text/NSStringSearch.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <unicode/normalizer2.h>
 #include <unicode/uchar.h>

@@ -1,5 +1,7 @@
-#include <ORLFoundation/platform/time/internal/CalendarFields.h>
+
 #include <ORLFoundation/platform/time/internal/CalendarRanges.h>
+
+#include <ORLFoundation/platform/time/internal/CalendarFields.h>
 
 namespace ORLFoundation {
 namespace {

@@ -1,6 +1,8 @@
+
+#include <ORLFoundation/platform/time/internal/CalendarSearch.h>
+
 #include <ORLFoundation/platform/time/internal/CalendarFields.h>
 #include <ORLFoundation/platform/time/internal/CalendarRanges.h>
-#include <ORLFoundation/platform/time/internal/CalendarSearch.h>
 
 #include <algorithm>
 

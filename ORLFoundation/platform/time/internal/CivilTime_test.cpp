@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/time/internal/CivilTime.h>
+
 #include <gtest/gtest.h>
 
 #include <chrono>

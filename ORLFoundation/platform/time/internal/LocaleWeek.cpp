@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/time/internal/LocaleWeek.h>
+
 #include <unicode/ucal.h>
 
 #include <memory>

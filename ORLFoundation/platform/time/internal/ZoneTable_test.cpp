@@ -1,5 +1,7 @@
-#include <ORLFoundation/platform/time/internal/CivilTime.h>
+
 #include <ORLFoundation/platform/time/internal/ZoneTable.h>
+
+#include <ORLFoundation/platform/time/internal/CivilTime.h>
 #include <cctz/time_zone.h>
 #include <gtest/gtest.h>
 

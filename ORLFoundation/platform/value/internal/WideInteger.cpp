@@ -1,3 +1,5 @@
+
+
 #include <ORLFoundation/platform/value/internal/WideInteger.h>
 
 #include <array>

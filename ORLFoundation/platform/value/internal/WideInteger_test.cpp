@@ -1,4 +1,6 @@
+
 #include <ORLFoundation/platform/value/internal/WideInteger.h>
+
 #include <gtest/gtest.h>
 
 #include <random>

@@ -1,0 +1,179 @@
+
+#include <ORLFoundation/platform/plist/internal/XMLPropertyListScalars.h>
+
+#include <ORLFoundation/platform/plist/PropertyListTable.h>
+
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <system_error>
+
+namespace ORLFoundation::internal {
+namespace {
+
+constexpr std::string_view kBlanks = " \t\n\r";
+constexpr std::string_view kBase64 =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr std::int64_t kSecondsOfDay = 86400;
+constexpr std::int64_t kDaysToReference = 11323;  // from 1970-01-01 to 2001-01-01
+
+std::string_view trimmed(std::string_view text) noexcept {
+  const std::size_t first = text.find_first_not_of(kBlanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+// Takes a sign off the text; true for minus.
+bool takeSign(std::string_view& text) noexcept {
+  const bool isNegative = text.starts_with('-');
+  if (isNegative || text.starts_with('+')) text.remove_prefix(1);
+  return isNegative;
+}
+
+bool equalWithoutCase(std::string_view text, std::string_view lowered) noexcept {
+  return std::equal(text.begin(), text.end(), lowered.begin(), lowered.end(),
+                    [](char left, char right) {
+                      return (left >= 'A' && left <= 'Z' ? left - 'A' + 'a' : left) == right;
+                    });
+}
+
+// Digits of an exact count at the start of a date's text, and the sign after them.
+int takeDigits(std::string_view& text, std::size_t digits, char mark) {
+  int value = 0;
+  const bool fits = text.size() > digits && text[digits] == mark && digits <= 5;
+  if (!fits) throw PropertyListFault("A date is written wrongly.");
+  for (std::size_t at = 0; at < digits; ++at) {
+    if (text[at] < '0' || text[at] > '9') throw PropertyListFault("A date is written wrongly.");
+    value = 10 * value + (text[at] - '0');
+  }
+  text.remove_prefix(digits + 1);
+  return value;
+}
+
+}  // namespace
+
+std::pair<std::uint64_t, bool> integerFromXML(std::string_view text) {
+  text = trimmed(text);
+  const bool isNegative = takeSign(text);
+  const bool isHexadecimal = text.starts_with("0x") || text.starts_with("0X");
+  if (isHexadecimal) text.remove_prefix(2);
+  std::uint64_t magnitude = 0;
+  const auto [end, error] =
+      std::from_chars(text.data(), text.data() + text.size(), magnitude, isHexadecimal ? 16 : 10);
+  constexpr std::uint64_t kMostNegative = std::uint64_t{1} << 63;
+  if (error != std::errc() || end != text.data() + text.size() ||
+      (isNegative && magnitude > kMostNegative))
+    throw PropertyListFault("An integer is written wrongly or out of range.");
+  return {isNegative ? std::uint64_t{0} - magnitude : magnitude, isNegative && magnitude != 0};
+}
+
+double realFromXML(std::string_view text) {
+  text = trimmed(text);
+  const bool isNegative = takeSign(text);
+  double value = 0;
+  if (equalWithoutCase(text, "nan")) {
+    value = std::numeric_limits<double>::quiet_NaN();
+  } else if (equalWithoutCase(text, "inf") || equalWithoutCase(text, "infinity")) {
+    value = std::numeric_limits<double>::infinity();
+  } else {
+    const bool startsRight =
+        !text.empty() && (text[0] == '.' || (text[0] >= '0' && text[0] <= '9'));
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (!startsRight || error != std::errc() || end != text.data() + text.size())
+      throw PropertyListFault("A real is written wrongly or out of range.");
+  }
+  return isNegative ? -value : value;
+}
+
+double dateFromXML(std::string_view text) {
+  text = trimmed(text);
+  const bool isNegative = text.starts_with('-');
+  if (isNegative) text.remove_prefix(1);
+  const int year =
+      takeDigits(text, std::max<std::size_t>(std::min(text.find('-'), text.size()), 4), '-');
+  const int month = takeDigits(text, 2, '-');
+  const int day = takeDigits(text, 2, 'T');
+  const std::int64_t hour = takeDigits(text, 2, ':');
+  const std::int64_t minute = takeDigits(text, 2, ':');
+  const int second = takeDigits(text, 2, 'Z');
+  const std::chrono::year_month_day date(std::chrono::year(isNegative ? -year : year),
+                                         std::chrono::month(static_cast<unsigned>(month)),
+                                         std::chrono::day(static_cast<unsigned>(day)));
+  if (!text.empty() || year > 32767 || !date.ok() || hour > 23 || minute > 59 || second > 59)
+    throw PropertyListFault("A date is written wrongly.");
+  const std::int64_t days =
+      std::chrono::sys_days(date).time_since_epoch().count() - kDaysToReference;
+  return static_cast<double>(days * kSecondsOfDay + hour * 3600 + minute * 60 + second);
+}
+
+std::string dataFromXML(std::string_view text) {
+  std::string bytes;
+  bytes.reserve(text.size() / 4 * 3);
+  std::uint32_t pending = 0;
+  int bits = 0;
+  for (const char character : text) {
+    if (character == '=') break;
+    if (static_cast<unsigned char>(character) >= 0x80)
+      throw PropertyListFault("Data holds a character that is not ASCII.");
+    const std::size_t value = kBase64.find(character);
+    if (value == std::string_view::npos) continue;
+    pending = pending << 6 | static_cast<std::uint32_t>(value);
+    bits += 6;
+    if (bits < 8) continue;
+    bits -= 8;
+    bytes += static_cast<char>(pending >> bits & 0xFF);
+  }
+  return bytes;
+}
+
+std::string realToXML(double value) {
+  if (std::isnan(value)) return "nan";
+  if (std::isinf(value)) return value > 0 ? "+infinity" : "-infinity";
+  if (value == 0) return "0.0";
+  char text[64];
+  const auto [end, error] =
+      std::to_chars(text, text + sizeof text, value, std::chars_format::general, 17);
+  return error == std::errc() ? std::string(text, end) : std::string();
+}
+
+std::string dateToXML(double seconds) {
+  constexpr double kMostDays = 32767.0 * 365;
+  const double whole = std::floor(seconds);
+  const double days = std::floor(whole / kSecondsOfDay);
+  if (!(std::abs(days) < kMostDays)) throw PropertyListFault("A date is out of range.");
+  const std::chrono::year_month_day date{
+      std::chrono::sys_days(std::chrono::days(static_cast<std::int64_t>(days) + kDaysToReference))};
+  const int second = static_cast<int>(whole - days * kSecondsOfDay);
+  const int year = static_cast<int>(date.year());
+  char text[64];
+  std::snprintf(text, sizeof text, "%s%04d-%02u-%02uT%02d:%02d:%02dZ", year < 0 ? "-" : "",
+                std::abs(year), static_cast<unsigned>(date.month()),
+                static_cast<unsigned>(date.day()), second / 3600, second / 60 % 60, second % 60);
+  return text;
+}
+
+std::string dataToXML(std::string_view bytes, std::string_view indent, std::size_t lineLength) {
+  std::string text;
+  std::string line;
+  const auto finishLine = [&] {
+    if (line.empty()) return;
+    text.append(indent).append(line).append("\n");
+    line.clear();
+  };
+  for (std::size_t at = 0; at < bytes.size(); at += 3) {
+    const std::size_t count = std::min<std::size_t>(3, bytes.size() - at);
+    std::uint32_t group = 0;
+    for (std::size_t byte = 0; byte < 3; ++byte)
+      group = group << 8 | (byte < count ? static_cast<unsigned char>(bytes[at + byte]) : 0U);
+    for (std::size_t digit = 0; digit < 4; ++digit)
+      line += digit <= count ? kBase64[group >> (18 - 6 * digit) & 0x3F] : '=';
+    if (line.size() >= lineLength) finishLine();
+  }
+  finishLine();
+  return text;
+}
+
+}  // namespace ORLFoundation::internal

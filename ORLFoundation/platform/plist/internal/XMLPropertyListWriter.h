@@ -1,0 +1,14 @@
+/// Writes XML lists.
+#pragma once
+
+#include <ORLFoundation/platform/plist/PropertyListTable.h>
+
+#include <string>
+
+namespace ORLFoundation::internal {
+
+/// Indented by tabs, dictionaries sorted by key. Throws `PropertyListFault` for a text that XML
+/// cannot hold and for a list that would grow beyond measure, since XML has no shared members.
+[[nodiscard]] std::string writeXMLPropertyList(const PropertyListTable& table);
+
+}  // namespace ORLFoundation::internal

@@ -1,0 +1,10 @@
+/// The types that the library declares itself.
+#pragma once
+
+#include <ORLFoundation/platform/types/UTTypeCatalog.h>
+
+namespace ORLFoundation::internal {
+
+[[nodiscard]] const UTTypeTable& builtInTypes();
+
+}  // namespace ORLFoundation::internal

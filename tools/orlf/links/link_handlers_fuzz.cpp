@@ -1,0 +1,21 @@
+
+#include "links/link_handlers.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+#include "cli/failure.h"
+
+/// Whatever the bytes, they are handlers with prefixes or a failure of one line.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  try {
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    for (const orlftool::LinkHandler& handler : orlftool::parseLinkHandlers(text, "handlers"))
+      if (handler.prefix.empty() || handler.prefix.find('\n') != std::string::npos) std::abort();
+  } catch (const orlftool::JobFailure& failure) {
+    if (std::string_view(failure.what()).find('\n') != std::string_view::npos) std::abort();
+  }
+  return 0;
+}
