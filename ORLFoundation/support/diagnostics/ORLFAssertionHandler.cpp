@@ -47,11 +47,12 @@ const std::shared_ptr<ORLFAssertionHandler>& sharedHandler() {
 
 std::shared_ptr<NSError> ORLFAssertionHandler::errorWithAssertion(std::string_view assertion,
                                                                   std::string_view context) {
-  NSDictionary::Entries userInfo{
-      {NSLocalizedDescriptionKey, "The following error occurred:"},
-      {NSLocalizedRecoverySuggestionErrorKey, stringWithFormat("%@\n\n%@", assertion, context)},
-      {NSLocalizedRecoveryOptionsErrorKey,
-       NSArray::arrayWithObjects({"Quit", IsDebugging() ? "Debug" : "Continue"})}};
+  NSDictionary::Entries userInfo;
+  userInfo.emplace_back(NSLocalizedDescriptionKey, "The following error occurred:");
+  userInfo.emplace_back(NSLocalizedRecoverySuggestionErrorKey,
+                        stringWithFormat("%@\n\n%@", assertion, context));
+  userInfo.emplace_back(NSLocalizedRecoveryOptionsErrorKey,
+                        NSArray::arrayWithObjects({"Quit", IsDebugging() ? "Debug" : "Continue"}));
   if (const auto self = weak_from_this().lock())
     userInfo.emplace_back(NSRecoveryAttempterErrorKey, self);
   return NSError::errorWithDomain(ORLFErrorDomain, kAssertionErrorCode,
