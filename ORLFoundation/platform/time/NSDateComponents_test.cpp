@@ -8,6 +8,8 @@
 namespace ORLFoundation {
 namespace {
 
+namespace civil = internal::base::civil;
+
 struct FieldCase {
   NSUInteger value;
   NSInteger (NSDateComponents::*read)() const noexcept;
