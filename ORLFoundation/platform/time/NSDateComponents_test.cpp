@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/time/NSDateComponents.h>
 
+#include <ORLFoundation/platform/base/CivilDays.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorCodec.h>
