@@ -26,6 +26,7 @@
 #include <ORLFoundation/decimal/ORLFMathematicalAxis.h>
 #include <ORLFoundation/decimal/ORLFMutableDecimalNumberHandler.h>
 #include <ORLFoundation/decimal/ORLFNegateDecimalNumberTransformer.h>
+#include <ORLFoundation/decimal/ORLFRoundingBehavior.h>
 #include <ORLFoundation/platform/alert/NSAlert.h>
 #include <ORLFoundation/platform/alert/NSAlertPresenter.h>
 #include <ORLFoundation/platform/alert/NSAssertionHandler.h>
