@@ -69,6 +69,11 @@ endfunction()
 function(orlf_add_test name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
   add_executable(${name} ${arg_SOURCES})
+  set(c_sources ${arg_SOURCES})
+  list(FILTER c_sources INCLUDE REGEX "[.]c$")
+  set_source_files_properties(${c_sources} PROPERTIES
+    SKIP_PRECOMPILE_HEADERS ON
+    SKIP_UNITY_BUILD_INCLUSION ON)
   # Helpers first: what they call in a folder is found in the archives after them.
   target_link_libraries(${name} PRIVATE orlf_test_support ${arg_LINKS} orlf_test_flags GTest::gmock_main)
   target_precompile_headers(${name} REUSE_FROM orlf_test_headers)
