@@ -38,7 +38,7 @@ check-forms:
 	scripts/check-format
 	scripts/check_includes.py
 	cmake --preset dev
-	cmake --build --preset dev --parallel $(JOBS) --target all_verify_interface_header_sets
+	scripts/check-headers
 
 # Installs the library, its headers and the tool under PREFIX.
 install:
