@@ -10,15 +10,13 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <tests/support/TemporaryFolder.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <thread>
 
 namespace ORLFoundation {
@@ -29,40 +27,16 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class NSUserDefaultsFileTest : public testing::Test {
+class NSUserDefaultsFileTest : public orlftest::TemporaryFolderTest {
  protected:
-  void SetUp() override {
-    std::string pattern = testing::TempDir() + "/defaultsXXXXXX";
-    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
-    path_ = folder_ / "app" / "defaults.plist";
-  }
-  void TearDown() override { fs::remove_all(folder_); }
-
   [[nodiscard]] std::shared_ptr<NSUserDefaultsFile> file() const {
     return std::make_shared<NSUserDefaultsFile>(path_.string());
   }
   [[nodiscard]] std::shared_ptr<NSUserDefaults> defaults() const {
     return std::make_shared<NSUserDefaults>(file());
   }
-  void write(const std::string& contents) const {
-    fs::create_directories(path_.parent_path());
-    std::ofstream(path_, std::ios::binary) << contents;
-  }
-  [[nodiscard]] static std::string read(const fs::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-  }
-  /// Names in the file's folder.
-  [[nodiscard]] std::vector<std::string> names() const {
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(path_.parent_path()))
-      names.push_back(entry.path().filename().string());
-    std::ranges::sort(names);
-    return names;
-  }
 
-  fs::path folder_, path_;
+  const fs::path path_ = folder_ / "app" / "defaults.plist";
   LogCapture log_;
 };
 
@@ -96,16 +70,16 @@ TEST_F(NSUserDefaultsFileTest, NeitherArgumentsNorRegisteredDefaultsAreWritten) 
 }
 
 TEST_F(NSUserDefaultsFileTest, ReadsXML) {
-  write(
-      "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>Columns</key>"
-      "<integer>3</integer></dict></plist>");
+  write(path_,
+        "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>Columns</key>"
+        "<integer>3</integer></dict></plist>");
   EXPECT_EQ(defaults()->integerForKey("Columns"), 3);
 }
 
 TEST_F(NSUserDefaultsFileTest, IsForTheUserAloneAndLeavesNothingElse) {
   defaults()->setInteger(1, "a");
   defaults()->setInteger(2, "a");
-  EXPECT_THAT(names(), ElementsAre("defaults.plist"));
+  EXPECT_THAT(names("app"), ElementsAre("defaults.plist"));
   struct stat status {};
   ASSERT_EQ(::stat(path_.c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0777U, 0600U);
@@ -158,7 +132,7 @@ TEST_F(NSUserDefaultsFileTest, ChangesOfManyThreadsAndObjectsStay) {
     });
   for (auto& thread : threads) thread.join();
   EXPECT_EQ(defaults()->dictionaryRepresentation()->count(), 40U);
-  EXPECT_THAT(names(), ElementsAre("defaults.plist"));
+  EXPECT_THAT(names("app"), ElementsAre("defaults.plist"));
 }
 
 TEST_F(NSUserDefaultsFileTest, ChangesOfManyProcessesStay) {
@@ -194,7 +168,7 @@ TEST_F(NSUserDefaultsFileTest, ABrokenFileIsLoggedAndKeptAside) {
   for (const BrokenCase& row : kBroken) {
     SCOPED_TRACE(row.name);
     log_.clear();
-    write(row.contents);
+    write(path_, row.contents);
     const auto own = defaults();
     EXPECT_THAT(log_.lines(),
                 ElementsAre("The user defaults cannot be read: " + path_.string() +
@@ -204,14 +178,14 @@ TEST_F(NSUserDefaultsFileTest, ABrokenFileIsLoggedAndKeptAside) {
     own->setInteger(1, "a");
     EXPECT_EQ(read(path_.string() + ".broken"), row.contents);
     EXPECT_EQ(defaults()->integerForKey("a"), 1);
-    EXPECT_THAT(names(), ElementsAre("defaults.plist", "defaults.plist.broken"));
+    EXPECT_THAT(names("app"), ElementsAre("defaults.plist", "defaults.plist.broken"));
     fs::remove_all(path_.parent_path());
   }
 }
 
 TEST_F(NSUserDefaultsFileTest, NoBrokenFileTakesTheNameOfAnother) {
   for (const char* contents : {"one", "two", "three"}) {
-    write(contents);
+    write(path_, contents);
     defaults()->setInteger(1, "a");
   }
   EXPECT_EQ(read(path_.string() + ".broken"), "one");
@@ -237,7 +211,7 @@ TEST_F(NSUserDefaultsFileTest, WhatCannotBeReadIsNotReplaced) {
 }
 
 TEST_F(NSUserDefaultsFileTest, AFolderThatCannotBeMadeIsAnError) {
-  std::ofstream(folder_ / "app") << "a file";
+  write("app", "a file");
   std::shared_ptr<const NSError> error;
   EXPECT_EQ(file()->apply({{"a", 1}}, &error), nullptr);
   ASSERT_NE(error, nullptr);
@@ -262,7 +236,7 @@ TEST_F(NSUserDefaultsFileTest, ADiskThatIsFullKeepsTheFile) {
   int status = -1;
   EXPECT_EQ(::waitpid(child, &status, 0), child);
   EXPECT_EQ(status, 0);
-  EXPECT_THAT(names(), ElementsAre("defaults.plist"));
+  EXPECT_THAT(names("app"), ElementsAre("defaults.plist"));
 }
 
 struct PathCase {
