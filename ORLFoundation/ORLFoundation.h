@@ -33,6 +33,7 @@
 #include <ORLFoundation/platform/archive/NSCodingClass.h>
 #include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
 #include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
+#include <ORLFoundation/platform/archive/NSSecureCoding.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaults.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaultsFile.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
