@@ -14,9 +14,11 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cmath>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
 #include <thread>
 
 namespace ORLFoundation {
@@ -121,6 +123,47 @@ TEST_F(NSUserDefaultsFileTest, ChangesOfOthersStay) {
   second->removeObjectForKey("a");
   first->setInteger(3, "c");
   EXPECT_EQ(first->integerForKey("a"), 0);
+}
+
+TEST_F(NSUserDefaultsFileTest, AValueThatIsSetAgainTakesThePlaceOfAnothers) {
+  const auto first = defaults(), second = defaults();
+  first->setInteger(1, "a");
+  second->setInteger(2, "a");
+  first->setInteger(1, "a");
+  EXPECT_EQ(defaults()->integerForKey("a"), 1);
+  second->removeObjectForKey("a");
+  first->setInteger(1, "a");
+  EXPECT_EQ(defaults()->integerForKey("a"), 1);
+  first->removeObjectForKey("b");
+  second->setInteger(2, "b");
+  first->removeObjectForKey("b");
+  EXPECT_TRUE(defaults()->objectForKey("b").isNil());
+}
+
+TEST_F(NSUserDefaultsFileTest, KeepsTheKindsOfNumbersThatAreEqual) {
+  const id kinds[] = {true, 1, 1.0, false, 0, 0.0, -0.0, 5, 5.0};
+  const auto isKept = [](const id& value, const id& kept) {
+    const auto *number = value.get<NSNumber>(), *back = kept.get<NSNumber>();
+    return back != nullptr && number->kind() == back->kind() && *number == *back &&
+           std::signbit(number->doubleValue()) == std::signbit(back->doubleValue());
+  };
+  const auto own = defaults();
+  for (const id& value : kinds) {
+    own->setObject(value, "a");
+    own->setObject(NSArray::arrayWithObjects({value}), "array");
+    own->setObject(NSDictionary::dictionaryWithEntries({{"k", value}}), "dictionary");
+    const auto others = defaults();
+    for (const auto& reader : {own, others}) {
+      EXPECT_TRUE(isKept(value, reader->objectForKey("a"))) << value.description();
+      EXPECT_TRUE(isKept(value, reader->arrayForKey("array")->firstObject()));
+      EXPECT_TRUE(isKept(value, reader->dictionaryForKey("dictionary")->objectForKey("k")));
+    }
+  }
+  own->setObject(std::make_shared<NSArray>(std::vector<id>(std::begin(kinds), std::end(kinds))),
+                 "all");
+  const auto all = defaults()->arrayForKey("all");
+  for (NSUInteger index = 0; index < all->count(); ++index)
+    EXPECT_TRUE(isKept(kinds[index], all->objectAtIndex(index))) << index;
 }
 
 TEST_F(NSUserDefaultsFileTest, ChangesOfManyThreadsAndObjectsStay) {
