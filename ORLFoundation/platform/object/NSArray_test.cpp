@@ -110,9 +110,9 @@ TEST(NSArray, DescribesBytesThatAreNoTextAsReplacements) {
       {"OverlongOfFour", "\xf0\x80\x80\xaf", 4},
       {"Surrogate", "\xed\xa0\x80", 3},
       {"BeyondTheLast", "\xf4\x90\x80\x80", 4},
-      {"CutOff", "\xe2\x82", 2},
+      {"CutOff", "\xe2\x82", 1},
       {"LoneContinuation", "\x80", 1},
-      {"LeadBeforeALetter", "\xe2\x82z", 2},
+      {"LeadBeforeALetter", "\xe2\x82z", 1},
   };
   for (const auto& row : cases) {
     std::string units = "(\n    \"", text;
