@@ -91,7 +91,7 @@ class NSMutableArray final : public NSArray {
   /// which moves while others are removed.
   void removeObject(id object);
   /// `removeAllObjects`
-  void removeAllObjects() noexcept { members_.clear(); }
+  void removeAllObjects() noexcept;
 
   [[nodiscard]] std::string className() const override { return "NSMutableArray"; }
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;
