@@ -1,5 +1,6 @@
 
 #include <ORLFoundation/amortization/ORLFPaymentSchedules.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 
 #include <gtest/gtest.h>
 #include <tests/support/RecurrenceCodec.h>
