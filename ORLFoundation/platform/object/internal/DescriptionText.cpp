@@ -18,8 +18,8 @@ void appendUnit(std::string& out, char32_t unit) {
   base::appendHexByte(out, static_cast<std::uint8_t>(unit));
 }
 
-void appendCharacter(std::string& out, char32_t character) {
-  if (character < 0x10000) return appendUnit(out, character);
+void appendUnits(std::string& out, char32_t character) {
+  if (base::unitsInUTF16(character) == 1) return appendUnit(out, character);
   appendUnit(out, 0xd800 + ((character - 0x10000) >> 10));
   appendUnit(out, 0xdc00 + ((character - 0x10000) & 0x3ff));
 }
@@ -48,6 +48,25 @@ void appendASCII(std::string& out, char c) {
 
 }  // namespace
 
+std::string characterText(NSUInteger codePoint) {
+  std::string text;
+  base::appendUTF8(
+      text, codePoint > 0x10ffff ? base::kReplacementCharacter : static_cast<char32_t>(codePoint));
+  return text;
+}
+
+std::string wellFormed(std::string_view text) {
+  if (base::isUTF8(text)) return std::string(text);
+  std::string out;
+  out.reserve(text.size());
+  while (!text.empty()) {
+    const base::UTF8Character character = base::firstUTF8Character(text);
+    base::appendUTF8(out, character.codePoint);
+    text.remove_prefix(character.length);
+  }
+  return out;
+}
+
 std::string quotedWhereNeeded(std::string_view text) {
   if (!text.empty() && std::ranges::all_of(text, base::isLetterOrDigit<char>))
     return std::string(text);
@@ -57,10 +76,9 @@ std::string quotedWhereNeeded(std::string_view text) {
     if (character.codePoint < 0x80) {
       appendASCII(out, text.front());
     } else {
-      appendCharacter(out, character.codePoint);
+      appendUnits(out, character.codePoint);
     }
-    // Of what is broken each byte shows.
-    text.remove_prefix(character.isBroken ? 1 : character.length);
+    text.remove_prefix(character.length);
   }
   return out += '"';
 }
