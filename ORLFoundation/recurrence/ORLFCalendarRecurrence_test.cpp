@@ -45,12 +45,11 @@ class CalendarRecurrence : public testing::Test {
         *calendar_, {.recurrenceRule = rule,
                      .startDate = start,
                      .backwards = backwards,
-                     .referenceDate = reference,
-                     .usingBlock = [&](NSDate date, NSUInteger count, bool& stop) {
+                     .referenceDate = reference}, [&](NSDate date, NSUInteger count, bool& stop) {
                        if (dates.empty() && firstCount) *firstCount = count;
                        dates.push_back(date);
                        stop = dates.size() >= most;
-                     }});
+                     });
     return daysOf(dates, *calendar_);
   }
 };

@@ -85,11 +85,10 @@ class Ours {
   void walk(std::size_t most, Visit visit) const {
     rule_->enumerateDatesForCalendarStartDate(
         {.calendar = *calendar_,
-         .startDate = kStart,
-         .usingBlock = [&](NSDate date, NSUInteger count, bool& stop) {
+         .startDate = kStart}, [&](NSDate date, NSUInteger count, bool& stop) {
            visit(date);
            stop = count >= most;
-         }});
+         });
   }
   [[nodiscard]] std::vector<LocalTime> localTimes() const {
     std::vector<LocalTime> times;

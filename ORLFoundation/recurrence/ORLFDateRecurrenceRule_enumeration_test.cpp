@@ -59,11 +59,10 @@ TEST_F(Enumeration, GivesTheStartDateFirstWithTheNumberOne) {
   rule.enumerateDatesForCalendarStartDate(
       {.calendar = *calendar_,
        .startDate = morning(2023, 1, 31),
-       .end = ORLFDateRecurrenceEnd::initEndWithOccurrenceCount(1),
-       .usingBlock = [&](NSDate date, NSUInteger count, bool&) {
+       .end = ORLFDateRecurrenceEnd::initEndWithOccurrenceCount(1)}, [&](NSDate date, NSUInteger count, bool&) {
          dates.push_back(date);
          counts.push_back(count);
-       }});
+       });
   EXPECT_EQ(dates, std::vector<NSDate>{morning(2023, 1, 31)});
   EXPECT_EQ(counts, std::vector<NSUInteger>{1});
 }

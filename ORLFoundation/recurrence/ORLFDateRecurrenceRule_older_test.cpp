@@ -33,11 +33,10 @@ class OlderEnumeration : public testing::Test {
     Rule::ruleWithFields(fields)->enumerateDatesForCalendarRefernceDate(
         {.calendar = *calendar_,
          .refernceDate = reference,
-         .backwards = backwards,
-         .usingBlock = [&](NSDate date, NSUInteger, bool& stop) {
+         .backwards = backwards}, [&](NSDate date, NSUInteger, bool& stop) {
            dates.push_back(date);
            stop = dates.size() >= most;
-         }});
+         });
     return daysOf(dates, *calendar_);
   }
 };
@@ -53,8 +52,7 @@ TEST_F(OlderEnumeration, CountsFromZero) {
       .enumerateDatesForCalendarRefernceDate(
           {.calendar = *calendar_,
            .refernceDate = day(2023, 1, 1),
-           .end = ORLFDateRecurrenceEnd::initEndWithOccurrenceCount(3),
-           .usingBlock = [&](NSDate, NSUInteger count, bool&) { counts.push_back(count); }});
+           .end = ORLFDateRecurrenceEnd::initEndWithOccurrenceCount(3)}, [&](NSDate, NSUInteger count, bool&) { counts.push_back(count); });
   EXPECT_EQ(counts, (std::vector<NSUInteger>{0, 1, 2}));
 }
 
@@ -105,11 +103,10 @@ TEST_F(OlderEnumeration, CallsTheBlockAgainAfterItsStopWhereAnEndAnswersOtherwis
       ->enumerateDatesForCalendarRefernceDate(
           {.calendar = *calendar_,
            .refernceDate = day(2023, 1, 20),
-           .end = ORLFDateRecurrenceEnd::initEndWithOccurrenceCount(99),
-           .usingBlock = [&](NSDate date, NSUInteger, bool& stop) {
+           .end = ORLFDateRecurrenceEnd::initEndWithOccurrenceCount(99)}, [&](NSDate date, NSUInteger, bool& stop) {
              seen.push_back(daysOf({date}, *calendar_).front());
              stop = true;
-           }});
+           });
   EXPECT_EQ(seen, (Days{20230205, 20230210, 20230215}));
   // Without an end the first stop holds.
   EXPECT_EQ(days({.frequency = kMonthly, .daysOfTheMonth = {{5, 10, 15}}}, day(2023, 1, 20), 1),
@@ -137,8 +134,7 @@ TEST_F(OlderEnumeration, EndsWhereTheCalendarEndsAndWithoutADate) {
   Rule(kMonthly, 1)
       .enumerateDatesForCalendarRefernceDate(
           {.calendar = *calendar_,
-           .refernceDate = std::nullopt,
-           .usingBlock = [&](NSDate, NSUInteger, bool& stop) { called = stop = true; }});
+           .refernceDate = std::nullopt}, [&](NSDate, NSUInteger, bool& stop) { called = stop = true; });
   EXPECT_FALSE(called);
 }
 

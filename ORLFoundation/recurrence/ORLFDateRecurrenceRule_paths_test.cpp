@@ -12,8 +12,8 @@
 namespace ORLFoundation {
 namespace {
 
-using internal::ORLFCivilWindows;
-using internal::ORLFDateWalk;
+using internal::recurrence::ORLFCivilWindows;
+using internal::recurrence::ORLFDateWalk;
 using Rule = ORLFDateRecurrenceRule;
 
 struct Start {
@@ -135,7 +135,7 @@ Walked walk(const Rule& rule, const NSCalendar& calendar, NSDate start, bool bac
   walked.periods =
       ORLFDateWalk(
           rule,
-          {.calendar = calendar, .startDate = start, .backwards = backwards, .usingBlock = take},
+          {.calendar = calendar, .startDate = start, .backwards = backwards}, take,
           paths)
           .run();
   walked.log = log.lines();
@@ -153,7 +153,7 @@ TEST(ORLFCivilWindows, AgreeWithTheGeneralWalkOnRandomRules) {
     const bool backwards = round % 4 == 0;
     const ORLFDateRecurrenceBlock none = [](NSDate, NSUInteger, bool&) {};
     if (ORLFCivilWindows::forRule(*rule,
-                                  {.calendar = *calendar, .startDate = start, .usingBlock = none}))
+                                  {.calendar = *calendar, .startDate = start}, none))
       ++served;
     const Walked general =
         walk(*rule, *calendar, start, backwards, ORLFDateWalk::Paths::kGeneralOnly);
@@ -186,12 +186,10 @@ TEST(ORLFCivilWindows, AgreeThroughCenturiesOfClockChanges) {
         auto& into = dates[paths == ORLFDateWalk::Paths::kAll ? 0 : 1];
         ORLFDateWalk(rule,
                      {.calendar = *calendar,
-                      .startDate = start,
-                      .usingBlock =
-                          [&](NSDate date, NSUInteger count, bool& stop) {
+                      .startDate = start}, [&](NSDate date, NSUInteger count, bool& stop) {
                             into.push_back(date.timeIntervalSinceReferenceDate());
                             stop = count == 12'000;
-                          }},
+                          },
                      paths)
             .run();
       }

@@ -1,9 +1,9 @@
 // Reading iCalendar recurrence lines, and the English sentences of rules.
 
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule_testing.h>
 
 #include <gtest/gtest.h>
-#include <tests/support/RecurrenceCodec.h>
 
 namespace ORLFoundation {
 namespace {

@@ -27,11 +27,10 @@ inline std::vector<ORLFoundation::NSDate> firstDates(
                                            .startDate = start,
                                            .end = options.end,
                                            .backwards = options.backwards,
-                                           .exactPatternMatch = options.exact,
-                                           .usingBlock = [&](NSDate date, NSUInteger, bool& stop) {
+                                           .exactPatternMatch = options.exact}, [&](NSDate date, NSUInteger, bool& stop) {
                                              dates.push_back(date);
                                              stop = dates.size() >= most;
-                                           }});
+                                           });
   return dates;
 }
 
@@ -55,9 +54,8 @@ inline ORLFoundation::NSUInteger periodsOf(const ORLFoundation::ORLFDateRecurren
   using namespace ORLFoundation;
   std::size_t delivered = 0;
   const NSUInteger periods =
-      internal::ORLFDateWalk(rule, {.calendar = calendar,
-                                    .startDate = start,
-                                    .usingBlock = [&](NSDate, NSUInteger, bool&) { ++delivered; }})
+      internal::recurrence::ORLFDateWalk(rule, {.calendar = calendar,
+                                    .startDate = start}, [&](NSDate, NSUInteger, bool&) { ++delivered; })
           .run();
   EXPECT_EQ(delivered, 0U);
   return periods;

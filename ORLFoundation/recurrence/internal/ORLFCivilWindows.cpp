@@ -1,7 +1,9 @@
 
 #include <ORLFoundation/recurrence/internal/ORLFCivilWindows.h>
 
+#include <ORLFoundation/recurrence/ORLFFrequencyFacts.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
+#include <ORLFoundation/recurrence/internal/ORLFRuleLists.h>
 
 #include <algorithm>
 #include <chrono>
@@ -9,15 +11,12 @@
 #include <functional>
 #include <iterator>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::recurrence {
 namespace {
 
 using Rule = ORLFDateRecurrenceRule;
 
 constexpr std::int64_t kSecondsPerDay = 86400;
-constexpr NSInteger kDaysPerWeek = 7;
-constexpr NSInteger kMonthsPerYear = 12;
-constexpr NSInteger kMonthsPerQuarter = 3;
 /// Years of one era that every step below can count with.
 constexpr NSInteger kFirstYear = 1;
 constexpr NSInteger kLastYear = 30'000;
@@ -27,16 +26,10 @@ constexpr NSInteger kFarthestStep = 100'000'000;
 /// Clocks change by a day at most; dates farther from a change show a time that no other instant
 /// shows.
 constexpr double kReachOfClockChange = kSecondsPerDay + 3600;
-constexpr NSInteger kAnyDay = -1;
 /// No month has more Mondays.
 constexpr NSInteger kMostOfAWeekday = 5;
 /// Every month has as many days.
 constexpr NSInteger kDaysOfAnyMonth = 28;
-
-template <class List>
-bool holdsEntries(const List& list) {
-  return list && !list->empty();
-}
 
 constexpr std::int64_t floorModulo(std::int64_t value, std::int64_t divisor) {
   const std::int64_t rest = value % divisor;
@@ -64,8 +57,8 @@ bool stepsByMonths(const Rule& rule) {
          rule.frequency() != ORLFDateRecurrenceFrequencyWeekly;
 }
 
-/// How many months or days a rule's unit has; 0 for a frequency that is none.
-NSInteger lengthOfUnit(ORLFDateRecurrenceFrequency frequency) {
+/// How many months or days a rule's unit has; nil for a frequency outside the enumeration.
+std::optional<NSInteger> lengthOfUnit(ORLFDateRecurrenceFrequency frequency) {
   switch (frequency) {
     case ORLFDateRecurrenceFrequencyYearly:
       return kMonthsPerYear;
@@ -77,7 +70,7 @@ NSInteger lengthOfUnit(ORLFDateRecurrenceFrequency frequency) {
     case ORLFDateRecurrenceFrequencyDaily:
       return 1;
   }
-  return 0;
+  return std::nullopt;
 }
 
 bool namesOnlyMonthsOfTheYear(const Rule& rule) {
@@ -114,7 +107,8 @@ bool namesWeekdayOfTheWeek(const ORLFDateRecurrenceDayOfWeek& day) {
 std::optional<ORLFCivilWindows> ORLFCivilWindows::forRule(
     const Rule& rule, const Rule::EnumerateDatesStartDate& arguments) {
   const auto source = sourceOf(rule);
-  const auto step = product(rule.interval(), lengthOfUnit(rule.frequency()));
+  const auto units = lengthOfUnit(rule.frequency());
+  const auto step = units ? product(rule.interval(), *units) : std::nullopt;
   if (!source || !step || arguments.calendar.calendarIdentifier() != NSCalendarIdentifierGregorian)
     return std::nullopt;
   std::optional<ORLFCivilWindows> windows(
@@ -148,7 +142,7 @@ std::optional<ORLFCivilWindows::Source> ORLFCivilWindows::sourceOf(const Rule& r
       (weekly && ofListedMonths))
     return std::nullopt;
   const auto isServed = [=](const auto& day) {
-    return day && (weekly ? namesWeekdayOfTheWeek(*day) : namesPlaceInMonth(*day, ofListedMonths));
+    return weekly ? namesWeekdayOfTheWeek(*day) : namesPlaceInMonth(*day, ofListedMonths);
   };
   if (!std::all_of(rule.daysOfTheWeek()->begin(), rule.daysOfTheWeek()->end(), isServed))
     return std::nullopt;
@@ -299,4 +293,4 @@ std::optional<NSDate> ORLFCivilWindows::dateOfDay(Day day) noexcept {
   return NSDate::dateWithTimeIntervalSince1970(local - offset_);
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::recurrence

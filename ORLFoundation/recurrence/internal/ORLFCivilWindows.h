@@ -13,7 +13,7 @@
 #include <boost/container/small_vector.hpp>
 #include <optional>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::recurrence {
 
 class ORLFCivilWindows {
  public:
@@ -88,4 +88,4 @@ class ORLFCivilWindows {
   double offset_ = 0;
 };
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::recurrence

@@ -2,28 +2,21 @@
 #include <ORLFoundation/recurrence/internal/ORLFDateWalk.h>
 
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
+#include <ORLFoundation/recurrence/ORLFFrequencyFacts.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
 
 #include <algorithm>
 #include <utility>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::recurrence {
 namespace {
 
-constexpr NSInteger kMonthsPerQuarter = 3;
 /// Each empty period counts for two, so that 60 in a row end a walk.
 constexpr int kEmptinessLimit = 120;
 constexpr int kEmptinessOfPeriod = 2;
 
-NSCalendarUnit unitOf(const ORLFDateRecurrenceRule& rule) {
-  return rule.frequency() == ORLFDateRecurrenceFrequencyQuarterly
-             ? NSCalendarUnitMonth
-             : static_cast<NSCalendarUnit>(rule.frequency());
-}
-
 std::optional<NSInteger> stepOf(const ORLFDateRecurrenceRule& rule, bool backwards) {
-  const NSInteger units =
-      rule.frequency() == ORLFDateRecurrenceFrequencyQuarterly ? kMonthsPerQuarter : 1;
+  const NSInteger units = isQuarterly(rule.frequency()) ? kMonthsPerQuarter : 1;
   return product(rule.interval(), backwards ? -units : units);
 }
 
@@ -31,9 +24,10 @@ std::optional<NSInteger> stepOf(const ORLFDateRecurrenceRule& rule, bool backwar
 
 ORLFDateWalk::ORLFDateWalk(const ORLFDateRecurrenceRule& rule,
                            const ORLFDateRecurrenceRule::EnumerateDatesStartDate& arguments,
-                           Paths paths)
+                           ORLFDateRecurrenceBlock usingBlock, Paths paths)
     : arguments_(arguments),
-      unit_(unitOf(rule)),
+      usingBlock_(usingBlock),
+      unit_(steppingUnitOf(rule.frequency())),
       step_(stepOf(rule, arguments.backwards)),
       simple_(rule.isSimpleRecurrence()),
       civil_(paths == Paths::kAll ? ORLFCivilWindows::forRule(rule, arguments) : std::nullopt),
@@ -124,9 +118,9 @@ void ORLFDateWalk::deliver() {
       stop_ = arguments_.end->shouldEndForDate(date, static_cast<NSInteger>(delivered_),
                                                arguments_.backwards);
     if (stop_) return;
-    arguments_.usingBlock(date, ++delivered_, stop_);
+    usingBlock_(date, ++delivered_, stop_);
     if (stop_) return;
   }
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::recurrence

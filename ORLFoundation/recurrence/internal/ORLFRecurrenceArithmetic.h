@@ -5,7 +5,7 @@
 
 #include <optional>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::recurrence {
 
 /// The remainder with the sign of the dividend; 0 by 0.
 [[nodiscard]] constexpr NSInteger remainder(NSInteger value, NSInteger divisor) noexcept {
@@ -24,4 +24,4 @@ namespace ORLFoundation::internal {
   return value;
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::recurrence

@@ -1,5 +1,4 @@
-/// Recurrence rules and their ends in the form that vector files write them. Tests that use it link
-/// the recurrence folder.
+/// Rules and their ends in the form that vector files write them.
 #pragma once
 
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
