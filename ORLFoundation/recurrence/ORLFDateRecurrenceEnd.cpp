@@ -46,8 +46,7 @@ const NSKeyTable& ORLFDateRecurrenceEnd::keyTable() const {
   static const NSKeyTable table(
       NSObject::keyTable(),
       {NSKey::readWrite<&End::endDate, &End::setEndDate>(kEndDateKey),
-       NSKey::readWrite<&End::occurrenceCount, &End::setOccurrenceCount>(
-           kOccurrenceCountKey)});
+       NSKey::readWrite<&End::occurrenceCount, &End::setOccurrenceCount>(kOccurrenceCountKey)});
   return table;
 }
 

@@ -2,10 +2,10 @@
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 
 #include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
+#include <ORLFoundation/platform/base/CheckedArithmetic.h>
 #include <ORLFoundation/platform/object/NSKeyTable.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 #include <ORLFoundation/recurrence/ORLFFrequencyFacts.h>
-#include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceKeys.h>
 
 #include <typeinfo>
@@ -53,8 +53,8 @@ const NSKeyTable& ORLFDateRecurrencePeriod::keyTable() const {
       NSObject::keyTable(),
       {NSKey::readWrite<&Period::frequency, &Period::setFrequency>(kFrequencyKey),
        NSKey::readWrite<&Period::interval, &Period::setInterval>(kIntervalKey),
-       NSKey::readOnly<&Period::frequencyPerYear>(
-           "frequencyPerYear", {kFrequencyKey, kIntervalKey})});
+       NSKey::readOnly<&Period::frequencyPerYear>("frequencyPerYear",
+                                                  {kFrequencyKey, kIntervalKey})});
   return table;
 }
 
@@ -92,7 +92,7 @@ std::optional<NSDate> dateByAddingRecurrencePeriod(const NSCalendar& calendar,
                                                    const ORLFDateRecurrencePeriod& period,
                                                    NSInteger value, NSDate toDate,
                                                    NSUInteger options) noexcept {
-  const std::optional<NSInteger> units = product(value, period.interval());
+  const std::optional<NSInteger> units = internal::base::checkedProduct(value, period.interval());
   if (!units) return std::nullopt;
   return calendar.dateByAddingUnit(unitOf(period.frequency()), *units, toDate, options);
 }
@@ -102,7 +102,8 @@ NSInteger intervalInRecurrencePeriod(const NSCalendar& calendar,
                                      NSDate toDate) noexcept {
   const NSInteger interval = period.interval();
   if (interval == 0) return 0;
-  const NSInteger units = orlfIntervalInCalendarUnit(calendar, unitOf(period.frequency()), fromDate, toDate);
+  const NSInteger units =
+      orlfIntervalInCalendarUnit(calendar, unitOf(period.frequency()), fromDate, toDate);
   return interval == -1 ? static_cast<NSInteger>(-static_cast<NSUInteger>(units))
                         : units / interval;
 }

@@ -36,10 +36,9 @@ NSInteger normalizedAnchor(NSInteger anchor, NSInteger interval) {
 
 bool equalLists(const Rule::DaysOfTheWeek& left, const Rule::DaysOfTheWeek& right) {
   if (!left || !right) return left.has_value() == right.has_value();
-  return std::equal(left->begin(), left->end(), right->begin(), right->end(),
-                    [](const auto& one, const auto& other) {
-                      return one == other || one->isEqual(other.get());
-                    });
+  return std::equal(
+      left->begin(), left->end(), right->begin(), right->end(),
+      [](const auto& one, const auto& other) { return one == other || one->isEqual(other.get()); });
 }
 
 /// A list's hash is its length, nil's is 0.

@@ -2,7 +2,8 @@
 /// multiply the dates within each period. A rule holds no calendar; the calendar that an operation
 /// is given decides what the dates are.
 ///
-///     const auto rule = std::make_shared<ORLFDateRecurrenceRule>(ORLFDateRecurrenceRule::Recurrence{
+///     const auto rule =
+///     std::make_shared<ORLFDateRecurrenceRule>(ORLFDateRecurrenceRule::Recurrence{
 ///         .frequency = ORLFDateRecurrenceFrequencyMonthly, .daysOfTheMonth = {{1, 15}}});
 ///     rule->enumerateDatesForCalendarStartDate(
 ///         {.calendar = *calendar,
@@ -134,8 +135,8 @@ class ORLFDateRecurrenceRule : public NSObject, public NSSecureCoding {
   /// `dateRecurrenceRuleForExactMatchToReferenceDate:calendar:`
   /// A rule that names the reference date's day (monthly, quarterly), weekday (weekly) or day and
   /// month (yearly), so that periods without it yield no date. The receiver (on the stack: an equal
-  /// rule) when it names days already, and for any other frequency. The new rule has the anchor of a new rule and is not
-  /// absolute; a yearly one replaces the receiver's months.
+  /// rule) when it names days already, and for any other frequency. The new rule has the anchor of
+  /// a new rule and is not absolute; a yearly one replaces the receiver's months.
   [[nodiscard]] std::shared_ptr<ORLFDateRecurrenceRule>
   dateRecurrenceRuleForExactMatchToReferenceDate(NSDate referenceDate, const NSCalendar& calendar);
 

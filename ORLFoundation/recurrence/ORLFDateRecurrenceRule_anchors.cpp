@@ -3,6 +3,7 @@
 
 #include <ORLFoundation/calendar/ORLFCalendarRounding.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
+#include <ORLFoundation/platform/base/CheckedArithmetic.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 #include <ORLFoundation/recurrence/ORLFFrequencyFacts.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
@@ -39,7 +40,7 @@ NSInteger positionOf(NSInteger elapsed, NSInteger days) {
 }
 
 NSInteger spanOf(NSInteger interval, NSInteger unitsEach) {
-  return product(interval, unitsEach).value_or(NSIntegerMax);
+  return internal::base::checkedProduct(interval, unitsEach).value_or(NSIntegerMax);
 }
 
 /// The earliest date at or before the first slot of the anchor's span that a pattern describes.
@@ -48,11 +49,11 @@ std::optional<NSDate> firstOfPatterns(const ORLFDateRecurrenceRule& rule,
   const auto patterns = rule.matchingDateComponentsOld();
   const auto anchor = ORLFDateRecurrenceRule::universalAnchorDateInCalendar(calendar);
   if (!patterns || !anchor) return std::nullopt;
-  const auto units =
-      product(1 - rule.interval(), isQuarterly(rule.frequency()) ? kMonthsPerQuarterlySpan : 1);
-  const auto origin = units
-                          ? calendar.dateByAddingUnit(steppingUnitOf(rule.frequency()), *units, *anchor, 0)
-                          : std::nullopt;
+  const auto units = internal::base::checkedProduct(
+      1 - rule.interval(), isQuarterly(rule.frequency()) ? kMonthsPerQuarterlySpan : 1);
+  const auto origin =
+      units ? calendar.dateByAddingUnit(steppingUnitOf(rule.frequency()), *units, *anchor, 0)
+            : std::nullopt;
   if (!origin) return std::nullopt;
   std::optional<NSDate> first;
   for (const NSDateComponents& pattern : *patterns) {

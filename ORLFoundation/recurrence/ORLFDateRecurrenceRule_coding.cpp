@@ -79,8 +79,7 @@ void ORLFDateRecurrencePeriod::encodeWithCoder(NSCoder& coder) const {
 
 std::shared_ptr<ORLFDateRecurrencePeriod> ORLFDateRecurrencePeriod::initWithCoder(NSCoder& coder) {
   const ORLFDateRecurrenceFrequency frequency = decodeFrequency(coder);
-  return std::make_shared<ORLFDateRecurrencePeriod>(frequency,
-                                                    coder.decodeInteger(kIntervalKey));
+  return std::make_shared<ORLFDateRecurrencePeriod>(frequency, coder.decodeInteger(kIntervalKey));
 }
 
 const NSCodingClass& ORLFDateRecurrenceDayOfWeek::codingClass() {
@@ -97,8 +96,7 @@ void ORLFDateRecurrenceDayOfWeek::encodeWithCoder(NSCoder& coder) const {
 std::shared_ptr<ORLFDateRecurrenceDayOfWeek> ORLFDateRecurrenceDayOfWeek::initWithCoder(
     NSCoder& coder) {
   const NSInteger day = coder.decodeInteger(kDayOfTheWeekKey);
-  return std::make_shared<ORLFDateRecurrenceDayOfWeek>(
-      day, coder.decodeInteger(kWeekNumberKey));
+  return std::make_shared<ORLFDateRecurrenceDayOfWeek>(day, coder.decodeInteger(kWeekNumberKey));
 }
 
 const NSCodingClass& ORLFDateRecurrenceEnd::codingClass() {

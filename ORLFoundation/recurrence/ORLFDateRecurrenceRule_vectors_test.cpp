@@ -15,7 +15,7 @@
 namespace {
 
 using namespace ORLFoundation;
-using orlftest::Json;
+using namespace orlftest;
 
 Json jsonFromDates(const std::vector<NSDate>& dates) {
   Json list = Json::array();
@@ -51,8 +51,8 @@ std::string enumerated(const Json& in, const Json& out) {
       .startDate = orlftest::dateFromVector(in.at("start")).value(),
       .end = orlftest::endFromVector(in.at("end")),
       .backwards = in.at("backwards").get<bool>(),
-      .exactPatternMatch = in.at("exactPatternMatch").get<bool>()}, collector;
-  rule->enumerateDatesForCalendarStartDate(arguments);
+      .exactPatternMatch = in.at("exactPatternMatch").get<bool>()};
+  rule->enumerateDatesForCalendarStartDate(arguments, collector);
   Json answer = {{"conditions", log.distinctLines()},
                  {"dates", jsonFromDates(collector.dates)},
                  {"lastCount", collector.counts.empty() ? Json() : Json(collector.counts.back())},
@@ -63,7 +63,7 @@ std::string enumerated(const Json& in, const Json& out) {
   if (arguments.exactPatternMatch && rule->isSimpleRecurrence())
     walked = rule->dateRecurrenceRuleForExactMatchToReferenceDate(arguments.startDate, *calendar);
   collector.dates.clear();
-  answer["periods"] = internal::recurrence::ORLFDateWalk(*walked, arguments).run();
+  answer["periods"] = internal::recurrence::ORLFDateWalk(*walked, arguments, collector).run();
   return orlftest::disagreement(out, answer);
 }
 
@@ -80,7 +80,8 @@ std::string enumeratedOlder(const Json& in, const Json& out) {
       {.calendar = *calendar,
        .refernceDate = orlftest::dateFromVector(in.at("reference")),
        .end = orlftest::endFromVector(in.at("end")),
-       .backwards = in.at("backwards").get<bool>()}, collector);
+       .backwards = in.at("backwards").get<bool>()},
+      collector);
   return orlftest::disagreement(out, Json{{"conditions", log.distinctLines()},
                                           {"dates", jsonFromDates(collector.dates)},
                                           {"stoppedByCallback", collector.stopped}});
@@ -209,10 +210,12 @@ std::string queriedWalk(const Json& in, const Json& out) {
   const auto rule = orlftest::ruleFromVector(in.at("rule"));
   Collector collector{in.at("stopAfter").get<NSUInteger>(), {}, {}, false};
   enumerateDatesUsingRecurrenceRule(
-      *calendar, {.recurrenceRule = *rule,
-                  .startDate = orlftest::dateFromVector(in.at("startDate")).value(),
-                  .backwards = in.at("backwards").get<bool>(),
-                  .referenceDate = orlftest::dateFromVector(in.at("reference"))}, collector);
+      *calendar,
+      {.recurrenceRule = *rule,
+       .startDate = orlftest::dateFromVector(in.at("startDate")).value(),
+       .backwards = in.at("backwards").get<bool>(),
+       .referenceDate = orlftest::dateFromVector(in.at("reference"))},
+      collector);
   return orlftest::disagreement(
       out,
       Json{{"dates", jsonFromDates(collector.dates)},

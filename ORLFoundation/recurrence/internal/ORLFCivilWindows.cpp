@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/recurrence/internal/ORLFCivilWindows.h>
 
+#include <ORLFoundation/platform/base/CheckedArithmetic.h>
 #include <ORLFoundation/recurrence/ORLFFrequencyFacts.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
 #include <ORLFoundation/recurrence/internal/ORLFRuleLists.h>
@@ -73,6 +74,13 @@ std::optional<NSInteger> lengthOfUnit(ORLFDateRecurrenceFrequency frequency) {
   return std::nullopt;
 }
 
+/// A pattern takes the one value that means "not set" for just that.
+bool leavesADayOpen(const Rule& rule) {
+  const auto& days = rule.daysOfTheMonth();
+  return holdsEntries(days) &&
+         std::find(days->begin(), days->end(), NSDateComponentUndefined) != days->end();
+}
+
 bool namesOnlyMonthsOfTheYear(const Rule& rule) {
   const auto& months = rule.monthsOfTheYear();
   return !holdsEntries(months) || std::all_of(months->begin(), months->end(), [](NSInteger month) {
@@ -84,6 +92,7 @@ bool namesOnlyMonthsOfTheYear(const Rule& rule) {
 /// month has.
 bool namesPlaceInMonth(const ORLFDateRecurrenceDayOfWeek& day, bool ofListedMonths) {
   if (day.dayOfTheWeek() == kAnyDay) return day.weekNumber() <= kDaysOfAnyMonth;
+  if (day.weekNumber() == NSDateComponentUndefined) return false;
   return day.dayOfTheWeek() >= 1 && day.dayOfTheWeek() <= kDaysPerWeek &&
          (day.weekNumber() > 0 || !ofListedMonths);
 }
@@ -108,7 +117,7 @@ std::optional<ORLFCivilWindows> ORLFCivilWindows::forRule(
     const Rule& rule, const Rule::EnumerateDatesStartDate& arguments) {
   const auto source = sourceOf(rule);
   const auto units = lengthOfUnit(rule.frequency());
-  const auto step = units ? product(rule.interval(), *units) : std::nullopt;
+  const auto step = units ? base::checkedProduct(rule.interval(), *units) : std::nullopt;
   if (!source || !step || arguments.calendar.calendarIdentifier() != NSCalendarIdentifierGregorian)
     return std::nullopt;
   std::optional<ORLFCivilWindows> windows(
@@ -130,7 +139,8 @@ ORLFCivilWindows::ORLFCivilWindows(const Rule& rule, const NSCalendar& calendar,
 /// nil where the lists work together otherwise than each month (or week) by itself.
 std::optional<ORLFCivilWindows::Source> ORLFCivilWindows::sourceOf(const Rule& rule) {
   if (rule.isSimpleRecurrence() || holdsEntries(rule.weeksOfTheYear()) ||
-      holdsEntries(rule.daysOfTheYear()) || !namesOnlyMonthsOfTheYear(rule))
+      holdsEntries(rule.daysOfTheYear()) || !namesOnlyMonthsOfTheYear(rule) ||
+      leavesADayOpen(rule))
     return std::nullopt;
   const bool weekly = rule.frequency() == ORLFDateRecurrenceFrequencyWeekly;
   const bool ofListedMonths = holdsEntries(rule.monthsOfTheYear());
@@ -149,11 +159,14 @@ std::optional<ORLFCivilWindows::Source> ORLFCivilWindows::sourceOf(const Rule& r
   return weekly ? Source::kDaysOfTheSameWeek : Source::kDaysOfTheWeek;
 }
 
-/// A date with a fraction of a second is left to the general walk, which knows how fields round it.
+/// A date with a fraction of a second, however small, is left to the general walk, which knows how
+/// fields round it.
 bool ORLFCivilWindows::startAt(NSDate startDate) {
-  const double seconds = startDate.timeIntervalSince1970();
+  const double sinceReference = startDate.timeIntervalSinceReferenceDate();
   constexpr double kFarthest = 1e12;
-  if (!(std::abs(seconds) < kFarthest) || seconds != std::floor(seconds)) return false;
+  if (!(std::abs(sinceReference) < kFarthest) || sinceReference != std::floor(sinceReference))
+    return false;
+  const double seconds = startDate.timeIntervalSince1970();
   const auto local = static_cast<std::int64_t>(seconds) + zone_.secondsFromGMTForDate(startDate);
   secondsOfDay_ = floorModulo(local, kSecondsPerDay);
   const auto start = civilDay((local - secondsOfDay_) / kSecondsPerDay);
@@ -182,8 +195,8 @@ std::optional<NSDate> ORLFCivilWindows::collectNext(Dates& window) {
 /// Counted from the start date, as every end is, so that a day that clamps once comes back.
 std::optional<ORLFCivilWindows::CivilDay> ORLFCivilWindows::endOfWindow(
     NSInteger index) const noexcept {
-  const auto steps = product(index, backwards_ ? -1 : 1);
-  const auto units = steps ? product(*steps, step_) : std::nullopt;
+  const auto steps = base::checkedProduct(index, backwards_ ? -1 : 1);
+  const auto units = steps ? base::checkedProduct(*steps, step_) : std::nullopt;
   if (!units || *units > kFarthestStep || *units < -kFarthestStep) return std::nullopt;
   if (!byMonths_) return civilDay(start_.day + *units);
   const NSInteger months = start_.year * kMonthsPerYear + start_.month - 1 + *units;

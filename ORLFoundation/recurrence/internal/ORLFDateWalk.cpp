@@ -2,6 +2,7 @@
 #include <ORLFoundation/recurrence/internal/ORLFDateWalk.h>
 
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
+#include <ORLFoundation/platform/base/CheckedArithmetic.h>
 #include <ORLFoundation/recurrence/ORLFFrequencyFacts.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
 
@@ -17,7 +18,7 @@ constexpr int kEmptinessOfPeriod = 2;
 
 std::optional<NSInteger> stepOf(const ORLFDateRecurrenceRule& rule, bool backwards) {
   const NSInteger units = isQuarterly(rule.frequency()) ? kMonthsPerQuarter : 1;
-  return product(rule.interval(), backwards ? -units : units);
+  return base::checkedProduct(rule.interval(), backwards ? -units : units);
 }
 
 }  // namespace
@@ -61,7 +62,7 @@ std::optional<NSDate> ORLFDateWalk::collectNextWindow(NSInteger index) {
 /// Always counted from the start date, so that a month's end that clamps once stays out of the
 /// windows after it. nil where the calendar ends, and with it the walk.
 std::optional<NSDate> ORLFDateWalk::endOfWindow(NSInteger index) const noexcept {
-  const std::optional<NSInteger> units = step_ ? product(index, *step_) : std::nullopt;
+  const std::optional<NSInteger> units = step_ ? base::checkedProduct(index, *step_) : std::nullopt;
   if (!units) return std::nullopt;
   return arguments_.calendar.dateByAddingUnit(unit_, *units, arguments_.startDate, 0);
 }

@@ -2,6 +2,7 @@
 #include <ORLFoundation/recurrence/internal/ORLFOlderWalk.h>
 
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
+#include <ORLFoundation/platform/base/CheckedArithmetic.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 #include <ORLFoundation/recurrence/ORLFFrequencyFacts.h>
 #include <ORLFoundation/recurrence/internal/ORLFOlderPatterns.h>
@@ -52,8 +53,8 @@ bool ORLFOlderWalk::canPickFrom(NSDate start) const {
   if (!holdsEntries(rule_.setPositions())) return true;
   NSUInteger most = 1;
   if (patterns_) {
-    most = static_cast<NSUInteger>(std::count_if(
-        patterns_->begin(), patterns_->end(), [&](const NSDateComponents& pattern) {
+    most = static_cast<NSUInteger>(
+        std::count_if(patterns_->begin(), patterns_->end(), [&](const NSDateComponents& pattern) {
           return isEverMatched(pattern, arguments_.calendar, start);
         }));
   }
@@ -70,9 +71,9 @@ std::optional<NSDate> ORLFOlderWalk::base() const {
   std::optional<NSDate> date = arguments_.refernceDate;
   if (rule_.absolute()) date = rule_.canonicalReferenceDateForDate(date, arguments_.calendar);
   if (!date || rule_.interval() < 2) return date;
-  NSInteger slots = 0;
-  if (__builtin_sub_overflow(rule_.anchorIndex(), rule_.interval(), &slots)) return std::nullopt;
-  const auto units = product(slots, isQuarterly(rule_.frequency()) ? kMonthsPerQuarter : 1);
+  const auto slots = base::checkedDifference(rule_.anchorIndex(), rule_.interval());
+  const NSInteger unitsPerSlot = isQuarterly(rule_.frequency()) ? kMonthsPerQuarter : 1;
+  const auto units = slots ? base::checkedProduct(*slots, unitsPerSlot) : std::nullopt;
   if (!units) return std::nullopt;
   return arguments_.calendar.dateByAddingUnit(unit_, *units, *date, NSCalendarSearchBackwards);
 }
@@ -80,10 +81,11 @@ std::optional<NSDate> ORLFOlderWalk::base() const {
 /// Forward begins one interval after the base, backward at it. With patterns a quarterly rule steps
 /// by whole years, because its patterns name a month in each quarter.
 std::optional<NSDate> ORLFOlderWalk::dateOfPeriod(NSDate base, NSInteger number) const noexcept {
-  const auto step = product(rule_.interval(), arguments_.backwards ? -number : number + 1);
+  const auto step =
+      base::checkedProduct(rule_.interval(), arguments_.backwards ? -number : number + 1);
   NSInteger units = 1;
   if (isQuarterly(rule_.frequency())) units = patterns_ ? kMonthsPerYear : kMonthsPerQuarter;
-  const auto count = step ? product(*step, units) : std::nullopt;
+  const auto count = step ? base::checkedProduct(*step, units) : std::nullopt;
   if (!count) return std::nullopt;
   return arguments_.calendar.dateByAddingUnit(unit_, *count, base, 0);
 }
@@ -96,10 +98,9 @@ void ORLFOlderWalk::collectPeriod(NSDate period) {
   }
   const NSCalendar& calendar = arguments_.calendar;
   for (const NSDateComponents& pattern : *patterns_) {
-    const auto date =
-        calendar.date(period, pattern)
-            ? period
-            : calendar.nextDateAfterDate(period, pattern, kLookBack);
+    const auto date = calendar.date(period, pattern)
+                          ? period
+                          : calendar.nextDateAfterDate(period, pattern, kLookBack);
     if (date) dates_.push_back(*date);
   }
   if (arguments_.backwards)

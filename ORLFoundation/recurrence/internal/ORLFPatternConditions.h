@@ -26,10 +26,10 @@ inline constexpr ORLFPatternField kWeekOfYearField = {
     NSCalendarUnitWeekOfYear, "dateComponent.weekOfYear == NSDateComponentUndefined",
     "dateComponenet.weekOfYear == NSDateComponentUndefined",
     "NSDateComponents weekOfYear should not be defined yet"};
-inline constexpr ORLFPatternField kDayField = {
-    NSCalendarUnitDay, "dateComponent.day == NSDateComponentUndefined",
-    "dateComponenet.day == NSDateComponentUndefined",
-    "NSDateComponents day should not be defined yet"};
+inline constexpr ORLFPatternField kDayField = {NSCalendarUnitDay,
+                                               "dateComponent.day == NSDateComponentUndefined",
+                                               "dateComponenet.day == NSDateComponentUndefined",
+                                               "NSDateComponents day should not be defined yet"};
 /// The older expansion writes the weekday first, and without a condition.
 inline constexpr ORLFPatternField kWeekdayField = {
     NSCalendarUnitWeekday, "dateComponent.weekday == NSDateComponentUndefined", "",

@@ -69,8 +69,7 @@ void ORLFPatternExpansion::expandMonths() {
     return;
   }
   const std::vector<NSInteger>& months = *rule_.monthsOfTheYear();
-  const bool ofTheQuarter =
-      (!hasReference_ || !calendar_) && isQuarterly(rule_.frequency());
+  const bool ofTheQuarter = (!hasReference_ || !calendar_) && isQuarterly(rule_.frequency());
   if (ofTheQuarter) {
     expandBy(months, [this](NSInteger month, const NSDateComponents& pattern) {
       const NSInteger first = reducedMonth(month, kMonthsPerQuarter);

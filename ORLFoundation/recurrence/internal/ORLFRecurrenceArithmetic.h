@@ -3,8 +3,6 @@
 
 #include <ORLFoundation/platform/value/NSTypes.h>
 
-#include <optional>
-
 namespace ORLFoundation::internal::recurrence {
 
 /// The remainder with the sign of the dividend; 0 by 0.
@@ -15,13 +13,6 @@ namespace ORLFoundation::internal::recurrence {
 /// The sum, wrapped around where it does not fit.
 [[nodiscard]] constexpr NSInteger wrappedSum(NSInteger left, NSInteger right) noexcept {
   return static_cast<NSInteger>(static_cast<NSUInteger>(left) + static_cast<NSUInteger>(right));
-}
-
-/// The product; nil where it does not fit.
-[[nodiscard]] constexpr std::optional<NSInteger> product(NSInteger left, NSInteger right) noexcept {
-  NSInteger value = 0;
-  if (__builtin_mul_overflow(left, right, &value)) return std::nullopt;
-  return value;
 }
 
 }  // namespace ORLFoundation::internal::recurrence
