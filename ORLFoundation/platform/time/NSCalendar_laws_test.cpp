@@ -13,6 +13,8 @@
 namespace ORLFoundation {
 namespace {
 
+using namespace internal::time;
+
 struct CalendarCase {
   const char* zone;
   NSInteger firstWeekday, minimumDays;

@@ -1,7 +1,7 @@
 
 #include <ORLFoundation/platform/time/NSTimeZone.h>
 
-#include <ORLFoundation/platform/time/internal/CalendarRules.h>
+#include <ORLFoundation/platform/time/internal/CalendarInstants.h>
 
 #include <algorithm>
 #include <cctype>
@@ -13,6 +13,9 @@
 #include <mutex>
 
 namespace ORLFoundation {
+
+using namespace internal::time;
+
 namespace {
 
 constexpr NSInteger kLargestOffset = NSInteger{18} * 3600;

@@ -13,7 +13,9 @@
 
 namespace ORLFoundation {
 
+namespace internal::time {
 class ZoneTable;
+}
 
 class NSTimeZone : public NSObject {
  public:
@@ -59,14 +61,14 @@ class NSTimeZone : public NSObject {
   std::shared_ptr<NSObject> copy() override;
 
   /// The immutable table behind the zone, for calendars.
-  [[nodiscard]] const ZoneTable& table() const noexcept { return *table_; }
+  [[nodiscard]] const internal::time::ZoneTable& table() const noexcept { return *table_; }
 
   /// Use one of the operations above.
-  NSTimeZone(std::string name, std::shared_ptr<const ZoneTable> table);
+  NSTimeZone(std::string name, std::shared_ptr<const internal::time::ZoneTable> table);
 
  private:
   std::string name_;
-  std::shared_ptr<const ZoneTable> table_;
+  std::shared_ptr<const internal::time::ZoneTable> table_;
 };
 
 }  // namespace ORLFoundation

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-namespace ORLFoundation {
+namespace ORLFoundation::internal::time {
 namespace {
 
 constexpr NSInteger kNanosecondsPerSecond = 1'000'000'000;
@@ -93,7 +93,7 @@ Instant addWeekYears(const CalendarRules& rules, NSInteger value, Instant to) no
     return Instant::none();
   }
   const std::int32_t days =
-      rules.firstDayOfWeekYear(static_cast<std::int32_t>(year)) - rules.firstDayOfWeekYear(from);
+      firstDayOfWeekYear(rules, static_cast<std::int32_t>(year)) - firstDayOfWeekYear(rules, from);
   return addDays(rules, days, 1, to);
 }
 
@@ -300,7 +300,7 @@ Instant addWeeksWrapping(const CalendarRules& rules, NSInteger value, civil::Day
                          Instant to) noexcept {
   const WeekOfYear week = weekOfYear(rules, local.day, civil::dateFromDay(local.day));
   const std::int64_t weeks =
-      (rules.firstDayOfWeekYear(week.year + 1) - rules.firstDayOfWeekYear(week.year)) / 7;
+      (firstDayOfWeekYear(rules, week.year + 1) - firstDayOfWeekYear(rules, week.year)) / 7;
   const std::int64_t moved = wrapped(week.week, value, 1, weeks) - week.week;
   return replaceLocal(rules, civil::joinSeconds(local.day + moved * 7, local.second), to);
 }
@@ -346,7 +346,7 @@ Instant addUnitWrapping(const CalendarRules& rules, NSCalendarUnit unit, NSInteg
       return moveDay(wrapped(date.day, value, 1, civil::daysInMonth(date.year, date.month)) -
                      date.day);
     case NSCalendarUnitWeekday: {
-      const std::int64_t now = rules.dayOfWeek(local.day);
+      const std::int64_t now = dayOfWeek(rules, local.day);
       return moveDay(wrapped(now, value, 0, 7) - now);
     }
     case NSCalendarUnitWeek:
@@ -366,4 +366,4 @@ Instant addUnitWrapping(const CalendarRules& rules, NSCalendarUnit unit, NSInteg
   }
 }
 
-}  // namespace ORLFoundation
+}  // namespace ORLFoundation::internal::time

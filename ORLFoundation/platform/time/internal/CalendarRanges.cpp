@@ -3,7 +3,7 @@
 
 #include <ORLFoundation/platform/time/internal/CalendarFields.h>
 
-namespace ORLFoundation {
+namespace ORLFoundation::internal::time {
 namespace {
 
 constexpr NSRange kNoRange{static_cast<NSUInteger>(NSNotFound), 0};
@@ -30,7 +30,7 @@ DayRange daysAround(const CalendarRules& rules, NSCalendarUnit unit, std::int32_
     case NSCalendarUnitWeek:
     case NSCalendarUnitWeekOfYear:
     case NSCalendarUnitWeekOfMonth: {
-      const std::int32_t first = day - rules.dayOfWeek(day);
+      const std::int32_t first = day - dayOfWeek(rules, day);
       return DayRange{first, first + 7};
     }
     case NSCalendarUnitMonth: {
@@ -46,7 +46,7 @@ DayRange daysAround(const CalendarRules& rules, NSCalendarUnit unit, std::int32_
       return monthsFrom(civil::dateFromDay(day).year, 1, 12);
     case NSCalendarUnitYearForWeekOfYear: {
       const std::int32_t year = weekOfYear(rules, day, civil::dateFromDay(day)).year;
-      return DayRange{rules.firstDayOfWeekYear(year), rules.firstDayOfWeekYear(year + 1)};
+      return DayRange{firstDayOfWeekYear(rules, year), firstDayOfWeekYear(rules, year + 1)};
     }
     default:
       return DayRange{0, 0};
@@ -96,9 +96,9 @@ NSRange rangeFrom(std::int64_t location, std::int64_t length) noexcept {
 // Weeks that hold a day of the range. The first counts as 0 where its number is that of a week of
 // the year (month) before.
 NSRange weeksWithin(const CalendarRules& rules, DayRange range) noexcept {
-  const std::int32_t first = range.begin - rules.dayOfWeek(range.begin);
+  const std::int32_t first = range.begin - dayOfWeek(rules, range.begin);
   const std::int32_t weeks = (range.end - 1 - first) / 7 + 1;
-  return rangeFrom(rules.firstWeekFrom(range.begin) > range.begin ? 0 : 1, weeks);
+  return rangeFrom(firstWeekFrom(rules, range.begin) > range.begin ? 0 : 1, weeks);
 }
 
 NSRange dayNumbersWithin(NSCalendarUnit larger, DayRange range) noexcept {
@@ -236,4 +236,4 @@ NSRange smallestRange(const CalendarRules& rules, NSCalendarUnit unit) noexcept 
   return hasWeekZero ? NSRange{0, 5} : limits->smallest;
 }
 
-}  // namespace ORLFoundation
+}  // namespace ORLFoundation::internal::time
