@@ -100,8 +100,8 @@ TEST_F(EnumerationLimits, LeavesAFieldOpenThatIsSetToTheMarkOfAnUnsetOne) {
   // A month without a day is its first day, a weekday without a number its first one.
   const Rule day(Rule::Recurrence{.frequency = kMonthly, .daysOfTheMonth = {{NSIntegerMax}}});
   EXPECT_EQ(days(day, morning(2023, 1, 2), 2), (Days{20230201, 20230301}));
-  const Rule monday(Rule::Recurrence{.frequency = kMonthly,
-                                     .daysOfTheWeek = weekdays({{2, NSIntegerMax}})});
+  const Rule monday(
+      Rule::Recurrence{.frequency = kMonthly, .daysOfTheWeek = weekdays({{2, NSIntegerMax}})});
   EXPECT_EQ(days(monday, morning(2023, 1, 1), 2), (Days{20230102, 20230206}));
 }
 
