@@ -13,6 +13,9 @@
 #include <utility>
 
 namespace ORLFoundation {
+
+using namespace internal::defaults;
+
 namespace {
 
 struct Standard {
@@ -171,7 +174,7 @@ std::optional<NSData> NSUserDefaults::dataForKey(std::string_view key) const {
 }
 
 std::optional<NSURL> NSUserDefaults::URLForKey(std::string_view key) const {
-  return internal::addressOfValue(objectForKey(key));
+  return addressOfValue(objectForKey(key));
 }
 
 std::shared_ptr<NSDictionary> NSUserDefaults::dictionaryRepresentation() const {
@@ -188,7 +191,7 @@ std::shared_ptr<NSDictionary> NSUserDefaults::dictionaryRepresentation() const {
 
 void NSUserDefaults::setObject(const id& object, std::string_view forKey) {
   if (object) refuseUnlessPropertyList(object, forKey);
-  changeValue(forKey, [&] { keep(internal::immutableCopy(object), forKey); });
+  changeValue(forKey, [&] { keep(immutableCopy(object), forKey); });
 }
 
 void NSUserDefaults::setValueForKey(const id& value, std::string_view key) {
@@ -196,14 +199,14 @@ void NSUserDefaults::setValueForKey(const id& value, std::string_view key) {
 }
 
 void NSUserDefaults::setURL(const std::optional<NSURL>& url, std::string_view forKey) {
-  setObject(url ? internal::valueOfAddress(*url) : id(), forKey);
+  setObject(url ? valueOfAddress(*url) : id(), forKey);
 }
 
 void NSUserDefaults::removeObjectForKey(std::string_view key) { setObject(nullptr, key); }
 
 void NSUserDefaults::registerDefaults(const NSDictionary& defaults) {
-  const auto added = internal::immutableCopy(std::make_shared<NSDictionary>(defaults.entries()))
-                         .as<NSDictionary>();
+  const auto added =
+      immutableCopy(std::make_shared<NSDictionary>(defaults.entries())).as<NSDictionary>();
   const std::lock_guard guard(lock_);
   NSMutableDictionary all(registered_->entries());
   all.addEntriesFromDictionary(*added);
@@ -211,8 +214,10 @@ void NSUserDefaults::registerDefaults(const NSDictionary& defaults) {
 }
 
 void NSUserDefaults::setArguments(const NSDictionary& arguments) {
+  auto fixed =
+      immutableCopy(std::make_shared<NSDictionary>(arguments.entries())).as<NSDictionary>();
   const std::lock_guard guard(lock_);
-  arguments_ = std::make_shared<NSDictionary>(arguments.entries());
+  arguments_ = std::move(fixed);
 }
 
 bool NSUserDefaults::synchronize() { return writeUnwritten() && readAgain(); }
@@ -220,7 +225,6 @@ bool NSUserDefaults::synchronize() { return writeUnwritten() && readAgain(); }
 void NSUserDefaults::keep(const id& object, std::string_view key) {
   {
     const std::lock_guard guard(lock_);
-    if (unwritten_.empty() && kept_->objectForKey(key) == object) return;
     unwritten_.insert_or_assign(std::string(key), object);
   }
   static_cast<void>(writeUnwritten());
@@ -241,7 +245,7 @@ bool NSUserDefaults::writeUnwritten() {
       // What has been set anew meanwhile waits for its own turn.
       std::erase_if(unwritten_, [&](const auto& entry) {
         const auto written = changes.find(entry.first);
-        return written != changes.end() && written->second == entry.second;
+        return written != changes.end() && isSameValue(written->second, entry.second);
       });
       return true;
     }

@@ -289,8 +289,13 @@ void useCustomHandlerUnderTest() {
   CHECK_IN_CHILD(customHandler() == own);
   threadDictionary()->removeAllObjects();
   const auto handler = customHandler();
+  CHECK_IN_CHILD(threadDictionary()->count() == 0);
   CHECK_IN_CHILD(handler == NSAssertionHandler::currentHandler());
   CHECK_IN_CHILD(dynamic_cast<ORLFAssertionHandler*>(handler.get()) == nullptr);
+  std::thread([] {
+    CHECK_IN_CHILD(customHandler() != nullptr);
+    CHECK_IN_CHILD(threadDictionary()->count() == 0);
+  }).join();
   // Found out once: the value may go.
   NSUserDefaults::standardUserDefaults()->removeObjectForKey("XCTest");
   threadDictionary()->removeAllObjects();

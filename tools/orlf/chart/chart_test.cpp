@@ -6,12 +6,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <limits>
 #include <string>
 
+#include <tests/support/TemporaryFolder.h>
 #include "chart/chart_scale.h"
 #include "cli/common_options.h"
 #include "cli/failure.h"
@@ -103,19 +101,15 @@ TEST(DateTicks, AreNoneWithoutALength) {
   EXPECT_TRUE(orlftool::dateTicks(NSDate(), NSDate(), 11, *calendar, "en_US").empty());
 }
 
-class DrawChart : public testing::Test {
+class DrawChart : public orlftest::TemporaryFolderTest {
  protected:
   void SetUp() override {
-    std::string pattern = testing::TempDir() + "/chartXXXXXX";
-    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
     chart_.title = "A title";
     chart_.calendar = orlftool::makeCalendar("UTC", "en_US");
     chart_.lines.push_back({"Balance", points(100), false});
     chart_.lines.push_back({"Contributions", points(50), true});
     chart_.marks.push_back(NSDate::dateWithTimeIntervalSinceReferenceDate(3e8));
   }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
 
   static std::vector<orlftool::ChartPoint> points(double growth) {
     std::vector<orlftool::ChartPoint> points;
@@ -125,11 +119,9 @@ class DrawChart : public testing::Test {
   }
   std::string draw(const std::string& name) {
     orlftool::drawChart(chart_, folder_ / name);
-    std::ifstream file(folder_ / name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    return read(name);
   }
 
-  std::filesystem::path folder_;
   Chart chart_;
 };
 
@@ -137,9 +129,7 @@ TEST_F(DrawChart, WritesTheKindOfFileThatItsNameSays) {
   EXPECT_NE(draw("a.svg").find("<svg"), std::string::npos);
   EXPECT_TRUE(draw("a.png").starts_with("\x89PNG\r\n"));
   EXPECT_TRUE(draw("A.PDF").starts_with("%PDF-"));
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_),
-                          std::filesystem::directory_iterator()),
-            3);
+  EXPECT_EQ(names().size(), 3U);
 }
 
 TEST_F(DrawChart, DrawsWhatItIsGiven) {
@@ -176,7 +166,7 @@ TEST_F(DrawChart, RefusesOtherFilesAndChartsWithoutBalances) {
   EXPECT_THROW((void)draw("a.svg"), orlftool::JobFailure);
   chart_.lines.push_back({"One date", {{NSDate(), 1}}, false});
   EXPECT_THROW((void)draw("a.svg"), orlftool::JobFailure);
-  EXPECT_TRUE(std::filesystem::is_empty(folder_));
+  EXPECT_TRUE(names().empty());
 }
 
 }  // namespace

@@ -72,6 +72,18 @@ std::string_view lastLabel(std::string_view host) {
   return point == host.npos ? std::string_view() : host.substr(point + 1);
 }
 
+/// How many letters a label has; marks on them are none.
+std::size_t lettersOf(std::string_view label) {
+  const auto* bytes = reinterpret_cast<const std::uint8_t*>(label.data());
+  std::size_t letters = 0;
+  for (std::size_t at = 0; at < label.size();) {
+    UChar32 character = U_SENTINEL;
+    U8_NEXT(bytes, at, label.size(), character);
+    if (character >= 0 && (U_GET_GC_MASK(character) & U_GC_L_MASK) != 0) ++letters;
+  }
+  return letters;
+}
+
 }  // namespace
 
 std::size_t lengthOfLocalCharacter(std::string_view text, std::size_t at) {
@@ -105,7 +117,7 @@ bool hasTopLevelDomain(std::string_view host) {
   if (base::equalsLower(label.substr(0, kEncoded.size()), kEncoded)) return true;
   const bool hasOther = std::any_of(label.begin(), label.end(),
                                     [](char c) { return (c >= '0' && c <= '9') || c == '-'; });
-  return label.size() >= 2 && !hasOther;
+  return lettersOf(label) >= 2 && !hasOther;
 }
 
 bool hasCommonTopLevelDomain(std::string_view host) {
