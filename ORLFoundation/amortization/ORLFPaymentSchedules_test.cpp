@@ -1,8 +1,8 @@
 
 #include <ORLFoundation/amortization/ORLFPaymentSchedules.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule_testing.h>
 
 #include <gtest/gtest.h>
-#include <tests/support/RecurrenceCodec.h>
 
 namespace ORLFoundation {
 namespace {
