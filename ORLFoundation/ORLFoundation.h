@@ -20,6 +20,7 @@
 #include <ORLFoundation/calendar/ORLFISO8601.h>
 #include <ORLFoundation/decimal/ORLFDecimal.h>
 #include <ORLFoundation/decimal/ORLFDecimalAmount.h>
+#include <ORLFoundation/decimal/ORLFDecimalErrorBehavior.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
 #include <ORLFoundation/decimal/ORLFDecimalSolver.h>
