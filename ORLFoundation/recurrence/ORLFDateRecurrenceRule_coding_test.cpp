@@ -59,9 +59,8 @@ TEST(ORLFDateRecurrenceRule, WritesItsFieldsAndAllSixListsInTheirOrder) {
 }
 
 TEST(ORLFDateRecurrenceRule, WritesNoListThatIsNil) {
-  EXPECT_EQ(linesOf(Rule(kMonthly, 2)),
-            (Lines{"integer frequency 8", "integer interval 2", "integer anchorIndex 2",
-                   "flag absolute false"}));
+  EXPECT_EQ(linesOf(Rule(kMonthly, 2)), (Lines{"integer frequency 8", "integer interval 2",
+                                               "integer anchorIndex 2", "flag absolute false"}));
 }
 
 TEST(ORLFDateRecurrencePeriod, WritesFrequencyAndInterval) {
