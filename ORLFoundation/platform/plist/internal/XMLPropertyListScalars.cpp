@@ -11,7 +11,7 @@
 #include <limits>
 #include <system_error>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::plist {
 namespace {
 
 constexpr std::string_view kBlanks = " \t\n\r";
@@ -176,4 +176,4 @@ std::string dataToXML(std::string_view bytes, std::string_view indent, std::size
   return text;
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::plist

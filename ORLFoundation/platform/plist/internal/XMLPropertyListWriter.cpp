@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::plist {
 namespace {
 
 using Index = PropertyListTable::Index;
@@ -156,4 +156,4 @@ class Writer {
 
 std::string writeXMLPropertyList(const PropertyListTable& table) { return Writer(table).write(); }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::plist
