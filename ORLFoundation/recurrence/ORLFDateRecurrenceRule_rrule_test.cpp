@@ -10,7 +10,8 @@
 namespace ORLFoundation {
 namespace {
 
-using Rule = ORLFDateRecurrenceRule;
+using namespace orlftest;
+
 using Rows = std::vector<std::vector<std::string>>;
 
 std::vector<std::string> split(const std::string& text, char mark) {

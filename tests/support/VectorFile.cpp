@@ -1,3 +1,4 @@
+#include <ORLFoundation/platform/base/UTF8.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorFile.h>
 
@@ -67,25 +68,6 @@ std::vector<std::string> splitAtTabs(const std::string& line) {
   }
 }
 
-void appendUtf8(std::string& text, std::uint32_t code) {
-  const auto byte = [&text](std::uint32_t value) { text.push_back(static_cast<char>(value)); };
-  if (code < 0x80) {
-    byte(code);
-  } else if (code < 0x800) {
-    byte(0xC0 | (code >> 6));
-    byte(0x80 | (code & 0x3F));
-  } else if (code < 0x10000) {
-    byte(0xE0 | (code >> 12));
-    byte(0x80 | ((code >> 6) & 0x3F));
-    byte(0x80 | (code & 0x3F));
-  } else {
-    byte(0xF0 | (code >> 18));
-    byte(0x80 | ((code >> 12) & 0x3F));
-    byte(0x80 | ((code >> 6) & 0x3F));
-    byte(0x80 | (code & 0x3F));
-  }
-}
-
 /// Reads "{HEX}" at the start of the text, appends its character, answers how much was read.
 std::size_t appendCodePoint(std::string& text, std::string_view braced) {
   const std::size_t end = braced.find('}');
@@ -96,7 +78,7 @@ std::size_t appendCodePoint(std::string& text, std::string_view braced) {
   const auto [stop, error] = std::from_chars(braced.data() + 1, last, code, 16);
   if (error != std::errc() || stop != last || code > 0x10FFFF)
     throw std::runtime_error("\\u{...} holds no code point");
-  appendUtf8(text, code);
+  ORLFoundation::internal::base::appendUTF8(text, code);
   return end + 1;
 }
 

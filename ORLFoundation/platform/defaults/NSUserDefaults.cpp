@@ -1,6 +1,8 @@
 
 #include <ORLFoundation/platform/defaults/NSUserDefaults.h>
 
+#include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/Replaceable.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaultsFile.h>
 #include <ORLFoundation/platform/defaults/internal/DefaultsValues.h>
 #include <ORLFoundation/platform/log/NSLog.h>
@@ -17,17 +19,6 @@ namespace ORLFoundation {
 using namespace internal::defaults;
 
 namespace {
-
-struct Standard {
-  std::mutex lock;
-  std::shared_ptr<NSUserDefaults> defaults;
-};
-
-// Never destroyed: what asks while the process ends still finds it.
-Standard& standard() {
-  static Standard& standard = *new Standard;
-  return standard;
-}
 
 std::vector<std::string> wordsOfProcess() {
   std::ifstream file("/proc/self/cmdline", std::ios::binary);
@@ -47,10 +38,11 @@ std::shared_ptr<NSUserDefaults> makeStandard() {
   return defaults;
 }
 
+// Reading them may log, and a sink may ask for them meanwhile.
+constinit internal::base::Replaceable<NSUserDefaults> standard(makeStandard);
+
 bool isKeyWord(std::string_view word) {
-  if (word.size() < 2 || word[0] != '-') return false;
-  const char c = word[1];
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+  return word.size() > 1 && word[0] == '-' && (internal::base::isLetter(word[1]) || word[1] == '_');
 }
 
 void refuseUnlessPropertyList(const id& object, std::string_view key) {
@@ -78,21 +70,12 @@ NSUserDefaults::NSUserDefaults(std::shared_ptr<NSUserDefaultsStore> store)
 }
 
 std::shared_ptr<NSUserDefaults> NSUserDefaults::standardUserDefaults() {
-  {
-    const std::lock_guard guard(standard().lock);
-    if (standard().defaults) return standard().defaults;
-  }
-  // Made outside of the lock, because reading them may log, and a sink may ask for them.
-  std::shared_ptr<NSUserDefaults> made = makeStandard();
-  const std::lock_guard guard(standard().lock);
-  if (!standard().defaults) standard().defaults = std::move(made);
-  return standard().defaults;
+  return standard.current();
 }
 
 std::shared_ptr<NSUserDefaults> NSUserDefaults::setStandardUserDefaults(
     std::shared_ptr<NSUserDefaults> defaults) {
-  const std::lock_guard guard(standard().lock);
-  return std::exchange(standard().defaults, std::move(defaults));
+  return standard.exchange(std::move(defaults));
 }
 
 std::shared_ptr<NSDictionary> NSUserDefaults::argumentsFromWords(

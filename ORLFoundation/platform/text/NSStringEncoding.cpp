@@ -2,9 +2,9 @@
 #include <ORLFoundation/platform/text/NSStringEncoding.h>
 
 #include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/text/UTF16.h>
 #include <unicode/ucnv.h>
-#include <unicode/utf8.h>
 
 #include <algorithm>
 #include <array>
@@ -17,20 +17,10 @@ namespace {
 
 using Text = std::optional<std::string>;
 
-bool isUTF8(std::string_view text) {
-  const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-  for (std::size_t at = 0; at < text.size();) {
-    UChar32 character = U_SENTINEL;
-    U8_NEXT(bytes, at, text.size(), character);
-    if (character < 0) return false;
-  }
-  return true;
-}
-
 Text textOfUTF8(std::string_view bytes) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
   if (bytes.starts_with(kByteOrderMark)) bytes.remove_prefix(kByteOrderMark.size());
-  return isUTF8(bytes) ? Text(bytes) : std::nullopt;
+  return internal::base::isUTF8(bytes) ? Text(bytes) : std::nullopt;
 }
 
 Text textOfASCII(std::string_view bytes) {

@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/support/strings/ORLFStringUtilities.h>
 
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/value/NSUUID.h>
 #include <gtest/gtest.h>
 
@@ -187,9 +188,8 @@ TEST(ORLFStringUtilities, WritesTitles) {
 
 TEST(ORLFStringUtilities, WritesTitlesInTheLanguageOfTheLocale) {
   EXPECT_EQ(orlfTitleCase("izmir", std::make_shared<NSLocale>("tr_TR")), "İzmir");
-  NSLocale::setCurrentLocale(std::make_shared<NSLocale>("tr_TR"));
+  const Replaced turkish(NSLocale::setCurrentLocale, std::make_shared<NSLocale>("tr_TR"));
   EXPECT_EQ(orlfTitleCase("izmir"), "İzmir");
-  NSLocale::setCurrentLocale(nullptr);
 }
 
 struct AddressCase {

@@ -1,3 +1,4 @@
+#include <ORLFoundation/platform/base/Hexadecimal.h>
 #include <ORLFoundation/support/device/ORLFTemplateImage.h>
 
 #include <CLI/CLI.hpp>
@@ -37,7 +38,7 @@ std::optional<Number> readWhole(std::string_view text, Form... form) {
 CGColorRef readColor(std::string_view text) {
   const std::string_view digits = text.substr(text.empty() ? 0 : 1);
   const bool hasForm = text.starts_with('#') && (digits.size() == 6 || digits.size() == 8) &&
-                       digits.find_first_not_of("0123456789abcdefABCDEF") == digits.npos;
+                       ORLFoundation::internal::base::bytesOfHexText(digits).has_value();
   if (!hasForm)
     throw UsageFailure("--color: expected a color such as #336699 or #336699CC, got '" +
                        std::string(text) + "'");

@@ -2,23 +2,20 @@
 
 #include <ORLFoundation/platform/object/internal/DescriptionText.h>
 
+#include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/Hexadecimal.h>
 #include <ORLFoundation/platform/base/UTF8.h>
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 
 namespace ORLFoundation::internal {
 namespace {
 
-bool isPlain(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-}
-
-void appendUnit(std::string& out, std::uint32_t unit) {
-  char text[8];
-  std::snprintf(text, sizeof text, "\\U%04x", static_cast<unsigned>(unit & 0xffffU));
-  out += text;
+void appendUnit(std::string& out, char32_t unit) {
+  out += "\\U";
+  base::appendHexByte(out, static_cast<std::uint8_t>(unit >> 8));
+  base::appendHexByte(out, static_cast<std::uint8_t>(unit));
 }
 
 void appendUnits(std::string& out, char32_t character) {
@@ -27,7 +24,7 @@ void appendUnits(std::string& out, char32_t character) {
   appendUnit(out, 0xdc00 + ((character - 0x10000) & 0x3ff));
 }
 
-void appendAscii(std::string& out, char c) {
+void appendASCII(std::string& out, char c) {
   switch (c) {
     case '"':
       out += "\\\"";
@@ -71,12 +68,13 @@ std::string wellFormed(std::string_view text) {
 }
 
 std::string quotedWhereNeeded(std::string_view text) {
-  if (!text.empty() && std::ranges::all_of(text, isPlain)) return std::string(text);
+  if (!text.empty() && std::ranges::all_of(text, base::isLetterOrDigit<char>))
+    return std::string(text);
   std::string out = "\"";
   while (!text.empty()) {
     const base::UTF8Character character = base::firstUTF8Character(text);
     if (character.codePoint < 0x80) {
-      appendAscii(out, text.front());
+      appendASCII(out, text.front());
     } else {
       appendUnits(out, character.codePoint);
     }

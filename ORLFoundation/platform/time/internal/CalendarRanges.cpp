@@ -83,7 +83,11 @@ InstantRange rangeAroundInstant(const CalendarRules& rules, NSCalendarUnit unit,
   const DayRange days = daysAround(rules, unit, localDayTime(rules, instant.seconds).day);
   if (!days.exists()) return InstantRange{Instant::none(), 0};
   const std::int64_t start = rules.zone->startInstantOfLocal(civil::joinSeconds(days.begin, 0));
-  const std::int64_t end = rules.zone->startInstantOfLocal(civil::joinSeconds(days.end, 0));
+  const std::int64_t nextLocal = civil::joinSeconds(days.end, 0);
+  std::int64_t end = rules.zone->startInstantOfLocal(nextLocal);
+  // Clocks that are put back past midnight show the unit's last hour again: it ends at the second
+  // midnight (St John's, 29 October 2006, 00:01).
+  if (end <= instant.seconds) end = rules.zone->lastInstantOfLocal(nextLocal);
   return InstantRange{{start, 0}, static_cast<double>(end - start)};
 }
 
@@ -219,21 +223,26 @@ const UnitLimits* limitsOfUnit(NSCalendarUnit unit) noexcept {
   return nullptr;
 }
 
+NSRange weeksOfMonth(const CalendarRules& rules, NSUInteger daysOfMonth,
+                     NSUInteger daysBefore) noexcept {
+  // Where a month's first week needs more than a day, the days before it stand in week 0.
+  const auto minimum = static_cast<NSUInteger>(rules.minimumDays);
+  const NSUInteger last = (daysOfMonth + daysBefore + 7 - minimum) / 7;
+  return minimum > 1 ? NSRange{0, last + 1} : NSRange{1, last};
+}
+
 }  // namespace
 
 NSRange largestRange(const CalendarRules& rules, NSCalendarUnit unit) noexcept {
   const UnitLimits* limits = limitsOfUnit(unit);
   if (!limits) return kNoRange;
-  // Where a month's first week needs more than a day, the days before it stand in week 0.
-  const bool hasWeekZero = unit == NSCalendarUnitWeekOfMonth && rules.minimumDays > 1;
-  return hasWeekZero ? NSRange{0, 6} : limits->largest;
+  return unit == NSCalendarUnitWeekOfMonth ? weeksOfMonth(rules, 31, 6) : limits->largest;
 }
 
 NSRange smallestRange(const CalendarRules& rules, NSCalendarUnit unit) noexcept {
   const UnitLimits* limits = limitsOfUnit(unit);
   if (!limits) return kNoRange;
-  const bool hasWeekZero = unit == NSCalendarUnitWeekOfMonth && rules.minimumDays > 1;
-  return hasWeekZero ? NSRange{0, 5} : limits->smallest;
+  return unit == NSCalendarUnitWeekOfMonth ? weeksOfMonth(rules, 28, 0) : limits->smallest;
 }
 
 }  // namespace ORLFoundation::internal::time
