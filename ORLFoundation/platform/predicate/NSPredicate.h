@@ -27,13 +27,13 @@
 
 namespace ORLFoundation {
 
-namespace internal {
+namespace internal::predicate {
 class PredicateNode;
-}  // namespace internal
+}  // namespace internal::predicate
 
 class NSPredicate final : public NSObject {
  public:
-  explicit NSPredicate(std::shared_ptr<const internal::PredicateNode> root);
+  explicit NSPredicate(std::shared_ptr<const internal::predicate::PredicateNode> root);
 
   /// `predicateWithFormat:`  Never null. Raises `NSInvalidArgumentException` ("Unable to parse the
   /// format string ...") for a text that is none of the above, for an argument too few and for
@@ -70,7 +70,7 @@ class NSPredicate final : public NSObject {
   [[nodiscard]] std::shared_ptr<NSObject> copy() override { return shared_from_this(); }
 
  private:
-  const std::shared_ptr<const internal::PredicateNode> root_;
+  const std::shared_ptr<const internal::predicate::PredicateNode> root_;
 };
 
 }  // namespace ORLFoundation

@@ -59,7 +59,7 @@ ORLF_NAMED_SET(illegalCharacterSet, u"[:Cn:]")
 std::shared_ptr<NSCharacterSet> NSCharacterSet::characterSetWithCharactersInString(
     std::string_view string) {
   icu::UnicodeSet set;
-  set.addAll(internal::utf16Of(string));
+  set.addAll(internal::text::utf16Of(string));
   return frozen(set);
 }
 

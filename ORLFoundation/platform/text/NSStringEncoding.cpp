@@ -77,7 +77,7 @@ Text textOfUTF16(std::string_view bytes, ByteOrder order) {
   }
   for (std::int32_t at = 0; at < units.length(); at = units.moveIndex32(at, 1))
     if (U_IS_SURROGATE(units.char32At(at))) return std::nullopt;
-  return internal::utf8Of(units);
+  return internal::text::utf8Of(units);
 }
 
 Text textOfMarkedUTF16(std::string_view bytes) {
