@@ -13,7 +13,7 @@
 #include <string>
 
 #include "chart/chart_scale.h"
-#include "cli/common_options.h"
+#include "session.h"
 #include "cli/failure.h"
 #include "values/date_text.h"
 

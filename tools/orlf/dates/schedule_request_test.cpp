@@ -1,9 +1,8 @@
-
 #include "dates/schedule_request.h"
 
 #include <gtest/gtest.h>
 
-#include "cli/common_options.h"
+#include "session.h"
 #include "dates/dates_walk.h"
 #include "values/date_text.h"
 
@@ -39,7 +38,7 @@ TEST(ScheduleRequest, EveryScheduleThatIncludesADateBeginsWithIt) {
          {"weekly", "biweekly", "semimonthly", "monthly", "semiannual", "annual"}) {
       ScheduleArguments arguments = pattern(name);
       arguments.including = day;
-      arguments.count = 1;
+      arguments.count = "1";
       if (arguments.pattern == "semimonthly") arguments.andDate = "2012-01-01";
       EXPECT_EQ(datesOf(arguments), std::vector<NSDate>{date}) << name << ' ' << day;
     }
@@ -50,12 +49,12 @@ TEST(ScheduleRequest, BiweeklyDatesKeepTheirPhaseWhereverTheyBegin) {
   const auto calendar = newYork();
   ScheduleArguments arguments = pattern("biweekly");
   arguments.including = "2012-01-06";
-  arguments.count = 1500;
+  arguments.count = "1500";
   const std::vector<NSDate> all = datesOf(arguments);
   ASSERT_EQ(all.size(), 1500U);
   for (std::size_t i = 1; i < all.size(); ++i)
     EXPECT_EQ(calendar->components(NSCalendarUnitDay, all[i - 1], all[i], 0).day(), 14);
-  arguments.count = 1;
+  arguments.count = "1";
   for (std::size_t i = 0; i < all.size(); i += 97) {
     arguments.start = orlftool::shortDateText(
         *calendar->dateByAddingUnit(NSCalendarUnitDay, -13, all[i], 0), *calendar);
@@ -76,7 +75,7 @@ TEST(ScheduleRequest, QuartersOfADateInTheThirdMonthLeaveOutDecember) {
   const auto calendar = newYork();
   ScheduleArguments arguments = pattern("quarterly");
   arguments.including = "2024-06-15";
-  arguments.count = 3;
+  arguments.count = "3";
   std::vector<std::string> days;
   for (const NSDate date : datesOf(arguments))
     days.push_back(orlftool::shortDateText(date, *calendar));

@@ -1,18 +1,18 @@
 #include <ORLFoundation/support/device/ORLFTemplateImage.h>
 
-#include <CLI/CLI.hpp>
 #include <charconv>
 #include <cstdint>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
 
-#include "cli/common_options.h"
+#include "cli/command_line.h"
 #include "cli/failure.h"
+#include "cli/json_output.h"
 #include "commands.h"
+#include "session.h"
 #include "io/png_file.h"
 
 namespace orlftool {
@@ -67,28 +67,24 @@ void runTemplateImage(Session& session, const TemplateImageArguments& arguments)
     session.out << arguments.out << ": " << made->width() << " x " << made->height() << " pixels\n";
     return;
   }
-  const nlohmann::ordered_json answer{
+  const Json answer{
       {"file", arguments.out}, {"width", made->width()}, {"height", made->height()}};
-  session.out << answer.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+  printJson(session.out, answer);
 }
 
 }  // namespace
 
-Command addTemplateImageCommand(CLI::App& tool) {
-  CLI::App* parser = tool.add_subcommand(
-      "template-image",
+Job declareTemplateImageCommand(Options& options) {
+  options.describe(
       "Draw a PNG in one color: the darker a point of the picture, the more opaque the color.");
   auto arguments = std::make_shared<TemplateImageArguments>();
-  parser->add_option("IN", arguments->in, "The picture, a PNG file")->required();
-  parser->add_option("OUT", arguments->out, "The PNG file to write")->required();
-  parser->add_option("--color", arguments->color, "#RRGGBB, or #RRGGBBAA with an opacity")
-      ->required();
-  parser
-      ->add_option("--threshold", arguments->threshold,
-                   "Part of full darkness, from 0 to 1, up to which points are left out; 0 and 1\n"
-                   "leave none out")
-      ->capture_default_str();
-  return {parser, [arguments](Session& session) { runTemplateImage(session, *arguments); }};
+  options.required("IN", arguments->in, "The picture, a PNG file");
+  options.required("OUT", arguments->out, "The PNG file to write");
+  options.required("--color", arguments->color, "#RRGGBB, or #RRGGBBAA with an opacity");
+  options.text("--threshold", arguments->threshold,
+               "Part of full darkness, from 0 to 1, up to which points are left out; 0 and 1\n"
+               "leave none out");
+  return [arguments](Session& session) { runTemplateImage(session, *arguments); };
 }
 
 }  // namespace orlftool

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "cli/common_options.h"
+#include "session.h"
 #include "cli/failure.h"
 
 /// Whatever the bytes, they are cash flows or a failure of one line that names the file.

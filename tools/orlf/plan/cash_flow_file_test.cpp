@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "cli/common_options.h"
+#include "session.h"
 #include "cli/failure.h"
 #include "values/date_text.h"
 

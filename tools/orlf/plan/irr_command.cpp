@@ -1,17 +1,17 @@
 #include <ORLFoundation/amortization/ORLFAmortizationCalculator.h>
 #include <ORLFoundation/amortization/net_present_value.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 
-#include "cli/common_options.h"
+#include "cli/command_line.h"
 #include "cli/failure.h"
+#include "cli/json_output.h"
 #include "commands.h"
+#include "session.h"
 #include "io/input_file.h"
 #include "plan/cash_flow_file.h"
 #include "values/date_text.h"
@@ -22,7 +22,6 @@ namespace orlftool {
 namespace {
 
 using namespace ORLFoundation;
-using Json = nlohmann::ordered_json;
 
 constexpr std::int16_t kPlacesOfWorth = 6;
 
@@ -94,7 +93,7 @@ double readDiscountRate(const std::string& text) {
 }
 
 void runIrr(Session& session, const IrrArguments& arguments) {
-  const auto calendar = makeCalendar(session.options.zone, session.options.locale);
+  const auto calendar = session.calendar;
   std::optional<double> discountRate;
   if (arguments.discountRate) discountRate = readDiscountRate(*arguments.discountRate);
   const DatedFlows flows(arguments.file, readInputFile(arguments.file, "a CSV file of cash flows"),
@@ -110,26 +109,23 @@ void runIrr(Session& session, const IrrArguments& arguments) {
               {"to", dateTimeText(flows.last(), *calendar)}};
   if (discountRate) answer["discountRate"] = *arguments.discountRate;
   answer[discountRate ? "netPresentValue" : "rate"] = number;
-  session.out << answer.dump(2) << '\n';
+  printJson(session.out, answer);
 }
 
 }  // namespace
 
-Command addIrrCommand(CLI::App& tool) {
-  CLI::App* parser = tool.add_subcommand(
-      "irr",
+Job declareIrrCommand(Options& options) {
+  options.describe(
       "Print the internal rate of return of dated cash flows: the rate a year at which they are\n"
       "worth nothing, to within 0.00001 of the rate or of the worth.");
   auto arguments = std::make_shared<IrrArguments>();
-  parser
-      ->add_option("FILE", arguments->file,
+  options.required("FILE", arguments->file,
                    "CSV file: a date and an amount on each line, a line of names before them or "
-                   "not")
-      ->required();
-  parser->add_option("--npv", arguments->discountRate,
-                     "Print the net present value at this rate a year instead (0.08 or 8%), on\n"
-                     "the earliest date of the file");
-  return {parser, [arguments](Session& session) { runIrr(session, *arguments); }};
+                   "not");
+  options.text("--npv", arguments->discountRate,
+               "Print the net present value at this rate a year instead (0.08 or 8%), on\n"
+               "the earliest date of the file");
+  return [arguments](Session& session) { runIrr(session, *arguments); };
 }
 
 }  // namespace orlftool

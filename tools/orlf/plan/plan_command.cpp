@@ -1,19 +1,19 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "cli/common_options.h"
+#include "cli/command_line.h"
 #include "cli/failure.h"
+#include "cli/json_output.h"
 #include "cli/table.h"
 #include "cli/words.h"
 #include "commands.h"
+#include "session.h"
 #include "io/atomic_file.h"
 #include "plan/plan_chart.h"
 #include "plan/plan_file.h"
@@ -26,7 +26,6 @@ namespace orlftool {
 namespace {
 
 using namespace ORLFoundation;
-using Json = nlohmann::ordered_json;
 
 constexpr std::string_view kAbsent = "-";
 
@@ -96,10 +95,6 @@ Json jsonOf(const PlanExtreme& extreme, const NSCalendar& calendar) {
   return {{"date", dateTimeText(*extreme.date, calendar)}, {"balance", jsonOf(extreme.balance)}};
 }
 
-void printJson(Session& session, const Json& answer) {
-  session.out << answer.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
-}
-
 /// What one run prints and writes.
 class PlanJob {
  public:
@@ -114,7 +109,7 @@ class PlanJob {
     const NSDate date = readDateOption("--on", arguments_.on.front(), model_.calendar());
     const SolvedPrincipal solved = solvePrincipal(model_, target, date);
     if (session_.options.json) {
-      printJson(session_, {{"principal", jsonOf(solved.principal)},
+      printJson(session_.out, {{"principal", jsonOf(solved.principal)},
                            {"start", dateTimeText(model_.start(), model_.calendar())},
                            {"target", jsonOf(target)},
                            {"on", dateTimeText(date, model_.calendar())},
@@ -132,7 +127,7 @@ class PlanJob {
     if (!arguments_.csv.empty()) writeFileAtomically(arguments_.csv, csvText(report));
     if (!arguments_.chart.empty()) drawChart(chartBetween(dates), arguments_.chart);
     if (session_.options.json) {
-      printJson(session_, jsonReport(report));
+      printJson(session_.out, jsonReport(report));
     } else {
       printReport(report);
     }
@@ -209,12 +204,8 @@ class PlanJob {
 
 void runPlan(Session& session, const PlanArguments& arguments) {
   checkArguments(arguments);
-  // Refuses an unknown zone or locale as wrong usage, before the file is looked at.
-  (void)makeCalendar(session.options.zone, session.options.locale);
-  const PlanModel model =
-      makePlanModel(readPlanFile(arguments.file, {.zone = session.options.zone,
-                                                  .zoneOverrulesFile = session.options.zoneWasGiven,
-                                                  .locale = session.options.locale}));
+  const PlanFileDefaults defaults{.zone = session.options.zone, .locale = session.options.locale};
+  const PlanModel model = makePlanModel(readPlanFile(arguments.file, defaults));
   PlanJob job(session, arguments, model);
   if (arguments.target) {
     job.solve();
@@ -225,24 +216,23 @@ void runPlan(Session& session, const PlanArguments& arguments) {
 
 }  // namespace
 
-Command addPlanCommand(CLI::App& tool) {
-  CLI::App* parser = tool.add_subcommand(
-      "plan", "Print a table of dates, balances and contributions of a plan file, and draw it.");
+Job declarePlanCommand(Options& options) {
+  options.describe(
+      "Print a table of dates, balances and contributions of a plan file, and draw it.");
   auto arguments = std::make_shared<PlanArguments>();
-  parser->add_option("FILE", arguments->file, "Plan file (JSON)")->required();
-  parser->add_option("--on", arguments->on, "Dates to tell the balance on");
-  parser->add_option("--every", arguments->every,
-                     "A row every day, week, month, quarter or year from --from to --to");
-  parser->add_option("--from", arguments->from, "First date (the plan's start)");
-  parser->add_option("--to", arguments->to,
-                     "Last date (the plan's end; ten years on for an open plan)");
-  parser->add_flag("--exclusive", arguments->exclusive,
-                   "Where a segment begins, tell the balance that the one before it leaves");
-  parser->add_option("--chart", arguments->chart, "Draw a chart into a .svg, .png or .pdf file");
-  parser->add_option("--csv", arguments->csv, "Write the table into a CSV file");
-  parser->add_option("--solve-principal", arguments->target,
-                     "Find the starting principal that leads to this balance on the date of --on");
-  return {parser, [arguments](Session& session) { runPlan(session, *arguments); }};
+  options.required("FILE", arguments->file, "Plan file (JSON)");
+  options.list("--on", arguments->on, "Dates to tell the balance on");
+  options.text("--every", arguments->every,
+               "A row every day, week, month, quarter or year from --from to --to");
+  options.text("--from", arguments->from, "First date (the plan's start)");
+  options.text("--to", arguments->to, "Last date (the plan's end; ten years on for an open plan)");
+  options.flag("--exclusive", arguments->exclusive,
+               "Where a segment begins, tell the balance that the one before it leaves");
+  options.text("--chart", arguments->chart, "Draw a chart into a .svg, .png or .pdf file");
+  options.text("--csv", arguments->csv, "Write the table into a CSV file");
+  options.text("--solve-principal", arguments->target,
+               "Find the starting principal that leads to this balance on the date of --on");
+  return [arguments](Session& session) { runPlan(session, *arguments); };
 }
 
 }  // namespace orlftool

@@ -104,10 +104,10 @@ TEST(PlanFile, DecimalsAreTakenFromTheirText) {
 }
 
 TEST(PlanFile, AZoneThatWasAskedForOverrulesTheFile) {
-  orlftool::PlanFileDefaults defaults{.zone = "Asia/Tokyo"};
+  orlftool::PlanFileDefaults defaults;
   EXPECT_EQ(parsePlanFile(kWholePlan, "p", defaults).calendar->timeZone()->name(),
             "America/New_York");
-  defaults.zoneOverrulesFile = true;
+  defaults.zone = "Asia/Tokyo";
   EXPECT_EQ(parsePlanFile(kWholePlan, "p", defaults).calendar->timeZone()->name(), "Asia/Tokyo");
 }
 

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "cli/common_options.h"
+#include "session.h"
 #include "cli/failure.h"
 
 namespace {

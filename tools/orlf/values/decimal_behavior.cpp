@@ -9,6 +9,7 @@
 
 #include "cli/failure.h"
 #include "cli/words.h"
+#include "values/whole_number.h"
 
 namespace orlftool {
 namespace {
@@ -86,10 +87,10 @@ DecimalRules readDecimalRules(const DecimalRuleWords& words) {
   const std::optional<OnError> onError = onErrorNamed(words.onError);
   if (!onError)
     throw UsageFailure("--on-error: expected raise, nil or zero, got '" + words.onError + "'");
-  if (words.scale < INT16_MIN || words.scale > INT16_MAX)
-    throw UsageFailure("--scale: expected a number from -32768 to 32767, got " +
-                       std::to_string(words.scale));
-  return {static_cast<std::int16_t>(words.scale), *mode, *onError};
+  const std::int64_t scale =
+      words.scale ? readWholeArgument("--scale", *words.scale, INT16_MIN, INT16_MAX)
+                  : NSDecimalNoScale;
+  return {static_cast<std::int16_t>(scale), *mode, *onError};
 }
 
 std::shared_ptr<NSDecimalNumberBehaviors> makeBehavior(const DecimalRules& rules) {

@@ -27,11 +27,11 @@ struct DecimalRules {
 
 /// The options that say so, as they were typed.
 struct DecimalRuleWords {
-  std::int64_t scale = ORLFoundation::NSDecimalNoScale;
+  std::optional<std::string> scale;  // all digits are kept where there is none
   std::string mode = "plain";
   std::string onError = "raise";
 };
-inline constexpr std::string_view kRoundingModeHelp =
+inline constexpr const char* kRoundingModeHelp =
     "plain (a tie away from zero), down, up, bankers (a tie to the even digit)";
 /// Throws UsageFailure for an unknown word and a scale that is out of range.
 [[nodiscard]] DecimalRules readDecimalRules(const DecimalRuleWords& words);

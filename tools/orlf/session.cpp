@@ -1,6 +1,4 @@
-
-
-#include "cli/common_options.h"
+#include "session.h"
 
 #include <unicode/calendar.h>
 #include <unicode/locid.h>
@@ -23,13 +21,14 @@ void setWeeksOfRegion(NSCalendar& calendar, const std::string& locale) {
   calendar.setMinimumDaysInFirstWeek(weeks->getMinimalDaysInFirstWeek());
 }
 
-}  // namespace
-
+/// Whether language and region (where one is named) of an identifier such as "de_DE" exist.
 bool isKnownLocale(const std::string& identifier) {
   const icu::Locale locale(identifier.c_str());
   if (identifier.empty() || locale.isBogus() || *locale.getISO3Language() == '\0') return false;
   return *locale.getCountry() == '\0' || *locale.getISO3Country() != '\0';
 }
+
+}  // namespace
 
 std::shared_ptr<NSCalendar> makeCalendar(const std::string& zone, const std::string& locale) {
   if (!isKnownLocale(locale)) throw UsageFailure("--locale: unknown locale '" + locale + "'");

@@ -6,14 +6,14 @@
 
 #include <iosfwd>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace orlftool {
 
 struct CommonOptions {
   bool json = false;
-  std::string zone = "UTC";
-  bool zoneWasGiven = false;
+  std::optional<std::string> zone;
   std::string locale = "en_US";
 };
 
@@ -22,6 +22,8 @@ struct Session {
   std::ostream& out;
   std::ostream& err;
   CommonOptions options;
+  /// The calendar of the zone and the locale, which are known to exist when a command runs.
+  std::shared_ptr<ORLFoundation::NSCalendar> calendar;
   /// What a command that does its job ends with; those that answer a question say no with 1.
   int exitCode = 0;
 };
@@ -30,7 +32,5 @@ struct Session {
 /// UsageFailure for a zone or a locale that is unknown.
 [[nodiscard]] std::shared_ptr<ORLFoundation::NSCalendar> makeCalendar(const std::string& zone,
                                                                       const std::string& locale);
-/// Whether language and region (where one is named) of an identifier such as "de_DE" exist.
-[[nodiscard]] bool isKnownLocale(const std::string& identifier);
 
 }  // namespace orlftool
