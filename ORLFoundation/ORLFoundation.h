@@ -26,6 +26,7 @@
 #include <ORLFoundation/decimal/ORLFMathematicalAxis.h>
 #include <ORLFoundation/decimal/ORLFMutableDecimalNumberHandler.h>
 #include <ORLFoundation/decimal/ORLFNegateDecimalNumberTransformer.h>
+#include <ORLFoundation/decimal/ORLFRoundingBehavior.h>
 #include <ORLFoundation/platform/alert/NSAlert.h>
 #include <ORLFoundation/platform/alert/NSAlertPresenter.h>
 #include <ORLFoundation/platform/alert/NSAssertionHandler.h>
@@ -33,6 +34,8 @@
 #include <ORLFoundation/platform/archive/NSCodingClass.h>
 #include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
 #include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
+#include <ORLFoundation/platform/archive/NSSecureCoding.h>
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaults.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaultsFile.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>

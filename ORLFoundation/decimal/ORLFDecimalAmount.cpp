@@ -12,7 +12,7 @@ std::optional<NSDecimalNumber> orlfDecimalNumberWithFormattedString(
     std::optional<std::string_view> text) {
   constexpr auto kLongestText = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
   if (!text || text->size() > kLongestText) return std::nullopt;
-  return internal::ORLFAmountReader(*text).read();
+  return internal::decimal::ORLFAmountReader(*text).read();
 }
 
 }  // namespace ORLFoundation

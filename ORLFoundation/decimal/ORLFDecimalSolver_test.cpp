@@ -108,6 +108,56 @@ TEST(ORLFDecimalSolver, GivesNilForAStopUnlessThatCallWasTheAnswer) {
   EXPECT_EQ(trace(std::nullopt, std::nullopt, "7", 2, 10).found, "nil");
 }
 
+struct RestCase {
+  const char* name;
+  NSInteger said;
+  bool stops;
+  const char* found;
+};
+
+/// What a search from 0 to 0.01 in cents finds when its first midpoint comes to rest on a bound.
+std::string foundAtRest(NSRoundingMode mode, const RestCase& row) {
+  const ORLFDecimalNumberHandler inCents({.roundingMode = mode, .scale = 2});
+  const auto found = aproximateValueUsingLinearRegressionLowerBound(
+      number("0"), number("0.01"), &inCents, [&](const NSDecimalNumber&, bool& stop) {
+        stop = row.stops;
+        return row.said;
+      });
+  return found ? found->stringValue() : "nil";
+}
+
+TEST(ORLFDecimalSolver, TakesAMidpointAtRestBeforeItLooksAtTheStop) {
+  EXPECT_EQ(foundAtRest(NSRoundPlain, {"Stop", 2, true, ""}), "0.01");
+  EXPECT_EQ(foundAtRest(NSRoundPlain, {"Stop", -2, true, ""}), "0.01");
+  EXPECT_EQ(foundAtRest(NSRoundDown, {"Stop", -2, true, ""}), "0");
+}
+
+TEST(ORLFDecimalSolver, IsOutsideTheBoundsOnlyForAnswersOfExactlyOne) {
+  const RestCase atUpper[] = {{"TooLow", -1, false, "nil"},
+                              {"TooLowByTwo", -2, false, "0.01"},
+                              {"TooHigh", 1, false, "0.01"},
+                              {"TheAnswer", 0, false, "0.01"}};
+  for (const RestCase& row : atUpper)
+    EXPECT_EQ(foundAtRest(NSRoundPlain, row), row.found) << row.name;
+  const RestCase atLower[] = {{"TooHigh", 1, false, "nil"},
+                              {"TooHighByTwo", 2, false, "0"},
+                              {"TooLow", -1, false, "0"},
+                              {"TheAnswer", 0, false, "0"}};
+  for (const RestCase& row : atLower)
+    EXPECT_EQ(foundAtRest(NSRoundDown, row), row.found) << row.name;
+}
+
+TEST(ORLFDecimalSolver, LeavesBoundsThatAreFinerThanTheScale) {
+  const auto found = [](const char* lower, const char* upper, const char* target) {
+    const Trace made = trace(number(lower), number(upper), target);
+    return made.candidates + "-> " + made.found;
+  };
+  // The midpoint rounds to a value outside the bounds, which then is one of them.
+  EXPECT_EQ(found("1.001", "1.004", "1.003"), "1 1 -> 1");
+  EXPECT_EQ(found("1.006", "1.009", "1.007"), "1.01 1.01 -> 1.01");
+  EXPECT_EQ(found("1.004", "1.006", "1.005"), "1.01 1.01 -> 1.01");
+}
+
 TEST(ORLFDecimalSolver, EndsWhereThePowersOfTenEnd) {
   const auto always = [](NSInteger answer) {
     return aproximateValueUsingLinearRegressionLowerBound(

@@ -24,6 +24,9 @@ NSUInteger countFromDouble(double value) {
 
 double zeroIfNotANumber(double value) { return std::isnan(value) ? 0.0 : value; }
 
+// Zero without a sign: rounding up from below it, or a bound of -0.0, leaves one.
+double withoutSignOfZero(double value) { return value == 0 ? 0.0 : value; }
+
 // The step with the most steps below the requested count at one power of ten; nothing when every
 // divisor gives too many.
 std::optional<double> bestStep(double span, double magnitude, NSUInteger requestedStepCount) {
@@ -70,8 +73,8 @@ NSUInteger ORLFMathematicalAxis::rescaleWithMin(double min, double max,
   const auto step = roundStep(high - low, requestedStepCount);
   if (!step) return stepCount_;
   stepSize_ = *step;
-  axisMin_ = std::floor(low / stepSize_) * stepSize_;
-  axisMax_ = std::ceil(high / stepSize_) * stepSize_;
+  axisMin_ = withoutSignOfZero(std::floor(low / stepSize_) * stepSize_);
+  axisMax_ = withoutSignOfZero(std::ceil(high / stepSize_) * stepSize_);
   stepCount_ = countFromDouble((axisMax_ - axisMin_) / stepSize_);
   return stepCount_;
 }

@@ -97,6 +97,20 @@ TEST_F(ORLFMathematicalAxisTest, MatchesTable) {
   }
 }
 
+TEST_F(ORLFMathematicalAxisTest, HasNoNegativeZero) {
+  for (const ORLFMathematicalAxis& axis :
+       {ORLFMathematicalAxis(-100, -5, 6), ORLFMathematicalAxis(-100, -0.0, 6),
+        ORLFMathematicalAxis(-0.0, 100, 6), ORLFMathematicalAxis(-0.0, -0.0, 6)}) {
+    EXPECT_TRUE(axis.axisMin() == 0 || axis.axisMax() == 0);
+    EXPECT_FALSE(axis.axisMin() == 0 && std::signbit(axis.axisMin()));
+    EXPECT_FALSE(axis.axisMax() == 0 && std::signbit(axis.axisMax()));
+    for (NSUInteger index = 0; index <= axis.stepCount(); ++index) {
+      const double value = axis.valueForStepIndex(index);
+      EXPECT_FALSE(value == 0 && std::signbit(value)) << index;
+    }
+  }
+}
+
 struct LabelCase {
   const char* name;
   double min, max;

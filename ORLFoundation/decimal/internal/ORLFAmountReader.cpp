@@ -11,7 +11,7 @@
 #include <charconv>
 #include <limits>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::decimal {
 namespace {
 
 /// The digits that a group between two separators holds at least.
@@ -45,6 +45,18 @@ std::string fourPlaces(double value) {
   const auto written =
       std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, kFractionPlaces);
   return {text, written.ptr};
+}
+
+/// Adds one to the whole number that ends at `end`; gives its new end. No digits count as 0.
+std::size_t addOne(std::string& digits, std::size_t end) {
+  std::size_t at = end;
+  while (at > 0 && digits[at - 1] == '9') digits[--at] = '0';
+  if (at > 0 && isDigit(static_cast<char16_t>(digits[at - 1]))) {
+    ++digits[at - 1];
+    return end;
+  }
+  digits.insert(at, 1, '1');
+  return end + 1;
 }
 
 }  // namespace
@@ -174,7 +186,7 @@ std::int64_t ORLFAmountReader::integerBetween(std::size_t from, std::size_t to) 
 }
 
 /// Writes the fraction's value in place of its digits. 3 1/2 becomes 3.5000; an improper fraction
-/// only stands alone.
+/// only stands alone. A proper one that rounds to 1 is carried: 3 99999/100000 becomes 4.0000.
 void ORLFAmountReader::placeFraction() {
   std::string text = fourPlaces(fraction_.value.doubleValue());
   const bool isProper = fraction_.value.compare(NSDecimalNumber::one()) == NSOrderedAscending;
@@ -184,7 +196,10 @@ void ORLFAmountReader::placeFraction() {
     NSLog("Cannot append improper fraction to end of amount: " + buffer_);
     return;
   }
-  if (isProper && text.front() == '0') text.erase(0, 1);
+  if (isProper) {
+    if (text.front() == '1') fraction_.start = addOne(buffer_, fraction_.start);
+    text.erase(0, 1);
+  }
   buffer_.replace(fraction_.start, fraction_.length, text);
 }
 
@@ -197,4 +212,4 @@ void ORLFAmountReader::placePoint() {
   if (!endsThousands) buffer_.insert(separators_.lastPosition, 1, '.');
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::decimal

@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::decimal {
 
 class ORLFAmountReader {
  public:
@@ -67,4 +67,4 @@ class ORLFAmountReader {
   Fraction fraction_;
 };
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::decimal

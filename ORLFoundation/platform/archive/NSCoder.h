@@ -20,6 +20,7 @@
 #pragma once
 
 #include <ORLFoundation/platform/archive/NSCodingClass.h>
+#include <ORLFoundation/platform/archive/NSSecureCoding.h>
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/object/NSError.h>
 #include <ORLFoundation/platform/object/NSObject.h>
@@ -96,18 +97,6 @@ class NSCoder : public NSObject {
   virtual void failWithError(std::string_view localizedDescription);
 
   [[nodiscard]] std::string className() const override { return "NSCoder"; }
-};
-
-/// What archived classes derive from, beside `NSObject`. They also have two static operations:
-/// `supportsSecureCoding`, and `initWithCoder`, which gives a new object or null.
-class NSSecureCoding {
- public:
-  virtual ~NSSecureCoding() = default;
-
-  /// `encodeWithCoder:`
-  virtual void encodeWithCoder(NSCoder& coder) const = 0;
-  /// `classForCoder`  The class that the archive names.
-  [[nodiscard]] virtual const NSCodingClass& classForCoder() const = 0;
 };
 
 }  // namespace ORLFoundation

@@ -18,10 +18,17 @@ class Calculation {
               const NSDecimalNumberBehaviors& behavior)
       : operation_(operation), left_(left), right_(right), behavior_(behavior) {}
 
-  [[nodiscard]] Optional settle(const NSDecimalResult& result) const {
+  /// `operation` gives its result under a rounding mode.
+  template <class Operation>
+  [[nodiscard]] Optional settle(const Operation& operation) const {
+    const NSRoundingMode mode = behavior_.roundingMode();
+    const std::int16_t scale = behavior_.scale();
+    const NSDecimalResult result = operation(mode);
     if (!stands(result.error)) return answer(result.error);
+    const bool roundsTwice =
+        result.error == NSCalculationLossOfPrecision && scale < -result.value.exponent();
     const NSDecimalResult scaled =
-        NSDecimalRound(result.value, behavior_.scale(), behavior_.roundingMode());
+        NSDecimalRound(roundsTwice ? cutOff(operation) : result.value, scale, mode);
     if (!stands(scaled.error)) return answer(scaled.error);
     return NSDecimalNumber(scaled.value);
   }
@@ -33,6 +40,17 @@ class Calculation {
   }
   [[nodiscard]] Optional answer(NSCalculationError error) const {
     return behavior_.exceptionDuringOperation(operation_, error, left_, right_);
+  }
+  /// An inexact result cut off at 38 digits, so that it rounds to fewer ones as the exact result
+  /// does: what lies below them makes a last digit of 0 or 5 neither nothing nor a tie, so such a
+  /// digit moves away from zero.
+  template <class Operation>
+  [[nodiscard]] static NSDecimal cutOff(const Operation& operation) {
+    const NSDecimal below = operation(NSRoundDown).value;
+    const NSDecimal above = operation(NSRoundUp).value;
+    const bool isNegative = below.isNegative();
+    const NSDecimal& inner = isNegative ? above : below;
+    return inner.mantissa() % 5 == 0 ? (isNegative ? below : above) : inner;
   }
 
   std::string_view operation_;
@@ -77,51 +95,52 @@ Optional NSDecimalNumber::decimalNumberByAdding(
     const NSDecimalNumber& other, const NSDecimalNumberBehaviors* withBehavior) const {
   if (withBehavior == nullptr) return decimalNumberByAdding(other);
   return Calculation("decimalNumberByAdding:", *this, other, *withBehavior)
-      .settle(NSDecimalAdd(value_, other.value_, withBehavior->roundingMode()));
+      .settle([&](NSRoundingMode mode) { return NSDecimalAdd(value_, other.value_, mode); });
 }
 
 Optional NSDecimalNumber::decimalNumberBySubtracting(
     const NSDecimalNumber& other, const NSDecimalNumberBehaviors* withBehavior) const {
   if (withBehavior == nullptr) return decimalNumberBySubtracting(other);
   return Calculation("decimalNumberBySubtracting:", *this, other, *withBehavior)
-      .settle(NSDecimalSubtract(value_, other.value_, withBehavior->roundingMode()));
+      .settle([&](NSRoundingMode mode) { return NSDecimalSubtract(value_, other.value_, mode); });
 }
 
 Optional NSDecimalNumber::decimalNumberByMultiplyingBy(
     const NSDecimalNumber& factor, const NSDecimalNumberBehaviors* withBehavior) const {
   if (withBehavior == nullptr) return decimalNumberByMultiplyingBy(factor);
   return Calculation("decimalNumberByMultiplyingBy:", *this, factor, *withBehavior)
-      .settle(NSDecimalMultiply(value_, factor.value_, withBehavior->roundingMode()));
+      .settle([&](NSRoundingMode mode) { return NSDecimalMultiply(value_, factor.value_, mode); });
 }
 
 Optional NSDecimalNumber::decimalNumberByDividingBy(
     const NSDecimalNumber& divisor, const NSDecimalNumberBehaviors* withBehavior) const {
   if (withBehavior == nullptr) return decimalNumberByDividingBy(divisor);
   return Calculation("decimalNumberByDividingBy:", *this, divisor, *withBehavior)
-      .settle(NSDecimalDivide(value_, divisor.value_, withBehavior->roundingMode()));
+      .settle([&](NSRoundingMode mode) { return NSDecimalDivide(value_, divisor.value_, mode); });
 }
 
 Optional NSDecimalNumber::decimalNumberByRaisingToPower(
     NSInteger power, const NSDecimalNumberBehaviors* withBehavior) const {
   if (withBehavior == nullptr) return decimalNumberByRaisingToPower(power);
   return Calculation("decimalNumberByRaisingToPower:", *this, std::nullopt, *withBehavior)
-      .settle(NSDecimalPower(value_, power, withBehavior->roundingMode()));
+      .settle([&](NSRoundingMode mode) { return NSDecimalPower(value_, power, mode); });
 }
 
 Optional NSDecimalNumber::decimalNumberByMultiplyingByPowerOf10(
     std::int16_t power, const NSDecimalNumberBehaviors* withBehavior) const {
-  const NSRoundingMode mode = withBehavior ? withBehavior->roundingMode() : NSRoundPlain;
-  const NSDecimalResult result = NSDecimalMultiplyByPowerOf10(value_, power, mode);
-  if (withBehavior == nullptr) return valueOrRaise(result);
+  const auto moved = [&](NSRoundingMode mode) {
+    return NSDecimalMultiplyByPowerOf10(value_, power, mode);
+  };
+  if (withBehavior == nullptr) return valueOrRaise(moved(NSRoundPlain));
   return Calculation("decimalNumberByMultiplyingByPowerOf10:", *this, std::nullopt, *withBehavior)
-      .settle(result);
+      .settle(moved);
 }
 
 Optional NSDecimalNumber::decimalNumberByRoundingAccordingToBehavior(
     const NSDecimalNumberBehaviors* behavior) const {
   if (behavior == nullptr) return *this;
   return Calculation("decimalNumberByRoundingAccordingToBehavior:", *this, std::nullopt, *behavior)
-      .settle({value_});
+      .settle([&](NSRoundingMode) { return NSDecimalResult{value_}; });
 }
 
 NSComparisonResult NSDecimalNumber::compare(const NSNumber& other) const {

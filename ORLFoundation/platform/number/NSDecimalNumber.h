@@ -5,10 +5,10 @@
 ///     auto tax = price.decimalNumberByMultiplyingBy(rate, &toCents);  // nullopt or a number
 ///     auto twice = price.decimalNumberByAdding(price);                // raises on overflow
 ///
-/// Operations with a behaviour round their result to its scale and answer errors with whatever its
-/// `exceptionDuringOperation` gives. Those without one raise an `NSException` on overflow,
-/// underflow and division by zero and ignore loss of precision. Not-a-number as an operand gives
-/// not-a-number.
+/// Operations with a behaviour round their result to its scale, once and from its exact value, and
+/// answer errors with whatever its `exceptionDuringOperation` gives. Those without one raise an
+/// `NSException` on overflow, underflow and division by zero and ignore loss of precision.
+/// Not-a-number as an operand gives not-a-number.
 #pragma once
 
 #include <ORLFoundation/platform/number/NSDecimalNumberBehaviors.h>

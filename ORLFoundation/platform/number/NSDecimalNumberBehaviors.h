@@ -1,5 +1,6 @@
 /// How a decimal calculation rounds, and what stands in for its result when it meets an error.
-/// `ORLFDecimalNumberHandler` is the library's own; anyone may write another.
+/// `ORLFDecimalNumberHandler` and `ORLFRoundingBehavior` are the library's own; anyone may write
+/// another.
 ///
 /// Operations take a pointer; nullptr is the default behaviour: plain rounding, no fixed scale, an
 /// exception on overflow, underflow and division by zero, and loss of precision ignored.

@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <functional>
 #include <mutex>
+#include <typeinfo>
 #include <utility>
 
 namespace ORLFoundation {
@@ -54,6 +55,19 @@ std::shared_ptr<NSObject> NSObject::copy() {
 std::shared_ptr<NSObject> NSObject::mutableCopy() {
   throw NSException(NSInvalidArgumentException,
                     "-[" + className() + " mutableCopyWithZone:]: not copyable");
+}
+
+std::shared_ptr<NSObject> NSObject::newObjectOfReceiversClass() const {
+  return std::make_shared<NSObject>();
+}
+
+std::shared_ptr<NSObject> NSObject::newObjectOfExactClass() const {
+  auto object = newObjectOfReceiversClass();
+  const NSObject* const made = object.get();
+  if (!made || typeid(*made) != typeid(*this))
+    throw NSException(NSInvalidArgumentException,
+                      "-[" + className() + " newObjectOfReceiversClass]: not of that class");
+  return object;
 }
 
 const NSKeyTable& NSObject::keyTable() const {

@@ -116,12 +116,30 @@ class NSObject : public std::enable_shared_from_this<NSObject> {
     didChangeValueForKey(key);
   }
 
+ protected:
+  /// A new object of the receiver's class, in any state: the hook by which a base class makes
+  /// copies that keep their class. The base class sets what it copies; the rest is as the hook left
+  /// it. Each class that copies to new objects has one, and so does every subclass of it:
+  ///
+  ///     std::shared_ptr<NSObject> newObjectOfReceiversClass() const override {
+  ///       return std::make_shared<Savings>();
+  ///     }
+  [[nodiscard]] virtual std::shared_ptr<NSObject> newObjectOfReceiversClass() const;
+  /// What the hook makes, under the type of the base class that copies. Raises
+  /// `NSInvalidArgumentException` where the receiver's class left the hook to its base class: a
+  /// copy never loses its class in silence.
+  template <class Base>
+  [[nodiscard]] std::shared_ptr<Base> newObjectAs() const {
+    return std::static_pointer_cast<Base>(newObjectOfExactClass());
+  }
+
  private:
   friend class NSKeyValueObservation;
 
   [[nodiscard]] bool hasState() const noexcept {
     return state_.load(std::memory_order_acquire) != nullptr;
   }
+  [[nodiscard]] std::shared_ptr<NSObject> newObjectOfExactClass() const;
   [[nodiscard]] NSObjectState& state() const;
   void beginChange(std::string_view key, bool automatic);
   void abandonChange(std::string_view key) noexcept;

@@ -40,6 +40,63 @@ TEST(NSObject, RefusesCopiesUnlessItsClassMakesThem) {
   EXPECT_EQ(copyOf(std::shared_ptr<Thing>()), nullptr);
 }
 
+/// Copies to a new object that keeps the class of its receiver.
+class Account : public NSObject {
+ public:
+  explicit Account(int balance = 0) : balance_(balance) {}
+  [[nodiscard]] int balance() const { return balance_; }
+  [[nodiscard]] std::string className() const override { return "Account"; }
+  [[nodiscard]] std::shared_ptr<NSObject> copy() override {
+    const auto copy = newObjectAs<Account>();
+    copy->balance_ = balance_;
+    return copy;
+  }
+
+ protected:
+  [[nodiscard]] std::shared_ptr<NSObject> newObjectOfReceiversClass() const override {
+    return std::make_shared<Account>();
+  }
+
+ private:
+  int balance_;
+};
+
+class Savings final : public Account {
+ public:
+  using Account::Account;
+
+ protected:
+  [[nodiscard]] std::shared_ptr<NSObject> newObjectOfReceiversClass() const override {
+    return std::make_shared<Savings>();
+  }
+};
+
+class Forgetful final : public Account {
+ public:
+  using Account::Account;
+};
+
+class Empty final : public Account {
+ protected:
+  [[nodiscard]] std::shared_ptr<NSObject> newObjectOfReceiversClass() const override {
+    return nullptr;
+  }
+};
+
+TEST(NSObject, CopiesToTheClassOfTheReceiver) {
+  const auto savings = std::make_shared<Savings>(12);
+  const auto copy = std::dynamic_pointer_cast<Savings>(savings->copy());
+  ASSERT_TRUE(copy);
+  EXPECT_NE(copy, savings);
+  EXPECT_EQ(copy->balance(), 12);
+  EXPECT_EQ(copyOf(std::make_shared<Account>(5))->balance(), 5);
+}
+
+TEST(NSObject, RefusesACopyThatWouldLoseItsClass) {
+  EXPECT_THROW(static_cast<void>(std::make_shared<Forgetful>(12)->copy()), NSException);
+  EXPECT_THROW(static_cast<void>(std::make_shared<Empty>()->copy()), NSException);
+}
+
 TEST(NSObject, CarriesAttachedValuesUnderTextKeys) {
   const auto thing = std::make_shared<const Thing>();
   EXPECT_TRUE(thing->attachedValue("a").isNil());

@@ -12,13 +12,13 @@
 namespace ORLFoundation {
 namespace {
 
-using internal::isASCII;
-using internal::lowerASCII;
-using internal::upperASCII;
 using internal::utf16Of;
 using internal::utf8Of;
+using internal::base::isASCII;
+using internal::base::isLetter;
+using internal::base::lowerASCII;
+using internal::base::upperASCII;
 
-bool isLetterASCII(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 std::string mapped(std::string_view text, char (*map)(char)) {
   std::string result(text);
   std::transform(result.begin(), result.end(), result.begin(), map);
@@ -40,7 +40,7 @@ std::string capitalizedASCII(std::string_view text) {
   std::string result(text);
   bool isInRun = false;
   for (char& c : result) {
-    if (isLetterASCII(c)) {
+    if (isLetter(c)) {
       c = isInRun ? lowerASCII(c) : upperASCII(c);
       isInRun = true;
     } else if (c != '\'' && c != '^' && c != '`') {

@@ -34,7 +34,7 @@ Text textOfUTF8(std::string_view bytes) {
 }
 
 Text textOfASCII(std::string_view bytes) {
-  return internal::isASCII(bytes) ? Text(bytes) : std::nullopt;
+  return internal::base::isASCII(bytes) ? Text(bytes) : std::nullopt;
 }
 
 /// The UTF-8 of each byte of an encoding.

@@ -81,7 +81,8 @@ NSComparisonResult caseInsensitiveCompare(std::string_view text, std::string_vie
 }
 
 std::string stringByFoldingWithOptions(std::string_view text, NSUInteger options) {
-  if (internal::isASCII(text) && (options & NSCaseInsensitiveSearch) == 0) return std::string(text);
+  if (internal::base::isASCII(text) && (options & NSCaseInsensitiveSearch) == 0)
+    return std::string(text);
   const icu::UnicodeString folded = internal::folded(utf16Of(text), options);
   UErrorCode status = U_ZERO_ERROR;
   const icu::Normalizer2* composer = icu::Normalizer2::getNFCInstance(status);
@@ -92,12 +93,13 @@ std::string stringByFoldingWithOptions(std::string_view text, NSUInteger options
 }
 
 std::string wellFormedString(std::string_view text) {
-  if (internal::isASCII(text)) return std::string(text);
+  if (internal::base::isASCII(text)) return std::string(text);
   return internal::utf8Of(utf16Of(text));
 }
 
 NSUInteger length(std::string_view text) {
-  return internal::isASCII(text) ? text.size() : static_cast<NSUInteger>(utf16Of(text).length());
+  return internal::base::isASCII(text) ? text.size()
+                                       : static_cast<NSUInteger>(utf16Of(text).length());
 }
 
 NSRange rangeOfString(std::string_view text, std::string_view searchString, NSUInteger options,

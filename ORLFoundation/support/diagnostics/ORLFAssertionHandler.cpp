@@ -11,6 +11,8 @@
 #include <ORLFoundation/support/diagnostics/ORLFProcessDoor.h>
 
 #include <algorithm>
+#include <string_view>
+#include <utility>
 
 namespace ORLFoundation {
 namespace {
@@ -47,14 +49,16 @@ const std::shared_ptr<ORLFAssertionHandler>& sharedHandler() {
 
 std::shared_ptr<NSError> ORLFAssertionHandler::errorWithAssertion(std::string_view assertion,
                                                                   std::string_view context) {
+  const auto self = weak_from_this().lock();
+  const std::pair<std::string_view, id> parts[] = {
+      {NSLocalizedDescriptionKey, "The following error occurred:"},
+      {NSLocalizedRecoverySuggestionErrorKey, stringWithFormat("%@\n\n%@", assertion, context)},
+      {NSLocalizedRecoveryOptionsErrorKey,
+       NSArray::arrayWithObjects({"Quit", IsDebugging() ? "Debug" : "Continue"})},
+      {NSRecoveryAttempterErrorKey, self ? id(self) : id()}};
   NSDictionary::Entries userInfo;
-  userInfo.emplace_back(NSLocalizedDescriptionKey, "The following error occurred:");
-  userInfo.emplace_back(NSLocalizedRecoverySuggestionErrorKey,
-                        stringWithFormat("%@\n\n%@", assertion, context));
-  userInfo.emplace_back(NSLocalizedRecoveryOptionsErrorKey,
-                        NSArray::arrayWithObjects({"Quit", IsDebugging() ? "Debug" : "Continue"}));
-  if (const auto self = weak_from_this().lock())
-    userInfo.emplace_back(NSRecoveryAttempterErrorKey, self);
+  for (const auto& [key, value] : parts)
+    if (!value.isNil()) userInfo.emplace_back(key, value);
   return NSError::errorWithDomain(ORLFErrorDomain, kAssertionErrorCode,
                                   std::make_shared<NSDictionary>(userInfo));
 }

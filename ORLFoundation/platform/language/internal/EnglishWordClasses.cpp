@@ -141,7 +141,8 @@ static_assert(fitsLongestWord());
 std::string_view classOfEnglishWord(std::string_view word) noexcept {
   if (word.size() > kLongestWord) return NLTagOtherWord;
   std::array<char, kLongestWord> lower{};
-  std::transform(word.begin(), word.end(), lower.begin(), lowerASCII);
+  std::transform(word.begin(), word.end(), lower.begin(),
+                 [](char c) { return base::lowerASCII(c); });
   const std::string_view key(lower.data(), word.size());
   const auto* const row = std::lower_bound(
       std::begin(kWordClasses), std::end(kWordClasses), key,

@@ -102,7 +102,7 @@ std::size_t endOfHost(std::string_view text, std::size_t begin) {
 bool hasTopLevelDomain(std::string_view host) {
   constexpr std::string_view kEncoded = "xn--";
   const std::string_view label = lastLabel(host);
-  if (equalsLower(label.substr(0, kEncoded.size()), kEncoded)) return true;
+  if (base::equalsLower(label.substr(0, kEncoded.size()), kEncoded)) return true;
   const bool hasOther = std::any_of(label.begin(), label.end(),
                                     [](char c) { return (c >= '0' && c <= '9') || c == '-'; });
   return label.size() >= 2 && !hasOther;
@@ -114,7 +114,7 @@ bool hasCommonTopLevelDomain(std::string_view host) {
                                           "eu",  "ca",  "au",  "jp",  "ch",  "nl",  "it"};
   const std::string_view label = lastLabel(host);
   return std::any_of(std::begin(kCommon), std::end(kCommon),
-                     [label](std::string_view known) { return equalsLower(label, known); });
+                     [label](std::string_view known) { return base::equalsLower(label, known); });
 }
 
 }  // namespace ORLFoundation::internal

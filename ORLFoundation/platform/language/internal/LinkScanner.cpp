@@ -26,7 +26,7 @@ std::size_t endOfAddress(std::string_view text, std::size_t from) {
 
 bool isWebScheme(std::string_view word) {
   return std::any_of(std::begin(kWebSchemes), std::end(kWebSchemes),
-                     [word](std::string_view scheme) { return equalsLower(word, scheme); });
+                     [word](std::string_view scheme) { return base::equalsLower(word, scheme); });
 }
 
 /// The end without the marks that end a sentence, and without closing brackets that were not opened
@@ -95,7 +95,7 @@ std::optional<Link> LinkScanner::mailAt(std::size_t begin, std::size_t end) {
 
 std::optional<Link> LinkScanner::addressAt(std::size_t begin, std::size_t colon) {
   const std::string_view scheme = text_.substr(begin, colon - begin);
-  if (equalsLower(scheme, "mailto")) {
+  if (base::equalsLower(scheme, "mailto")) {
     const std::size_t end = endOfLocalPart(text_, colon + 1);
     if (end >= text_.size() || text_[end] != '@') return std::nullopt;
     const std::optional<Link> mail = mailAt(colon + 1, end);
@@ -112,7 +112,7 @@ std::optional<Link> LinkScanner::hostAt(std::size_t begin, std::size_t end) {
   while (begin < end && lengthOfLabelCharacter(text_, begin) == 0) ++begin;
   const std::size_t hostEnd = endOfHost(text_, begin);
   const std::string_view host = text_.substr(begin, hostEnd - begin);
-  const bool isWeb = equalsLower(host.substr(0, kWorldWideWeb.size()), kWorldWideWeb);
+  const bool isWeb = base::equalsLower(host.substr(0, kWorldWideWeb.size()), kWorldWideWeb);
   if (!hasTopLevelDomain(host) || (!isWeb && !hasCommonTopLevelDomain(host))) return std::nullopt;
   const char sign = hostEnd < text_.size() ? text_[hostEnd] : ' ';
   if (sign == '@') return std::nullopt;

@@ -182,7 +182,7 @@ class Reader {
         return;
       case kASCII: {
         const std::string_view text = textOf(take(count));
-        require(isASCII(text), "A text holds a byte that is not ASCII.");
+        require(base::isASCII(text), "A text holds a byte that is not ASCII.");
         table_.addText(PropertyListKind::String, text);
         return;
       }

@@ -103,7 +103,7 @@ class Writer {
   }
 
   void writeString(std::string_view text) {
-    if (isASCII(text)) {
+    if (base::isASCII(text)) {
       markerWithCount(0x50, text.size());
       return append(text);
     }

@@ -59,7 +59,7 @@ std::size_t appendAsUTF16BigEndian(std::string& bytes, std::string_view text) {
 }
 
 void checkUTF8(std::string_view text) {
-  if (!isASCII(text)) static_cast<void>(utf16Of(text));
+  if (!base::isASCII(text)) static_cast<void>(utf16Of(text));
 }
 
 bool fitsXML(std::string_view text) noexcept {

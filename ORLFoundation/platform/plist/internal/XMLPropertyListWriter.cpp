@@ -31,7 +31,7 @@ constexpr std::size_t kDeepestIndent = 8;
 
 // In UTF-16, surrogates come before the last characters of the basic plane, in UTF-8 after them.
 bool comesBeforeInUTF16(std::string_view left, std::string_view right) {
-  if (isASCII(left) && isASCII(right)) return left < right;
+  if (base::isASCII(left) && base::isASCII(right)) return left < right;
   std::string leftUnits;
   std::string rightUnits;
   appendAsUTF16BigEndian(leftUnits, left);

@@ -40,7 +40,7 @@ std::string textOfConstant(const id& value) {
 }
 
 std::string textOfKeyPath(const std::string& path) {
-  const bool isSelf = equalsLower(path, kSelf);
+  const bool isSelf = base::equalsLower(path, kSelf);
   const bool isWord = predicateWord(path).has_value() || predicateOperator(path).has_value();
   return isWord && !isSelf ? "#" + path : path;
 }
@@ -53,9 +53,9 @@ std::string textOfList(const PredicateExpression::List& list) {
 }
 
 id valueAt(const id& object, std::string_view path) {
-  if (equalsLower(path, kSelf)) return object;
+  if (base::equalsLower(path, kSelf)) return object;
   if (path.size() > kSelf.size() && path[kSelf.size()] == '.' &&
-      equalsLower(path.substr(0, kSelf.size()), kSelf))
+      base::equalsLower(path.substr(0, kSelf.size()), kSelf))
     path.remove_prefix(kSelf.size() + 1);
   return object.valueForKeyPath(path);
 }

@@ -66,14 +66,14 @@ constexpr OperatorRow kOperators[] = {
 std::optional<PredicateWord> predicateWord(std::string_view text) {
   const auto* const row =
       std::find_if(std::begin(kWords), std::end(kWords),
-                   [text](const WordRow& known) { return equalsLower(text, known.lower); });
+                   [text](const WordRow& known) { return base::equalsLower(text, known.lower); });
   return row == std::end(kWords) ? std::nullopt : std::optional(row->word);
 }
 
 std::optional<PredicateOperator> predicateOperator(std::string_view text) {
-  const auto* const row =
-      std::find_if(std::begin(kOperators), std::end(kOperators),
-                   [text](const OperatorRow& known) { return equalsLower(text, known.lower); });
+  const auto* const row = std::find_if(
+      std::begin(kOperators), std::end(kOperators),
+      [text](const OperatorRow& known) { return base::equalsLower(text, known.lower); });
   return row == std::end(kOperators) ? std::nullopt : std::optional(row->comparison);
 }
 

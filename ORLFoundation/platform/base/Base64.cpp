@@ -1,0 +1,68 @@
+#include <ORLFoundation/platform/base/Base64.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace ORLFoundation::internal::base {
+namespace {
+
+constexpr std::string_view kAlphabet =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr std::size_t kGroupBytes = 3;
+constexpr std::size_t kGroupDigits = 4;
+constexpr unsigned kDigitBits = 6;
+
+constexpr std::array<std::int8_t, 256> kValues = [] {
+  std::array<std::int8_t, 256> values{};
+  for (auto& value : values) value = -1;
+  for (std::size_t i = 0; i < kAlphabet.size(); ++i)
+    values[static_cast<unsigned char>(kAlphabet[i])] = static_cast<std::int8_t>(i);
+  return values;
+}();
+
+}  // namespace
+
+int base64DigitValue(char c) noexcept { return kValues[static_cast<unsigned char>(c)]; }
+
+std::string base64Text(std::string_view bytes) {
+  std::string text;
+  text.reserve((bytes.size() + kGroupBytes - 1) / kGroupBytes * kGroupDigits);
+  for (std::size_t at = 0; at < bytes.size(); at += kGroupBytes) {
+    const std::size_t count = std::min(kGroupBytes, bytes.size() - at);
+    std::uint32_t group = 0;
+    for (std::size_t i = 0; i < kGroupBytes; ++i)
+      group = group << 8 | (i < count ? static_cast<unsigned char>(bytes[at + i]) : 0U);
+    for (std::size_t i = 0; i < kGroupDigits; ++i)
+      text += i <= count ? kAlphabet[group >> (kDigitBits * (kGroupDigits - 1 - i)) & 0x3F] : '=';
+  }
+  return text;
+}
+
+std::string bytesOfLooseBase64Text(std::string_view text) {
+  std::string bytes;
+  bytes.reserve(text.size() / kGroupDigits * kGroupBytes);
+  std::uint32_t pending = 0;
+  unsigned bits = 0;
+  for (const char c : text.substr(0, text.find('='))) {
+    const int value = base64DigitValue(c);
+    if (value < 0) continue;
+    pending = pending << kDigitBits | static_cast<std::uint32_t>(value);
+    bits += kDigitBits;
+    if (bits < 8) continue;
+    bits -= 8;
+    bytes += static_cast<char>(pending >> bits & 0xFF);
+  }
+  return bytes;
+}
+
+std::optional<std::string> bytesOfBase64Text(std::string_view text) {
+  if (text.size() % kGroupDigits != 0) return std::nullopt;
+  std::string bytes = bytesOfLooseBase64Text(text);
+  // What is written in another way than it would be written again is not taken.
+  if (base64Text(bytes) != text) return std::nullopt;
+  return bytes;
+}
+
+}  // namespace ORLFoundation::internal::base
