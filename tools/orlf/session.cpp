@@ -3,7 +3,10 @@
 #include <unicode/calendar.h>
 #include <unicode/locid.h>
 
+#include <ostream>
+
 #include "cli/failure.h"
+#include "cli/message_text.h"
 
 namespace orlftool {
 namespace {
@@ -29,6 +32,11 @@ bool isKnownLocale(const std::string& identifier) {
 }
 
 }  // namespace
+
+void printNote(Session& session, std::string_view note) {
+  session.err << "orlf" << (session.command.empty() ? "" : " ") << session.command << ": "
+              << oneLine(note) << '\n';
+}
 
 std::shared_ptr<NSCalendar> makeCalendar(const std::string& zone, const std::string& locale) {
   if (!isKnownLocale(locale)) throw UsageFailure("--locale: unknown locale '" + locale + "'");

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace orlftool {
 
@@ -21,12 +22,17 @@ struct CommonOptions {
 struct Session {
   std::ostream& out;
   std::ostream& err;
-  CommonOptions options;
+  CommonOptions options = {};
   /// The calendar of the zone and the locale, which are known to exist when a command runs.
-  std::shared_ptr<ORLFoundation::NSCalendar> calendar;
+  std::shared_ptr<ORLFoundation::NSCalendar> calendar = nullptr;
   /// What a command that does its job ends with; those that answer a question say no with 1.
   int exitCode = 0;
+  /// The command that runs, for its notes.
+  std::string command = {};
 };
+
+/// Prints a line for people, "orlf plan: ...", beside the output.
+void printNote(Session& session, std::string_view note);
 
 /// A Gregorian calendar in a zone, with the weeks and the weekend of the locale's region. Throws
 /// UsageFailure for a zone or a locale that is unknown.

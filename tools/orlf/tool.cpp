@@ -2,7 +2,6 @@
 
 #include <ORLFoundation/platform/log/NSLog.h>
 
-#include <algorithm>
 #include <array>
 #include <map>
 #include <ostream>
@@ -66,20 +65,12 @@ void addCommonOptions(Options options, CommonOptions& values) {
   options.text("--locale", values.locale, "Locale of numbers, months and weeks");
 }
 
-/// A message of one line, whatever it quotes.
-std::string oneLine(std::string message) {
-  std::replace_if(
-      message.begin(), message.end(), [](unsigned char c) { return c < ' ' || c == '\x7F'; }, ' ');
-  return message;
-}
-
-int report(std::ostream& err, const std::string& command, const std::string& message,
-           ExitCode code) {
-  err << (command.empty() ? "orlf" : "orlf " + command) << ": " << oneLine(message) << '\n';
+int fail(Session& session, std::string_view message, ExitCode code) {
+  printNote(session, message);
   return code;
 }
 
-int runCommand(const std::string& name, const Job& job, Session& session) {
+int runCommand(const Job& job, Session& session) {
   try {
     const LogToStream log(session.err);
     session.calendar = makeCalendar(session.options.zone.value_or("UTC"), session.options.locale);
@@ -87,16 +78,16 @@ int runCommand(const std::string& name, const Job& job, Session& session) {
     if (!session.out.flush()) throw JobFailure("the output cannot be written");
     return session.exitCode;
   } catch (const UsageFailure& failure) {
-    return report(session.err, name, failure.what(), kExitWrongUsage);
+    return fail(session, failure.what(), kExitWrongUsage);
   } catch (const std::exception& failure) {
-    return report(session.err, name, failure.what(), kExitFailedJob);
+    return fail(session, failure.what(), kExitFailedJob);
   }
 }
 
 }  // namespace
 
 int runTool(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
-  Session session{out, err, {}, nullptr};
+  Session session{.out = out, .err = err};
   CommandLine line("orlf", "Exact money, dates and plans.", std::string("orlf ") + kToolVersion);
   addCommonOptions(line.commonOptions(), session.options);
   std::map<std::string, Job> jobs;
@@ -106,8 +97,9 @@ int runTool(const std::vector<std::string>& arguments, std::ostream& out, std::o
   }
   const CommandLine::Reading reading = line.read(arguments, out);
   if (reading.isAnswered) return kExitSuccess;
-  if (!reading.fault.empty()) return report(err, reading.command, reading.fault, kExitWrongUsage);
-  return runCommand(reading.command, jobs.at(reading.command), session);
+  session.command = reading.command;
+  if (!reading.fault.empty()) return fail(session, reading.fault, kExitWrongUsage);
+  return runCommand(jobs.at(reading.command), session);
 }
 
 }  // namespace orlftool

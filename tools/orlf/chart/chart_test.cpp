@@ -13,8 +13,8 @@
 #include <string>
 
 #include "chart/chart_scale.h"
-#include "session.h"
 #include "cli/failure.h"
+#include "session.h"
 #include "values/date_text.h"
 
 namespace {

@@ -63,8 +63,8 @@ class CommandLine {
   [[nodiscard]] Options addCommand(const std::string& name, const std::string& footer);
 
   struct Reading {
-    std::string command;  // the one that was named, empty for none
-    std::string fault;    // what is wrong with the line, in one line; empty for nothing
+    std::string command;      // the one that was named, empty for none
+    std::string fault;        // what is wrong with the line, in one line; empty for nothing
     bool isAnswered = false;  // help or the version was asked for, and printed
   };
   /// Reads the words after the program's name.

@@ -1,42 +1,63 @@
-
-
 #include "cli/message_text.h"
 
+#include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/UTF8.h>
+
 #include <algorithm>
+#include <array>
+#include <cstdio>
 
 #include "cli/failure.h"
 
 namespace orlftool {
 namespace {
 
+using namespace ORLFoundation::internal::base;
+
 constexpr std::size_t kMostCharactersShown = 40;
 
-/// Bytes of the UTF-8 character at the front; 0 when they are none.
-std::size_t characterLength(std::string_view text) {
-  const auto byte = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const std::size_t length = byte(0) < 0x80    ? 1
-                             : byte(0) >= 0xF0 ? 4
-                             : byte(0) >= 0xE0 ? 3
-                             : byte(0) >= 0xC2 ? 2
-                                               : 0;
-  if (length > text.size() || byte(0) > 0xF4) return 0;
-  for (std::size_t i = 1; i < length; ++i)
-    if ((byte(i) & 0xC0) != 0x80) return 0;
-  return length;
+/// What moves a terminal's cursor or does worse.
+constexpr bool isControl(char32_t codePoint) {
+  return codePoint < U' ' || (codePoint >= U'\x7F' && codePoint < U'\xA0');
 }
 
 }  // namespace
 
 std::string quotedForMessage(std::string_view text) {
   std::string shown = "'";
-  std::size_t at = 0;
-  for (std::size_t count = 0; at < text.size() && count < kMostCharactersShown; ++count) {
-    const std::size_t length = characterLength(text.substr(at));
-    const bool printable = length > 1 || (length == 1 && text[at] >= ' ' && text[at] != '\x7F');
-    shown += printable ? text.substr(at, length) : "?";
-    at += std::max<std::size_t>(length, 1);
+  std::size_t count = 0;
+  for (; !text.empty() && count < kMostCharactersShown; ++count) {
+    const UTF8Character character = firstUTF8Character(text);
+    const bool printable = !character.isBroken && !isControl(character.codePoint);
+    shown += printable ? text.substr(0, character.length) : "?";
+    text.remove_prefix(character.length);
   }
-  return shown + (at < text.size() ? "...'" : "'");
+  return shown + (text.empty() ? "'" : "...'");
+}
+
+std::string shownText(std::string_view text) {
+  std::string shown;
+  while (!text.empty()) {
+    const UTF8Character character = firstUTF8Character(text);
+    if (isControl(character.codePoint)) {
+      std::array<char, 8> escape{};
+      std::snprintf(escape.data(), escape.size(), "\\u%04X",
+                    static_cast<unsigned>(character.codePoint));
+      shown += escape.data();
+    } else {
+      appendUTF8(shown, character.codePoint);
+    }
+    text.remove_prefix(character.length);
+  }
+  return shown;
+}
+
+std::string oneLine(std::string_view text) {
+  std::string line(text);
+  std::replace_if(
+      line.begin(), line.end(),
+      [](char c) { return isControl(static_cast<unsigned char>(c)) && isASCII(c); }, ' ');
+  return line;
 }
 
 void failAtField(const std::string& name, std::size_t line, const std::string& field,

@@ -36,9 +36,9 @@ void checkCombinations(const DatesArguments& arguments) {
   refuseTogether(reference, exact);
   if (arguments.inclusive && !range.isGiven && !until.isGiven)
     throw UsageFailure("--inclusive needs --to or --until");
-  for (const Given& ofOlder : {Given{!arguments.setPositions.empty(), "--set-pos"},
-                               Given{arguments.anchor.has_value(), "--anchor"},
-                               Given{arguments.absolute, "--absolute"}})
+  for (const Given& ofOlder :
+       {Given{!arguments.setPositions.empty(), "--set-pos"},
+        Given{arguments.anchor.has_value(), "--anchor"}, Given{arguments.absolute, "--absolute"}})
     if (ofOlder.isGiven && !arguments.older)
       throw UsageFailure(std::string(ofOlder.name) + " needs --older");
 }
@@ -60,8 +60,8 @@ std::string isoText(const std::string& until) {
 DateBound readRuleEnd(const std::string& until, const NSCalendar& calendar) {
   const std::optional<NSDate> date = readDate(isoText(until), calendar);
   if (!date)
-    throw UsageFailure("--rule: UNTIL: expected a date such as 20241231 or 20241231T235959Z, got '" +
-                       until + "'");
+    throw UsageFailure(
+        "--rule: UNTIL: expected a date such as 20241231 or 20241231T235959Z, got '" + until + "'");
   if (until.find('T') != std::string::npos) return {*date, true};
   return {calendar.dateByAddingUnit(NSCalendarUnitDay, 1, *date, 0).value_or(*date), false};
 }
@@ -70,9 +70,9 @@ DateBound readRuleEnd(const std::string& until, const NSCalendar& calendar) {
 void takeRuleText(const DatesArguments& arguments, DatesRequest& request) {
   const RuleText text = readRuleText(*arguments.rule, "--rule");
   const Given count{text.count.has_value(), "COUNT"};
-  for (const Given& other : {Given{arguments.from.has_value(), "--from"},
-                             Given{arguments.backwards, "--backwards"},
-                             Given{arguments.reference.has_value(), "--reference"}})
+  for (const Given& other :
+       {Given{arguments.from.has_value(), "--from"}, Given{arguments.backwards, "--backwards"},
+        Given{arguments.reference.has_value(), "--reference"}})
     refuseTogether(count, other);
   if (text.count) request.count = std::min(*text.count, request.count.value_or(*text.count));
   if (text.until) request.ruleEnd = readRuleEnd(*text.until, *request.calendar);

@@ -48,6 +48,8 @@ struct DatesRequest {
   bool older = false;
   /// Leaves out a date that the one before it equals; the older walk may give some twice.
   bool eachOnce = false;
+  /// Gives the first instant of each date's day.
+  bool wholeDays = false;
   /// Keys of the rule's text that the dates do not heed.
   std::vector<std::string> passedOver;
 

@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "session.h"
 #include "cli/failure.h"
+#include "session.h"
 
 namespace {
 
@@ -41,9 +41,9 @@ TEST(ReadWeekday, TakesADayAndItsPlace) {
 }
 
 TEST(ReadWeekday, RefusesOtherText) {
-  for (const char* text : {"", "XX", "0MO", "2", "-", "MO2", "2 MO", "monday", "367day", "--1MO",
-                           "99999999999999999999MO", "+-1MO", "-9223372036854775808MO",
-                           "0x2MO", "1-MO"})
+  for (const char* text :
+       {"", "XX", "0MO", "2", "-", "MO2", "2 MO", "monday", "367day", "--1MO",
+        "99999999999999999999MO", "+-1MO", "-9223372036854775808MO", "0x2MO", "1-MO"})
     EXPECT_FALSE(readWeekday(text)) << text;
 }
 
@@ -110,7 +110,8 @@ const FaultRow kFaults[] = {
      "--by-month: expected a whole number from 1 to 12, got '13'"},
     {"MonthDayOutOfRange", [](DatesArguments& a) { a.monthDays = {"32"}; },
      "--by-monthday: expected a whole number from -31 to 31, got '32'"},
-    {"MonthDayZero", [](DatesArguments& a) { a.monthDays = {"0"}; }, "--by-monthday: expected no 0"},
+    {"MonthDayZero", [](DatesArguments& a) { a.monthDays = {"0"}; },
+     "--by-monthday: expected no 0"},
     {"YearDayOutOfRange", [](DatesArguments& a) { a.yearDays = {"-367"}; },
      "--by-yearday: expected a whole number from -366 to 366, got '-367'"},
     {"WeekOutOfRange", [](DatesArguments& a) { a.weeks = {"54"}; },

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/failure.h"
+#include "values/date_text.h"
 
 namespace orlftool {
 namespace {
@@ -59,7 +60,7 @@ class DateTaker {
     if (request_.until && isBeyond(date, *request_.until, request_.backwards)) return false;
     if (request_.ruleEnd && isBeyond(date, *request_.ruleEnd, false)) return request_.backwards;
     if (request_.eachOnce && last_ && date.compare(*last_) == NSOrderedSame) return true;
-    give_(date);
+    give_(request_.wholeDays ? startOfDay(date, *request_.calendar) : date);
     last_ = date;
     ++taken_;
     return !request_.count || taken_ < *request_.count;

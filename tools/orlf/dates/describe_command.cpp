@@ -5,9 +5,9 @@
 #include "cli/command_line.h"
 #include "cli/json_output.h"
 #include "commands.h"
+#include "dates/rule_options.h"
 #include "session.h"
 #include "values/whole_number.h"
-#include "dates/rule_options.h"
 
 namespace orlftool {
 namespace {

@@ -91,14 +91,13 @@ void printFiscal(Session& session, const FiscalArguments& arguments) {
       fiscalDate(readDateOption("DATE", arguments.date, *calendar), start, *calendar);
   const auto day = [&](NSDate date) { return shortDateText(date, *calendar); };
   if (session.options.json) {
-    const Json json{
-        {"year", answer.fields.year()},
-        {"quarter", answer.fields.quarter()},
-        {"month", answer.fields.month()},
-        {"week", answer.fields.weekOfYear()},
-        {"yearStart", dateTimeText(answer.yearStart, *calendar)},
-        {"quarterStart", dateTimeText(answer.quarterStart, *calendar)},
-        {"monthStart", dateTimeText(answer.monthStart, *calendar)}};
+    const Json json{{"year", answer.fields.year()},
+                    {"quarter", answer.fields.quarter()},
+                    {"month", answer.fields.month()},
+                    {"week", answer.fields.weekOfYear()},
+                    {"yearStart", dateTimeText(answer.yearStart, *calendar)},
+                    {"quarterStart", dateTimeText(answer.quarterStart, *calendar)},
+                    {"monthStart", dateTimeText(answer.monthStart, *calendar)}};
     printJson(session.out, json);
     return;
   }

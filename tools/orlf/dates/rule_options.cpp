@@ -15,7 +15,7 @@ namespace orlftool {
 namespace {
 
 using namespace ORLFoundation;
-using Integers = ORLFDateRecurrenceRule::Integers;
+using Integers = std::vector<NSInteger>;
 
 constexpr std::int64_t kLongestInterval = 100000, kFarthestPlace = 366;
 
@@ -109,9 +109,9 @@ std::shared_ptr<ORLFDateRecurrenceRule> ruleOfOptions(const RuleArguments& argum
 std::shared_ptr<ORLFDateRecurrenceDayOfWeek> readWeekday(std::string_view text) {
   const std::optional<NSInteger> place = takePlace(text);
   if (!place) return nullptr;
-  const auto* found =
-      std::find_if(kWeekdays.begin(), kWeekdays.end(),
-                   [&](const WeekdayWord& row) { return internal::equalsLower(text, row.word); });
+  const auto* found = std::find_if(kWeekdays.begin(), kWeekdays.end(), [&](const WeekdayWord& row) {
+    return internal::base::equalsLower(text, row.word);
+  });
   if (found == kWeekdays.end()) return nullptr;
   return std::make_shared<ORLFDateRecurrenceDayOfWeek>(found->dayOfTheWeek, *place);
 }

@@ -19,10 +19,10 @@ struct HeededKey {
 };
 
 constexpr std::array kHeededKeys{
-    HeededKey{"FREQ", false, 0, 0},           HeededKey{"INTERVAL", true, 1, 100000},
-    HeededKey{"BYDAY", false, 0, 0},          HeededKey{"BYMONTH", true, 1, 12},
-    HeededKey{"BYMONTHDAY", true, -31, 31},   HeededKey{"BYWEEKNO", true, -53, 53},
-    HeededKey{"BYYEARDAY", true, -366, 366},  HeededKey{"COUNT", true, 1, 1000000},
+    HeededKey{"FREQ", false, 0, 0},          HeededKey{"INTERVAL", true, 1, 100000},
+    HeededKey{"BYDAY", false, 0, 0},         HeededKey{"BYMONTH", true, 1, 12},
+    HeededKey{"BYMONTHDAY", true, -31, 31},  HeededKey{"BYWEEKNO", true, -53, 53},
+    HeededKey{"BYYEARDAY", true, -366, 366}, HeededKey{"COUNT", true, 1, 1000000},
     HeededKey{"UNTIL", false, 0, 0},
 };
 

@@ -21,8 +21,8 @@ TEST(RuleText, TellsTheEndThatTheRuleHasNoPlaceFor) {
 TEST(RuleText, NamesEachKeyThatDatesDoNotHeedOnce) {
   const RuleText text = readRuleText(
       "DTSTART:20240101\r\nRRULE:FREQ=DAILY;WKST=MO;BYHOUR=9,10;WKST=SU;INTERVAL=2;freq=x", "RULE");
-  EXPECT_EQ(text.passedOver, (std::vector<std::string>{"the text before RRULE:", "WKST", "BYHOUR",
-                                                       "freq"}));
+  EXPECT_EQ(text.passedOver,
+            (std::vector<std::string>{"the text before RRULE:", "WKST", "BYHOUR", "freq"}));
   EXPECT_TRUE(readRuleText(" \nRRULE:FREQ=DAILY", "RULE").passedOver.empty());
 }
 
@@ -50,7 +50,8 @@ const NumberCase kNumbers[] = {
     {"RRULE:BYMONTHDAY=31,-31", ""},
     {"RRULE:BYMONTHDAY=32", "--rule: BYMONTHDAY: expected a whole number from -31 to 31, got '32'"},
     {"RRULE:BYYEARDAY=366,-366", ""},
-    {"RRULE:BYYEARDAY=367", "--rule: BYYEARDAY: expected a whole number from -366 to 366, got '367'"},
+    {"RRULE:BYYEARDAY=367",
+     "--rule: BYYEARDAY: expected a whole number from -366 to 366, got '367'"},
     {"RRULE:BYWEEKNO=53,-53", ""},
     {"RRULE:BYWEEKNO=54", "--rule: BYWEEKNO: expected a whole number from -53 to 53, got '54'"},
     {"RRULE:BYDAY=MO,-366TU", ""},

@@ -5,9 +5,10 @@
 #include "cli/command_line.h"
 #include "cli/json_output.h"
 #include "commands.h"
-#include "session.h"
+#include "dates/dates_notes.h"
 #include "dates/dates_walk.h"
 #include "dates/schedule_request.h"
+#include "session.h"
 #include "values/date_text.h"
 
 namespace orlftool {
@@ -20,13 +21,17 @@ void printSchedule(Session& session, const ScheduleArguments& arguments) {
   const NSUInteger payments = numberOfPaymentPeriodsPerYear(*request.rule);
   if (!session.options.json) session.out << "Payments a year: " << payments << '\n';
   Json dates = Json::array();
+  bool isEmpty = true;
   walkDates(request, [&](NSDate date) {
+    isEmpty = false;
     if (session.options.json) {
       dates.push_back(dateTimeText(date, *request.calendar));
     } else {
       session.out << shortDateText(date, *request.calendar) << '\n';
     }
   });
+  if (isEmpty)
+    for (const std::string& note : notesOnDates(request, isEmpty)) printNote(session, note);
   if (!session.options.json) return;
   printJson(session.out, {{"pattern", arguments.pattern},
                           {"zone", request.calendar->timeZone()->name()},
@@ -43,8 +48,7 @@ Job declareScheduleCommand(Options& options) {
                    "weekly, biweekly, semimonthly, monthly, quarterly, semiannual or annual");
   options.text("--start", arguments->start, "Print dates from this one on");
   options.text("--until", arguments->until, "Print dates before this one");
-  options.text("--count", arguments->count,
-               "Most dates to print (12 where --until is not given)");
+  options.text("--count", arguments->count, "Most dates to print (12 where --until is not given)");
   options.text("--weekday", arguments->weekday, "Weekly, biweekly: SU to SA (FR)");
   options.text("--day", arguments->day, "Day of the month, the first of two when semimonthly (1)");
   options.text("--second-day", arguments->secondDay,

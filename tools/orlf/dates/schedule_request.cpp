@@ -1,10 +1,9 @@
 #include "dates/schedule_request.h"
 
-#include <ORLFoundation/calendar/ORLFCalendarRounding.h>
-
 #include <algorithm>
 #include <array>
 #include <string_view>
+#include <vector>
 
 #include "cli/failure.h"
 #include "values/date_text.h"
@@ -67,6 +66,33 @@ ORLFPaymentSchedule semiMonthlyIncluding(const IncludedDates& dates, const NSCal
   return absoluteScheduleForSemiMonthlyPaymentsIncludingDate(dates.first, *dates.second, calendar);
 }
 
+/// The rule with another number in place of the month 0, which no month is: the library counts the
+/// third month of a quarter and a December as 0, and dates of such months would be left out.
+ORLFPaymentSchedule withMonthForZero(const ORLFPaymentSchedule& rule, NSInteger month) {
+  std::vector<NSInteger> months = rule->monthsOfTheYear().value_or(std::vector<NSInteger>());
+  std::replace(months.begin(), months.end(), NSInteger{0}, month);
+  return std::make_shared<ORLFDateRecurrenceRule>(
+      ORLFDateRecurrenceRule::Recurrence{.frequency = rule->frequency(),
+                                         .interval = rule->interval(),
+                                         .anchorIndex = rule->anchorIndex(),
+                                         .absolute = rule->absolute(),
+                                         .daysOfTheMonth = rule->daysOfTheMonth(),
+                                         .monthsOfTheYear = std::move(months)});
+}
+
+ORLFPaymentSchedule quarterlyIncluding(const IncludedDates& dates, const NSCalendar& calendar) {
+  constexpr NSInteger kThirdMonth = 3;
+  return withMonthForZero(absoluteScheduleForQuarterlyPaymentsIncludingDate(dates.first, calendar),
+                          kThirdMonth);
+}
+
+ORLFPaymentSchedule semiAnnualIncluding(const IncludedDates& dates, const NSCalendar& calendar) {
+  constexpr NSInteger kDecember = 12;
+  return withMonthForZero(
+      absoluteScheduleForSemiAnnualPaymentsIncludingDate(dates.first, dates.second, calendar),
+      kDecember);
+}
+
 /// The options that a pattern takes beside --including, --start, --until and --count.
 enum Takes : unsigned {
   kWeekday = 1,
@@ -104,18 +130,12 @@ const std::array kPatterns{
               return absoluteScheduleForMonthlyPaymentsIncludingDate(dates.first, calendar);
             }},
     Pattern{"quarterly", 0, false, true,
-            [](const Arguments&) { return scheduleForQuarterlyPayments(); },
-            [](const IncludedDates& dates, const NSCalendar& calendar) {
-              return absoluteScheduleForQuarterlyPaymentsIncludingDate(dates.first, calendar);
-            }},
+            [](const Arguments&) { return scheduleForQuarterlyPayments(); }, quarterlyIncluding},
     Pattern{"semiannual", kDay | kMonth | kSecondMonth | kAnd, false, false,
             [](const Arguments& a) {
               return scheduleForSemiAnnualPayments(a.day, a.month, a.secondMonth);
             },
-            [](const IncludedDates& dates, const NSCalendar& calendar) {
-              return absoluteScheduleForSemiAnnualPaymentsIncludingDate(dates.first, dates.second,
-                                                                        calendar);
-            }},
+            semiAnnualIncluding},
     Pattern{"annual", kDay | kMonth, false, false,
             [](const Arguments& a) { return scheduleForAnnualPayments(a.month, a.day); },
             [](const IncludedDates& dates, const NSCalendar& calendar) {
@@ -157,11 +177,6 @@ void checkOptions(const ScheduleArguments& arguments, const Pattern& pattern) {
   if (arguments.andDate && !arguments.including) throw UsageFailure("--and needs --including");
 }
 
-/// Dates of the older walk stand at the start of their day.
-NSDate startOfDay(NSDate date, const NSCalendar& calendar) {
-  return orlfDateByRoundingDateDownToCalendarUnit(calendar, date, NSCalendarUnitDay).value_or(date);
-}
-
 /// Where the older walk, which leaves out its first period, has to begin for all dates from the
 /// start on.
 NSDate yearBefore(NSDate start, const NSCalendar& calendar) {
@@ -187,14 +202,12 @@ DatesRequest readScheduleRequest(const ScheduleArguments& arguments,
   request.rule =
       including ? pattern.makeIncluding({*including, date("--and", arguments.andDate)}, *calendar)
                 : pattern.make(options);
-  request.start = start ? *start : *including;
+  request.wholeDays = true;
+  request.start = startOfDay(start ? *start : *including, *calendar);
   if (const auto until = date("--until", arguments.until)) request.until = DateBound{*until};
   if (!request.count && !request.until) request.count = kDefaultCount;
   request.older = including ? pattern.isOlderWalkIncluding : pattern.isOlderWalk;
-  if (request.older) {
-    request.start = startOfDay(request.start, *calendar);
-    request.reference = yearBefore(request.start, *calendar);
-  }
+  if (request.older) request.reference = yearBefore(request.start, *calendar);
   request.eachOnce = true;
   request.calendar = std::move(calendar);
   return request;

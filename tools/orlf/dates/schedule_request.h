@@ -25,7 +25,7 @@ struct ScheduleArguments {
 
 /// The rule is `dates.rule`. Throws UsageFailure for an unknown pattern, for options that the
 /// pattern does not take, and for numbers out of range. A schedule that includes a date starts on
-/// it where no start is given.
+/// it where no start is given. Its dates are days: times of day are dropped.
 ///
 /// Dates come from the main walk, but for the schedules whose phase or months only the older walk
 /// heeds: the biweekly ones, and the quarterly one that includes a date.

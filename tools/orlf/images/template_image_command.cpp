@@ -1,9 +1,7 @@
+#include <ORLFoundation/platform/base/Hexadecimal.h>
 #include <ORLFoundation/support/device/ORLFTemplateImage.h>
 
-#include <charconv>
-#include <cstdint>
 #include <memory>
-#include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -12,8 +10,9 @@
 #include "cli/failure.h"
 #include "cli/json_output.h"
 #include "commands.h"
-#include "session.h"
 #include "io/png_file.h"
+#include "session.h"
+#include "values/decimal_text.h"
 
 namespace orlftool {
 namespace {
@@ -24,34 +23,22 @@ struct TemplateImageArguments {
   std::string in, out, color, threshold = "0";
 };
 
-/// The number that the whole text writes; nil for anything else.
-template <class Number, class... Form>
-std::optional<Number> readWhole(std::string_view text, Form... form) {
-  Number number{};
-  const char* end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, number, form...);
-  return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
-}
-
 /// #RRGGBB or #RRGGBBAA.
 CGColorRef readColor(std::string_view text) {
-  const std::string_view digits = text.substr(text.empty() ? 0 : 1);
-  const bool hasForm = text.starts_with('#') && (digits.size() == 6 || digits.size() == 8) &&
-                       digits.find_first_not_of("0123456789abcdefABCDEF") == digits.npos;
-  if (!hasForm)
+  const auto bytes = internal::base::bytesOfHexText(text.substr(text.empty() ? 0 : 1));
+  if (!text.starts_with('#') || !bytes || (bytes->size() != 3 && bytes->size() != 4))
     throw UsageFailure("--color: expected a color such as #336699 or #336699CC, got '" +
                        std::string(text) + "'");
-  const auto component = [digits](std::size_t index) {
-    if (2 * index >= digits.size()) return 1.0;
-    return readWhole<unsigned>(digits.substr(2 * index, 2), 16).value_or(0) / 255.0;
+  const auto component = [&bytes](std::size_t index) {
+    return index < bytes->size() ? static_cast<unsigned char>((*bytes)[index]) / 255.0 : 1.0;
   };
   return CGColor::colorWithRed(component(0), component(1), component(2), component(3));
 }
 
 double readThreshold(const std::string& text) {
-  const auto threshold = readWhole<double>(text);
-  // A comparison with not-a-number fails.
-  if (threshold && *threshold >= 0 && *threshold <= 1) return *threshold;
+  const auto threshold = readDecimal(text);
+  if (threshold && threshold->doubleValue() >= 0 && threshold->doubleValue() <= 1)
+    return threshold->doubleValue();
   throw UsageFailure("--threshold: expected a number from 0 to 1, got '" + text + "'");
 }
 
@@ -67,8 +54,7 @@ void runTemplateImage(Session& session, const TemplateImageArguments& arguments)
     session.out << arguments.out << ": " << made->width() << " x " << made->height() << " pixels\n";
     return;
   }
-  const Json answer{
-      {"file", arguments.out}, {"width", made->width()}, {"height", made->height()}};
+  const Json answer{{"file", arguments.out}, {"width", made->width()}, {"height", made->height()}};
   printJson(session.out, answer);
 }
 

@@ -1,5 +1,3 @@
-
-
 #include "io/atomic_file.h"
 
 #include <sys/stat.h>

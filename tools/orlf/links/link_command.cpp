@@ -11,8 +11,8 @@
 #include "cli/json_output.h"
 #include "cli/message_text.h"
 #include "commands.h"
-#include "session.h"
 #include "links/link_handlers.h"
+#include "session.h"
 
 namespace orlftool {
 namespace {
@@ -60,8 +60,8 @@ Json jsonOf(const NSURL& url, const LinkAnswer& answer) {
   for (const LinkHandler& handler : answer.asked)
     asked.push_back({{"prefix", handler.prefix}, {"accepted", handler.accepts}});
   Json root{{"url", url.absoluteString()}, {"path", nullptr},
-                              {"order", answer.order},       {"asked", asked},
-                              {"handled", answer.handled},   {"handler", nullptr}};
+            {"order", answer.order},       {"asked", asked},
+            {"handled", answer.handled},   {"handler", nullptr}};
   if (const auto path = NSURLComponents::componentsWithURL(url, true)->path()) root["path"] = *path;
   if (answer.handled) root["handler"] = answer.asked.back().prefix;
   return root;

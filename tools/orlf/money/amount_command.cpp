@@ -26,8 +26,7 @@ void printAmounts(Session& session, const std::vector<std::string>& texts) {
     rows.push_back({{"text", text}, {"amount", nullptr}});
     if (amount) rows.back()["amount"] = amount->stringValue();
   }
-  if (session.options.json)
-    printJson(session.out, rows);
+  if (session.options.json) printJson(session.out, rows);
 }
 
 }  // namespace

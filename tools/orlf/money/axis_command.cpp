@@ -28,15 +28,23 @@ struct AxisArguments {
   std::string steps = "10";
 };
 
+/// Labels are printed from single precision, which holds no more than this.
+double readBound(std::string_view name, const std::string& text) {
+  constexpr double kLargest = 1e38;
+  const double bound = readDecimalArgument(name, text).doubleValue();
+  if (bound >= -kLargest && bound <= kLargest) return bound;
+  throw UsageFailure(std::string(name) + ": expected a number from -1e38 to 1e38, got '" + text +
+                     "'");
+}
+
 /// Throws JobFailure for bounds that have no axis.
 std::shared_ptr<ORLFMathematicalAxis> makeAxis(const AxisArguments& arguments) {
   // With fewer steps the search for one has no end.
   const std::int64_t steps =
       readWholeArgument("--steps", arguments.steps, kFewestSteps, kMostSteps);
-  const double min = readDecimalArgument("MIN", arguments.min).doubleValue();
-  const double max = readDecimalArgument("MAX", arguments.max).doubleValue();
-  auto axis =
-      std::make_shared<ORLFMathematicalAxis>(min, max, static_cast<NSUInteger>(steps));
+  const double min = readBound("MIN", arguments.min);
+  const double max = readBound("MAX", arguments.max);
+  auto axis = std::make_shared<ORLFMathematicalAxis>(min, max, static_cast<NSUInteger>(steps));
   if (axis->stepCount() == 0)
     throw JobFailure("the bounds are equal or too close together for their size");
   return axis;
@@ -58,23 +66,23 @@ void printAxis(Session& session, const ORLFMathematicalAxis& axis) {
   table.print(session.out);
 }
 
-void printJson(Session& session, const ORLFMathematicalAxis& axis) {
+Json jsonOf(const ORLFMathematicalAxis& axis) {
   Json steps = Json::array();
   for (NSUInteger index = 0; index <= axis.stepCount(); ++index)
     steps.push_back({{"value", axis.valueForStepIndex(index)},
                      {"label", axis.labelForStepIndex(static_cast<double>(index))}});
-  printJson(session.out, {{"min", axis.axisMin()},
-                          {"max", axis.axisMax()},
-                          {"stepSize", axis.stepSize()},
-                          {"stepCount", axis.stepCount()},
-                          {"steps", std::move(steps)}});
+  return {{"min", axis.axisMin()},
+          {"max", axis.axisMax()},
+          {"stepSize", axis.stepSize()},
+          {"stepCount", axis.stepCount()},
+          {"steps", std::move(steps)}};
 }
 
 void runAxis(Session& session, const AxisArguments& arguments) {
-    const ScopedLocale locale(session.options.locale);
+  const ScopedLocale locale(session.options.locale);
   const auto axis = makeAxis(arguments);
   if (session.options.json) {
-    printJson(session, *axis);
+    printJson(session.out, jsonOf(*axis));
   } else {
     printAxis(session, *axis);
   }
@@ -83,8 +91,7 @@ void runAxis(Session& session, const AxisArguments& arguments) {
 }  // namespace
 
 Job declareAxisCommand(Options& options) {
-  options.describe(
-      "Print round steps for a chart axis over a range of values, with their labels.");
+  options.describe("Print round steps for a chart axis over a range of values, with their labels.");
   auto arguments = std::make_shared<AxisArguments>();
   options.required("MIN", arguments->min, "One end of the range");
   options.required("MAX", arguments->max, "The other end");

@@ -57,9 +57,8 @@ DecimalOperation divide(const NSDecimalNumber& a, const std::string& b) {
 
 DecimalOperation power(const NSDecimalNumber& a, const std::string& b) {
   constexpr std::int64_t kLargestPower = 1000000;
-  return [a, exponent = readWholeArgument("B", b, -kLargestPower, kLargestPower)](Behavior behavior) {
-    return a.decimalNumberByRaisingToPower(exponent, behavior);
-  };
+  return [a, exponent = readWholeArgument("B", b, -kLargestPower, kLargestPower)](
+             Behavior behavior) { return a.decimalNumberByRaisingToPower(exponent, behavior); };
 }
 
 DecimalOperation shift(const NSDecimalNumber& a, const std::string& b) {
@@ -96,8 +95,7 @@ Sum sumNamed(const std::string& name) {
   throw UsageFailure("OP: expected one of " + names + ", got '" + name + "'");
 }
 
-void printResult(Session& session, Json question,
-                 const std::optional<NSDecimalNumber>& result) {
+void printResult(Session& session, Json question, const std::optional<NSDecimalNumber>& result) {
   if (!session.options.json) {
     session.out << (result ? result->stringValue() : "nil") << '\n';
     return;
@@ -110,6 +108,8 @@ void printResult(Session& session, Json question,
 void runDecimal(Session& session, const DecimalArguments& arguments) {
   const Sum sum = sumNamed(arguments.operation);
   const DecimalRules rules = readDecimalRules(arguments.rules);
+  if (sum == &compare && arguments.rules.isGiven())
+    throw UsageFailure("compare goes without --scale, --mode and --on-error");
   const NSDecimalNumber left = readDecimalArgument("A", arguments.left);
   printResult(session,
               {{"operation", arguments.operation}, {"a", arguments.left}, {"b", arguments.right}},

@@ -31,9 +31,9 @@ void runRound(Session& session, const RoundArguments& arguments) {
     return;
   }
   const Json answer{{"value", arguments.value},
-                                      {"scale", rules.scale},
-                                      {"mode", arguments.mode},
-                                      {"result", text}};
+                    {"scale", rules.scale},
+                    {"mode", arguments.mode},
+                    {"result", text}};
   printJson(session.out, answer);
 }
 

@@ -1,10 +1,9 @@
-
 #include "plan/cash_flow_file.h"
 
 #include <gtest/gtest.h>
 
-#include "session.h"
 #include "cli/failure.h"
+#include "session.h"
 #include "values/date_text.h"
 
 namespace {

@@ -11,9 +11,9 @@
 #include "cli/failure.h"
 #include "cli/json_output.h"
 #include "commands.h"
-#include "session.h"
 #include "io/input_file.h"
 #include "plan/cash_flow_file.h"
+#include "session.h"
 #include "values/date_text.h"
 #include "values/decimal_behavior.h"
 #include "values/decimal_text.h"
@@ -32,39 +32,39 @@ struct IrrArguments {
 
 bool isEarlier(NSDate left, NSDate right) { return left.compare(right) == NSOrderedAscending; }
 
-/// The flows as points in years from the earliest of them.
+/// The flows of a file, with those of one time summed, in years from the earliest of them.
 class DatedFlows {
  public:
   DatedFlows(const std::string& file, const std::string& text, const NSCalendar& calendar)
       : file_(file) {
-    const std::vector<CashFlow> flows = parseCashFlows(text, file, calendar);
+    std::vector<CashFlow> flows = parseCashFlows(text, file, calendar);
     if (flows.empty())
       throw JobFailure(file + ": expected lines of a date and an amount, got none");
-    const auto [first, last] = std::minmax_element(flows.begin(), flows.end(),
-                                                   [](const CashFlow& left, const CashFlow& right) {
-                                                     return isEarlier(left.date, right.date);
-                                                   });
-    first_ = first->date;
-    last_ = last->date;
-    for (const CashFlow& flow : flows) {
-      times_.push_back(
-          ORLFAmortizationCalculator::annualIntervalFromDate(first_, flow.date, &calendar));
-      values_.push_back(flow.amount.doubleValue());
-    }
+    std::stable_sort(flows.begin(), flows.end(), [](const CashFlow& left, const CashFlow& right) {
+      return isEarlier(left.date, right.date);
+    });
+    count_ = flows.size();
+    first_ = flows.front().date;
+    last_ = flows.back().date;
+    for (const CashFlow& flow : flows) add(flow, calendar);
   }
 
-  [[nodiscard]] std::size_t count() const { return times_.size(); }
+  [[nodiscard]] std::size_t count() const { return count_; }
   [[nodiscard]] NSDate first() const { return first_; }
   [[nodiscard]] NSDate last() const { return last_; }
 
   [[nodiscard]] NSDecimalNumber internalRateOfReturn() const {
     const auto [least, most] = std::minmax_element(values_.begin(), values_.end());
-    if (*least >= 0 || *most <= 0 || !isEarlier(first_, last_))
+    if (*least >= 0 || *most <= 0)
       throw JobFailure(file_ + ": expected amounts of both signs on at least two dates");
-    const NSArray places(std::vector<id>(count(), id(NSInteger{0})));
+    // The search ends at a worth of 0.00001: small amounts would be worth that at any rate.
+    constexpr double kEnough = 100;
+    const double largest = std::max(-*least, *most);
+    const double scale = largest < kEnough ? kEnough / largest : 1;
+    const NSArray places(std::vector<id>(times_.size(), id(NSInteger{0})));
     const auto rate = ORLFAmortizationCalculator::internalRateOfReturnForDataset(
-        places, 0, [this](const id& /*object*/, NSUInteger index, bool& /*stop*/) {
-          return ORLFCashFlowPoint{times_[index], values_[index]};
+        places, 0, [this, scale](const id& /*object*/, NSUInteger index, bool& /*stop*/) {
+          return ORLFCashFlowPoint{times_[index], values_[index] * scale};
         });
     if (!rate) throw JobFailure(file_ + ": no rate makes the amounts worth nothing");
     return *rate;
@@ -72,8 +72,8 @@ class DatedFlows {
 
   /// To six places.
   [[nodiscard]] NSDecimalNumber worthAt(double rate) const {
-    const double worth =
-        net_present_value(times_.data(), values_.data(), static_cast<std::int64_t>(count()), rate);
+    const double worth = net_present_value(times_.data(), values_.data(),
+                                           static_cast<std::int64_t>(times_.size()), rate);
     if (!std::isfinite(worth)) throw JobFailure("the net present value is too large to hold");
     const auto rounding = makeBehavior({.scale = kPlacesOfWorth});
     return *NSDecimalNumber(NSDecimal::fromDouble(worth))
@@ -81,8 +81,23 @@ class DatedFlows {
   }
 
  private:
+  /// Takes the flows in their order; sums are exact.
+  void add(const CashFlow& flow, const NSCalendar& calendar) {
+    const double years =
+        ORLFAmortizationCalculator::annualIntervalFromDate(first_, flow.date, &calendar);
+    if (times_.empty() || times_.back() != years) {
+      times_.push_back(years);
+      values_.push_back(0);
+      sum_ = NSDecimalNumber::zero();
+    }
+    sum_ = sum_.decimalNumberByAdding(flow.amount);
+    values_.back() = sum_.doubleValue();
+  }
+
   const std::string& file_;
+  std::size_t count_ = 0;
   std::vector<double> times_, values_;
+  NSDecimalNumber sum_;  // of the last time
   NSDate first_, last_;
 };
 

@@ -7,8 +7,8 @@
 #include "cli/json_output.h"
 #include "cli/table.h"
 #include "commands.h"
-#include "session.h"
 #include "plan/loan_table.h"
+#include "session.h"
 #include "values/decimal_text.h"
 #include "values/whole_number.h"
 
@@ -36,12 +36,21 @@ void requireFromZero(std::string_view option, const NSDecimalNumber& number, boo
                      (zeroToo ? "from 0 on" : "above 0") + ", got '" + text + "'");
 }
 
+/// A rate of 1 or more without a percent sign is a percentage whose sign was forgotten.
+NSDecimalNumber readLoanRate(const std::string& text) {
+  const NSDecimalNumber rate = readRateArgument("--rate", text);
+  requireFromZero("--rate", rate, true, text);
+  if (!text.ends_with('%') && rate.compare(NSDecimalNumber::one()) != NSOrderedAscending)
+    throw UsageFailure("--rate: expected a rate below 1 or one with a percent sign, " + text +
+                       "%, got '" + text + "'");
+  return rate;
+}
+
 LoanTerms readTerms(const LoanArguments& arguments) {
   LoanTerms terms;
   terms.principal = readDecimalArgument("--principal", arguments.principal);
-  terms.rate = readRateArgument("--rate", arguments.rate);
   requireFromZero("--principal", terms.principal, false, arguments.principal);
-  requireFromZero("--rate", terms.rate, true, arguments.rate);
+  terms.rate = readLoanRate(arguments.rate);
   const auto number = [](std::string_view option, const std::string& text, std::int64_t most) {
     return static_cast<std::int32_t>(readWholeArgument(option, text, 1, most));
   };
@@ -50,6 +59,9 @@ LoanTerms readTerms(const LoanArguments& arguments) {
   terms.periods = number("--periods", arguments.periods, kMostPeriods);
   (void)readWholeArgument("--scale", arguments.scale, 0, kMostPlaces);
   terms.rounding = readDecimalRules({.scale = arguments.scale, .mode = arguments.mode});
+  terms.principal = *terms.principal.decimalNumberByRoundingAccordingToBehavior(
+      makeBehavior(terms.rounding).get());
+  requireFromZero("--principal", terms.principal, false, arguments.principal);
   return terms;
 }
 
@@ -111,15 +123,15 @@ void printText(Session& session, const LoanArguments& arguments, const LoanTerms
               << "Interest:       " << money.text(table.interest) << '\n'
               << "Period's rate:  " << rateText(table.ratePerPeriod, locale) << '\n'
               << "Rounding:       payment and interest to " << places
-              << (places == 1 ? " place, " : " places, ")
-              << arguments.mode << "; the last payment clears the balance\n";
+              << (places == 1 ? " place, " : " places, ") << arguments.mode
+              << "; the last payment clears the balance\n";
   if (!arguments.schedule) return;
   session.out << '\n';
   printTable(session.out, table, money);
 }
 
 void runLoan(Session& session, const LoanArguments& arguments) {
-    const LoanTerms terms = readTerms(arguments);
+  const LoanTerms terms = readTerms(arguments);
   const LoanTable table = makeLoanTable(terms);
   if (session.options.json) {
     printJson(session.out, jsonOf(arguments, terms, table));
@@ -141,8 +153,8 @@ Job declareLoanCommand(Options& options) {
   options.flag("--schedule", arguments->schedule,
                "Print each payment with its interest, principal and balance");
   options.text("--scale", arguments->scale,
-               "Places that payment and interest are rounded to; the last payment clears\n"
-               "the balance");
+               "Places that principal, payment and interest are rounded to; the last payment\n"
+               "clears the balance");
   options.text("--mode", arguments->mode, kRoundingModeHelp);
   return [arguments](Session& session) { runLoan(session, *arguments); };
 }

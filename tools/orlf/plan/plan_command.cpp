@@ -10,15 +10,16 @@
 #include "cli/command_line.h"
 #include "cli/failure.h"
 #include "cli/json_output.h"
+#include "cli/message_text.h"
 #include "cli/table.h"
 #include "cli/words.h"
 #include "commands.h"
-#include "session.h"
 #include "io/atomic_file.h"
 #include "plan/plan_chart.h"
 #include "plan/plan_file.h"
 #include "plan/plan_model.h"
 #include "plan/plan_report.h"
+#include "session.h"
 #include "values/date_text.h"
 #include "values/decimal_text.h"
 
@@ -56,6 +57,9 @@ PlanDates readDates(const PlanArguments& arguments, const PlanModel& model) {
     dates.on.push_back(readDateOption("--on", text, calendar));
   dates.from = readOptionalDate("--from", arguments.from, calendar).value_or(model.start());
   dates.to = readOptionalDate("--to", arguments.to, calendar).value_or(model.horizon());
+  const std::optional<NSDate> end = model.file.end;
+  if (end && dates.to.compare(*end) == NSOrderedDescending) dates.to = *end;
+  dates.closes = end == dates.to;
   if (dates.from.compare(dates.to) == NSOrderedDescending)
     throw UsageFailure("--from: expected a date that is not after " +
                        shortDateText(dates.to, calendar) + ", got " +
@@ -81,9 +85,21 @@ void checkArguments(const PlanArguments& arguments) {
     throw UsageFailure("--solve-principal goes together with --on alone");
 }
 
-DecimalPrinter printerOf(const PlanModel& model, const std::string& locale) {
-  const int scale = model.file.rounding ? model.file.rounding->scale : 2;
-  return DecimalPrinter(locale, std::clamp(scale, 0, 38));
+constexpr int kMostPlaces = 38;
+
+/// The digits after the point that amounts of the plan have at least.
+int placesOf(const PlanModel& model) {
+  return std::clamp<int>(model.file.rounding ? model.file.rounding->scale : 2, 0, kMostPlaces);
+}
+
+/// Prints a column of a report with as many digits after the point as its longest number has.
+DecimalPrinter columnPrinter(const PlanReport& report,
+                             std::optional<NSDecimalNumber> PlanRow::*column, int leastPlaces,
+                             const std::string& locale) {
+  int places = leastPlaces;
+  for (const PlanRow& row : report.rows)
+    if (row.*column) places = std::max(places, placesAfterPoint(*(row.*column)));
+  return DecimalPrinter(locale, std::min(places, kMostPlaces));
 }
 
 Json jsonOf(const std::optional<NSDecimalNumber>& number) {
@@ -102,7 +118,7 @@ class PlanJob {
       : session_(session),
         arguments_(arguments),
         model_(model),
-        printer_(printerOf(model, session.options.locale)) {}
+        printer_(session.options.locale, placesOf(model)) {}
 
   void solve() {
     const NSDecimalNumber target = readDecimalArgument("--solve-principal", *arguments_.target);
@@ -110,10 +126,10 @@ class PlanJob {
     const SolvedPrincipal solved = solvePrincipal(model_, target, date);
     if (session_.options.json) {
       printJson(session_.out, {{"principal", jsonOf(solved.principal)},
-                           {"start", dateTimeText(model_.start(), model_.calendar())},
-                           {"target", jsonOf(target)},
-                           {"on", dateTimeText(date, model_.calendar())},
-                           {"balance", jsonOf(solved.balance)}});
+                               {"start", dateTimeText(model_.start(), model_.calendar())},
+                               {"target", jsonOf(target)},
+                               {"on", dateTimeText(date, model_.calendar())},
+                               {"balance", jsonOf(solved.balance)}});
       return;
     }
     session_.out << "A starting principal of " << printer_.text(solved.principal) << " on "
@@ -141,16 +157,22 @@ class PlanJob {
   [[nodiscard]] Chart chartBetween(const PlanDates& dates) const {
     Chart chart = makePlanChart(model_, dates.from, dates.to, session_.options.locale);
     if (chart.title.empty()) chart.title = std::filesystem::path(arguments_.file).stem().string();
+    chart.title = shownText(chart.title);
     return chart;
   }
 
   void printReport(const PlanReport& report) {
-    if (!model_.file.title.empty()) session_.out << model_.file.title << "\n\n";
+    if (!model_.file.title.empty()) session_.out << shownText(model_.file.title) << "\n\n";
+    const auto printer = [&](std::optional<NSDecimalNumber> PlanRow::*column) {
+      return columnPrinter(report, column, placesOf(model_), session_.options.locale);
+    };
+    const DecimalPrinter balances = printer(&PlanRow::balance);
+    const DecimalPrinter contributions = printer(&PlanRow::contributions);
     Table table(
         {{"Date", Table::kLeft}, {"Balance", Table::kRight}, {"Contributions", Table::kRight}});
     for (const PlanRow& row : report.rows)
-      table.addRow({dayText(row.date), printer_.text(row.balance, kAbsent),
-                    printer_.text(row.contributions, kAbsent)});
+      table.addRow({dayText(row.date), balances.text(row.balance, kAbsent),
+                    contributions.text(row.contributions, kAbsent)});
     table.print(session_.out);
     session_.out << '\n';
     printExtreme("Peak:    ", report.peak);
@@ -206,6 +228,7 @@ void runPlan(Session& session, const PlanArguments& arguments) {
   checkArguments(arguments);
   const PlanFileDefaults defaults{.zone = session.options.zone, .locale = session.options.locale};
   const PlanModel model = makePlanModel(readPlanFile(arguments.file, defaults));
+  for (const std::string& warning : planWarnings(model.file)) printNote(session, warning);
   PlanJob job(session, arguments, model);
   if (arguments.target) {
     job.solve();

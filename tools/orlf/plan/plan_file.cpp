@@ -1,5 +1,3 @@
-
-
 #include "plan/plan_file.h"
 
 #include <charconv>

@@ -27,8 +27,7 @@ void testAddresses(Session& session, const std::vector<std::string>& texts) {
       session.out << (isAddress ? "yes" : "no") << '\n';
     }
   }
-  if (session.options.json)
-    printJson(session.out, rows);
+  if (session.options.json) printJson(session.out, rows);
 }
 
 }  // namespace

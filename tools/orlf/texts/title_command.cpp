@@ -27,8 +27,7 @@ void printTitles(Session& session, const std::vector<std::string>& texts) {
       session.out << title << '\n';
     }
   }
-  if (session.options.json)
-    printJson(session.out, rows);
+  if (session.options.json) printJson(session.out, rows);
 }
 
 }  // namespace

@@ -32,8 +32,8 @@ TEST(WholeNumber, IsQuotedAsTypedWhereItDoesNotFit) {
       (void)readWholeArgument("--day", text, 1, 31);
       FAIL() << text;
     } catch (const orlftool::UsageFailure& failure) {
-      EXPECT_EQ(failure.what(), std::string("--day: expected a whole number from 1 to 31, got '") +
-                                    text + "'");
+      EXPECT_EQ(failure.what(),
+                std::string("--day: expected a whole number from 1 to 31, got '") + text + "'");
     }
   }
 }
