@@ -10,7 +10,7 @@ find_package(LibXml2 2.9 REQUIRED)                      # LibXml2::LibXml2
 find_package(nlohmann_json 3.11 REQUIRED)               # nlohmann_json::nlohmann_json
 if(ORLF_BUILD_TOOL)
   find_package(CLI11 2.1 REQUIRED)                      # CLI11::CLI11
-  pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo)  # PkgConfig::CAIRO
+  pkg_check_modules(PANGOCAIRO REQUIRED IMPORTED_TARGET pangocairo)  # PkgConfig::PANGOCAIRO
   find_package(PNG 1.6 REQUIRED)                        # PNG::PNG
 endif()
 

@@ -5,9 +5,9 @@
 #   SOURCES
 #   USES           the rooms whose headers it includes
 #   LINKS          the outside libraries that its sources call, kept private
-# and its tests, benchmarks and fuzz targets. It makes the object library orlf_<name>_objects, which the installed library is put
-# together from, the archive orlf_<name>, which tests link, and the tests, benchmarks and fuzzers
-# of the folder.
+# and its tests, benchmarks and fuzz targets. It makes the object library orlf_<name>_objects, which
+# the installed library is put together from, the archive orlf_<name>, which tests link, and the
+# tests, benchmarks and fuzzers of the folder.
 include_guard(GLOBAL)
 
 function(orlf_add_folder name)
@@ -33,9 +33,7 @@ function(orlf_add_folder name)
   endif()
   add_library(${objects} OBJECT ${sources})
   target_sources(${objects} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${arg_HEADERS})
-  set_target_properties(${objects} PROPERTIES
-    POSITION_INDEPENDENT_CODE ON
-    VERIFY_INTERFACE_HEADER_SETS ON)
+  set_target_properties(${objects} PROPERTIES POSITION_INDEPENDENT_CODE ON)
   target_compile_features(${objects} PUBLIC cxx_std_20)
   target_include_directories(${objects} PUBLIC ${PROJECT_SOURCE_DIR})
   target_link_libraries(${objects} PRIVATE orlf_build_flags ${arg_LINKS})
@@ -69,11 +67,19 @@ endfunction()
 function(orlf_add_test name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
   add_executable(${name} ${arg_SOURCES})
+  set(c_sources ${arg_SOURCES})
+  list(FILTER c_sources INCLUDE REGEX "[.]c$")
+  set_source_files_properties(${c_sources} PROPERTIES
+    SKIP_PRECOMPILE_HEADERS ON
+    SKIP_UNITY_BUILD_INCLUSION ON)
   # Helpers first: what they call in a folder is found in the archives after them.
   target_link_libraries(${name} PRIVATE orlf_test_support ${arg_LINKS} orlf_test_flags GTest::gmock_main)
   target_precompile_headers(${name} REUSE_FROM orlf_test_headers)
+  set_property(GLOBAL APPEND PROPERTY ORLF_TESTS ${name})
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES
-    PROPERTIES TIMEOUT ${ORLF_TEST_TIMEOUT})
+    PROPERTIES
+      TIMEOUT ${ORLF_TEST_TIMEOUT}
+      LABELS unit)
 endfunction()
 
 # A Google Benchmark program, run briefly as a test so that it keeps building and answering right.

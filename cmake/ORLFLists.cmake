@@ -1,6 +1,5 @@
-# What was built, one name a line, for the scripts that run all benchmarks and all fuzz targets, and
-# the folders with what each may include, for the include check.
-foreach(kind BENCHMARKS FUZZERS)
+# What was built, one name a line, for the scripts that run all tests, benchmarks and fuzz targets.
+foreach(kind TESTS BENCHMARKS FUZZERS)
   get_property(programs GLOBAL PROPERTY ORLF_${kind})
   set(lines "")
   foreach(program IN LISTS programs)

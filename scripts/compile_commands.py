@@ -25,7 +25,13 @@ def without_precompiled(words):
     """The command without a precompiled header, which only its own compiler can read."""
     kept, waiting = [], iter(words)
     for word in waiting:
-        if word == "-include":
+        if word == "-Xclang":  # -Xclang -include-pch -Xclang FILE -Xclang -include -Xclang FILE
+            option = next(waiting)
+            if option not in ("-include-pch", "-include"):
+                kept += [word, option]
+            else:
+                next(waiting), next(waiting)
+        elif word == "-include":
             header = next(waiting)
             if not header.endswith("cmake_pch.hxx"):
                 kept += [word, header]

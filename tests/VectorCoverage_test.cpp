@@ -2,11 +2,11 @@
 // none is passed over in silence.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <tests/support/Files.h>
 #include <tests/support/VectorFile.h>
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <set>
 #include <string>
 
@@ -14,11 +14,6 @@ namespace {
 
 namespace fs = std::filesystem;
 const fs::path kSource = ORLF_SOURCE_DIR;
-
-std::string contentOf(const fs::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 bool callsTheRunner(const std::string& source) {
   for (const char* call : {"runTsvVectors(", "runJsonVectors(", "runJsonRows("})
@@ -33,7 +28,7 @@ std::string sourcesThatRunVectors() {
     for (const auto& entry : fs::recursive_directory_iterator(kSource / folder)) {
       const std::string name = entry.path().filename().string();
       if (!name.ends_with("_test.cpp") || name == "VectorCoverage_test.cpp") continue;
-      const std::string content = contentOf(entry.path());
+      const std::string content = orlftest::contentOf(entry.path());
       if (callsTheRunner(content)) joined += content;
     }
   }

@@ -4,83 +4,31 @@
 #include <ORLFoundation/amortization/internal/ORLFRateSearch.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
 
-#include <algorithm>
-#include <atomic>
 #include <charconv>
 #include <cmath>
-#include <exception>
-#include <mutex>
+#include <iterator>
 #include <string_view>
-#include <thread>
-#include <vector>
 
 namespace ORLFoundation {
+
+using namespace internal::amortization;
+
 namespace {
 
 using PointGenerator = ORLFAmortizationCalculator::PointGenerator;
 
-// Fills the lists of cash flows, each member at its own index. The visit ends when the generator
-// says so; an exception of the generator ends it too and reaches the caller.
-class CashFlowVisit {
- public:
-  CashFlowVisit(const NSArray& dataset, const PointGenerator& generator)
-      : dataset_(dataset), generator_(generator) {
-    flows_.times.resize(dataset.count());
-    flows_.values.resize(dataset.count());
-  }
-
-  void visitInOrder(bool reverse) {
-    const std::size_t count = flows_.times.size();
-    for (std::size_t i = 0; i < count && !stopped_; ++i) visit(reverse ? count - 1 - i : i);
-  }
-
-  void visitConcurrently() {
-    const std::size_t count = flows_.times.size();
-    const std::size_t workers =
-        std::min<std::size_t>(count, std::max(2U, std::thread::hardware_concurrency()));
-    std::vector<std::jthread> threads;
-    threads.reserve(workers);
-    for (std::size_t i = 0; i < workers; ++i) threads.emplace_back([this] { takeMembers(); });
-    threads.clear();  // waits for all of them
-    if (failure_) std::rethrow_exception(failure_);
-  }
-
-  [[nodiscard]] const ORLFCashFlows& flows() const { return flows_; }
-
- private:
-  void visit(std::size_t index) {
-    bool stop = false;
-    const ORLFCashFlowPoint point = generator_(dataset_.objectAtIndex(index), index, stop);
-    flows_.times[index] = point.x;
-    flows_.values[index] = point.y;
-    if (stop) stopped_ = true;
-  }
-
-  // Each thread takes the next members that nobody has taken, some at a time.
-  void takeMembers() noexcept {
-    constexpr std::size_t kTaken = 64;
-    const std::size_t count = flows_.times.size();
-    try {
-      for (std::size_t begin = next_.fetch_add(kTaken); begin < count && !stopped_;
-           begin = next_.fetch_add(kTaken)) {
-        const std::size_t end = std::min(begin + kTaken, count);
-        for (std::size_t i = begin; i < end && !stopped_; ++i) visit(i);
-      }
-    } catch (...) {
-      stopped_ = true;
-      const std::lock_guard lock(failureMutex_);
-      if (!failure_) failure_ = std::current_exception();
-    }
-  }
-
-  const NSArray& dataset_;
-  const PointGenerator& generator_;
-  ORLFCashFlows flows_;
-  std::atomic<std::size_t> next_{0};
-  std::atomic<bool> stopped_{false};
-  std::mutex failureMutex_;
-  std::exception_ptr failure_;
-};
+// The members' cash flows, each at its own index.
+ORLFCashFlows flowsOf(const NSArray& dataset, NSUInteger options, const PointGenerator& generator) {
+  ORLFCashFlows flows;
+  flows.times.resize(dataset.count());
+  flows.values.resize(dataset.count());
+  dataset.enumerateObjectsWithOptions(options, [&](const id& object, NSUInteger index, bool& stop) {
+    const ORLFCashFlowPoint point = generator(object, index, stop);
+    flows.times[index] = point.x;
+    flows.values[index] = point.y;
+  });
+  return flows;
+}
 
 // "%0.17f" read back: the rate to 17 places.
 NSDecimalNumber decimalFromRate(double rate) {
@@ -129,13 +77,7 @@ std::optional<NSDecimalNumber> ORLFAmortizationCalculator::interestForCurrentPri
 
 std::optional<NSDecimalNumber> ORLFAmortizationCalculator::internalRateOfReturnForDataset(
     const NSArray& dataset, NSUInteger options, const PointGenerator& pointGenerator) {
-  CashFlowVisit visit(dataset, pointGenerator);
-  if ((options & NSEnumerationConcurrent) != 0) {
-    visit.visitConcurrently();
-  } else {
-    visit.visitInOrder((options & NSEnumerationReverse) != 0);
-  }
-  const std::optional<double> rate = ORLFRateOfReturn(visit.flows());
+  const auto rate = ORLFRateOfReturn(flowsOf(dataset, options, pointGenerator));
   if (!rate) return std::nullopt;
   return decimalFromRate(*rate);
 }

@@ -19,15 +19,6 @@
 
 namespace ORLFoundation {
 
-/// How the members of a list are visited (`enumerateObjectsWithOptions:usingBlock:`); the bits
-/// combine.
-enum NSEnumerationOptions : NSUInteger {
-  /// On several threads at once, in no order.
-  NSEnumerationConcurrent = 1,
-  /// From the last member to the first.
-  NSEnumerationReverse = 2,
-};
-
 /// A cash flow: its time in years from the present, and its amount.
 struct ORLFCashFlowPoint {
   double x = 0;
@@ -37,7 +28,9 @@ struct ORLFCashFlowPoint {
 class ORLFAmortizationCalculator : public NSObject {
  public:
   /// Makes the cash flow of a member. Setting `stop` ends the visit; members not visited count as
-  /// an amount of 0 at time 0. Under `NSEnumerationConcurrent` it is called on several threads.
+  /// an amount of 0 at time 0. Under `NSEnumerationConcurrent` it is called on several threads, and
+  /// what it throws ends the visit and reaches the caller: see
+  /// `NSArray::enumerateObjectsWithOptions`, which takes the options.
   using PointGenerator =
       std::function<ORLFCashFlowPoint(const id& object, NSUInteger index, bool& stop)>;
 

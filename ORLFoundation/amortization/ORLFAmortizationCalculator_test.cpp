@@ -2,28 +2,26 @@
 #include <ORLFoundation/amortization/ORLFAmortizationCalculator.h>
 
 #include <ORLFoundation/amortization/net_present_value.h>
+#include <ORLFoundation/platform/number/NSDecimalNumber_testing.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorCodec.h>
 #include <tests/support/VectorFile.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <stdexcept>
-
-extern "C" double orlf_test_value_from_c(void);
+#include <thread>
 
 namespace ORLFoundation {
 namespace {
 
 using orlftest::Json;
 using Calculator = ORLFAmortizationCalculator;
-using Decimal = std::optional<NSDecimalNumber>;
+using Decimal = Optional;
 using Doubles = std::vector<double>;
 
-NSDecimalNumber number(std::string_view text) {
-  return NSDecimalNumber::decimalNumberWithString(text);
-}
 Decimal decimalFrom(const Json& value) {
   if (value.is_null()) return std::nullopt;
   return number(value.get<std::string>());
@@ -101,49 +99,6 @@ TEST(ORLFAmortizationCalculator, AgreesWithVectors) {
         }}});
 }
 
-TEST(NetPresentValue, IsZeroOfNothingAndThePlainSumAtARateOfZero) {
-  EXPECT_EQ(net_present_value(nullptr, nullptr, 0, 0.05), 0.0);
-  const double times[] = {0, 1, 2.5};
-  const double values[] = {-100, 60, 50.25};
-  EXPECT_EQ(net_present_value(times, values, 3, 0), 10.25);
-}
-
-// Sums from tests/data/reference/rates.py.
-struct WorthCase {
-  const char* name;
-  Doubles times, values;
-  double rate, worth;
-};
-const WorthCase kWorths[] = {
-    {"Investment", {0, 1, 2, 3}, {-1000, 400, 400, 400}, 0.08, 30.83879489915155},
-    {"NegativeRate", {0, 1, 2, 3}, {-1000, 400, 400, 400}, -0.5, 4600},
-    {"PartsOfYears", {0, 0.5, 1.25}, {10, 20, 30}, 0.1, 55.69981786699304},
-    {"PastFlowsGrow", {-1, 0}, {100, 50}, 0.25, 175},
-};
-
-TEST(NetPresentValue, IsTheSumOfDiscountedValues) {
-  for (const WorthCase& row : kWorths)
-    EXPECT_NEAR(net_present_value(row.times.data(), row.values.data(),
-                                  static_cast<std::int64_t>(row.times.size()), row.rate),
-                row.worth, std::fabs(row.worth) * 1e-14)
-        << row.name;
-}
-
-TEST(NetPresentValue, OfAnAnnuityIsItsClosedForm) {
-  for (int count = 1; count <= 400; count += 7) {
-    const Doubles values(static_cast<std::size_t>(count), 100.0);
-    Doubles times;
-    for (int year = 1; year <= count; ++year) times.push_back(year);
-    for (const double rate : {-0.02, 0.01, 0.05, 0.3}) {
-      const double worth = 100 * (1 - std::pow(1 + rate, -count)) / rate;
-      EXPECT_NEAR(net_present_value(times.data(), values.data(), count, rate), worth,
-                  std::fabs(worth) * 1e-12);
-    }
-  }
-}
-
-TEST(NetPresentValue, IsCalledFromC) { EXPECT_NEAR(orlf_test_value_from_c(), 0, 1e-12); }
-
 // Closed forms from tests/data/reference/rates.py.
 struct PeriodRateCase {
   const char* rate;
@@ -197,6 +152,52 @@ TEST(PaymentOnInitialPrincipal, IsTheAnnuityPayment) {
         Calculator::paymentOnInitialPrincipal(number(row.principal), number(row.rate), row.periods)
             ->doubleValue(),
         row.payment, std::fabs(row.payment) * 1e-14);
+}
+
+struct ExactPaymentCase {
+  const char *principal, *rate;
+  std::int32_t periods;
+  const char* payment;
+};
+// Each step rounded to 38 digits, the rate and its growth multiplied before the principal: other
+// orders of the same formula end in other digits.
+const ExactPaymentCase kExactPayments[] = {
+    {"813821.93", "0.00014807", 245, "3382.5836434765707533910483459532615502"},
+    {"349099.06", "0.00578539", 124, "3952.6667257831308002802694679444263774"},
+    {"727082.85", "0.00878093", 286, "6955.1585268259357250289799983636509784"},
+    {"558268.38", "0.00916162", 65, "11436.542567436510721425109562469965498"},
+    {"1000", "0.01", -12, "-78.848788678341707339987831227886528977"},
+};
+
+TEST(PaymentOnInitialPrincipal, IsCalculatedInOneOrderTo38Digits) {
+  for (const ExactPaymentCase& row : kExactPayments)
+    EXPECT_EQ(
+        Calculator::paymentOnInitialPrincipal(number(row.principal), number(row.rate), row.periods)
+            ->stringValue(),
+        row.payment);
+}
+
+TEST(PaymentPeriodRate, TakesNegativeCountsByTheirBits) {
+  const auto rate = [](const char* yearly, std::int32_t compounding, std::int32_t payments) {
+    return Calculator::paymentPeriodRateForIntervalRate(number(yearly), compounding, payments)
+        ->stringValue();
+  };
+  // -1 is -18446744073709551615: 12 over it is next to no exponent, and a rate over it next to
+  // no rate.
+  EXPECT_EQ(rate("0.05", 12, -1), "0");
+  EXPECT_EQ(rate("0.05", -1, 12), "0");
+  // Both negative: the exponent is 1 again, but the rate was divided by the huge count.
+  EXPECT_EQ(rate("18446744073709551615", -1, -1), "-1");
+  EXPECT_EQ(rate("36893488147419103230", -1, -1), "-2");
+}
+
+TEST(PaymentPeriodRate, KeepsTheFullPrecisionOfTheDouble) {
+  const double growth = std::pow(1.0625, 1.0 / 3);
+  const NSDecimalNumber expected = NSDecimalNumber(NSDecimal::fromDouble(growth))
+                                       .decimalNumberBySubtracting(NSDecimalNumber::one());
+  const Decimal rate = Calculator::paymentPeriodRateForIntervalRate(number("0.0625"), 1, 3);
+  EXPECT_EQ(rate, expected);
+  EXPECT_GT(rate->stringValue().size(), 30U);
 }
 
 TEST(PaymentOnInitialPrincipal, PaysTheLoanOffToTheLastCent) {
@@ -334,6 +335,22 @@ TEST(InternalRateOfReturn, StopEndsTheVisit) {
       });
   EXPECT_EQ(visited, 2U);
   EXPECT_NEAR(rate->doubleValue(), 0.1, 0.00001);
+}
+
+TEST(InternalRateOfReturn, ConcurrentStopEndsTheVisit) {
+  // Each thread stops at its first member, all others count as no flow.
+  const std::size_t threads = std::max(2U, std::thread::hardware_concurrency());
+  std::atomic<std::size_t> visited{0};
+  const auto rate = Calculator::internalRateOfReturnForDataset(
+      *indexes(10000), NSEnumerationConcurrent,
+      [&](const id& /*object*/, NSUInteger /*index*/, bool& stop) {
+        ++visited;
+        stop = true;
+        return ORLFCashFlowPoint{1, 100};
+      });
+  EXPECT_GE(visited, 1U);
+  EXPECT_LE(visited, threads);
+  EXPECT_FALSE(rate);  // flows of one sign
 }
 
 TEST(InternalRateOfReturn, ExceptionOfTheGeneratorReachesTheCaller) {

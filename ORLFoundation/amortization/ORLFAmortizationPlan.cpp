@@ -1,17 +1,20 @@
 
 #include <ORLFoundation/amortization/ORLFAmortizationPlan.h>
 
-#include <ORLFoundation/amortization/internal/ORLFPlanArithmetic.h>
+#include <ORLFoundation/amortization/internal/ORLFPlanDates.h>
 #include <ORLFoundation/amortization/internal/ORLFPlanKeys.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSKeyTable.h>
+#include <ORLFoundation/platform/value/NSException.h>
 #include <ORLFoundation/support/diagnostics/ORLFCondition.h>
 
 #include <algorithm>
 #include <utility>
 
 namespace ORLFoundation {
+
+using namespace internal::amortization;
 
 std::shared_ptr<ORLFAmortizationPlan> ORLFAmortizationPlan::initWithStartDate(
     std::optional<NSDate> startDate, const Segment& segment, std::optional<NSDate> endDate) {
@@ -42,15 +45,16 @@ const std::vector<ORLFAmortizationPlan::Segment>& ORLFAmortizationPlan::segments
 }
 
 void ORLFAmortizationPlan::setSegments(std::vector<Segment> segments) {
+  for (const Segment& member : segments) refuseNull(member);
   const auto self = std::static_pointer_cast<ORLFAmortizationPlan>(weak_from_this().lock());
   for (const Segment& member : segments) member->setAmortizationPlan(self);
-  changeValue(internal::kSegmentsKey, [&] { segments_ = std::move(segments); });
+  changeValue(kSegmentsKey, [&] { segments_ = std::move(segments); });
 }
 
 const std::optional<NSDate>& ORLFAmortizationPlan::endDate() const noexcept { return endDate_; }
 
 void ORLFAmortizationPlan::setEndDate(std::optional<NSDate> endDate) {
-  changeValue(internal::kEndDateKey, [&] { endDate_ = endDate; });
+  changeValue(kEndDateKey, [&] { endDate_ = endDate; });
 }
 
 ORLFAmortizationPlan::Segment ORLFAmortizationPlan::firstSegment() const {
@@ -66,7 +70,7 @@ std::optional<NSDate> ORLFAmortizationPlan::planStartDate() const {
 }
 
 std::optional<NSDate> ORLFAmortizationPlan::planEndDate() const {
-  return internal::isBefore(endDate_, NSDate::distantFuture()) ? endDate_ : std::nullopt;
+  return isBefore(endDate_, NSDate::distantFuture()) ? endDate_ : std::nullopt;
 }
 
 std::optional<NSDate> ORLFAmortizationPlan::lastIntrestingDate() const {
@@ -81,8 +85,8 @@ const NSKeyTable& ORLFAmortizationPlan::keyTable() const {
   static const NSKeyTable table(
       NSObject::keyTable(),
       {
-          NSKey::readWrite<&Plan::segments, &Plan::setSegments>(internal::kSegmentsKey),
-          NSKey::readWrite<&Plan::endDate, &Plan::setEndDate>(internal::kEndDateKey),
+          NSKey::readWrite<&Plan::segments, &Plan::setSegments>(kSegmentsKey),
+          NSKey::readWrite<&Plan::endDate, &Plan::setEndDate>(kEndDateKey),
           NSKey::readOnly<&Plan::firstSegment>("firstSegment", {"segments"}),
           NSKey::readOnly<&Plan::lastSegment>("lastSegment", {"segments"}),
           NSKey::readOnly<&Plan::planStartDate>("planStartDate", {"firstSegment.startDate"}),
@@ -115,10 +119,19 @@ std::string ORLFAmortizationPlan::description() const {
   return members.description() + "\r" + (endDate_ ? endDate_->description() : "(null)");
 }
 
+void ORLFAmortizationPlan::refuseNull(const Segment& segment) {
+  if (segment) return;
+  throw NSException(NSInvalidArgumentException, "A plan holds no null segment.");
+}
+
+std::shared_ptr<NSObject> ORLFAmortizationPlan::newObjectOfReceiversClass() const {
+  return std::make_shared<ORLFAmortizationPlan>();
+}
+
 std::shared_ptr<NSObject> ORLFAmortizationPlan::copy() { return copyOfPlan(); }
 
 std::shared_ptr<ORLFAmortizationPlan> ORLFAmortizationPlan::copyOfPlan() const {
-  auto plan = std::make_shared<ORLFAmortizationPlan>();
+  auto plan = newObjectAs<ORLFAmortizationPlan>();
   std::vector<Segment> members;
   members.reserve(segments_.size());
   for (const Segment& member : segments_) members.push_back(copyOf(member));

@@ -71,7 +71,8 @@ class ORLFAmortizationPlan : public NSObject, public NSSecureCoding {
   ~ORLFAmortizationPlan() override;
 
   [[nodiscard]] const std::vector<Segment>& segments() const noexcept;
-  /// Keeps a copy of the list and links each member to this plan.
+  /// Keeps a copy of the list and links each member to this plan. Raises
+  /// NSInvalidArgumentException, and changes nothing, for a null member.
   void setSegments(std::vector<Segment> segments);
   /// The end, exclusive; `setEndDate:` moves it without a look at the segments.
   [[nodiscard]] const std::optional<NSDate>& endDate() const noexcept;
@@ -91,7 +92,8 @@ class ORLFAmortizationPlan : public NSObject, public NSSecureCoding {
   /// range: members inside it leave the plan (their start and plan become nil), a member that runs
   /// past it starts at its end, a gap is filled by a segment that carries the balance on. With the
   /// flag the plan ends with the range and all later members go. A nil end is distantFuture; with
-  /// a nil start the range begins with the plan, and the new member has no start date.
+  /// a nil start the range begins with the plan, and the new member has no start date. Observers
+  /// hear of the end before the segments. Raises NSInvalidArgumentException for a null segment.
   void setPlanSegment(const Segment& segment, std::optional<NSDate> fromStartDate,
                       std::optional<NSDate> toEndDate, bool lastSegmentOfPlan);
   /// `trimPlanSegmentsToStartDate:afterEndDate:`  Moves one member's start to a later start, and
@@ -156,9 +158,14 @@ class ORLFAmortizationPlan : public NSObject, public NSSecureCoding {
 
   /// `startingPrincipalOnDate:forAmortizationPlan:toMatchPlannedBalance:onDate:usingCalendar:roundingBehavior:`
   /// The principal at a start date from which the plan reaches a balance on a date, to the scale of
-  /// the behaviour: give one with a fixed scale. The plan itself is left untouched. Zero when the
-  /// date lies before the start, since no balance is there to be compared. Raises like an overflow
-  /// when no principal is large enough, as where a later segment starts from its own principal.
+  /// the behaviour: give one with a fixed scale for which loss of precision is no error
+  /// (`ORLFRoundingBehavior`), since large principals are tried. What is solved is the first
+  /// segment of `amortizationPlanWithStartDate` for the two dates, and the plan itself is left
+  /// untouched: before the plan that is a stretch without contributions, and past its end the last
+  /// segment goes on. On the first date of a segment the balance is that segment's. nil when no
+  /// principal leads there, as where a later segment starts from its own. Where there is no
+  /// balance, before the plan or where the behaviour answers an error with nil, the first principal
+  /// tried counts as the answer: zero. An error that the behaviour raises reaches the caller.
   [[nodiscard]] static std::optional<NSDecimalNumber> startingPrincipalOnDate(
       const StartingPrincipal& arguments);
 
@@ -170,20 +177,26 @@ class ORLFAmortizationPlan : public NSObject, public NSSecureCoding {
   [[nodiscard]] bool isEqualAmortizationPlan(const ORLFAmortizationPlan* other) const;
   [[nodiscard]] NSUInteger hash() const override;
   [[nodiscard]] std::string description() const override;
-  /// `copyWithZone:` (`NSCopying`)  A new plan with copies of all segments, linked to it.
+  /// `copyWithZone:` (`NSCopying`)  A new plan of the receiver's class with copies of all
+  /// segments, linked to it.
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;
 
-  /// `encodeWithCoder:`, `initWithCoder:`  Under "segments" and "endDate". Segments
-  /// that were read are linked to the plan.
+  /// `encodeWithCoder:`, `initWithCoder:`  Under "segments" and "endDate", a nil end left out.
+  /// Segments that were read are linked to the plan. Null where a member is no segment.
   void encodeWithCoder(NSCoder& coder) const override;
   [[nodiscard]] static std::shared_ptr<ORLFAmortizationPlan> initWithCoder(NSCoder& coder);
   [[nodiscard]] static bool supportsSecureCoding() noexcept { return true; }
   [[nodiscard]] static const NSCodingClass& codingClass();
   [[nodiscard]] const NSCodingClass& classForCoder() const override { return codingClass(); }
 
+ protected:
+  [[nodiscard]] std::shared_ptr<NSObject> newObjectOfReceiversClass() const override;
+
  private:
   class BalanceWalk;
   class BestBalance;
+
+  static void refuseNull(const Segment& segment);
 
   [[nodiscard]] std::shared_ptr<ORLFAmortizationPlan> copyOfPlan() const;
   /// The last member that does not start after a date; none before the plan and from its end on.

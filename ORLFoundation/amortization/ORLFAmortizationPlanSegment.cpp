@@ -6,6 +6,9 @@
 #include <ORLFoundation/platform/object/NSKeyTable.h>
 
 namespace ORLFoundation {
+
+using namespace internal::amortization;
+
 namespace {
 
 bool matches(const std::shared_ptr<ORLFDateRecurrencePeriod>& left,
@@ -37,7 +40,7 @@ const std::optional<NSDecimalNumber>& ORLFAmortizationPlanSegment::currentPrinci
 }
 
 void ORLFAmortizationPlanSegment::setCurrentPrincipal(std::optional<NSDecimalNumber> principal) {
-  changeValue(internal::kCurrentPrincipalKey, [&] { currentPrincipal_ = principal; });
+  changeValue(kCurrentPrincipalKey, [&] { currentPrincipal_ = principal; });
 }
 
 const std::optional<NSDecimalNumber>& ORLFAmortizationPlanSegment::contribution() const noexcept {
@@ -45,7 +48,7 @@ const std::optional<NSDecimalNumber>& ORLFAmortizationPlanSegment::contribution(
 }
 
 void ORLFAmortizationPlanSegment::setContribution(std::optional<NSDecimalNumber> contribution) {
-  changeValue(internal::kContributionKey, [&] { contribution_ = contribution; });
+  changeValue(kContributionKey, [&] { contribution_ = contribution; });
 }
 
 const std::shared_ptr<ORLFDateRecurrencePeriod>& ORLFAmortizationPlanSegment::contributionFrequncy()
@@ -55,8 +58,7 @@ const std::shared_ptr<ORLFDateRecurrencePeriod>& ORLFAmortizationPlanSegment::co
 
 void ORLFAmortizationPlanSegment::setContributionFrequncy(
     const std::shared_ptr<ORLFDateRecurrencePeriod>& frequency) {
-  changeValue(internal::kContributionFrequncyKey,
-              [&] { contributionFrequncy_ = copyOf(frequency); });
+  changeValue(kContributionFrequncyKey, [&] { contributionFrequncy_ = copyOf(frequency); });
 }
 
 const std::optional<NSDecimalNumber>& ORLFAmortizationPlanSegment::anualCompoundingRate()
@@ -65,7 +67,7 @@ const std::optional<NSDecimalNumber>& ORLFAmortizationPlanSegment::anualCompound
 }
 
 void ORLFAmortizationPlanSegment::setAnualCompoundingRate(std::optional<NSDecimalNumber> rate) {
-  changeValue(internal::kAnualCompoundingRateKey, [&] { anualCompoundingRate_ = rate; });
+  changeValue(kAnualCompoundingRateKey, [&] { anualCompoundingRate_ = rate; });
 }
 
 const std::shared_ptr<ORLFDateRecurrencePeriod>& ORLFAmortizationPlanSegment::compoundingFrequncy()
@@ -75,7 +77,7 @@ const std::shared_ptr<ORLFDateRecurrencePeriod>& ORLFAmortizationPlanSegment::co
 
 void ORLFAmortizationPlanSegment::setCompoundingFrequncy(
     const std::shared_ptr<ORLFDateRecurrencePeriod>& frequency) {
-  changeValue(internal::kCompoundingFrequncyKey, [&] { compoundingFrequncy_ = copyOf(frequency); });
+  changeValue(kCompoundingFrequncyKey, [&] { compoundingFrequncy_ = copyOf(frequency); });
 }
 
 const std::optional<NSDecimalNumber>& ORLFAmortizationPlanSegment::anualInflationRate()
@@ -84,7 +86,7 @@ const std::optional<NSDecimalNumber>& ORLFAmortizationPlanSegment::anualInflatio
 }
 
 void ORLFAmortizationPlanSegment::setAnualInflationRate(std::optional<NSDecimalNumber> rate) {
-  changeValue(internal::kAnualInflationRateKey, [&] { anualInflationRate_ = rate; });
+  changeValue(kAnualInflationRateKey, [&] { anualInflationRate_ = rate; });
 }
 
 std::shared_ptr<ORLFAmortizationPlan> ORLFAmortizationPlanSegment::amortizationPlan() const {
@@ -93,7 +95,7 @@ std::shared_ptr<ORLFAmortizationPlan> ORLFAmortizationPlanSegment::amortizationP
 
 void ORLFAmortizationPlanSegment::setAmortizationPlan(
     const std::shared_ptr<ORLFAmortizationPlan>& plan) {
-  changeValue(internal::kAmortizationPlanKey, [&] { amortizationPlan_ = plan; });
+  changeValue(kAmortizationPlanKey, [&] { amortizationPlan_ = plan; });
 }
 
 const std::optional<NSDate>& ORLFAmortizationPlanSegment::startDate() const noexcept {
@@ -101,14 +103,13 @@ const std::optional<NSDate>& ORLFAmortizationPlanSegment::startDate() const noex
 }
 
 void ORLFAmortizationPlanSegment::setStartDate(std::optional<NSDate> date) {
-  changeValue(internal::kStartDateKey, [&] { startDate_ = date; });
+  changeValue(kStartDateKey, [&] { startDate_ = date; });
 }
 
 std::string ORLFAmortizationPlanSegment::className() const { return "ORLFAmortizationPlanSegment"; }
 
 const NSKeyTable& ORLFAmortizationPlanSegment::keyTable() const {
   using Member = ORLFAmortizationPlanSegment;
-  using namespace internal;
   static const NSKeyTable table(
       NSObject::keyTable(),
       {
@@ -163,7 +164,7 @@ std::string ORLFAmortizationPlanSegment::description() const {
 }
 
 std::shared_ptr<NSObject> ORLFAmortizationPlanSegment::copy() {
-  auto segment = std::make_shared<ORLFAmortizationPlanSegment>();
+  auto segment = newObjectAs<ORLFAmortizationPlanSegment>();
   segment->startDate_ = startDate_;
   segment->currentPrincipal_ = currentPrincipal_;
   segment->contribution_ = contribution_;
@@ -172,6 +173,10 @@ std::shared_ptr<NSObject> ORLFAmortizationPlanSegment::copy() {
   segment->setCompoundingFrequncy(compoundingFrequncy_);
   segment->anualInflationRate_ = anualInflationRate_;
   return segment;
+}
+
+std::shared_ptr<NSObject> ORLFAmortizationPlanSegment::newObjectOfReceiversClass() const {
+  return std::make_shared<ORLFAmortizationPlanSegment>();
 }
 
 }  // namespace ORLFoundation

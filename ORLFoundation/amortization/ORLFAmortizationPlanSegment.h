@@ -203,7 +203,8 @@ class ORLFAmortizationPlanSegment : public NSObject, public NSSecureCoding {
   [[nodiscard]] bool isEqualSegment(const ORLFAmortizationPlanSegment* other) const;
   [[nodiscard]] NSUInteger hash() const override;
   [[nodiscard]] std::string description() const override;
-  /// `copyWithZone:`  A new segment with the same start and terms, and no plan.
+  /// `copyWithZone:`  A new segment of the receiver's class with the same start and terms, and no
+  /// plan.
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;
 
   /// `encodeWithCoder:`, `initWithCoder:`  Each term under its name, nil ones left out,
@@ -214,6 +215,9 @@ class ORLFAmortizationPlanSegment : public NSObject, public NSSecureCoding {
   [[nodiscard]] static bool supportsSecureCoding() noexcept { return true; }
   [[nodiscard]] static const NSCodingClass& codingClass();
   [[nodiscard]] const NSCodingClass& classForCoder() const override { return codingClass(); }
+
+ protected:
+  [[nodiscard]] std::shared_ptr<NSObject> newObjectOfReceiversClass() const override;
 
  private:
   std::optional<NSDecimalNumber> currentPrincipal_;

@@ -1,6 +1,7 @@
 // The segment as an object: its terms, copies, equality, description and observers.
 #include <ORLFoundation/amortization/ORLFAmortizationPlan_testing.h>
 #include <ORLFoundation/platform/object/NSKeyValueObserving.h>
+#include <ORLFoundation/platform/value/NSException.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -8,9 +9,6 @@ namespace orlftest {
 namespace {
 
 using Class = ORLFAmortizationPlanSegment;
-
-const NSDate kStart = utc(2024, 1, 1);
-const NSDate kYearLater = utc(2025, 1, 1);
 
 TEST(ORLFAmortizationPlanSegment, StartsMonthlyAndOtherwiseEmpty) {
   const Class segment;
@@ -33,6 +31,68 @@ TEST(ORLFAmortizationPlanSegment, KeepsACopyOfAPeriodWhichIsThePeriodItself) {
   EXPECT_EQ(segment->contributionFrequncy(), period);
 }
 
+/// A period whose copy is another object.
+class CopiedPeriod : public ORLFDateRecurrencePeriod {
+ public:
+  using ORLFDateRecurrencePeriod::ORLFDateRecurrencePeriod;
+  [[nodiscard]] std::shared_ptr<NSObject> copy() override {
+    return std::make_shared<CopiedPeriod>(frequency(), interval());
+  }
+};
+
+TEST(ORLFAmortizationPlanSegment, KeepsCopiesOfBothPeriods) {
+  const auto segment = makeSegment({});
+  const auto period = std::make_shared<CopiedPeriod>(ORLFDateRecurrenceFrequencyMonthly, 2);
+  segment->setContributionFrequncy(period);
+  segment->setCompoundingFrequncy(period);
+  period->setInterval(7);
+  EXPECT_NE(segment->contributionFrequncy(), period);
+  EXPECT_NE(segment->compoundingFrequncy(), period);
+  EXPECT_EQ(segment->contributionFrequncy()->interval(), 2);
+  EXPECT_EQ(segment->compoundingFrequncy()->interval(), 2);
+  // A copy of the segment has periods of its own too.
+  const Segment copy = copyOf(segment);
+  segment->contributionFrequncy()->setInterval(8);
+  segment->compoundingFrequncy()->setInterval(9);
+  EXPECT_EQ(copy->contributionFrequncy()->interval(), 2);
+  EXPECT_EQ(copy->compoundingFrequncy()->interval(), 2);
+}
+
+/// A segment with a name of its own, and one that says nothing of new objects.
+class NamedSegment : public ORLFAmortizationPlanSegment {
+ public:
+  std::string name = "untitled";
+
+ protected:
+  [[nodiscard]] std::shared_ptr<NSObject> newObjectOfReceiversClass() const override {
+    auto segment = std::make_shared<NamedSegment>();
+    segment->name = name;
+    return segment;
+  }
+};
+class NamelessSegment : public ORLFAmortizationPlanSegment {};
+
+TEST(ORLFAmortizationPlanSegment, CopiesToItsOwnClass) {
+  const auto segment = std::make_shared<NamedSegment>();
+  segment->name = "house";
+  segment->setContribution(number("5"));
+  const auto copy = std::dynamic_pointer_cast<NamedSegment>(segment->copy());
+  ASSERT_TRUE(copy);
+  EXPECT_NE(copy, segment);
+  EXPECT_EQ(copy->name, "house");
+  EXPECT_TRUE(copy->isEqual(segment.get()));
+  EXPECT_THROW((void)std::make_shared<NamelessSegment>()->copy(), NSException);
+}
+
+TEST(ORLFAmortizationPlanSegment, KeepsItsClassInAPlan) {
+  const auto plan =
+      ORLFAmortizationPlan::initWithStartDate(kJan24, std::make_shared<NamedSegment>(), kJan25);
+  EXPECT_TRUE(std::dynamic_pointer_cast<NamedSegment>(plan->firstSegment()));
+  plan->setPlanSegment(std::make_shared<NamedSegment>(), kJan25, kJan26, true);
+  EXPECT_TRUE(std::dynamic_pointer_cast<NamedSegment>(plan->lastSegment()));
+  EXPECT_TRUE(std::dynamic_pointer_cast<NamedSegment>(copyOf(plan)->lastSegment()));
+}
+
 TEST(ORLFAmortizationPlanSegment, EqualsASegmentOfTheSameValues) {
   const Terms terms{.principal = number("1.50"),
                     .contribution = number("2"),
@@ -51,7 +111,7 @@ TEST(ORLFAmortizationPlanSegment, DiffersByEachOfItsValues) {
   const Terms terms{.principal = number("1"), .contribution = number("2")};
   using Change = void (*)(Class&);
   const Change changes[] = {
-      [](Class& segment) { segment.setStartDate(kStart); },
+      [](Class& segment) { segment.setStartDate(kJan24); },
       [](Class& segment) { segment.setCurrentPrincipal(std::nullopt); },
       [](Class& segment) { segment.setContribution(number("3")); },
       [](Class& segment) { segment.setContributionFrequncy(monthly(2)); },
@@ -70,7 +130,7 @@ TEST(ORLFAmortizationPlanSegment, DiffersByEachOfItsValues) {
 }
 
 TEST(ORLFAmortizationPlanSegment, CopiesItsValuesAndNoPlan) {
-  const auto plan = makePlan({{kStart, {.principal = number("1")}}}, kYearLater);
+  const auto plan = makePlan({{kJan24, {.principal = number("1")}}}, kJan25);
   const Segment segment = plan->firstSegment();
   segment->setCompoundingFrequncy(monthly(6));
   const Segment copy = copyOf(segment);
@@ -81,7 +141,7 @@ TEST(ORLFAmortizationPlanSegment, CopiesItsValuesAndNoPlan) {
 }
 
 TEST(ORLFAmortizationPlanSegment, DoesNotKeepItsPlanAlive) {
-  auto plan = makePlan({{kStart, {}}}, kYearLater);
+  auto plan = makePlan({{kJan24, {}}}, kJan25);
   const Segment segment = plan->firstSegment();
   EXPECT_EQ(segment->amortizationPlan(), plan);
   plan.reset();
@@ -93,7 +153,7 @@ TEST(ORLFAmortizationPlanSegment, DescribesItsValues) {
                                     .contribution = number("12.50"),
                                     .frequency = monthly(2),
                                     .rate = number("0.05")});
-  segment->setStartDate(kStart);
+  segment->setStartDate(kJan24);
   EXPECT_EQ(segment->description(),
             "2024-01-01 00:00:00 +0000, bal: 1000, con: 12.5, frq: 2 month, comp: 0.05, "
             "comp freq: (null), inflat: (null)");
@@ -116,7 +176,7 @@ TEST(ORLFAmortizationPlanSegment, TellsObserversOfItsTerms) {
   segment->setAnualCompoundingRate(number("1"));
   segment->setCompoundingFrequncy(monthly(2));
   segment->setValueForKey(number("1"), "anualInflationRate");
-  segment->setStartDate(kStart);
+  segment->setStartDate(kJan24);
   EXPECT_THAT(heard,
               testing::ElementsAre("currentPrincipal", "contribution", "contributionFrequncy",
                                    "anualCompoundingRate", "compoundingFrequncy",

@@ -2,18 +2,28 @@
 #include <ORLFoundation/amortization/ORLFAmortizationPlanSegment.h>
 
 #include <ORLFoundation/amortization/internal/ORLFBalanceSearch.h>
-#include <ORLFoundation/amortization/internal/ORLFPlanArithmetic.h>
 #include <ORLFoundation/amortization/internal/ORLFPlanGrowth.h>
 #include <ORLFoundation/amortization/internal/ORLFPlanProjection.h>
-#include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
+#include <ORLFoundation/platform/base/CheckedArithmetic.h>
 
 #include <cmath>
 
 namespace ORLFoundation {
 
-using namespace internal;
+using namespace internal::amortization;
+
+namespace {
+
+/// The date `periods` periods after the start; nil when their count or the date is out of range.
+std::optional<NSDate> dateAfterPeriods(NSUInteger periods, const ORLFDateRecurrencePeriod& period,
+                                       NSDate start, const NSCalendar& calendar) {
+  if (periods > static_cast<NSUInteger>(NSIntegerMax)) return std::nullopt;
+  return dateByAddingRecurrencePeriod(calendar, period, static_cast<NSInteger>(periods), start, 0);
+}
+
+}  // namespace
 
 std::optional<NSDecimalNumber> ORLFAmortizationPlanSegment::plannedPrincipalOnDate(
     const PlannedPrincipalOnDate& arguments) {
@@ -127,15 +137,11 @@ namespace {
 std::optional<NSInteger> wholePeriodsBetween(std::optional<NSDate> segmentStart, NSDate from,
                                              NSDate to, const ORLFDateRecurrencePeriod& period,
                                              const NSCalendar& calendar) {
-  const NSCalendarUnit unit = unitOf(period);
-  const NSInteger interval = period.interval();
   const NSDate start = segmentStart.value_or(from);
-  const NSInteger before =
-      dividedByInterval(orlfIntervalInCalendarUnit(calendar, unit, start, from), interval);
-  const auto last = dateAfterPeriods(before, period, start, calendar);
+  const NSInteger before = intervalInRecurrencePeriod(calendar, period, start, from);
+  const auto last = dateByAddingRecurrencePeriod(calendar, period, before, start, 0);
   if (!last) return std::nullopt;
-  const NSInteger periods =
-      dividedByInterval(orlfIntervalInCalendarUnit(calendar, unit, *last, to), interval);
+  const NSInteger periods = intervalInRecurrencePeriod(calendar, period, *last, to);
   return orlfIsBefore(from, *last) ? periods + 1 : periods;
 }
 
@@ -146,9 +152,8 @@ std::optional<NSDecimalNumber> ORLFAmortizationPlanSegment::plannedContributions
   if (!contribution_ || !contributionFrequncy_) return std::nullopt;
   const ORLFDateRecurrencePeriod& period = *contributionFrequncy_;
   if (arguments.continuous) {
-    const double periods = orlfCountOfCalendarUnit(arguments.usingCalendar, unitOf(period),
-                                                   arguments.startDate, arguments.toEndDate) /
-                           static_cast<double>(period.interval());
+    const double periods = countInRecurrencePeriod(arguments.usingCalendar, period,
+                                                   arguments.startDate, arguments.toEndDate);
     return contribution_->decimalNumberByMultiplyingBy(orlfDecimalNumberWithDouble(periods),
                                                        arguments.roundingBehavior);
   }
@@ -165,13 +170,11 @@ std::optional<NSDate> ORLFAmortizationPlanSegment::contributionDateAfterDate(
   if (startDate_ && orlfIsBefore(date, *startDate_)) return startDate_;
   if (!contributionFrequncy_) return std::nullopt;
   const ORLFDateRecurrencePeriod& period = *contributionFrequncy_;
-  if (!startDate_) return dateAfterPeriods(NSInteger{1}, period, date, usingCalendar);
-  const NSInteger elapsed = dividedByInterval(
-      orlfIntervalInCalendarUnit(usingCalendar, unitOf(period), *startDate_, date),
-      period.interval());
-  NSInteger next = 0;
-  if (__builtin_add_overflow(elapsed, 1, &next)) return std::nullopt;
-  return dateAfterPeriods(next, period, *startDate_, usingCalendar);
+  if (!startDate_) return dateByAddingRecurrencePeriod(usingCalendar, period, 1, date, 0);
+  const auto next = internal::base::checkedSum(
+      intervalInRecurrencePeriod(usingCalendar, period, *startDate_, date), 1);
+  if (!next) return std::nullopt;
+  return dateByAddingRecurrencePeriod(usingCalendar, period, *next, *startDate_, 0);
 }
 
 }  // namespace ORLFoundation

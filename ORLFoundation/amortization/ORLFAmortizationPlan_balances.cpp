@@ -1,7 +1,7 @@
 
 #include <ORLFoundation/amortization/ORLFAmortizationPlan.h>
 
-#include <ORLFoundation/amortization/internal/ORLFPlanArithmetic.h>
+#include <ORLFoundation/amortization/internal/ORLFPlanDates.h>
 #include <ORLFoundation/amortization/internal/ORLFPlanProjection.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
@@ -10,10 +10,10 @@
 #include <algorithm>
 
 namespace ORLFoundation {
-namespace {
 
-using internal::isBefore;
-using internal::ORLFPlanProjection;
+using namespace internal::amortization;
+
+namespace {
 
 NSDate earlierOf(NSDate left, NSDate right) { return orlfIsBefore(right, left) ? right : left; }
 NSDate laterOf(NSDate left, NSDate right) { return orlfIsAfter(right, left) ? right : left; }

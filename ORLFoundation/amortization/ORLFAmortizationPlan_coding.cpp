@@ -10,6 +10,9 @@
 #include <utility>
 
 namespace ORLFoundation {
+
+using namespace internal::amortization;
+
 namespace {
 
 template <class Value>
@@ -26,7 +29,6 @@ const NSCodingClass& ORLFAmortizationPlanSegment::codingClass() {
 }
 
 void ORLFAmortizationPlanSegment::encodeWithCoder(NSCoder& coder) const {
-  using namespace internal;
   encodeUnlessNil(coder, startDate_, kStartDateKey);
   encodeUnlessNil(coder, amortizationPlan(), kAmortizationPlanKey);
   encodeUnlessNil(coder, currentPrincipal_, kCurrentPrincipalKey);
@@ -39,7 +41,6 @@ void ORLFAmortizationPlanSegment::encodeWithCoder(NSCoder& coder) const {
 
 std::shared_ptr<ORLFAmortizationPlanSegment> ORLFAmortizationPlanSegment::initWithCoder(
     NSCoder& coder) {
-  using namespace internal;
   const auto decimal = [&](std::string_view key) {
     return coder.decodeObjectOfClass<NSDecimalNumber>(key);
   };
@@ -69,15 +70,14 @@ const NSCodingClass& ORLFAmortizationPlan::codingClass() {
 
 void ORLFAmortizationPlan::encodeWithCoder(NSCoder& coder) const {
   std::vector<id> members(segments_.begin(), segments_.end());
-  coder.encodeObject(std::make_shared<NSArray>(std::move(members)), internal::kSegmentsKey);
-  encodeUnlessNil(coder, endDate_, internal::kEndDateKey);
+  coder.encodeObject(std::make_shared<NSArray>(std::move(members)), kSegmentsKey);
+  encodeUnlessNil(coder, endDate_, kEndDateKey);
 }
 
 std::shared_ptr<ORLFAmortizationPlan> ORLFAmortizationPlan::initWithCoder(NSCoder& coder) {
   auto plan = std::make_shared<ORLFAmortizationPlan>();
   coder.setObjectBeingDecoded(plan);
-  const id list =
-      coder.decodeObjectOfClasses<NSArray, ORLFAmortizationPlanSegment>(internal::kSegmentsKey);
+  const id list = coder.decodeObjectOfClasses<NSArray, ORLFAmortizationPlanSegment>(kSegmentsKey);
   std::vector<Segment> segments;
   if (const auto members = list.as<NSArray>()) {
     for (const id& member : *members) segments.push_back(member.as<ORLFAmortizationPlanSegment>());
@@ -90,7 +90,7 @@ std::shared_ptr<ORLFAmortizationPlan> ORLFAmortizationPlan::initWithCoder(NSCode
     return nullptr;
   }
   plan->setSegments(std::move(segments));
-  plan->endDate_ = coder.decodeObjectOfClass<NSDate>(internal::kEndDateKey);
+  plan->endDate_ = coder.decodeObjectOfClass<NSDate>(kEndDateKey);
   return plan;
 }
 

@@ -1,17 +1,16 @@
 
 #include <ORLFoundation/amortization/ORLFAmortizationPlan.h>
 
-#include <ORLFoundation/amortization/internal/ORLFPlanArithmetic.h>
-#include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
+#include <ORLFoundation/amortization/internal/ORLFPlanDates.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
 
 #include <algorithm>
 
 namespace ORLFoundation {
-namespace {
 
-using internal::isAfter;
-using internal::isBefore;
+using namespace internal::amortization;
+
+namespace {
 
 /// The last contribution date of a member that runs until `end`; none when it never ends.
 std::optional<NSDate> lastContributionDateOf(const ORLFAmortizationPlanSegment& member,
@@ -20,10 +19,8 @@ std::optional<NSDate> lastContributionDateOf(const ORLFAmortizationPlanSegment& 
   const auto& start = member.startDate();
   const auto& frequency = member.contributionFrequncy();
   if (!start || !frequency || !isBefore(end, NSDate::distantFuture())) return std::nullopt;
-  const NSInteger periods = internal::dividedByInterval(
-      orlfIntervalInCalendarUnit(calendar, internal::unitOf(*frequency), *start, *end),
-      frequency->interval());
-  return internal::dateAfterPeriods(periods, *frequency, *start, calendar);
+  const NSInteger periods = intervalInRecurrencePeriod(calendar, *frequency, *start, *end);
+  return dateByAddingRecurrencePeriod(calendar, *frequency, periods, *start, 0);
 }
 
 }  // namespace

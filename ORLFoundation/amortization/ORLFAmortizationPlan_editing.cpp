@@ -1,7 +1,7 @@
 
 #include <ORLFoundation/amortization/ORLFAmortizationPlan.h>
 
-#include <ORLFoundation/amortization/internal/ORLFPlanArithmetic.h>
+#include <ORLFoundation/amortization/internal/ORLFPlanDates.h>
 #include <ORLFoundation/support/diagnostics/ORLFCondition.h>
 
 #include <cstddef>
@@ -9,10 +9,11 @@
 #include <utility>
 
 namespace ORLFoundation {
+
+using namespace internal::amortization;
+
 namespace {
 
-using internal::isAfter;
-using internal::isBefore;
 using Segment = ORLFAmortizationPlan::Segment;
 using Segments = std::vector<Segment>;
 
@@ -98,7 +99,8 @@ void insertAt(Segments& members, std::size_t index, const Segment& member, bool 
 void ORLFAmortizationPlan::setPlanSegment(const Segment& segment,
                                           std::optional<NSDate> fromStartDate,
                                           std::optional<NSDate> toEndDate, bool lastSegmentOfPlan) {
-  const auto self = std::static_pointer_cast<ORLFAmortizationPlan>(shared_from_this());
+  refuseNull(segment);
+  const auto self = std::static_pointer_cast<ORLFAmortizationPlan>(weak_from_this().lock());
   const NSDate end = toEndDate.value_or(NSDate::distantFuture());
   auto member = copyOf(segment);
   member->setAmortizationPlan(self);

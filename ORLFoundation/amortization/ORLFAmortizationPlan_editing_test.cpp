@@ -300,6 +300,36 @@ TEST(ORLFAmortizationPlan, TellsObserversOfTheFirstSegmentThatAnInsertionBrings)
   EXPECT_EQ(start.values().back(), "2019-01-01T00:00:00Z");
 }
 
+TEST(ORLFAmortizationPlan, InsertsAndMovesItsEndBeforeItReplacesItsSegments) {
+  const Plan plan = threeMembers();
+  std::vector<std::string> heard;
+  const auto note = [&](const NSKeyValueChange& change) {
+    heard.push_back(std::string(change.keyPath) + ": " + shapeOf(*plan));
+  };
+  const auto end = plan->addObserver("endDate", NSKeyValueObservingOptionNew, note);
+  const auto segments = plan->addObserver("segments", NSKeyValueObservingOptionNew, note);
+  plan->setPlanSegment(makeSegment({}), year(2028), year(2040), false);
+  // While the end is told, the list is still the old one; its covered members have left already.
+  EXPECT_THAT(heard,
+              ElementsAre("endDate: 2024 2027 nil | 2040", "segments: 2024 2027 2028 | 2040"));
+}
+
+TEST(ORLFAmortizationPlan, TellsObserversOfTheLastSegmentWhenItsSegmentsChange) {
+  const Plan plan = threeMembers();
+  std::vector<Segment> heard;
+  const auto token = plan->addObserver(
+      "lastSegment", NSKeyValueObservingOptionNew, [&](const NSKeyValueChange& change) {
+        heard.push_back(change.newValue.as<ORLFAmortizationPlanSegment>());
+      });
+  plan->setPlanSegment(makeSegment({}), year(2032), year(2034), true);
+  EXPECT_THAT(heard, ElementsAre(plan->lastSegment()));
+  plan->setSegments({plan->firstSegment()});
+  EXPECT_THAT(heard, testing::SizeIs(2));
+  EXPECT_EQ(heard.back(), plan->firstSegment());
+  plan->setEndDate(year(2050));
+  EXPECT_THAT(heard, testing::SizeIs(2));
+}
+
 TEST(ORLFAmortizationPlan, ReadsDerivedValuesByKey) {
   const Plan plan = threeMembers();
   EXPECT_EQ(plan->valueForKey("planStartDate").as<NSDate>(), year(2024));

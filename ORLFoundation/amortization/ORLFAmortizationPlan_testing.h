@@ -4,8 +4,10 @@
 #include <ORLFoundation/amortization/ORLFAmortizationPlan.h>
 #include <ORLFoundation/amortization/ORLFAmortizationPlanSegment.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
-#include <ORLFoundation/platform/time/NSCalendar.h>
+#include <ORLFoundation/platform/number/NSDecimalNumber_testing.h>
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>
 
+#include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,23 +17,10 @@ namespace orlftest {
 
 using namespace ORLFoundation;
 
-using Decimal = std::optional<NSDecimalNumber>;
+using Decimal = Optional;
 using Period = std::shared_ptr<ORLFDateRecurrencePeriod>;
 using Segment = std::shared_ptr<ORLFAmortizationPlanSegment>;
 using Plan = std::shared_ptr<ORLFAmortizationPlan>;
-
-inline NSDecimalNumber number(const char* text) {
-  return NSDecimalNumber::decimalNumberWithString(text);
-}
-
-/// "1000", "nil".
-inline std::string textOf(const Decimal& value) { return value ? value->stringValue() : "nil"; }
-
-inline std::shared_ptr<NSCalendar> calendarIn(const char* zone) {
-  auto calendar = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian);
-  calendar->setTimeZone(NSTimeZone::timeZoneWithName(zone));
-  return calendar;
-}
 
 inline const NSCalendar& utcCalendar() {
   static const std::shared_ptr<NSCalendar> calendar = calendarIn("UTC");
@@ -46,7 +35,7 @@ inline NSDate utc(NSInteger year, NSInteger month, NSInteger day) {
   return *utcCalendar().dateFromComponents(components);
 }
 
-/// Rounds as told and answers every error but loss of precision with nil.
+/// Rounds as told and answers every error, loss of precision too, with nil.
 inline std::shared_ptr<ORLFDecimalNumberHandler> rounding(NSRoundingMode mode, std::int16_t scale) {
   return ORLFDecimalNumberHandler::decimalNumberHandlerWithRoundingMode(
       {.roundingMode = mode,
@@ -104,6 +93,48 @@ inline Plan makePlan(const std::vector<Stretch>& stretches, std::optional<NSDate
     plan->setPlanSegment(makeSegment(stretches[index].terms), stretches[index].start, end, true);
   }
   return plan;
+}
+
+inline const NSDate kJan24 = utc(2024, 1, 1);
+inline const NSDate kJan25 = utc(2025, 1, 1);
+inline const NSDate kJan26 = utc(2026, 1, 1);
+inline const NSDate kOpen = NSDate::distantFuture();
+
+/// 2024 with 100 a month from 1000, 2025 with 50 a month on top.
+inline Plan twoYears() {
+  return makePlan({{kJan24, {.principal = number("1000"), .contribution = number("100")}},
+                   {kJan25, {.contribution = number("50")}}},
+                  kJan26);
+}
+
+/// The same, but 2025 starts again from 7000.
+inline Plan twoYearsWithReset() {
+  return makePlan({{kJan24, {.principal = number("1000"), .contribution = number("100")}},
+                   {kJan25, {.principal = number("7000"), .contribution = number("50")}}},
+                  kJan26);
+}
+
+/// A segment's terms as arguments of the static operation.
+inline Decimal principalOn(NSDate date, const Terms& terms,
+                           const NSDecimalNumberBehaviors* behavior = nullptr,
+                           NSDate first = kJan24) {
+  return ORLFAmortizationPlanSegment::plannedPrincipalOnDate(
+      {.date = date,
+       .startingWithPrincipal = terms.principal,
+       .fristContributionDate = first,
+       .contribution = terms.contribution,
+       .contributionFrequncy = terms.frequency,
+       .anualCompoundingRate = terms.rate,
+       .anualInflationRate = terms.inflation,
+       .usingCalendar = utcCalendar(),
+       .roundingBehavior = behavior});
+}
+
+/// The six decimals through which a double becomes a decimal.
+inline std::string sixPlaces(double value) {
+  char text[400];
+  std::snprintf(text, sizeof text, "%.6f", value);
+  return number(text).stringValue();
 }
 
 }  // namespace orlftest

@@ -13,7 +13,7 @@ namespace {
 
 Decimal decimalFrom(const Json& value) {
   if (value.is_null()) return std::nullopt;
-  return number(value.get<std::string>().c_str());
+  return number(value.get<std::string>());
 }
 
 std::shared_ptr<ORLFDecimalNumberHandler> behaviorFrom(const Json& value) {

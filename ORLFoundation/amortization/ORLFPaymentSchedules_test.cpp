@@ -1,8 +1,8 @@
 
 #include <ORLFoundation/amortization/ORLFPaymentSchedules.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule_testing.h>
 
 #include <gtest/gtest.h>
-#include <tests/support/RecurrenceCodec.h>
 
 namespace ORLFoundation {
 namespace {
@@ -320,6 +320,7 @@ TEST(NumberOfPaymentPeriodsPerYear, MatchesTable) {
       days->push_back(ORLFDateRecurrenceDayOfWeek::dayOfWeek(day));
     return days;
   };
+  const Integers none = Values{};
   const Integers one = Values{1};
   const Integers two = Values{1, 2};
   const Integers three = Values{1, 2, 3};
@@ -336,6 +337,31 @@ TEST(NumberOfPaymentPeriodsPerYear, MatchesTable) {
        {.frequency = kYearly, .daysOfTheMonth = one, .monthsOfTheYear = three},
        3},
       {"YearlyPassesOverDaysOfTheMonth", {.frequency = kYearly, .daysOfTheMonth = three}, 1},
+      {"YearlyPassesOverEmptyDays",
+       {.frequency = kYearly,
+        .monthsOfTheYear = three,
+        .weeksOfTheYear = two,
+        .daysOfTheYear = none},
+       2},
+      {"YearlyPassesOverEmptyDaysAndWeeks",
+       {.frequency = kYearly,
+        .monthsOfTheYear = three,
+        .weeksOfTheYear = none,
+        .daysOfTheYear = none},
+       3},
+      {"YearlyOfEmptyLists",
+       {.frequency = kYearly,
+        .monthsOfTheYear = none,
+        .weeksOfTheYear = none,
+        .daysOfTheYear = none},
+       1},
+      {"MonthlyPassesOverEmptyDays",
+       {.frequency = kMonthly, .daysOfTheWeek = weekdays(3), .daysOfTheMonth = none},
+       36},
+      {"MonthlyOfEmptyLists",
+       {.frequency = kMonthly, .daysOfTheWeek = weekdays(0), .daysOfTheMonth = none},
+       12},
+      {"WeeklyOfAnEmptyList", {.frequency = kWeekly, .daysOfTheWeek = weekdays(0)}, 52},
       {"EverySecondYear", {.frequency = kYearly, .interval = 2, .monthsOfTheYear = three}, 0},
       {"Monthly", {.frequency = kMonthly}, 12},
       {"MonthlyOfDays",

@@ -5,6 +5,7 @@
 #include <ORLFoundation/calendar/ORLFCalendarRounding.h>
 #include <ORLFoundation/calendar/ORLFCompareCalendarUnits.h>
 #include <ORLFoundation/calendar/internal/ORLFQuarterCount.h>
+#include <ORLFoundation/platform/base/CheckedArithmetic.h>
 #include <ORLFoundation/support/diagnostics/ORLFCondition.h>
 #include <ORLFoundation/support/diagnostics/ORLFDebugLog.h>
 
@@ -39,8 +40,8 @@ double fractionOfUnit(const NSCalendar& calendar, NSCalendarUnit unit, NSDate wi
 }
 
 NSInteger quartersBetween(const NSCalendar& calendar, NSDate from, NSDate to) noexcept {
-  const std::optional<NSInteger> last = internal::quartersSince1970(calendar, to);
-  const std::optional<NSInteger> first = internal::quartersSince1970(calendar, from);
+  const std::optional<NSInteger> last = internal::calendar::quartersSince1970(calendar, to);
+  const std::optional<NSInteger> first = internal::calendar::quartersSince1970(calendar, from);
   return first && last ? *last - *first : 0;
 }
 
@@ -91,10 +92,11 @@ std::optional<NSDate> orlfDateByAddingInterval(const NSCalendar& calendar, NSInt
   if (!toDate) return std::nullopt;
   NSDateComponents components;
   if (inCalendarUnit == NSCalendarUnitQuarter) {
-    NSInteger months = 0;
-    if (__builtin_mul_overflow(interval, orlfMonthsPerQuarter(calendar), &months))
-      return std::nullopt;
-    components.setMonth(months);
+    const NSInteger monthsPerQuarter = orlfMonthsPerQuarter(calendar);
+    if (monthsPerQuarter == NSNotFound) return std::nullopt;
+    const auto months = internal::base::checkedProduct(interval, monthsPerQuarter);
+    if (!months) return std::nullopt;
+    components.setMonth(*months);
   } else {
     components.setValueForComponent(interval, inCalendarUnit);
   }

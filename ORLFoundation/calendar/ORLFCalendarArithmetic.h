@@ -27,7 +27,8 @@ namespace ORLFoundation {
                                              NSDate fromDate, NSDate toDate);
 
 /// `orlfDateByAddingInterval:inCalendarUnit:toDate:`  Month ends clamp; a quarter is three months;
-/// a unit that is no single unit leaves the date as it is. nil for nil, and beyond the calendar.
+/// a unit that is no single unit leaves the date as it is. nil for nil, beyond the calendar, and
+/// for quarters of a calendar that has none.
 [[nodiscard]] std::optional<NSDate> orlfDateByAddingInterval(const NSCalendar& calendar,
                                                              NSInteger interval,
                                                              NSCalendarUnit inCalendarUnit,

@@ -4,10 +4,13 @@
 #include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
 #include <ORLFoundation/calendar/ORLFCalendarRounding.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
+#include <ORLFoundation/platform/base/CheckedArithmetic.h>
 
 namespace ORLFoundation {
 namespace {
 
+using internal::base::checkedDifference;
+using internal::base::checkedSum;
 using OptionalDate = std::optional<NSDate>;
 
 constexpr NSInteger kMonthsInQuarter = 3;
@@ -17,21 +20,10 @@ OptionalDate added(const NSCalendar& calendar, NSInteger value, NSCalendarUnit u
   return orlfDateByAddingInterval(calendar, value, unit, date);
 }
 
-// The first day of the shifted year that holds the date.
-OptionalDate startOfShiftedYear(const NSCalendar& calendar, NSDate date, NSInteger month,
-                                NSInteger day) noexcept {
-  NSDateComponents fields;
-  fields.setYear(calendar.component(NSCalendarUnitYear, date));
-  fields.setMonth(month);
-  fields.setDay(day);
-  const OptionalDate start = calendar.dateFromComponents(fields);
-  return start && orlfIsBefore(date, *start) ? added(calendar, -1, NSCalendarUnitYear, start)
-                                             : start;
-}
-
-NSInteger weeksBetween(const NSCalendar& calendar, NSDate from, NSDate to,
-                       NSUInteger options) noexcept {
-  return calendar.components(NSCalendarUnitWeekOfYear, from, to, options).weekOfYear();
+// Days that the zone skipped count on no side.
+NSInteger weeksBetween(const NSCalendar& calendar, NSDate from, NSDate to) noexcept {
+  return calendar.components(NSCalendarUnitWeekOfYear, from, to, NSCalendarWrapComponents)
+      .weekOfYear();
 }
 
 // Weeks from the start of the calendar year that the shifted year begins in.
@@ -40,8 +32,7 @@ NSInteger shiftedWeek(const NSCalendar& calendar, NSDate yearStart, NSDate date)
       orlfDateByRoundingDateDownToCalendarUnit(calendar, yearStart, NSCalendarUnitYear)
           .value_or(yearStart);
   const NSInteger first = calendar.component(NSCalendarUnitWeekOfYear, origin);
-  return weeksBetween(calendar, origin, date, NSCalendarWrapComponents) -
-         weeksBetween(calendar, origin, yearStart, 0) + first;
+  return weeksBetween(calendar, origin, date) - weeksBetween(calendar, origin, yearStart) + first;
 }
 
 // The calendar year in which the shifted year ends.
@@ -65,22 +56,25 @@ struct FiscalStart {
   NSInteger yearStartMonth, monthStartDay;
 };
 
-OptionalDate yearRounded(const NSCalendar& calendar, NSDate date, OptionalDate monthStart,
+// The month of a date that the calendar can place is 1 to 13; the year's start is any number.
+OptionalDate yearRounded(const NSCalendar& calendar, NSInteger month, OptionalDate monthStart,
                          FiscalStart start) noexcept {
-  const NSInteger month = calendar.component(NSCalendarUnitMonth, date);
-  return movedStart(calendar, monthStart, start.monthStartDay, start.yearStartMonth - month,
+  const auto months = checkedDifference(start.yearStartMonth, month);
+  if (!months) return std::nullopt;
+  return movedStart(calendar, monthStart, start.monthStartDay, *months,
                     month < start.yearStartMonth ? -1 : 0);
 }
 
-OptionalDate quarterRounded(const NSCalendar& calendar, NSDate date, FiscalStart start) noexcept {
-  const NSInteger month = calendar.component(NSCalendarUnitMonth, date);
+OptionalDate quarterRounded(const NSCalendar& calendar, NSDate date, NSInteger month,
+                            FiscalStart start) noexcept {
   const NSInteger quarter =
       orlfComponents(calendar, NSCalendarUnitQuarter, date, start.yearStartMonth, 1).quarter();
-  const NSInteger months =
-      quarter * kMonthsInQuarter + start.yearStartMonth - month - kMonthsInQuarter;
+  if (quarter == NSDateComponentUndefined) return std::nullopt;
+  const auto months = checkedSum((quarter - 1) * kMonthsInQuarter - month, start.yearStartMonth);
+  if (!months) return std::nullopt;
   return movedStart(calendar,
                     orlfDateByRoundingDateDownToCalendarUnit(calendar, date, NSCalendarUnitMonth),
-                    start.monthStartDay, months, month < start.yearStartMonth ? -1 : 0);
+                    start.monthStartDay, *months, month < start.yearStartMonth ? -1 : 0);
 }
 
 using Rounding = OptionalDate (*)(const NSCalendar&, OptionalDate, NSCalendarUnit) noexcept;
@@ -88,11 +82,13 @@ using Rounding = OptionalDate (*)(const NSCalendar&, OptionalDate, NSCalendarUni
 OptionalDate rounded(const NSCalendar& calendar, OptionalDate date, NSCalendarUnit unit,
                      FiscalStart start, Rounding plain) noexcept {
   if (!date) return std::nullopt;
+  const NSInteger month = calendar.component(NSCalendarUnitMonth, *date);
+  if (month == NSDateComponentUndefined) return std::nullopt;
   switch (unit) {
     case NSCalendarUnitYear:
-      return yearRounded(calendar, *date, plain(calendar, date, NSCalendarUnitMonth), start);
+      return yearRounded(calendar, month, plain(calendar, date, NSCalendarUnitMonth), start);
     case NSCalendarUnitQuarter:
-      return quarterRounded(calendar, *date, start);
+      return quarterRounded(calendar, *date, month, start);
     case NSCalendarUnitMonth:
       return movedStart(calendar, plain(calendar, date, unit), start.monthStartDay, 0, 0);
     default:
@@ -102,13 +98,25 @@ OptionalDate rounded(const NSCalendar& calendar, OptionalDate date, NSCalendarUn
 
 }  // namespace
 
+OptionalDate orlfStartOfYear(const NSCalendar& calendar, NSDate date, NSInteger startYearOnMonth,
+                             NSInteger day) noexcept {
+  NSDateComponents fields = calendar.components(NSCalendarUnitEra | NSCalendarUnitYear, date);
+  if (fields.year() == NSDateComponentUndefined) return std::nullopt;
+  fields.setMonth(startYearOnMonth);
+  fields.setDay(day);
+  const OptionalDate start = calendar.dateFromComponents(fields);
+  return start && orlfIsBefore(date, *start) ? added(calendar, -1, NSCalendarUnitYear, start)
+                                             : start;
+}
+
 NSDateComponents orlfComponents(const NSCalendar& calendar, NSUInteger unitFlags, NSDate fromDate,
                                 NSInteger startYearOnMonth, NSInteger day) noexcept {
   NSDateComponents fields = calendar.components(unitFlags, fromDate);
-  const OptionalDate yearStart = startOfShiftedYear(calendar, fromDate, startYearOnMonth, day);
+  const OptionalDate yearStart = orlfStartOfYear(calendar, fromDate, startYearOnMonth, day);
   if (!yearStart) return fields;
   const NSInteger months =
       calendar.components(NSCalendarUnitMonth, *yearStart, fromDate, 0).month();
+  if (months == NSDateComponentUndefined) return fields;
   if ((unitFlags & NSCalendarUnitWeekOfYear) != 0)
     fields.setWeekOfYear(shiftedWeek(calendar, *yearStart, fromDate));
   if ((unitFlags & NSCalendarUnitMonth) != 0) fields.setMonth(months + 1);

@@ -78,6 +78,7 @@ std::string calendarUnitNameForIntervalType(const NSCalendar& /*calendar*/,
 std::optional<NSDate> dateByRoundingDownDate(const NSCalendar& calendar, NSDate date,
                                              ORLFCalendarInterval toInterval) noexcept {
   NSDateComponents fields = calendar.components(kDayFields, date);
+  if (fields.day() == NSDateComponentUndefined) return std::nullopt;
   switch (toInterval) {
     case ORLFCalendarIntervalWeek:
     case ORLFCalendarIntervalTwoWeeks:
@@ -123,7 +124,9 @@ NSInteger numberOfIntervals(const NSCalendar& calendar, ORLFCalendarInterval int
 }
 
 bool dateOnSameDayAsDate(const NSCalendar& calendar, NSDate date, NSDate onSameDayAsDate) noexcept {
-  return calendar.components(kDayFields, date) == calendar.components(kDayFields, onSameDayAsDate);
+  const NSDateComponents day = calendar.components(kDayFields, date);
+  return day.day() != NSDateComponentUndefined &&
+         day == calendar.components(kDayFields, onSameDayAsDate);
 }
 
 }  // namespace ORLFoundation

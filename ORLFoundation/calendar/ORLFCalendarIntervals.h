@@ -30,7 +30,8 @@ enum ORLFCalendarInterval : std::int32_t {
                                                           ORLFCalendarInterval intervalType,
                                                           bool capitalize, NSInteger unitCount);
 /// `dateByRoundingDownDate:toInterval:`  Midnight of the interval's first day; two weeks begin
-/// with the calendar's even week. nil outside the set.
+/// with the calendar's even week. nil outside the set, and for a date that the calendar cannot
+/// place.
 [[nodiscard]] std::optional<NSDate> dateByRoundingDownDate(
     const NSCalendar& calendar, NSDate date, ORLFCalendarInterval toInterval) noexcept;
 /// `dateByAddingInterval:count:toDate:`  Outside the set the date comes back unchanged.
@@ -40,7 +41,7 @@ enum ORLFCalendarInterval : std::int32_t {
 /// `numberOfIntervals:fromDate:toDate:`  Whole ones, truncated toward zero; 0 outside the set.
 [[nodiscard]] NSInteger numberOfIntervals(const NSCalendar& calendar, ORLFCalendarInterval interval,
                                           NSDate fromDate, NSDate toDate) noexcept;
-/// `date:onSameDayAsDate:`
+/// `date:onSameDayAsDate:`  False where the calendar cannot place a date.
 [[nodiscard]] bool dateOnSameDayAsDate(const NSCalendar& calendar, NSDate date,
                                        NSDate onSameDayAsDate) noexcept;
 

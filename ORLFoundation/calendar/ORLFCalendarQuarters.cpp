@@ -12,8 +12,8 @@ NSInteger orlfMonthsPerQuarter(const NSCalendar& calendar) noexcept {
   return static_cast<NSInteger>(months / quarters);
 }
 
-std::optional<NSInteger> internal::quartersSince1970(const NSCalendar& calendar,
-                                                     NSDate date) noexcept {
+std::optional<NSInteger> internal::calendar::quartersSince1970(const NSCalendar& calendar,
+                                                               NSDate date) noexcept {
   const NSInteger monthsPerQuarter = orlfMonthsPerQuarter(calendar);
   if (monthsPerQuarter == NSNotFound || monthsPerQuarter == 0) return NSNotFound;
   const NSDate epoch = NSDate::dateWithTimeIntervalSince1970(0);
@@ -23,13 +23,14 @@ std::optional<NSInteger> internal::quartersSince1970(const NSCalendar& calendar,
 }
 
 NSInteger orlfQuartersForDateSince1970(const NSCalendar& calendar, NSDate date) noexcept {
-  return internal::quartersSince1970(calendar, date).value_or(0);
+  return internal::calendar::quartersSince1970(calendar, date).value_or(0);
 }
 
 NSInteger orlfQuarterForDate(const NSCalendar& calendar, NSDate date) noexcept {
   const NSInteger monthsPerQuarter = orlfMonthsPerQuarter(calendar);
   if (monthsPerQuarter == NSNotFound || monthsPerQuarter == 0) return NSNotFound;
-  return (calendar.component(NSCalendarUnitMonth, date) - 1) / monthsPerQuarter + 1;
+  const NSInteger month = calendar.component(NSCalendarUnitMonth, date);
+  return month == NSDateComponentUndefined ? NSNotFound : (month - 1) / monthsPerQuarter + 1;
 }
 
 }  // namespace ORLFoundation

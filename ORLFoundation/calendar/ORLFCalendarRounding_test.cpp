@@ -56,6 +56,15 @@ TEST(ORLFCalendarRounding, TakesDaysAsLongAsTheyAre) {
             at(*brazil, 2018, 11, 4, 1));
 }
 
+// Clocks in St John's went back from 00:01 to 23:01 of 28 October.
+TEST(ORLFCalendarRounding, UpNeverLiesBeforeADateOfTheHourThatMidnightDoubled) {
+  const auto calendar = calendarIn("America/St_Johns");
+  const NSDate midnight = at(*calendarIn("UTC"), 2006, 10, 29, 3, 30);
+  EXPECT_EQ(orlfDateByRoundingDateUpToCalendarUnit(
+                *calendar, at(*calendarIn("UTC"), 2006, 10, 29, 2, 31), NSCalendarUnitDay),
+            midnight);
+}
+
 TEST(ORLFCalendarRounding, HoldsTheDateBetweenItsBoundariesThroughTwoYearsOfHours) {
   for (const char* zone : {"America/New_York", "Asia/Kathmandu", "Australia/Lord_Howe"}) {
     const auto calendar = calendarIn(zone);

@@ -4,6 +4,7 @@
 #include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
 #include <ORLFoundation/calendar/ORLFCalendarRounding.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
+#include <ORLFoundation/platform/base/CheckedArithmetic.h>
 #include <ORLFoundation/support/diagnostics/ORLFCondition.h>
 #include <ORLFoundation/support/diagnostics/ORLFDebugLog.h>
 
@@ -12,27 +13,58 @@
 namespace ORLFoundation {
 namespace {
 
+using internal::base::checkedDifference;
+using internal::base::checkedSum;
 using Dates = std::vector<NSDate>;
 
 bool earlier(NSDate left, NSDate right) { return left.compare(right) == NSOrderedAscending; }
 bool later(NSDate left, NSDate right) { return left.compare(right) == NSOrderedDescending; }
 
-// The events on one side of the anchor, one step after the other. It ends where the calendar does,
-// and where a step does not move.
+// Whether steps of the unit lead anywhere: those of a mask, and of what is no unit, do not.
+bool moves(NSCalendarUnit unit) {
+  NSDateComponents step;
+  step.setValueForComponent(1, unit);
+  return step.setUnits() != 0;
+}
+
+bool isPlaced(const NSCalendar& calendar, NSDate date) {
+  return calendar.component(NSCalendarUnitDay, date) != NSDateComponentUndefined;
+}
+
+// The events on one side of the anchor, one step after the other, each instant once: a step into a
+// day that the zone skipped gives the instant of the next. It ends where the calendar does, and at
+// once where a step does not move.
 class SeriesWalk {
  public:
   SeriesWalk(const NSCalendar& calendar, const ORLFRepeatingEvents& events, bool backward)
-      : calendar_(calendar), events_(events), step_(events.multiplier) {
-    if (backward != (step_ < 0) && __builtin_sub_overflow(NSInteger{0}, step_, &step_)) step_ = 0;
+      : calendar_(calendar), events_(events), step_(moves(events.unit) ? events.multiplier : 0) {
+    if (backward != (step_ < 0)) step_ = checkedDifference(NSInteger{0}, step_).value_or(0);
+  }
+
+  // Leaves out the steps that surely do not reach the date.
+  void jumpTowards(NSDate date) {
+    if (step_ == 0) return;
+    const NSInteger units =
+        orlfIntervalInCalendarUnit(calendar_, events_.unit, events_.anchoredOnEventDate, date);
+    // Clamped and skipped days, and quarters that are counted by their boundaries, take one more.
+    constexpr NSInteger kMargin = 2;
+    const NSInteger leftOut = units / step_ - kMargin;
+    if (leftOut > 0) offset_ = leftOut * step_;
   }
 
   std::optional<NSDate> next() {
-    if (__builtin_add_overflow(offset_, step_, &offset_)) return std::nullopt;
-    const auto date =
-        orlfDateByAddingInterval(calendar_, offset_, events_.unit, events_.anchoredOnEventDate);
-    if (!date || date->isEqualToDate(last_)) return std::nullopt;
-    last_ = *date;
-    return date;
+    while (step_ != 0) {
+      const auto offset = checkedSum(offset_, step_);
+      if (!offset) break;
+      offset_ = *offset;
+      const auto date =
+          orlfDateByAddingInterval(calendar_, offset_, events_.unit, events_.anchoredOnEventDate);
+      if (!date) break;
+      if (date->isEqualToDate(last_)) continue;
+      last_ = *date;
+      return date;
+    }
+    return std::nullopt;
   }
 
  private:
@@ -80,6 +112,7 @@ Dates datesAfter(const NSCalendar& calendar, const ORLFRepeatingEvents& events,
                  const Range& range) {
   Dates dates;
   SeriesWalk forward(calendar, events, false);
+  forward.jumpTowards(range.from);
   auto date = forward.next();
   while (date && orlfIsBefore(*date, range.from)) date = forward.next();
   addWithin(forward, date, range, dates);
@@ -94,6 +127,7 @@ Dates datesBefore(const NSCalendar& calendar, const ORLFRepeatingEvents& events,
   }
   Dates dates;
   SeriesWalk back(calendar, events, true);
+  back.jumpTowards(range.to);
   auto date = back.next();
   while (date && range.past(*date)) date = back.next();
   addDownToStart(back, date, range, dates);
@@ -101,10 +135,24 @@ Dates datesBefore(const NSCalendar& calendar, const ORLFRepeatingEvents& events,
   return dates;
 }
 
+// The date a step on, or as many steps as it takes to leave the instant: a step into a day that the
+// zone skipped may lead back to where it began.
+std::optional<NSDate> dateOnward(const NSCalendar& calendar, const ORLFSteppedDates& dates,
+                                 NSInteger step, NSDate current) {
+  std::optional<NSInteger> offset = step;
+  std::optional<NSDate> next;
+  do {
+    next = orlfDateByAddingInterval(calendar, *offset, dates.calendarUnit, current);
+    offset = checkedSum(*offset, step);
+  } while (next && next->isEqualToDate(current) && step != 0 && offset &&
+           moves(dates.calendarUnit));
+  return next;
+}
+
 // The next date of a stepped list.
 std::optional<NSDate> steppedDate(const NSCalendar& calendar, const ORLFSteppedDates& dates,
                                   NSInteger step, bool backward, NSDate current) {
-  const auto next = orlfDateByAddingInterval(calendar, step, dates.calendarUnit, current);
+  const auto next = dateOnward(calendar, dates, step, current);
   if (!dates.inAligned) return next;
   if (!backward)
     return orlfDateByRoundingDateDownToCalendarUnit(calendar, next, dates.calendarUnit);
@@ -125,6 +173,9 @@ std::optional<Dates> orlfDatesOfEventsRepeatingWithUnit(const NSCalendar& calend
                       "[fromDate compare:toDate] != NSOrderedDescending",
                       "fromDate must not be after toDate");
   const NSDate anchor = events.anchoredOnEventDate;
+  if (!isPlaced(calendar, anchor) || !isPlaced(calendar, range.from) ||
+      !isPlaced(calendar, range.to))
+    return Dates{};
   if (orlfIsBefore(anchor, range.from)) return datesAfter(calendar, events, range);
   if (orlfIsAfter(range.to, anchor)) return datesAround(calendar, events, range);
   return datesBefore(calendar, events, range);
@@ -135,9 +186,10 @@ Dates orlfDatesAtInterval(const NSCalendar& calendar, const ORLFSteppedDates& da
   const NSDate limit = dates.startingWithFirst ? dates.secondDate : dates.firstDate;
   const bool backward = current.compare(limit) == NSOrderedDescending;
   NSInteger step = dates.interval;
-  if (backward && __builtin_sub_overflow(NSInteger{0}, step, &step)) step = NSIntegerMax;
+  if (backward) step = checkedDifference(NSInteger{0}, step).value_or(NSIntegerMax);
 
   Dates list{current};
+  if (!isPlaced(calendar, limit)) return list;
   const auto ahead = backward ? later : earlier;
   for (bool more = true; more;) {
     const auto next = steppedDate(calendar, dates, step, backward, current);

@@ -26,7 +26,9 @@ struct ORLFRepeatingEvents {
 /// The anchor plus every whole number of steps that lies in the range, ascending. nil for a nil
 /// `fromDate`, which fails the condition "fromDate != nil"; a range that runs backward fails
 /// another and is empty. An anchor exactly on an inclusive `toDate`, with an earlier `fromDate`,
-/// gives an empty list: required as it is.
+/// gives an empty list: required as it is. No instant comes twice: where the zone skipped a day,
+/// the event of that day and the one of the day after it are one. Empty too where the calendar
+/// cannot place one of the dates (not a number, infinite, beyond its years).
 [[nodiscard]] std::optional<std::vector<NSDate>> orlfDatesOfEventsRepeatingWithUnit(
     const NSCalendar& calendar, const ORLFRepeatingEvents& events);
 
@@ -45,7 +47,9 @@ struct ORLFSteppedDates {
 
 /// `orlfDatesAtInterval:inAligned:calendarUnit:firstDate:secondDate:startingWithFirst:sortAscending:`
 /// The dates stepped through from one date toward the other, the one that reaches or passes it
-/// included: at least two, even for equal dates. Steps that lead away end after the first.
+/// included: at least two, even for equal dates. Steps that lead away end after the first; steps
+/// into a day that the zone skipped go on to the next that there was. The list has one date where
+/// the calendar cannot place one of the two.
 [[nodiscard]] std::vector<NSDate> orlfDatesAtInterval(const NSCalendar& calendar,
                                                       const ORLFSteppedDates& dates);
 

@@ -52,6 +52,27 @@ TEST_F(ORLFISO8601, ReadsOffsetsAndZ) {
     EXPECT_EQ(orlfDateFromISO8601String(text), date) << text;
 }
 
+TEST_F(ORLFISO8601, ReadsWhiteSpaceAtTheEndAndOtherMarksWidthsAndNames) {
+  const NSDate date = at(*utc_, 2024, 1, 31, 9, 30);
+  for (const char* text :
+       {"2024-01-31T09:30:00Z ", "2024-01-31T09:30:00-0000\t\n", "2024-01-31T09:30:00 -0000",
+        "2024/01/31T09:30:00Z", "2024.1.31T9.30.0Z", "2024-Jan-31T09:30:00Z",
+        "2024-01-31T09:30:00-00:00", "2024-01-31T09:30:00GMT", "2024-1-31T9:30:0Z"})
+    EXPECT_EQ(orlfDateFromISO8601String(text), date) << text;
+}
+
+TEST_F(ORLFISO8601, ReadsBackYearsBeforeTheFirstAsWritten) {
+  setZone("UTC");
+  EXPECT_EQ(orlfISO8601String(at(*utc_, 1, 1, 1)), "0001-01-01T00:00:00+0000");
+  EXPECT_EQ(orlfISO8601String(at(*utc_, 0, 12, 31, 23, 59, 59)), "0000-12-31T23:59:59+0000");
+  EXPECT_EQ(orlfISO8601String(at(*utc_, -43, 3, 15)), "-0043-03-15T00:00:00+0000");
+  for (const int year : {-100000, -9999, -400, -43, -4, -1, 0, 1, 4})
+    for (const int month : {1, 2, 12}) {
+      const NSDate date = at(*utc_, year, month, 28, 1, 2, 3);
+      EXPECT_EQ(orlfDateFromISO8601String(orlfISO8601String(date)), date) << year;
+    }
+}
+
 TEST_F(ORLFISO8601, ReadsZAsMinusZero) {
   EXPECT_EQ(orlfDateFromISO8601String("1999-12-31T23:59:59Z"),
             orlfDateFromISO8601String("1999-12-31T23:59:59-0000"));
@@ -66,8 +87,10 @@ TEST_F(ORLFISO8601, RefusesTextsOfAnotherForm) {
                            "2024-01-31T14:30:00",
                            "2024-01-31T14:30Z",
                            "2024-01-31 14:30:00Z",
+                           "2024-01-31t14:30:00Z",
                            "2024-01-31T14:30:00Zx",
-                           "2024-01-31T14:30:00Z ",
+                           "2024-01-31T14:30:00Z x",
+                           "x2024-01-31T14:30:00Z",
                            "2024-01-31T14:30:00.500Z",
                            "2024-13-01T00:00:00Z",
                            "2024-00-01T00:00:00Z",

@@ -2,6 +2,7 @@
 #include <ORLFoundation/decimal/ORLFDecimalAmount.h>
 
 #include <ORLFoundation/platform/log/LogCapture.h>
+#include <ORLFoundation/platform/number/NSDecimalNumber_testing.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorFile.h>
 
@@ -14,8 +15,6 @@
 namespace ORLFoundation {
 namespace {
 
-using Optional = std::optional<NSDecimalNumber>;
-
 struct AmountCase {
   std::string text;
   std::string value;
@@ -23,7 +22,7 @@ struct AmountCase {
 
 std::string read(std::optional<std::string_view> text) {
   const Optional amount = orlfDecimalNumberWithFormattedString(text);
-  return amount ? amount->stringValue() : "nil";
+  return textOf(amount);
 }
 
 void expectAll(const std::vector<AmountCase>& rows) {

@@ -65,7 +65,10 @@ std::optional<NSDecimalNumber> ORLFDecimalNumberHandler::exceptionDuringOperatio
                                                " and right=" + descriptionOf(rightOperand));
 }
 
-std::shared_ptr<NSObject> ORLFDecimalNumberHandler::copy() { return shared_from_this(); }
+std::shared_ptr<NSObject> ORLFDecimalNumberHandler::copy() {
+  if (auto self = weak_from_this().lock()) return self;
+  return std::make_shared<ORLFDecimalNumberHandler>(fields_);
+}
 
 std::shared_ptr<NSObject> ORLFDecimalNumberHandler::mutableCopy() {
   return std::make_shared<ORLFMutableDecimalNumberHandler>(fields_);

@@ -69,7 +69,8 @@ class ORLFDecimalNumberHandler : public NSObject,
       const std::optional<NSDecimalNumber>& rightOperand) const override;
 
   [[nodiscard]] std::string className() const override { return "ORLFDecimalNumberHandler"; }
-  /// `copyWithZone:` (`NSCopying`)  The receiver itself: it never changes.
+  /// `copyWithZone:` (`NSCopying`)  The receiver itself: it never changes. A new handler with the
+  /// same six values where no shared pointer owns the receiver.
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;
   /// `mutableCopyWithZone:` (`NSMutableCopying`)  A new `ORLFMutableDecimalNumberHandler` with the
   /// same six values.

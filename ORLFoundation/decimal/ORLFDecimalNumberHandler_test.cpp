@@ -2,6 +2,7 @@
 #include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
 
 #include <ORLFoundation/decimal/ORLFMutableDecimalNumberHandler.h>
+#include <ORLFoundation/platform/number/NSDecimalNumber_testing.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 
@@ -11,7 +12,6 @@
 namespace ORLFoundation {
 namespace {
 
-using Optional = std::optional<NSDecimalNumber>;
 using Handler = std::shared_ptr<ORLFDecimalNumberHandler>;
 
 /// A different value in each field, so that none can stand for another.
@@ -26,15 +26,13 @@ Handler handler(const ORLFDecimalNumberHandler::Fields& fields) {
   return ORLFDecimalNumberHandler::decimalNumberHandlerWithRoundingMode(fields);
 }
 
-NSDecimalNumber number(std::string_view text) { return NSDecimalNumber(text); }
-
 /// "nil", the number, or the name and the reason of the exception.
 std::string answerOf(const ORLFDecimalNumberHandler& handler, NSUInteger error,
                      const Optional& left = number("1.50"), const Optional& right = number("-2")) {
   try {
     const Optional answer = handler.exceptionDuringOperation(
         "any", static_cast<NSCalculationError>(error), left, right);
-    return answer ? answer->stringValue() : "nil";
+    return textOf(answer);
   } catch (const NSException& exception) {
     return exception.name() + ": " + exception.reason();
   }
@@ -128,6 +126,14 @@ TEST(ORLFDecimalNumberHandler, RaisesOnLossOfPrecisionInCalculations) {
 TEST(ORLFDecimalNumberHandler, IsItsOwnCopy) {
   const auto made = handler(kFields);
   EXPECT_EQ(made->copy(), made);
+}
+
+TEST(ORLFDecimalNumberHandler, CopiesToAnEqualOneWhereNothingOwnsIt) {
+  ORLFDecimalNumberHandler made(kFields);
+  const auto copy = std::dynamic_pointer_cast<ORLFDecimalNumberHandler>(made.copy());
+  ASSERT_NE(copy, nullptr);
+  EXPECT_NE(copy.get(), &made);
+  expectFields(*copy);
 }
 
 TEST(ORLFDecimalNumberHandler, GivesANewMutableCopyWithTheSameValues) {

@@ -3,6 +3,7 @@
 
 #include <ORLFoundation/decimal/ORLFDecimal.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
+#include <ORLFoundation/platform/number/NSDecimalNumber_testing.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 
@@ -12,10 +13,6 @@
 
 namespace ORLFoundation {
 namespace {
-
-using Optional = std::optional<NSDecimalNumber>;
-
-NSDecimalNumber number(std::string_view text) { return NSDecimalNumber(text); }
 
 const NSDecimalNumberBehaviors* toCents() {
   static const auto handler = ORLFDecimalNumberHandler::decimalNumberHandlerWithRoundingMode(

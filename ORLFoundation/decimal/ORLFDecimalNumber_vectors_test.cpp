@@ -3,7 +3,9 @@
 
 #include <ORLFoundation/decimal/ORLFDecimalAmount.h>
 #include <ORLFoundation/decimal/ORLFDecimalSolver.h>
+#include <ORLFoundation/decimal/ORLFRoundingBehavior.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
+#include <ORLFoundation/platform/number/NSDecimalNumber_testing.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorFile.h>
 
@@ -14,33 +16,17 @@ namespace {
 
 using orlftest::Json;
 using orlftest::TsvRow;
-using Optional = std::optional<NSDecimalNumber>;
 
-/// Rounds as told, ignores loss of precision, answers all else with nil.
-class Rounding : public NSDecimalNumberBehaviors {
- public:
-  Rounding(NSUInteger mode, std::int16_t scale)
-      : mode_(static_cast<NSRoundingMode>(mode)), scale_(scale) {}
-
-  [[nodiscard]] NSRoundingMode roundingMode() const override { return mode_; }
-  [[nodiscard]] std::int16_t scale() const override { return scale_; }
-  [[nodiscard]] bool ignoresLossOfPrecision() const override { return true; }
-  [[nodiscard]] Optional exceptionDuringOperation(std::string_view, NSCalculationError,
-                                                  const Optional&, const Optional&) const override {
-    return std::nullopt;
-  }
-
- private:
-  NSRoundingMode mode_;
-  std::int16_t scale_;
-};
+/// Answers all errors with nil.
+ORLFRoundingBehavior rounding(NSUInteger mode, std::int16_t scale) {
+  return ORLFRoundingBehavior(static_cast<NSRoundingMode>(mode), scale,
+                              ORLFDecimalErrorBehaviorReturnNil);
+}
 
 Optional decimalFrom(const Json& value) {
   if (value.is_null()) return std::nullopt;
   return NSDecimalNumber::decimalNumberWithString(value.get<std::string>());
 }
-
-std::string textOf(const Optional& value) { return value ? value->stringValue() : "nil"; }
 
 std::string compared(const Json& expected, const Optional& actual) {
   return orlftest::disagreement(textOf(decimalFrom(expected)), textOf(actual));
@@ -75,7 +61,7 @@ orlftest::JsonCheck onTwo(Operation operation) {
     const Optional left = decimalFrom(in.at(0));
     const Optional right = decimalFrom(in.at(1));
     if (in.size() == 2) return compared(out, operation(left, right, nullptr));
-    const Rounding behavior(in.at(2).get<NSUInteger>(), in.at(3).get<std::int16_t>());
+    const auto behavior = rounding(in.at(2).get<NSUInteger>(), in.at(3).get<std::int16_t>());
     return compared(out, operation(left, right, &behavior));
   };
 }
@@ -164,8 +150,8 @@ NSDecimalNumber functionOf(const std::string& name, const NSDecimalNumber& x) {
 }
 
 std::string checkSolver(const Json& in, const Json& out) {
-  const Rounding behavior(in.at("roundingMode").get<NSUInteger>(),
-                          in.at("scale").get<std::int16_t>());
+  const auto behavior =
+      rounding(in.at("roundingMode").get<NSUInteger>(), in.at("scale").get<std::int16_t>());
   const NSDecimalNumber target = *decimalFrom(in.at("target"));
   const Json& stopAt = in.at("stopAtCall");
   Json came{{"calls", 0}, {"candidates", Json::array()}, {"result", nullptr}};

@@ -2,16 +2,13 @@
 #include <ORLFoundation/decimal/ORLFDecimalSolver.h>
 
 #include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
+#include <ORLFoundation/platform/number/NSDecimalNumber_testing.h>
 #include <gtest/gtest.h>
 
 #include <string>
 
 namespace ORLFoundation {
 namespace {
-
-using Optional = std::optional<NSDecimalNumber>;
-
-NSDecimalNumber number(std::string_view text) { return NSDecimalNumber(text); }
 
 const NSDecimalNumberBehaviors* places(std::int16_t scale) {
   static const ORLFDecimalNumberHandler cents({.scale = 2});
@@ -35,7 +32,7 @@ Trace trace(const Optional& lower, const Optional& upper, std::string_view targe
         stop = ++calls == stopAtCall;
         return candidate.compare(number(target));
       });
-  made.found = answer ? answer->stringValue() : "nil";
+  made.found = textOf(answer);
   return made;
 }
 
@@ -123,7 +120,7 @@ std::string foundAtRest(NSRoundingMode mode, const RestCase& row) {
         stop = row.stops;
         return row.said;
       });
-  return found ? found->stringValue() : "nil";
+  return textOf(found);
 }
 
 TEST(ORLFDecimalSolver, TakesAMidpointAtRestBeforeItLooksAtTheStop) {

@@ -1,5 +1,6 @@
 #include <ORLFoundation/decimal/ORLFRoundingBehavior.h>
 
+#include <ORLFoundation/platform/number/NSDecimalNumber_testing.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 
@@ -13,12 +14,6 @@
 
 namespace ORLFoundation {
 namespace {
-
-using Optional = std::optional<NSDecimalNumber>;
-
-NSDecimalNumber number(std::string_view text) { return NSDecimalNumber(text); }
-
-std::string textOf(const Optional& value) { return value ? value->stringValue() : "nil"; }
 
 constexpr std::array kModes = {NSRoundPlain, NSRoundDown, NSRoundUp, NSRoundBankers};
 

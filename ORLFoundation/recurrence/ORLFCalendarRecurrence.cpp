@@ -2,6 +2,7 @@
 #include <ORLFoundation/recurrence/ORLFCalendarRecurrence.h>
 
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
+#include <ORLFoundation/platform/time/NSCalendar.h>
 
 namespace ORLFoundation {
 namespace {
@@ -16,8 +17,8 @@ void walk(const ORLFDateRecurrenceRule& rule, const NSCalendar& calendar, NSDate
   rule.enumerateDatesForCalendarStartDate({.calendar = calendar,
                                            .startDate = start,
                                            .backwards = direction.backwards,
-                                           .exactPatternMatch = direction.exact,
-                                           .usingBlock = block});
+                                           .exactPatternMatch = direction.exact},
+                                          block);
 }
 
 /// Walks toward a target, by the exact pattern, and answers the first date for which `reached`
@@ -149,7 +150,7 @@ namespace {
 /// Where the caller's walk begins; nil when the series has no date there.
 std::optional<NSDate> startOfWalk(const NSCalendar& calendar,
                                   const ORLFEnumerateDatesUsingRecurrenceRule& arguments) {
-  const auto& [rule, startDate, backwards, referenceDate, block] = arguments;
+  const auto& [rule, startDate, backwards, referenceDate] = arguments;
   if (!referenceDate) return startDate;
   if (backwards) {
     if (!orlfIsBefore(*referenceDate, startDate)) return referenceDate;
@@ -170,7 +171,8 @@ std::optional<NSDate> startOfWalk(const NSCalendar& calendar,
 }  // namespace
 
 void enumerateDatesUsingRecurrenceRule(const NSCalendar& calendar,
-                                       const ORLFEnumerateDatesUsingRecurrenceRule& arguments) {
+                                       const ORLFEnumerateDatesUsingRecurrenceRule& arguments,
+                                       ORLFDateRecurrenceBlock usingBlock) {
   const std::optional<NSDate> walkStart = startOfWalk(calendar, arguments);
   if (!walkStart) return;
   NSUInteger skipped = 0;
@@ -180,7 +182,7 @@ void enumerateDatesUsingRecurrenceRule(const NSCalendar& calendar,
          const bool onWay = arguments.backwards ? orlfIsOnOrAfter(*walkStart, date)
                                                 : orlfIsOnOrBefore(*walkStart, date);
          if (onWay)
-           arguments.usingBlock(date, index - skipped, stop);
+           usingBlock(date, index - skipped, stop);
          else
            ++skipped;
        });

@@ -2,8 +2,8 @@
 /// after a date, whether a date belongs to the series, and a walk from a date.
 ///
 ///     std::vector<NSDate> dates = datesForRecurrenceRule(
-///         *calendar, {.recurrenceRule = *rule, .fromDate = from, .toDate = to, .referenceDate =
-///         start});
+///         *calendar,
+///         {.recurrenceRule = *rule, .fromDate = from, .toDate = to, .referenceDate = start});
 ///     std::optional<NSDate> next = dateAfterDate(*calendar, date, *rule, 1, start);
 ///
 /// The reference date fixes the phase of the series: a rule says every two weeks, the reference
@@ -11,15 +11,22 @@
 /// enumeration, which first walks from the reference date toward the target and then over it; the
 /// first of these walks matches the reference date's pattern exactly, the second does so only where
 /// it is asked to.
+///
+/// Do not ask about a simple rule whose interval is 0: its series stands still on the reference
+/// date, and a query that waits for a date beyond it, or before it, never returns. Those that the
+/// reference date itself answers do: whether the rule includes it, and the range from and to it. A
+/// rule with lists and an interval of 0 has no dates. An interval below 0 walks away from where it
+/// looks, to the end of the calendar.
 #pragma once
 
-#include <ORLFoundation/platform/time/NSCalendar.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 
 #include <optional>
 #include <vector>
 
 namespace ORLFoundation {
+
+class NSCalendar;
 
 struct ORLFDatesForRecurrenceRule {
   const ORLFDateRecurrenceRule& recurrenceRule;
@@ -47,7 +54,6 @@ struct ORLFEnumerateDatesUsingRecurrenceRule {
   NSDate startDate;
   bool backwards = false;
   std::optional<NSDate> referenceDate = std::nullopt;
-  ORLFDateRecurrenceBlock usingBlock;
 };
 
 /// `datesForRecurrenceRule:fromDate:toDate:referenceDate:inclusive:`
@@ -90,6 +96,7 @@ struct ORLFEnumerateDatesUsingRecurrenceRule {
 /// the series next to the start on its near side: so dates come that lie before the start. This is
 /// required; callers filter.
 void enumerateDatesUsingRecurrenceRule(const NSCalendar& calendar,
-                                       const ORLFEnumerateDatesUsingRecurrenceRule& arguments);
+                                       const ORLFEnumerateDatesUsingRecurrenceRule& arguments,
+                                       ORLFDateRecurrenceBlock usingBlock);
 
 }  // namespace ORLFoundation

@@ -10,15 +10,7 @@
 namespace ORLFoundation {
 namespace {
 
-using orlftest::at;
-using orlftest::calendarIn;
-using orlftest::daysOf;
-using Rule = ORLFDateRecurrenceRule;
-using Days = std::vector<int>;
-
-constexpr auto kMonthly = ORLFDateRecurrenceFrequencyMonthly;
-constexpr auto kWeekly = ORLFDateRecurrenceFrequencyWeekly;
-constexpr auto kYearly = ORLFDateRecurrenceFrequencyYearly;
+using namespace orlftest;
 
 class CalendarRecurrence : public testing::Test {
  protected:
@@ -41,16 +33,16 @@ class CalendarRecurrence : public testing::Test {
                           std::optional<NSDate> reference, std::size_t most,
                           NSUInteger* firstCount = nullptr) const {
     std::vector<NSDate> dates;
-    enumerateDatesUsingRecurrenceRule(
-        *calendar_, {.recurrenceRule = rule,
-                     .startDate = start,
-                     .backwards = backwards,
-                     .referenceDate = reference,
-                     .usingBlock = [&](NSDate date, NSUInteger count, bool& stop) {
-                       if (dates.empty() && firstCount) *firstCount = count;
-                       dates.push_back(date);
-                       stop = dates.size() >= most;
-                     }});
+    enumerateDatesUsingRecurrenceRule(*calendar_,
+                                      {.recurrenceRule = rule,
+                                       .startDate = start,
+                                       .backwards = backwards,
+                                       .referenceDate = reference},
+                                      [&](NSDate date, NSUInteger count, bool& stop) {
+                                        if (dates.empty() && firstCount) *firstCount = count;
+                                        dates.push_back(date);
+                                        stop = dates.size() >= most;
+                                      });
     return daysOf(dates, *calendar_);
   }
 };
@@ -153,6 +145,34 @@ TEST_F(CalendarRecurrence, IncludesDatesToTheSecond) {
   EXPECT_TRUE(includes(day(2023, 6, 16), std::nullopt));
 }
 
+TEST_F(CalendarRecurrence, IncludesDatesThatClampFromTheReferenceDateInEitherDirection) {
+  // Both walks clamp: by the exact pattern February would have no date.
+  EXPECT_TRUE(recurrenceRuleIncludesDate(*calendar_, monthly_, day(2023, 2, 28), day(2023, 1, 31)));
+  EXPECT_TRUE(recurrenceRuleIncludesDate(*calendar_, monthly_, day(2023, 2, 28), day(2023, 3, 31)));
+  EXPECT_FALSE(
+      recurrenceRuleIncludesDate(*calendar_, monthly_, day(2023, 2, 27), day(2023, 3, 31)));
+}
+
+TEST_F(CalendarRecurrence, AnswersARuleWithAnIntervalOfZeroByItsReferenceDateAlone) {
+  const Rule still(kMonthly, 0);
+  const NSDate date = day(2023, 1, 31);
+  EXPECT_EQ(range(still, date, date, date, true), (Days{20230131}));
+  EXPECT_TRUE(recurrenceRuleIncludesDate(*calendar_, still, date, date));
+  EXPECT_EQ(dateAfterDate(*calendar_, date, still, 0, date), date);
+  EXPECT_EQ(walk(still, date, false, date, 3), (Days{20230131, 20230131, 20230131}));
+}
+
+TEST_F(CalendarRecurrence, FindsNothingByARuleWithListsAndAnIntervalOfZero) {
+  const Rule still(
+      Rule::Recurrence{.frequency = kMonthly, .interval = 0, .daysOfTheMonth = {{31}}});
+  const NSDate date = day(2023, 1, 31);
+  EXPECT_TRUE(range(still, date, day(2024, 1, 1), date).empty());
+  EXPECT_FALSE(recurrenceRuleIncludesDate(*calendar_, still, date, date));
+  EXPECT_EQ(dateAfterDate(*calendar_, date, still, 1, date), std::nullopt);
+  EXPECT_EQ(dateBeforeDate(*calendar_, date, still, 1, date), std::nullopt);
+  EXPECT_TRUE(walk(still, date, false, date, 3).empty());
+}
+
 TEST_F(CalendarRecurrence, WalksFromTheStartWithoutAReferenceDate) {
   NSUInteger firstCount = 0;
   EXPECT_EQ(walk(monthly_, day(2023, 1, 31), false, std::nullopt, 2, &firstCount),
@@ -172,6 +192,12 @@ TEST_F(CalendarRecurrence, WalksFromTheDateJustBeforeTheStartWithALaterReference
             (Days{20230315, 20230415, 20230515}));
   EXPECT_EQ(walk(monthly_, day(2023, 4, 10), true, day(2023, 1, 15), 3),
             (Days{20230415, 20230315, 20230215}));
+}
+
+TEST_F(CalendarRecurrence, FindsTheStartBesideALaterReferenceDateByTheExactPattern) {
+  // Without the exact pattern these would begin at 30 April and at 30 April.
+  EXPECT_EQ(walk(monthly_, day(2023, 5, 10), false, day(2023, 5, 31), 1), (Days{20230331}));
+  EXPECT_EQ(walk(monthly_, day(2023, 4, 10), true, day(2023, 1, 31), 1), (Days{20230531}));
 }
 
 TEST_F(CalendarRecurrence, WalksNowhereWhereTheSeriesHasNoDate) {

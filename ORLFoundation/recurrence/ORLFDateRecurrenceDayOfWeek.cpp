@@ -8,6 +8,9 @@
 #include <iterator>
 
 namespace ORLFoundation {
+
+using namespace internal::recurrence;
+
 namespace {
 
 /// From -3 on.
@@ -50,8 +53,8 @@ std::string_view ORLFDateRecurrenceDayOfWeek::stringForWeekNumber(NSInteger week
 const NSKeyTable& ORLFDateRecurrenceDayOfWeek::keyTable() const {
   using Entry = ORLFDateRecurrenceDayOfWeek;
   static const NSKeyTable table(NSObject::keyTable(),
-                                {NSKey::readOnly<&Entry::dayOfTheWeek>(internal::kDayOfTheWeekKey),
-                                 NSKey::readOnly<&Entry::weekNumber>(internal::kWeekNumberKey)});
+                                {NSKey::readOnly<&Entry::dayOfTheWeek>(kDayOfTheWeekKey),
+                                 NSKey::readOnly<&Entry::weekNumber>(kWeekNumberKey)});
   return table;
 }
 
@@ -63,9 +66,19 @@ bool ORLFDateRecurrenceDayOfWeek::isEqual(const NSObject* other) const {
 }
 
 NSUInteger ORLFDateRecurrenceDayOfWeek::hash() const {
-  return static_cast<NSUInteger>(internal::wrappedSum(dayOfTheWeek_, weekNumber_));
+  return static_cast<NSUInteger>(wrappedSum(dayOfTheWeek_, weekNumber_));
 }
 
-std::shared_ptr<NSObject> ORLFDateRecurrenceDayOfWeek::copy() { return shared_from_this(); }
+std::shared_ptr<NSObject> ORLFDateRecurrenceDayOfWeek::copy() {
+  if (auto self = weak_from_this().lock()) return self;
+  auto copy = newObjectAs<ORLFDateRecurrenceDayOfWeek>();
+  copy->dayOfTheWeek_ = dayOfTheWeek_;
+  copy->weekNumber_ = weekNumber_;
+  return copy;
+}
+
+std::shared_ptr<NSObject> ORLFDateRecurrenceDayOfWeek::newObjectOfReceiversClass() const {
+  return std::make_shared<ORLFDateRecurrenceDayOfWeek>(dayOfTheWeek_, weekNumber_);
+}
 
 }  // namespace ORLFoundation

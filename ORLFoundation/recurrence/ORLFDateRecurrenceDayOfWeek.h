@@ -3,7 +3,7 @@
 ///     std::make_shared<ORLFDateRecurrenceDayOfWeek>(3, 2);  // the second Tuesday
 #pragma once
 
-#include <ORLFoundation/platform/archive/NSCoder.h>
+#include <ORLFoundation/platform/archive/NSSecureCoding.h>
 #include <ORLFoundation/platform/object/NSObject.h>
 
 #include <memory>
@@ -37,7 +37,7 @@ class ORLFDateRecurrenceDayOfWeek : public NSObject, public NSSecureCoding {
   /// `isEqual:`  An entry with equal fields.
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
   [[nodiscard]] NSUInteger hash() const override;
-  /// `copyWithZone:`  The receiver.
+  /// `copyWithZone:`  The receiver; for one on the stack, a new equal entry of its class.
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;
 
   /// `encodeWithCoder:`, `initWithCoder:`  Under "dayOfTheWeek" and "weekNumber".
@@ -46,6 +46,9 @@ class ORLFDateRecurrenceDayOfWeek : public NSObject, public NSSecureCoding {
   [[nodiscard]] static bool supportsSecureCoding() noexcept { return true; }
   [[nodiscard]] static const NSCodingClass& codingClass();
   [[nodiscard]] const NSCodingClass& classForCoder() const override { return codingClass(); }
+
+ protected:
+  [[nodiscard]] std::shared_ptr<NSObject> newObjectOfReceiversClass() const override;
 
  private:
   NSInteger dayOfTheWeek_;

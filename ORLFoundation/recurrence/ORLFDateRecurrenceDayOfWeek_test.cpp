@@ -66,6 +66,24 @@ TEST(ORLFDateRecurrenceDayOfWeek, CopiesToItself) {
   EXPECT_EQ(copyOf(day), day);
 }
 
+TEST(ORLFDateRecurrenceDayOfWeek, CopiesOneOnTheStackToAnEqualEntryOfItsClass) {
+  class Holiday final : public DayOfWeek {
+   public:
+    using DayOfWeek::DayOfWeek;
+    [[nodiscard]] std::string className() const override { return "Holiday"; }
+
+   protected:
+    [[nodiscard]] std::shared_ptr<NSObject> newObjectOfReceiversClass() const override {
+      return std::make_shared<Holiday>(1);
+    }
+  };
+  Holiday holiday(3, 2);
+  EXPECT_EQ(holiday.copy()->className(), "Holiday");
+  EXPECT_TRUE(holiday.copy()->isEqual(&holiday));
+  DayOfWeek day(3, 2);
+  EXPECT_TRUE(day.copy()->isEqual(&day));
+}
+
 TEST(ORLFDateRecurrenceDayOfWeek, IsReadByKey) {
   const auto day = std::make_shared<DayOfWeek>(3, 2);
   EXPECT_EQ(day->className(), "ORLFDateRecurrenceDayOfWeek");

@@ -8,6 +8,8 @@
 
 namespace ORLFoundation {
 
+using namespace internal::recurrence;
+
 ORLFDateRecurrenceEnd::ORLFDateRecurrenceEnd(std::optional<NSDate> endDate,
                                              NSUInteger occurrenceCount)
     : endDate_(endDate), occurrenceCount_(occurrenceCount) {}
@@ -23,11 +25,11 @@ std::shared_ptr<ORLFDateRecurrenceEnd> ORLFDateRecurrenceEnd::initEndWithOccurre
 }
 
 void ORLFDateRecurrenceEnd::setEndDate(std::optional<NSDate> endDate) {
-  changeValue(internal::kEndDateKey, [&] { endDate_ = endDate; });
+  changeValue(kEndDateKey, [&] { endDate_ = endDate; });
 }
 
 void ORLFDateRecurrenceEnd::setOccurrenceCount(NSUInteger occurrenceCount) {
-  changeValue(internal::kOccurrenceCountKey, [&] { occurrenceCount_ = occurrenceCount; });
+  changeValue(kOccurrenceCountKey, [&] { occurrenceCount_ = occurrenceCount; });
 }
 
 bool ORLFDateRecurrenceEnd::shouldEndForDate(std::optional<NSDate> date, NSInteger count,
@@ -43,9 +45,8 @@ const NSKeyTable& ORLFDateRecurrenceEnd::keyTable() const {
   using End = ORLFDateRecurrenceEnd;
   static const NSKeyTable table(
       NSObject::keyTable(),
-      {NSKey::readWrite<&End::endDate, &End::setEndDate>(internal::kEndDateKey),
-       NSKey::readWrite<&End::occurrenceCount, &End::setOccurrenceCount>(
-           internal::kOccurrenceCountKey)});
+      {NSKey::readWrite<&End::endDate, &End::setEndDate>(kEndDateKey),
+       NSKey::readWrite<&End::occurrenceCount, &End::setOccurrenceCount>(kOccurrenceCountKey)});
   return table;
 }
 
@@ -62,6 +63,16 @@ NSUInteger ORLFDateRecurrenceEnd::hash() const {
   return endDate_ ? endDate_->hash() : occurrenceCount_;
 }
 
-std::shared_ptr<NSObject> ORLFDateRecurrenceEnd::copy() { return shared_from_this(); }
+std::shared_ptr<NSObject> ORLFDateRecurrenceEnd::copy() {
+  if (auto self = weak_from_this().lock()) return self;
+  auto copy = newObjectAs<ORLFDateRecurrenceEnd>();
+  copy->endDate_ = endDate_;
+  copy->occurrenceCount_ = occurrenceCount_;
+  return copy;
+}
+
+std::shared_ptr<NSObject> ORLFDateRecurrenceEnd::newObjectOfReceiversClass() const {
+  return std::make_shared<ORLFDateRecurrenceEnd>(endDate_, occurrenceCount_);
+}
 
 }  // namespace ORLFoundation

@@ -2,7 +2,7 @@
 /// dates. The end date decides which of the two it is; there is no other mark.
 #pragma once
 
-#include <ORLFoundation/platform/archive/NSCoder.h>
+#include <ORLFoundation/platform/archive/NSSecureCoding.h>
 #include <ORLFoundation/platform/object/NSObject.h>
 #include <ORLFoundation/platform/value/NSDate.h>
 
@@ -40,7 +40,8 @@ class ORLFDateRecurrenceEnd : public NSObject, public NSSecureCoding {
   /// equals an end by any date, though not the other way round. This lopsided test is required.
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
   [[nodiscard]] NSUInteger hash() const override;
-  /// `copyWithZone:`  The receiver, although it has setters.
+  /// `copyWithZone:`  The receiver, although it has setters; for one on the stack, a new equal end
+  /// of its class.
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;
 
   /// `encodeWithCoder:`, `initWithCoder:`  Under "endDate", which may be missing, and
@@ -53,6 +54,9 @@ class ORLFDateRecurrenceEnd : public NSObject, public NSSecureCoding {
 
   /// Use the two named operations above.
   ORLFDateRecurrenceEnd(std::optional<NSDate> endDate, NSUInteger occurrenceCount);
+
+ protected:
+  [[nodiscard]] std::shared_ptr<NSObject> newObjectOfReceiversClass() const override;
 
  private:
   std::optional<NSDate> endDate_;

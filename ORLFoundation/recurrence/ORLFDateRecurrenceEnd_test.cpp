@@ -83,6 +83,26 @@ TEST(ORLFDateRecurrenceEnd, CopiesToItselfAlthoughItHasSetters) {
   EXPECT_EQ(copy->endDate(), at(1));
 }
 
+TEST(ORLFDateRecurrenceEnd, CopiesOneOnTheStackToAnEqualEndOfItsClass) {
+  class Deadline final : public End {
+   public:
+    using End::End;
+    [[nodiscard]] std::string className() const override { return "Deadline"; }
+
+   protected:
+    [[nodiscard]] std::shared_ptr<NSObject> newObjectOfReceiversClass() const override {
+      return std::make_shared<Deadline>(std::nullopt, 1);
+    }
+  };
+  Deadline deadline(at(5), 7);
+  const auto copy = std::dynamic_pointer_cast<Deadline>(deadline.copy());
+  ASSERT_TRUE(copy);
+  EXPECT_TRUE(copy->isEqual(&deadline));
+  EXPECT_EQ(copy->occurrenceCount(), 7U);
+  End end(std::nullopt, 3);
+  EXPECT_TRUE(end.copy()->isEqual(&end));
+}
+
 TEST(ORLFDateRecurrenceEnd, IsReadAndSetByKey) {
   const auto end = End::initEndWithOccurrenceCount(7);
   EXPECT_EQ(end->className(), "ORLFDateRecurrenceEnd");

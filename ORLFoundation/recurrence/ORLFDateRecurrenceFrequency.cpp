@@ -2,27 +2,16 @@
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceFrequency.h>
 
 #include <ORLFoundation/platform/log/ORLFFatalError.h>
+#include <ORLFoundation/recurrence/ORLFFrequencyFacts.h>
 
 namespace ORLFoundation {
+
+using namespace internal::recurrence;
+
 namespace {
 
-struct FrequencyWords {
-  ORLFDateRecurrenceFrequency frequency;
-  NSInteger countInYear;
-  std::string_view description;
-};
-
-constexpr FrequencyWords kFrequencies[] = {
-    {ORLFDateRecurrenceFrequencyYearly, 1, "yearly"},
-    {ORLFDateRecurrenceFrequencyMonthly, 12, "monthly"},
-    {ORLFDateRecurrenceFrequencyDaily, 365, "daily"},
-    {ORLFDateRecurrenceFrequencyQuarterly, 4, "quarterly"},
-    {ORLFDateRecurrenceFrequencyWeekly, 52, "weekly"},
-};
-
-const FrequencyWords& wordsOf(ORLFDateRecurrenceFrequency frequency) {
-  for (const FrequencyWords& words : kFrequencies)
-    if (words.frequency == frequency) return words;
+const ORLFFrequencyFacts& factsOrStop(ORLFDateRecurrenceFrequency frequency) {
+  if (const ORLFFrequencyFacts* const facts = factsOf(frequency)) return *facts;
   constexpr int kLine = 28;  // readers of crash reports know the place by this number
   ORLFFatalError("Fatal error", "ORLFoundation/DateRecurrenceRule", kLine);
 }
@@ -30,11 +19,11 @@ const FrequencyWords& wordsOf(ORLFDateRecurrenceFrequency frequency) {
 }  // namespace
 
 NSInteger countInYear(ORLFDateRecurrenceFrequency frequency) {
-  return wordsOf(frequency).countInYear;
+  return factsOrStop(frequency).countInYear;
 }
 
 std::string_view description(ORLFDateRecurrenceFrequency frequency) {
-  return wordsOf(frequency).description;
+  return factsOrStop(frequency).description;
 }
 
 bool operator<(ORLFDateRecurrenceFrequency left, ORLFDateRecurrenceFrequency right) {

@@ -2,39 +2,26 @@
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 
 #include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
+#include <ORLFoundation/platform/base/CheckedArithmetic.h>
 #include <ORLFoundation/platform/object/NSKeyTable.h>
-#include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
+#include <ORLFoundation/platform/time/NSCalendar.h>
+#include <ORLFoundation/recurrence/ORLFFrequencyFacts.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceKeys.h>
 
 #include <typeinfo>
 
 namespace ORLFoundation {
+
+using namespace internal::recurrence;
+
 namespace {
 
-struct PeriodWords {
-  ORLFDateRecurrenceFrequency frequency;
-  double perYear;
-  const char* word;
-};
+/// No periods a year and no word for a frequency outside the enumeration.
+constexpr ORLFFrequencyFacts kUnknown = {{}, 0, 0.0, "", ""};
 
-constexpr PeriodWords kPeriods[] = {
-    {ORLFDateRecurrenceFrequencyYearly, 1.0, "year"},
-    {ORLFDateRecurrenceFrequencyMonthly, 12.0, "month"},
-    {ORLFDateRecurrenceFrequencyDaily, 365.0, "day"},
-    {ORLFDateRecurrenceFrequencyQuarterly, 4.0, "quarter"},
-    {ORLFDateRecurrenceFrequencyWeekly, 26.0, "week"},  // half of `countInYear`: required
-};
-
-constexpr PeriodWords kUnknownPeriod = {ORLFDateRecurrenceFrequency{}, 0.0, ""};
-
-const PeriodWords& wordsOf(ORLFDateRecurrenceFrequency frequency) noexcept {
-  for (const PeriodWords& words : kPeriods)
-    if (words.frequency == frequency) return words;
-  return kUnknownPeriod;
-}
-
-NSCalendarUnit unitOf(const ORLFDateRecurrencePeriod& period) noexcept {
-  return static_cast<NSCalendarUnit>(period.frequency());
+const ORLFFrequencyFacts& factsOrNone(ORLFDateRecurrenceFrequency frequency) noexcept {
+  const ORLFFrequencyFacts* const facts = factsOf(frequency);
+  return facts ? *facts : kUnknown;
 }
 
 }  // namespace
@@ -44,15 +31,15 @@ ORLFDateRecurrencePeriod::ORLFDateRecurrencePeriod(ORLFDateRecurrenceFrequency f
     : frequency_(frequency), interval_(interval) {}
 
 void ORLFDateRecurrencePeriod::setFrequency(ORLFDateRecurrenceFrequency frequency) {
-  changeValue(internal::kFrequencyKey, [&] { frequency_ = frequency; });
+  changeValue(kFrequencyKey, [&] { frequency_ = frequency; });
 }
 
 void ORLFDateRecurrencePeriod::setInterval(NSInteger interval) {
-  changeValue(internal::kIntervalKey, [&] { interval_ = interval; });
+  changeValue(kIntervalKey, [&] { interval_ = interval; });
 }
 
 double ORLFDateRecurrencePeriod::frequencyPerYear() const noexcept {
-  return wordsOf(frequency_).perYear / static_cast<double>(interval_);
+  return factsOrNone(frequency_).perYear / static_cast<double>(interval_);
 }
 
 bool ORLFDateRecurrencePeriod::isEqualToRecurrencePeriod(
@@ -64,10 +51,10 @@ const NSKeyTable& ORLFDateRecurrencePeriod::keyTable() const {
   using Period = ORLFDateRecurrencePeriod;
   static const NSKeyTable table(
       NSObject::keyTable(),
-      {NSKey::readWrite<&Period::frequency, &Period::setFrequency>(internal::kFrequencyKey),
-       NSKey::readWrite<&Period::interval, &Period::setInterval>(internal::kIntervalKey),
-       NSKey::readOnly<&Period::frequencyPerYear>(
-           "frequencyPerYear", {internal::kFrequencyKey, internal::kIntervalKey})});
+      {NSKey::readWrite<&Period::frequency, &Period::setFrequency>(kFrequencyKey),
+       NSKey::readWrite<&Period::interval, &Period::setInterval>(kIntervalKey),
+       NSKey::readOnly<&Period::frequencyPerYear>("frequencyPerYear",
+                                                  {kFrequencyKey, kIntervalKey})});
   return table;
 }
 
@@ -84,12 +71,20 @@ NSUInteger ORLFDateRecurrencePeriod::hash() const {
 }
 
 std::string ORLFDateRecurrencePeriod::description() const {
-  return std::to_string(interval_) + " " + wordsOf(frequency_).word;
+  return std::to_string(interval_).append(" ").append(factsOrNone(frequency_).word);
 }
 
 std::shared_ptr<NSObject> ORLFDateRecurrencePeriod::copy() {
   const NSObject& receiver = *this;
-  if (typeid(receiver) == typeid(ORLFDateRecurrencePeriod)) return shared_from_this();
+  if (typeid(receiver) == typeid(ORLFDateRecurrencePeriod))
+    if (auto self = weak_from_this().lock()) return self;
+  auto copy = newObjectAs<ORLFDateRecurrencePeriod>();
+  copy->frequency_ = frequency_;
+  copy->interval_ = interval_;
+  return copy;
+}
+
+std::shared_ptr<NSObject> ORLFDateRecurrencePeriod::newObjectOfReceiversClass() const {
   return std::make_shared<ORLFDateRecurrencePeriod>(frequency_, interval_);
 }
 
@@ -97,9 +92,9 @@ std::optional<NSDate> dateByAddingRecurrencePeriod(const NSCalendar& calendar,
                                                    const ORLFDateRecurrencePeriod& period,
                                                    NSInteger value, NSDate toDate,
                                                    NSUInteger options) noexcept {
-  const std::optional<NSInteger> units = internal::product(value, period.interval());
+  const std::optional<NSInteger> units = internal::base::checkedProduct(value, period.interval());
   if (!units) return std::nullopt;
-  return calendar.dateByAddingUnit(unitOf(period), *units, toDate, options);
+  return calendar.dateByAddingUnit(unitOf(period.frequency()), *units, toDate, options);
 }
 
 NSInteger intervalInRecurrencePeriod(const NSCalendar& calendar,
@@ -107,14 +102,15 @@ NSInteger intervalInRecurrencePeriod(const NSCalendar& calendar,
                                      NSDate toDate) noexcept {
   const NSInteger interval = period.interval();
   if (interval == 0) return 0;
-  const NSInteger units = orlfIntervalInCalendarUnit(calendar, unitOf(period), fromDate, toDate);
+  const NSInteger units =
+      orlfIntervalInCalendarUnit(calendar, unitOf(period.frequency()), fromDate, toDate);
   return interval == -1 ? static_cast<NSInteger>(-static_cast<NSUInteger>(units))
                         : units / interval;
 }
 
 double countInRecurrencePeriod(const NSCalendar& calendar, const ORLFDateRecurrencePeriod& period,
                                NSDate fromDate, NSDate toDate) {
-  return orlfCountOfCalendarUnit(calendar, unitOf(period), fromDate, toDate) /
+  return orlfCountOfCalendarUnit(calendar, unitOf(period.frequency()), fromDate, toDate) /
          static_cast<double>(period.interval());
 }
 

@@ -1,14 +1,15 @@
 /// A frequency with an interval: every 2 months, every 3 weeks. It is what a schedule of payments
 /// or of compounding stores.
 ///
-///     auto period = std::make_shared<ORLFDateRecurrencePeriod>(ORLFDateRecurrenceFrequencyMonthly,
-///     2); period->frequencyPerYear();  // 6 dateByAddingRecurrencePeriod(calendar, *period, 3,
-///     date, 0);  // six months later
+///     const auto period =
+///         std::make_shared<ORLFDateRecurrencePeriod>(ORLFDateRecurrenceFrequencyMonthly, 2);
+///     period->frequencyPerYear();                                // 6
+///     dateByAddingRecurrencePeriod(*calendar, *period, 3, date, 0);  // six months later
 #pragma once
 
-#include <ORLFoundation/platform/archive/NSCoder.h>
+#include <ORLFoundation/platform/archive/NSSecureCoding.h>
 #include <ORLFoundation/platform/object/NSObject.h>
-#include <ORLFoundation/platform/time/NSCalendar.h>
+#include <ORLFoundation/platform/value/NSDate.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceFrequency.h>
 
 #include <memory>
@@ -16,6 +17,8 @@
 #include <string>
 
 namespace ORLFoundation {
+
+class NSCalendar;
 
 class ORLFDateRecurrencePeriod : public NSObject, public NSSecureCoding {
  public:
@@ -45,7 +48,8 @@ class ORLFDateRecurrencePeriod : public NSObject, public NSSecureCoding {
   [[nodiscard]] NSUInteger hash() const override;
   /// `description`  "2 month": no plural, and no word for a frequency outside the enumeration.
   [[nodiscard]] std::string description() const override;
-  /// `copyWithZone:`  The receiver itself, although it has setters; a new period for a subclass.
+  /// `copyWithZone:`  The receiver itself, although it has setters; for a subclass, and for a
+  /// period on the stack, a new one of the receiver's class.
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;
 
   /// `encodeWithCoder:`, `initWithCoder:`  Under "frequency" and "interval", whatever
@@ -55,6 +59,9 @@ class ORLFDateRecurrencePeriod : public NSObject, public NSSecureCoding {
   [[nodiscard]] static bool supportsSecureCoding() noexcept { return true; }
   [[nodiscard]] static const NSCodingClass& codingClass();
   [[nodiscard]] const NSCodingClass& classForCoder() const override { return codingClass(); }
+
+ protected:
+  [[nodiscard]] std::shared_ptr<NSObject> newObjectOfReceiversClass() const override;
 
  private:
   ORLFDateRecurrenceFrequency frequency_;

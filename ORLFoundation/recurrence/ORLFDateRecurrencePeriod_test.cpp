@@ -1,9 +1,9 @@
 
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 
-#include <ORLFoundation/calendar/ORLFCalendar_testing.h>
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/object/NSKeyValueObserving.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrence_testing.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -11,10 +11,7 @@
 namespace ORLFoundation {
 namespace {
 
-using orlftest::at;
-using orlftest::calendarIn;
-
-constexpr auto kHourly = static_cast<ORLFDateRecurrenceFrequency>(32);
+using namespace orlftest;
 
 std::shared_ptr<ORLFDateRecurrencePeriod> every(NSInteger interval,
                                                 ORLFDateRecurrenceFrequency frequency) {
@@ -67,8 +64,15 @@ TEST(ORLFDateRecurrencePeriod, HashesFrequencyAndShiftedInterval) {
             NSUInteger{8} + (~NSUInteger{0} << 16));
 }
 
-class SpecialPeriod : public ORLFDateRecurrencePeriod {
+class SpecialPeriod final : public ORLFDateRecurrencePeriod {
+ public:
   using ORLFDateRecurrencePeriod::ORLFDateRecurrencePeriod;
+  [[nodiscard]] std::string className() const override { return "SpecialPeriod"; }
+
+ protected:
+  [[nodiscard]] std::shared_ptr<NSObject> newObjectOfReceiversClass() const override {
+    return std::make_shared<SpecialPeriod>(kYearly, 1);
+  }
 };
 
 TEST(ORLFDateRecurrencePeriod, CopiesToItselfAlthoughItHasSetters) {
@@ -81,11 +85,31 @@ TEST(ORLFDateRecurrencePeriod, CopiesToItselfAlthoughItHasSetters) {
   EXPECT_EQ(copy->frequency(), ORLFDateRecurrenceFrequencyDaily);
 }
 
-TEST(ORLFDateRecurrencePeriod, CopiesASubclassToANewPeriod) {
-  const auto special = std::make_shared<SpecialPeriod>(ORLFDateRecurrenceFrequencyWeekly, 4);
+TEST(ORLFDateRecurrencePeriod, CopiesASubclassToANewPeriodOfItsClass) {
+  const auto special = std::make_shared<SpecialPeriod>(kWeekly, 4);
   const auto copy = special->copy();
   EXPECT_NE(copy, special);
   EXPECT_TRUE(special->isEqual(copy.get()));
+  EXPECT_EQ(copy->className(), "SpecialPeriod");
+}
+
+TEST(ORLFDateRecurrencePeriod, CopiesOneOnTheStackToAnEqualPeriod) {
+  ORLFDateRecurrencePeriod period(kWeekly, 4);
+  EXPECT_TRUE(period.copy()->isEqual(&period));
+}
+
+TEST(ORLFDateRecurrencePeriod, HandsItsOptionsToTheCalendarWhateverTheirBits) {
+  const auto calendar = calendarIn("America/New_York");
+  const NSDate start = at(*calendar, 2024, 1, 31, 9, 30);
+  const auto period = every(1, kMonthly);
+  for (const NSUInteger options :
+       {NSUInteger{0}, NSUInteger{1}, NSUInteger{6}, NSUInteger{1} << 63, ~NSUInteger{0}})
+    EXPECT_EQ(dateByAddingRecurrencePeriod(*calendar, *period, 1, start, options),
+              calendar->dateByAddingUnit(NSCalendarUnitMonth, 1, start, options))
+        << options;
+  // Wrapping keeps to the year.
+  EXPECT_EQ(dateByAddingRecurrencePeriod(*calendar, *period, 12, start, NSCalendarWrapComponents),
+            start);
 }
 
 TEST(ORLFDateRecurrencePeriod, IsReadSetAndObservedByKey) {

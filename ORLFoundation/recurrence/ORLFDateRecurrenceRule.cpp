@@ -9,6 +9,9 @@
 #include <utility>
 
 namespace ORLFoundation {
+
+using namespace internal::recurrence;
+
 namespace {
 
 using Rule = ORLFDateRecurrenceRule;
@@ -18,18 +21,24 @@ void dropWhenEmpty(List& list) {
   if (list && list->empty()) list.reset();
 }
 
+/// Lists hold no nil.
+Rule::Recurrence withoutNil(Rule::Recurrence fields) {
+  if (auto& days = fields.daysOfTheWeek)
+    days->erase(std::remove(days->begin(), days->end(), nullptr), days->end());
+  return fields;
+}
+
 NSInteger normalizedAnchor(NSInteger anchor, NSInteger interval) {
-  if (anchor < 0) return internal::wrappedSum(internal::wrappedSum(interval, anchor), 1);
+  if (anchor < 0) return wrappedSum(wrappedSum(interval, anchor), 1);
   if (anchor == 0) return interval;
-  return internal::remainder(anchor - 1, interval) + 1;
+  return remainder(anchor - 1, interval) + 1;
 }
 
 bool equalLists(const Rule::DaysOfTheWeek& left, const Rule::DaysOfTheWeek& right) {
   if (!left || !right) return left.has_value() == right.has_value();
-  return std::equal(left->begin(), left->end(), right->begin(), right->end(),
-                    [](const auto& one, const auto& other) {
-                      return one == other || (one && one->isEqual(other.get()));
-                    });
+  return std::equal(
+      left->begin(), left->end(), right->begin(), right->end(),
+      [](const auto& one, const auto& other) { return one == other || one->isEqual(other.get()); });
 }
 
 /// A list's hash is its length, nil's is 0.
@@ -56,7 +65,7 @@ ORLFDateRecurrenceRule::ORLFDateRecurrenceRule(ORLFDateRecurrenceFrequency frequ
     : fields_{.frequency = frequency, .interval = interval, .anchorIndex = interval} {}
 
 ORLFDateRecurrenceRule::ORLFDateRecurrenceRule(Recurrence recurrence)
-    : fields_(std::move(recurrence)) {
+    : fields_(withoutNil(std::move(recurrence))) {
   dropWhenEmpty(fields_.daysOfTheWeek);
   dropWhenEmpty(fields_.daysOfTheMonth);
   dropWhenEmpty(fields_.monthsOfTheYear);
@@ -68,16 +77,16 @@ ORLFDateRecurrenceRule::ORLFDateRecurrenceRule(Recurrence recurrence)
 
 std::shared_ptr<ORLFDateRecurrenceRule> ORLFDateRecurrenceRule::ruleWithFields(Recurrence fields) {
   auto rule = std::make_shared<ORLFDateRecurrenceRule>(fields.frequency, fields.interval);
-  rule->fields_ = std::move(fields);
+  rule->fields_ = withoutNil(std::move(fields));
   return rule;
 }
 
 void ORLFDateRecurrenceRule::setAnchorIndex(NSInteger anchorIndex) {
-  changeValue(internal::kAnchorIndexKey, [&] { fields_.anchorIndex = anchorIndex; });
+  changeValue(kAnchorIndexKey, [&] { fields_.anchorIndex = anchorIndex; });
 }
 
 void ORLFDateRecurrenceRule::setAbsolute(bool absolute) {
-  changeValue(internal::kAbsoluteKey, [&] { fields_.absolute = absolute; });
+  changeValue(kAbsoluteKey, [&] { fields_.absolute = absolute; });
 }
 
 bool ORLFDateRecurrenceRule::isSimpleRecurrence() const noexcept {
@@ -86,23 +95,33 @@ bool ORLFDateRecurrenceRule::isSimpleRecurrence() const noexcept {
 }
 
 std::shared_ptr<ORLFDateRecurrenceRule> ORLFDateRecurrenceRule::copySimpleRecurrence() {
-  if (isSimpleRecurrence()) return std::static_pointer_cast<Rule>(shared_from_this());
-  return std::make_shared<Rule>(fields_.frequency, fields_.interval);
+  if (isSimpleRecurrence()) return receiver();
+  auto simple = newObjectAs<Rule>();
+  simple->fields_ = {.frequency = fields_.frequency,
+                     .interval = fields_.interval,
+                     .anchorIndex = fields_.interval};
+  return simple;
+}
+
+/// The receiver as its owners hold it; for a rule on the stack, which nobody else holds, a copy.
+std::shared_ptr<ORLFDateRecurrenceRule> ORLFDateRecurrenceRule::receiver() {
+  const auto self = weak_from_this().lock();
+  return std::static_pointer_cast<Rule>(self ? self : copy());
 }
 
 const NSKeyTable& ORLFDateRecurrenceRule::keyTable() const {
   static const NSKeyTable table(
       NSObject::keyTable(),
-      {NSKey::readOnly<&Rule::frequency>(internal::kFrequencyKey),
-       NSKey::readOnly<&Rule::interval>(internal::kIntervalKey),
-       NSKey::readWrite<&Rule::anchorIndex, &Rule::setAnchorIndex>(internal::kAnchorIndexKey),
-       NSKey::readWrite<&Rule::absolute, &Rule::setAbsolute>(internal::kAbsoluteKey),
-       listKey<&Rule::daysOfTheWeek>(internal::kDaysOfTheWeekKey),
-       listKey<&Rule::daysOfTheMonth>(internal::kDaysOfTheMonthKey),
-       listKey<&Rule::monthsOfTheYear>(internal::kMonthsOfTheYearKey),
-       listKey<&Rule::weeksOfTheYear>(internal::kWeeksOfTheYearKey),
-       listKey<&Rule::daysOfTheYear>(internal::kDaysOfTheYearKey),
-       listKey<&Rule::setPositions>(internal::kSetPositionsKey)});
+      {NSKey::readOnly<&Rule::frequency>(kFrequencyKey),
+       NSKey::readOnly<&Rule::interval>(kIntervalKey),
+       NSKey::readWrite<&Rule::anchorIndex, &Rule::setAnchorIndex>(kAnchorIndexKey),
+       NSKey::readWrite<&Rule::absolute, &Rule::setAbsolute>(kAbsoluteKey),
+       listKey<&Rule::daysOfTheWeek>(kDaysOfTheWeekKey),
+       listKey<&Rule::daysOfTheMonth>(kDaysOfTheMonthKey),
+       listKey<&Rule::monthsOfTheYear>(kMonthsOfTheYearKey),
+       listKey<&Rule::weeksOfTheYear>(kWeeksOfTheYearKey),
+       listKey<&Rule::daysOfTheYear>(kDaysOfTheYearKey),
+       listKey<&Rule::setPositions>(kSetPositionsKey)});
   return table;
 }
 
@@ -130,6 +149,14 @@ NSUInteger ORLFDateRecurrenceRule::hash() const {
          hashOf(fields_.setPositions);
 }
 
-std::shared_ptr<NSObject> ORLFDateRecurrenceRule::copy() { return ruleWithFields(fields_); }
+std::shared_ptr<NSObject> ORLFDateRecurrenceRule::copy() {
+  auto copy = newObjectAs<Rule>();
+  copy->fields_ = fields_;
+  return copy;
+}
+
+std::shared_ptr<NSObject> ORLFDateRecurrenceRule::newObjectOfReceiversClass() const {
+  return std::make_shared<Rule>(fields_.frequency, fields_.interval);
+}
 
 }  // namespace ORLFoundation

@@ -2,22 +2,21 @@
 /// multiply the dates within each period. A rule holds no calendar; the calendar that an operation
 /// is given decides what the dates are.
 ///
-///     auto rule = std::make_shared<ORLFDateRecurrenceRule>(ORLFDateRecurrenceRule::Recurrence{
+///     const auto rule =
+///     std::make_shared<ORLFDateRecurrenceRule>(ORLFDateRecurrenceRule::Recurrence{
 ///         .frequency = ORLFDateRecurrenceFrequencyMonthly, .daysOfTheMonth = {{1, 15}}});
 ///     rule->enumerateDatesForCalendarStartDate(
 ///         {.calendar = *calendar,
 ///          .startDate = start,
-///          .end = ORLFDateRecurrenceEnd::initEndWithOccurrenceCount(12),
-///          .usingBlock = [&](NSDate date, NSUInteger count, bool& stop) { dates.push_back(date);
-///          }});
+///          .end = ORLFDateRecurrenceEnd::initEndWithOccurrenceCount(12)},
+///         [&](NSDate date, NSUInteger, bool&) { dates.push_back(date); });
 ///
 /// Rules are shared freely between threads. ORLFCalendarRecurrence.h asks the questions that most
 /// callers have: the dates in a range, the next date, whether a date belongs to the rule.
 #pragma once
 
-#include <ORLFoundation/platform/archive/NSCoder.h>
+#include <ORLFoundation/platform/archive/NSSecureCoding.h>
 #include <ORLFoundation/platform/object/NSObject.h>
-#include <ORLFoundation/platform/time/NSCalendar.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceBlock.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceDayOfWeek.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceEnd.h>
@@ -31,6 +30,9 @@
 
 namespace ORLFoundation {
 
+class NSCalendar;
+class NSDateComponents;
+
 class ORLFDateRecurrenceRule : public NSObject, public NSSecureCoding {
  public:
   using Integers = std::optional<std::vector<NSInteger>>;
@@ -38,7 +40,8 @@ class ORLFDateRecurrenceRule : public NSObject, public NSSecureCoding {
   /// Patterns of dates: sets of calendar fields, in order.
   using WorkingSet = std::vector<NSDateComponents>;
 
-  /// The ten fields of a rule, in the order of the full initializer. Each list may be nil.
+  /// The ten fields of a rule, in the order of the full initializer. Each list may be nil; its
+  /// members are not, and null ones are left out.
   struct Recurrence {
     ORLFDateRecurrenceFrequency frequency = ORLFDateRecurrenceFrequencyMonthly;
     NSInteger interval = 1;
@@ -56,22 +59,20 @@ class ORLFDateRecurrenceRule : public NSObject, public NSSecureCoding {
     Integers setPositions = std::nullopt;
   };
 
-  /// What one main enumeration takes.
+  /// What one main enumeration takes, beside its block.
   struct EnumerateDatesStartDate {
     const NSCalendar& calendar;
     NSDate startDate;
     std::shared_ptr<ORLFDateRecurrenceEnd> end = nullptr;
     bool backwards = false;
     bool exactPatternMatch = false;
-    ORLFDateRecurrenceBlock usingBlock;
   };
-  /// What one older enumeration takes.
+  /// What one older enumeration takes, beside its block.
   struct EnumerateDatesRefernceDate {
     const NSCalendar& calendar;
     std::optional<NSDate> refernceDate;
     std::shared_ptr<ORLFDateRecurrenceEnd> end = nullptr;
     bool backwards = false;
-    ORLFDateRecurrenceBlock usingBlock;
   };
 
   /// `initRecurrenceWithFrequency:interval:`  A simple rule; its anchor is the interval.
@@ -104,8 +105,8 @@ class ORLFDateRecurrenceRule : public NSObject, public NSSecureCoding {
 
   /// `isSimpleRecurrence`  All six lists are nil. An empty list is not nil.
   [[nodiscard]] bool isSimpleRecurrence() const noexcept;
-  /// `copySimpleRecurrence`  The receiver when it is simple, else a rule of its frequency and
-  /// interval alone.
+  /// `copySimpleRecurrence`  The receiver when it is simple (on the stack: an equal rule), else a
+  /// rule of the receiver's class with its frequency and interval alone.
   [[nodiscard]] std::shared_ptr<ORLFDateRecurrenceRule> copySimpleRecurrence();
 
   /// `enumerateDatesForCalendar:startDate:end:backwards:exactPatternMatch:usingBlock:`
@@ -114,9 +115,11 @@ class ORLFDateRecurrenceRule : public NSObject, public NSSecureCoding {
   /// 31 January, 29 February, 31 March; with `exactPatternMatch` it gives only dates that repeat
   /// the start date's pattern: 31 January, 31 March. Other rules give the start date only where it
   /// fits. Ends with the end, the block's flag, 60 periods in a row without a date, or where the
-  /// calendar ends; a simple rule has no other end. Runs on the calling thread and allocates
-  /// nothing per period.
-  void enumerateDatesForCalendarStartDate(const EnumerateDatesStartDate& arguments) const;
+  /// calendar ends; a simple rule has no other end. With an interval of 0 a simple rule gives the
+  /// start date again and again until something stops it, and a rule with lists gives nothing. Runs
+  /// on the calling thread and allocates nothing per period.
+  void enumerateDatesForCalendarStartDate(const EnumerateDatesStartDate& arguments,
+                                          ORLFDateRecurrenceBlock usingBlock) const;
   /// `generateDateComponentsFromDate:referenceDate:calendar:backwards:`
   /// The patterns of the period that `date` picks, with the time of day of the reference date. A
   /// pattern may describe a date that does not exist. The direction has no influence. Where the
@@ -131,9 +134,9 @@ class ORLFDateRecurrenceRule : public NSObject, public NSSecureCoding {
 
   /// `dateRecurrenceRuleForExactMatchToReferenceDate:calendar:`
   /// A rule that names the reference date's day (monthly, quarterly), weekday (weekly) or day and
-  /// month (yearly), so that periods without it yield no date. The receiver when it names days
-  /// already, and for any other frequency. The new rule has the anchor of a new rule and is not
-  /// absolute; a yearly one replaces the receiver's months.
+  /// month (yearly), so that periods without it yield no date. The receiver (on the stack: an equal
+  /// rule) when it names days already, and for any other frequency. The new rule has the anchor of
+  /// a new rule and is not absolute; a yearly one replaces the receiver's months.
   [[nodiscard]] std::shared_ptr<ORLFDateRecurrenceRule>
   dateRecurrenceRuleForExactMatchToReferenceDate(NSDate referenceDate, const NSCalendar& calendar);
 
@@ -146,9 +149,11 @@ class ORLFDateRecurrenceRule : public NSObject, public NSSecureCoding {
   /// The older walk, which alone heeds `absolute`, `anchorIndex` and `setPositions`. Counts from 0.
   /// Forward it begins one interval after its base, backward at its base. A stop lets the rest of
   /// the period's dates pass, and an end answers anew for each of them, so that the block may be
-  /// called again after it asked to stop. Goes on through periods whose dates no position picks,
-  /// until a whole cycle of the calendar has shown that none ever will.
-  void enumerateDatesForCalendarRefernceDate(const EnumerateDatesRefernceDate& arguments) const;
+  /// called again after it asked to stop. A period has one date for each pattern that the calendar
+  /// can match, one where there is no pattern: where no position reaches any of them, the walk ends
+  /// before it begins. With an interval of 0 it gives the dates of one period again and again.
+  void enumerateDatesForCalendarRefernceDate(const EnumerateDatesRefernceDate& arguments,
+                                             ORLFDateRecurrenceBlock usingBlock) const;
 
   /// `universalAnchorDateInCalendar:`  1 January 2012, from which absolute phases count.
   [[nodiscard]] static std::optional<NSDate> universalAnchorDateInCalendar(
@@ -198,7 +203,7 @@ class ORLFDateRecurrenceRule : public NSObject, public NSSecureCoding {
   /// `isEqual:`  A rule with equal fields; `absolute` takes no part, here or in the hash.
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
   [[nodiscard]] NSUInteger hash() const override;
-  /// `copyWithZone:`  A new rule with the same fields, nothing normalized.
+  /// `copyWithZone:`  A new rule of the receiver's class with the same fields, nothing normalized.
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;
 
   /// `encodeWithCoder:`, `initWithCoder:`  Each field under its name, in the order of
@@ -210,7 +215,12 @@ class ORLFDateRecurrenceRule : public NSObject, public NSSecureCoding {
   [[nodiscard]] static const NSCodingClass& codingClass();
   [[nodiscard]] const NSCodingClass& classForCoder() const override { return codingClass(); }
 
+ protected:
+  [[nodiscard]] std::shared_ptr<NSObject> newObjectOfReceiversClass() const override;
+
  private:
+  [[nodiscard]] std::shared_ptr<ORLFDateRecurrenceRule> receiver();
+
   Recurrence fields_;
 };
 

@@ -6,20 +6,19 @@
 namespace ORLFoundation {
 namespace {
 
-using Rule = ORLFDateRecurrenceRule;
+using namespace orlftest;
 
 /// How many allocations a walk makes from its second date to its last.
 std::size_t allocationsOfWalk(const Rule& rule, const NSCalendar& calendar, NSDate start) {
   constexpr NSUInteger kDates = 1000;
   std::size_t atFirst = 0;
   std::size_t atLast = 0;
-  rule.enumerateDatesForCalendarStartDate({.calendar = calendar,
-                                           .startDate = start,
-                                           .usingBlock = [&](NSDate, NSUInteger count, bool& stop) {
-                                             if (count == 2) atFirst = orlftest::allocationCount();
-                                             stop = count == kDates;
-                                             if (stop) atLast = orlftest::allocationCount();
-                                           }});
+  rule.enumerateDatesForCalendarStartDate({.calendar = calendar, .startDate = start},
+                                          [&](NSDate, NSUInteger count, bool& stop) {
+                                            if (count == 2) atFirst = orlftest::allocationCount();
+                                            stop = count == kDates;
+                                            if (stop) atLast = orlftest::allocationCount();
+                                          });
   EXPECT_GT(atLast, 0U);
   return atLast - atFirst;
 }
@@ -56,12 +55,11 @@ TEST(ORLFDateRecurrenceRule, WalksLargeSetsWithoutAllocatingOnceWarm) {
                                    .monthsOfTheYear = months});
   std::vector<std::size_t> atDates;
   atDates.reserve(2000);
-  rule.enumerateDatesForCalendarStartDate({.calendar = *calendar,
-                                           .startDate = start,
-                                           .usingBlock = [&](NSDate, NSUInteger count, bool& stop) {
-                                             atDates.push_back(orlftest::allocationCount());
-                                             stop = count == 2000;
-                                           }});
+  rule.enumerateDatesForCalendarStartDate({.calendar = *calendar, .startDate = start},
+                                          [&](NSDate, NSUInteger count, bool& stop) {
+                                            atDates.push_back(orlftest::allocationCount());
+                                            stop = count == 2000;
+                                          });
   // Past the first two windows of a year each.
   EXPECT_EQ(atDates.back(), atDates[800]);
 }
@@ -79,15 +77,12 @@ TEST(ORLFDateRecurrenceRule, TakesUnderFourKilobytesWithCalendarAndWalk) {
                           std::make_shared<ORLFDateRecurrenceDayOfWeek>(6, 0)}}});
   std::size_t walked = 0;
   rule->enumerateDatesForCalendarStartDate(
-      {.calendar = *calendar,
-       .startDate = orlftest::at(*calendar, 2020, 1, 31, 9, 30),
-       .usingBlock = [&](NSDate, NSUInteger count, bool& stop) {
-         stop = (walked = count) == 100;
-       }});
+      {.calendar = *calendar, .startDate = orlftest::at(*calendar, 2020, 1, 31, 9, 30)},
+      [&](NSDate, NSUInteger count, bool& stop) { stop = (walked = count) == 100; });
   EXPECT_EQ(walked, 100U);
   const std::size_t onHeap = orlftest::allocatedBytes() - before;
   EXPECT_GT(onHeap, sizeof(Rule) + sizeof(NSCalendar));
-  EXPECT_LT(onHeap + sizeof(internal::ORLFDateWalk), 4096U);
+  EXPECT_LT(onHeap + sizeof(internal::recurrence::ORLFDateWalk), 4096U);
 }
 
 }  // namespace

@@ -3,31 +3,24 @@
 
 #include <ORLFoundation/calendar/ORLFCalendarRounding.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
+#include <ORLFoundation/platform/base/CheckedArithmetic.h>
+#include <ORLFoundation/platform/time/NSCalendar.h>
+#include <ORLFoundation/recurrence/ORLFFrequencyFacts.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
 #include <ORLFoundation/support/diagnostics/ORLFDebugLog.h>
 
 namespace ORLFoundation {
+
+using namespace internal::recurrence;
+
 namespace {
 
-using internal::product;
-using internal::remainder;
-using internal::wrappedSum;
-
-constexpr NSInteger kMonthsPerQuarter = 3;
 /// The span of a quarterly rule where its series begins; its slots count three months each. The
 /// difference is required.
 constexpr NSInteger kMonthsPerQuarterlySpan = 12;
 
 constexpr NSUInteger kElapsedUnits =
     NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay | NSCalendarUnitWeekOfYear;
-
-bool isQuarterly(ORLFDateRecurrenceFrequency frequency) {
-  return frequency == ORLFDateRecurrenceFrequencyQuarterly;
-}
-
-NSCalendarUnit unitOf(ORLFDateRecurrenceFrequency frequency) {
-  return isQuarterly(frequency) ? NSCalendarUnitMonth : static_cast<NSCalendarUnit>(frequency);
-}
 
 bool isElapsedUnit(NSCalendarUnit unit) {
   const auto bits = static_cast<NSUInteger>(unit);
@@ -47,7 +40,7 @@ NSInteger positionOf(NSInteger elapsed, NSInteger days) {
 }
 
 NSInteger spanOf(NSInteger interval, NSInteger unitsEach) {
-  return product(interval, unitsEach).value_or(NSIntegerMax);
+  return internal::base::checkedProduct(interval, unitsEach).value_or(NSIntegerMax);
 }
 
 /// The earliest date at or before the first slot of the anchor's span that a pattern describes.
@@ -56,11 +49,11 @@ std::optional<NSDate> firstOfPatterns(const ORLFDateRecurrenceRule& rule,
   const auto patterns = rule.matchingDateComponentsOld();
   const auto anchor = ORLFDateRecurrenceRule::universalAnchorDateInCalendar(calendar);
   if (!patterns || !anchor) return std::nullopt;
-  const auto units =
-      product(1 - rule.interval(), isQuarterly(rule.frequency()) ? kMonthsPerQuarterlySpan : 1);
-  const auto origin = units
-                          ? calendar.dateByAddingUnit(unitOf(rule.frequency()), *units, *anchor, 0)
-                          : std::nullopt;
+  const auto units = internal::base::checkedProduct(
+      1 - rule.interval(), isQuarterly(rule.frequency()) ? kMonthsPerQuarterlySpan : 1);
+  const auto origin =
+      units ? calendar.dateByAddingUnit(steppingUnitOf(rule.frequency()), *units, *anchor, 0)
+            : std::nullopt;
   if (!origin) return std::nullopt;
   std::optional<NSDate> first;
   for (const NSDateComponents& pattern : *patterns) {
@@ -86,7 +79,7 @@ std::optional<NSDate> ORLFDateRecurrenceRule::universalAnchorDateInCalendar(
 NSInteger ORLFDateRecurrenceRule::anchorIndexForAbsoluteRecurrenceWithFrequency(
     ORLFDateRecurrenceFrequency frequency, NSInteger interval, NSDate occurrenceDate,
     const NSCalendar& inCalendar) noexcept {
-  const NSCalendarUnit unit = unitOf(frequency);
+  const NSCalendarUnit unit = steppingUnitOf(frequency);
   const std::optional<NSDate> anchor = universalAnchorDateInCalendar(inCalendar);
   NSDateComponents difference;
   if (anchor)
@@ -106,7 +99,7 @@ std::optional<NSDate> ORLFDateRecurrenceRule::canonicalReferenceDateForDate(
       inCalendar, date ? *date : NSDate::date(), NSCalendarUnitDay);
   if (!day || !absolute() || interval() < 2) return day;
 
-  const NSCalendarUnit unit = unitOf(frequency());
+  const NSCalendarUnit unit = steppingUnitOf(frequency());
   const NSInteger span = spanOf(interval(), isQuarterly(frequency()) ? kMonthsPerQuarterlySpan : 1);
   const std::optional<NSDate> first = firstOfPatterns(*this, inCalendar);
   NSDateComponents components;
@@ -129,13 +122,12 @@ std::vector<NSDate> ORLFDateRecurrenceRule::boundingDatesForReferenceDate(
   const NSDate reference = date ? *date : NSDate::date();
   const auto firstOfWalk = [&](bool backwards) {
     std::optional<NSDate> first;
-    enumerateDatesForCalendarRefernceDate({.calendar = inCalendar,
-                                           .refernceDate = reference,
-                                           .backwards = backwards,
-                                           .usingBlock = [&](NSDate found, NSUInteger, bool& stop) {
-                                             if (!first) first = found;
-                                             stop = true;
-                                           }});
+    enumerateDatesForCalendarRefernceDate(
+        {.calendar = inCalendar, .refernceDate = reference, .backwards = backwards},
+        [&](NSDate found, NSUInteger, bool& stop) {
+          if (!first) first = found;
+          stop = true;
+        });
     return first;
   };
   const std::optional<NSDate> previous = firstOfWalk(true);

@@ -10,6 +10,7 @@
 
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 
+#include <ORLFoundation/platform/time/NSCalendar.h>
 #include <benchmark/benchmark.h>
 #include <libical/ical.h>
 
@@ -83,13 +84,11 @@ class Ours {
 
   template <class Visit>
   void walk(std::size_t most, Visit visit) const {
-    rule_->enumerateDatesForCalendarStartDate(
-        {.calendar = *calendar_,
-         .startDate = kStart,
-         .usingBlock = [&](NSDate date, NSUInteger count, bool& stop) {
-           visit(date);
-           stop = count >= most;
-         }});
+    rule_->enumerateDatesForCalendarStartDate({.calendar = *calendar_, .startDate = kStart},
+                                              [&](NSDate date, NSUInteger count, bool& stop) {
+                                                visit(date);
+                                                stop = count >= most;
+                                              });
   }
   [[nodiscard]] std::vector<LocalTime> localTimes() const {
     std::vector<LocalTime> times;

@@ -12,13 +12,16 @@
 #include <utility>
 
 namespace ORLFoundation {
+
+using namespace internal::recurrence;
+
 namespace {
 
 using Integers = ORLFDateRecurrenceRule::Integers;
 using DaysOfTheWeek = ORLFDateRecurrenceRule::DaysOfTheWeek;
 
 ORLFDateRecurrenceFrequency decodeFrequency(NSCoder& coder) {
-  return static_cast<ORLFDateRecurrenceFrequency>(coder.decodeInteger(internal::kFrequencyKey));
+  return static_cast<ORLFDateRecurrenceFrequency>(coder.decodeInteger(kFrequencyKey));
 }
 
 template <class List>
@@ -70,14 +73,13 @@ const NSCodingClass& ORLFDateRecurrencePeriod::codingClass() {
 }
 
 void ORLFDateRecurrencePeriod::encodeWithCoder(NSCoder& coder) const {
-  coder.encodeInteger(frequency_, internal::kFrequencyKey);
-  coder.encodeInteger(interval_, internal::kIntervalKey);
+  coder.encodeInteger(frequency_, kFrequencyKey);
+  coder.encodeInteger(interval_, kIntervalKey);
 }
 
 std::shared_ptr<ORLFDateRecurrencePeriod> ORLFDateRecurrencePeriod::initWithCoder(NSCoder& coder) {
   const ORLFDateRecurrenceFrequency frequency = decodeFrequency(coder);
-  return std::make_shared<ORLFDateRecurrencePeriod>(frequency,
-                                                    coder.decodeInteger(internal::kIntervalKey));
+  return std::make_shared<ORLFDateRecurrencePeriod>(frequency, coder.decodeInteger(kIntervalKey));
 }
 
 const NSCodingClass& ORLFDateRecurrenceDayOfWeek::codingClass() {
@@ -87,15 +89,14 @@ const NSCodingClass& ORLFDateRecurrenceDayOfWeek::codingClass() {
 }
 
 void ORLFDateRecurrenceDayOfWeek::encodeWithCoder(NSCoder& coder) const {
-  coder.encodeInteger(dayOfTheWeek_, internal::kDayOfTheWeekKey);
-  coder.encodeInteger(weekNumber_, internal::kWeekNumberKey);
+  coder.encodeInteger(dayOfTheWeek_, kDayOfTheWeekKey);
+  coder.encodeInteger(weekNumber_, kWeekNumberKey);
 }
 
 std::shared_ptr<ORLFDateRecurrenceDayOfWeek> ORLFDateRecurrenceDayOfWeek::initWithCoder(
     NSCoder& coder) {
-  const NSInteger day = coder.decodeInteger(internal::kDayOfTheWeekKey);
-  return std::make_shared<ORLFDateRecurrenceDayOfWeek>(
-      day, coder.decodeInteger(internal::kWeekNumberKey));
+  const NSInteger day = coder.decodeInteger(kDayOfTheWeekKey);
+  return std::make_shared<ORLFDateRecurrenceDayOfWeek>(day, coder.decodeInteger(kWeekNumberKey));
 }
 
 const NSCodingClass& ORLFDateRecurrenceEnd::codingClass() {
@@ -105,13 +106,13 @@ const NSCodingClass& ORLFDateRecurrenceEnd::codingClass() {
 }
 
 void ORLFDateRecurrenceEnd::encodeWithCoder(NSCoder& coder) const {
-  if (endDate_) coder.encodeObject(endDate_, internal::kEndDateKey);
-  coder.encodeInteger(static_cast<NSInteger>(occurrenceCount_), internal::kOccurrenceCountKey);
+  if (endDate_) coder.encodeObject(endDate_, kEndDateKey);
+  coder.encodeInteger(static_cast<NSInteger>(occurrenceCount_), kOccurrenceCountKey);
 }
 
 std::shared_ptr<ORLFDateRecurrenceEnd> ORLFDateRecurrenceEnd::initWithCoder(NSCoder& coder) {
-  const auto endDate = coder.decodeObjectOfClass<NSDate>(internal::kEndDateKey);
-  const NSInteger count = coder.decodeInteger(internal::kOccurrenceCountKey);
+  const auto endDate = coder.decodeObjectOfClass<NSDate>(kEndDateKey);
+  const NSInteger count = coder.decodeInteger(kOccurrenceCountKey);
   return std::make_shared<ORLFDateRecurrenceEnd>(endDate, static_cast<NSUInteger>(count));
 }
 
@@ -122,30 +123,30 @@ const NSCodingClass& ORLFDateRecurrenceRule::codingClass() {
 }
 
 void ORLFDateRecurrenceRule::encodeWithCoder(NSCoder& coder) const {
-  coder.encodeInteger(fields_.frequency, internal::kFrequencyKey);
-  coder.encodeInteger(fields_.interval, internal::kIntervalKey);
-  coder.encodeInteger(fields_.anchorIndex, internal::kAnchorIndexKey);
-  coder.encodeBool(fields_.absolute, internal::kAbsoluteKey);
-  encodeList(coder, fields_.daysOfTheWeek, internal::kDaysOfTheWeekKey);
-  encodeList(coder, fields_.daysOfTheMonth, internal::kDaysOfTheMonthKey);
-  encodeList(coder, fields_.monthsOfTheYear, internal::kMonthsOfTheYearKey);
-  encodeList(coder, fields_.weeksOfTheYear, internal::kWeeksOfTheYearKey);
-  encodeList(coder, fields_.daysOfTheYear, internal::kDaysOfTheYearKey);
-  encodeList(coder, fields_.setPositions, internal::kSetPositionsKey);
+  coder.encodeInteger(fields_.frequency, kFrequencyKey);
+  coder.encodeInteger(fields_.interval, kIntervalKey);
+  coder.encodeInteger(fields_.anchorIndex, kAnchorIndexKey);
+  coder.encodeBool(fields_.absolute, kAbsoluteKey);
+  encodeList(coder, fields_.daysOfTheWeek, kDaysOfTheWeekKey);
+  encodeList(coder, fields_.daysOfTheMonth, kDaysOfTheMonthKey);
+  encodeList(coder, fields_.monthsOfTheYear, kMonthsOfTheYearKey);
+  encodeList(coder, fields_.weeksOfTheYear, kWeeksOfTheYearKey);
+  encodeList(coder, fields_.daysOfTheYear, kDaysOfTheYearKey);
+  encodeList(coder, fields_.setPositions, kSetPositionsKey);
 }
 
 std::shared_ptr<ORLFDateRecurrenceRule> ORLFDateRecurrenceRule::initWithCoder(NSCoder& coder) {
   // Members of a braced list are evaluated in their order.
   return ruleWithFields({.frequency = decodeFrequency(coder),
-                         .interval = coder.decodeInteger(internal::kIntervalKey),
-                         .anchorIndex = coder.decodeInteger(internal::kAnchorIndexKey),
-                         .absolute = coder.decodeBool(internal::kAbsoluteKey),
-                         .daysOfTheWeek = decodeDays(coder, internal::kDaysOfTheWeekKey),
-                         .daysOfTheMonth = decodeIntegers(coder, internal::kDaysOfTheMonthKey),
-                         .monthsOfTheYear = decodeIntegers(coder, internal::kMonthsOfTheYearKey),
-                         .weeksOfTheYear = decodeIntegers(coder, internal::kWeeksOfTheYearKey),
-                         .daysOfTheYear = decodeIntegers(coder, internal::kDaysOfTheYearKey),
-                         .setPositions = decodeIntegers(coder, internal::kSetPositionsKey)});
+                         .interval = coder.decodeInteger(kIntervalKey),
+                         .anchorIndex = coder.decodeInteger(kAnchorIndexKey),
+                         .absolute = coder.decodeBool(kAbsoluteKey),
+                         .daysOfTheWeek = decodeDays(coder, kDaysOfTheWeekKey),
+                         .daysOfTheMonth = decodeIntegers(coder, kDaysOfTheMonthKey),
+                         .monthsOfTheYear = decodeIntegers(coder, kMonthsOfTheYearKey),
+                         .weeksOfTheYear = decodeIntegers(coder, kWeeksOfTheYearKey),
+                         .daysOfTheYear = decodeIntegers(coder, kDaysOfTheYearKey),
+                         .setPositions = decodeIntegers(coder, kSetPositionsKey)});
 }
 
 }  // namespace ORLFoundation

@@ -2,6 +2,7 @@
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 
 #include <ORLFoundation/platform/log/ORLFFatalError.h>
+#include <ORLFoundation/recurrence/ORLFFrequencyFacts.h>
 
 #include <map>
 #include <string>
@@ -14,29 +15,21 @@ namespace {
 
 using Text = std::optional<std::string>;
 
-struct Head {
-  ORLFDateRecurrenceFrequency frequency;
-  std::string_view single, units;
-};
-constexpr Head kHeads[] = {
-    {ORLFDateRecurrenceFrequencyYearly, "repeats yearly", "years"},
-    {ORLFDateRecurrenceFrequencyMonthly, "repeats monthly", "months"},
-    {ORLFDateRecurrenceFrequencyQuarterly, "repeats quarterly", "quarters"},
-    {ORLFDateRecurrenceFrequencyWeekly, "repeats weekly", "weeks"},
-    {ORLFDateRecurrenceFrequencyDaily, "repeats daily", "days"},
-};
-
 constexpr std::string_view kMonths[] = {"January",   "February", "March",    "April",
                                         "May",       "June",     "July",     "August",
                                         "September", "October",  "November", "December"};
 
 std::string headText(ORLFDateRecurrenceFrequency frequency, NSInteger interval) {
-  for (const Head& head : kHeads) {
-    if (head.frequency != frequency) continue;
-    if (interval == 1) return std::string(head.single);
-    return "repeats every " + std::to_string(interval) + " " + std::string(head.units);
-  }
-  ORLFFatalError("Fatal error", "ORLFoundation/DateRecurrenceRule", __LINE__);
+  const internal::recurrence::ORLFFrequencyFacts* const facts =
+      internal::recurrence::factsOf(frequency);
+  if (!facts) ORLFFatalError("Fatal error", "ORLFoundation/DateRecurrenceRule", __LINE__);
+  std::string text = "repeats ";
+  if (interval == 1) return text.append(facts->description);
+  return text.append("every ")
+      .append(std::to_string(interval))
+      .append(" ")
+      .append(facts->word)
+      .append("s");
 }
 
 std::string monthWord(NSInteger month) {

@@ -6,27 +6,9 @@
 namespace ORLFoundation {
 namespace {
 
+using namespace orlftest;
+
 class Enumeration : public orlftest::EnumerationTest {};
-
-using orlftest::at;
-using orlftest::calendarIn;
-using orlftest::daysOf;
-using orlftest::firstDates;
-using orlftest::periodsOf;
-using Rule = ORLFDateRecurrenceRule;
-using Days = std::vector<int>;
-
-constexpr auto kWeekly = ORLFDateRecurrenceFrequencyWeekly;
-constexpr auto kMonthly = ORLFDateRecurrenceFrequencyMonthly;
-constexpr auto kQuarterly = ORLFDateRecurrenceFrequencyQuarterly;
-constexpr auto kYearly = ORLFDateRecurrenceFrequencyYearly;
-
-Rule::DaysOfTheWeek weekdays(std::initializer_list<std::pair<int, int>> entries) {
-  std::vector<std::shared_ptr<ORLFDateRecurrenceDayOfWeek>> days;
-  for (const auto& [day, number] : entries)
-    days.push_back(std::make_shared<ORLFDateRecurrenceDayOfWeek>(day, number));
-  return days;
-}
 
 TEST_F(Enumeration, ClampsMonthEndFromStartDateNotFromPreviousDate) {
   const Rule rule(kMonthly, 1);
@@ -59,11 +41,11 @@ TEST_F(Enumeration, GivesTheStartDateFirstWithTheNumberOne) {
   rule.enumerateDatesForCalendarStartDate(
       {.calendar = *calendar_,
        .startDate = morning(2023, 1, 31),
-       .end = ORLFDateRecurrenceEnd::initEndWithOccurrenceCount(1),
-       .usingBlock = [&](NSDate date, NSUInteger count, bool&) {
-         dates.push_back(date);
-         counts.push_back(count);
-       }});
+       .end = ORLFDateRecurrenceEnd::initEndWithOccurrenceCount(1)},
+      [&](NSDate date, NSUInteger count, bool&) {
+        dates.push_back(date);
+        counts.push_back(count);
+      });
   EXPECT_EQ(dates, std::vector<NSDate>{morning(2023, 1, 31)});
   EXPECT_EQ(counts, std::vector<NSUInteger>{1});
 }

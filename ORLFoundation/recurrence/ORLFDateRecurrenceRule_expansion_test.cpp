@@ -6,20 +6,9 @@
 namespace ORLFoundation {
 namespace {
 
-using orlftest::at;
-using orlftest::calendarIn;
-using Rule = ORLFDateRecurrenceRule;
+using namespace orlftest;
+
 using Texts = std::vector<std::string>;
-
-constexpr auto kDaily = ORLFDateRecurrenceFrequencyDaily;
-constexpr auto kWeekly = ORLFDateRecurrenceFrequencyWeekly;
-constexpr auto kMonthly = ORLFDateRecurrenceFrequencyMonthly;
-constexpr auto kQuarterly = ORLFDateRecurrenceFrequencyQuarterly;
-constexpr auto kYearly = ORLFDateRecurrenceFrequencyYearly;
-
-Rule::DaysOfTheWeek weekday(NSInteger day, NSInteger number) {
-  return {{std::make_shared<ORLFDateRecurrenceDayOfWeek>(day, number)}};
-}
 
 Texts textsOf(const Rule::WorkingSet& patterns) {
   Texts texts;
@@ -60,24 +49,24 @@ TEST_F(Expansion, TakesDaysOfTheMonthInTheDatesMonth) {
 }
 
 TEST_F(Expansion, PlacesWeekdaysByTheirNumber) {
-  EXPECT_EQ(patterns({.frequency = kMonthly, .daysOfTheWeek = weekday(3, 2)}),
+  EXPECT_EQ(patterns({.frequency = kMonthly, .daysOfTheWeek = weekdays({{3, 2}})}),
             Texts{"year=2023 month=5 weekday=3 weekdayOrdinal=2" + kTime});
 }
 
 TEST_F(Expansion, PlacesAWeeklyRulesWeekdaysInTheDatesWeek) {
-  EXPECT_EQ(patterns({.frequency = kWeekly, .daysOfTheWeek = weekday(2, 0)}),
+  EXPECT_EQ(patterns({.frequency = kWeekly, .daysOfTheWeek = weekdays({{2, 0}})}),
             Texts{"year=2023 month=5 weekOfMonth=3 weekday=2" + kTime});
-  EXPECT_EQ(patterns({.frequency = kWeekly, .daysOfTheWeek = weekday(2, -2)}),
+  EXPECT_EQ(patterns({.frequency = kWeekly, .daysOfTheWeek = weekdays({{2, -2}})}),
             Texts{"year=2023 month=5 weekday=2 weekdayOrdinal=-2" + kTime});
 }
 
 TEST_F(Expansion, KeepsTheWeekAsThePlaceOfAnEntrysLaterPatterns) {
-  EXPECT_EQ(
-      patterns(
-          {.frequency = kWeekly, .daysOfTheWeek = weekday(2, 0), .monthsOfTheYear = {{5, 6, 7}}}),
-      (Texts{"year=2023 month=5 weekOfMonth=3 weekday=2" + kTime,
-             "year=2023 month=6 weekday=2 weekdayOrdinal=3" + kTime,
-             "year=2023 month=7 weekday=2 weekdayOrdinal=3" + kTime}));
+  EXPECT_EQ(patterns({.frequency = kWeekly,
+                      .daysOfTheWeek = weekdays({{2, 0}}),
+                      .monthsOfTheYear = {{5, 6, 7}}}),
+            (Texts{"year=2023 month=5 weekOfMonth=3 weekday=2" + kTime,
+                   "year=2023 month=6 weekday=2 weekdayOrdinal=3" + kTime,
+                   "year=2023 month=7 weekday=2 weekdayOrdinal=3" + kTime}));
 }
 
 TEST_F(Expansion, CombinesMonthsWithDaysInTheirOrder) {
@@ -103,6 +92,24 @@ TEST_F(Expansion, ConstrainsWeeksByTheDatesWeekday) {
             Texts{"year=2023 weekOfYear=20 weekday=4 weekdayOrdinal=3" + kTime});
 }
 
+TEST_F(Expansion, TakesBothTheDayAndTheWeekdayWhereBothAreNeeded) {
+  const LogCapture log;
+  EXPECT_EQ(patterns({.frequency = kYearly, .monthsOfTheYear = {{3}}, .weeksOfTheYear = {{10}}}),
+            Texts{"year=2023 month=3 weekOfYear=10 weekday=4 weekdayOrdinal=3 day=17" + kTime});
+  EXPECT_EQ(log.distinctLines(),
+            Texts{"Condition Failed: !needsDayOfMonthConstraint || !needsDayOfWeekConstraint We "
+                  "should not ever need both a day of month and a day of week"});
+}
+
+TEST_F(Expansion, LeavesTheMonthOpenToTheLastWeekday) {
+  // The date's month is looked at for the number, and does not enter the pattern.
+  const LogCapture quiet;
+  EXPECT_EQ(
+      patterns(
+          {.frequency = kYearly, .daysOfTheWeek = weekdays({{2, 0}}), .weeksOfTheYear = {{20}}}),
+      Texts{"year=2023 weekOfYear=20 weekday=2 weekdayOrdinal=4" + kTime});
+}
+
 TEST_F(Expansion, LeavesTheMonthOpenToDaysOfTheYear) {
   EXPECT_EQ(patterns({.frequency = kYearly, .daysOfTheYear = {{100}}}),
             Texts{"year=2023 day=100" + kTime});
@@ -125,7 +132,7 @@ TEST_F(Expansion, AnswersWithoutACalendarForEveryKindOfEntry) {
   for (NSInteger day = -4; day <= 8; ++day) {
     for (NSInteger number = -2; number <= 2; ++number) {
       const auto rule =
-          Rule::ruleWithFields({.frequency = kMonthly, .daysOfTheWeek = weekday(day, number)});
+          Rule::ruleWithFields({.frequency = kMonthly, .daysOfTheWeek = weekdays({{day, number}})});
       const auto set =
           rule->generateDateComponentsFromDate(std::nullopt, std::nullopt, nullptr, false);
       EXPECT_EQ(set.size(), day == 0 || day == -4 ? 0U : 1U);
@@ -188,7 +195,15 @@ TEST_F(Expansion, LeavesADailyOrOtherRuleAndOneThatNamesDays) {
   EXPECT_TRUE(same(std::make_shared<Rule>(static_cast<ORLFDateRecurrenceFrequency>(32), 2)));
   EXPECT_TRUE(same(Rule::ruleWithFields({.frequency = kMonthly, .daysOfTheMonth = {{1}}})));
   EXPECT_TRUE(same(Rule::ruleWithFields({.frequency = kQuarterly, .daysOfTheMonth = {{1}}})));
-  EXPECT_TRUE(same(Rule::ruleWithFields({.frequency = kWeekly, .daysOfTheWeek = weekday(1, 0)})));
+  EXPECT_TRUE(
+      same(Rule::ruleWithFields({.frequency = kWeekly, .daysOfTheWeek = weekdays({{1, 0}})})));
+}
+
+TEST_F(Expansion, AnswersAnEqualRuleForAnExactOneOnTheStack) {
+  Rule daily(kDaily, 2);
+  const auto exact = daily.dateRecurrenceRuleForExactMatchToReferenceDate(date_, *calendar_);
+  EXPECT_NE(exact.get(), &daily);
+  EXPECT_TRUE(exact->isEqual(&daily));
 }
 
 TEST_F(Expansion, DropsAnchorAndAbsoluteFromAnExactRule) {
@@ -221,12 +236,17 @@ TEST(OlderExpansion, RepeatsAMonthInEachQuarter) {
 }
 
 TEST(OlderExpansion, TakesTheWeekNumberOfAllButWeeklyRules) {
-  EXPECT_EQ(olderPatterns({.frequency = kMonthly, .daysOfTheWeek = weekday(3, -1)}),
+  EXPECT_EQ(olderPatterns({.frequency = kMonthly, .daysOfTheWeek = weekdays({{3, -1}})}),
             (Texts{"weekday=3 weekdayOrdinal=-1"}));
-  EXPECT_EQ(olderPatterns({.frequency = kMonthly, .daysOfTheWeek = weekday(3, 0)}),
+  EXPECT_EQ(olderPatterns({.frequency = kMonthly, .daysOfTheWeek = weekdays({{3, 0}})}),
             (Texts{"weekday=3"}));
-  EXPECT_EQ(olderPatterns({.frequency = kWeekly, .daysOfTheWeek = weekday(3, 2)}),
+  EXPECT_EQ(olderPatterns({.frequency = kWeekly, .daysOfTheWeek = weekdays({{3, 2}})}),
             (Texts{"weekday=3"}));
+}
+
+TEST(OlderExpansion, TakesWeekdaysAndNumbersThatNoMonthHas) {
+  EXPECT_EQ(olderPatterns({.frequency = kMonthly, .daysOfTheWeek = weekdays({{0, 1}, {2, 6}})}),
+            (Texts{"weekday=0 weekdayOrdinal=1", "weekday=2 weekdayOrdinal=6"}));
 }
 
 TEST(OlderExpansion, LogsADayThatIsWrittenTwice) {

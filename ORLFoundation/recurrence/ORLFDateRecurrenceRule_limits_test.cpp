@@ -9,21 +9,9 @@
 namespace ORLFoundation {
 namespace {
 
+using namespace orlftest;
+
 class EnumerationLimits : public orlftest::EnumerationTest {};
-
-using orlftest::at;
-using orlftest::calendarIn;
-using orlftest::daysOf;
-using orlftest::firstDates;
-using orlftest::periodsOf;
-using Rule = ORLFDateRecurrenceRule;
-using Days = std::vector<int>;
-
-constexpr auto kDaily = ORLFDateRecurrenceFrequencyDaily;
-constexpr auto kWeekly = ORLFDateRecurrenceFrequencyWeekly;
-constexpr auto kMonthly = ORLFDateRecurrenceFrequencyMonthly;
-constexpr auto kQuarterly = ORLFDateRecurrenceFrequencyQuarterly;
-constexpr auto kYearly = ORLFDateRecurrenceFrequencyYearly;
 
 TEST_F(EnumerationLimits, PassesOverADateWhoseTimeAClockChangeLeavesOut) {
   // 02:30 does not exist on 10 March 2024.
@@ -108,8 +96,47 @@ TEST_F(EnumerationLimits, StandsStillWithAnIntervalOfZero) {
   EXPECT_EQ(periodsOf(rule, *calendar_, morning(2023, 1, 1)), 60U);
 }
 
+TEST_F(EnumerationLimits, LeavesAFieldOpenThatIsSetToTheMarkOfAnUnsetOne) {
+  // A month without a day is its first day, a weekday without a number its first one.
+  const Rule day(Rule::Recurrence{.frequency = kMonthly, .daysOfTheMonth = {{NSIntegerMax}}});
+  EXPECT_EQ(days(day, morning(2023, 1, 2), 2), (Days{20230201, 20230301}));
+  const Rule monday(
+      Rule::Recurrence{.frequency = kMonthly, .daysOfTheWeek = weekdays({{2, NSIntegerMax}})});
+  EXPECT_EQ(days(monday, morning(2023, 1, 1), 2), (Days{20230102, 20230206}));
+}
+
+TEST_F(EnumerationLimits, PassesOverADateThatTheStartLiesTheLeastBitBehind) {
+  const auto utc = calendarIn("UTC");
+  const Rule rule(Rule::Recurrence{.frequency = kMonthly, .daysOfTheMonth = {{1}}});
+  const NSDate justAfter = NSDate::dateWithTimeIntervalSinceReferenceDate(0x1p-1074);
+  EXPECT_EQ(daysOf(firstDates(rule, *utc, justAfter, 2), *utc), (Days{20010201, 20010301}));
+  EXPECT_EQ(daysOf(firstDates(rule, *utc, NSDate(), 2), *utc), (Days{20010101, 20010201}));
+}
+
+struct UnitCase {
+  NSCalendarUnit unit;
+  Days dates;  // from 2023-01-02, days 1 and 15
+};
+
+TEST_F(EnumerationLimits, TakesAnOtherUnitForAFrequencyOfARuleWithLists) {
+  const UnitCase cases[] = {
+      {NSCalendarUnitWeek, {20230115, 20230201, 20230215}},
+      {NSCalendarUnitWeekday, {20230115, 20230201, 20230215}},
+      {NSCalendarUnitWeekdayOrdinal, {20230115, 20230201, 20230215}},
+      {NSCalendarUnitWeekOfMonth, {20230115, 20230201, 20230215}},
+      // Only the months of a window's two ends are looked into.
+      {NSCalendarUnitYearForWeekOfYear, {20230115, 20240101, 20240115}},
+  };
+  for (const UnitCase& row : cases) {
+    const Rule rule(
+        Rule::Recurrence{.frequency = static_cast<ORLFDateRecurrenceFrequency>(row.unit),
+                         .daysOfTheMonth = {{1, 15}}});
+    EXPECT_EQ(days(rule, morning(2023, 1, 2), row.dates.size()), row.dates) << row.unit;
+  }
+}
+
 TEST_F(EnumerationLimits, TakesAnOtherUnitForAFrequency) {
-  const Rule hourly(static_cast<ORLFDateRecurrenceFrequency>(NSCalendarUnitHour), 6);
+  const Rule hourly(kHourly, 6);
   const auto dates = firstDates(hourly, *calendar_, morning(2023, 1, 1), 3);
   EXPECT_EQ(dates[2], morning(2023, 1, 1).dateByAddingTimeInterval(12 * 3600));
 }

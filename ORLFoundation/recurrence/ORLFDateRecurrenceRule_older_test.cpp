@@ -3,22 +3,13 @@
 #include <ORLFoundation/recurrence/ORLFDateRecurrence_testing.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <limits>
 
 namespace ORLFoundation {
 namespace {
 
-using orlftest::at;
-using orlftest::calendarIn;
-using orlftest::daysOf;
-using Rule = ORLFDateRecurrenceRule;
-using Days = std::vector<int>;
-
-constexpr auto kDaily = ORLFDateRecurrenceFrequencyDaily;
-constexpr auto kWeekly = ORLFDateRecurrenceFrequencyWeekly;
-constexpr auto kMonthly = ORLFDateRecurrenceFrequencyMonthly;
-constexpr auto kQuarterly = ORLFDateRecurrenceFrequencyQuarterly;
-constexpr auto kYearly = ORLFDateRecurrenceFrequencyYearly;
+using namespace orlftest;
 
 class OlderEnumeration : public testing::Test {
  protected:
@@ -31,13 +22,11 @@ class OlderEnumeration : public testing::Test {
                           bool backwards = false) const {
     std::vector<NSDate> dates;
     Rule::ruleWithFields(fields)->enumerateDatesForCalendarRefernceDate(
-        {.calendar = *calendar_,
-         .refernceDate = reference,
-         .backwards = backwards,
-         .usingBlock = [&](NSDate date, NSUInteger, bool& stop) {
-           dates.push_back(date);
-           stop = dates.size() >= most;
-         }});
+        {.calendar = *calendar_, .refernceDate = reference, .backwards = backwards},
+        [&](NSDate date, NSUInteger, bool& stop) {
+          dates.push_back(date);
+          stop = dates.size() >= most;
+        });
     return daysOf(dates, *calendar_);
   }
 };
@@ -53,8 +42,8 @@ TEST_F(OlderEnumeration, CountsFromZero) {
       .enumerateDatesForCalendarRefernceDate(
           {.calendar = *calendar_,
            .refernceDate = day(2023, 1, 1),
-           .end = ORLFDateRecurrenceEnd::initEndWithOccurrenceCount(3),
-           .usingBlock = [&](NSDate, NSUInteger count, bool&) { counts.push_back(count); }});
+           .end = ORLFDateRecurrenceEnd::initEndWithOccurrenceCount(3)},
+          [&](NSDate, NSUInteger count, bool&) { counts.push_back(count); });
   EXPECT_EQ(counts, (std::vector<NSUInteger>{0, 1, 2}));
 }
 
@@ -105,21 +94,91 @@ TEST_F(OlderEnumeration, CallsTheBlockAgainAfterItsStopWhereAnEndAnswersOtherwis
       ->enumerateDatesForCalendarRefernceDate(
           {.calendar = *calendar_,
            .refernceDate = day(2023, 1, 20),
-           .end = ORLFDateRecurrenceEnd::initEndWithOccurrenceCount(99),
-           .usingBlock = [&](NSDate date, NSUInteger, bool& stop) {
-             seen.push_back(daysOf({date}, *calendar_).front());
-             stop = true;
-           }});
+           .end = ORLFDateRecurrenceEnd::initEndWithOccurrenceCount(99)},
+          [&](NSDate date, NSUInteger, bool& stop) {
+            seen.push_back(daysOf({date}, *calendar_).front());
+            stop = true;
+          });
   EXPECT_EQ(seen, (Days{20230205, 20230210, 20230215}));
   // Without an end the first stop holds.
   EXPECT_EQ(days({.frequency = kMonthly, .daysOfTheMonth = {{5, 10, 15}}}, day(2023, 1, 20), 1),
             (Days{20230205}));
 }
 
-TEST_F(OlderEnumeration, EndsWhenNoPositionEverPicksADate) {
-  EXPECT_TRUE(days({.frequency = kDaily, .setPositions = {{2}}}, day(2023, 1, 20), 5).empty());
+struct PositionCase {
+  const char* name;
+  Rule::Recurrence fields;
+};
+
+TEST_F(OlderEnumeration, EndsAtOnceWhenNoPositionEverPicksADate) {
+  const PositionCase cases[] = {
+      {"BeyondTheOneDateOfAPeriod", {.frequency = kDaily, .setPositions = {{2}}}},
+      {"FarBeyondIt", {.frequency = kMonthly, .setPositions = {{366, -366}}}},
+      {"StandingStill", {.frequency = kMonthly, .interval = 0, .setPositions = {{9}}}},
+      {"Zero", {.frequency = kMonthly, .daysOfTheMonth = {{1, 2}}, .setPositions = {{0}}}},
+      {"BeyondTheEnds",
+       {.frequency = kMonthly, .daysOfTheMonth = {{1, 2}}, .setPositions = {{3, -3}}}},
+      {"OfPatternsThatNoYearMatches",
+       {.frequency = kMonthly,
+        .daysOfTheMonth = {{5, 32, 40}},
+        .monthsOfTheYear = {{2}},
+        .setPositions = {{2, -2}}}},
+      {"TheSmallestAndTheLargest",
+       {.frequency = kMonthly, .setPositions = {{NSIntegerMin, NSIntegerMax}}}},
+  };
+  for (const PositionCase& row : cases) {
+    const auto began = std::chrono::steady_clock::now();
+    EXPECT_TRUE(days(row.fields, day(2023, 1, 20), 5).empty()) << row.name;
+    EXPECT_TRUE(days(row.fields, day(2023, 1, 20), 5, true).empty()) << row.name;
+    // Stepping through the calendar's cycle took 34 seconds.
+    EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(1)) << row.name;
+  }
+}
+
+TEST_F(OlderEnumeration, WalksWhereAPositionReachesTheDatesThatThereAre) {
+  // The 32nd never comes, so that the two others are the first and the last.
+  const Rule::Recurrence fields{.frequency = kMonthly, .daysOfTheMonth = {{5, 32, 10}}};
+  const auto picked = [&](NSInteger position) {
+    Rule::Recurrence positioned = fields;
+    positioned.setPositions = {{position}};
+    return days(positioned, day(2023, 1, 20), 2);
+  };
+  EXPECT_EQ(picked(1), (Days{20230205, 20230305}));
+  EXPECT_EQ(picked(2), (Days{20230210, 20230310}));
+  EXPECT_EQ(picked(-1), (Days{20230210, 20230310}));
+  EXPECT_EQ(picked(-2), (Days{20230205, 20230305}));
+  EXPECT_TRUE(picked(3).empty());
+  // A day of the second month in eight years is found from wherever the walk begins.
+  EXPECT_EQ(days({.frequency = kYearly,
+                  .daysOfTheMonth = {{29}},
+                  .monthsOfTheYear = {{2}},
+                  .setPositions = {{1}}},
+                 day(1900, 1, 20), 1),
+            (Days{18960229}));
+}
+
+TEST_F(OlderEnumeration, EndsWhereItStandsStillBesideTheCalendarsBeginning) {
+  // In the first January that searches reach, December lies ahead and never behind: the second of
+  // two positions picks nothing, and the period never moves.
+  const NSDate first =
+      calendar_->dateByAddingUnit(NSCalendarUnitYear, -1'362'022, day(2023, 1, 15), 0).value();
+  EXPECT_TRUE(days({.frequency = kMonthly,
+                    .interval = 0,
+                    .monthsOfTheYear = {{1, 12}},
+                    .setPositions = {{2}}},
+                   first, 5)
+                  .empty());
+}
+
+TEST_F(OlderEnumeration, PassesOverWeekdaysAndNumbersThatNoMonthHas) {
+  EXPECT_EQ(days({.frequency = kMonthly, .daysOfTheWeek = weekdays({{0, 1}, {2, 6}, {2, 1}})},
+                 day(2023, 1, 20), 2),
+            (Days{20230206, 20230306}));
   EXPECT_TRUE(
-      days({.frequency = kMonthly, .interval = 0, .setPositions = {{9}}}, day(2023, 1, 20), 5)
+      days({.frequency = kMonthly, .daysOfTheWeek = weekdays({{0, 1}})}, day(2023, 1, 20), 2)
+          .empty());
+  EXPECT_TRUE(
+      days({.frequency = kMonthly, .daysOfTheWeek = weekdays({{2, 6}})}, day(2023, 1, 20), 2)
           .empty());
 }
 
@@ -136,9 +195,8 @@ TEST_F(OlderEnumeration, EndsWhereTheCalendarEndsAndWithoutADate) {
   bool called = false;
   Rule(kMonthly, 1)
       .enumerateDatesForCalendarRefernceDate(
-          {.calendar = *calendar_,
-           .refernceDate = std::nullopt,
-           .usingBlock = [&](NSDate, NSUInteger, bool& stop) { called = stop = true; }});
+          {.calendar = *calendar_, .refernceDate = std::nullopt},
+          [&](NSDate, NSUInteger, bool& stop) { called = stop = true; });
   EXPECT_FALSE(called);
 }
 
@@ -232,7 +290,23 @@ TEST_F(OlderEnumeration, BoundsADateByItselfAndTheNext) {
             (std::vector<NSDate>{day(2023, 1, 31), day(2023, 2, 28)}));
 }
 
-TEST_F(OlderEnumeration, BoundsNothingWhereOneSideIsMissing) {
+TEST_F(OlderEnumeration, BeginsAnAbsoluteQuarterlyRulesSpanByTwelveMonthsEach) {
+  const auto rule = Rule::ruleWithFields(
+      {.frequency = kQuarterly, .interval = 2, .absolute = true, .daysOfTheMonth = {{1}}});
+  EXPECT_EQ(rule->canonicalReferenceDateForDate(day(2011, 3, 15), *calendar_),
+            at(*calendar_, 2013, 2, 15));
+}
+
+TEST_F(OlderEnumeration, BoundsNothingWhereTheCalendarHasOneSideOnly) {
+  // The date before is the date itself, the next one lies beyond the calendar.
+  const Rule rule(kYearly, NSIntegerMax);
+  EXPECT_EQ(days({.frequency = kYearly, .interval = NSIntegerMax, .anchorIndex = NSIntegerMax},
+                 day(2023, 1, 31), 1, true),
+            (Days{20230131}));
+  EXPECT_TRUE(rule.boundingDatesForReferenceDate(day(2023, 1, 31), *calendar_).empty());
+}
+
+TEST_F(OlderEnumeration, BoundsNothingWhereBothSidesAreMissing) {
   const auto rule = Rule::ruleWithFields({.frequency = kMonthly, .daysOfTheMonth = {{32}}});
   EXPECT_TRUE(rule->boundingDatesForReferenceDate(day(2023, 1, 31), *calendar_).empty());
 }

@@ -10,7 +10,8 @@
 namespace ORLFoundation {
 namespace {
 
-using Rule = ORLFDateRecurrenceRule;
+using namespace orlftest;
+
 using Rows = std::vector<std::vector<std::string>>;
 
 std::vector<std::string> split(const std::string& text, char mark) {
@@ -22,7 +23,7 @@ std::vector<std::string> split(const std::string& text, char mark) {
 
 /// The fields of each line after the first.
 Rows rowsOf(const std::string& name) {
-  std::ifstream file(orlftest::vectorFolder().parent_path() / "rrule" / name);
+  std::ifstream file(orlftest::testDataFolder() / "rrule" / name);
   if (!file) file.open("tests/data/rrule/" + name);
   EXPECT_TRUE(file) << name;
   Rows rows;

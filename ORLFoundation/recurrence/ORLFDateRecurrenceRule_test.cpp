@@ -4,12 +4,14 @@
 
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/object/NSArray.h>
+#include <ORLFoundation/platform/value/NSException.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule_testing.h>
 #include <gtest/gtest.h>
 
 namespace ORLFoundation {
 namespace {
 
-using Rule = ORLFDateRecurrenceRule;
+using namespace orlftest;
 
 Rule::Recurrence full() {
   return {.frequency = ORLFDateRecurrenceFrequencyYearly,
@@ -133,6 +135,64 @@ TEST(ORLFDateRecurrenceRule, CopiesAllFieldsWithoutNormalizing) {
   EXPECT_TRUE(copy->absolute());
   rule->setAnchorIndex(1);
   EXPECT_EQ(copy->anchorIndex(), -7);
+}
+
+class Reminder final : public Rule {
+ public:
+  using Rule::Rule;
+  [[nodiscard]] std::string className() const override { return "Reminder"; }
+
+ protected:
+  [[nodiscard]] std::shared_ptr<NSObject> newObjectOfReceiversClass() const override {
+    return std::make_shared<Reminder>(kDaily, 9);
+  }
+};
+
+TEST(ORLFDateRecurrenceRule, CopiesASubclassToItsOwnClass) {
+  const auto reminder = std::make_shared<Reminder>(full());
+  reminder->setAnchorIndex(-7);
+  const auto copy = copyOf(reminder);
+  EXPECT_NE(copy, reminder);
+  EXPECT_EQ(copy->className(), "Reminder");
+  EXPECT_TRUE(copy->isEqual(reminder.get()));
+  EXPECT_TRUE(copy->absolute());
+  const auto simple = reminder->copySimpleRecurrence();
+  EXPECT_EQ(simple->className(), "Reminder");
+  EXPECT_TRUE(simple->isEqual(std::make_shared<Rule>(kYearly, 3).get()));
+  EXPECT_FALSE(simple->absolute());
+}
+
+class Unfinished final : public Rule {
+ public:
+  using Rule::Rule;
+};
+
+TEST(ORLFDateRecurrenceRule, RefusesACopyOfASubclassThatMakesNoObjectsOfItsOwn) {
+  const auto rule = std::make_shared<Unfinished>(full());
+  EXPECT_THROW(static_cast<void>(rule->copy()), NSException);
+  EXPECT_THROW(static_cast<void>(rule->copySimpleRecurrence()), NSException);
+}
+
+TEST(ORLFDateRecurrenceRule, AnswersAnEqualRuleForOneOnTheStack) {
+  Rule monthly(kMonthly, 2);
+  monthly.setAnchorIndex(1);
+  monthly.setAbsolute(true);
+  const auto part = monthly.copySimpleRecurrence();
+  EXPECT_NE(part.get(), &monthly);
+  EXPECT_TRUE(part->isEqual(&monthly));
+  EXPECT_TRUE(part->absolute());
+  Rule rule(full());
+  EXPECT_TRUE(rule.copy()->isEqual(&rule));
+  EXPECT_TRUE(rule.copySimpleRecurrence()->isSimpleRecurrence());
+  Reminder reminder(kMonthly, 2);
+  EXPECT_EQ(reminder.copySimpleRecurrence()->className(), "Reminder");
+}
+
+TEST(ORLFDateRecurrenceRule, LeavesNilOutOfItsLists) {
+  const Rule::DaysOfTheWeek days = {{nullptr, ORLFDateRecurrenceDayOfWeek::dayOfWeek(2), nullptr}};
+  EXPECT_EQ(Rule(Rule::Recurrence{.daysOfTheWeek = days}).daysOfTheWeek()->size(), 1U);
+  EXPECT_EQ(Rule::ruleWithFields({.daysOfTheWeek = days})->daysOfTheWeek()->size(), 1U);
+  EXPECT_TRUE(Rule(Rule::Recurrence{.daysOfTheWeek = {{nullptr}}}).isSimpleRecurrence());
 }
 
 TEST(ORLFDateRecurrenceRule, IsEqualWithoutRegardToAbsolute) {

@@ -1,28 +1,14 @@
 // Reading iCalendar recurrence lines, and the English sentences of rules.
 
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule_testing.h>
 
 #include <gtest/gtest.h>
-#include <tests/support/RecurrenceCodec.h>
 
 namespace ORLFoundation {
 namespace {
 
-using orlftest::Json;
-using Rule = ORLFDateRecurrenceRule;
-
-constexpr auto kYearly = ORLFDateRecurrenceFrequencyYearly;
-constexpr auto kMonthly = ORLFDateRecurrenceFrequencyMonthly;
-constexpr auto kQuarterly = ORLFDateRecurrenceFrequencyQuarterly;
-constexpr auto kWeekly = ORLFDateRecurrenceFrequencyWeekly;
-constexpr auto kDaily = ORLFDateRecurrenceFrequencyDaily;
-
-Rule::DaysOfTheWeek days(std::initializer_list<std::pair<NSInteger, NSInteger>> entries) {
-  Rule::DaysOfTheWeek list(std::in_place);
-  for (const auto& [day, number] : entries)
-    list->push_back(std::make_shared<ORLFDateRecurrenceDayOfWeek>(day, number));
-  return list;
-}
+using namespace orlftest;
 
 Rule::Integers numbers(std::initializer_list<NSInteger> values) {
   return std::vector<NSInteger>(values);
@@ -52,11 +38,11 @@ TEST(RuleText, ReadsEveryKey) {
       {"YearlyUnlessToldOtherwise", "RRULE:INTERVAL=2", {.frequency = kYearly, .interval = 2}},
       {"ByDay",
        "RRULE:FREQ=MONTHLY;BYDAY=1MO,-1FR",
-       {.frequency = kMonthly, .daysOfTheWeek = days({{2, 1}, {6, -1}})}},
+       {.frequency = kMonthly, .daysOfTheWeek = weekdays({{2, 1}, {6, -1}})}},
       {"EveryDayName",
        "RRULE:FREQ=WEEKLY;BYDAY=SU,MO,TU,WE,TH,FR,SA",
        {.frequency = kWeekly,
-        .daysOfTheWeek = days({{1, 0}, {2, 0}, {3, 0}, {4, 0}, {5, 0}, {6, 0}, {7, 0}})}},
+        .daysOfTheWeek = weekdays({{1, 0}, {2, 0}, {3, 0}, {4, 0}, {5, 0}, {6, 0}, {7, 0}})}},
       {"ByMonth",
        "RRULE:BYMONTH=3,13",
        {.frequency = kYearly, .monthsOfTheYear = numbers({3, 13})}},
@@ -90,11 +76,11 @@ TEST(RuleText, ReadsEveryKey) {
         .monthsOfTheYear = numbers({NSIntegerMin})}},
       {"NegativeNumbersAreTakenAsTheyAre",
        "RRULE:INTERVAL=-2;BYDAY=-99SA",
-       {.frequency = kYearly, .interval = -2, .daysOfTheWeek = days({{7, -99}})}},
+       {.frequency = kYearly, .interval = -2, .daysOfTheWeek = weekdays({{7, -99}})}},
       {"WeekdaysAddUp",
        "RRULE:FREQ=WEEKLY;BYDAY=MO;BYMONTHDAY=1;BYDAY=+2TU",
        {.frequency = kWeekly,
-        .daysOfTheWeek = days({{2, 0}, {3, 2}}),
+        .daysOfTheWeek = weekdays({{2, 0}, {3, 2}}),
         .daysOfTheMonth = numbers({1})}},
       {"OtherListsAddUp",
        "RRULE:BYMONTHDAY=1;BYWEEKNO=2;BYYEARDAY=3;BYMONTHDAY=4;BYWEEKNO=5;BYYEARDAY=6",
@@ -240,15 +226,15 @@ TEST(RuleDescription, MatchesTable) {
       {{.frequency = kDaily, .interval = -1}, "repeats every -1 days."},
       {{.frequency = kMonthly, .daysOfTheMonth = numbers({1, 15})},
        "repeats monthly on the 1st, and 15th"},
-      {{.frequency = kWeekly, .daysOfTheWeek = days({{2, 0}, {6, 0}})},
+      {{.frequency = kWeekly, .daysOfTheWeek = weekdays({{2, 0}, {6, 0}})},
        "repeats weekly on Monday, and Friday"},
-      {{.frequency = kMonthly, .daysOfTheWeek = days({{3, 2}})},
+      {{.frequency = kMonthly, .daysOfTheWeek = weekdays({{3, 2}})},
        "repeats monthly on the second Tuesday"},
       {{.frequency = kYearly, .daysOfTheMonth = numbers({15}), .monthsOfTheYear = numbers({3})},
        "repeats yearly on the 15th of March"},
       {{.frequency = kYearly, .monthsOfTheYear = numbers({3})}, "repeats yearly in March"},
       {{.frequency = kMonthly,
-        .daysOfTheWeek = days({{6, 0}}),
+        .daysOfTheWeek = weekdays({{6, 0}}),
         .daysOfTheMonth = numbers({13}),
         .monthsOfTheYear = numbers({1, 10})},
        "repeats monthly on Friday on the 13th of January, and October"},
@@ -264,12 +250,12 @@ TEST(RuleDescription, IntervalOfZeroTakesThePlural) {
 
 TEST(RuleDescription, WeekdaysAreGroupedByNumberTheLastOnesFirst) {
   const auto text = [](auto entries) { return *Rule::partialDescriptionForDaysOfTheWeek(entries); };
-  EXPECT_EQ(text(days({{2, 1}, {6, 0}})), "every Friday, and the first Monday");
-  EXPECT_EQ(text(days({{2, 1}, {6, -1}, {3, 1}})),
+  EXPECT_EQ(text(weekdays({{2, 1}, {6, 0}})), "every Friday, and the first Monday");
+  EXPECT_EQ(text(weekdays({{2, 1}, {6, -1}, {3, 1}})),
             "the last Friday, the first Monday, and the first Tuesday");
-  EXPECT_EQ(text(days({{-2, -1}})), "the last weekday");
-  EXPECT_EQ(text(days({{2, -2}})), "the every Monday");
-  EXPECT_EQ(text(days({{2, 0}})), "Monday");
+  EXPECT_EQ(text(weekdays({{-2, -1}})), "the last weekday");
+  EXPECT_EQ(text(weekdays({{2, -2}})), "the every Monday");
+  EXPECT_EQ(text(weekdays({{2, 0}})), "Monday");
 }
 
 struct OrdinalCase {
@@ -307,7 +293,7 @@ TEST(RuleDescription, ListsKeepTheirOrder) {
   EXPECT_EQ(Rule::partialDescriptionForMonthsOfYear(numbers({12, 3, 7})),
             "December, March, and July");
   EXPECT_EQ(Rule::partialDescriptionForDaysOfTheMonth(numbers({20, 1, 12})), "20th, 1st, and 12th");
-  EXPECT_EQ(Rule::partialDescriptionForDaysOfTheWeek(days({{6, 0}, {2, 0}, {4, 0}})),
+  EXPECT_EQ(Rule::partialDescriptionForDaysOfTheWeek(weekdays({{6, 0}, {2, 0}, {4, 0}})),
             "Friday, Monday, and Wednesday");
 }
 
@@ -317,13 +303,13 @@ TEST(RuleDescription, ValuesThatEqualTheLastAreSetOffByAnd) {
   EXPECT_EQ(Rule::partialDescriptionForMonthsOfYear(numbers({1, 2})), "January, and February");
   EXPECT_EQ(Rule::partialDescriptionForMonthsOfYear(numbers({2, 2, 1, 2})),
             "February, and February, January, and February");
-  EXPECT_EQ(Rule::partialDescriptionForDaysOfTheWeek(days({{6, 1}, {2, 1}, {4, 1}, {2, 1}})),
+  EXPECT_EQ(Rule::partialDescriptionForDaysOfTheWeek(weekdays({{6, 1}, {2, 1}, {4, 1}, {2, 1}})),
             "the first Friday, and the first Monday, the first Wednesday, and the first Monday");
 }
 
 TEST(RuleDescription, NilAndEmptyListsHaveNone) {
   EXPECT_FALSE(Rule::partialDescriptionForDaysOfTheWeek(std::nullopt));
-  EXPECT_FALSE(Rule::partialDescriptionForDaysOfTheWeek(days({})));
+  EXPECT_FALSE(Rule::partialDescriptionForDaysOfTheWeek(weekdays({})));
   EXPECT_FALSE(Rule::partialDescriptionForDaysOfTheMonth(std::nullopt));
   EXPECT_FALSE(Rule::partialDescriptionForDaysOfTheMonth(numbers({})));
   EXPECT_FALSE(Rule::partialDescriptionForMonthsOfYear(std::nullopt));

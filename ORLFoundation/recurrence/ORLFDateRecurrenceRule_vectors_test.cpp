@@ -5,17 +5,17 @@
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/recurrence/ORLFCalendarRecurrence.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule_testing.h>
 #include <ORLFoundation/recurrence/internal/ORLFDateWalk.h>
 #include <gtest/gtest.h>
 #include <tests/support/KnownDisagreements.h>
-#include <tests/support/RecurrenceCodec.h>
 
 #include <cmath>
 
 namespace {
 
 using namespace ORLFoundation;
-using orlftest::Json;
+using namespace orlftest;
 
 Json jsonFromDates(const std::vector<NSDate>& dates) {
   Json list = Json::array();
@@ -51,9 +51,8 @@ std::string enumerated(const Json& in, const Json& out) {
       .startDate = orlftest::dateFromVector(in.at("start")).value(),
       .end = orlftest::endFromVector(in.at("end")),
       .backwards = in.at("backwards").get<bool>(),
-      .exactPatternMatch = in.at("exactPatternMatch").get<bool>(),
-      .usingBlock = collector};
-  rule->enumerateDatesForCalendarStartDate(arguments);
+      .exactPatternMatch = in.at("exactPatternMatch").get<bool>()};
+  rule->enumerateDatesForCalendarStartDate(arguments, collector);
   Json answer = {{"conditions", log.distinctLines()},
                  {"dates", jsonFromDates(collector.dates)},
                  {"lastCount", collector.counts.empty() ? Json() : Json(collector.counts.back())},
@@ -64,7 +63,7 @@ std::string enumerated(const Json& in, const Json& out) {
   if (arguments.exactPatternMatch && rule->isSimpleRecurrence())
     walked = rule->dateRecurrenceRuleForExactMatchToReferenceDate(arguments.startDate, *calendar);
   collector.dates.clear();
-  answer["periods"] = internal::ORLFDateWalk(*walked, arguments).run();
+  answer["periods"] = internal::recurrence::ORLFDateWalk(*walked, arguments, collector).run();
   return orlftest::disagreement(out, answer);
 }
 
@@ -81,8 +80,8 @@ std::string enumeratedOlder(const Json& in, const Json& out) {
       {.calendar = *calendar,
        .refernceDate = orlftest::dateFromVector(in.at("reference")),
        .end = orlftest::endFromVector(in.at("end")),
-       .backwards = in.at("backwards").get<bool>(),
-       .usingBlock = collector});
+       .backwards = in.at("backwards").get<bool>()},
+      collector);
   return orlftest::disagreement(out, Json{{"conditions", log.distinctLines()},
                                           {"dates", jsonFromDates(collector.dates)},
                                           {"stoppedByCallback", collector.stopped}});
@@ -211,11 +210,12 @@ std::string queriedWalk(const Json& in, const Json& out) {
   const auto rule = orlftest::ruleFromVector(in.at("rule"));
   Collector collector{in.at("stopAfter").get<NSUInteger>(), {}, {}, false};
   enumerateDatesUsingRecurrenceRule(
-      *calendar, {.recurrenceRule = *rule,
-                  .startDate = orlftest::dateFromVector(in.at("startDate")).value(),
-                  .backwards = in.at("backwards").get<bool>(),
-                  .referenceDate = orlftest::dateFromVector(in.at("reference")),
-                  .usingBlock = collector});
+      *calendar,
+      {.recurrenceRule = *rule,
+       .startDate = orlftest::dateFromVector(in.at("startDate")).value(),
+       .backwards = in.at("backwards").get<bool>(),
+       .referenceDate = orlftest::dateFromVector(in.at("reference"))},
+      collector);
   return orlftest::disagreement(
       out,
       Json{{"dates", jsonFromDates(collector.dates)},

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <ORLFoundation/calendar/ORLFCalendar_testing.h>
-#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule_testing.h>
 #include <ORLFoundation/recurrence/internal/ORLFDateWalk.h>
 #include <gtest/gtest.h>
 
@@ -11,6 +11,9 @@
 
 namespace orlftest {
 
+/// Days as yyyymmdd.
+using Days = std::vector<int>;
+
 struct WalkOptions {
   std::shared_ptr<ORLFoundation::ORLFDateRecurrenceEnd> end = nullptr;
   bool backwards = false;
@@ -18,28 +21,29 @@ struct WalkOptions {
 };
 
 /// The first dates of the main enumeration, at most so many.
-inline std::vector<ORLFoundation::NSDate> firstDates(
-    const ORLFoundation::ORLFDateRecurrenceRule& rule, const ORLFoundation::NSCalendar& calendar,
-    ORLFoundation::NSDate start, std::size_t most, const WalkOptions& options = {}) {
+inline std::vector<ORLFoundation::NSDate> firstDates(const Rule& rule,
+                                                     const ORLFoundation::NSCalendar& calendar,
+                                                     ORLFoundation::NSDate start, std::size_t most,
+                                                     const WalkOptions& options = {}) {
   using namespace ORLFoundation;
   std::vector<NSDate> dates;
   rule.enumerateDatesForCalendarStartDate({.calendar = calendar,
                                            .startDate = start,
                                            .end = options.end,
                                            .backwards = options.backwards,
-                                           .exactPatternMatch = options.exact,
-                                           .usingBlock = [&](NSDate date, NSUInteger, bool& stop) {
-                                             dates.push_back(date);
-                                             stop = dates.size() >= most;
-                                           }});
+                                           .exactPatternMatch = options.exact},
+                                          [&](NSDate date, NSUInteger, bool& stop) {
+                                            dates.push_back(date);
+                                            stop = dates.size() >= most;
+                                          });
   return dates;
 }
 
-/// The days of a walk as yyyymmdd on the calendar's clock.
-inline std::vector<int> daysOf(const std::vector<ORLFoundation::NSDate>& dates,
-                               const ORLFoundation::NSCalendar& calendar) {
+/// The days of a walk on the calendar's clock.
+inline Days daysOf(const std::vector<ORLFoundation::NSDate>& dates,
+                   const ORLFoundation::NSCalendar& calendar) {
   using namespace ORLFoundation;
-  std::vector<int> days;
+  Days days;
   for (const NSDate date : dates) {
     const auto day =
         calendar.components(NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay, date);
@@ -49,15 +53,14 @@ inline std::vector<int> daysOf(const std::vector<ORLFoundation::NSDate>& dates,
 }
 
 /// How many periods a walk takes that gives no date.
-inline ORLFoundation::NSUInteger periodsOf(const ORLFoundation::ORLFDateRecurrenceRule& rule,
+inline ORLFoundation::NSUInteger periodsOf(const Rule& rule,
                                            const ORLFoundation::NSCalendar& calendar,
                                            ORLFoundation::NSDate start) {
   using namespace ORLFoundation;
   std::size_t delivered = 0;
   const NSUInteger periods =
-      internal::ORLFDateWalk(rule, {.calendar = calendar,
-                                    .startDate = start,
-                                    .usingBlock = [&](NSDate, NSUInteger, bool&) { ++delivered; }})
+      internal::recurrence::ORLFDateWalk(rule, {.calendar = calendar, .startDate = start},
+                                         [&](NSDate, NSUInteger, bool&) { ++delivered; })
           .run();
   EXPECT_EQ(delivered, 0U);
   return periods;
@@ -70,9 +73,8 @@ class EnumerationTest : public testing::Test {
   [[nodiscard]] ORLFoundation::NSDate morning(int year, int month, int day) const {
     return at(*calendar_, year, month, day, 9, 30);
   }
-  [[nodiscard]] std::vector<int> days(const ORLFoundation::ORLFDateRecurrenceRule& rule,
-                                      ORLFoundation::NSDate start, std::size_t most,
-                                      const WalkOptions& options = {}) const {
+  [[nodiscard]] Days days(const Rule& rule, ORLFoundation::NSDate start, std::size_t most,
+                          const WalkOptions& options = {}) const {
     return daysOf(firstDates(rule, *calendar_, start, most, options), *calendar_);
   }
 };

@@ -5,12 +5,13 @@
 #include <ORLFoundation/platform/object/NSSet.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 #include <tests/archives/ArchiveSamples.h>
+#include <tests/support/Files.h>
 #include <tests/support/VectorCodec.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
+#include <filesystem>
 #include <map>
+#include <set>
 #include <stdexcept>
 
 namespace orlftest {
@@ -71,21 +72,24 @@ NSCodingClasses allClasses() {
                            ORLFAmortizationPlanSegment, ORLFAmortizationPlan, SerializableObject>();
 }
 
-std::filesystem::path sampleFolder() { return vectorFolder() / "files" / "archives"; }
+namespace {
+
+const std::string kSampleFolder = "files/archives/";
+
+}  // namespace
 
 NSData sampleNamed(const std::string& file) {
-  std::ifstream stream(sampleFolder() / file, std::ios::binary);
-  if (!stream) throw std::runtime_error("cannot read " + file);
-  const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
-  return NSData(std::string_view(bytes));
+  return NSData(std::string_view(contentOf(vectorFile(kSampleFolder + file))));
 }
 
 std::vector<std::string> sampleNames() {
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(sampleFolder()))
-    names.push_back(entry.path().filename().string());
-  std::sort(names.begin(), names.end());
-  return names;
+  std::set<std::string> names;
+  for (const auto& folder : {vectorFolder(), testDataFolder() / "vectors"}) {
+    if (!std::filesystem::is_directory(folder / kSampleFolder)) continue;
+    for (const auto& entry : std::filesystem::directory_iterator(folder / kSampleFolder))
+      names.insert(entry.path().filename().string());
+  }
+  return {names.begin(), names.end()};
 }
 
 namespace {

@@ -6,7 +6,6 @@
 #include <ORLFoundation/platform/value/NSData.h>
 #include <tests/support/VectorFile.h>
 
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -40,9 +39,9 @@ class SerializableObject final : public ORLFoundation::NSObject,
 /// All classes that a sample can hold.
 [[nodiscard]] ORLFoundation::NSCodingClasses allClasses();
 
-[[nodiscard]] std::filesystem::path sampleFolder();
 [[nodiscard]] ORLFoundation::NSData sampleNamed(const std::string& file);
-/// The names of all samples, in order.
+/// The names of all samples in order: those of the folder that ORLF_VECTORS names, and the
+/// repository's.
 [[nodiscard]] std::vector<std::string> sampleNames();
 
 /// An object in the form that the table of samples writes.

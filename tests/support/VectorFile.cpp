@@ -1,3 +1,4 @@
+#include <ORLFoundation/platform/base/UTF8.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorFile.h>
 
@@ -67,25 +68,6 @@ std::vector<std::string> splitAtTabs(const std::string& line) {
   }
 }
 
-void appendUtf8(std::string& text, std::uint32_t code) {
-  const auto byte = [&text](std::uint32_t value) { text.push_back(static_cast<char>(value)); };
-  if (code < 0x80) {
-    byte(code);
-  } else if (code < 0x800) {
-    byte(0xC0 | (code >> 6));
-    byte(0x80 | (code & 0x3F));
-  } else if (code < 0x10000) {
-    byte(0xE0 | (code >> 12));
-    byte(0x80 | ((code >> 6) & 0x3F));
-    byte(0x80 | (code & 0x3F));
-  } else {
-    byte(0xF0 | (code >> 18));
-    byte(0x80 | ((code >> 12) & 0x3F));
-    byte(0x80 | ((code >> 6) & 0x3F));
-    byte(0x80 | (code & 0x3F));
-  }
-}
-
 /// Reads "{HEX}" at the start of the text, appends its character, answers how much was read.
 std::size_t appendCodePoint(std::string& text, std::string_view braced) {
   const std::size_t end = braced.find('}');
@@ -96,7 +78,7 @@ std::size_t appendCodePoint(std::string& text, std::string_view braced) {
   const auto [stop, error] = std::from_chars(braced.data() + 1, last, code, 16);
   if (error != std::errc() || stop != last || code > 0x10FFFF)
     throw std::runtime_error("\\u{...} holds no code point");
-  appendUtf8(text, code);
+  ORLFoundation::internal::base::appendUTF8(text, code);
   return end + 1;
 }
 
@@ -138,13 +120,7 @@ std::string runJsonRow(const Json& row, const JsonChecks& checkByOperation) {
 
 template <typename Run>
 void runInTest(const std::string& name, Run run) {
-  const std::filesystem::path file = vectorFolder() / name;
-  // 2026-11-21: a folder that is named for one run may hold some topics only; the folder of the
-  // repository holds all, and there a file that is missing fails.
-  if (std::getenv("ORLF_VECTORS") != nullptr && std::filesystem::is_directory(vectorFolder()) &&
-      !std::filesystem::exists(file))
-    GTEST_SKIP() << name << " is not among the vectors of this run";
-  const VectorReport report = run(file);
+  const VectorReport report = run(vectorFile(name));
   const std::size_t shown = std::min(report.disagreements.size(), kShownDisagreements);
   for (std::size_t index = 0; index < shown; ++index)
     std::cout << report.disagreements[index] << '\n';
@@ -253,7 +229,20 @@ void runJsonRows(const std::string& stem, const JsonRowCheck& check) {
 
 std::filesystem::path vectorFolder() {
   const char* const given = std::getenv("ORLF_VECTORS");
-  return given != nullptr ? given : ORLF_SOURCE_DIR "/tests/data/vectors";
+  return given != nullptr ? std::filesystem::path(given) : testDataFolder() / "vectors";
+}
+
+std::filesystem::path testDataFolder() { return ORLF_SOURCE_DIR "/tests/data"; }
+
+std::filesystem::path vectorFile(const std::string& name) {
+  const std::filesystem::path file = vectorFolder() / name;
+  const std::filesystem::path own = testDataFolder() / "vectors" / name;
+  // A misspelled folder must not pass for one that happens to lack every file.
+  if (file == own || std::filesystem::exists(file) ||
+      !std::filesystem::is_directory(vectorFolder()))
+    return file;
+  std::cout << name << ": not in the folder of ORLF_VECTORS, the repository's is run\n";
+  return own;
 }
 
 std::string unescapedField(std::string_view field) {

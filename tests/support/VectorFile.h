@@ -10,8 +10,8 @@
 ///       });
 ///     }
 ///
-/// Files are looked for in the folder that the environment variable ORLF_VECTORS names, else in
-/// tests/data/vectors.
+/// Files are looked for in the folder that the environment variable ORLF_VECTORS names. What it
+/// does not hold, and everything where it is not set, is read from tests/data/vectors.
 #pragma once
 
 #include <cstddef>
@@ -83,15 +83,20 @@ struct VectorReport {
 [[nodiscard]] VectorReport checkJsonRows(const std::filesystem::path& file,
                                          const JsonRowCheck& check);
 
-/// Runs <stem>.tsv or <stem>.jsonl of the vectors folder. Prints the first 20 disagreements and a
-/// closing line, and fails the running test unless every row agrees. A file that a folder named by
-/// ORLF_VECTORS does not hold skips the test; in the default folder it must be there.
+/// Runs <stem>.tsv or <stem>.jsonl of the vectors. Prints the first 20 disagreements and a closing
+/// line, and fails the running test unless every row agrees.
 void runTsvVectors(const std::string& stem, const TsvCheck& check);
 void runJsonVectors(const std::string& stem, const JsonChecks& checkByOperation);
 void runJsonRows(const std::string& stem, const JsonRowCheck& check);
 
-/// The folder that vectors are read from.
+/// The folder that ORLF_VECTORS names, else that of the repository.
 [[nodiscard]] std::filesystem::path vectorFolder();
+/// The repository's files for tests; its vectors are in "vectors".
+[[nodiscard]] std::filesystem::path testDataFolder();
+/// A file, or a sample under "files", of the vectors. Where the folder that ORLF_VECTORS names does
+/// not hold it, the repository's is taken and a line says so; where there is no such folder, the
+/// path into it is answered, at which there is nothing to read.
+[[nodiscard]] std::filesystem::path vectorFile(const std::string& name);
 
 /// A field as written in a table: \t \n \r \\ and \u{HEX} stand for characters. Throws for
 /// anything else after a backslash.

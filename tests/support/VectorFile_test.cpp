@@ -1,9 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <tests/support/TemporaryFolder.h>
 #include <tests/support/VectorFile.h>
 
 #include <cstdlib>
-#include <fstream>
+#include <optional>
 
 namespace orlftest {
 namespace {
@@ -12,37 +13,14 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-/// A file in a folder of its own, both gone at the end.
-class TemporaryFile {
- public:
-  TemporaryFile(const std::string& name, const std::string& content) {
-    std::string pattern = testing::TempDir() + "orlf-vectors-XXXXXX";
-    folder_ = mkdtemp(pattern.data());
-    std::ofstream(path(name), std::ios::binary) << content;
-    name_ = name;
-  }
-  ~TemporaryFile() { std::filesystem::remove_all(folder_); }
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-  [[nodiscard]] std::filesystem::path path() const { return folder_ / name_; }
-  [[nodiscard]] std::filesystem::path folder() const { return folder_; }
-
- private:
-  [[nodiscard]] std::filesystem::path path(const std::string& name) const { return folder_ / name; }
-
-  std::filesystem::path folder_;
-  std::string name_;
-};
-
 VectorReport tsv(const std::string& content, const TsvCheck& check) {
-  const TemporaryFile file("table.tsv", content);
-  return checkTsvFile(file.path(), check);
+  const TemporaryFolder folder;
+  return checkTsvFile(folder.write("table.tsv", content), check);
 }
 
 VectorReport jsonl(const std::string& content, const JsonChecks& checks) {
-  const TemporaryFile file("lines.jsonl", content);
-  return checkJsonFile(file.path(), checks);
+  const TemporaryFolder folder;
+  return checkJsonFile(folder.write("lines.jsonl", content), checks);
 }
 
 const TsvCheck kAgrees = [](const TsvRow&) { return std::string(); };
@@ -185,6 +163,54 @@ TEST(VectorFile, DisagreementOfOptionalTextsTellsNilFromEmpty) {
   using Text = std::optional<std::string>;
   EXPECT_THAT(disagreement(Text("a"), Text("a")), IsEmpty());
   EXPECT_EQ(disagreement(Text(), Text("")), "expected nil, got \"\"");
+}
+
+/// Sets a variable of the environment while it lives.
+class Environment {
+ public:
+  Environment(const char* name, const std::string& value) : name_(name) {
+    if (const char* before = std::getenv(name)) before_ = before;
+    ::setenv(name, value.c_str(), 1);
+  }
+  ~Environment() {
+    if (before_)
+      ::setenv(name_, before_->c_str(), 1);
+    else
+      ::unsetenv(name_);
+  }
+  Environment(const Environment&) = delete;
+  Environment& operator=(const Environment&) = delete;
+
+ private:
+  const char* name_;
+  std::optional<std::string> before_;
+};
+
+TEST(VectorFile, IsTakenFromTheNamedFolderAndElseFromTheRepository) {
+  const TemporaryFolder folder;
+  const std::string given = folder.write("given.tsv", "id\nrow-1\n");
+  const Environment environment("ORLF_VECTORS", folder.path());
+  EXPECT_EQ(vectorFile("given.tsv"), given);
+  EXPECT_EQ(vectorFile("calendars_offset.tsv"),
+            testDataFolder() / "vectors" / "calendars_offset.tsv");
+  std::size_t rows = 0;
+  const TsvCheck count = [&](const TsvRow&) {
+    ++rows;
+    return std::string();
+  };
+  runTsvVectors("given", count);
+  EXPECT_EQ(rows, 1U);
+  testing::internal::CaptureStdout();
+  runTsvVectors("calendars_offset", count);
+  EXPECT_THAT(testing::internal::GetCapturedStdout(),
+              HasSubstr("calendars_offset.tsv: not in the folder of ORLF_VECTORS"));
+  EXPECT_GT(rows, 1U);
+}
+
+TEST(VectorFile, IsNotReplacedWhereTheNamedFolderIsAbsent) {
+  const TemporaryFolder folder;
+  const Environment environment("ORLF_VECTORS", folder.path() / "absent");
+  EXPECT_EQ(vectorFile("calendars_offset.tsv"), folder.path() / "absent" / "calendars_offset.tsv");
 }
 
 }  // namespace

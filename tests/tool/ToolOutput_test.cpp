@@ -1,14 +1,12 @@
 // What the case files cannot show: JSON, files that commands write, output that fails.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <streambuf>
 #include <string>
 
+#include <tests/support/TemporaryFolder.h>
 #include <tests/tool/RunTool.h>
 
 namespace {
@@ -29,22 +27,7 @@ Json jsonOf(std::vector<std::string> arguments) {
   return Json::parse(run.out);
 }
 
-class ToolOutput : public testing::Test {
- protected:
-  void SetUp() override {
-    std::string pattern = testing::TempDir() + "/toolXXXXXX";
-    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
-  }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
-  [[nodiscard]] std::string path(const std::string& name) const { return folder_ / name; }
-  [[nodiscard]] std::string read(const std::string& name) const {
-    std::ifstream file(path(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-
-  std::filesystem::path folder_;
-};
+class ToolOutput : public orlftest::TemporaryFolderTest {};
 
 TEST_F(ToolOutput, EveryCommandHasHelp) {
   for (const char* command :
@@ -119,7 +102,7 @@ TEST_F(ToolOutput, LoansAsJson) {
 }
 
 TEST_F(ToolOutput, RatesOfReturnAsJson) {
-  std::ofstream(path("flows.csv")) << "2023-01-01,-100\n2024-01-01,110\n";
+  write("flows.csv", "2023-01-01,-100\n2024-01-01,110\n");
   const Json rate = jsonOf({"irr", path("flows.csv")});
   EXPECT_NEAR(std::stod(rate["rate"].get<std::string>()), 0.1, 0.00001);
   EXPECT_EQ(rate["flows"], 2);
@@ -155,7 +138,7 @@ TEST_F(ToolOutput, SumsAsJson) {
 }
 
 TEST_F(ToolOutput, LinksAsJson) {
-  std::ofstream(path("handlers.txt")) << "accept /a\ndecline a/b\naccept /x\n";
+  write("handlers.txt", "accept /a\ndecline a/b\naccept /x\n");
   const std::string handlers = "--handlers=" + path("handlers.txt");
   EXPECT_EQ(jsonOf({"link", "https://x.org/a/b%20c", handlers}),
             Json::parse(R"json({"url": "https://x.org/a/b%20c", "path": "/a/b c",
@@ -215,9 +198,7 @@ TEST_F(ToolOutput, TableAndChartAreWritten) {
                         "2027-01-01T00:00:00-06:00,640000,0\n"))
       << table.substr(0, 200);
   EXPECT_EQ(std::count(table.begin(), table.end(), '\n'), 1 + 28 * 4 + 1);
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_),
-                          std::filesystem::directory_iterator()),
-            2);
+  EXPECT_EQ(names().size(), 2U);
 }
 
 TEST_F(ToolOutput, AFailedPlanWritesNothing) {
@@ -227,7 +208,7 @@ TEST_F(ToolOutput, AFailedPlanWritesNothing) {
   EXPECT_EQ(run.out, "");
   EXPECT_EQ(run.err,
             "orlf plan: " + path("absent.json") + ": cannot be read: No such file or directory\n");
-  EXPECT_TRUE(std::filesystem::is_empty(folder_));
+  EXPECT_TRUE(names().empty());
 }
 
 TEST_F(ToolOutput, ChartsThatCannotBeWrittenFailTheJob) {

@@ -2,8 +2,9 @@
 #include <ORLFoundation/amortization/internal/ORLFBalanceSearch.h>
 
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
+#include <ORLFoundation/platform/base/CheckedArithmetic.h>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::amortization {
 namespace {
 
 constexpr NSUInteger kFirstGuess = 100;
@@ -27,8 +28,9 @@ class Search {
       const auto side = sideOfTarget(bounds.high);
       if (!side) return std::nullopt;
       if (*side != beyond) return bounds;
-      bounds.low = bounds.high;
-      if (__builtin_mul_overflow(bounds.high, NSUInteger{2}, &bounds.high)) return std::nullopt;
+      const auto doubled = base::checkedProduct(bounds.high, 2);
+      if (!doubled) return std::nullopt;
+      bounds = {.low = bounds.high, .high = *doubled};
     }
   }
 
@@ -75,4 +77,4 @@ NSUInteger periodsToReachBalance(const NSDecimalNumber& target, const NSDecimalN
   return search.bisect(*bounds).value_or(NSIntegerMax);
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::amortization

@@ -7,7 +7,7 @@
 #include <functional>
 #include <optional>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::amortization {
 
 /// The balance after a number of periods; nil when it cannot be told.
 using ORLFBalanceAfterPeriods = std::function<std::optional<NSDecimalNumber>(NSUInteger)>;
@@ -18,4 +18,4 @@ using ORLFBalanceAfterPeriods = std::function<std::optional<NSDecimalNumber>(NSU
                                                const NSDecimalNumber& principal,
                                                const ORLFBalanceAfterPeriods& balanceAfter);
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::amortization

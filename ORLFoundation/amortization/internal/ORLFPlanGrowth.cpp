@@ -1,16 +1,15 @@
 
 #include <ORLFoundation/amortization/internal/ORLFPlanGrowth.h>
 
-#include <ORLFoundation/amortization/internal/ORLFPlanArithmetic.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
 
 #include <cmath>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::amortization {
 
 ORLFContributionStep ORLFContributionStep::of(const ORLFDateRecurrencePeriod* period) noexcept {
   if (!period) return {};
-  return {.unit = unitOf(*period), .interval = period->interval()};
+  return {.unit = static_cast<NSCalendarUnit>(period->frequency()), .interval = period->interval()};
 }
 
 double ORLFContributionStep::unitsPerYear(const NSCalendar& calendar, NSDate date) const noexcept {
@@ -49,4 +48,4 @@ std::optional<NSDecimalNumber> decimalOfProjection(double total,
   return orlfDecimalNumberWithDouble(total).decimalNumberByRoundingAccordingToBehavior(behavior);
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::amortization

@@ -9,7 +9,7 @@
 
 #include <optional>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::amortization {
 
 /// Unit and interval of contributions; a null period is monthly.
 struct ORLFContributionStep {
@@ -61,4 +61,4 @@ class ORLFPlanGrowth {
 [[nodiscard]] std::optional<NSDecimalNumber> decimalOfProjection(
     double total, const NSDecimalNumberBehaviors* behavior);
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::amortization

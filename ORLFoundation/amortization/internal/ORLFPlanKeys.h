@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::amortization {
 
 inline constexpr std::string_view kSegmentsKey = "segments";
 inline constexpr std::string_view kEndDateKey = "endDate";
@@ -18,4 +18,4 @@ inline constexpr std::string_view kAnualCompoundingRateKey = "anualCompoundingRa
 inline constexpr std::string_view kCompoundingFrequncyKey = "compoundingFrequncy";
 inline constexpr std::string_view kAnualInflationRateKey = "anualInflationRate";
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::amortization

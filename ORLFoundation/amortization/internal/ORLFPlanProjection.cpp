@@ -1,12 +1,22 @@
 
 #include <ORLFoundation/amortization/internal/ORLFPlanProjection.h>
 
-#include <ORLFoundation/amortization/internal/ORLFPlanArithmetic.h>
 #include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
+#include <ORLFoundation/platform/value/NSException.h>
 
 #include <cmath>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::amortization {
+namespace {
+
+/// Both as unsigned numbers, so that a date before the first contribution gives a huge count.
+NSUInteger unsignedPeriods(NSInteger units, NSInteger interval) {
+  if (interval == 0)
+    throw NSException(NSInvalidArgumentException, "The interval of a contribution frequency is 0");
+  return static_cast<NSUInteger>(units) / static_cast<NSUInteger>(interval);
+}
+
+}  // namespace
 
 ORLFPlanProjection::ORLFPlanProjection(const ORLFPlanTerms& terms, NSDate fristContributionDate,
                                        const NSCalendar& calendar,
@@ -35,8 +45,7 @@ std::optional<NSDecimalNumber> ORLFPlanProjection::principalWithoutGrowth(
     NSDate date, const NSDecimalNumber& principal) const {
   const NSInteger units =
       orlfIntervalInCalendarUnit(*calendar_, step_.unit, fristContributionDate_, date);
-  const NSUInteger periods =
-      dividedByUnsignedInterval(static_cast<NSUInteger>(units), step_.interval);
+  const NSUInteger periods = unsignedPeriods(units, step_.interval);
   const bool topBit = static_cast<NSInteger>(periods) < 0;
   const auto contributed = contribution_.decimalNumberByMultiplyingBy(
       NSDecimalNumber::decimalNumberWithMantissa(periods, 0, topBit), behavior_);
@@ -56,4 +65,4 @@ double ORLFPlanProjection::principalWithGrowth(NSDate date, double principal) co
   return contributed + principal * growth;
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::amortization

@@ -11,7 +11,7 @@
 
 #include <optional>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::amortization {
 
 /// The terms of a stretch as their owner holds them: borrowed for the construction. A null
 /// frequency is monthly.
@@ -46,4 +46,4 @@ class ORLFPlanProjection {
   ORLFPlanGrowth growth_;
 };
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::amortization

@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-namespace ORLFoundation {
+namespace ORLFoundation::internal::amortization {
 namespace {
 
 constexpr int kMostSteps = 50;
@@ -54,4 +54,4 @@ std::optional<double> ORLFRateOfReturn(const ORLFCashFlows& flows) {
   return std::nullopt;
 }
 
-}  // namespace ORLFoundation
+}  // namespace ORLFoundation::internal::amortization

@@ -7,7 +7,7 @@
 #include <optional>
 #include <vector>
 
-namespace ORLFoundation {
+namespace ORLFoundation::internal::amortization {
 
 /// Cash flows as two lists of equal length, times in years.
 struct ORLFCashFlows {
@@ -24,4 +24,4 @@ struct ORLFCashFlows {
 /// nothing when 50 widenings find no bracket, or 50 halvings no such rate.
 [[nodiscard]] std::optional<double> ORLFRateOfReturn(const ORLFCashFlows& flows);
 
-}  // namespace ORLFoundation
+}  // namespace ORLFoundation::internal::amortization

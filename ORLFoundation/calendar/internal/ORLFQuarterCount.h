@@ -6,10 +6,10 @@
 
 #include <optional>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::calendar {
 
 /// nil for a date that the calendar cannot place; `NSNotFound` where there are no quarters.
 [[nodiscard]] std::optional<NSInteger> quartersSince1970(const NSCalendar& calendar,
                                                          NSDate date) noexcept;
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::calendar

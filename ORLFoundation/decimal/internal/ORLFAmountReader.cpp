@@ -2,6 +2,8 @@
 #include <ORLFoundation/decimal/internal/ORLFAmountReader.h>
 
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
+#include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/CheckedArithmetic.h>
 #include <ORLFoundation/platform/log/NSLog.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
@@ -19,7 +21,7 @@ constexpr std::size_t kSmallestGroup = 2;
 constexpr int kThousandsGroup = 3;
 constexpr int kFractionPlaces = 4;
 
-bool isDigit(char16_t c) noexcept { return c >= u'0' && c <= u'9'; }
+using base::isDigit;
 
 std::int8_t categoryOf(char32_t c) noexcept { return u_charType(static_cast<UChar32>(c)); }
 
@@ -51,7 +53,7 @@ std::string fourPlaces(double value) {
 std::size_t addOne(std::string& digits, std::size_t end) {
   std::size_t at = end;
   while (at > 0 && digits[at - 1] == '9') digits[--at] = '0';
-  if (at > 0 && isDigit(static_cast<char16_t>(digits[at - 1]))) {
+  if (at > 0 && isDigit(digits[at - 1])) {
     ++digits[at - 1];
     return end;
   }
@@ -178,9 +180,10 @@ bool ORLFAmountReader::takeOther(std::size_t index) const {
 std::int64_t ORLFAmountReader::integerBetween(std::size_t from, std::size_t to) const {
   std::int64_t value = 0;
   for (; from < to; ++from) {
-    if (__builtin_mul_overflow(value, 10, &value) ||
-        __builtin_add_overflow(value, text_[from] - u'0', &value))
-      return std::numeric_limits<std::int64_t>::max();
+    const auto shifted = base::checkedProduct(value, 10);
+    const auto longer = shifted ? base::checkedSum(*shifted, text_[from] - u'0') : std::nullopt;
+    if (!longer) return std::numeric_limits<std::int64_t>::max();
+    value = *longer;
   }
   return value;
 }

@@ -2,6 +2,8 @@
 #include <ORLFoundation/platform/alert/NSAlertPresenter.h>
 
 #include <ORLFoundation/platform/alert/NSAlert.h>
+#include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/Replaceable.h>
 #include <ORLFoundation/platform/log/NSLog.h>
 #include <unistd.h>
 
@@ -13,16 +15,10 @@
 namespace ORLFoundation {
 namespace {
 
-struct Current {
-  std::mutex lock;
-  std::shared_ptr<NSAlertPresenter> presenter = std::make_shared<NSTerminalAlertPresenter>();
-};
-
-// Never destroyed: what fails while the process ends still finds it.
-Current& current() {
-  static Current& current = *new Current;
-  return current;
-}
+constinit internal::base::Replaceable<NSAlertPresenter> presenters(
+    []() -> std::shared_ptr<NSAlertPresenter> {
+      return std::make_shared<NSTerminalAlertPresenter>();
+    });
 
 std::string textOf(const NSAlert& alert) {
   std::string text = alert.messageText();
@@ -63,12 +59,8 @@ std::optional<std::string> readLine(int input) {
   return line;
 }
 
-char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; }
-
 bool beginsWithoutCase(std::string_view title, std::string_view text) {
-  return !text.empty() && text.size() <= title.size() &&
-         std::equal(text.begin(), text.end(), title.begin(),
-                    [](char left, char right) { return lowered(left) == lowered(right); });
+  return !text.empty() && internal::base::equalsIgnoringCase(title.substr(0, text.size()), text);
 }
 
 /// The one button that a line names; nil when it names none or several.
@@ -113,15 +105,10 @@ std::vector<std::string> NSScriptedAlertPresenter::shown() const {
   return shown_;
 }
 
-std::shared_ptr<NSAlertPresenter> NSCurrentAlertPresenter() {
-  const std::lock_guard guard(current().lock);
-  return current().presenter;
-}
+std::shared_ptr<NSAlertPresenter> NSCurrentAlertPresenter() { return presenters.current(); }
 
 std::shared_ptr<NSAlertPresenter> NSSetAlertPresenter(std::shared_ptr<NSAlertPresenter> presenter) {
-  if (!presenter) presenter = std::make_shared<NSTerminalAlertPresenter>();
-  const std::lock_guard guard(current().lock);
-  return std::exchange(current().presenter, std::move(presenter));
+  return presenters.exchangeMade(std::move(presenter));
 }
 
 }  // namespace ORLFoundation

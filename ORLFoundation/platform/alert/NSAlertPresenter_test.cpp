@@ -2,6 +2,7 @@
 #include <ORLFoundation/platform/alert/NSAlertPresenter.h>
 
 #include <ORLFoundation/platform/alert/NSAlert.h>
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -123,11 +124,11 @@ TEST(NSTerminalAlertPresenter, LogsAndTakesTheFirstButtonWithNoOneToAsk) {
 
 TEST(NSSetAlertPresenter, NullStandsForTheTerminal) {
   const auto scripted = std::make_shared<NSScriptedAlertPresenter>(std::vector<NSInteger>{});
-  const auto before = NSSetAlertPresenter(scripted);
+  const Replaced presenter(NSSetAlertPresenter, scripted);
+  ASSERT_NE(presenter.before(), nullptr);
   EXPECT_EQ(NSCurrentAlertPresenter(), scripted);
   EXPECT_EQ(NSSetAlertPresenter(nullptr), scripted);
   EXPECT_NE(dynamic_cast<NSTerminalAlertPresenter*>(NSCurrentAlertPresenter().get()), nullptr);
-  NSSetAlertPresenter(before);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <ORLFoundation/platform/alert/NSAlert.h>
 
 #include <ORLFoundation/platform/alert/NSAlertPresenter.h>
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -38,12 +39,11 @@ TEST(NSAlert, HasTheReasonAndOKForAnErrorWithoutRecovery) {
 
 TEST(NSAlert, AnswersTheCodeOfTheButtonThatThePresenterChose) {
   const auto presenter = std::make_shared<NSScriptedAlertPresenter>(std::vector<NSInteger>{1, 2});
-  const auto before = NSSetAlertPresenter(presenter);
+  const Replaced installed(NSSetAlertPresenter, presenter);
   const NSAlert alert("Message", "More", {"Quit", "Continue", "Wait"});
   EXPECT_EQ(alert.runModal(), NSAlertSecondButtonReturn);
   EXPECT_EQ(alert.runModal(), 1002);
   EXPECT_EQ(alert.runModal(), NSAlertFirstButtonReturn);
-  NSSetAlertPresenter(before);
   EXPECT_THAT(presenter->shown(), ElementsAre("Message\nMore\nQuit\nContinue\nWait",
                                               "Message\nMore\nQuit\nContinue\nWait",
                                               "Message\nMore\nQuit\nContinue\nWait"));

@@ -23,8 +23,8 @@ std::shared_ptr<NSAssertionHandler> NSAssertionHandler::currentHandler() {
   const auto dictionary = NSThread::currentThread()->threadDictionary();
   if (auto handler = dictionary->objectForKey(NSAssertionHandlerKey).as<NSAssertionHandler>())
     return handler;
-  auto handler = std::make_shared<NSAssertionHandler>();
-  dictionary->setObject(handler, NSAssertionHandlerKey);
+  // Never destroyed: assertions that fail while the process ends still find it.
+  static const auto& handler = *new auto(std::make_shared<NSAssertionHandler>());
   return handler;
 }
 

@@ -32,8 +32,8 @@ struct NSMethodFailure {
 
 class NSAssertionHandler : public NSObject {
  public:
-  /// `currentHandler`  The one under `NSAssertionHandlerKey` of the calling thread's dictionary; a
-  /// new one is put there when there is none.
+  /// `currentHandler`  The one under `NSAssertionHandlerKey` of the calling thread's dictionary;
+  /// where there is none, one of the process, and the dictionary is left as it is.
   [[nodiscard]] static std::shared_ptr<NSAssertionHandler> currentHandler();
 
   /// `handleFailureInMethod:object:file:lineNumber:description:`  Logs "*** Assertion failure in

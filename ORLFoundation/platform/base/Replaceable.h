@@ -1,6 +1,7 @@
 /// A door to the outside world: one value for the whole process that a host or a test may replace.
 ///
-///     constinit Replaceable<Presenter> presenters([] { return std::make_shared<Terminal>(); });
+///     constinit Replaceable<Presenter> presenters(
+///         []() -> std::shared_ptr<Presenter> { return std::make_shared<Terminal>(); });
 ///     presenters.current()->show(alert);
 ///     const auto before = presenters.exchange(std::make_shared<Window>());
 #pragma once
@@ -50,6 +51,14 @@ class Replaceable {
     return value;
   }
 
+  /// The same, and never gives null: makes the default that nobody had asked for. For doors whose
+  /// default costs nothing to make.
+  Pointer exchangeMade(Pointer value) {
+    if (value == nullptr) value = makeDefault_();
+    static_cast<void>(current());
+    return exchange(std::move(value));
+  }
+
  private:
   Pointer stored() {
     const std::lock_guard guard(lock_);
@@ -65,6 +74,25 @@ class Replaceable {
   std::mutex lock_;
   std::atomic<bool> isFilled_{false};
   Pointer* place_ = nullptr;
+};
+
+/// The same for a function, which may be called while it is replaced; an empty one stands for the
+/// default, which is the caller's.
+template <class Function>
+class ReplaceableFunction {
+ public:
+  /// null where none is put in; then no lock is taken.
+  [[nodiscard]] std::shared_ptr<const Function> current() { return function_.current(); }
+  /// Gives back the one before, empty where the default stood.
+  Function exchange(Function function) {
+    std::shared_ptr<const Function> next;
+    if (function) next = std::make_shared<const Function>(std::move(function));
+    const std::shared_ptr<const Function> before = function_.exchange(std::move(next));
+    return before ? *before : Function();
+  }
+
+ private:
+  Replaceable<const Function> function_;
 };
 
 }  // namespace ORLFoundation::internal::base

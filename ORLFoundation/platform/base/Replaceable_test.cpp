@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <string>
 #include <thread>
@@ -13,6 +14,7 @@ namespace ORLFoundation {
 namespace {
 
 using internal::base::Replaceable;
+using internal::base::ReplaceableFunction;
 using Text = std::shared_ptr<const std::string>;
 
 int defaultsMade = 0;
@@ -50,6 +52,28 @@ TEST(Replaceable, IsNullWithoutADefault) {
   EXPECT_EQ(door.exchange(text("a")), nullptr);
   EXPECT_EQ(*door.current(), "a");
   EXPECT_EQ(*door.exchange(nullptr), "a");
+  EXPECT_EQ(door.current(), nullptr);
+}
+
+TEST(Replaceable, GivesTheDefaultBackWhereNullIsNoAnswer) {
+  static constinit Replaceable<const std::string> door(makeDefault);
+  defaultsMade = 0;
+  EXPECT_EQ(*door.exchangeMade(text("a")), "default 1");
+  EXPECT_EQ(*door.exchangeMade(nullptr), "a");
+  EXPECT_EQ(*door.exchangeMade(text("b")), "default 2");
+  EXPECT_EQ(*door.current(), "b");
+}
+
+TEST(ReplaceableFunction, IsNullOrEmptyWhereTheDefaultStands) {
+  static constinit ReplaceableFunction<std::function<int()>> door;
+  EXPECT_EQ(door.current(), nullptr);
+  EXPECT_FALSE(door.exchange([] { return 1; }));
+  const auto first = door.current();
+  const auto before = door.exchange([] { return 2; });
+  EXPECT_EQ((*first)(), 1);  // still held
+  EXPECT_EQ(before(), 1);
+  EXPECT_EQ((*door.current())(), 2);
+  EXPECT_EQ(door.exchange({})(), 2);
   EXPECT_EQ(door.current(), nullptr);
 }
 

@@ -1,6 +1,8 @@
 
 #include <ORLFoundation/platform/defaults/NSUserDefaults.h>
 
+#include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/Replaceable.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaultsFile.h>
 #include <ORLFoundation/platform/defaults/internal/DefaultsValues.h>
 #include <ORLFoundation/platform/log/NSLog.h>
@@ -13,18 +15,10 @@
 #include <utility>
 
 namespace ORLFoundation {
+
+using namespace internal::defaults;
+
 namespace {
-
-struct Standard {
-  std::mutex lock;
-  std::shared_ptr<NSUserDefaults> defaults;
-};
-
-// Never destroyed: what asks while the process ends still finds it.
-Standard& standard() {
-  static Standard& standard = *new Standard;
-  return standard;
-}
 
 std::vector<std::string> wordsOfProcess() {
   std::ifstream file("/proc/self/cmdline", std::ios::binary);
@@ -44,10 +38,11 @@ std::shared_ptr<NSUserDefaults> makeStandard() {
   return defaults;
 }
 
+// Reading them may log, and a sink may ask for them meanwhile.
+constinit internal::base::Replaceable<NSUserDefaults> standard(makeStandard);
+
 bool isKeyWord(std::string_view word) {
-  if (word.size() < 2 || word[0] != '-') return false;
-  const char c = word[1];
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+  return word.size() > 1 && word[0] == '-' && (internal::base::isLetter(word[1]) || word[1] == '_');
 }
 
 void refuseUnlessPropertyList(const id& object, std::string_view key) {
@@ -75,21 +70,12 @@ NSUserDefaults::NSUserDefaults(std::shared_ptr<NSUserDefaultsStore> store)
 }
 
 std::shared_ptr<NSUserDefaults> NSUserDefaults::standardUserDefaults() {
-  {
-    const std::lock_guard guard(standard().lock);
-    if (standard().defaults) return standard().defaults;
-  }
-  // Made outside of the lock, because reading them may log, and a sink may ask for them.
-  std::shared_ptr<NSUserDefaults> made = makeStandard();
-  const std::lock_guard guard(standard().lock);
-  if (!standard().defaults) standard().defaults = std::move(made);
-  return standard().defaults;
+  return standard.current();
 }
 
 std::shared_ptr<NSUserDefaults> NSUserDefaults::setStandardUserDefaults(
     std::shared_ptr<NSUserDefaults> defaults) {
-  const std::lock_guard guard(standard().lock);
-  return std::exchange(standard().defaults, std::move(defaults));
+  return standard.exchange(std::move(defaults));
 }
 
 std::shared_ptr<NSDictionary> NSUserDefaults::argumentsFromWords(
@@ -171,7 +157,7 @@ std::optional<NSData> NSUserDefaults::dataForKey(std::string_view key) const {
 }
 
 std::optional<NSURL> NSUserDefaults::URLForKey(std::string_view key) const {
-  return internal::addressOfValue(objectForKey(key));
+  return addressOfValue(objectForKey(key));
 }
 
 std::shared_ptr<NSDictionary> NSUserDefaults::dictionaryRepresentation() const {
@@ -188,7 +174,7 @@ std::shared_ptr<NSDictionary> NSUserDefaults::dictionaryRepresentation() const {
 
 void NSUserDefaults::setObject(const id& object, std::string_view forKey) {
   if (object) refuseUnlessPropertyList(object, forKey);
-  changeValue(forKey, [&] { keep(internal::immutableCopy(object), forKey); });
+  changeValue(forKey, [&] { keep(immutableCopy(object), forKey); });
 }
 
 void NSUserDefaults::setValueForKey(const id& value, std::string_view key) {
@@ -196,14 +182,14 @@ void NSUserDefaults::setValueForKey(const id& value, std::string_view key) {
 }
 
 void NSUserDefaults::setURL(const std::optional<NSURL>& url, std::string_view forKey) {
-  setObject(url ? internal::valueOfAddress(*url) : id(), forKey);
+  setObject(url ? valueOfAddress(*url) : id(), forKey);
 }
 
 void NSUserDefaults::removeObjectForKey(std::string_view key) { setObject(nullptr, key); }
 
 void NSUserDefaults::registerDefaults(const NSDictionary& defaults) {
-  const auto added = internal::immutableCopy(std::make_shared<NSDictionary>(defaults.entries()))
-                         .as<NSDictionary>();
+  const auto added =
+      immutableCopy(std::make_shared<NSDictionary>(defaults.entries())).as<NSDictionary>();
   const std::lock_guard guard(lock_);
   NSMutableDictionary all(registered_->entries());
   all.addEntriesFromDictionary(*added);
@@ -211,8 +197,10 @@ void NSUserDefaults::registerDefaults(const NSDictionary& defaults) {
 }
 
 void NSUserDefaults::setArguments(const NSDictionary& arguments) {
+  auto fixed =
+      immutableCopy(std::make_shared<NSDictionary>(arguments.entries())).as<NSDictionary>();
   const std::lock_guard guard(lock_);
-  arguments_ = std::make_shared<NSDictionary>(arguments.entries());
+  arguments_ = std::move(fixed);
 }
 
 bool NSUserDefaults::synchronize() { return writeUnwritten() && readAgain(); }
@@ -220,7 +208,6 @@ bool NSUserDefaults::synchronize() { return writeUnwritten() && readAgain(); }
 void NSUserDefaults::keep(const id& object, std::string_view key) {
   {
     const std::lock_guard guard(lock_);
-    if (unwritten_.empty() && kept_->objectForKey(key) == object) return;
     unwritten_.insert_or_assign(std::string(key), object);
   }
   static_cast<void>(writeUnwritten());
@@ -241,7 +228,7 @@ bool NSUserDefaults::writeUnwritten() {
       // What has been set anew meanwhile waits for its own turn.
       std::erase_if(unwritten_, [&](const auto& entry) {
         const auto written = changes.find(entry.first);
-        return written != changes.end() && written->second == entry.second;
+        return written != changes.end() && isSameValue(written->second, entry.second);
       });
       return true;
     }

@@ -8,6 +8,7 @@
 ///     defaults->integerForKey("Columns");        // 4, or 2 after `program -Columns 2`
 #pragma once
 
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
@@ -119,13 +120,10 @@ class NSUserDefaults final : public NSObject {
 class NSStandardUserDefaultsInMemory {
  public:
   NSStandardUserDefaultsInMemory()
-      : before_(NSUserDefaults::setStandardUserDefaults(std::make_shared<NSUserDefaults>())) {}
-  ~NSStandardUserDefaultsInMemory() { NSUserDefaults::setStandardUserDefaults(before_); }
-  NSStandardUserDefaultsInMemory(const NSStandardUserDefaultsInMemory&) = delete;
-  NSStandardUserDefaultsInMemory& operator=(const NSStandardUserDefaultsInMemory&) = delete;
+      : defaults_(NSUserDefaults::setStandardUserDefaults, std::make_shared<NSUserDefaults>()) {}
 
  private:
-  std::shared_ptr<NSUserDefaults> before_;
+  Replaced<std::shared_ptr<NSUserDefaults>> defaults_;
 };
 
 }  // namespace ORLFoundation

@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/defaults/NSUserDefaultsFile.h>
 
+#include <ORLFoundation/platform/defaults/internal/DefaultsValues.h>
 #include <ORLFoundation/platform/files/WholeFile.h>
 #include <ORLFoundation/platform/plist/NSPropertyListSerialization.h>
 
@@ -70,7 +71,7 @@ std::shared_ptr<NSDictionary> NSUserDefaultsFile::apply(const NSUserDefaultsChan
   if (!state) return nullptr;
   const auto nothing = std::make_shared<NSDictionary>();
   auto values = NSDictionaryByApplyingChanges(state->values ? *state->values : *nothing, changes);
-  if (state->values && values->isEqual(state->values.get())) return values;
+  if (state->values && internal::defaults::isSameValue(state->values, values)) return values;
   const auto bytes = NSPropertyListSerialization::dataWithPropertyList(
       values, NSPropertyListBinaryFormat_v1_0, 0, error);
   if (!bytes) return nullptr;

@@ -10,14 +10,14 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <tests/support/TemporaryFolder.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <thread>
 
@@ -29,40 +29,16 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class NSUserDefaultsFileTest : public testing::Test {
+class NSUserDefaultsFileTest : public orlftest::TemporaryFolderTest {
  protected:
-  void SetUp() override {
-    std::string pattern = testing::TempDir() + "/defaultsXXXXXX";
-    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
-    path_ = folder_ / "app" / "defaults.plist";
-  }
-  void TearDown() override { fs::remove_all(folder_); }
-
   [[nodiscard]] std::shared_ptr<NSUserDefaultsFile> file() const {
     return std::make_shared<NSUserDefaultsFile>(path_.string());
   }
   [[nodiscard]] std::shared_ptr<NSUserDefaults> defaults() const {
     return std::make_shared<NSUserDefaults>(file());
   }
-  void write(const std::string& contents) const {
-    fs::create_directories(path_.parent_path());
-    std::ofstream(path_, std::ios::binary) << contents;
-  }
-  [[nodiscard]] static std::string read(const fs::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-  }
-  /// Names in the file's folder.
-  [[nodiscard]] std::vector<std::string> names() const {
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(path_.parent_path()))
-      names.push_back(entry.path().filename().string());
-    std::ranges::sort(names);
-    return names;
-  }
 
-  fs::path folder_, path_;
+  const fs::path path_ = folder_ / "app" / "defaults.plist";
   LogCapture log_;
 };
 
@@ -96,16 +72,16 @@ TEST_F(NSUserDefaultsFileTest, NeitherArgumentsNorRegisteredDefaultsAreWritten) 
 }
 
 TEST_F(NSUserDefaultsFileTest, ReadsXML) {
-  write(
-      "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>Columns</key>"
-      "<integer>3</integer></dict></plist>");
+  write(path_,
+        "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>Columns</key>"
+        "<integer>3</integer></dict></plist>");
   EXPECT_EQ(defaults()->integerForKey("Columns"), 3);
 }
 
 TEST_F(NSUserDefaultsFileTest, IsForTheUserAloneAndLeavesNothingElse) {
   defaults()->setInteger(1, "a");
   defaults()->setInteger(2, "a");
-  EXPECT_THAT(names(), ElementsAre("defaults.plist"));
+  EXPECT_THAT(names("app"), ElementsAre("defaults.plist"));
   struct stat status {};
   ASSERT_EQ(::stat(path_.c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0777U, 0600U);
@@ -149,6 +125,47 @@ TEST_F(NSUserDefaultsFileTest, ChangesOfOthersStay) {
   EXPECT_EQ(first->integerForKey("a"), 0);
 }
 
+TEST_F(NSUserDefaultsFileTest, AValueThatIsSetAgainTakesThePlaceOfAnothers) {
+  const auto first = defaults(), second = defaults();
+  first->setInteger(1, "a");
+  second->setInteger(2, "a");
+  first->setInteger(1, "a");
+  EXPECT_EQ(defaults()->integerForKey("a"), 1);
+  second->removeObjectForKey("a");
+  first->setInteger(1, "a");
+  EXPECT_EQ(defaults()->integerForKey("a"), 1);
+  first->removeObjectForKey("b");
+  second->setInteger(2, "b");
+  first->removeObjectForKey("b");
+  EXPECT_TRUE(defaults()->objectForKey("b").isNil());
+}
+
+TEST_F(NSUserDefaultsFileTest, KeepsTheKindsOfNumbersThatAreEqual) {
+  const id kinds[] = {true, 1, 1.0, false, 0, 0.0, -0.0, 5, 5.0};
+  const auto isKept = [](const id& value, const id& kept) {
+    const auto *number = value.get<NSNumber>(), *back = kept.get<NSNumber>();
+    return back != nullptr && number->kind() == back->kind() && *number == *back &&
+           std::signbit(number->doubleValue()) == std::signbit(back->doubleValue());
+  };
+  const auto own = defaults();
+  for (const id& value : kinds) {
+    own->setObject(value, "a");
+    own->setObject(NSArray::arrayWithObjects({value}), "array");
+    own->setObject(NSDictionary::dictionaryWithEntries({{"k", value}}), "dictionary");
+    const auto others = defaults();
+    for (const auto& reader : {own, others}) {
+      EXPECT_TRUE(isKept(value, reader->objectForKey("a"))) << value.description();
+      EXPECT_TRUE(isKept(value, reader->arrayForKey("array")->firstObject()));
+      EXPECT_TRUE(isKept(value, reader->dictionaryForKey("dictionary")->objectForKey("k")));
+    }
+  }
+  own->setObject(std::make_shared<NSArray>(std::vector<id>(std::begin(kinds), std::end(kinds))),
+                 "all");
+  const auto all = defaults()->arrayForKey("all");
+  for (NSUInteger index = 0; index < all->count(); ++index)
+    EXPECT_TRUE(isKept(kinds[index], all->objectAtIndex(index))) << index;
+}
+
 TEST_F(NSUserDefaultsFileTest, ChangesOfManyThreadsAndObjectsStay) {
   std::vector<std::thread> threads;
   for (int t = 0; t < 4; ++t)
@@ -158,7 +175,7 @@ TEST_F(NSUserDefaultsFileTest, ChangesOfManyThreadsAndObjectsStay) {
     });
   for (auto& thread : threads) thread.join();
   EXPECT_EQ(defaults()->dictionaryRepresentation()->count(), 40U);
-  EXPECT_THAT(names(), ElementsAre("defaults.plist"));
+  EXPECT_THAT(names("app"), ElementsAre("defaults.plist"));
 }
 
 TEST_F(NSUserDefaultsFileTest, ChangesOfManyProcessesStay) {
@@ -194,7 +211,7 @@ TEST_F(NSUserDefaultsFileTest, ABrokenFileIsLoggedAndKeptAside) {
   for (const BrokenCase& row : kBroken) {
     SCOPED_TRACE(row.name);
     log_.clear();
-    write(row.contents);
+    write(path_, row.contents);
     const auto own = defaults();
     EXPECT_THAT(log_.lines(),
                 ElementsAre("The user defaults cannot be read: " + path_.string() +
@@ -204,14 +221,14 @@ TEST_F(NSUserDefaultsFileTest, ABrokenFileIsLoggedAndKeptAside) {
     own->setInteger(1, "a");
     EXPECT_EQ(read(path_.string() + ".broken"), row.contents);
     EXPECT_EQ(defaults()->integerForKey("a"), 1);
-    EXPECT_THAT(names(), ElementsAre("defaults.plist", "defaults.plist.broken"));
+    EXPECT_THAT(names("app"), ElementsAre("defaults.plist", "defaults.plist.broken"));
     fs::remove_all(path_.parent_path());
   }
 }
 
 TEST_F(NSUserDefaultsFileTest, NoBrokenFileTakesTheNameOfAnother) {
   for (const char* contents : {"one", "two", "three"}) {
-    write(contents);
+    write(path_, contents);
     defaults()->setInteger(1, "a");
   }
   EXPECT_EQ(read(path_.string() + ".broken"), "one");
@@ -237,7 +254,7 @@ TEST_F(NSUserDefaultsFileTest, WhatCannotBeReadIsNotReplaced) {
 }
 
 TEST_F(NSUserDefaultsFileTest, AFolderThatCannotBeMadeIsAnError) {
-  std::ofstream(folder_ / "app") << "a file";
+  write("app", "a file");
   std::shared_ptr<const NSError> error;
   EXPECT_EQ(file()->apply({{"a", 1}}, &error), nullptr);
   ASSERT_NE(error, nullptr);
@@ -262,7 +279,7 @@ TEST_F(NSUserDefaultsFileTest, ADiskThatIsFullKeepsTheFile) {
   int status = -1;
   EXPECT_EQ(::waitpid(child, &status, 0), child);
   EXPECT_EQ(status, 0);
-  EXPECT_THAT(names(), ElementsAre("defaults.plist"));
+  EXPECT_THAT(names("app"), ElementsAre("defaults.plist"));
 }
 
 struct PathCase {

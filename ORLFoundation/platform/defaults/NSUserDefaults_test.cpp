@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/defaults/NSUserDefaults.h>
 
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/object/NSKeyValueObserving.h>
 #include <ORLFoundation/platform/value/NSException.h>
@@ -248,14 +249,13 @@ TEST(NSUserDefaults, WritesLaterWhatCouldNotBeWritten) {
 TEST(NSUserDefaults, ASinkMayAskForDefaults) {
   NSUserDefaults defaults(std::make_shared<MendedStore>());
   int heard = 0;
-  const NSLogSink before = NSSetLogSink([&](std::string_view) {
+  Replaced sink(NSSetLogSink, [&](std::string_view) {
     heard += static_cast<int>(defaults.integerForKey("a"));
     defaults.synchronize();
   });
   testing::internal::CaptureStderr();
   defaults.setInteger(1, "a");
   EXPECT_NE(testing::internal::GetCapturedStderr(), "");
-  NSSetLogSink(before);
   EXPECT_EQ(heard, 1);
 }
 

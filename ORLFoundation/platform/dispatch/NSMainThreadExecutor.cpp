@@ -1,10 +1,10 @@
 
 #include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
 
+#include <ORLFoundation/platform/base/Replaceable.h>
 #include <unistd.h>
 
 #include <future>
-#include <mutex>
 #include <utility>
 
 namespace ORLFoundation {
@@ -20,16 +20,10 @@ class MainWork {
   MainWork& operator=(const MainWork&) = delete;
 };
 
-struct Current {
-  std::mutex lock;
-  std::shared_ptr<NSMainThreadExecutor> executor = std::make_shared<NSHeadlessMainThreadExecutor>();
-};
-
-// Never destroyed: what runs while the process ends still finds it.
-Current& current() {
-  static Current& current = *new Current;
-  return current;
-}
+constinit internal::base::Replaceable<NSMainThreadExecutor> executors(
+    []() -> std::shared_ptr<NSMainThreadExecutor> {
+      return std::make_shared<NSHeadlessMainThreadExecutor>();
+    });
 
 }  // namespace
 
@@ -42,16 +36,11 @@ void NSHeadlessMainThreadExecutor::execute(std::function<void()> block) {
   block();
 }
 
-std::shared_ptr<NSMainThreadExecutor> NSCurrentMainThreadExecutor() {
-  const std::lock_guard guard(current().lock);
-  return current().executor;
-}
+std::shared_ptr<NSMainThreadExecutor> NSCurrentMainThreadExecutor() { return executors.current(); }
 
 std::shared_ptr<NSMainThreadExecutor> NSSetMainThreadExecutor(
     std::shared_ptr<NSMainThreadExecutor> executor) {
-  if (!executor) executor = std::make_shared<NSHeadlessMainThreadExecutor>();
-  const std::lock_guard guard(current().lock);
-  return std::exchange(current().executor, std::move(executor));
+  return executors.exchangeMade(std::move(executor));
 }
 
 bool NSPerformOnMainThread(std::function<void()> block, bool waitUntilDone) {

@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
 
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/dispatch/NSThread.h>
 #include <gtest/gtest.h>
 
@@ -64,18 +65,6 @@ class DroppingExecutor final : public NSMainThreadExecutor {
   void execute(std::function<void()>) override {}
 };
 
-class InstalledExecutor {
- public:
-  explicit InstalledExecutor(std::shared_ptr<NSMainThreadExecutor> executor)
-      : before_(NSSetMainThreadExecutor(std::move(executor))) {}
-  ~InstalledExecutor() { NSSetMainThreadExecutor(before_); }
-  InstalledExecutor(const InstalledExecutor&) = delete;
-  InstalledExecutor& operator=(const InstalledExecutor&) = delete;
-
- private:
-  std::shared_ptr<NSMainThreadExecutor> before_;
-};
-
 TEST(NSHeadlessMainThreadExecutor, RunsABlockOnTheThreadThatGivesIt) {
   std::thread([] {
     EXPECT_FALSE(NSThread::isMainThread());
@@ -117,7 +106,7 @@ TEST(NSHeadlessMainThreadExecutor, NobodyWaitsForAnotherThread) {
 
 TEST(NSPerformOnMainThread, GoesThroughTheHostsExecutor) {
   const auto loop = std::make_shared<LoopExecutor>();
-  const InstalledExecutor installed(loop);
+  const Replaced installed(NSSetMainThreadExecutor, loop);
   EXPECT_EQ(NSCurrentMainThreadExecutor(), loop);
   EXPECT_FALSE(NSThread::isMainThread());
   std::vector<int> order;
@@ -135,12 +124,12 @@ TEST(NSPerformOnMainThread, GoesThroughTheHostsExecutor) {
 TEST(NSPerformOnMainThread, ThrowsWhatTheBlockThrewToTheCallerThatWaits) {
   const auto fail = [] { throw std::runtime_error("no"); };
   EXPECT_THROW(NSPerformOnMainThread(fail, true), std::runtime_error);
-  const InstalledExecutor installed(std::make_shared<LoopExecutor>());
+  const Replaced installed(NSSetMainThreadExecutor, std::make_shared<LoopExecutor>());
   EXPECT_THROW(NSPerformOnMainThread(fail, true), std::runtime_error);
 }
 
 TEST(NSPerformOnMainThread, DoesNotWaitForABlockThatWasDropped) {
-  const InstalledExecutor installed(std::make_shared<DroppingExecutor>());
+  const Replaced installed(NSSetMainThreadExecutor, std::make_shared<DroppingExecutor>());
   bool ran = false;
   EXPECT_FALSE(NSPerformOnMainThread([&] { ran = true; }, true));
   EXPECT_TRUE(NSPerformOnMainThread([&] { ran = true; }, false));
@@ -148,7 +137,7 @@ TEST(NSPerformOnMainThread, DoesNotWaitForABlockThatWasDropped) {
 }
 
 TEST(NSSetMainThreadExecutor, NullStandsForTheHeadlessOne) {
-  const InstalledExecutor installed(std::make_shared<DroppingExecutor>());
+  const Replaced installed(NSSetMainThreadExecutor, std::make_shared<DroppingExecutor>());
   NSSetMainThreadExecutor(nullptr);
   bool ran = false;
   EXPECT_TRUE(NSPerformOnMainThread([&] { ran = true; }, false));

@@ -1,25 +1,19 @@
 
 #include <ORLFoundation/platform/format/NSLocale.h>
 
+#include <ORLFoundation/platform/base/Replaceable.h>
 #include <unicode/dcfmtsym.h>
 #include <unicode/locid.h>
 
 #include <functional>
-#include <mutex>
 #include <utility>
 
 namespace ORLFoundation {
 namespace {
 
-struct Current {
-  std::mutex mutex;
-  std::shared_ptr<NSLocale> locale;
-};
-
-Current& current() {
-  static Current state;
-  return state;
-}
+constinit internal::base::Replaceable<NSLocale> locales([] {
+  return std::make_shared<NSLocale>(icu::Locale::getDefault().getBaseName());
+});
 
 std::string symbol(const std::string& identifier,
                    icu::DecimalFormatSymbols::ENumberFormatSymbol which) {
@@ -34,19 +28,10 @@ std::string symbol(const std::string& identifier,
 
 NSLocale::NSLocale(std::string_view localeIdentifier) : identifier_(localeIdentifier) {}
 
-std::shared_ptr<NSLocale> NSLocale::currentLocale() {
-  Current& state = current();
-  const std::lock_guard lock(state.mutex);
-  if (!state.locale) {
-    state.locale = std::make_shared<NSLocale>(icu::Locale::getDefault().getBaseName());
-  }
-  return state.locale;
-}
+std::shared_ptr<NSLocale> NSLocale::currentLocale() { return locales.current(); }
 
-void NSLocale::setCurrentLocale(std::shared_ptr<NSLocale> locale) {
-  Current& state = current();
-  const std::lock_guard lock(state.mutex);
-  state.locale = std::move(locale);
+std::shared_ptr<NSLocale> NSLocale::setCurrentLocale(std::shared_ptr<NSLocale> locale) {
+  return locales.exchange(std::move(locale));
 }
 
 std::string NSLocale::decimalSeparator() const {

@@ -19,8 +19,9 @@ class NSLocale : public NSObject {
   /// `currentLocale`  The locale of formatters that were given none; from the environment until
   /// `setCurrentLocale` replaces it. Safe on any thread.
   [[nodiscard]] static std::shared_ptr<NSLocale> currentLocale();
-  /// Replaces the current locale for the whole process; nil restores the environment's.
-  static void setCurrentLocale(std::shared_ptr<NSLocale> locale);
+  /// Replaces the current locale for the whole process; nil restores the environment's. Gives back
+  /// the one before it, nil for the environment's while nobody has asked for that.
+  static std::shared_ptr<NSLocale> setCurrentLocale(std::shared_ptr<NSLocale> locale);
 
   /// `localeIdentifier`
   [[nodiscard]] const std::string& localeIdentifier() const noexcept { return identifier_; }

@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
 
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/format/NSLocale.h>
 #include <gtest/gtest.h>
 
@@ -64,9 +65,13 @@ TEST(NSNumberFormatter, FractionDigitsAreSettable) {
 }
 
 TEST(NSLocale, CurrentOneIsReplaceable) {
-  NSLocale::setCurrentLocale(std::make_shared<NSLocale>("fr_FR"));
-  EXPECT_EQ(NSLocale::currentLocale()->localeIdentifier(), "fr_FR");
-  EXPECT_EQ(NSNumberFormatter().locale()->localeIdentifier(), "fr_FR");
+  {
+    const Replaced french(NSLocale::setCurrentLocale, std::make_shared<NSLocale>("fr_FR"));
+    EXPECT_EQ(NSLocale::currentLocale()->localeIdentifier(), "fr_FR");
+    EXPECT_EQ(NSNumberFormatter().locale()->localeIdentifier(), "fr_FR");
+    const Replaced german(NSLocale::setCurrentLocale, std::make_shared<NSLocale>("de_DE"));
+    EXPECT_EQ(german.before()->localeIdentifier(), "fr_FR");
+  }
   NSLocale::setCurrentLocale(nullptr);
   EXPECT_FALSE(NSLocale::currentLocale()->localeIdentifier().empty());
 }

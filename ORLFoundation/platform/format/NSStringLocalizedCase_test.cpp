@@ -1,6 +1,8 @@
 
 #include <ORLFoundation/platform/format/NSStringLocalizedCase.h>
 
+#include <ORLFoundation/platform/base/Replaced.h>
+
 #include <gtest/gtest.h>
 
 namespace ORLFoundation {
@@ -14,11 +16,10 @@ TEST(NSStringLocalizedCase, FollowsTheLocaleGiven) {
 }
 
 TEST(NSStringLocalizedCase, FollowsTheCurrentLocaleOtherwise) {
-  NSLocale::setCurrentLocale(std::make_shared<NSLocale>("tr"));
+  const Replaced turkish(NSLocale::setCurrentLocale, std::make_shared<NSLocale>("tr"));
   EXPECT_EQ(localizedCapitalizedString("izmir"), "İzmir");
-  NSLocale::setCurrentLocale(std::make_shared<NSLocale>("en"));
+  const Replaced english(NSLocale::setCurrentLocale, std::make_shared<NSLocale>("en"));
   EXPECT_EQ(localizedCapitalizedString("izmir"), "Izmir");
-  NSLocale::setCurrentLocale(nullptr);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/language/NLTagger.h>
 
+#include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/language/internal/EnglishWordClasses.h>
 #include <ORLFoundation/platform/text/UTF16.h>
 #include <ORLFoundation/platform/value/NSException.h>
@@ -92,9 +93,10 @@ NSRange checkedRange(const NLTagEnumeration& enumeration, std::int32_t length) {
 std::size_t bytesOfUnits(std::string_view text, std::int32_t units) {
   std::size_t at = 0;
   while (units > 0 && at < text.size()) {
-    const auto lead = static_cast<unsigned char>(text[at]);
-    units -= lead < 0xF0 ? 1 : 2;
-    at += lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+    const internal::base::UTF8Character character =
+        internal::base::firstUTF8Character(text.substr(at));
+    units -= static_cast<std::int32_t>(internal::base::unitsInUTF16(character.codePoint));
+    at += character.length;
   }
   return at;
 }

@@ -1,8 +1,9 @@
 
 #include <ORLFoundation/platform/language/NSDataDetector.h>
 
+#include <ORLFoundation/platform/base/Hexadecimal.h>
+#include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/language/internal/LinkScanner.h>
-#include <unicode/utf8.h>
 
 #include <cstdint>
 #include <string>
@@ -10,32 +11,26 @@
 namespace ORLFoundation {
 namespace {
 
+namespace base = internal::base;
 using internal::Link;
 using internal::LinkScanner;
 
 constexpr NSInteger kWrongTypes = 2048;  // NSFormattingError
 
-bool isHexDigit(char c) {
-  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
-
 /// Whether the byte at a place must be escaped in an address; `refused` are the signs that must.
 bool mustBeEscaped(std::string_view text, std::size_t at, std::string_view refused) {
   const auto byte = static_cast<unsigned char>(text[at]);
   if (byte <= 0x20 || byte >= 0x7F || refused.find(text[at]) != refused.npos) return true;
-  const bool isEscape =
-      at + 2 < text.size() && isHexDigit(text[at + 1]) && isHexDigit(text[at + 2]);
-  return text[at] == '%' && !isEscape;
+  return text[at] == '%' && !base::hexByteAt(text, at + 1);
 }
 
 std::string escaped(std::string_view text, std::string_view refused) {
-  constexpr std::string_view kHexDigits = "0123456789ABCDEF";
   std::string result;
   result.reserve(text.size() + 8);
   for (std::size_t at = 0; at < text.size(); ++at) {
     if (mustBeEscaped(text, at, refused)) {
-      const auto byte = static_cast<unsigned char>(text[at]);
-      result += {'%', kHexDigits[byte >> 4], kHexDigits[byte & 15]};
+      result += '%';
+      base::appendHexByte(result, static_cast<std::uint8_t>(text[at]), base::kUpperHexDigits);
     } else {
       result += text[at];
     }
@@ -59,12 +54,11 @@ std::optional<NSURL> addressOf(const Link& link, std::string_view text) {
 }
 
 NSUInteger unitsOf(std::string_view text) {
-  const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
   NSUInteger units = 0;
-  for (std::size_t at = 0; at < text.size();) {
-    UChar32 character = U_SENTINEL;
-    U8_NEXT(bytes, at, text.size(), character);
-    units += character > 0xFFFF ? 2 : 1;
+  while (!text.empty()) {
+    const base::UTF8Character character = base::firstUTF8Character(text);
+    units += base::unitsInUTF16(character.codePoint);
+    text.remove_prefix(character.length);
   }
   return units;
 }

@@ -6,6 +6,7 @@
 ///     EXPECT_EQ(log.lines(), std::vector<std::string>{"Condition Failed: ..."});
 #pragma once
 
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/log/NSLog.h>
 
 #include <algorithm>
@@ -13,7 +14,6 @@
 #include <mutex>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace ORLFoundation {
@@ -21,13 +21,10 @@ namespace ORLFoundation {
 class LogCapture {
  public:
   LogCapture()
-      : before_(NSSetLogSink([collected = collected_](std::string_view message) {
+      : sink_(NSSetLogSink, [collected = collected_](std::string_view message) {
           const std::lock_guard guard(collected->lock);
           collected->lines.emplace_back(message);
-        })) {}
-  ~LogCapture() { NSSetLogSink(std::move(before_)); }
-  LogCapture(const LogCapture&) = delete;
-  LogCapture& operator=(const LogCapture&) = delete;
+        }) {}
 
   /// The lines so far, in order.
   [[nodiscard]] std::vector<std::string> lines() const {
@@ -54,7 +51,7 @@ class LogCapture {
   };
 
   std::shared_ptr<Collected> collected_ = std::make_shared<Collected>();
-  NSLogSink before_;
+  Replaced<NSLogSink> sink_;
 };
 
 }  // namespace ORLFoundation

@@ -2,6 +2,8 @@
 
 #include <ORLFoundation/platform/log/NSLog.h>
 
+#include <ORLFoundation/platform/base/Replaceable.h>
+
 #include <cstdio>
 #include <mutex>
 #include <utility>
@@ -9,9 +11,11 @@
 namespace ORLFoundation {
 namespace {
 
+constinit internal::base::ReplaceableFunction<NSLogSink> sinks;
+
+/// One message at a time.
 struct Log {
   std::recursive_mutex lock;
-  NSLogSink sink;
   bool inSink = false;
 };
 
@@ -43,16 +47,15 @@ class SinkCall {
 void NSLog(std::string_view message) {
   Log& log = sharedLog();
   const std::lock_guard guard(log.lock);
-  if (!log.sink || log.inSink) return writeToStandardError(message);
+  const auto sink = sinks.current();  // The sink may replace itself while it runs.
+  if (!sink || log.inSink) return writeToStandardError(message);
   const SinkCall call(log);
-  const NSLogSink sink = log.sink;  // The sink may replace itself while it runs.
-  sink(message);
+  (*sink)(message);
 }
 
 NSLogSink NSSetLogSink(NSLogSink sink) {
-  Log& log = sharedLog();
-  const std::lock_guard guard(log.lock);
-  return std::exchange(log.sink, std::move(sink));
+  const std::lock_guard guard(sharedLog().lock);
+  return sinks.exchange(std::move(sink));
 }
 
 }  // namespace ORLFoundation

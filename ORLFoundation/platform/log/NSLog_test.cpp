@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/log/NSLog.h>
 
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/log/ORLFFatalError.h>
 #include <gmock/gmock.h>
@@ -43,27 +44,25 @@ TEST(NSLog, GoesBackToTheSinkBefore) {
 
 TEST(NSLog, SendsWhatASinkLogsToStandardError) {
   int calls = 0;
-  const NSLogSink before = NSSetLogSink([&](std::string_view) {
+  const Replaced sink(NSSetLogSink, [&](std::string_view) {
     ++calls;
     NSLog("from the sink");
   });
   testing::internal::CaptureStderr();
   NSLog("message");
-  NSSetLogSink(before);
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "from the sink\n");
   EXPECT_EQ(calls, 1);
 }
 
 TEST(NSLog, LetsASinkReplaceItself) {
   std::vector<std::string> heard;
-  const NSLogSink before = NSSetLogSink([&heard](std::string_view first) {
+  const Replaced sink(NSSetLogSink, [&heard](std::string_view first) {
     NSSetLogSink(
         [&heard](std::string_view later) { heard.push_back("second " + std::string(later)); });
     heard.push_back("first " + std::string(first));
   });
   NSLog("a");
   NSLog("b");
-  NSSetLogSink(before);
   EXPECT_THAT(heard, ElementsAre("first a", "second b"));
 }
 

@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
 
+#include <ORLFoundation/platform/number/NSDecimalNumber_testing.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 
@@ -10,12 +11,6 @@
 
 namespace ORLFoundation {
 namespace {
-
-using Optional = std::optional<NSDecimalNumber>;
-
-NSDecimalNumber number(std::string_view text) {
-  return NSDecimalNumber::decimalNumberWithString(text);
-}
 
 /// A behaviour that answers every error with 42, and says what it was told.
 class Telling : public NSDecimalNumberBehaviors {

@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
 
+#include <ORLFoundation/platform/number/NSDecimalNumber_testing.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorFile.h>
 
@@ -11,7 +12,6 @@ namespace ORLFoundation {
 namespace {
 
 using orlftest::TsvRow;
-using Optional = std::optional<NSDecimalNumber>;
 
 /// Rounds under a mode to a scale and keeps the last error that it is told of, without an answer.
 class Recording : public NSDecimalNumberBehaviors {
@@ -34,10 +34,6 @@ class Recording : public NSDecimalNumberBehaviors {
   std::int16_t scale_;
   mutable NSCalculationError error_ = NSCalculationNoError;
 };
-
-NSDecimalNumber number(const std::string& text) {
-  return NSDecimalNumber::decimalNumberWithString(text);
-}
 
 std::string described(const std::optional<NSDecimal>& value, NSCalculationError error) {
   return (value ? value->stringValue() : "nil") + " with error " +

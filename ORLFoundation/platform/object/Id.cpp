@@ -29,6 +29,11 @@ id& id::operator=(const id& other) = default;
 id& id::operator=(id&& other) noexcept = default;
 id::~id() = default;
 
+id::id(const char* text) {
+  if (text != nullptr) value_ = std::string(text);
+}
+id::id(std::string_view text) : value_(std::string(text)) {}
+
 void id::hold(std::shared_ptr<NSObject> object) noexcept {
   if (object) value_ = std::move(object);
 }
@@ -60,7 +65,7 @@ NSUInteger id::hash() const {
 std::string id::description() const {
   return std::visit(Overload{[](std::monostate) -> std::string { return "(null)"; },
                              [](NSNull) -> std::string { return "<null>"; },
-                             [](const std::string& text) { return text; },
+                             [](const std::string& text) { return internal::wellFormed(text); },
                              [](const Object& object) { return object->description(); },
                              [](const auto& plain) -> std::string { return plain.description(); }},
                     value_);

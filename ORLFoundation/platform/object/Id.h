@@ -54,8 +54,9 @@ class id {
   // Implicit, so that plain values stand wherever an object is asked for.
   template <NSPlainValue T>
   id(T value) : value_(std::move(value)) {}
-  id(const char* text) : value_(std::string(text)) {}
-  id(std::string_view text) : value_(std::string(text)) {}
+  /// nil for a null pointer.
+  id(const char* text);
+  id(std::string_view text);
   template <class T>
   requires std::is_arithmetic_v<T> id(T number) : value_(NSNumber(number)) {}
   template <class T>
@@ -114,7 +115,8 @@ class id {
   [[nodiscard]] bool isIdenticalTo(const id& other) const;
   /// Equal values have equal hashes; nil has 0.
   [[nodiscard]] NSUInteger hash() const;
-  /// `description`  Text as it is, nil "(null)", `NSNull` "<null>", collections over several lines.
+  /// `description`  Text as it is, with U+FFFD for bytes that are no UTF-8, nil "(null)", `NSNull`
+  /// "<null>", collections over several lines.
   [[nodiscard]] std::string description() const;
   /// The description as a member of a collection that is itself `indent` levels deep: text that is
   /// not only ASCII letters and digits comes in quotes, with escapes.

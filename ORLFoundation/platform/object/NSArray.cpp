@@ -108,7 +108,9 @@ id NSArray::valueForKey(std::string_view key) const {
 }
 
 void NSArray::setValueForKey(const id& value, std::string_view key) {
-  for (const id& member : members_)
+  // A setter, or who observes it, may change this array.
+  const std::vector<id> members = members_;
+  for (const id& member : members)
     if (const auto object = member.object()) object->setValueForKey(value, key);
 }
 
@@ -116,6 +118,9 @@ id NSArray::valueForKeyPath(std::string_view keyPath) const {
   if (keyPath.starts_with('@')) return internal::applyCollectionOperator(members_, keyPath);
   return NSObject::valueForKeyPath(keyPath);
 }
+
+// A member's destructor may look into the array that it leaves. So members are moved out first and
+// let go when the array is whole again.
 
 void NSMutableArray::addObject(id object) {
   refuseNil(object);
@@ -131,11 +136,12 @@ void NSMutableArray::insertObject(id object, NSUInteger atIndex) {
 void NSMutableArray::replaceObjectAtIndex(NSUInteger index, id withObject) {
   refuseNil(withObject);
   requireIndex(index, members_.size());
-  members_[index] = std::move(withObject);
+  std::swap(members_[index], withObject);
 }
 
 void NSMutableArray::removeObjectAtIndex(NSUInteger index) {
   requireIndex(index, members_.size());
+  const id removed = std::move(members_[index]);
   members_.erase(at(members_, index));
 }
 
@@ -153,11 +159,19 @@ void NSMutableArray::removeObjectsAtIndexes(const NSIndexSet& indexes) {
     next = NSMaxRange(range);
   }
   keepUpTo(members_.size());
-  // What is removed may look into this array while it is destroyed.
   const std::vector<id> removed = std::exchange(members_, std::move(kept));
 }
 
-void NSMutableArray::removeObject(id object) { std::erase(members_, object); }
+void NSMutableArray::removeObject(id object) {
+  NSMutableIndexSet found;
+  for (NSUInteger index = 0; index < members_.size(); ++index)
+    if (members_[index] == object) found.addIndex(index);
+  removeObjectsAtIndexes(found);
+}
+
+void NSMutableArray::removeAllObjects() noexcept {
+  const std::vector<id> removed = std::exchange(members_, {});
+}
 
 std::shared_ptr<NSObject> NSMutableArray::copy() { return std::make_shared<NSArray>(members_); }
 

@@ -16,6 +16,12 @@ namespace ORLFoundation {
 
 class NSIndexSet;
 
+/// How the members of an array are visited; the bits combine.
+enum NSEnumerationOptions : NSUInteger {
+  NSEnumerationConcurrent = 1,  ///< On several threads at once, in no order.
+  NSEnumerationReverse = 2,     ///< From the last member to the first.
+};
+
 class NSArray : public NSCollection {
  public:
   NSArray() = default;
@@ -34,6 +40,13 @@ class NSArray : public NSCollection {
   [[nodiscard]] NSUInteger indexOfObject(const id& object) const;
   /// `indexOfObjectIdenticalTo:`  By identity; plain values are identical when they are equal.
   [[nodiscard]] NSUInteger indexOfObjectIdenticalTo(const id& object) const;
+  /// Gets a member and its index. Setting `stop` ends the visit.
+  using Visitor = std::function<void(const id& object, NSUInteger index, bool& stop)>;
+  /// `enumerateObjectsWithOptions:usingBlock:`  Visits each member once; the block must not change
+  /// the array. Once the block has stopped the visit, or has thrown, no further member is begun; of
+  /// several exceptions on several threads one reaches the caller, after all threads are done.
+  /// Concurrent visits have no order, reverse or not.
+  void enumerateObjectsWithOptions(NSUInteger options, const Visitor& usingBlock) const;
   /// All members in order. Changing a mutable array ends references into it.
   [[nodiscard]] const std::vector<id>& members() const noexcept { return members_; }
   [[nodiscard]] auto begin() const noexcept { return members_.begin(); }
@@ -78,7 +91,7 @@ class NSMutableArray final : public NSArray {
   /// which moves while others are removed.
   void removeObject(id object);
   /// `removeAllObjects`
-  void removeAllObjects() noexcept { members_.clear(); }
+  void removeAllObjects() noexcept;
 
   [[nodiscard]] std::string className() const override { return "NSMutableArray"; }
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;

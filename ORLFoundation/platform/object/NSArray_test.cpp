@@ -3,6 +3,7 @@
 
 #include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSIndexSet.h>
+#include <ORLFoundation/platform/object/NSKeyValueObserving.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 
@@ -101,6 +102,30 @@ TEST(NSArray, QuotesMembersThatAreNotPlainWords) {
 
 TEST(NSArray, DescribesBytesThatAreNoTextAsReplacements) {
   EXPECT_EQ(list({"\xff\xc3"})->description(), "(\n    \"\\Ufffd\\Ufffd\"\n)");
+  struct {
+    std::string_view name, bytes;
+    int replacements;
+  } const cases[] = {
+      {"Overlong", "\xe0\x80\xaf", 3},
+      {"OverlongOfFour", "\xf0\x80\x80\xaf", 4},
+      {"Surrogate", "\xed\xa0\x80", 3},
+      {"BeyondTheLast", "\xf4\x90\x80\x80", 4},
+      {"CutOff", "\xe2\x82", 1},
+      {"LoneContinuation", "\x80", 1},
+      {"LeadBeforeALetter", "\xe2\x82z", 1},
+  };
+  for (const auto& row : cases) {
+    std::string units = "(\n    \"", text;
+    for (int i = 0; i < row.replacements; ++i) {
+      units += "\\Ufffd";
+      text += "\uFFFD";
+    }
+    const bool hasLetter = row.bytes.back() == 'z';
+    EXPECT_EQ(list({row.bytes})->description(), units + (hasLetter ? "z" : "") + "\"\n)")
+        << row.name;
+    EXPECT_EQ(id(row.bytes).description(), text + (hasLetter ? "z" : "")) << row.name;
+  }
+  EXPECT_EQ(id("é€😀\u07FF\uFFFD").description(), "é€😀\u07FF\uFFFD");
 }
 
 TEST(NSArray, IndentsCollectionsInside) {
@@ -208,6 +233,70 @@ TEST(NSMutableArray, RemovesTheObjectsAtIndexes) {
   EXPECT_EQ(list.count(), 3U);
   list.removeObjectsAtIndexes(NSIndexSet());
   EXPECT_EQ(list.count(), 3U);
+}
+
+/// Looks into the array that holds it when it is destroyed.
+class Walker final : public NSObject {
+ public:
+  Walker(const NSMutableArray& array, std::vector<NSUInteger>& counts)
+      : array_(array), counts_(counts) {}
+  ~Walker() override {
+    NSUInteger objects = 0;
+    for (const id& member : array_)
+      objects += member.isNil() || member.description().empty() ? 0 : 1;
+    counts_.push_back(objects);
+    EXPECT_EQ(objects, array_.count());
+  }
+  /// Equals every object, so that it can be found without being held.
+  [[nodiscard]] bool isEqual(const NSObject* other) const override { return other != nullptr; }
+
+ private:
+  const NSMutableArray& array_;
+  std::vector<NSUInteger>& counts_;
+};
+
+struct DepartureCase {
+  std::string_view name;
+  void (*change)(NSMutableArray& array);
+  std::vector<NSUInteger> counts;
+};
+const DepartureCase kDepartures[] = {
+    {"Removed", [](NSMutableArray& array) { array.removeObjectAtIndex(1); }, {3}},
+    {"Replaced", [](NSMutableArray& array) { array.replaceObjectAtIndex(1, "x"); }, {4}},
+    {"RemovedByEquality",
+     [](NSMutableArray& array) { array.removeObject(std::make_shared<NSObject>()); },
+     {3}},
+    {"AllRemoved", [](NSMutableArray& array) { array.removeAllObjects(); }, {0}},
+    {"RemovedByIndexes",
+     [](NSMutableArray& array) {
+       NSMutableIndexSet indexes;
+       indexes.addIndexesInRange({0, 2});
+       array.removeObjectsAtIndexes(indexes);
+     },
+     {2}},
+};
+
+TEST(NSMutableArray, IsWholeWhileAMemberIsDestroyed) {
+  for (const DepartureCase& row : kDepartures) {
+    SCOPED_TRACE(row.name);
+    std::vector<NSUInteger> counts;
+    NSMutableArray array({"a", "b", "c"});
+    array.insertObject(std::make_shared<Walker>(array, counts), 1);
+    row.change(array);
+    EXPECT_EQ(counts, row.counts);
+  }
+}
+
+TEST(NSMutableArray, MayBeChangedByASetterOfItsMembers) {
+  const auto array = std::make_shared<NSMutableArray>();
+  const auto entry = std::make_shared<NSMutableDictionary>();
+  array->addObject(entry);
+  array->addObject(std::make_shared<NSMutableDictionary>());
+  const auto token =
+      entry->addObserver("key", NSKeyValueObservingOptionNew,
+                         [&](const NSKeyValueChange&) { array->removeAllObjects(); });
+  array->setValueForKey(1, "key");
+  EXPECT_EQ(array->count(), 0U);
 }
 
 }  // namespace

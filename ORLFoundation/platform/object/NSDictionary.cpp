@@ -18,6 +18,12 @@ void refuseNil(const id& key, const id& value) {
   }
 }
 
+/// The key as a dictionary keeps it.
+id copyOfKey(const id& key) {
+  const auto object = key.object();
+  return object ? id(object->copy()) : key;
+}
+
 bool isText(const id& value) { return value.get<std::string>() != nullptr; }
 
 /// In ascending order of the keys when all of them are text, else as they come.
@@ -36,7 +42,7 @@ NSDictionary::Entries inOrderOfDescription(NSDictionary::Entries entries) {
 NSDictionary::NSDictionary(const Entries& entries) {
   for (const auto& [key, value] : entries) {
     refuseNil(key, value);
-    table_.set(key, value);
+    table_.set(copyOfKey(key), value);
   }
 }
 
@@ -123,7 +129,7 @@ id NSDictionary::valueForKey(std::string_view key) const {
 
 void NSMutableDictionary::setObject(const id& object, const id& forKey) {
   refuseNil(forKey, object);
-  table_.set(forKey, object);
+  table_.set(copyOfKey(forKey), object);
 }
 
 void NSMutableDictionary::addEntriesFromDictionary(const NSDictionary& other) {

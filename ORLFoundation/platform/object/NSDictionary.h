@@ -1,5 +1,7 @@
-/// Values under keys. Keys and values are any `id` but nil; entries are met in the order of their
-/// addition, and a description lists text keys in ascending order. A subclass that keeps its values
+/// Values under keys. Keys and values are any `id` but nil. A key that is an object is copied, so
+/// that a mutable one, changed afterwards, does not change it here; a class that does not copy
+/// raises. Entries are met in the order of their addition, and a description lists text keys in
+/// ascending order. A subclass that keeps its values
 /// elsewhere overrides the virtual operations of its own; all others rest on them.
 #pragma once
 
@@ -23,7 +25,7 @@ class NSDictionary : public NSCollection {
 
   NSDictionary() = default;
   /// A later entry takes the place of an earlier one with an equal key. Raises
-  /// `NSInvalidArgumentException` for a nil key or value.
+  /// `NSInvalidArgumentException` for a nil key or value, and for a key that cannot be copied.
   explicit NSDictionary(const Entries& entries);
   /// `dictionaryWithObjectsAndKeys:`  Each pair is a key and its value.
   [[nodiscard]] static std::shared_ptr<NSDictionary> dictionaryWithEntries(
@@ -63,7 +65,8 @@ class NSMutableDictionary : public NSDictionary {
  public:
   using NSDictionary::NSDictionary;
 
-  /// `setObject:forKey:`  Raises `NSInvalidArgumentException` for a nil key or value.
+  /// `setObject:forKey:`  Keeps a copy of the key. Raises `NSInvalidArgumentException` for a nil
+  /// key or value, and for a key that cannot be copied.
   virtual void setObject(const id& object, const id& forKey);
   /// `removeObjectForKey:`
   virtual void removeObjectForKey(const id& key) { table_.remove(key); }

@@ -2,6 +2,7 @@
 #include <ORLFoundation/platform/object/NSDictionary.h>
 
 #include <ORLFoundation/platform/object/NSArray.h>
+#include <ORLFoundation/platform/object/NSSet.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 
@@ -120,6 +121,65 @@ TEST(NSDictionary, AgreesWithAReferenceOverManyChanges) {
     const auto expected = reference.find(key);
     EXPECT_EQ(values->objectForKey(key), expected == reference.end() ? id() : id(expected->second));
   }
+}
+
+TEST(NSDictionary, KeepsCopiesOfItsKeys) {
+  const auto key = std::make_shared<NSMutableArray>(std::vector<id>{1});
+  const auto made = NSDictionary::dictionaryWithEntries({{key, "a"}});
+  const auto set = std::make_shared<NSMutableDictionary>();
+  set->setObject("a", key);
+  key->addObject(2);
+  for (const auto& each : {made, std::static_pointer_cast<NSDictionary>(set)}) {
+    EXPECT_EQ(each->objectForKey(NSArray::arrayWithObjects({1})), id("a"));
+    EXPECT_TRUE(each->objectForKey(key).isNil());
+    EXPECT_EQ(each->allKeys().front().className(), "NSArray");
+  }
+}
+
+TEST(NSDictionary, RefusesAKeyThatCannotBeCopied) {
+  const auto key = std::make_shared<NSObject>();
+  EXPECT_THROW(static_cast<void>(NSDictionary::dictionaryWithEntries({{key, 1}})), NSException);
+  NSMutableDictionary held;
+  EXPECT_THROW(held.setObject(1, key), NSException);
+  EXPECT_EQ(held.count(), 0U);
+}
+
+/// Looks into the dictionary and the set that hold it when it is destroyed.
+class Leaver final : public NSObject {
+ public:
+  Leaver(const NSMutableDictionary& values, const NSMutableSet& set)
+      : dictionary_(values), set_(set) {}
+  ~Leaver() override {
+    for (const auto& [key, value] : dictionary_.entries())
+      EXPECT_FALSE(key.isNil() || value.isNil() || value.description().empty());
+    for (const id& member : set_.allObjects()) EXPECT_FALSE(member.description().empty());
+    EXPECT_EQ(dictionary_.entries().size(), dictionary_.count());
+    EXPECT_EQ(set_.allObjects().size(), set_.count());
+    ++departures;
+  }
+  static inline int departures = 0;
+
+ private:
+  const NSMutableDictionary& dictionary_;
+  const NSMutableSet& set_;
+};
+
+TEST(NSDictionary, IsWholeWhileAValueIsDestroyed) {
+  Leaver::departures = 0;
+  NSMutableDictionary held(NSDictionary::Entries{{"a", 1}});
+  NSMutableSet set({"a"});
+  const auto fresh = [&] { return std::make_shared<Leaver>(held, set); };
+  held.setObject(fresh(), "b");
+  held.setObject(2, "b");
+  held.setObject(fresh(), "b");
+  held.removeObjectForKey("b");
+  held.setObject(fresh(), "c");
+  held.removeAllObjects();
+  set.addObject(fresh());
+  set.removeObject(set.allObjects().back());
+  set.addObject(fresh());
+  set.removeAllObjects();
+  EXPECT_EQ(Leaver::departures, 5);
 }
 
 }  // namespace

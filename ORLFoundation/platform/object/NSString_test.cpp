@@ -4,6 +4,7 @@
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <limits>
 
 namespace ORLFoundation {
@@ -36,6 +37,20 @@ const FormatCase kFormats[] = {
     {"[%5@] [%-5s] [%.2s]", {"ab", "ab", "abcd"}, "[   ab] [ab   ] [ab]"},
     {"[%.1@]", {"é"}, "[]"},
     {"100%% of %d%%", {5}, "100% of 5%"},
+    {"%c%c%c", {'A', 233, 321}, "AéA"},
+    {"%C %C %C %lc", {0x20AC, 0x1F600, 0xD800, 66}, "€ 😀 \uFFFD B"},
+    {"[%3c] [%-3C]", {'A', 'B'}, "[  A] [B  ]"},
+    {"%S %ls", {"wide", "text"}, "wide text"},
+    {"%p %p", {0xBEEF, nullptr}, "0xbeef 0x0"},
+    {"[%8p] [%-8p]", {1, 1}, "[     0x1] [0x1     ]"},
+    {"%2$@ %1$@ %2$@", {"a", "b"}, "b a b"},
+    {"%2$@ %@ %@", {"a", "b"}, "b a b"},
+    {"%1$05d|%1$x", {10}, "00010|a"},
+    {"[%*d] [%-*d] [%*d]", {4, 1, 4, 2, -4, 3}, "[   1] [2   ] [3   ]"},
+    {"%.*f %.*f %*.*f", {1, 1.25, -1, 0.5, 6, 2, 3.14159}, "1.2 0.500000   3.14"},
+    {"%2$*1$d|%1$d", {3, 7}, "  7|3"},
+    {"%*d", {1000000, 1}, std::string(999, ' ') + "1"},
+    {"%*@", {"no number", "a"}, "a"},
     // What does not fit.
     {"%d", {"text"}, "text"},
     {"%d", {1.5}, "1.5"},
@@ -45,6 +60,10 @@ const FormatCase kFormats[] = {
     {"%", {1}, "%"},
     {"50% done", {1}, "50 1one"},
     {"%k %!", {1}, "%k %!"},
+    {"%k %y %5.2m %*k %3$k %@ %@", {1, 2}, "%k %y %5.2m %*k %3$k 1 2"},
+    {"%0$d %$d %1$", {5}, "%0$d %$d %1$"},
+    {"%9$@ %9999999999$@ %@", {1}, "(null) (null) 1"},
+    {"%c %C %p", {"text", 1.5, "text"}, "text 1.5 text"},
     {"%n", {1}, "%n"},
     {"%9999999999d", {1}, std::string(999, ' ') + "1"},
     {"%.9999999999f|", {0}, "0." + std::string(1000, '0') + "|"},
@@ -61,6 +80,18 @@ TEST(NSString, TakesArgumentsOfAnyType) {
   EXPECT_EQ(stringWithFormat("%@ %@ %ld %.1f", "a", std::string("b"), 3, 0.5), "a b 3 0.5");
   EXPECT_EQ(stringWithFormat("%@", NSArray::arrayWithObjects({1})), "(\n    1\n)");
   EXPECT_EQ(stringWithFormat("%@", std::optional<NSDate>()), "(null)");
+  const char* const none = nullptr;
+  EXPECT_EQ(stringWithFormat("%s %@ %s", none, none, "text"), "(null) (null) text");
+}
+
+TEST(NSString, PrintsTheAddressesOfObjectsAndPointers) {
+  const auto object = std::make_shared<NSArray>();
+  char expected[32];
+  std::snprintf(expected, sizeof expected, "%p", static_cast<const void*>(object.get()));
+  EXPECT_EQ(stringWithFormat("%p", object), expected);
+  EXPECT_EQ(stringWithFormat("%p", object.get()), expected);
+  EXPECT_EQ(stringWithFormat("%p", static_cast<const void*>(object.get())), expected);
+  EXPECT_EQ(stringWithFormat("%p", static_cast<const int*>(nullptr)), "0x0");
 }
 
 }  // namespace

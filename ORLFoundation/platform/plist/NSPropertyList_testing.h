@@ -2,11 +2,11 @@
 /// from hex digits, and binary lists put together object by object.
 #pragma once
 
+#include <ORLFoundation/platform/base/Hexadecimal.h>
 #include <ORLFoundation/platform/plist/NSPropertyListSerialization.h>
 #include <ORLFoundation/platform/value/NSData.h>
 #include <gtest/gtest.h>
 
-#include <cctype>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -20,19 +20,10 @@ using namespace ORLFoundation;
 
 /// Bytes from hex digits; blanks are passed over.
 inline std::string bytesFromHex(std::string_view hex) {
-  std::string bytes;
-  int high = -1;
-  for (const char digit : hex) {
-    if (std::isxdigit(static_cast<unsigned char>(digit)) == 0) continue;
-    const int value = digit <= '9' ? digit - '0' : (digit | 0x20) - 'a' + 10;
-    if (high < 0) {
-      high = value;
-    } else {
-      bytes += static_cast<char>(high * 16 + value);
-      high = -1;
-    }
-  }
-  return bytes;
+  std::string digits;
+  for (const char c : hex)
+    if (c != ' ' && c != '\n') digits += c;
+  return internal::base::bytesOfHexText(digits).value();
 }
 
 inline void appendBigEndian(std::string& bytes, std::uint64_t value, unsigned width) {

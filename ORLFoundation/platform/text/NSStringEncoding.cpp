@@ -2,9 +2,9 @@
 #include <ORLFoundation/platform/text/NSStringEncoding.h>
 
 #include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/text/UTF16.h>
 #include <unicode/ucnv.h>
-#include <unicode/utf8.h>
 
 #include <algorithm>
 #include <array>
@@ -17,20 +17,10 @@ namespace {
 
 using Text = std::optional<std::string>;
 
-bool isUTF8(std::string_view text) {
-  const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-  for (std::size_t at = 0; at < text.size();) {
-    UChar32 character = U_SENTINEL;
-    U8_NEXT(bytes, at, text.size(), character);
-    if (character < 0) return false;
-  }
-  return true;
-}
-
 Text textOfUTF8(std::string_view bytes) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
   if (bytes.starts_with(kByteOrderMark)) bytes.remove_prefix(kByteOrderMark.size());
-  return isUTF8(bytes) ? Text(bytes) : std::nullopt;
+  return internal::base::isUTF8(bytes) ? Text(bytes) : std::nullopt;
 }
 
 Text textOfASCII(std::string_view bytes) {
@@ -68,6 +58,35 @@ Text textOfWindowsLatin1(std::string_view bytes) {
   return textOfTable(bytes, table);
 }
 
+Text textOfISOLatin1(std::string_view bytes) {
+  static const auto& table = *new ByteTable(tableOf("ISO-8859-1"));
+  return textOfTable(bytes, table);
+}
+
+enum class ByteOrder : std::uint8_t { Big, Little };
+
+Text textOfUTF16(std::string_view bytes, ByteOrder order) {
+  if (bytes.size() % 2 != 0) return std::nullopt;
+  const std::size_t high = order == ByteOrder::Big ? 0 : 1;
+  icu::UnicodeString units;
+  for (std::size_t at = 0; at < bytes.size(); at += 2) {
+    const auto byte = [&](std::size_t place) {
+      return static_cast<unsigned>(static_cast<unsigned char>(bytes[at + place]));
+    };
+    units += static_cast<char16_t>(byte(high) << 8 | byte(1 - high));
+  }
+  for (std::int32_t at = 0; at < units.length(); at = units.moveIndex32(at, 1))
+    if (U_IS_SURROGATE(units.char32At(at))) return std::nullopt;
+  return internal::utf8Of(units);
+}
+
+Text textOfMarkedUTF16(std::string_view bytes) {
+  constexpr std::size_t kMark = 2;
+  if (bytes.starts_with("\xFF\xFE")) return textOfUTF16(bytes.substr(kMark), ByteOrder::Little);
+  if (bytes.starts_with("\xFE\xFF")) bytes.remove_prefix(kMark);
+  return textOfUTF16(bytes, ByteOrder::Big);
+}
+
 Text textOfMacRoman(std::string_view bytes) {
   static const auto& table = *new ByteTable(tableOf("macintosh"));
   return textOfTable(bytes, table);
@@ -81,6 +100,14 @@ std::optional<std::string> stringWithData(const NSData& data, NSUInteger encodin
       return textOfASCII(data.text());
     case NSUTF8StringEncoding:
       return textOfUTF8(data.text());
+    case NSISOLatin1StringEncoding:
+      return textOfISOLatin1(data.text());
+    case NSUTF16StringEncoding:
+      return textOfMarkedUTF16(data.text());
+    case NSUTF16BigEndianStringEncoding:
+      return textOfUTF16(data.text(), ByteOrder::Big);
+    case NSUTF16LittleEndianStringEncoding:
+      return textOfUTF16(data.text(), ByteOrder::Little);
     case NSWindowsCP1252StringEncoding:
       return textOfWindowsLatin1(data.text());
     case NSMacOSRomanStringEncoding:

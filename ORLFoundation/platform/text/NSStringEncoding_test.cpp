@@ -28,7 +28,28 @@ const EncodingCase kEncodingCases[] = {
     {"WindowsLatin1", "\x80\xE9\x9F", NSWindowsCP1252StringEncoding, "€éŸ"},
     {"WindowsLatin1WithoutCharacter", "\x81", NSWindowsCP1252StringEncoding, std::nullopt},
     {"MacRoman", "\x80\x8E\xDB\xE9", NSMacOSRomanStringEncoding, "Äé€È"},
-    {"Unknown", "a", 10, std::nullopt},
+    {"ISOLatin1", "a\x80\xE9\xFF", NSISOLatin1StringEncoding, "a\u0080éÿ"},
+    {"UTF16MarkedLittle",
+     std::string_view("\xFF\xFE"
+                      "a\0\x3D\xD8\x00\xDE",
+                      8),
+     NSUTF16StringEncoding, "a😀"},
+    {"UTF16MarkedBig", std::string_view("\xFE\xFF\0a\x20\xAC", 6), NSUTF16StringEncoding, "a€"},
+    {"UTF16WithoutAMarkIsBig", std::string_view("\0a\0b", 4), NSUTF16StringEncoding, "ab"},
+    {"UTF16Empty", "", NSUTF16StringEncoding, ""},
+    {"UTF16MarkAlone", "\xFF\xFE", NSUTF16StringEncoding, ""},
+    {"UTF16Big", std::string_view("\0a\0b", 4), NSUTF16BigEndianStringEncoding, "ab"},
+    {"UTF16Little", std::string_view("a\0b\0", 4), NSUTF16LittleEndianStringEncoding, "ab"},
+    {"UTF16LittleKeepsAMark",
+     std::string_view("\xFF\xFE"
+                      "a\0",
+                      4),
+     NSUTF16LittleEndianStringEncoding, "\uFEFFa"},
+    {"UTF16HalfAUnit", std::string_view("\0a\0", 3), NSUTF16StringEncoding, std::nullopt},
+    {"UTF16HalfAPair", "\xD8\x3D", NSUTF16StringEncoding, std::nullopt},
+    {"UTF16HalvesTurnedRound", std::string_view("\xDE\0\xD8\x3D", 4), NSUTF16StringEncoding,
+     std::nullopt},
+    {"Unknown", "a", 11, std::nullopt},
 };
 
 TEST(NSStringEncoding, ReadsBytes) {
@@ -49,6 +70,7 @@ std::string refusedBytes(NSUInteger encoding) {
 TEST(NSStringEncoding, KnowsWhichBytesFit) {
   EXPECT_EQ(refusedBytes(NSMacOSRomanStringEncoding), "");
   EXPECT_EQ(refusedBytes(NSWindowsCP1252StringEncoding), "\x81\x8D\x8F\x90\x9D");
+  EXPECT_EQ(refusedBytes(NSISOLatin1StringEncoding), "");
   EXPECT_EQ(refusedBytes(NSASCIIStringEncoding).size(), 128U);
   EXPECT_EQ(refusedBytes(NSUTF8StringEncoding).size(), 128U);
 }

@@ -1,8 +1,10 @@
 
 #include <ORLFoundation/platform/text/NSStringNumbers.h>
 
+#include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/CheckedArithmetic.h>
+#include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/text/NSCharacterSet.h>
-#include <unicode/utf8.h>
 
 #include <algorithm>
 #include <charconv>
@@ -13,19 +15,17 @@
 namespace ORLFoundation {
 namespace {
 
+namespace base = internal::base;
+
 constexpr std::string_view kDigits = "0123456789";
 
 std::string_view withoutLeadingSpace(std::string_view text) noexcept {
   while (!text.empty()) {
-    const auto first = static_cast<unsigned char>(text.front());
-    if (first > ' ' && first < 0x80) break;
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-    UChar32 character = U_SENTINEL;
-    std::size_t length = 0;
-    U8_NEXT(bytes, length, text.size(), character);
+    if (text.front() > ' ' && base::isASCII(text.front())) break;
+    const base::UTF8Character first = base::firstUTF8Character(text);
     const auto& space = NSCharacterSet::whitespaceAndNewlineCharacterSet();
-    if (character < 0 || !space->longCharacterIsMember(static_cast<char32_t>(character))) break;
-    text.remove_prefix(length);
+    if (first.isBroken || !space->longCharacterIsMember(first.codePoint)) break;
+    text.remove_prefix(first.length);
   }
   return text;
 }
@@ -41,12 +41,12 @@ bool takeSign(std::string_view& text) noexcept {
 NSInteger digitsValue(std::string_view digits, bool negative) noexcept {
   NSInteger value = 0;
   for (const char character : digits) {
-    if (character < '0' || character > '9') break;
+    if (!base::isDigit(character)) break;
     const NSInteger digit = negative ? '0' - character : character - '0';
-    if (__builtin_mul_overflow(value, NSInteger{10}, &value) ||
-        __builtin_add_overflow(value, digit, &value)) {
-      return negative ? NSIntegerMin : NSIntegerMax;
-    }
+    const auto tens = base::checkedProduct(value, 10);
+    const auto next = tens ? base::checkedSum(*tens, digit) : std::nullopt;
+    if (!next) return negative ? NSIntegerMin : NSIntegerMax;
+    value = *next;
   }
   return value;
 }
@@ -86,10 +86,9 @@ bool isTooLarge(std::string_view number) noexcept {
   if (mantissaEnd == number.size()) return first < point;
   std::string_view exponent = number.substr(mantissaEnd + 1);
   const bool negative = takeSign(exponent);
-  NSInteger place = 0;
-  if (__builtin_add_overflow(digitsValue(exponent, negative), point - first, &place))
-    return !negative;
-  return place > 0;
+  const auto place = base::checkedSum(digitsValue(exponent, negative), point - first);
+  if (!place) return !negative;
+  return *place > 0;
 }
 
 }  // namespace

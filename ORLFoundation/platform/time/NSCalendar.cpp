@@ -5,23 +5,30 @@
 #include <ORLFoundation/platform/time/internal/CalendarFields.h>
 #include <ORLFoundation/platform/time/internal/CalendarRanges.h>
 #include <ORLFoundation/platform/time/internal/CalendarSearch.h>
+#include <ORLFoundation/platform/time/internal/LocaleWeek.h>
 
 #include <functional>
 #include <utility>
 
 namespace ORLFoundation {
+
+using namespace internal::time;
+
 namespace {
 
 constexpr NSUInteger kDayAndWeekUnits = NSCalendarUnitDay | NSCalendarUnitWeekday |
                                         NSCalendarUnitWeekdayOrdinal | NSCalendarUnitWeekOfMonth |
                                         NSCalendarUnitWeekOfYear | NSCalendarUnitWeek;
 
+constexpr LocaleWeek kWorldsWeek;
+
 NSDate notADate() noexcept { return dateFromInstant(Instant::none()); }
 
 }  // namespace
 
-NSCalendar::NSCalendar(std::string identifier) : identifier_(std::move(identifier)) {
-  setTimeZone(nullptr);
+NSCalendar::NSCalendar(std::string identifier, std::shared_ptr<NSTimeZone> zone)
+    : identifier_(std::move(identifier)) {
+  setTimeZone(std::move(zone));
   if (identifier_ != NSCalendarIdentifierISO8601) return;
   setFirstWeekday(2);
   setMinimumDaysInFirstWeek(4);
@@ -31,7 +38,7 @@ std::shared_ptr<NSCalendar> NSCalendar::initWithCalendarIdentifier(std::string_v
   if (identifier != NSCalendarIdentifierGregorian && identifier != NSCalendarIdentifierISO8601) {
     return nullptr;
   }
-  return std::make_shared<NSCalendar>(std::string(identifier));
+  return std::make_shared<NSCalendar>(std::string(identifier), NSTimeZone::defaultTimeZone());
 }
 
 const std::string& NSCalendar::calendarIdentifier() const noexcept { return identifier_; }
@@ -63,9 +70,12 @@ const std::string& NSCalendar::localeIdentifier() const noexcept { return locale
 
 void NSCalendar::setLocaleIdentifier(std::string identifier) {
   localeIdentifier_ = std::move(identifier);
-  localeWeek_ = localeIdentifier_.empty() ? LocaleWeek{} : weekOfLocale(localeIdentifier_);
-  if (!hasFirstWeekday_) rules_.firstWeekday = localeWeek_.firstWeekday;
-  if (!hasMinimumDays_) rules_.minimumDays = localeWeek_.minimumDays;
+  localeWeek_ = localeIdentifier_.empty()
+                    ? nullptr
+                    : std::make_shared<const LocaleWeek>(weekOfLocale(localeIdentifier_));
+  const LocaleWeek& week = localeWeek_ ? *localeWeek_ : kWorldsWeek;
+  if (!hasFirstWeekday_) rules_.firstWeekday = week.firstWeekday;
+  if (!hasMinimumDays_) rules_.minimumDays = week.minimumDays;
 }
 
 NSDateComponents NSCalendar::components(NSUInteger unitFlags, NSDate fromDate) const noexcept {
@@ -164,8 +174,8 @@ bool NSCalendar::isDateInWeekend(NSDate date) const noexcept {
   if (!splitDate(date, instant)) return false;
   const civil::DayTime local = localDayTime(rules_, instant.seconds);
   const auto weekday = static_cast<std::size_t>(civil::weekdayOfDay(local.day) - 1);
-  return local.second >= localeWeek_.weekendFrom[weekday] &&
-         local.second < localeWeek_.weekendTo[weekday];
+  const LocaleWeek& week = localeWeek_ ? *localeWeek_ : kWorldsWeek;
+  return local.second >= week.weekendFrom[weekday] && local.second < week.weekendTo[weekday];
 }
 
 std::string NSCalendar::className() const { return "NSCalendar"; }
@@ -188,13 +198,12 @@ std::string NSCalendar::description() const {
 }
 
 std::shared_ptr<NSObject> NSCalendar::copy() {
-  auto calendar = std::make_shared<NSCalendar>(identifier_);
+  auto calendar = std::make_shared<NSCalendar>(identifier_, zone_);
   calendar->rules_ = rules_;
   calendar->hasFirstWeekday_ = hasFirstWeekday_;
   calendar->hasMinimumDays_ = hasMinimumDays_;
   calendar->localeWeek_ = localeWeek_;
   calendar->localeIdentifier_ = localeIdentifier_;
-  calendar->zone_ = zone_;
   return calendar;
 }
 

@@ -17,7 +17,6 @@
 #include <ORLFoundation/platform/time/NSDateComponents.h>
 #include <ORLFoundation/platform/time/NSTimeZone.h>
 #include <ORLFoundation/platform/time/internal/CalendarRules.h>
-#include <ORLFoundation/platform/time/internal/LocaleWeek.h>
 #include <ORLFoundation/platform/value/NSDate.h>
 #include <ORLFoundation/platform/value/NSRange.h>
 
@@ -27,6 +26,10 @@
 #include <string_view>
 
 namespace ORLFoundation {
+
+namespace internal::time {
+struct LocaleWeek;
+}
 
 inline constexpr std::string_view NSCalendarIdentifierGregorian = "gregorian";
 inline constexpr std::string_view NSCalendarIdentifierISO8601 = "iso8601";
@@ -62,7 +65,8 @@ class NSCalendar : public NSObject {
   [[nodiscard]] NSInteger component(NSCalendarUnit unit, NSDate fromDate) const noexcept;
   /// `components:fromDate:toDate:options:`  For each masked unit from the largest, the most whole
   /// steps of `dateByAddingUnit` that do not pass the second date, counted from the date that the
-  /// larger units have reached; negative when the second date is earlier. With
+  /// larger units have reached; negative when the second date is earlier. `yearForWeekOfYear`
+  /// counts years here, where `dateByAddingUnit` steps through years of whole weeks. With
   /// `NSCalendarWrapComponents`, days and weeks asked for alone leave out days that the zone
   /// skipped; no other option changes anything.
   [[nodiscard]] NSDateComponents components(NSUInteger unitFlags, NSDate fromDate, NSDate toDate,
@@ -139,10 +143,10 @@ class NSCalendar : public NSObject {
   std::shared_ptr<NSObject> copy() override;
 
   /// What operations count with, for this folder's own helpers.
-  [[nodiscard]] const CalendarRules& rules() const noexcept { return rules_; }
+  [[nodiscard]] const internal::time::CalendarRules& rules() const noexcept { return rules_; }
 
-  /// Use `initWithCalendarIdentifier`.
-  explicit NSCalendar(std::string identifier);
+  /// Use `initWithCalendarIdentifier`; the zone is not nil.
+  NSCalendar(std::string identifier, std::shared_ptr<NSTimeZone> zone);
 
  private:
   // The operations that may give nil, which they tell by a date that is not a number: it travels in
@@ -161,10 +165,10 @@ class NSCalendar : public NSObject {
     return std::nullopt;
   }
 
-  CalendarRules rules_;
+  internal::time::CalendarRules rules_;
   bool hasFirstWeekday_ = false;
   bool hasMinimumDays_ = false;
-  LocaleWeek localeWeek_;
+  std::shared_ptr<const internal::time::LocaleWeek> localeWeek_;  // null is the world's custom
   std::string identifier_;
   std::string localeIdentifier_;
   std::shared_ptr<NSTimeZone> zone_;

@@ -13,6 +13,8 @@
 namespace ORLFoundation {
 namespace {
 
+using namespace internal::time;
+
 struct CalendarCase {
   const char* zone;
   NSInteger firstWeekday, minimumDays;
@@ -150,16 +152,18 @@ TEST_P(NSCalendarLaws, UnitsHoldTheirDatesAndMeetWithoutGap) {
       ASSERT_TRUE(calendar_->rangeOfUnit(unit, &start, &length, date));
       ASSERT_LE(start.compare(date), 0) << date.description() << unit;
       const NSDate end = start.dateByAddingTimeInterval(length);
-      // A day that a clock change interrupts is counted from its first midnight to the next one's.
-      if (end.compare(date) <= 0) {
-        ASSERT_TRUE(isSecondOccurrence(date)) << date.description() << unit;
-        continue;
-      }
+      ASSERT_GT(end.compare(date), 0) << date.description() << unit;
       // Clocks that change by half an hour end an hour of theirs early.
       if (length <= 3600 && offsetAt(end) != offsetAt(start)) continue;
       NSDate next;
       ASSERT_TRUE(calendar_->rangeOfUnit(unit, &next, nullptr, end));
-      ASSERT_EQ(next, end) << date.description() << unit;
+      // A midnight that is put back comes twice: the unit after it begins at the first, and the
+      // unit before it holds the time up to the second.
+      if (next != end) {
+        ASSERT_TRUE(isSecondOccurrence(end)) << date.description() << unit;
+        ASSERT_LT(next.compare(end), 0) << date.description() << unit;
+        continue;
+      }
       ASSERT_TRUE(calendar_->rangeOfUnit(unit, &next, nullptr, start));
       ASSERT_EQ(next, start) << date.description() << unit;
     }

@@ -12,6 +12,85 @@ using orlftest::vectorFromDate;
 
 // ---------------------------------------------------------------- ranges
 
+// Clocks in St John's went back from 00:01 to 23:01 of the day before.
+TEST(NSCalendar, RangesReachBeyondADateOfTheHourThatMidnightDoubled) {
+  const auto calendar = calendarIn("America/St_Johns");
+  const NSDate doubled = date("2006-10-29T02:31:00Z");
+  for (const NSCalendarUnit unit : {NSCalendarUnitDay, NSCalendarUnitWeekOfYear}) {
+    NSDate start;
+    NSTimeInterval length = 0;
+    ASSERT_TRUE(calendar->rangeOfUnit(unit, &start, &length, doubled));
+    EXPECT_EQ(start.dateByAddingTimeInterval(length), date("2006-10-29T03:30:00Z")) << unit;
+  }
+  NSDate start;
+  NSTimeInterval length = 0;
+  ASSERT_TRUE(calendar->rangeOfUnit(NSCalendarUnitDay, &start, &length, doubled));
+  EXPECT_EQ(start, date("2006-10-28T02:30:00Z"));
+  // The minute between both midnights belongs to the next day.
+  ASSERT_TRUE(
+      calendar->rangeOfUnit(NSCalendarUnitDay, &start, &length, date("2006-10-29T02:30:30Z")));
+  EXPECT_EQ(start, date("2006-10-29T02:30:00Z"));
+  EXPECT_EQ(length, 25 * 3600);
+}
+
+TEST(NSCalendar, RangesHoldTheDateInEveryZoneAndUnit) {
+  for (const char* zone :
+       {"America/St_Johns", "America/Havana", "Asia/Beirut", "Pacific/Apia", "Pacific/Kwajalein",
+        "Asia/Manila", "America/Sao_Paulo", "Australia/Lord_Howe", "Africa/Casablanca"}) {
+    const auto calendar = calendarIn(zone);
+    for (const NSCalendarUnit unit :
+         {NSCalendarUnitHour, NSCalendarUnitDay, NSCalendarUnitWeekOfYear, NSCalendarUnitMonth,
+          NSCalendarUnitQuarter, NSCalendarUnitYear, NSCalendarUnitYearForWeekOfYear}) {
+      std::optional<NSDate> change = date("1900-01-01T00:00:00Z");
+      for (int index = 0; index < 300 && change; ++index) {
+        for (const double minutes : {-61.0, -60.0, -30.0, -1.0, 0.0, 1.0, 30.0, 59.0, 60.0, 61.0}) {
+          const NSDate asked = change->dateByAddingTimeInterval(minutes * 60);
+          NSDate start;
+          NSTimeInterval length = 0;
+          ASSERT_TRUE(calendar->rangeOfUnit(unit, &start, &length, asked));
+          ASSERT_NE(start.compare(asked), NSOrderedDescending) << zone << ' ' << unit;
+          ASSERT_EQ(start.dateByAddingTimeInterval(length).compare(asked), NSOrderedDescending)
+              << zone << ' ' << unit << ' ' << orlftest::vectorFromDate(asked);
+        }
+        change = calendar->timeZone()->nextDaylightSavingTimeTransitionAfterDate(*change);
+      }
+    }
+  }
+}
+
+struct WeeksOfMonthCase {
+  NSInteger minimumDays;
+  NSRange largest, smallest;
+};
+
+TEST(NSCalendar, CountsTheWeeksOfAMonthByItsMinimumDays) {
+  const WeeksOfMonthCase cases[] = {{1, {1, 6}, {1, 4}}, {2, {0, 7}, {0, 5}}, {3, {0, 6}, {0, 5}},
+                                    {4, {0, 6}, {0, 5}}, {6, {0, 6}, {0, 5}}, {7, {0, 6}, {0, 5}}};
+  for (const WeeksOfMonthCase& row : cases) {
+    const auto calendar = calendarIn("UTC", 1, row.minimumDays);
+    EXPECT_EQ(calendar->maximumRangeOfUnit(NSCalendarUnitWeekOfMonth), row.largest);
+    EXPECT_EQ(calendar->minimumRangeOfUnit(NSCalendarUnitWeekOfMonth), row.smallest);
+  }
+}
+
+// Whatever the week of the month that a day shows, a search finds it.
+TEST(NSCalendar, FindsEveryWeekOfAMonthThatADayShows) {
+  for (NSInteger minimumDays = 1; minimumDays <= 7; ++minimumDays) {
+    const auto calendar = calendarIn("UTC", 2, minimumDays);
+    for (int day = 0; day < 1461; ++day) {
+      const NSDate shown = date("2021-01-01T00:00:00Z").dateByAddingTimeInterval(day * 86400.0);
+      const NSDateComponents wanted =
+          calendar->components(NSCalendarUnitYear | NSCalendarUnitMonth |
+                                   NSCalendarUnitWeekOfMonth | NSCalendarUnitWeekday,
+                               shown);
+      const auto found =
+          calendar->nextDateAfterDate(shown.dateByAddingTimeInterval(1), wanted,
+                                      NSCalendarMatchStrictly | NSCalendarSearchBackwards);
+      ASSERT_EQ(found, shown) << minimumDays << ' ' << day;
+    }
+  }
+}
+
 TEST(NSCalendar, BeginsADayAtItsFirstInstant) {
   const struct {
     const char* zone;

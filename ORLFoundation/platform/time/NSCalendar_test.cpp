@@ -1,7 +1,9 @@
+#include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/time/NSCalendar_testing.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 #include <string>
 
@@ -443,6 +445,29 @@ TEST(NSCalendar, AnswersAtTheEdgeOfTheSupportedRange) {
     static_cast<void>(calendar->nextDateAfterDate(edge, componentsFromVector("day=1"), 6));
     static_cast<void>(calendar->nextDateAfterDate(edge, componentsFromVector("day=1"), 2));
   }
+}
+
+// The default zone is made ready for asking once it is set to nothing: an unreadable TZ would leave
+// a line in the log.
+TEST(NSCalendar, CopiesWithoutAskingTheSystemForItsZone) {
+  const auto calendar = calendarIn("Asia/Tokyo");
+  const char* const before = std::getenv("TZ");
+  const std::string kept = before == nullptr ? "" : before;
+  setenv("TZ", "Atlantis/Sunken", 1);
+  const LogCapture log;
+  const auto copy = std::static_pointer_cast<NSCalendar>(calendar->copy());
+  const auto lines = log.lines();
+  const auto fresh = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian);
+  const auto linesAfterAsking = log.lines();
+  if (before == nullptr) {
+    unsetenv("TZ");
+  } else {
+    setenv("TZ", kept.c_str(), 1);
+  }
+  EXPECT_EQ(lines, std::vector<std::string>());
+  EXPECT_NE(linesAfterAsking, std::vector<std::string>());
+  EXPECT_TRUE(copy->isEqual(calendar.get()));
+  EXPECT_EQ(copy->timeZone(), calendar->timeZone());
 }
 
 }  // namespace

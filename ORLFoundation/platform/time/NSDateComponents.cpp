@@ -7,7 +7,7 @@
 namespace ORLFoundation {
 
 bool NSDateComponents::isValidDateInCalendar(const NSCalendar& calendar) const {
-  return areFieldsValid(calendar.rules(), *this);
+  return internal::time::areFieldsValid(calendar.rules(), *this);
 }
 
 }  // namespace ORLFoundation

@@ -1,12 +1,15 @@
 
 #include <ORLFoundation/platform/time/NSDateComponents.h>
 
+#include <ORLFoundation/platform/base/CivilDays.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorCodec.h>
 
 namespace ORLFoundation {
 namespace {
+
+namespace civil = internal::base::civil;
 
 struct FieldCase {
   NSUInteger value;

@@ -1,7 +1,9 @@
 
 #include <ORLFoundation/platform/time/NSTimeZone.h>
 
-#include <ORLFoundation/platform/time/internal/CalendarRules.h>
+#include <ORLFoundation/platform/time/internal/CalendarInstants.h>
+#include <ORLFoundation/platform/time/internal/SystemZone.h>
+#include <ORLFoundation/platform/time/internal/ZoneTable.h>
 
 #include <algorithm>
 #include <cctype>
@@ -13,15 +15,23 @@
 #include <mutex>
 
 namespace ORLFoundation {
+
+using namespace internal::time;
+
 namespace {
 
 constexpr NSInteger kLargestOffset = NSInteger{18} * 3600;
 
-// The zones that were read, for the life of the process: as many as the system has names.
+// The zones that were read, for the life of the process: as many as the system has names, and the
+// offsets by whole minutes.
 struct ZoneCache {
   std::mutex mutex;
   std::map<std::string, std::shared_ptr<NSTimeZone>, std::less<>> zones;
   std::shared_ptr<NSTimeZone> chosenDefault;
+  // The system's zone and what it was found by.
+  std::shared_ptr<NSTimeZone> system;
+  SystemZoneSettings systemSettings;
+  std::string machineLink;
 };
 
 ZoneCache& zoneCache() {
@@ -35,7 +45,8 @@ bool isZoneName(std::string_view name) {
     return std::isalnum(c) || c == '/' || c == '_' || c == '-' || c == '+';
   };
   return !name.empty() && name.size() < 64 && name.front() != '/' &&
-         name.substr(0, 6) != "Fixed/" && std::all_of(name.begin(), name.end(), isNameCharacter);
+         name.find("//") == std::string_view::npos && name.substr(0, 6) != "Fixed/" &&
+         std::all_of(name.begin(), name.end(), isNameCharacter);
 }
 
 std::shared_ptr<NSTimeZone> readZone(std::string_view name) {
@@ -87,20 +98,27 @@ std::string nameOfOffset(NSInteger seconds) {
   return std::string(text) + rest;
 }
 
-// The name that the machine's link to its zone ends in.
-std::string linkedZoneName() {
-  std::error_code error;
-  const std::string target = std::filesystem::read_symlink("/etc/localtime", error).string();
-  constexpr std::string_view kFolder = "zoneinfo/";
-  const std::size_t folder = target.rfind(kFolder);
-  return error || folder == std::string::npos ? std::string()
-                                              : target.substr(folder + kFolder.size());
+// The zone of a name that was asked for before, else the one made now.
+template <class Make>
+std::shared_ptr<NSTimeZone> knownZone(const std::string& name, const Make& make) {
+  ZoneCache& cache = zoneCache();
+  const std::lock_guard lock(cache.mutex);
+  if (const auto known = cache.zones.find(name); known != cache.zones.end()) return known->second;
+  std::shared_ptr<NSTimeZone> zone = make();
+  if (zone) cache.zones.emplace(name, zone);
+  return zone;
 }
 
-std::string systemZoneName() {
-  const char* variable = std::getenv("TZ");
-  if (!variable || *variable == '\0') return linkedZoneName();
-  return *variable == ':' ? variable + 1 : variable;
+SystemZoneSettings currentSettings() {
+  SystemZoneSettings settings;
+  if (const char* variable = std::getenv("TZ")) settings.variable = variable;
+  return settings;
+}
+
+// What the machine's file is a link to, which changes when the machine's zone is set.
+std::string machineLink() {
+  std::error_code error;
+  return std::filesystem::read_symlink(SystemZoneSettings{}.machineFile, error).string();
 }
 
 }  // namespace
@@ -112,24 +130,33 @@ std::shared_ptr<NSTimeZone> NSTimeZone::timeZoneWithName(std::string_view name) 
   if (name == "GMT") return timeZoneForSecondsFromGMT(0);
   if (const auto offset = offsetFromName(name)) return timeZoneForSecondsFromGMT(*offset);
   if (!isZoneName(name)) return nullptr;
-  ZoneCache& cache = zoneCache();
-  const std::lock_guard lock(cache.mutex);
-  if (const auto known = cache.zones.find(name); known != cache.zones.end()) return known->second;
-  std::shared_ptr<NSTimeZone> zone = readZone(name);
-  if (zone) cache.zones.emplace(std::string(name), zone);
-  return zone;
+  return knownZone(std::string(name), [&name] { return readZone(name); });
 }
 
 std::shared_ptr<NSTimeZone> NSTimeZone::timeZoneForSecondsFromGMT(NSInteger seconds) {
   if (seconds < -kLargestOffset || seconds > kLargestOffset) return nullptr;
-  return std::make_shared<NSTimeZone>(nameOfOffset(seconds),
-                                      ZoneTable::fixed(static_cast<std::int32_t>(seconds)));
+  std::string name = nameOfOffset(seconds);
+  const auto make = [&] {
+    return std::make_shared<NSTimeZone>(name, ZoneTable::fixed(static_cast<std::int32_t>(seconds)));
+  };
+  return seconds % 60 == 0 ? knownZone(name, make) : make();
 }
 
 std::shared_ptr<NSTimeZone> NSTimeZone::systemTimeZone() {
-  std::shared_ptr<NSTimeZone> zone = timeZoneWithName(systemZoneName());
-  if (!zone) zone = timeZoneWithName("UTC");
-  return zone ? zone : timeZoneForSecondsFromGMT(0);
+  const SystemZoneSettings settings = currentSettings();
+  const std::string link = machineLink();
+  ZoneCache& cache = zoneCache();
+  {
+    const std::lock_guard lock(cache.mutex);
+    if (cache.system && cache.systemSettings == settings && cache.machineLink == link)
+      return cache.system;
+  }
+  const std::shared_ptr<NSTimeZone> zone = zoneOfSettings(settings);
+  const std::lock_guard lock(cache.mutex);
+  cache.system = zone;
+  cache.systemSettings = settings;
+  cache.machineLink = link;
+  return zone;
 }
 
 std::shared_ptr<NSTimeZone> NSTimeZone::defaultTimeZone() {

@@ -13,7 +13,9 @@
 
 namespace ORLFoundation {
 
+namespace internal::time {
 class ZoneTable;
+}
 
 class NSTimeZone : public NSObject {
  public:
@@ -27,11 +29,13 @@ class NSTimeZone : public NSObject {
   };
 
   /// `timeZoneWithName:`  "America/New_York", "UTC", "GMT+0530"; nil for a name that is unknown.
-  /// Every call with one name of the zoneinfo gives the same object.
+  /// Every call with one name gives the same object.
   [[nodiscard]] static std::shared_ptr<NSTimeZone> timeZoneWithName(std::string_view name);
   /// `timeZoneForSecondsFromGMT:`  Named "GMT+0530"; nil beyond 18 hours on either side.
   [[nodiscard]] static std::shared_ptr<NSTimeZone> timeZoneForSecondsFromGMT(NSInteger seconds);
-  /// `systemTimeZone`  From TZ or the machine's setting; UTC when neither can be read.
+  /// `systemTimeZone`  From TZ, which may hold a name, a path or a POSIX text, or from the
+  /// machine's own file, /etc/localtime; where TZ tells no zone a line in the log says so. UTC,
+  /// with a line in the log, when neither can be read.
   [[nodiscard]] static std::shared_ptr<NSTimeZone> systemTimeZone();
   /// `defaultTimeZone`  The zone of calendars that were given none; `systemTimeZone` until set.
   [[nodiscard]] static std::shared_ptr<NSTimeZone> defaultTimeZone();
@@ -59,14 +63,14 @@ class NSTimeZone : public NSObject {
   std::shared_ptr<NSObject> copy() override;
 
   /// The immutable table behind the zone, for calendars.
-  [[nodiscard]] const ZoneTable& table() const noexcept { return *table_; }
+  [[nodiscard]] const internal::time::ZoneTable& table() const noexcept { return *table_; }
 
   /// Use one of the operations above.
-  NSTimeZone(std::string name, std::shared_ptr<const ZoneTable> table);
+  NSTimeZone(std::string name, std::shared_ptr<const internal::time::ZoneTable> table);
 
  private:
   std::string name_;
-  std::shared_ptr<const ZoneTable> table_;
+  std::shared_ptr<const internal::time::ZoneTable> table_;
 };
 
 }  // namespace ORLFoundation

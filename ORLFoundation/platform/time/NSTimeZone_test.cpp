@@ -26,11 +26,17 @@ TEST(NSTimeZone, GivesOneObjectPerNameOnAnyThread) {
   }
 }
 
+TEST(NSTimeZone, GivesOneObjectForEachNameOfAnOffset) {
+  for (const char* name : {"GMT", "GMT+0530", "UTC-5", "Etc/GMT+5", "UTC"})
+    EXPECT_EQ(NSTimeZone::timeZoneWithName(name), NSTimeZone::timeZoneWithName(name)) << name;
+  EXPECT_EQ(NSTimeZone::timeZoneWithName("GMT+5"), NSTimeZone::timeZoneForSecondsFromGMT(18000));
+}
+
 TEST(NSTimeZone, RefusesNamesThatAreNoZones) {
   for (const char* name :
        {"", "Atlantis/Capital", "/etc/passwd", "../zoneinfo/UTC", "America/../UTC", "file:UTC",
         "Fixed/UTC+01:00:00", "GMT+", "GMT+x", "GMT+05:3", "GMT+0560", "GMT+1900", "UTC-18:01",
-        "GMT+123456", "America/New_York ", "America"}) {
+        "GMT+123456", "America/New_York ", "America", "America//New_York"}) {
     EXPECT_EQ(NSTimeZone::timeZoneWithName(name), nullptr) << name;
   }
 }

@@ -1,10 +1,11 @@
 
 #include <ORLFoundation/platform/types/UTType.h>
 
+#include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/Replaceable.h>
 #include <ORLFoundation/platform/types/UTTypeSystemCatalog.h>
 
 #include <functional>
-#include <mutex>
 #include <set>
 #include <utility>
 #include <vector>
@@ -14,31 +15,9 @@ namespace {
 
 using Catalog = std::shared_ptr<const UTTypeCatalog>;
 
-struct CurrentCatalog {
-  std::mutex lock;
-  Catalog catalog;
-};
-
-CurrentCatalog& current() {
-  // Never destroyed: types may be asked for while the process ends.
-  static auto& current = *new CurrentCatalog;
-  return current;
-}
-
-Catalog currentCatalog() {
-  const std::lock_guard guard(current().lock);
-  if (!current().catalog)
-    current().catalog =
-        std::make_shared<const UTTypeSystemCatalog>(UTTypeSystemCatalog::systemFolders());
-  return current().catalog;
-}
-
-std::string lowerCase(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  return lower;
-}
+constinit internal::base::Replaceable<const UTTypeCatalog> catalogs([]() -> Catalog {
+  return std::make_shared<const UTTypeSystemCatalog>(UTTypeSystemCatalog::systemFolders());
+});
 
 std::optional<std::string> firstOf(const std::vector<std::string>& list) {
   return list.empty() ? std::nullopt : std::optional(list.front());
@@ -55,29 +34,30 @@ std::shared_ptr<UTType> UTType::make(std::optional<UTTypeRecord> record, Catalog
 }
 
 std::shared_ptr<UTType> UTType::typeWithIdentifier(std::string_view identifier) {
-  const Catalog catalog = currentCatalog();
+  const Catalog catalog = catalogs.current();
   return make(catalog->recordWithIdentifier(identifier), catalog);
 }
 
 std::shared_ptr<UTType> UTType::typeWithFilenameExtension(std::string_view filenameExtension) {
-  const Catalog catalog = currentCatalog();
-  return make(catalog->recordWithFilenameExtension(lowerCase(filenameExtension)), catalog);
+  const Catalog catalog = catalogs.current();
+  return make(catalog->recordWithFilenameExtension(internal::base::lowerASCII(filenameExtension)),
+              catalog);
 }
 
 std::shared_ptr<UTType> UTType::typeWithMIMEType(std::string_view mimeType) {
-  const Catalog catalog = currentCatalog();
-  return make(catalog->recordWithMIMEType(lowerCase(mimeType)), catalog);
+  const Catalog catalog = catalogs.current();
+  return make(catalog->recordWithMIMEType(internal::base::lowerASCII(mimeType)), catalog);
 }
 
 std::shared_ptr<UTType> UTType::exportedTypeWithIdentifier(std::string_view identifier,
                                                            std::string_view conformingToType) {
   return make(UTTypeRecord{std::string(identifier), {}, {}, {std::string(conformingToType)}},
-              currentCatalog());
+              catalogs.current());
 }
 
-void UTType::setCatalog(std::shared_ptr<const UTTypeCatalog> catalog) {
-  const std::lock_guard guard(current().lock);
-  current().catalog.swap(catalog);
+std::shared_ptr<const UTTypeCatalog> UTType::setCatalog(
+    std::shared_ptr<const UTTypeCatalog> catalog) {
+  return catalogs.exchange(std::move(catalog));
 }
 
 std::optional<std::string> UTType::preferredFilenameExtension() const {

@@ -31,8 +31,10 @@ class UTType final : public NSObject {
   [[nodiscard]] static std::shared_ptr<UTType> exportedTypeWithIdentifier(
       std::string_view identifier, std::string_view conformingToType);
 
-  /// Where types are looked up from now on; null for the system's catalog. Safe on any thread.
-  static void setCatalog(std::shared_ptr<const UTTypeCatalog> catalog);
+  /// Where types are looked up from now on; null for the system's catalog. Gives back the catalog
+  /// before it, null for the system's while no type has been looked up there. Safe on any thread.
+  static std::shared_ptr<const UTTypeCatalog> setCatalog(
+      std::shared_ptr<const UTTypeCatalog> catalog);
 
   [[nodiscard]] const std::string& identifier() const noexcept { return record_.identifier; }
   /// `preferredFilenameExtension`, `preferredMIMEType`  nil when there is none.

@@ -2,37 +2,24 @@
 #include <ORLFoundation/platform/types/UTTypeSystemCatalog.h>
 
 #include <gtest/gtest.h>
+#include <tests/support/TemporaryFolder.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
 namespace ORLFoundation {
 namespace {
 
-namespace fs = std::filesystem;
-
-class UTTypeSystemCatalogTest : public testing::Test {
+class UTTypeSystemCatalogTest : public orlftest::TemporaryFolderTest {
  protected:
-  void SetUp() override {
-    std::string pattern = testing::TempDir() + "/mimeXXXXXX";
-    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
+  [[nodiscard]] std::string database(const std::string& name, const std::string& globs2,
+                                     const std::string& subclasses = "",
+                                     const std::string& aliases = "") const {
+    write(name + "/globs2", globs2);
+    write(name + "/subclasses", subclasses);
+    write(name + "/aliases", aliases);
+    return path(name);
   }
-  void TearDown() override { fs::remove_all(folder_); }
-
-  std::string database(const std::string& name, const std::string& globs2,
-                       const std::string& subclasses = "", const std::string& aliases = "") {
-    fs::create_directory(folder_ / name);
-    std::ofstream(folder_ / name / "globs2") << globs2;
-    std::ofstream(folder_ / name / "subclasses") << subclasses;
-    std::ofstream(folder_ / name / "aliases") << aliases;
-    return folder_ / name;
-  }
-
-  fs::path folder_;
 };
 
 TEST_F(UTTypeSystemCatalogTest, KnowsTheTypesOfTheDatabase) {

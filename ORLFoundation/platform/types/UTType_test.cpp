@@ -1,6 +1,8 @@
 
 #include <ORLFoundation/platform/types/UTType.h>
 
+#include <ORLFoundation/platform/base/Replaced.h>
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -11,16 +13,14 @@ namespace {
 /// Types in a small world, for as long as it lives.
 class UTTypeTest : public testing::Test {
  protected:
-  UTTypeTest() {
-    UTType::setCatalog(std::make_shared<UTTypeTable>(std::vector<UTTypeRecord>{
-        {"a.top", {}, {}, {}},
-        {"a.middle", {}, {}, {"a.missing", "a.top"}},
-        {"a.leaf", {"leaf", "lf"}, {"x/leaf"}, {"a.middle"}},
-        {"a.circle", {}, {}, {"a.round"}},
-        {"a.round", {}, {}, {"a.circle"}},
-    }));
-  }
-  ~UTTypeTest() override { UTType::setCatalog(nullptr); }
+  const Replaced<std::shared_ptr<const UTTypeCatalog>> catalog_{
+      UTType::setCatalog, std::make_shared<UTTypeTable>(std::vector<UTTypeRecord>{
+                              {"a.top", {}, {}, {}},
+                              {"a.middle", {}, {}, {"a.missing", "a.top"}},
+                              {"a.leaf", {"leaf", "lf"}, {"x/leaf"}, {"a.middle"}},
+                              {"a.circle", {}, {}, {"a.round"}},
+                              {"a.round", {}, {}, {"a.circle"}},
+                          })};
 };
 
 TEST_F(UTTypeTest, IsFoundByIdentifierExtensionAndMIMEType) {

@@ -2,6 +2,8 @@
 
 #include <ORLFoundation/platform/value/NSData.h>
 
+#include <ORLFoundation/platform/base/Hexadecimal.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -13,16 +15,10 @@ constexpr std::size_t kShownHead = 16;
 constexpr std::size_t kShownTail = 8;
 constexpr std::size_t kGroup = 4;
 
-void appendHex(std::string& out, std::uint8_t byte) {
-  constexpr std::string_view digits = "0123456789abcdef";
-  out += digits[byte >> 4];
-  out += digits[byte & 15];
-}
-
 void appendGroups(std::string& out, std::span<const std::uint8_t> bytes) {
   for (std::size_t i = 0; i < bytes.size(); ++i) {
     if (i != 0 && i % kGroup == 0) out += ' ';
-    appendHex(out, bytes[i]);
+    internal::base::appendHexByte(out, bytes[i]);
   }
 }
 
@@ -53,7 +49,7 @@ std::string NSData::description() const {
   const auto all = bytes();
   std::string out = "{length = " + std::to_string(all.size()) + ", bytes = 0x";
   if (all.size() <= kShownWhole) {
-    for (const std::uint8_t byte : all) appendHex(out, byte);
+    out += internal::base::hexText(text());
   } else {
     appendGroups(out, all.first(kShownHead));
     out += " ... ";

@@ -9,9 +9,10 @@
 #include <cmath>
 
 namespace ORLFoundation {
-namespace {
 
-using internal::Wide;
+using namespace internal::value;
+
+namespace {
 
 constexpr std::uint64_t kExactDoubleEnd = std::uint64_t{1} << 53;
 /// Powers of ten that a double holds exactly.
@@ -37,21 +38,21 @@ constexpr NSComparisonResult order(int left, int right) noexcept {
 NSComparisonResult compareMagnitudes(const NSDecimal& left, const NSDecimal& right) noexcept {
   Wide ours = left.mantissa();
   Wide theirs = right.mantissa();
-  const int ourDigits = internal::digitCount(ours);
-  const int theirDigits = internal::digitCount(theirs);
+  const int ourDigits = digitCount(ours);
+  const int theirDigits = digitCount(theirs);
   const NSComparisonResult places =
       order(ourDigits + left.exponent(), theirDigits + right.exponent());
   if (places != NSOrderedSame) return places;
-  if (ourDigits < theirDigits) ours *= internal::powerOfTen(theirDigits - ourDigits);
-  if (theirDigits < ourDigits) theirs *= internal::powerOfTen(ourDigits - theirDigits);
+  if (ourDigits < theirDigits) ours *= powerOfTen(theirDigits - ourDigits);
+  if (theirDigits < ourDigits) theirs *= powerOfTen(ourDigits - theirDigits);
   if (ours == theirs) return NSOrderedSame;
   return ours < theirs ? NSOrderedAscending : NSOrderedDescending;
 }
 
 /// Divides by a power of ten below 2^64; false when it does not go without a rest.
 bool divideEvenly(Wide& mantissa, std::uint64_t by) noexcept {
-  const std::uint64_t high = internal::highWord(mantissa);
-  const auto lower = internal::divideTwoWords(high % by, internal::lowWord(mantissa), by);
+  const std::uint64_t high = highWord(mantissa);
+  const auto lower = divideTwoWords(high % by, lowWord(mantissa), by);
   if (lower.remainder != 0) return false;
   mantissa = (Wide{high / by} << 64) | lower.quotient;
   return true;
@@ -80,7 +81,7 @@ NSDecimal NSDecimal::compacted() const noexcept {
   for (const int step : kZeroSteps) {
     // A multiple of 10^n is one of 2^n.
     if ((digits & ((Wide{1} << step) - 1)) != 0 || exponent + step > kLargestExponent) continue;
-    if (divideEvenly(digits, internal::shortPowerOfTen(step))) exponent += step;
+    if (divideEvenly(digits, shortPowerOfTen(step))) exponent += step;
   }
   return {digits, exponent, negative_};
 }

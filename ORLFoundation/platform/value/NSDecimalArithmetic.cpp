@@ -7,12 +7,10 @@
 #include <algorithm>
 
 namespace ORLFoundation {
-namespace {
 
-using internal::Dropped;
-using internal::ExactValue;
-using internal::Wide;
-using internal::WideInteger;
+using namespace internal::value;
+
+namespace {
 
 /// No decimal stays one when its exponent moves this far.
 constexpr NSInteger kFarthestPower = 1000;
@@ -22,22 +20,22 @@ constexpr NSDecimalResult kNotANumber{NSDecimal::notANumber(), NSCalculationNoEr
 /// The sum or the difference of two magnitudes, the first of which has the larger exponent.
 ExactValue exactSum(const NSDecimal& upper, const NSDecimal& lower) noexcept {
   const int distance = upper.exponent() - lower.exponent();
-  const int room = internal::kMostWideDigits - internal::digitCount(upper.mantissa());
+  const int room = kMostWideDigits - digitCount(upper.mantissa());
   const int raised = std::min(distance, room);
-  const WideInteger large = internal::timesPowerOfTen(upper.mantissa(), raised);
-  internal::WideQuotient small{lower.mantissa(), Dropped::kNothing};
-  if (raised < distance) small = internal::dropDigits({small.quotient, 0}, distance - raised);
+  const WideInteger large = timesPowerOfTen(upper.mantissa(), raised);
+  WideQuotient small{lower.mantissa(), Dropped::kNothing};
+  if (raised < distance) small = dropDigits({small.quotient, 0}, distance - raised);
   const WideInteger other{small.quotient, 0};
   const bool more = small.dropped != Dropped::kNothing;
   ExactValue result{{}, upper.exponent() - raised, upper.isNegative(), small.dropped};
   if (upper.isNegative() == lower.isNegative()) {
-    result.digits = internal::sum(large, other);
+    result.digits = sum(large, other);
   } else if (large < other) {
-    result.digits = internal::difference(other, large);
+    result.digits = difference(other, large);
     result.negative = lower.isNegative();
   } else {
     // What was cut off the smaller one comes off the larger: one unit less, and something more.
-    result.digits = internal::difference(large, internal::sum(other, {more ? Wide{1} : 0, 0}));
+    result.digits = difference(large, sum(other, {more ? Wide{1} : 0, 0}));
     result.below = more ? Dropped::kBelowHalf : Dropped::kNothing;
   }
   return result;
@@ -49,8 +47,8 @@ bool addWithinDigits(const NSDecimal& upper, const NSDecimal& lower, NSDecimal& 
   Wide large = upper.mantissa();
   const Wide small = lower.mantissa();
   if (distance != 0) {
-    if (distance + internal::digitCount(large) > NSDecimal::kMostDigits) return false;
-    large *= internal::powerOfTen(distance);
+    if (distance + digitCount(large) > NSDecimal::kMostDigits) return false;
+    large *= powerOfTen(distance);
   }
   const bool isSum = upper.isNegative() == lower.isNegative();
   if (isSum && large + small >= NSDecimal::kMantissaEnd) return false;
@@ -62,22 +60,22 @@ bool addWithinDigits(const NSDecimal& upper, const NSDecimal& lower, NSDecimal& 
 
 /// Drops digits of a short mantissa.
 NSDecimal roundShort(const NSDecimal& number, int drop, NSRoundingMode mode) noexcept {
-  const std::uint64_t unit = internal::shortPowerOfTen(drop);
+  const std::uint64_t unit = shortPowerOfTen(drop);
   const std::uint64_t kept = number.shortMantissa() / unit;
-  const Dropped dropped = internal::classOfRemainder(number.shortMantissa() % unit, unit);
-  const bool away = internal::roundsAway(mode, number.isNegative(), (kept & 1) != 0, dropped);
+  const Dropped dropped = classOfRemainder(number.shortMantissa() % unit, unit);
+  const bool away = roundsAway(mode, number.isNegative(), (kept & 1) != 0, dropped);
   return {kept + (away ? 1U : 0U), number.exponent() + drop, number.isNegative()};
 }
 
 /// Rounds a quotient of 38 digits.
-NSDecimalResult roundedQuotient(const internal::WideQuotient& quotient, int exponent, bool negative,
+NSDecimalResult roundedQuotient(const WideQuotient& quotient, int exponent, bool negative,
                                 NSRoundingMode mode) noexcept {
   const bool isOdd = (quotient.quotient & 1) != 0;
-  const bool away = internal::roundsAway(mode, negative, isOdd, quotient.dropped);
+  const bool away = roundsAway(mode, negative, isOdd, quotient.dropped);
   const Wide digits = quotient.quotient + (away ? 1 : 0);
   if (digits == NSDecimal::kMantissaEnd || exponent < NSDecimal::kSmallestExponent ||
       exponent > NSDecimal::kLargestExponent)
-    return internal::rounded({{quotient.quotient, 0}, exponent, negative, quotient.dropped}, mode);
+    return rounded({{quotient.quotient, 0}, exponent, negative, quotient.dropped}, mode);
   const bool isExact = quotient.dropped == Dropped::kNothing;
   return {NSDecimal(digits, exponent, negative),
           isExact ? NSCalculationNoError : NSCalculationLossOfPrecision};
@@ -85,7 +83,7 @@ NSDecimalResult roundedQuotient(const internal::WideQuotient& quotient, int expo
 
 }  // namespace
 
-namespace internal {
+namespace internal::value {
 
 NSDecimalResult addLong(const NSDecimal& left, const NSDecimal& right,
                         NSRoundingMode mode) noexcept {
@@ -108,7 +106,7 @@ NSDecimalResult multiplyLong(const NSDecimal& left, const NSDecimal& right,
                  mode);
 }
 
-}  // namespace internal
+}  // namespace internal::value
 
 NSDecimalResult NSDecimalDivide(const NSDecimal& left, const NSDecimal& right,
                                 NSRoundingMode mode) noexcept {
@@ -117,17 +115,17 @@ NSDecimalResult NSDecimalDivide(const NSDecimal& left, const NSDecimal& right,
   if (left.isZero()) return {};
   const Wide dividend = left.mantissa();
   const Wide divisor = right.mantissa();
-  const int distance = internal::digitCount(divisor) - internal::digitCount(dividend);
+  const int distance = digitCount(divisor) - digitCount(dividend);
   // As many digits on both sides tell whether the quotient's first digit is there or one further.
-  const bool starts = dividend * internal::powerOfTen(std::max(distance, 0)) >=
-                      divisor * internal::powerOfTen(std::max(-distance, 0));
+  const bool starts =
+      dividend * powerOfTen(std::max(distance, 0)) >= divisor * powerOfTen(std::max(-distance, 0));
   const int raised = NSDecimal::kMostDigits - (starts ? 1 : 0) + distance;
-  const WideInteger numerator =
-      left.isShort() ? internal::timesShort(internal::widePowerOfTen(raised), left.shortMantissa())
-                     : internal::timesPowerOfTen(dividend, raised);
-  const NSDecimalResult result = roundedQuotient(internal::divide(numerator, divisor),
-                                                 left.exponent() - right.exponent() - raised,
-                                                 left.isNegative() != right.isNegative(), mode);
+  const WideInteger numerator = left.isShort()
+                                    ? timesShort(widePowerOfTen(raised), left.shortMantissa())
+                                    : timesPowerOfTen(dividend, raised);
+  const NSDecimalResult result =
+      roundedQuotient(divide(numerator, divisor), left.exponent() - right.exponent() - raised,
+                      left.isNegative() != right.isNegative(), mode);
   if (result.error != NSCalculationNoError) return result;
   return {result.value.compacted()};
 }
@@ -136,8 +134,7 @@ NSDecimalResult NSDecimalMultiplyByPowerOf10(const NSDecimal& number, NSInteger 
                                              NSRoundingMode mode) noexcept {
   if (number.isNaN()) return kNotANumber;
   const auto moved = static_cast<int>(std::clamp(power, -kFarthestPower, kFarthestPower));
-  return internal::rounded({{number.mantissa(), 0}, number.exponent() + moved, number.isNegative()},
-                           mode);
+  return rounded({{number.mantissa(), 0}, number.exponent() + moved, number.isNegative()}, mode);
 }
 
 NSDecimalResult NSDecimalRound(const NSDecimal& number, NSInteger scale,
@@ -145,11 +142,10 @@ NSDecimalResult NSDecimalRound(const NSDecimal& number, NSInteger scale,
   if (number.isNaN() || scale >= -number.exponent()) return {number};
   const auto lowest = static_cast<int>(-std::max(scale, -kFarthestPower));
   const int drop = lowest - number.exponent();
-  if (number.isShort() && drop <= internal::kMostShortDigits &&
-      lowest <= NSDecimal::kLargestExponent)
+  if (number.isShort() && drop <= kMostShortDigits && lowest <= NSDecimal::kLargestExponent)
     return {roundShort(number, drop, mode)};
-  const NSDecimalResult result = internal::rounded(
-      {{number.mantissa(), 0}, number.exponent(), number.isNegative()}, mode, lowest);
+  const NSDecimalResult result =
+      rounded({{number.mantissa(), 0}, number.exponent(), number.isNegative()}, mode, lowest);
   if (result.error == NSCalculationOverflow) return result;
   return {result.value};
 }

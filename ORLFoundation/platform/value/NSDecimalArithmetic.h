@@ -19,7 +19,7 @@ struct NSDecimalResult {
   NSCalculationError error = NSCalculationNoError;
 };
 
-namespace internal {
+namespace internal::value {
 
 /// Any two operands.
 [[nodiscard]] NSDecimalResult addLong(const NSDecimal& left, const NSDecimal& right,
@@ -46,15 +46,15 @@ inline constexpr int kShortDistance = 18;
   return {withSign(sum, isNegative), exponent, isNegative};
 }
 
-}  // namespace internal
+}  // namespace internal::value
 
 [[nodiscard]] inline NSDecimalResult NSDecimalAdd(const NSDecimal& left, const NSDecimal& right,
                                                   NSRoundingMode mode = NSRoundPlain) noexcept {
   const auto place =
-      static_cast<unsigned>(left.exponent() - right.exponent() + internal::kShortDistance);
-  if (left.isShort() && right.isShort() && place <= 2U * internal::kShortDistance)
-    return {internal::addShort(left, right)};
-  return internal::addLong(left, right, mode);
+      static_cast<unsigned>(left.exponent() - right.exponent() + internal::value::kShortDistance);
+  if (left.isShort() && right.isShort() && place <= 2U * internal::value::kShortDistance)
+    return {internal::value::addShort(left, right)};
+  return internal::value::addLong(left, right, mode);
 }
 
 [[nodiscard]] inline NSDecimalResult NSDecimalSubtract(
@@ -65,13 +65,14 @@ inline constexpr int kShortDistance = 18;
 [[nodiscard]] inline NSDecimalResult NSDecimalMultiply(
     const NSDecimal& left, const NSDecimal& right, NSRoundingMode mode = NSRoundPlain) noexcept {
   if (left.isShort() && right.isShort()) {
-    const internal::Wide product = internal::Wide{left.shortMantissa()} * right.shortMantissa();
+    const internal::value::Wide product =
+        internal::value::Wide{left.shortMantissa()} * right.shortMantissa();
     const int exponent = left.exponent() + right.exponent();
     if (product < NSDecimal::kMantissaEnd && exponent >= NSDecimal::kSmallestExponent &&
         exponent <= NSDecimal::kLargestExponent)
       return {NSDecimal(product, exponent, left.isNegative() != right.isNegative())};
   }
-  return internal::multiplyLong(left, right, mode);
+  return internal::value::multiplyLong(left, right, mode);
 }
 
 /// Division by zero gives not-a-number and its error, for a dividend of zero too.

@@ -11,16 +11,16 @@ namespace {
 using boost::multiprecision::cpp_int_backend;
 using boost::multiprecision::unchecked;
 using boost::multiprecision::unsigned_magnitude;
-using internal::Dropped;
-using internal::Wide;
-using internal::WideInteger;
+using internal::value::Dropped;
+using internal::value::Wide;
+using internal::value::WideInteger;
 
 /// Holds the product of two working values; its memory is part of it.
 using Product =
     boost::multiprecision::number<cpp_int_backend<512, 512, unsigned_magnitude, unchecked, void>>;
 
 /// Powers are carried with twice the digits of a decimal, so that the last of its digits is right.
-constexpr int kWorkingDigits = internal::kMostWideDigits;
+constexpr int kWorkingDigits = internal::value::kMostWideDigits;
 /// A value of a higher or, below zero, lower place is past every decimal, and so are its powers.
 constexpr std::int64_t kFarthestPlace = 1000;
 
@@ -60,7 +60,7 @@ void multiply(Working& value, const Working& factor) {
 }
 
 Product productOf(Wide value) {
-  return (Product(internal::highWord(value)) << 64) | internal::lowWord(value);
+  return (Product(internal::value::highWord(value)) << 64) | internal::value::lowWord(value);
 }
 
 Wide wideOf(const Product& value) {
@@ -105,7 +105,7 @@ NSDecimalResult NSDecimalPower(const NSDecimal& number, NSInteger power,
   if (power < 0) value = inverse(value);
   const WideInteger digits{wideOf(value.digits), wideOf(value.digits >> 128)};
   const auto exponent = std::clamp(value.exponent, -4 * kFarthestPlace, 4 * kFarthestPlace);
-  return internal::rounded(
+  return internal::value::rounded(
       {digits, static_cast<int>(exponent), number.isNegative() && power % 2 != 0,
        value.exact ? Dropped::kNothing : Dropped::kBelowHalf},
       mode);

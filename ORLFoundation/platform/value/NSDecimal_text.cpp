@@ -9,10 +9,10 @@
 #include <cstring>
 
 namespace ORLFoundation {
-namespace {
 
-using internal::Dropped;
-using internal::Wide;
+using namespace internal::value;
+
+namespace {
 
 /// Far past every exponent that gives a number, and far from the end of the integers.
 constexpr std::int64_t kFarthestExponent = 1'000'000'000;
@@ -68,14 +68,14 @@ class Reader {
 
   /// What `takeDigits` has read; digits past the 38th only count by their place.
   [[nodiscard]] Wide mantissa() const noexcept {
-    return mantissa_ * internal::shortPowerOfTen(pending_) + chunk_;
+    return mantissa_ * shortPowerOfTen(pending_) + chunk_;
   }
   [[nodiscard]] std::int64_t surplus() const noexcept { return surplus_; }
   [[nodiscard]] Dropped dropped() const noexcept { return dropped_; }
 
  private:
   void append(unsigned digit) noexcept {
-    if (pending_ == internal::kMostShortDigits) flush();
+    if (pending_ == kMostShortDigits) flush();
     if (isFull_) return dropDigit(digit);
     chunk_ = chunk_ * 10 + digit;
     pending_ += (chunk_ | digit) != 0 || mantissa_ != 0 ? 1 : 0;
@@ -110,13 +110,11 @@ class Reader {
 
 /// Writes the digits of a mantissa; gives their end.
 char* writeDigits(char* text, Wide mantissa) noexcept {
-  constexpr std::size_t kChunk = internal::kMostShortDigits;
+  constexpr std::size_t kChunk = kMostShortDigits;
   char* const limit = text + NSDecimal::kMostDigits;
-  if (internal::highWord(mantissa) == 0)
-    return std::to_chars(text, limit, internal::lowWord(mantissa)).ptr;
+  if (highWord(mantissa) == 0) return std::to_chars(text, limit, lowWord(mantissa)).ptr;
   const auto parts =
-      internal::divideTwoWords(internal::highWord(mantissa), internal::lowWord(mantissa),
-                               internal::shortPowerOfTen(internal::kMostShortDigits));
+      divideTwoWords(highWord(mantissa), lowWord(mantissa), shortPowerOfTen(kMostShortDigits));
   char* const middle = std::to_chars(text, limit, parts.quotient).ptr;
   char low[kChunk];
   const char* const lowEnd = std::to_chars(low, low + kChunk, parts.remainder).ptr;
@@ -157,7 +155,7 @@ NSDecimal NSDecimal::parse(std::string_view text, std::string_view decimalMark) 
       exponent <= kLargestExponent)
     return {mantissa, static_cast<int>(exponent), negative};
   const auto place = static_cast<int>(std::clamp(exponent, -kFarthestExponent, kFarthestExponent));
-  return internal::rounded({{mantissa, 0}, place, negative, reader.dropped()}, NSRoundPlain).value;
+  return rounded({{mantissa, 0}, place, negative, reader.dropped()}, NSRoundPlain).value;
 }
 
 char* NSDecimal::writeTo(char* text) const noexcept {

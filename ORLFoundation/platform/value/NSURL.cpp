@@ -1,10 +1,13 @@
 
 #include <ORLFoundation/platform/value/NSURL.h>
 
+#include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/Hexadecimal.h>
 #include <ORLFoundation/platform/value/internal/PercentEscapes.h>
 
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
 #include <utility>
 
 namespace ORLFoundation {
@@ -13,8 +16,9 @@ namespace {
 constexpr std::string_view kRefused = " \"<>\\^`{|}";
 constexpr std::string_view kPathSigns = "/-._~!$&'()*+,;=:@";
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+using internal::base::isDigit;
+using internal::base::isLetter;
+using internal::base::isLetterOrDigit;
 
 bool isAddressText(std::string_view text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -26,14 +30,14 @@ bool isAddressText(std::string_view text) {
 }
 
 std::string escapedPath(std::string_view path) {
-  constexpr std::string_view digits = "0123456789ABCDEF";
   std::string out;
   for (const char c : path) {
-    if (isDigit(c) || isLetter(c) || kPathSigns.find(c) != kPathSigns.npos) {
+    if (isLetterOrDigit(c) || kPathSigns.find(c) != kPathSigns.npos) {
       out += c;
     } else {
-      const auto byte = static_cast<unsigned char>(c);
-      out += {'%', digits[byte >> 4], digits[byte & 15]};
+      out += '%';
+      internal::base::appendHexByte(out, static_cast<std::uint8_t>(c),
+                                    internal::base::kUpperHexDigits);
     }
   }
   return out;
@@ -44,9 +48,7 @@ std::size_t schemeLength(std::string_view text) {
   if (!isLetter(text.front())) return 0;
   for (std::size_t i = 1; i < text.size(); ++i) {
     if (text[i] == ':') return i;
-    if (!isLetter(text[i]) && !isDigit(text[i]) && text[i] != '+' && text[i] != '-' &&
-        text[i] != '.')
-      return 0;
+    if (!isLetterOrDigit(text[i]) && text[i] != '+' && text[i] != '-' && text[i] != '.') return 0;
   }
   return 0;
 }
@@ -101,7 +103,8 @@ bool NSURL::cutAuthority(std::size_t begin, std::size_t end) {
   if (const auto colon = all.find(':', from); colon != all.npos) {
     port_ = {colon + 1, end - colon - 1, colon + 1 < end};
     hostEnd = colon;
-    if (!std::all_of(all.begin() + static_cast<std::ptrdiff_t>(colon) + 1, all.end(), isDigit))
+    if (!std::all_of(all.begin() + static_cast<std::ptrdiff_t>(colon) + 1, all.end(),
+                     isDigit<char>))
       return false;
   }
   host_ = {begin, hostEnd - begin, hostEnd > begin};

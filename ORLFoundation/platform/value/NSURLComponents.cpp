@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/value/NSURLComponents.h>
 
+#include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/value/internal/PercentEscapes.h>
 
 namespace ORLFoundation {
@@ -13,7 +14,7 @@ std::optional<NSURLComponents> NSURLComponents::componentsWithURL(
 
 std::optional<std::string> NSURLComponents::path() const {
   std::string path = internal::withoutPercentEscapes(url_.percentEncodedPath());
-  if (!internal::isUTF8(path)) return std::nullopt;
+  if (!internal::base::isUTF8(path)) return std::nullopt;
   return path;
 }
 

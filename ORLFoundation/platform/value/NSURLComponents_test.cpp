@@ -55,14 +55,5 @@ TEST(NSURLComponents, IsNilForNil) {
   EXPECT_FALSE(NSURLComponents::componentsWithURL(std::nullopt, true));
 }
 
-TEST(PercentEscapes, TellUTF8FromOtherBytes) {
-  for (const std::string_view text : {"", "a", "é", "€", "😀", "\xEF\xBF\xBF", "\xF4\x8F\xBF\xBF"})
-    EXPECT_TRUE(internal::isUTF8(text)) << text;
-  for (const std::string_view text :
-       {"\x80", "\xC3", "\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xE2\x82",
-        "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xFF", "a\xE2\x28\xA1"})
-    EXPECT_FALSE(internal::isUTF8(text));
-}
-
 }  // namespace
 }  // namespace ORLFoundation

@@ -2,6 +2,8 @@
 
 #include <ORLFoundation/platform/value/NSUUID.h>
 
+#include <ORLFoundation/platform/base/Hexadecimal.h>
+
 #include <cstring>
 #include <random>
 
@@ -11,13 +13,6 @@ namespace {
 constexpr std::size_t kTextLength = 36;
 
 constexpr bool isHyphenAt(std::size_t i) { return i == 8 || i == 13 || i == 18 || i == 23; }
-
-int hexValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
 
 }  // namespace
 
@@ -42,7 +37,7 @@ std::optional<NSUUID> NSUUID::initWithUUIDString(std::string_view text) {
       if (text[i] != '-') return std::nullopt;
       continue;
     }
-    const int value = hexValue(text[i]);
+    const int value = internal::base::hexDigitValue(text[i]);
     if (value < 0) return std::nullopt;
     bytes[digit / 2] = static_cast<std::uint8_t>(bytes[digit / 2] * 16 + value);
     ++digit;
@@ -51,13 +46,11 @@ std::optional<NSUUID> NSUUID::initWithUUIDString(std::string_view text) {
 }
 
 std::string NSUUID::UUIDString() const {
-  constexpr std::string_view digits = "0123456789ABCDEF";
   std::string text;
   text.reserve(kTextLength);
   for (const std::uint8_t byte : bytes_) {
     if (isHyphenAt(text.size())) text += '-';
-    text += digits[byte >> 4];
-    text += digits[byte & 15];
+    internal::base::appendHexByte(text, byte, internal::base::kUpperHexDigits);
   }
   return text;
 }

@@ -1,71 +1,46 @@
 
 #include <ORLFoundation/recurrence/internal/ORLFCivilWindows.h>
 
+#include <ORLFoundation/platform/base/CheckedArithmetic.h>
+#include <ORLFoundation/platform/base/CivilDays.h>
+#include <ORLFoundation/recurrence/ORLFFrequencyFacts.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
+#include <ORLFoundation/recurrence/internal/ORLFRuleLists.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <functional>
 #include <iterator>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::recurrence {
 namespace {
 
 using Rule = ORLFDateRecurrenceRule;
 
-constexpr std::int64_t kSecondsPerDay = 86400;
-constexpr NSInteger kDaysPerWeek = 7;
-constexpr NSInteger kMonthsPerYear = 12;
-constexpr NSInteger kMonthsPerQuarter = 3;
+using base::civil::floorModulo;
+using base::civil::kSecondsPerDay;
+
 /// Years of one era that every step below can count with.
 constexpr NSInteger kFirstYear = 1;
 constexpr NSInteger kLastYear = 30'000;
-constexpr std::int64_t kFirstDay = -719'162;
-constexpr std::int64_t kLastDay = 10'237'774;
+constexpr std::int32_t kFirstDay = base::civil::dayFromDate(kFirstYear, 1, 1);
+constexpr std::int32_t kLastDay = base::civil::dayFromDate(kLastYear, 12, 31);
 constexpr NSInteger kFarthestStep = 100'000'000;
 /// Clocks change by a day at most; dates farther from a change show a time that no other instant
 /// shows.
 constexpr double kReachOfClockChange = kSecondsPerDay + 3600;
-constexpr NSInteger kAnyDay = -1;
 /// No month has more Mondays.
 constexpr NSInteger kMostOfAWeekday = 5;
 /// Every month has as many days.
 constexpr NSInteger kDaysOfAnyMonth = 28;
-
-template <class List>
-bool holdsEntries(const List& list) {
-  return list && !list->empty();
-}
-
-constexpr std::int64_t floorModulo(std::int64_t value, std::int64_t divisor) {
-  const std::int64_t rest = value % divisor;
-  return rest < 0 ? rest + divisor : rest;
-}
-
-/// 1 is Sunday; 1970-01-01 was a Thursday.
-constexpr NSInteger weekdayOf(std::int64_t day) { return floorModulo(day + 4, kDaysPerWeek) + 1; }
-
-std::chrono::year_month yearMonth(std::int32_t year, std::int32_t month) {
-  return std::chrono::year(year) / std::chrono::month(static_cast<unsigned>(month));
-}
-
-std::int64_t firstDayOfMonth(std::int32_t year, std::int32_t month) {
-  return std::chrono::sys_days(yearMonth(year, month) / 1).time_since_epoch().count();
-}
-
-std::int32_t lengthOfMonth(std::int32_t year, std::int32_t month) {
-  const auto last = std::chrono::year_month_day(yearMonth(year, month) / std::chrono::last);
-  return static_cast<std::int32_t>(static_cast<unsigned>(last.day()));
-}
 
 bool stepsByMonths(const Rule& rule) {
   return rule.frequency() != ORLFDateRecurrenceFrequencyDaily &&
          rule.frequency() != ORLFDateRecurrenceFrequencyWeekly;
 }
 
-/// How many months or days a rule's unit has; 0 for a frequency that is none.
-NSInteger lengthOfUnit(ORLFDateRecurrenceFrequency frequency) {
+/// How many months or days a rule's unit has; nil for a frequency outside the enumeration.
+std::optional<NSInteger> lengthOfUnit(ORLFDateRecurrenceFrequency frequency) {
   switch (frequency) {
     case ORLFDateRecurrenceFrequencyYearly:
       return kMonthsPerYear;
@@ -77,7 +52,14 @@ NSInteger lengthOfUnit(ORLFDateRecurrenceFrequency frequency) {
     case ORLFDateRecurrenceFrequencyDaily:
       return 1;
   }
-  return 0;
+  return std::nullopt;
+}
+
+/// A pattern takes the one value that means "not set" for just that.
+bool leavesADayOpen(const Rule& rule) {
+  const auto& days = rule.daysOfTheMonth();
+  return holdsEntries(days) &&
+         std::find(days->begin(), days->end(), NSDateComponentUndefined) != days->end();
 }
 
 bool namesOnlyMonthsOfTheYear(const Rule& rule) {
@@ -91,16 +73,18 @@ bool namesOnlyMonthsOfTheYear(const Rule& rule) {
 /// month has.
 bool namesPlaceInMonth(const ORLFDateRecurrenceDayOfWeek& day, bool ofListedMonths) {
   if (day.dayOfTheWeek() == kAnyDay) return day.weekNumber() <= kDaysOfAnyMonth;
+  if (day.weekNumber() == NSDateComponentUndefined) return false;
   return day.dayOfTheWeek() >= 1 && day.dayOfTheWeek() <= kDaysPerWeek &&
          (day.weekNumber() > 0 || !ofListedMonths);
 }
 
 /// The day of the month, of a month of that length that begins on `firstDay`.
-NSInteger dayOfEntry(const ORLFDateRecurrenceDayOfWeek& entry, std::int64_t firstDay,
+NSInteger dayOfEntry(const ORLFDateRecurrenceDayOfWeek& entry, std::int32_t firstDay,
                      NSInteger length) {
   const NSInteger number = entry.weekNumber();
   if (entry.dayOfTheWeek() == kAnyDay) return number > 0 ? number : length;
-  const NSInteger first = 1 + floorModulo(entry.dayOfTheWeek() - weekdayOf(firstDay), kDaysPerWeek);
+  const NSInteger first =
+      1 + floorModulo(entry.dayOfTheWeek() - base::civil::weekdayOfDay(firstDay), kDaysPerWeek);
   if (number > 0) return number > kMostOfAWeekday ? 0 : first + kDaysPerWeek * (number - 1);
   return first + (length - first) / kDaysPerWeek * kDaysPerWeek;
 }
@@ -114,7 +98,8 @@ bool namesWeekdayOfTheWeek(const ORLFDateRecurrenceDayOfWeek& day) {
 std::optional<ORLFCivilWindows> ORLFCivilWindows::forRule(
     const Rule& rule, const Rule::EnumerateDatesStartDate& arguments) {
   const auto source = sourceOf(rule);
-  const auto step = product(rule.interval(), lengthOfUnit(rule.frequency()));
+  const auto units = lengthOfUnit(rule.frequency());
+  const auto step = units ? base::checkedProduct(rule.interval(), *units) : std::nullopt;
   if (!source || !step || arguments.calendar.calendarIdentifier() != NSCalendarIdentifierGregorian)
     return std::nullopt;
   std::optional<ORLFCivilWindows> windows(
@@ -136,7 +121,7 @@ ORLFCivilWindows::ORLFCivilWindows(const Rule& rule, const NSCalendar& calendar,
 /// nil where the lists work together otherwise than each month (or week) by itself.
 std::optional<ORLFCivilWindows::Source> ORLFCivilWindows::sourceOf(const Rule& rule) {
   if (rule.isSimpleRecurrence() || holdsEntries(rule.weeksOfTheYear()) ||
-      holdsEntries(rule.daysOfTheYear()) || !namesOnlyMonthsOfTheYear(rule))
+      holdsEntries(rule.daysOfTheYear()) || !namesOnlyMonthsOfTheYear(rule) || leavesADayOpen(rule))
     return std::nullopt;
   const bool weekly = rule.frequency() == ORLFDateRecurrenceFrequencyWeekly;
   const bool ofListedMonths = holdsEntries(rule.monthsOfTheYear());
@@ -148,21 +133,24 @@ std::optional<ORLFCivilWindows::Source> ORLFCivilWindows::sourceOf(const Rule& r
       (weekly && ofListedMonths))
     return std::nullopt;
   const auto isServed = [=](const auto& day) {
-    return day && (weekly ? namesWeekdayOfTheWeek(*day) : namesPlaceInMonth(*day, ofListedMonths));
+    return weekly ? namesWeekdayOfTheWeek(*day) : namesPlaceInMonth(*day, ofListedMonths);
   };
   if (!std::all_of(rule.daysOfTheWeek()->begin(), rule.daysOfTheWeek()->end(), isServed))
     return std::nullopt;
   return weekly ? Source::kDaysOfTheSameWeek : Source::kDaysOfTheWeek;
 }
 
-/// A date with a fraction of a second is left to the general walk, which knows how fields round it.
+/// A date with a fraction of a second, however small, is left to the general walk, which knows how
+/// fields round it.
 bool ORLFCivilWindows::startAt(NSDate startDate) {
-  const double seconds = startDate.timeIntervalSince1970();
+  const double sinceReference = startDate.timeIntervalSinceReferenceDate();
   constexpr double kFarthest = 1e12;
-  if (!(std::abs(seconds) < kFarthest) || seconds != std::floor(seconds)) return false;
+  if (!(std::abs(sinceReference) < kFarthest) || sinceReference != std::floor(sinceReference))
+    return false;
+  const double seconds = startDate.timeIntervalSince1970();
   const auto local = static_cast<std::int64_t>(seconds) + zone_.secondsFromGMTForDate(startDate);
   secondsOfDay_ = floorModulo(local, kSecondsPerDay);
-  const auto start = civilDay((local - secondsOfDay_) / kSecondsPerDay);
+  const auto start = civilDay(base::civil::floorDivide(local, kSecondsPerDay));
   if (!start) return false;
   start_ = *start;
   setEnd(start_, current_);
@@ -188,8 +176,8 @@ std::optional<NSDate> ORLFCivilWindows::collectNext(Dates& window) {
 /// Counted from the start date, as every end is, so that a day that clamps once comes back.
 std::optional<ORLFCivilWindows::CivilDay> ORLFCivilWindows::endOfWindow(
     NSInteger index) const noexcept {
-  const auto steps = product(index, backwards_ ? -1 : 1);
-  const auto units = steps ? product(*steps, step_) : std::nullopt;
+  const auto steps = base::checkedProduct(index, backwards_ ? -1 : 1);
+  const auto units = steps ? base::checkedProduct(*steps, step_) : std::nullopt;
   if (!units || *units > kFarthestStep || *units < -kFarthestStep) return std::nullopt;
   if (!byMonths_) return civilDay(start_.day + *units);
   const NSInteger months = start_.year * kMonthsPerYear + start_.month - 1 + *units;
@@ -198,17 +186,16 @@ std::optional<ORLFCivilWindows::CivilDay> ORLFCivilWindows::endOfWindow(
   CivilDay end;
   end.year = static_cast<std::int32_t>(year);
   end.month = static_cast<std::int32_t>(months % kMonthsPerYear) + 1;
-  end.dayOfMonth = std::min(start_.dayOfMonth, lengthOfMonth(end.year, end.month));
-  end.day = firstDayOfMonth(end.year, end.month) + end.dayOfMonth - 1;
+  end.dayOfMonth = std::min(start_.dayOfMonth, base::civil::daysInMonth(end.year, end.month));
+  end.day = base::civil::dayFromDate(end.year, end.month, end.dayOfMonth);
   return end;
 }
 
-std::optional<ORLFCivilWindows::CivilDay> ORLFCivilWindows::civilDay(Day day) noexcept {
-  if (day < kFirstDay || day > kLastDay) return std::nullopt;
-  const std::chrono::year_month_day date{std::chrono::sys_days(std::chrono::days(day))};
-  return CivilDay{day, static_cast<int>(date.year()),
-                  static_cast<std::int32_t>(static_cast<unsigned>(date.month())),
-                  static_cast<std::int32_t>(static_cast<unsigned>(date.day()))};
+std::optional<ORLFCivilWindows::CivilDay> ORLFCivilWindows::civilDay(std::int64_t number) noexcept {
+  if (number < kFirstDay || number > kLastDay) return std::nullopt;
+  const auto day = static_cast<Day>(number);
+  const base::civil::Date date = base::civil::dateFromDay(day);
+  return CivilDay{day, date.year, date.month, date.day};
 }
 
 void ORLFCivilWindows::setEnd(const CivilDay& day, WindowEnd& end) {
@@ -236,10 +223,10 @@ bool ORLFCivilWindows::areSteady(const Days& days) noexcept {
 /// In a month of the date's year. Days that the month lacks are left out.
 void ORLFCivilWindows::nameDaysInMonth(const CivilDay& date, std::int32_t month,
                                        Days& named) const {
-  const NSInteger length = lengthOfMonth(date.year, month);
-  const Day before = firstDayOfMonth(date.year, month) - 1;
+  const NSInteger length = base::civil::daysInMonth(date.year, month);
+  const Day before = base::civil::dayFromDate(date.year, month, 0);
   const auto name = [&](NSInteger day) {
-    if (day >= 1 && day <= length) named.push_back(before + day);
+    if (day >= 1 && day <= length) named.push_back(before + static_cast<Day>(day));
   };
   switch (source_) {
     case Source::kDayOfTheDate:
@@ -258,10 +245,12 @@ void ORLFCivilWindows::nameDaysInMonth(const CivilDay& date, std::int32_t month,
 /// Only those in the date's own month: a week that runs over its end loses the rest, as required.
 void ORLFCivilWindows::nameDaysInWeek(const CivilDay& date, Days& named) const {
   const Day beforeMonth = date.day - date.dayOfMonth;
-  const NSInteger length = lengthOfMonth(date.year, date.month);
-  const Day firstOfWeek = date.day - floorModulo(weekdayOf(date.day) - firstWeekday_, kDaysPerWeek);
+  const NSInteger length = base::civil::daysInMonth(date.year, date.month);
+  const auto firstOfWeek = static_cast<Day>(
+      date.day - floorModulo(base::civil::weekdayOfDay(date.day) - firstWeekday_, kDaysPerWeek));
   for (const auto& entry : *rule_.daysOfTheWeek()) {
-    const Day day = firstOfWeek + floorModulo(entry->dayOfTheWeek() - firstWeekday_, kDaysPerWeek);
+    const auto day = static_cast<Day>(
+        firstOfWeek + floorModulo(entry->dayOfTheWeek() - firstWeekday_, kDaysPerWeek));
     if (day > beforeMonth && day <= beforeMonth + length) named.push_back(day);
   }
 }
@@ -288,7 +277,7 @@ void ORLFCivilWindows::gatherDays() {
 
 /// The start date's time of day on that day; nil near a clock change.
 std::optional<NSDate> ORLFCivilWindows::dateOfDay(Day day) noexcept {
-  const auto local = static_cast<double>(day * kSecondsPerDay + secondsOfDay_);
+  const auto local = static_cast<double>(base::civil::joinSeconds(day, secondsOfDay_));
   if (!isSteady(local - offset_)) {
     const auto stretch = zone_.offsetStretchForDate(NSDate::dateWithTimeIntervalSince1970(local));
     firstSteady_ = stretch.begin + kReachOfClockChange;
@@ -299,4 +288,4 @@ std::optional<NSDate> ORLFCivilWindows::dateOfDay(Day day) noexcept {
   return NSDate::dateWithTimeIntervalSince1970(local - offset_);
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::recurrence

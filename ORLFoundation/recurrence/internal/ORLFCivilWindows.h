@@ -13,7 +13,7 @@
 #include <boost/container/small_vector.hpp>
 #include <optional>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::recurrence {
 
 class ORLFCivilWindows {
  public:
@@ -31,7 +31,7 @@ class ORLFCivilWindows {
   [[nodiscard]] std::optional<NSDate> collectNext(Dates& window);
 
  private:
-  using Day = std::int64_t;  // since 1970-01-01
+  using Day = std::int32_t;  // since 1970-01-01
   using Days = boost::container::small_vector<Day, 8>;
   /// What a rule's lists name in each month, or in the week.
   enum class Source { kDaysOfTheMonth, kDayOfTheDate, kDaysOfTheWeek, kDaysOfTheSameWeek };
@@ -53,7 +53,7 @@ class ORLFCivilWindows {
 
   [[nodiscard]] static std::optional<Source> sourceOf(const ORLFDateRecurrenceRule& rule);
   [[nodiscard]] bool startAt(NSDate startDate);
-  [[nodiscard]] static std::optional<CivilDay> civilDay(Day day) noexcept;
+  [[nodiscard]] static std::optional<CivilDay> civilDay(std::int64_t number) noexcept;
   [[nodiscard]] std::optional<CivilDay> endOfWindow(NSInteger index) const noexcept;
 
   void setEnd(const CivilDay& day, WindowEnd& end);
@@ -88,4 +88,4 @@ class ORLFCivilWindows {
   double offset_ = 0;
 };
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::recurrence

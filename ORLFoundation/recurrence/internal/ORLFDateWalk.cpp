@@ -2,38 +2,33 @@
 #include <ORLFoundation/recurrence/internal/ORLFDateWalk.h>
 
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
+#include <ORLFoundation/platform/base/CheckedArithmetic.h>
+#include <ORLFoundation/recurrence/ORLFFrequencyFacts.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
 
 #include <algorithm>
 #include <utility>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::recurrence {
 namespace {
 
-constexpr NSInteger kMonthsPerQuarter = 3;
 /// Each empty period counts for two, so that 60 in a row end a walk.
 constexpr int kEmptinessLimit = 120;
 constexpr int kEmptinessOfPeriod = 2;
 
-NSCalendarUnit unitOf(const ORLFDateRecurrenceRule& rule) {
-  return rule.frequency() == ORLFDateRecurrenceFrequencyQuarterly
-             ? NSCalendarUnitMonth
-             : static_cast<NSCalendarUnit>(rule.frequency());
-}
-
 std::optional<NSInteger> stepOf(const ORLFDateRecurrenceRule& rule, bool backwards) {
-  const NSInteger units =
-      rule.frequency() == ORLFDateRecurrenceFrequencyQuarterly ? kMonthsPerQuarter : 1;
-  return product(rule.interval(), backwards ? -units : units);
+  const NSInteger units = isQuarterly(rule.frequency()) ? kMonthsPerQuarter : 1;
+  return base::checkedProduct(rule.interval(), backwards ? -units : units);
 }
 
 }  // namespace
 
 ORLFDateWalk::ORLFDateWalk(const ORLFDateRecurrenceRule& rule,
                            const ORLFDateRecurrenceRule::EnumerateDatesStartDate& arguments,
-                           Paths paths)
+                           ORLFDateRecurrenceBlock usingBlock, Paths paths)
     : arguments_(arguments),
-      unit_(unitOf(rule)),
+      usingBlock_(usingBlock),
+      unit_(steppingUnitOf(rule.frequency())),
       step_(stepOf(rule, arguments.backwards)),
       simple_(rule.isSimpleRecurrence()),
       civil_(paths == Paths::kAll ? ORLFCivilWindows::forRule(rule, arguments) : std::nullopt),
@@ -67,7 +62,7 @@ std::optional<NSDate> ORLFDateWalk::collectNextWindow(NSInteger index) {
 /// Always counted from the start date, so that a month's end that clamps once stays out of the
 /// windows after it. nil where the calendar ends, and with it the walk.
 std::optional<NSDate> ORLFDateWalk::endOfWindow(NSInteger index) const noexcept {
-  const std::optional<NSInteger> units = step_ ? product(index, *step_) : std::nullopt;
+  const std::optional<NSInteger> units = step_ ? base::checkedProduct(index, *step_) : std::nullopt;
   if (!units) return std::nullopt;
   return arguments_.calendar.dateByAddingUnit(unit_, *units, arguments_.startDate, 0);
 }
@@ -124,9 +119,9 @@ void ORLFDateWalk::deliver() {
       stop_ = arguments_.end->shouldEndForDate(date, static_cast<NSInteger>(delivered_),
                                                arguments_.backwards);
     if (stop_) return;
-    arguments_.usingBlock(date, ++delivered_, stop_);
+    usingBlock_(date, ++delivered_, stop_);
     if (stop_) return;
   }
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::recurrence

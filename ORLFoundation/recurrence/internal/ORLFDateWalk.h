@@ -8,17 +8,17 @@
 
 #include <optional>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::recurrence {
 
 class ORLFDateWalk {
  public:
   /// A walk gives the same dates with its fast path as without.
   enum class Paths { kAll, kGeneralOnly };
 
-  /// The rule and the arguments must outlive the walk; `exactPatternMatch` is not looked at.
+  /// What is given must outlive the walk; `exactPatternMatch` is not looked at.
   ORLFDateWalk(const ORLFDateRecurrenceRule& rule,
                const ORLFDateRecurrenceRule::EnumerateDatesStartDate& arguments,
-               Paths paths = Paths::kAll);
+               ORLFDateRecurrenceBlock usingBlock, Paths paths = Paths::kAll);
 
   /// Walks to the end and answers how many periods that took.
   NSUInteger run();
@@ -40,6 +40,7 @@ class ORLFDateWalk {
   void deliver();
 
   const ORLFDateRecurrenceRule::EnumerateDatesStartDate& arguments_;
+  ORLFDateRecurrenceBlock usingBlock_;
   NSCalendarUnit unit_;
   std::optional<NSInteger> step_;
   bool simple_;
@@ -54,4 +55,4 @@ class ORLFDateWalk {
   bool stop_ = false;
 };
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::recurrence

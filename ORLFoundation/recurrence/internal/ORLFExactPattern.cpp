@@ -1,14 +1,12 @@
 #include <ORLFoundation/recurrence/internal/ORLFExactPattern.h>
 
-namespace ORLFoundation::internal {
+#include <ORLFoundation/platform/time/NSCalendar.h>
+#include <ORLFoundation/recurrence/internal/ORLFRuleLists.h>
+
+namespace ORLFoundation::internal::recurrence {
 namespace {
 
 using Rule = ORLFDateRecurrenceRule;
-
-template <class List>
-bool holdsEntries(const List& list) {
-  return list && !list->empty();
-}
 
 Rule::Recurrence withoutLists(const Rule& rule) {
   return {.frequency = rule.frequency(), .interval = rule.interval()};
@@ -56,4 +54,4 @@ std::optional<Rule::Recurrence> exactPattern(const Rule& rule, NSDate referenceD
   return std::nullopt;
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::recurrence

@@ -5,10 +5,10 @@
 
 #include <optional>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::recurrence {
 
 /// What the full initializer makes the exact rule from; nil when the rule is exact already.
 [[nodiscard]] std::optional<ORLFDateRecurrenceRule::Recurrence> exactPattern(
     const ORLFDateRecurrenceRule& rule, NSDate referenceDate, const NSCalendar& calendar);
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::recurrence

@@ -1,46 +1,29 @@
 
 #include <ORLFoundation/recurrence/internal/ORLFOlderPatterns.h>
 
+#include <ORLFoundation/recurrence/ORLFFrequencyFacts.h>
+#include <ORLFoundation/recurrence/internal/ORLFPatternConditions.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
+#include <ORLFoundation/recurrence/internal/ORLFRuleLists.h>
 #include <ORLFoundation/support/diagnostics/ORLFCondition.h>
 
 #include <string_view>
 #include <utility>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::recurrence {
 namespace {
 
 using Rule = ORLFDateRecurrenceRule;
 using WorkingSet = Rule::WorkingSet;
 
-/// A field that a stage writes, with what is logged when it is written already. The conditions'
-/// spelling is the log's own.
-struct OlderField {
-  NSCalendarUnit unit;
-  std::string_view condition;
-  std::string_view message;
-};
-
-constexpr OlderField kMonth = {NSCalendarUnitMonth,
-                               "dateComponenet.month == NSDateComponentUndefined",
-                               "NSDateComponents month should not be defined yet"};
-constexpr OlderField kWeekOfYear = {NSCalendarUnitWeekOfYear,
-                                    "dateComponenet.weekOfYear == NSDateComponentUndefined",
-                                    "NSDateComponents weekOfYear should not be defined yet"};
-constexpr OlderField kDay = {NSCalendarUnitDay, "dateComponenet.day == NSDateComponentUndefined",
-                             "NSDateComponents day should not be defined yet"};
-constexpr OlderField kWeekdayOrdinal = {
-    NSCalendarUnitWeekdayOrdinal, "dateComponenet.weekdayOrdinal == NSDateComponentUndefined",
-    "NSDateComponents weekdayOrdinal should not be defined yet"};
-
-void write(NSDateComponents& pattern, const OlderField& field, NSInteger value) {
+void write(NSDateComponents& pattern, const ORLFPatternField& field, NSInteger value) {
   ORLFConditionAssert(pattern.valueForComponent(field.unit) == NSDateComponentUndefined,
-                      field.condition, field.message);
+                      field.olderCondition, field.message);
   pattern.setValueForComponent(value, field.unit);
 }
 
 /// One copy of the set for each value, with the field written.
-void append(WorkingSet& expanded, const WorkingSet& patterns, const OlderField& field,
+void append(WorkingSet& expanded, const WorkingSet& patterns, const ORLFPatternField& field,
             NSInteger value) {
   for (NSDateComponents pattern : olderCopy(patterns)) {
     write(pattern, field, value);
@@ -48,13 +31,8 @@ void append(WorkingSet& expanded, const WorkingSet& patterns, const OlderField& 
   }
 }
 
-template <class List>
-bool holdsEntries(const List& list) {
-  return list && !list->empty();
-}
-
 /// Answers whether the stage ran.
-bool expand(WorkingSet& patterns, const OlderField& field, const Rule::Integers& values) {
+bool expand(WorkingSet& patterns, const ORLFPatternField& field, const Rule::Integers& values) {
   if (!holdsEntries(values)) return false;
   WorkingSet expanded;
   for (const NSInteger value : *values) append(expanded, patterns, field, value);
@@ -64,13 +42,13 @@ bool expand(WorkingSet& patterns, const OlderField& field, const Rule::Integers&
 
 bool expandMonths(WorkingSet& patterns, const Rule& rule) {
   if (!holdsEntries(rule.monthsOfTheYear())) return false;
-  const bool quarterly = rule.frequency() == ORLFDateRecurrenceFrequencyQuarterly;
-  const NSInteger months = quarterly ? 3 : 12;
-  const NSInteger repeats = quarterly ? 4 : 1;
+  const bool quarterly = isQuarterly(rule.frequency());
+  const NSInteger months = quarterly ? kMonthsPerQuarter : kMonthsPerYear;
+  const NSInteger repeats = quarterly ? kQuartersPerYear : 1;
   WorkingSet expanded;
   for (const NSInteger month : *rule.monthsOfTheYear())
     for (NSInteger quarter = 0; quarter < repeats; ++quarter)
-      append(expanded, patterns, kMonth,
+      append(expanded, patterns, kMonthField,
              quarter * months + remainder(wrappedSum(month, -1), months) + 1);
   patterns = std::move(expanded);
   return true;
@@ -80,12 +58,11 @@ bool expandWeekdays(WorkingSet& patterns, const Rule& rule) {
   if (!holdsEntries(rule.daysOfTheWeek())) return false;
   WorkingSet expanded;
   for (const auto& entry : *rule.daysOfTheWeek()) {
-    const NSInteger weekday = entry ? entry->dayOfTheWeek() : 0;
-    const NSInteger number = entry ? entry->weekNumber() : 0;
+    const NSInteger number = entry->weekNumber();
     const bool placed = rule.frequency() != ORLFDateRecurrenceFrequencyWeekly && number != 0;
     for (NSDateComponents pattern : olderCopy(patterns)) {
-      pattern.setWeekday(weekday);
-      if (placed) write(pattern, kWeekdayOrdinal, number);
+      pattern.setWeekday(entry->dayOfTheWeek());
+      if (placed) write(pattern, kWeekdayOrdinalField, number);
       expanded.push_back(pattern);
     }
   }
@@ -98,9 +75,9 @@ bool expandWeekdays(WorkingSet& patterns, const Rule& rule) {
 std::optional<WorkingSet> olderPatterns(const Rule& rule) {
   WorkingSet patterns(1);
   bool ran = expandMonths(patterns, rule);
-  ran = expand(patterns, kWeekOfYear, rule.weeksOfTheYear()) || ran;
-  ran = expand(patterns, kDay, rule.daysOfTheYear()) || ran;
-  ran = expand(patterns, kDay, rule.daysOfTheMonth()) || ran;
+  ran = expand(patterns, kWeekOfYearField, rule.weeksOfTheYear()) || ran;
+  ran = expand(patterns, kDayField, rule.daysOfTheYear()) || ran;
+  ran = expand(patterns, kDayField, rule.daysOfTheMonth()) || ran;
   ran = expandWeekdays(patterns, rule) || ran;
   if (!ran) return std::nullopt;
   return patterns;
@@ -112,4 +89,4 @@ WorkingSet olderCopy(const WorkingSet& patterns) {
   return copy;
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::recurrence

@@ -2,11 +2,12 @@
 /// time, in which a quarterly rule's months are months of the quarter. Equal patterns stay apart.
 #pragma once
 
+#include <ORLFoundation/platform/time/NSDateComponents.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 
 #include <optional>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::recurrence {
 
 /// nil when no list of the rule holds an entry.
 [[nodiscard]] std::optional<ORLFDateRecurrenceRule::WorkingSet> olderPatterns(
@@ -16,4 +17,4 @@ namespace ORLFoundation::internal {
 [[nodiscard]] ORLFDateRecurrenceRule::WorkingSet olderCopy(
     const ORLFDateRecurrenceRule::WorkingSet& patterns);
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::recurrence

@@ -3,30 +3,34 @@
 /// picks among them by position.
 #pragma once
 
+#include <ORLFoundation/platform/time/NSDateComponents.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 
 #include <boost/container/small_vector.hpp>
 #include <optional>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::recurrence {
 
 class ORLFOlderWalk {
  public:
-  /// The rule and the arguments must outlive the walk.
+  /// What is given must outlive the walk.
   ORLFOlderWalk(const ORLFDateRecurrenceRule& rule,
-                const ORLFDateRecurrenceRule::EnumerateDatesRefernceDate& arguments);
+                const ORLFDateRecurrenceRule::EnumerateDatesRefernceDate& arguments,
+                ORLFDateRecurrenceBlock usingBlock);
 
   void run();
 
  private:
   [[nodiscard]] std::optional<NSDate> base() const;
   [[nodiscard]] std::optional<NSDate> dateOfPeriod(NSDate base, NSInteger number) const noexcept;
+  [[nodiscard]] bool canPickFrom(NSDate start) const;
   void collectPeriod(NSDate period);
   [[nodiscard]] bool isPicked(std::size_t index) const noexcept;
   bool deliver();
 
   const ORLFDateRecurrenceRule& rule_;
   const ORLFDateRecurrenceRule::EnumerateDatesRefernceDate& arguments_;
+  ORLFDateRecurrenceBlock usingBlock_;
   std::optional<ORLFDateRecurrenceRule::WorkingSet> patterns_;
   NSCalendarUnit unit_;
   boost::container::small_vector<NSDate, 16> dates_;
@@ -34,4 +38,4 @@ class ORLFOlderWalk {
   bool stop_ = false;
 };
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::recurrence

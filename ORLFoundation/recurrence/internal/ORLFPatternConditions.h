@@ -7,29 +7,36 @@
 
 #include <string_view>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::recurrence {
 
-/// A field that a stage writes, with what is logged when an earlier stage has written it.
+/// A field that a stage writes, with what is logged when an earlier stage has written it. The older
+/// expansion has its own spelling of the conditions, which is the log's.
 struct ORLFPatternField {
   NSCalendarUnit unit;
   std::string_view condition;
+  std::string_view olderCondition;
   std::string_view message;
 };
 
 inline constexpr ORLFPatternField kMonthField = {
     NSCalendarUnitMonth, "dateComponent.month == NSDateComponentUndefined",
+    "dateComponenet.month == NSDateComponentUndefined",
     "NSDateComponents month should not be defined yet"};
 inline constexpr ORLFPatternField kWeekOfYearField = {
     NSCalendarUnitWeekOfYear, "dateComponent.weekOfYear == NSDateComponentUndefined",
+    "dateComponenet.weekOfYear == NSDateComponentUndefined",
     "NSDateComponents weekOfYear should not be defined yet"};
 inline constexpr ORLFPatternField kDayField = {NSCalendarUnitDay,
                                                "dateComponent.day == NSDateComponentUndefined",
+                                               "dateComponenet.day == NSDateComponentUndefined",
                                                "NSDateComponents day should not be defined yet"};
+/// The older expansion writes the weekday first, and without a condition.
 inline constexpr ORLFPatternField kWeekdayField = {
-    NSCalendarUnitWeekday, "dateComponent.weekday == NSDateComponentUndefined",
+    NSCalendarUnitWeekday, "dateComponent.weekday == NSDateComponentUndefined", "",
     "NSDateComponents weekday should not be defined yet"};
 inline constexpr ORLFPatternField kWeekdayOrdinalField = {
     NSCalendarUnitWeekdayOrdinal, "dateComponent.weekdayOrdinal == NSDateComponentUndefined",
+    "dateComponenet.weekdayOrdinal == NSDateComponentUndefined",
     "NSDateComponents weekdayOrdinal should not be defined yet"};
 
 class ORLFPatternConditions {
@@ -53,4 +60,4 @@ class ORLFPatternConditions {
   bool quiet_ = true;
 };
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::recurrence

@@ -1,24 +1,18 @@
 
 #include <ORLFoundation/recurrence/internal/ORLFPatternExpansion.h>
 
+#include <ORLFoundation/recurrence/ORLFFrequencyFacts.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
+#include <ORLFoundation/recurrence/internal/ORLFRuleLists.h>
 #include <ORLFoundation/recurrence/internal/ORLFWeekdayPatterns.h>
 
 #include <algorithm>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::recurrence {
 namespace {
 
 constexpr NSUInteger kTimeOfDay =
     NSCalendarUnitHour | NSCalendarUnitMinute | NSCalendarUnitSecond | NSCalendarUnitNanosecond;
-constexpr NSInteger kMonthsPerYear = 12;
-constexpr NSInteger kMonthsPerQuarter = 3;
-constexpr NSInteger kQuartersPerYear = 4;
-
-template <class T>
-bool holdsEntries(const std::optional<std::vector<T>>& list) {
-  return list && !list->empty();
-}
 
 /// 1 to `months` for positive values; values below 1 keep a sign that no month has.
 NSInteger reducedMonth(NSInteger month, NSInteger months) {
@@ -75,8 +69,7 @@ void ORLFPatternExpansion::expandMonths() {
     return;
   }
   const std::vector<NSInteger>& months = *rule_.monthsOfTheYear();
-  const bool ofTheQuarter =
-      (!hasReference_ || !calendar_) && rule_.frequency() == ORLFDateRecurrenceFrequencyQuarterly;
+  const bool ofTheQuarter = (!hasReference_ || !calendar_) && isQuarterly(rule_.frequency());
   if (ofTheQuarter) {
     expandBy(months, [this](NSInteger month, const NSDateComponents& pattern) {
       const NSInteger first = reducedMonth(month, kMonthsPerQuarter);
@@ -133,7 +126,7 @@ void ORLFPatternExpansion::expandDaysOfTheWeek(const ORLFPeriodContext& period) 
   if (!holdsEntries(rule_.daysOfTheWeek())) return;
   expanded_.clear();
   for (const auto& day : *rule_.daysOfTheWeek()) {
-    ORLFWeekdayEntry entry{day ? day->dayOfTheWeek() : 0, day ? day->weekNumber() : 0};
+    ORLFWeekdayEntry entry{day->dayOfTheWeek(), day->weekNumber()};
     if (!entry.namesDays()) continue;
     for (const NSDateComponents& pattern : patterns_) {
       NSDateComponents copy = pattern;
@@ -186,4 +179,4 @@ void ORLFPatternExpansion::add(const NSDateComponents& pattern) {
 
 void ORLFPatternExpansion::takeExpanded() noexcept { patterns_.swap(expanded_); }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::recurrence

@@ -3,6 +3,7 @@
 /// stage multiplies or narrows the set that the stage before it left.
 #pragma once
 
+#include <ORLFoundation/platform/time/NSCalendar.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 #include <ORLFoundation/recurrence/internal/ORLFPatternConditions.h>
 #include <ORLFoundation/recurrence/internal/ORLFPeriodContext.h>
@@ -11,7 +12,7 @@
 #include <optional>
 #include <vector>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::recurrence {
 
 class ORLFPatternExpansion {
  public:
@@ -64,4 +65,4 @@ class ORLFPatternExpansion {
   bool needsDayOfWeekConstraint_ = false;
 };
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::recurrence

@@ -6,7 +6,7 @@
 
 #include <optional>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::recurrence {
 
 class ORLFPeriodContext {
  public:
@@ -49,4 +49,4 @@ class ORLFPeriodContext {
   NSDateComponents fields_;
 };
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::recurrence

@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::recurrence {
 
 inline constexpr std::string_view kFrequencyKey = "frequency";
 inline constexpr std::string_view kIntervalKey = "interval";
@@ -21,4 +21,4 @@ inline constexpr std::string_view kWeeksOfTheYearKey = "weeksOfTheYear";
 inline constexpr std::string_view kDaysOfTheYearKey = "daysOfTheYear";
 inline constexpr std::string_view kSetPositionsKey = "setPositions";
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::recurrence

@@ -1,10 +1,7 @@
 #include <ORLFoundation/recurrence/internal/ORLFWeekdayPatterns.h>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::recurrence {
 namespace {
-
-constexpr NSInteger kAnyDay = -1;
-constexpr NSInteger kWeekendDay = -3;
 
 /// How far a search for a qualifying day goes. A month is enough for every pattern that can
 /// describe a date; the rest keeps patterns apart that describe none.
@@ -116,4 +113,4 @@ void applyWeekdayEntry(ORLFWeekdayEntry& entry, NSDateComponents& pattern,
   placeWeekday(entry, pattern, conditions);
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::recurrence

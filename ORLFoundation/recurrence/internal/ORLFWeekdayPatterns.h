@@ -5,8 +5,9 @@
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceFrequency.h>
 #include <ORLFoundation/recurrence/internal/ORLFPatternConditions.h>
 #include <ORLFoundation/recurrence/internal/ORLFPeriodContext.h>
+#include <ORLFoundation/recurrence/internal/ORLFRuleLists.h>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::recurrence {
 
 /// An entry while it is applied. On a weekly rule the week number 0 becomes that of the date's week
 /// with the first pattern and stays so for the entry's later ones, which then take it for the place
@@ -16,11 +17,11 @@ struct ORLFWeekdayEntry {
   NSInteger number;
 
   /// Entries that name no day are passed over.
-  [[nodiscard]] bool namesDays() const noexcept { return weekday != 0 && weekday >= -3; }
+  [[nodiscard]] bool namesDays() const noexcept { return weekday != 0 && weekday >= kWeekendDay; }
 };
 
 void applyWeekdayEntry(ORLFWeekdayEntry& entry, NSDateComponents& pattern,
                        ORLFDateRecurrenceFrequency frequency, const ORLFPeriodContext& period,
                        ORLFPatternConditions& conditions);
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::recurrence

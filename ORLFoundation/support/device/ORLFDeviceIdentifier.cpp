@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/support/device/ORLFDeviceIdentifier.h>
 
+#include <ORLFoundation/platform/base/Hexadecimal.h>
 #include <ORLFoundation/platform/value/NSUUID.h>
 #include <ORLFoundation/support/device/internal/ORLFMachineIdentifier.h>
 
@@ -18,8 +19,8 @@ constexpr std::size_t kDigits = 32;
 constexpr const char* kKey = "6f0a4a7e-93b6-4f7c-9f0e-5d2c1a8b7e34";
 
 bool isIdentifier(std::string_view text) {
-  const auto isHexDigit = [](char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); };
-  return text.size() == kDigits && std::ranges::all_of(text, isHexDigit) &&
+  return text.size() == kDigits &&
+         text.find_first_not_of(internal::base::kLowerHexDigits) == text.npos &&
          std::ranges::any_of(text, [](char c) { return c != '0'; });
 }
 

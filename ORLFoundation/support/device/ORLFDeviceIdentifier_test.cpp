@@ -4,10 +4,8 @@
 #include <ORLFoundation/platform/value/NSUUID.h>
 #include <ORLFoundation/support/device/internal/ORLFMachineIdentifier.h>
 #include <gtest/gtest.h>
+#include <tests/support/TemporaryFolder.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,21 +16,7 @@ namespace {
 
 constexpr const char* kIdentifier = "0123456789abcdef0123456789abcdef";
 
-class ORLFDeviceIdentifier : public testing::Test {
- protected:
-  void SetUp() override {
-    std::string pattern = testing::TempDir() + "/machineXXXXXX";
-    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
-  }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
-  std::string write(const std::string& name, std::string_view content) {
-    std::ofstream(folder_ / name, std::ios::binary) << content;
-    return folder_ / name;
-  }
-
-  std::filesystem::path folder_;
-};
+class ORLFDeviceIdentifier : public orlftest::TemporaryFolderTest {};
 
 TEST_F(ORLFDeviceIdentifier, IsTheSameTextEachTime) {
   const auto info = NSProcessInfo::processInfo();

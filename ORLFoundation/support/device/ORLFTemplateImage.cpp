@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <new>
 #include <vector>
 
 namespace ORLFoundation {
@@ -84,6 +85,28 @@ std::array<Pixel, 256> pixelTable(const TemplateColor& color, double threshold,
   return table;
 }
 
+struct Freed {
+  void operator()(Pixel* pixels) const noexcept { std::free(pixels); }
+};
+
+/// Throws without memory.
+CGImageRef templateImage(const CGImage& image, const CGColor* color, double threshold) {
+  const std::size_t pixels = image.width() * image.height();
+  std::unique_ptr<Pixel, Freed> buffer(static_cast<Pixel*>(std::calloc(pixels, sizeof(Pixel))));
+  if (!buffer) throw std::bad_alloc();
+  const Lightness lightness = lightnessOf(image);
+  const auto table = pixelTable(templateColor(color), threshold, lightness.darkest);
+  for (std::size_t i = 0; i < pixels; ++i) buffer.get()[i] = table[lightness.pixels[i]];
+  const auto provider = std::make_shared<CGDataProvider>(
+      nullptr, buffer.get(), pixels * sizeof(Pixel), &ORLFReleaseDataProviderData);
+  static_cast<void>(buffer.release());
+  return CGImage::create({.width = image.width(),
+                          .height = image.height(),
+                          .bytesPerRow = image.width() * sizeof(Pixel),
+                          .bitmapInfo = kCGImageAlphaFirst,
+                          .provider = provider});
+}
+
 }  // namespace
 
 CGImageRef ORLFCGImageRefCreateTemplateImageWithColor(const CGImageRef& image,
@@ -95,19 +118,11 @@ CGImageRef ORLFCGImageRefCreateTemplateImageWithColorAndThreshold(const CGImageR
                                                                   const CGColorRef& color,
                                                                   double threshold) {
   if (!image) return nullptr;
-  const std::size_t pixels = image->width() * image->height();
-  auto* buffer = static_cast<Pixel*>(std::calloc(pixels, sizeof(Pixel)));
-  if (buffer == nullptr) return nullptr;
-  const auto provider = std::make_shared<CGDataProvider>(nullptr, buffer, pixels * sizeof(Pixel),
-                                                         &ORLFReleaseDataProviderData);
-  const Lightness lightness = lightnessOf(*image);
-  const auto table = pixelTable(templateColor(color.get()), threshold, lightness.darkest);
-  for (std::size_t i = 0; i < pixels; ++i) buffer[i] = table[lightness.pixels[i]];
-  return CGImage::create({.width = image->width(),
-                          .height = image->height(),
-                          .bytesPerRow = image->width() * sizeof(Pixel),
-                          .bitmapInfo = kCGImageAlphaFirst,
-                          .provider = provider});
+  try {
+    return templateImage(*image, color.get(), threshold);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
 }
 
 void ORLFReleaseDataProviderData(void* /*info*/, const void* data, std::size_t /*size*/) {

@@ -2,6 +2,7 @@
 #include <ORLFoundation/support/device/ORLFTemplateImage.h>
 
 #include <gtest/gtest.h>
+#include <tests/support/AllocationCount.h>
 
 #include <array>
 #include <cmath>
@@ -161,6 +162,20 @@ TEST(ORLFTemplateImage, OfAWhollyWhiteSourceIsClear) {
 TEST(ORLFTemplateImage, OfNilIsNil) {
   EXPECT_EQ(ORLFCGImageRefCreateTemplateImageWithColor(nullptr, kBlue), nullptr);
   EXPECT_EQ(ORLFCGImageRefCreateTemplateImageWithColorAndThreshold(nullptr, kBlue, 0.5), nullptr);
+}
+
+TEST(ORLFTemplateImage, IsNilWithoutMemory) {
+  const CGImageRef source = grays({0, 100, 255});
+  const Bytes expected = bytesOf(ORLFCGImageRefCreateTemplateImageWithColor(source, kBlue));
+  CGImageRef image;
+  std::size_t failures = 0;
+  for (; !image; ++failures) {
+    ASSERT_LT(failures, 100U);
+    const orlftest::FailingAllocations failing(failures);
+    image = ORLFCGImageRefCreateTemplateImageWithColor(source, kBlue);
+  }
+  EXPECT_GT(failures, 3U);
+  EXPECT_EQ(bytesOf(image), expected);
 }
 
 TEST(ORLFTemplateImage, AgreesWithTheStepsTakenOneByOne) {

@@ -1,6 +1,8 @@
 
 #include <ORLFoundation/support/device/ORLFUTTypeConstants.h>
 
+#include <ORLFoundation/platform/base/Replaced.h>
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -61,10 +63,10 @@ TEST(ORLFUTTypeConstants, StopTheProcessForATypeThatTheSystemDoesNotKnow) {
 }
 
 TEST(ORLFUTTypeConstants, OfThePlatformAndOfTheLibraryNeedNoCatalog) {
-  UTType::setCatalog(std::make_shared<UTTypeTable>(std::vector<UTTypeRecord>()));
+  const Replaced empty(UTType::setCatalog,
+                       std::make_shared<UTTypeTable>(std::vector<UTTypeRecord>()));
   EXPECT_TRUE(_ORLFUTTypeConstants::csv()->isEqual(kORLFUTTypeCSV.get()));
   EXPECT_TRUE(_ORLFUTTypeConstants::voucher());
-  UTType::setCatalog(nullptr);
 }
 
 TEST(UTTypeConforms, ToAtLeastOneOfAList) {

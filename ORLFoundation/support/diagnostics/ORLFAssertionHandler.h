@@ -64,8 +64,9 @@ class ORLFAssertionHandler : public NSAssertionHandler {
 
 /// `customHandler`  The handler under `NSAssertionHandlerKey` of the calling thread's dictionary;
 /// where there is none, the process's one `ORLFAssertionHandler`, made at first need, which is put
-/// there. In a process under test it is the platform's `currentHandler`: when the standard user
-/// defaults have a value for "XCTest", which is looked up once for the process. Any thread.
+/// there. In a process under test it is the platform's `currentHandler`, and the dictionary is left
+/// alone: when the standard user defaults have a value for "XCTest", which is looked up once for
+/// the process. Any thread.
 [[nodiscard]] std::shared_ptr<NSAssertionHandler> customHandler();
 
 /// What the macros call. A failing object that no shared pointer holds is lent to the handler for

@@ -2,6 +2,7 @@
 #include <ORLFoundation/support/diagnostics/ORLFAssertionHandler.h>
 
 #include <ORLFoundation/platform/alert/NSAlertPresenter.h>
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaults.h>
 #include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
 #include <ORLFoundation/platform/dispatch/NSThread.h>
@@ -48,10 +49,6 @@ NSMethodFailure failureOfA() {
 /// A process, a user who answers, and a log, all in memory.
 class ORLFAssertionHandlerTest : public testing::Test {
  protected:
-  ~ORLFAssertionHandlerTest() override {
-    ORLFSetProcessDoor(doorBefore_);
-    NSSetAlertPresenter(presenterBefore_);
-  }
   void use(const char* status, std::vector<NSInteger> answers) {
     door_ = std::make_shared<ORLFRecordingProcessDoor>(status);
     presenter_ = std::make_shared<NSScriptedAlertPresenter>(std::move(answers));
@@ -62,8 +59,8 @@ class ORLFAssertionHandlerTest : public testing::Test {
   std::shared_ptr<ORLFAssertionHandler> handler_ = std::make_shared<ORLFAssertionHandler>();
   std::shared_ptr<ORLFRecordingProcessDoor> door_;
   std::shared_ptr<NSScriptedAlertPresenter> presenter_;
-  std::shared_ptr<ORLFProcessDoor> doorBefore_ = ORLFCurrentProcessDoor();
-  std::shared_ptr<NSAlertPresenter> presenterBefore_ = NSCurrentAlertPresenter();
+  const Replaced<std::shared_ptr<ORLFProcessDoor>> doorBefore_{ORLFSetProcessDoor, nullptr};
+  const Replaced<std::shared_ptr<NSAlertPresenter>> presenterBefore_{NSSetAlertPresenter, nullptr};
   LogCapture log_;
 };
 
@@ -199,9 +196,8 @@ class EndedLoop final : public NSMainThreadExecutor {
 
 TEST_F(ORLFAssertionHandlerTest, PresentsInPlaceWhereTheMainLoopHasEnded) {
   use(kNotTraced, {kContinue});
-  const auto before = NSSetMainThreadExecutor(std::make_shared<EndedLoop>());
+  const Replaced ended(NSSetMainThreadExecutor, std::make_shared<EndedLoop>());
   handler_->handleFailureInMethod(failureOfA());
-  NSSetMainThreadExecutor(before);
   EXPECT_THAT(door_->calls(), ElementsAre("trap"));
 }
 
@@ -289,8 +285,13 @@ void useCustomHandlerUnderTest() {
   CHECK_IN_CHILD(customHandler() == own);
   threadDictionary()->removeAllObjects();
   const auto handler = customHandler();
+  CHECK_IN_CHILD(threadDictionary()->count() == 0);
   CHECK_IN_CHILD(handler == NSAssertionHandler::currentHandler());
   CHECK_IN_CHILD(dynamic_cast<ORLFAssertionHandler*>(handler.get()) == nullptr);
+  std::thread([] {
+    CHECK_IN_CHILD(customHandler() != nullptr);
+    CHECK_IN_CHILD(threadDictionary()->count() == 0);
+  }).join();
   // Found out once: the value may go.
   NSUserDefaults::standardUserDefaults()->removeObjectForKey("XCTest");
   threadDictionary()->removeAllObjects();

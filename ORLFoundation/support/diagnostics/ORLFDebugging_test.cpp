@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/support/diagnostics/ORLFDebugging.h>
 
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/support/diagnostics/ORLFProcessDoor.h>
 #include <gtest/gtest.h>
@@ -39,17 +40,15 @@ const StatusCase kStatuses[] = {
 
 TEST(IsDebugging, ReadsTheTracerFieldOfTheStatus) {
   for (const StatusCase& row : kStatuses) {
-    const auto before = ORLFSetProcessDoor(std::make_shared<ORLFRecordingProcessDoor>(row.status));
+    const Replaced door(ORLFSetProcessDoor, std::make_shared<ORLFRecordingProcessDoor>(row.status));
     EXPECT_EQ(IsDebugging(), row.isTraced) << row.name;
-    ORLFSetProcessDoor(before);
   }
 }
 
 TEST(IsDebugging, IsFalseWhereTheStatusCannotBeRead) {
   for (const char* path : {"/nowhere/status", "/proc", "/dev/null"}) {
-    const auto before = ORLFSetProcessDoor(std::make_shared<ORLFSystemProcessDoor>(path));
+    const Replaced door(ORLFSetProcessDoor, std::make_shared<ORLFSystemProcessDoor>(path));
     EXPECT_FALSE(IsDebugging()) << path;
-    ORLFSetProcessDoor(before);
   }
 }
 
@@ -72,23 +71,22 @@ TEST(IsDebugging, SeesATracerComeInTheRunningProcess) {
 
 TEST(ORLFDebugger, DoesNothing) {
   const auto door = std::make_shared<ORLFRecordingProcessDoor>("TracerPid:\t7\n");
-  const auto before = ORLFSetProcessDoor(door);
+  const Replaced installed(ORLFSetProcessDoor, door);
   const LogCapture log;
   ORLFDebugger();
-  ORLFSetProcessDoor(before);
   EXPECT_TRUE(door->calls().empty());
   EXPECT_TRUE(log.lines().empty());
 }
 
 TEST(ORLFSetProcessDoor, NullStandsForTheRunningProcess) {
   const auto recording = std::make_shared<ORLFRecordingProcessDoor>("");
-  const auto before = ORLFSetProcessDoor(recording);
+  const Replaced installed(ORLFSetProcessDoor, recording);
+  ASSERT_NE(installed.before(), nullptr);
   EXPECT_EQ(ORLFCurrentProcessDoor(), recording);
   EXPECT_EQ(ORLFSetProcessDoor(nullptr), recording);
   const auto status = ORLFCurrentProcessDoor()->status();
   ASSERT_TRUE(status);
   EXPECT_NE(status->find("\nTracerPid:"), std::string::npos);
-  ORLFSetProcessDoor(before);
 }
 
 }  // namespace

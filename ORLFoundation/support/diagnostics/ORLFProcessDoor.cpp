@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/support/diagnostics/ORLFProcessDoor.h>
 
+#include <ORLFoundation/platform/base/Replaceable.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -10,16 +11,8 @@
 namespace ORLFoundation {
 namespace {
 
-struct Current {
-  std::mutex lock;
-  std::shared_ptr<ORLFProcessDoor> door = std::make_shared<ORLFSystemProcessDoor>();
-};
-
-// Never destroyed: what fails while the process ends still finds it.
-Current& current() {
-  static Current& current = *new Current;
-  return current;
-}
+constinit internal::base::Replaceable<ORLFProcessDoor> doors(
+    []() -> std::shared_ptr<ORLFProcessDoor> { return std::make_shared<ORLFSystemProcessDoor>(); });
 
 }  // namespace
 
@@ -52,15 +45,10 @@ void ORLFRecordingProcessDoor::record(const char* call) {
   calls_.emplace_back(call);
 }
 
-std::shared_ptr<ORLFProcessDoor> ORLFCurrentProcessDoor() {
-  const std::lock_guard guard(current().lock);
-  return current().door;
-}
+std::shared_ptr<ORLFProcessDoor> ORLFCurrentProcessDoor() { return doors.current(); }
 
 std::shared_ptr<ORLFProcessDoor> ORLFSetProcessDoor(std::shared_ptr<ORLFProcessDoor> door) {
-  if (!door) door = std::make_shared<ORLFSystemProcessDoor>();
-  const std::lock_guard guard(current().lock);
-  return std::exchange(current().door, std::move(door));
+  return doors.exchangeMade(std::move(door));
 }
 
 }  // namespace ORLFoundation

@@ -2,7 +2,7 @@
 /// two ways in which a failed assertion ends it. Tests put a recording one in its place.
 ///
 ///     const auto door = std::make_shared<ORLFRecordingProcessDoor>("TracerPid:\t0\n");
-///     const auto before = ORLFSetProcessDoor(door);
+///     const Replaced installed(ORLFSetProcessDoor, door);
 ///     handler->presentModalAlert(error);   // ends nothing
 ///     EXPECT_EQ(door->calls(), std::vector<std::string>{"quit"});
 #pragma once

@@ -18,6 +18,11 @@ bool isTriedBefore(std::string_view prefix, std::string_view other) {
   return compare(prefix, other) == NSOrderedAscending;
 }
 
+/// Canonically, as `hasPrefix:` does. Every text begins with the empty one.
+bool beginsWith(std::string_view path, std::string_view prefix) {
+  return prefix.empty() || rangeOfString(path, prefix, NSAnchoredSearch).location == 0;
+}
+
 }  // namespace
 
 const std::shared_ptr<ORLFAppLinkManger>& ORLFAppLinkManger::sharedManager() {
@@ -34,7 +39,7 @@ std::vector<ORLFAppLinkManger::Handler> ORLFAppLinkManger::possibleHandlersForPa
   const std::lock_guard guard(lock_);
   std::vector<Handler> possible;
   for (const Handler& handler : handlers())
-    if (path.starts_with(handler->pathPrefixForMatchingInAppLinkManager(*this)))
+    if (beginsWith(path, handler->pathPrefixForMatchingInAppLinkManager(*this)))
       possible.push_back(handler);
   return possible;
 }

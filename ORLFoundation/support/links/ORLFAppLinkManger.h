@@ -31,7 +31,8 @@ class ORLFAppLinkManger final : public NSObject {
   /// `isAppLinkUserActivity:`  Whether the activity follows a link of the web.
   [[nodiscard]] bool isAppLinkUserActivity(const NSUserActivity& activity) const;
   /// `possibleHandlersForPath:`  The handlers whose prefix the path begins with, in their order.
-  /// Prefixes know nothing of the parts of a path: "/ab" begins with "/a".
+  /// Prefixes know nothing of the parts of a path: "/ab" begins with "/a". Canonically equal
+  /// texts are equal, and no prefix ends inside a letter with its marks.
   [[nodiscard]] std::vector<Handler> possibleHandlersForPath(std::string_view path);
   /// `handleAppLinkUserActivity:`  Whether a handler has taken the activity's link. false, and no
   /// handler is asked, for an activity of another type and for an address that is absent or whose

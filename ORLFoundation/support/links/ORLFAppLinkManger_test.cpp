@@ -113,6 +113,34 @@ TEST(ORLFAppLinkManger, OrdersPrefixes) {
   }
 }
 
+struct PrefixCase {
+  std::string_view name, prefix, path;
+  bool matches;
+};
+const PrefixCase kPrefixes[] = {
+    {"Plain", "/a", "/ab", true},
+    {"Other", "/b", "/ab", false},
+    {"Whole", "/ab", "/ab", true},
+    {"Longer", "/abc", "/ab", false},
+    {"Empty", "", "/ab", true},
+    {"EmptyOfAnEmptyPath", "", "", true},
+    {"LettersInAnotherCase", "/A", "/ab", false},
+    {"ComposedOfADecomposedPath", "/caf\u00E9", "/cafe\u0301/x", true},
+    {"DecomposedOfAComposedPath", "/cafe\u0301", "/caf\u00E9/x", true},
+    {"ALetterWithoutItsMark", "/cafe", "/cafe\u0301/x", false},
+    {"LaterInThePath", "/b", "/a/b", false},
+};
+
+TEST(ORLFAppLinkManger, ComparesPrefixesCanonically) {
+  for (const PrefixCase& row : kPrefixes) {
+    Router router;
+    router.manager->registerAppLinkHandler(
+        std::make_shared<ChangingHandler>(std::string(row.prefix)));
+    EXPECT_EQ(router.manager->possibleHandlersForPath(row.path).size(), row.matches ? 1U : 0U)
+        << row.name;
+  }
+}
+
 TEST(ORLFAppLinkManger, SplitsEqualPrefixesByRegistration) {
   Router router;
   const Handler first = router.add("/a"), second = router.add("a");

@@ -1,6 +1,8 @@
 
 #include <ORLFoundation/support/serialization/ORLFSerializableObject.h>
 
+#include <ORLFoundation/platform/archive/NSCoder.h>
+#include <ORLFoundation/platform/object/NSKeyTable.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 
 #include <typeinfo>
@@ -81,12 +83,12 @@ std::string ORLFSerializableObject::description() const {
 }
 
 std::shared_ptr<NSObject> ORLFSerializableObject::copy() {
-  const auto copy = newObject();
+  const auto copy = newObjectAs<ORLFSerializableObject>();
   if (data_) copy->data_ = mutableCopyOf(data_);
   return copy;
 }
 
-std::shared_ptr<ORLFSerializableObject> ORLFSerializableObject::newObject() const {
+std::shared_ptr<NSObject> ORLFSerializableObject::newObjectOfReceiversClass() const {
   return std::make_shared<ORLFSerializableObject>();
 }
 

@@ -16,9 +16,9 @@
 /// Not safe on several threads.
 #pragma once
 
-#include <ORLFoundation/platform/archive/NSCoder.h>
+#include <ORLFoundation/platform/archive/NSCodingClass.h>
+#include <ORLFoundation/platform/archive/NSSecureCoding.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
-#include <ORLFoundation/platform/object/NSKeyTable.h>
 #include <ORLFoundation/platform/object/NSObject.h>
 
 #include <memory>
@@ -63,14 +63,13 @@ class ORLFSerializableObject : public NSObject, public NSSecureCoding {
   [[nodiscard]] NSUInteger hash() const override;
   /// `description`  "<Preferences: 0x55d0c8, data: {\n    locale = \"en_US\";\n}>".
   [[nodiscard]] std::string description() const override;
-  /// `copyWithZone:`  A new object with a mutable copy of `data`. What a subclass keeps elsewhere
-  /// is not copied.
+  /// `copyWithZone:`  A new object of the receiver's class with a mutable copy of `data`. What a
+  /// subclass keeps elsewhere is not copied.
   [[nodiscard]] std::shared_ptr<NSObject> copy() override;
   [[nodiscard]] const NSKeyTable& keyTable() const override;
 
  protected:
-  /// A new object of the receiver's class, as made without arguments.
-  [[nodiscard]] virtual std::shared_ptr<ORLFSerializableObject> newObject() const;
+  [[nodiscard]] std::shared_ptr<NSObject> newObjectOfReceiversClass() const override;
   /// Takes `data` from a coder, of the classes given.
   void decodeData(NSCoder& coder, NSCodingClasses classes);
 
@@ -101,7 +100,7 @@ class ORLFSerializableSubclass : public Base {
   [[nodiscard]] std::string className() const override { return std::string(Class::kClassName); }
 
  protected:
-  [[nodiscard]] std::shared_ptr<ORLFSerializableObject> newObject() const override {
+  [[nodiscard]] std::shared_ptr<NSObject> newObjectOfReceiversClass() const override {
     return std::make_shared<Class>();
   }
 };

@@ -3,7 +3,9 @@
 
 #include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
 #include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
+#include <ORLFoundation/platform/object/NSKeyTable.h>
 #include <ORLFoundation/platform/object/NSKeyValueObserving.h>
+#include <ORLFoundation/platform/value/NSException.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 #include <gtest/gtest.h>
 
@@ -213,6 +215,27 @@ TEST(ORLFSerializableObject, CopiesToANewObjectOfItsClassWithDataOfItsOwn) {
   EXPECT_EQ(copyOf(std::make_shared<Preferences>())->data()->count(), 0U);
   EXPECT_EQ(copyOf(std::make_shared<ORLFSerializableObject>())->className(),
             "ORLFSerializableObject");
+}
+
+/// Derives from the class itself, without the helper.
+class Plain final : public ORLFSerializableObject {
+ public:
+  using ORLFSerializableObject::ORLFSerializableObject;
+
+ protected:
+  [[nodiscard]] std::shared_ptr<NSObject> newObjectOfReceiversClass() const override {
+    return std::make_shared<Plain>();
+  }
+};
+
+class Unfinished final : public ORLFSerializableObject {};
+
+TEST(ORLFSerializableObject, CopiesADirectSubclassToItsOwnClass) {
+  const auto object = std::make_shared<Plain>(entries({{"a", 1}}));
+  const auto copy = std::dynamic_pointer_cast<Plain>(object->copy());
+  ASSERT_TRUE(copy);
+  EXPECT_TRUE(copy->isEqual(object.get()));
+  EXPECT_THROW(static_cast<void>(std::make_shared<Unfinished>()->copy()), NSException);
 }
 
 TEST(ORLFSerializableObject, DescribesItsClassAddressAndData) {

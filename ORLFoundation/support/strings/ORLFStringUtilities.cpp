@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/support/strings/ORLFStringUtilities.h>
 
+#include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/object/NSString.h>
 #include <ORLFoundation/platform/text/NSCharacterSet.h>
 #include <ORLFoundation/platform/text/NSStringCase.h>
@@ -14,22 +15,11 @@
 namespace ORLFoundation {
 namespace {
 
+using internal::base::firstUTF8Character;
+using internal::base::unitsInUTF16;
+using internal::base::UTF8Character;
+
 constexpr std::size_t kMostVersionParts = 3;
-
-/// The number of bytes of the character that well-formed UTF-8 begins with.
-std::size_t lengthOfFirst(std::string_view text) {
-  const auto lead = static_cast<unsigned char>(text.front());
-  return lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-}
-
-char32_t characterOf(std::string_view bytes) {
-  constexpr unsigned char kLeadMasks[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
-  auto character =
-      static_cast<char32_t>(static_cast<unsigned char>(bytes.front()) & kLeadMasks[bytes.size()]);
-  for (const char byte : bytes.substr(1))
-    character = character << 6 | (static_cast<unsigned char>(byte) & 0x3FU);
-  return character;
-}
 
 }  // namespace
 
@@ -84,10 +74,10 @@ std::string orlfStringByBackslashEscapingCharactersInString(std::string_view tex
   const std::string wellFormed = wellFormedString(text);
   std::string result;
   for (std::string_view rest = wellFormed; !rest.empty();) {
-    const std::string_view character = rest.substr(0, lengthOfFirst(rest));
-    if (set->longCharacterIsMember(characterOf(character))) result += '\\';
-    result += character;
-    rest.remove_prefix(character.size());
+    const UTF8Character character = firstUTF8Character(rest);
+    if (set->longCharacterIsMember(character.codePoint)) result += '\\';
+    result += rest.substr(0, character.length);
+    rest.remove_prefix(character.length);
   }
   return result;
 }
@@ -95,10 +85,9 @@ std::string orlfStringByBackslashEscapingCharactersInString(std::string_view tex
 std::string orlfCapitalizedStringPreservingCase(std::string_view text) {
   std::string wellFormed = wellFormedString(text);
   if (wellFormed.empty()) return wellFormed;
-  const std::size_t first = lengthOfFirst(wellFormed);
-  constexpr std::size_t kBytesOfTwoUnits = 4;
-  if (first == kBytesOfTwoUnits || first == wellFormed.size()) return wellFormed;
-  return wellFormed.replace(0, first, uppercaseString(wellFormed.substr(0, first)));
+  const UTF8Character first = firstUTF8Character(wellFormed);
+  if (unitsInUTF16(first.codePoint) > 1 || first.length == wellFormed.size()) return wellFormed;
+  return wellFormed.replace(0, first.length, uppercaseString(wellFormed.substr(0, first.length)));
 }
 
 NSComparisonResult orlfCaseInsensitiveSortCompare(std::string_view text, std::string_view string) {

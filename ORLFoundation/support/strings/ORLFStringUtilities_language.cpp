@@ -2,6 +2,7 @@
 
 #include <ORLFoundation/support/strings/ORLFStringUtilities.h>
 
+#include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/language/NLTagger.h>
 #include <ORLFoundation/platform/language/NSDataDetector.h>
 #include <ORLFoundation/platform/text/NSStringCase.h>
@@ -45,7 +46,9 @@ bool isEmailAddress(std::string_view text) {
   bool isWholeAddress = false;
   detector->enumerateMatchesInString(text, [&](const NSTextCheckingResult& match, bool& stop) {
     ++matches;
-    isWholeAddress = match.URL.scheme() == "mailto" && match.range == NSRange{0, length(text)};
+    // A scheme is the same in any case.
+    isWholeAddress = internal::equalsLower(match.URL.scheme().value_or(""), "mailto") &&
+                     match.range == NSRange{0, length(text)};
     stop = !isWholeAddress;
   });
   return matches == 1 && isWholeAddress;

@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/support/strings/ORLFStringUtilities.h>
 
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/value/NSUUID.h>
 #include <gtest/gtest.h>
 
@@ -187,9 +188,8 @@ TEST(ORLFStringUtilities, WritesTitles) {
 
 TEST(ORLFStringUtilities, WritesTitlesInTheLanguageOfTheLocale) {
   EXPECT_EQ(orlfTitleCase("izmir", std::make_shared<NSLocale>("tr_TR")), "İzmir");
-  NSLocale::setCurrentLocale(std::make_shared<NSLocale>("tr_TR"));
+  const Replaced turkish(NSLocale::setCurrentLocale, std::make_shared<NSLocale>("tr_TR"));
   EXPECT_EQ(orlfTitleCase("izmir"), "İzmir");
-  NSLocale::setCurrentLocale(nullptr);
 }
 
 struct AddressCase {
@@ -206,6 +206,11 @@ const AddressCase kAddressCases[] = {
     {"müller@bücher.de", true},
     {"a@xn--bcher-kva.xn--p1ai", true},
     {"mailto:a@example.com", true},
+    {"MAILTO:a@example.com", true},
+    {"MailTo:a@example.com", true},
+    {"a@b.\u00E9", false},
+    {"a@b.\u00E9\u00E8", true},
+    {"a@b.\U00020000", false},
     {"", false},
     {"plain", false},
     {"example.com", false},

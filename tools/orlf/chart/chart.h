@@ -1,5 +1,5 @@
 /// Draws lines over time into an SVG, PNG or PDF file: title, legend, axes with round numbers and
-/// readable dates.
+/// readable dates, and the values that stand out.
 #pragma once
 
 #include <ORLFoundation/platform/time/NSCalendar.h>
@@ -19,15 +19,16 @@ struct ChartPoint {
 struct ChartLine {
   std::string name;
   std::vector<ChartPoint> points;  // in order of date; values that are not finite are left out
-  /// Drawn thin, dashed and grey, as what the other lines are compared with.
+  /// Drawn thin, dashed and grey, as what the other lines are compared with: it decides nothing
+  /// about the axes, and is seen as far as they reach.
   bool isReference = false;
-  /// A value holds until the next date: drawn as stairs.
-  bool isStepped = false;
 };
 
 struct Chart {
   std::string title;
   std::vector<ChartLine> lines;
+  /// Values hold until the next date, and all lines are drawn as stairs.
+  bool isStepped = false;
   /// Dates marked by an upright line, where there are not too many.
   std::vector<ORLFoundation::NSDate> marks;
   std::shared_ptr<ORLFoundation::NSCalendar> calendar;

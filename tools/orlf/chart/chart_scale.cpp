@@ -17,6 +17,7 @@
 #include <optional>
 #include <string_view>
 
+#include "chart/chart_text.h"
 #include "cli/failure.h"
 #include "cli/scoped_locale.h"
 #include "cli/table.h"
@@ -111,19 +112,12 @@ class DayPrinter {
 
 using Labels = std::vector<std::string>;
 
-/// The text of each step.
-Labels labelsOf(const ORLFMathematicalAxis& axis, const auto& textOfStep) {
-  Labels labels;
-  for (NSUInteger index = 0; index <= axis.stepCount(); ++index)
-    labels.push_back(textOfStep(index));
-  return labels;
-}
+constexpr std::size_t kMostCharacters = 16;
 
-bool areTooLong(const Labels& labels) {
-  constexpr std::size_t kMostCharacters = 16;
-  return std::any_of(labels.begin(), labels.end(), [](const std::string& label) {
-    return characterCount(label) > kMostCharacters;
-  });
+bool isTooLong(const std::string& label) { return characterCount(label) > kMostCharacters; }
+
+bool someReadAlike(const Labels& labels) {
+  return std::adjacent_find(labels.begin(), labels.end()) != labels.end();
 }
 
 std::string scientificText(double value) {
@@ -133,24 +127,62 @@ std::string scientificText(double value) {
   return {text.data(), end.ptr};
 }
 
-/// The axis's own labels ("250K"), or all numbers in full where two of those read alike, as small
-/// steps do far from zero. Numbers that leave no room for the plot are written "1e+20".
-Labels readableLabels(const ORLFMathematicalAxis& axis, const std::string& locale) {
-  const ScopedLocale scope(locale);
-  Labels labels = labelsOf(
-      axis, [&](NSUInteger index) { return axis.labelForStepIndex(static_cast<double>(index)); });
-  if (std::adjacent_find(labels.begin(), labels.end()) != labels.end()) {
-    NSNumberFormatter full;
-    full.setNumberStyle(NSNumberFormatterDecimalStyle);
-    labels = labelsOf(axis, [&](NSUInteger index) {
-      return full.stringFromDouble(axis.valueForStepIndex(index));
-    });
-  }
-  if (areTooLong(labels))
-    labels = labelsOf(
-        axis, [&](NSUInteger index) { return scientificText(axis.valueForStepIndex(index)); });
-  return labels;
+std::string fullText(double value, int fractionDigits) {
+  NSNumberFormatter full;
+  full.setNumberStyle(NSNumberFormatterDecimalStyle);
+  full.setMaximumFractionDigits(fractionDigits);
+  // What rounds to nothing is no "-0".
+  const bool isNothing = std::abs(value) < 0.5 * std::pow(10.0, -fractionDigits);
+  return full.stringFromDouble(isNothing ? 0 : value);
 }
+
+/// The power of ten that makes a span 1 or more; 0 for one that is.
+int digitsBelowOne(double span) {
+  constexpr int kMostDigits = 300;
+  return std::clamp(static_cast<int>(std::ceil(-std::log10(span))), 0, kMostDigits);
+}
+
+/// The marks of an axis, whose values are scaled down by a power of ten.
+class Marks {
+ public:
+  Marks(const ORLFMathematicalAxis& axis, int digits)
+      : axis_(axis), digits_(digits), factor_(std::pow(10.0, digits)) {}
+
+  [[nodiscard]] double value(NSUInteger index) const {
+    return axis_.valueForStepIndex(index) / factor_;
+  }
+
+  /// The axis's own labels ("250K"), or all numbers in full where two of those read alike, as small
+  /// steps do far from zero. Numbers that leave no room for the plot are written "1e+20".
+  [[nodiscard]] Labels labels(const std::string& locale) const {
+    constexpr int kUsualDigits = 3, kDigitsOfSteps = 2;  // a quarter is the longest
+    const int fractionDigits = std::max(kUsualDigits, digits_ + kDigitsOfSteps);
+    const ScopedLocale scope(locale);
+    Labels found;
+    if (digits_ == 0)
+      found = labelsBy(
+          [this](NSUInteger index) { return axis_.labelForStepIndex(static_cast<double>(index)); });
+    if (found.empty() || someReadAlike(found))
+      found = labelsBy([this, fractionDigits](NSUInteger index) {
+        return fullText(value(index), fractionDigits);
+      });
+    if (someReadAlike(found) || std::any_of(found.begin(), found.end(), isTooLong))
+      found = labelsBy([this](NSUInteger index) { return scientificText(value(index)); });
+    return found;
+  }
+
+ private:
+  [[nodiscard]] Labels labelsBy(const auto& textOfStep) const {
+    Labels found;
+    for (NSUInteger index = 0; index <= axis_.stepCount(); ++index)
+      found.push_back(withTrueMinus(textOfStep(index)));
+    return found;
+  }
+
+  const ORLFMathematicalAxis& axis_;
+  int digits_;
+  double factor_;
+};
 
 }  // namespace
 
@@ -161,14 +193,33 @@ NumberScale numberScale(double low, double high, int mostTicks, const std::strin
     low -= margin;
     high += margin;
   }
+  const int digits = digitsBelowOne(high - low);
+  const double factor = std::pow(10.0, digits);
   // Steps are counted before their bounds are widened, which may add one.
-  const ORLFMathematicalAxis axis(low, high, static_cast<NSUInteger>(mostTicks - 1));
+  const ORLFMathematicalAxis axis(low * factor, high * factor,
+                                  static_cast<NSUInteger>(mostTicks - 1));
   if (axis.stepCount() == 0) throw JobFailure("the chart's values lie too far apart to draw");
-  NumberScale scale{axis.axisMin(), axis.axisMax(), {}};
-  const Labels labels = readableLabels(axis, locale);
+  const Marks marks(axis, digits);
+  // Scaling may move an end by a rounding: what was asked for lies inside all the same.
+  NumberScale scale{
+      std::min(low, marks.value(0)), std::max(high, marks.value(axis.stepCount())), {}};
+  const Labels labels = marks.labels(locale);
   for (NSUInteger index = 0; index <= axis.stepCount(); ++index)
-    scale.ticks.push_back({axis.valueForStepIndex(index), labels[index]});
+    scale.ticks.push_back({marks.value(index), labels[index]});
   return scale;
+}
+
+std::string valueText(double value, double span, const std::string& locale) {
+  constexpr double kMostDigits = 15, kDigitsOfThousandth = 3, kDigitsOfCent = 2;
+  double digits = span > 0 ? kDigitsOfThousandth - std::floor(std::log10(span)) : 0;
+  if (digits > 0) digits = std::clamp(digits, kDigitsOfCent, kMostDigits);
+  const ScopedLocale scope(locale);
+  const std::string text = fullText(value, static_cast<int>(std::max(digits, 0.0)));
+  return withTrueMinus(isTooLong(text) ? scientificText(value) : text);
+}
+
+std::string dayText(NSDate date, const NSCalendar& calendar, const std::string& locale) {
+  return DayPrinter("yMMMd", locale).text(date, calendar);
 }
 
 std::vector<DateTick> dateTicks(NSDate from, NSDate to, int mostTicks, const NSCalendar& calendar,

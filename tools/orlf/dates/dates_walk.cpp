@@ -111,20 +111,21 @@ void walkOn(DateTaker& taker, const DatesRequest& request) {
     request.rule->enumerateDatesForCalendarRefernceDate(
         {.calendar = *request.calendar,
          .refernceDate = request.reference.value_or(request.start),
-         .backwards = request.backwards,
-         .usingBlock = block});
+         .backwards = request.backwards},
+        block);
   } else if (request.reference) {
-    enumerateDatesUsingRecurrenceRule(*request.calendar, {.recurrenceRule = *request.rule,
-                                                          .startDate = request.start,
-                                                          .backwards = request.backwards,
-                                                          .referenceDate = request.reference,
-                                                          .usingBlock = block});
+    enumerateDatesUsingRecurrenceRule(*request.calendar,
+                                      {.recurrenceRule = *request.rule,
+                                       .startDate = request.start,
+                                       .backwards = request.backwards,
+                                       .referenceDate = request.reference},
+                                      block);
   } else {
     request.rule->enumerateDatesForCalendarStartDate({.calendar = *request.calendar,
                                                       .startDate = request.start,
                                                       .backwards = request.backwards,
-                                                      .exactPatternMatch = request.exact,
-                                                      .usingBlock = block});
+                                                      .exactPatternMatch = request.exact},
+                                                     block);
   }
 }
 

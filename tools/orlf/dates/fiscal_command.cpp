@@ -54,27 +54,15 @@ struct FiscalDate {
   NSDate yearStart, quarterStart, monthStart;
 };
 
-/// The first day of the fiscal year that holds the date.
-NSDate startOfYear(NSDate date, MonthDay start, const NSCalendar& calendar) {
-  NSDateComponents fields = calendar.components(NSCalendarUnitYear, date);
-  fields.setMonth(start.month);
-  fields.setDay(start.day);
-  std::optional<NSDate> found = calendar.dateFromComponents(fields);
-  if (found && found->compare(date) == NSOrderedDescending) {
-    fields.setYear(fields.year() - 1);
-    found = calendar.dateFromComponents(fields);
-  }
-  if (!found) throw JobFailure("the fiscal year lies outside of the calendar");
-  return *found;
-}
-
 FiscalDate fiscalDate(NSDate date, MonthDay start, const NSCalendar& calendar) {
   FiscalDate answer;
   answer.fields = orlfComponents(
       calendar,
       NSCalendarUnitYear | NSCalendarUnitQuarter | NSCalendarUnitMonth | NSCalendarUnitWeekOfYear,
       date, start.month, start.day);
-  answer.yearStart = startOfYear(date, start, calendar);
+  const std::optional<NSDate> yearStart = orlfStartOfYear(calendar, date, start.month, start.day);
+  if (!yearStart) throw JobFailure("the fiscal year lies outside of the calendar");
+  answer.yearStart = *yearStart;
   const auto monthsOn = [&](NSInteger months) {
     return calendar.dateByAddingUnit(NSCalendarUnitMonth, months, answer.yearStart, 0)
         .value_or(answer.yearStart);

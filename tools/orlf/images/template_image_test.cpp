@@ -4,12 +4,11 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
+#include <tests/support/TemporaryFolder.h>
 #include <tests/tool/MadePng.h>
 #include <tests/tool/RunTool.h>
 #include "io/png_file.h"
@@ -20,20 +19,8 @@ using Bytes = std::vector<std::uint8_t>;
 using orlftest::runTool;
 using orlftest::ToolRun;
 
-class TemplateImage : public testing::Test {
+class TemplateImage : public orlftest::TemporaryFolderTest {
  protected:
-  void SetUp() override {
-    std::string pattern = testing::TempDir() + "/templateXXXXXX";
-    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
-  }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
-
-  [[nodiscard]] std::string path(const std::string& name) const { return folder_ / name; }
-  std::string write(const std::string& name, const std::string& bytes) {
-    std::ofstream(path(name), std::ios::binary) << bytes;
-    return path(name);
-  }
   [[nodiscard]] Bytes pixels(const std::string& name) const {
     const auto image = orlftool::readPngFile(path(name));
     const auto bytes = image->fields().provider->bytes();
@@ -56,8 +43,6 @@ class TemplateImage : public testing::Test {
       text.erase(at, folder_.string().size() + 1);
     return text;
   }
-
-  std::filesystem::path folder_;
 };
 
 TEST_F(TemplateImage, DrawsThePictureInTheColor) {
@@ -90,7 +75,7 @@ TEST_F(TemplateImage, MayTakeThePlaceOfItsSource) {
   const std::string file = grays();
   EXPECT_EQ(runTool({"template-image", file, file, "--color", "#000000"}).exitCode, 0);
   EXPECT_EQ(pixels("grays.png")[7], 102);
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_), {}), 1);
+  EXPECT_EQ(names().size(), 1U);
 }
 
 TEST_F(TemplateImage, FailsWithOneLineForFilesThatAreNoPictures) {
@@ -122,8 +107,8 @@ TEST_F(TemplateImage, KeepsWhatStandsAtItsPlaceWhenItFails) {
   write("old.png", "old");
   (void)failure(
       {"template-image", write("text.png", "text"), path("old.png"), "--color", "#000000"});
-  std::ifstream file(path("old.png"));
-  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "old");
+
+  EXPECT_EQ(read("old.png"), "old");
 }
 
 }  // namespace

@@ -4,34 +4,18 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 
+#include <tests/support/TemporaryFolder.h>
 #include "cli/failure.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-class AtomicFile : public testing::Test {
+class AtomicFile : public orlftest::TemporaryFolderTest {
  protected:
-  void SetUp() override {
-    std::string pattern = testing::TempDir() + "/atomicXXXXXX";
-    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
-  }
-  void TearDown() override { fs::remove_all(folder_); }
-
-  [[nodiscard]] std::string path(const std::string& name) const { return folder_ / name; }
-  [[nodiscard]] std::string read(const std::string& name) const {
-    std::ifstream file(path(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-  [[nodiscard]] long fileCount() const {
-    return std::distance(fs::directory_iterator(folder_), fs::directory_iterator());
-  }
-
-  fs::path folder_;
+  [[nodiscard]] long fileCount() const { return static_cast<long>(names().size()); }
 };
 
 TEST_F(AtomicFile, WritesBytesAndLeavesNothingElseBehind) {

@@ -3,12 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
+#include <tests/support/TemporaryFolder.h>
 #include <tests/tool/MadePng.h>
 #include "cli/failure.h"
 
@@ -89,17 +87,7 @@ TEST(PngFile, AnswersOrFailsWhateverByteIsChanged) {
   }
 }
 
-class PngFileOnDisk : public testing::Test {
- protected:
-  void SetUp() override {
-    std::string pattern = testing::TempDir() + "/pngXXXXXX";
-    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
-  }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
-
-  std::filesystem::path folder_;
-};
+class PngFileOnDisk : public orlftest::TemporaryFolderTest {};
 
 TEST_F(PngFileOnDisk, IsWrittenAndReadBack) {
   const CGImageRef image =
@@ -111,7 +99,7 @@ TEST_F(PngFileOnDisk, IsWrittenAndReadBack) {
   orlftool::writePngFile(folder_ / "a.png", *image);
   EXPECT_EQ(pixelsOf(orlftool::readPngFile(folder_ / "a.png")), (Bytes{1, 2, 3, 255, 4, 5, 6, 0}));
   EXPECT_THROW(orlftool::writePngFile(folder_ / "no/a.png", *image), orlftool::JobFailure);
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_), {}), 1);
+  EXPECT_EQ(names().size(), 1U);
 }
 
 }  // namespace

@@ -15,7 +15,10 @@ namespace {
 
 using namespace ORLFoundation;
 
-constexpr double kMostPointsOfLine = 480, kMostStairs = 80;
+constexpr double kMostPointsOfLine = 480;
+/// Of a whole chart, so that all of its segments are drawn in one manner: beyond them a stair is
+/// too narrow to be seen.
+constexpr double kMostStairs = 80;
 
 bool isEarlier(NSDate left, NSDate right) { return left.compare(right) == NSOrderedAscending; }
 
@@ -45,7 +48,7 @@ std::vector<Stretch> stretches(const PlanModel& model, NSDate from, NSDate to) {
 /// many, with both ends of the stretch. Between two of them a balance does not change.
 struct Grid {
   std::vector<NSDate> dates;
-  bool hasAllContributions = true;
+  double contributions = 0;
 };
 
 Grid gridOfStretch(const PlanModel& model, const Stretch& stretch) {
@@ -60,7 +63,7 @@ Grid gridOfStretch(const PlanModel& model, const Stretch& stretch) {
   const NSInteger last = unitsTo(stretch.to) / interval;
   const double periods = static_cast<double>(last - first);
   const auto skip = static_cast<NSInteger>(std::max(1.0, std::ceil(periods / kMostPointsOfLine)));
-  Grid grid{{stretch.from}, periods <= kMostStairs};
+  Grid grid{{stretch.from}, periods};
   for (NSInteger index = first + skip; index <= last; index += skip) {
     const auto date = model.calendar().dateByAddingUnit(unit, index * interval, terms.start, 0);
     if (date && isEarlier(grid.dates.back(), *date) && isEarlier(*date, stretch.to))
@@ -77,7 +80,6 @@ ChartLine lineOfStretch(const PlanModel& model, const Stretch& stretch, const Gr
       model.plan->plannedBalancesOnDates(inside, true, model.calendar(), model.rounding.get());
   ChartLine line;
   line.name = segmentName(model.file, stretch.segment);
-  line.isStepped = grid.hasAllContributions;
   for (std::size_t i = 0; i < inside.size(); ++i)
     line.points.push_back({inside[i], valueOf(balances[i])});
   line.points.push_back(
@@ -91,8 +93,6 @@ ChartLine lineOfContributions(const PlanModel& model, const std::vector<ChartLin
   ChartLine line;
   line.name = "Without interest";
   line.isReference = true;
-  line.isStepped = std::all_of(balances.begin(), balances.end(),
-                               [](const ChartLine& other) { return other.isStepped; });
   const ChartPoint& start = balances.front().points.front();
   const double paidBefore = valueOf(model.contributionsUntil(start.date));
   for (const ChartLine& other : balances)
@@ -112,10 +112,14 @@ Chart makePlanChart(const PlanModel& model, NSDate from, NSDate to, const std::s
   chart.title = model.file.title;
   chart.calendar = model.file.calendar;
   chart.locale = locale;
+  double contributions = 0;
   for (const Stretch& stretch : stretches(model, from, to)) {
-    chart.lines.push_back(lineOfStretch(model, stretch, gridOfStretch(model, stretch)));
+    const Grid grid = gridOfStretch(model, stretch);
+    chart.lines.push_back(lineOfStretch(model, stretch, grid));
+    contributions += grid.contributions;
     if (isEarlier(from, stretch.from)) chart.marks.push_back(stretch.from);
   }
+  chart.isStepped = contributions <= kMostStairs;
   if (!chart.lines.empty()) chart.lines.push_back(lineOfContributions(model, chart.lines));
   return chart;
 }

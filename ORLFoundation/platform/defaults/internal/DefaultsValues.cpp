@@ -6,9 +6,11 @@
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::defaults {
 namespace {
 
 /// The user's home without a slash at its end; "" when it is not known.
@@ -17,6 +19,28 @@ std::string home() {
   std::string path = value != nullptr && value[0] == '/' ? value : "";
   while (path.ends_with('/')) path.pop_back();
   return path;
+}
+
+/// Property lists have one kind of whole numbers.
+NSNumber::Kind keptKind(const NSNumber& number) {
+  return number.kind() == NSNumber::Kind::UnsignedInteger ? NSNumber::Kind::Integer : number.kind();
+}
+
+bool isSameNumber(const NSNumber& left, const NSNumber& right) {
+  return keptKind(left) == keptKind(right) && left == right &&
+         std::signbit(left.doubleValue()) == std::signbit(right.doubleValue());
+}
+
+bool areSameMembers(const NSArray& left, const NSArray& right) {
+  return std::equal(left.begin(), left.end(), right.begin(), right.end(), isSameValue);
+}
+
+bool areSameEntries(const NSDictionary& left, const NSDictionary& right) {
+  const NSDictionary::Entries entries = left.entries();
+  return left.count() == right.count() &&
+         std::all_of(entries.begin(), entries.end(), [&](const auto& entry) {
+           return isSameValue(entry.second, right.objectForKey(entry.first));
+         });
 }
 
 }  // namespace
@@ -34,6 +58,16 @@ id immutableCopy(const id& value) {
     return std::make_shared<NSDictionary>(entries);
   }
   return value;
+}
+
+bool isSameValue(const id& left, const id& right) {
+  const auto *number = left.get<NSNumber>(), *otherNumber = right.get<NSNumber>();
+  if (number != nullptr && otherNumber != nullptr) return isSameNumber(*number, *otherNumber);
+  const auto array = left.as<NSArray>(), otherArray = right.as<NSArray>();
+  if (array && otherArray) return areSameMembers(*array, *otherArray);
+  const auto dictionary = left.as<NSDictionary>(), otherDictionary = right.as<NSDictionary>();
+  if (dictionary && otherDictionary) return areSameEntries(*dictionary, *otherDictionary);
+  return left == right;
 }
 
 id valueOfAddress(const NSURL& url) {
@@ -55,4 +89,4 @@ std::optional<NSURL> addressOfValue(const id& value) {
   return NSURL::fileURLWithPath(*path);
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::defaults

@@ -2,8 +2,8 @@
 #include <ORLFoundation/platform/language/internal/LinkCharacters.h>
 
 #include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/UTF8.h>
 #include <unicode/uchar.h>
-#include <unicode/utf8.h>
 
 #include <algorithm>
 #include <array>
@@ -18,9 +18,7 @@ constexpr std::size_t kLongestHost = 253;
 
 enum Use : std::uint8_t { kInLabel = 1, kInLocal = 2, kInAddress = 4 };
 
-constexpr bool isLetterOrDigit(int c) {
-  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
+using base::isLetterOrDigit;
 
 constexpr std::array<std::uint8_t, 128> usesOfASCII() {
   constexpr std::string_view kLocalSigns = "!#$%&'*+-/=?^_`{|}~.";
@@ -29,8 +27,8 @@ constexpr std::array<std::uint8_t, 128> usesOfASCII() {
   for (int c = '!'; c < 0x7F; ++c) {
     auto& use = uses[static_cast<std::size_t>(c)];
     const char sign = static_cast<char>(c);
-    if (isLetterOrDigit(c) || sign == '-') use |= kInLabel;
-    if (isLetterOrDigit(c) || kLocalSigns.find(sign) != kLocalSigns.npos) use |= kInLocal;
+    if (isLetterOrDigit(sign) || sign == '-') use |= kInLabel;
+    if (isLetterOrDigit(sign) || kLocalSigns.find(sign) != kLocalSigns.npos) use |= kInLocal;
     if (kOutsideAddresses.find(sign) == kOutsideAddresses.npos) use |= kInAddress;
   }
   return uses;
@@ -40,20 +38,18 @@ constexpr std::array<std::uint8_t, 128> kUsesOfASCII = usesOfASCII();
 constexpr std::uint32_t kWordMask = U_GC_L_MASK | U_GC_M_MASK | U_GC_ND_MASK;
 
 std::uint8_t usesOf(UChar32 character) {
-  if (character < 0 || u_isUWhiteSpace(character) || u_iscntrl(character)) return 0;
+  if (u_isUWhiteSpace(character) || u_iscntrl(character)) return 0;
   const bool isWord = (U_GET_GC_MASK(character) & kWordMask) != 0;
   return static_cast<std::uint8_t>(kInAddress | (isWord ? kInLabel | kInLocal : 0));
 }
 
 std::size_t lengthOfCharacter(std::string_view text, std::size_t at, Use use) {
   if (at >= text.size()) return 0;
-  const auto byte = static_cast<unsigned char>(text[at]);
-  if (byte < 0x80) return (kUsesOfASCII[byte] & use) != 0 ? 1 : 0;
-  const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-  std::size_t end = at;
-  UChar32 character = U_SENTINEL;
-  U8_NEXT(bytes, end, text.size(), character);
-  return (usesOf(character) & use) != 0 ? end - at : 0;
+  if (base::isASCII(text[at]))
+    return (kUsesOfASCII[static_cast<unsigned char>(text[at])] & use) != 0 ? 1 : 0;
+  const base::UTF8Character character = base::firstUTF8Character(text.substr(at));
+  if (character.isBroken) return 0;
+  return (usesOf(static_cast<UChar32>(character.codePoint)) & use) != 0 ? character.length : 0;
 }
 
 std::size_t endOfLabel(std::string_view text, std::size_t begin) {
@@ -70,6 +66,18 @@ bool isLabel(std::string_view label) {
 std::string_view lastLabel(std::string_view host) {
   const std::size_t point = host.rfind('.');
   return point == host.npos ? std::string_view() : host.substr(point + 1);
+}
+
+/// How many letters a label has; marks on them are none.
+std::size_t lettersOf(std::string_view label) {
+  const auto* bytes = reinterpret_cast<const std::uint8_t*>(label.data());
+  std::size_t letters = 0;
+  for (std::size_t at = 0; at < label.size();) {
+    UChar32 character = U_SENTINEL;
+    U8_NEXT(bytes, at, label.size(), character);
+    if (character >= 0 && (U_GET_GC_MASK(character) & U_GC_L_MASK) != 0) ++letters;
+  }
+  return letters;
 }
 
 }  // namespace
@@ -105,7 +113,7 @@ bool hasTopLevelDomain(std::string_view host) {
   if (base::equalsLower(label.substr(0, kEncoded.size()), kEncoded)) return true;
   const bool hasOther = std::any_of(label.begin(), label.end(),
                                     [](char c) { return (c >= '0' && c <= '9') || c == '-'; });
-  return label.size() >= 2 && !hasOther;
+  return lettersOf(label) >= 2 && !hasOther;
 }
 
 bool hasCommonTopLevelDomain(std::string_view host) {

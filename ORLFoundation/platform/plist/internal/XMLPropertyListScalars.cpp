@@ -1,6 +1,8 @@
 
 #include <ORLFoundation/platform/plist/internal/XMLPropertyListScalars.h>
 
+#include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/Base64.h>
 #include <ORLFoundation/platform/plist/PropertyListTable.h>
 
 #include <algorithm>
@@ -15,8 +17,6 @@ namespace ORLFoundation::internal {
 namespace {
 
 constexpr std::string_view kBlanks = " \t\n\r";
-constexpr std::string_view kBase64 =
-    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr std::int64_t kSecondsOfDay = 86400;
 constexpr std::int64_t kDaysToReference = 11323;  // from 1970-01-01 to 2001-01-01
 
@@ -33,20 +33,13 @@ bool takeSign(std::string_view& text) noexcept {
   return isNegative;
 }
 
-bool equalWithoutCase(std::string_view text, std::string_view lowered) noexcept {
-  return std::equal(text.begin(), text.end(), lowered.begin(), lowered.end(),
-                    [](char left, char right) {
-                      return (left >= 'A' && left <= 'Z' ? left - 'A' + 'a' : left) == right;
-                    });
-}
-
 // Digits of an exact count at the start of a date's text, and the sign after them.
 int takeDigits(std::string_view& text, std::size_t digits, char mark) {
   int value = 0;
   const bool fits = text.size() > digits && text[digits] == mark && digits <= 5;
   if (!fits) throw PropertyListFault("A date is written wrongly.");
   for (std::size_t at = 0; at < digits; ++at) {
-    if (text[at] < '0' || text[at] > '9') throw PropertyListFault("A date is written wrongly.");
+    if (!base::isDigit(text[at])) throw PropertyListFault("A date is written wrongly.");
     value = 10 * value + (text[at] - '0');
   }
   text.remove_prefix(digits + 1);
@@ -74,13 +67,12 @@ double realFromXML(std::string_view text) {
   text = trimmed(text);
   const bool isNegative = takeSign(text);
   double value = 0;
-  if (equalWithoutCase(text, "nan")) {
+  if (base::equalsLower(text, "nan")) {
     value = std::numeric_limits<double>::quiet_NaN();
-  } else if (equalWithoutCase(text, "inf") || equalWithoutCase(text, "infinity")) {
+  } else if (base::equalsLower(text, "inf") || base::equalsLower(text, "infinity")) {
     value = std::numeric_limits<double>::infinity();
   } else {
-    const bool startsRight =
-        !text.empty() && (text[0] == '.' || (text[0] >= '0' && text[0] <= '9'));
+    const bool startsRight = !text.empty() && (text[0] == '.' || base::isDigit(text[0]));
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (!startsRight || error != std::errc() || end != text.data() + text.size())
       throw PropertyListFault("A real is written wrongly or out of range.");
@@ -110,23 +102,9 @@ double dateFromXML(std::string_view text) {
 }
 
 std::string dataFromXML(std::string_view text) {
-  std::string bytes;
-  bytes.reserve(text.size() / 4 * 3);
-  std::uint32_t pending = 0;
-  int bits = 0;
-  for (const char character : text) {
-    if (character == '=') break;
-    if (static_cast<unsigned char>(character) >= 0x80)
-      throw PropertyListFault("Data holds a character that is not ASCII.");
-    const std::size_t value = kBase64.find(character);
-    if (value == std::string_view::npos) continue;
-    pending = pending << 6 | static_cast<std::uint32_t>(value);
-    bits += 6;
-    if (bits < 8) continue;
-    bits -= 8;
-    bytes += static_cast<char>(pending >> bits & 0xFF);
-  }
-  return bytes;
+  if (!base::isASCII(text.substr(0, text.find('='))))
+    throw PropertyListFault("Data holds a character that is not ASCII.");
+  return base::bytesOfLooseBase64Text(text);
 }
 
 std::string realToXML(double value) {
@@ -156,23 +134,10 @@ std::string dateToXML(double seconds) {
 }
 
 std::string dataToXML(std::string_view bytes, std::string_view indent, std::size_t lineLength) {
+  const std::size_t bytesOfLine = (lineLength + 3) / 4 * 3;
   std::string text;
-  std::string line;
-  const auto finishLine = [&] {
-    if (line.empty()) return;
-    text.append(indent).append(line).append("\n");
-    line.clear();
-  };
-  for (std::size_t at = 0; at < bytes.size(); at += 3) {
-    const std::size_t count = std::min<std::size_t>(3, bytes.size() - at);
-    std::uint32_t group = 0;
-    for (std::size_t byte = 0; byte < 3; ++byte)
-      group = group << 8 | (byte < count ? static_cast<unsigned char>(bytes[at + byte]) : 0U);
-    for (std::size_t digit = 0; digit < 4; ++digit)
-      line += digit <= count ? kBase64[group >> (18 - 6 * digit) & 0x3F] : '=';
-    if (line.size() >= lineLength) finishLine();
-  }
-  finishLine();
+  for (; !bytes.empty(); bytes.remove_prefix(std::min(bytesOfLine, bytes.size())))
+    text.append(indent).append(base::base64Text(bytes.substr(0, bytesOfLine))).append("\n");
   return text;
 }
 

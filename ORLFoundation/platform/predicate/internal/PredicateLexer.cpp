@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/predicate/internal/PredicateLexer.h>
 
+#include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/text/NSStringNumbers.h>
 
 #include <algorithm>
@@ -16,12 +17,9 @@ constexpr std::string_view kSpace = " \t\r\n\v\f";
 constexpr std::string_view kDigits = "0123456789";
 constexpr std::ptrdiff_t kMostKeys = 100;
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+using base::isDigit;
 
-bool beginsKey(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == '@' ||
-         static_cast<unsigned char>(c) >= 0x80;
-}
+bool beginsKey(char c) { return base::isLetter(c) || c == '_' || c == '@' || !base::isASCII(c); }
 
 bool isInKey(char c) { return beginsKey(c) || isDigit(c); }
 

@@ -7,9 +7,9 @@
 #pragma once
 
 #include <ORLFoundation/platform/time/NSDateComponents.h>
-#include <ORLFoundation/platform/time/internal/CalendarRules.h>
+#include <ORLFoundation/platform/time/internal/CalendarInstants.h>
 
-namespace ORLFoundation {
+namespace ORLFoundation::internal::time {
 
 /// None when the result is out of range, or for a unit that cannot be added (an era).
 [[nodiscard]] Instant addUnit(const CalendarRules& rules, NSCalendarUnit unit, NSInteger value,
@@ -31,4 +31,4 @@ namespace ORLFoundation {
 [[nodiscard]] NSDateComponents differenceInDaysThatWere(const CalendarRules& rules, NSUInteger mask,
                                                         Instant from, Instant to) noexcept;
 
-}  // namespace ORLFoundation
+}  // namespace ORLFoundation::internal::time

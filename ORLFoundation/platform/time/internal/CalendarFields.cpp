@@ -1,6 +1,6 @@
 #include <ORLFoundation/platform/time/internal/CalendarFields.h>
 
-namespace ORLFoundation {
+namespace ORLFoundation::internal::time {
 namespace {
 
 constexpr NSUInteger kTimeMask =
@@ -101,7 +101,7 @@ std::optional<NSInteger> dayNamedByWeekOfYear(const CalendarRules& rules,
   if (!isSmall(year) || !isSmall(week) || !isSmall(weekday)) return std::nullopt;
   const NSInteger counted = astronomicalYear(fields, year);
   if (!isYearInRange(counted)) return std::nullopt;
-  const NSInteger first = rules.firstDayOfWeekYear(static_cast<std::int32_t>(counted));
+  const NSInteger first = firstDayOfWeekYear(rules, static_cast<std::int32_t>(counted));
   return first + (week - 1) * 7 + daysIntoWeek(rules, weekday);
 }
 
@@ -141,7 +141,7 @@ std::optional<NSInteger> dayNamedByMonth(const CalendarRules& rules,
       valueOr(fields.weekday(), byWeek ? rules.firstWeekday : civil::weekdayOfDay(first));
   const NSInteger place = byWeek ? fields.weekOfMonth() : valueOr(fields.weekdayOrdinal(), 1);
   if (!isSmall(weekday) || !isSmall(place)) return std::nullopt;
-  if (byWeek) return rules.firstWeekFrom(first) + (place - 1) * 7 + daysIntoWeek(rules, weekday);
+  if (byWeek) return firstWeekFrom(rules, first) + (place - 1) * 7 + daysIntoWeek(rules, weekday);
   return dayOfOrdinal(*month, first, weekday, place);
 }
 
@@ -160,7 +160,7 @@ WeekOfYear weekOfYear(const CalendarRules& rules, std::int32_t day,
                       const civil::Date& date) noexcept {
   // A week belongs to the year that holds the last of its first 8 - minimumDays days.
   const std::int32_t dayOfYear = day - civil::dayFromDate(date.year, 1, 1);
-  const std::int32_t deciding = dayOfYear - rules.dayOfWeek(day) + 7 - rules.minimumDays;
+  const std::int32_t deciding = dayOfYear - dayOfWeek(rules, day) + 7 - rules.minimumDays;
   if (deciding < 0) {
     return {date.year - 1, (deciding + civil::daysInYear(date.year - 1)) / 7 + 1};
   }
@@ -170,7 +170,7 @@ WeekOfYear weekOfYear(const CalendarRules& rules, std::int32_t day,
 
 std::int32_t weekOfMonth(const CalendarRules& rules, std::int32_t day,
                          const civil::Date& date) noexcept {
-  return (date.day - 1 - rules.dayOfWeek(day) + 14 - rules.minimumDays) / 7;
+  return (date.day - 1 - dayOfWeek(rules, day) + 14 - rules.minimumDays) / 7;
 }
 
 NSDateComponents fieldsOfInstant(const CalendarRules& rules, NSUInteger mask,
@@ -263,4 +263,4 @@ bool matchesFields(const CalendarRules& rules, const NSDateComponents& fields,
   return fieldsOfInstant(rules, fields.setUnits(), instant) == fields;
 }
 
-}  // namespace ORLFoundation
+}  // namespace ORLFoundation::internal::time

@@ -2,9 +2,9 @@
 #pragma once
 
 #include <ORLFoundation/platform/time/NSDateComponents.h>
-#include <ORLFoundation/platform/time/internal/CalendarRules.h>
+#include <ORLFoundation/platform/time/internal/CalendarInstants.h>
 
-namespace ORLFoundation {
+namespace ORLFoundation::internal::time {
 
 /// The fields that the mask names; the others stay unset.
 [[nodiscard]] NSDateComponents fieldsOfInstant(const CalendarRules& rules, NSUInteger mask,
@@ -38,4 +38,4 @@ struct WeekOfYear {
 [[nodiscard]] std::int32_t weekOfMonth(const CalendarRules& rules, std::int32_t day,
                                        const civil::Date& date) noexcept;
 
-}  // namespace ORLFoundation
+}  // namespace ORLFoundation::internal::time

@@ -3,7 +3,7 @@
 
 #include <ORLFoundation/platform/time/internal/CalendarFields.h>
 
-namespace ORLFoundation {
+namespace ORLFoundation::internal::time {
 namespace {
 
 constexpr NSRange kNoRange{static_cast<NSUInteger>(NSNotFound), 0};
@@ -30,7 +30,7 @@ DayRange daysAround(const CalendarRules& rules, NSCalendarUnit unit, std::int32_
     case NSCalendarUnitWeek:
     case NSCalendarUnitWeekOfYear:
     case NSCalendarUnitWeekOfMonth: {
-      const std::int32_t first = day - rules.dayOfWeek(day);
+      const std::int32_t first = day - dayOfWeek(rules, day);
       return DayRange{first, first + 7};
     }
     case NSCalendarUnitMonth: {
@@ -46,7 +46,7 @@ DayRange daysAround(const CalendarRules& rules, NSCalendarUnit unit, std::int32_
       return monthsFrom(civil::dateFromDay(day).year, 1, 12);
     case NSCalendarUnitYearForWeekOfYear: {
       const std::int32_t year = weekOfYear(rules, day, civil::dateFromDay(day)).year;
-      return DayRange{rules.firstDayOfWeekYear(year), rules.firstDayOfWeekYear(year + 1)};
+      return DayRange{firstDayOfWeekYear(rules, year), firstDayOfWeekYear(rules, year + 1)};
     }
     default:
       return DayRange{0, 0};
@@ -83,7 +83,11 @@ InstantRange rangeAroundInstant(const CalendarRules& rules, NSCalendarUnit unit,
   const DayRange days = daysAround(rules, unit, localDayTime(rules, instant.seconds).day);
   if (!days.exists()) return InstantRange{Instant::none(), 0};
   const std::int64_t start = rules.zone->startInstantOfLocal(civil::joinSeconds(days.begin, 0));
-  const std::int64_t end = rules.zone->startInstantOfLocal(civil::joinSeconds(days.end, 0));
+  const std::int64_t nextLocal = civil::joinSeconds(days.end, 0);
+  std::int64_t end = rules.zone->startInstantOfLocal(nextLocal);
+  // Clocks that are put back past midnight show the unit's last hour again: it ends at the second
+  // midnight (St John's, 29 October 2006, 00:01).
+  if (end <= instant.seconds) end = rules.zone->lastInstantOfLocal(nextLocal);
   return InstantRange{{start, 0}, static_cast<double>(end - start)};
 }
 
@@ -96,9 +100,9 @@ NSRange rangeFrom(std::int64_t location, std::int64_t length) noexcept {
 // Weeks that hold a day of the range. The first counts as 0 where its number is that of a week of
 // the year (month) before.
 NSRange weeksWithin(const CalendarRules& rules, DayRange range) noexcept {
-  const std::int32_t first = range.begin - rules.dayOfWeek(range.begin);
+  const std::int32_t first = range.begin - dayOfWeek(rules, range.begin);
   const std::int32_t weeks = (range.end - 1 - first) / 7 + 1;
-  return rangeFrom(rules.firstWeekFrom(range.begin) > range.begin ? 0 : 1, weeks);
+  return rangeFrom(firstWeekFrom(rules, range.begin) > range.begin ? 0 : 1, weeks);
 }
 
 NSRange dayNumbersWithin(NSCalendarUnit larger, DayRange range) noexcept {
@@ -219,21 +223,26 @@ const UnitLimits* limitsOfUnit(NSCalendarUnit unit) noexcept {
   return nullptr;
 }
 
+NSRange weeksOfMonth(const CalendarRules& rules, NSUInteger daysOfMonth,
+                     NSUInteger daysBefore) noexcept {
+  // Where a month's first week needs more than a day, the days before it stand in week 0.
+  const auto minimum = static_cast<NSUInteger>(rules.minimumDays);
+  const NSUInteger last = (daysOfMonth + daysBefore + 7 - minimum) / 7;
+  return minimum > 1 ? NSRange{0, last + 1} : NSRange{1, last};
+}
+
 }  // namespace
 
 NSRange largestRange(const CalendarRules& rules, NSCalendarUnit unit) noexcept {
   const UnitLimits* limits = limitsOfUnit(unit);
   if (!limits) return kNoRange;
-  // Where a month's first week needs more than a day, the days before it stand in week 0.
-  const bool hasWeekZero = unit == NSCalendarUnitWeekOfMonth && rules.minimumDays > 1;
-  return hasWeekZero ? NSRange{0, 6} : limits->largest;
+  return unit == NSCalendarUnitWeekOfMonth ? weeksOfMonth(rules, 31, 6) : limits->largest;
 }
 
 NSRange smallestRange(const CalendarRules& rules, NSCalendarUnit unit) noexcept {
   const UnitLimits* limits = limitsOfUnit(unit);
   if (!limits) return kNoRange;
-  const bool hasWeekZero = unit == NSCalendarUnitWeekOfMonth && rules.minimumDays > 1;
-  return hasWeekZero ? NSRange{0, 5} : limits->smallest;
+  return unit == NSCalendarUnitWeekOfMonth ? weeksOfMonth(rules, 28, 0) : limits->smallest;
 }
 
-}  // namespace ORLFoundation
+}  // namespace ORLFoundation::internal::time

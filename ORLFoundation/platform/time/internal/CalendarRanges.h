@@ -2,10 +2,10 @@
 #pragma once
 
 #include <ORLFoundation/platform/time/NSCalendarUnit.h>
-#include <ORLFoundation/platform/time/internal/CalendarRules.h>
+#include <ORLFoundation/platform/time/internal/CalendarInstants.h>
 #include <ORLFoundation/platform/value/NSRange.h>
 
-namespace ORLFoundation {
+namespace ORLFoundation::internal::time {
 
 struct InstantRange {
   Instant start;
@@ -22,4 +22,4 @@ struct InstantRange {
 [[nodiscard]] NSRange largestRange(const CalendarRules& rules, NSCalendarUnit unit) noexcept;
 [[nodiscard]] NSRange smallestRange(const CalendarRules& rules, NSCalendarUnit unit) noexcept;
 
-}  // namespace ORLFoundation
+}  // namespace ORLFoundation::internal::time

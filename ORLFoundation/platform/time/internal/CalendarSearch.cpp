@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-namespace ORLFoundation {
+namespace ORLFoundation::internal::time {
 namespace {
 
 bool isSet(NSInteger value) noexcept { return value != NSDateComponentUndefined; }
@@ -66,7 +66,7 @@ class Pattern {
     if (isSet(fields_.weekdayOrdinal()))
       days &= shifted(kSevenDays, (fields_.weekdayOrdinal() - 1) * 7);
     if (isSet(fields_.weekOfMonth())) {
-      const std::int64_t weekOne = rules_.firstWeekFrom(first) - first;
+      const std::int64_t weekOne = firstWeekFrom(rules_, first) - first;
       days &= shifted(kSevenDays, weekOne + (fields_.weekOfMonth() - 1) * 7);
     }
     if (days != 0 && (mask_ & (NSCalendarUnitWeekOfYear | NSCalendarUnitYearForWeekOfYear)))
@@ -272,4 +272,4 @@ Instant instantBySettingUnit(const CalendarRules& rules, NSCalendarUnit unit, NS
   return nearestMatch(rules, fields, of, false, strict);
 }
 
-}  // namespace ORLFoundation
+}  // namespace ORLFoundation::internal::time

@@ -2,9 +2,9 @@
 #pragma once
 
 #include <ORLFoundation/platform/time/NSDateComponents.h>
-#include <ORLFoundation/platform/time/internal/CalendarRules.h>
+#include <ORLFoundation/platform/time/internal/CalendarInstants.h>
 
-namespace ORLFoundation {
+namespace ORLFoundation::internal::time {
 
 /// The latest (earliest) matching instant before (after) the given one, at the start of the
 /// smallest unit that the fields name: a month alone at its first day, a week alone at its first
@@ -19,4 +19,4 @@ namespace ORLFoundation {
 [[nodiscard]] Instant instantBySettingUnit(const CalendarRules& rules, NSCalendarUnit unit,
                                            NSInteger value, Instant of, bool strict) noexcept;
 
-}  // namespace ORLFoundation
+}  // namespace ORLFoundation::internal::time

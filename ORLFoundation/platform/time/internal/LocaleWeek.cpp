@@ -5,7 +5,7 @@
 
 #include <memory>
 
-namespace ORLFoundation {
+namespace ORLFoundation::internal::time {
 namespace {
 
 struct CloseCalendar {
@@ -43,4 +43,4 @@ LocaleWeek weekOfLocale(const std::string& localeIdentifier) {
   return week;
 }
 
-}  // namespace ORLFoundation
+}  // namespace ORLFoundation::internal::time

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-namespace ORLFoundation {
+namespace ORLFoundation::internal::time {
 
 struct LocaleWeek {
   std::int32_t firstWeekday = 1;  // 1 is Sunday
@@ -18,4 +18,4 @@ struct LocaleWeek {
 /// The world's custom (weekend on Saturday and Sunday) for a locale without a known region.
 [[nodiscard]] LocaleWeek weekOfLocale(const std::string& localeIdentifier);
 
-}  // namespace ORLFoundation
+}  // namespace ORLFoundation::internal::time

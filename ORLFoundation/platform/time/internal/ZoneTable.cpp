@@ -1,13 +1,16 @@
 
 #include <ORLFoundation/platform/time/internal/ZoneTable.h>
 
-#include <ORLFoundation/platform/time/internal/CivilTime.h>
+#include <ORLFoundation/platform/base/CivilDays.h>
 #include <cctz/time_zone.h>
 
 #include <algorithm>
 #include <chrono>
 
-namespace ORLFoundation {
+namespace ORLFoundation::internal::time {
+
+namespace civil = base::civil;
+
 namespace {
 
 constexpr std::int64_t kCycle = civil::kDaysPerCycle * civil::kSecondsPerDay;
@@ -136,4 +139,4 @@ ZoneTable::Stretch ZoneTable::stretchAt(std::int64_t instant) const noexcept {
           segment.offset};
 }
 
-}  // namespace ORLFoundation
+}  // namespace ORLFoundation::internal::time

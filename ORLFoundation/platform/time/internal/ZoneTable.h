@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace ORLFoundation {
+namespace ORLFoundation::internal::time {
 
 class ZoneTable {
  public:
@@ -109,4 +109,4 @@ class ZoneTable {
   std::int64_t largestOffset_ = 0;
 };
 
-}  // namespace ORLFoundation
+}  // namespace ORLFoundation::internal::time

@@ -1,14 +1,16 @@
 
 #include <ORLFoundation/platform/time/internal/ZoneTable.h>
 
-#include <ORLFoundation/platform/time/internal/CivilTime.h>
+#include <ORLFoundation/platform/base/CivilDays.h>
 #include <cctz/time_zone.h>
 #include <gtest/gtest.h>
 
 #include <string>
 
-namespace ORLFoundation {
+namespace ORLFoundation::internal::time {
 namespace {
+
+namespace civil = base::civil;
 
 using CctzSeconds = cctz::time_point<cctz::seconds>;
 
@@ -133,4 +135,4 @@ TEST(ZoneTable, HasNoTableForNamesUnknown) {
 }
 
 }  // namespace
-}  // namespace ORLFoundation
+}  // namespace ORLFoundation::internal::time

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::value {
 namespace {
 
 constexpr NSDecimalResult kTooLarge{NSDecimal::notANumber(), NSCalculationOverflow};
@@ -43,4 +43,4 @@ NSDecimalResult rounded(const ExactValue& value, NSRoundingMode mode, int lowest
   return {NSDecimal(kept.quotient, exponent, value.negative), error};
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::value

@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::value {
 
 /// Whether the last digit that stays moves away from zero.
 [[nodiscard]] constexpr bool roundsAwayByRule(unsigned mode, bool negative, bool odd,
@@ -49,4 +49,4 @@ struct ExactValue {
 [[nodiscard]] NSDecimalResult rounded(const ExactValue& value, NSRoundingMode mode,
                                       int lowestExponent = NSDecimal::kSmallestExponent) noexcept;
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::value

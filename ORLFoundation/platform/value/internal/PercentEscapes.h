@@ -11,7 +11,5 @@ namespace ORLFoundation::internal {
 [[nodiscard]] bool isPercentEscapeAt(std::string_view text, std::size_t index) noexcept;
 /// The text with the bytes that its escapes stand for; other percent signs stay.
 [[nodiscard]] std::string withoutPercentEscapes(std::string_view text);
-/// Whether bytes are UTF-8 throughout: no half characters, none that are too long or out of range.
-[[nodiscard]] bool isUTF8(std::string_view bytes) noexcept;
 
 }  // namespace ORLFoundation::internal

@@ -8,7 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::value {
 
 using Wide = NSDecimal::Mantissa;
 
@@ -58,4 +58,4 @@ inline constexpr std::array<std::uint64_t, kMostShortDigits + 1> kShortPowersOfT
   return estimate + (value >= powerOfTen(estimate) ? 1 : 0);
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::value

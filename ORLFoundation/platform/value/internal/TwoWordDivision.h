@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::value {
 
 struct ShortDivision {
   std::uint64_t quotient;
@@ -29,4 +29,4 @@ struct ShortDivision {
 #endif
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::value

@@ -4,7 +4,7 @@
 
 #include <array>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::value {
 namespace {
 
 /// One step of a long division: three words by two, the divisor's top bit set and the first two
@@ -99,4 +99,4 @@ WideQuotient divideByTwoWords(const WideInteger& value, Wide divisor) noexcept {
   return {(Wide{upper} << 64) | lower, classOfRemainder(remainder >> shift, divisor)};
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::value

@@ -5,7 +5,7 @@
 #include <ORLFoundation/platform/value/internal/PowersOfTen.h>
 #include <ORLFoundation/platform/value/internal/TwoWordDivision.h>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::value {
 
 /// The most digits that 256 bits always hold, with room for one sum.
 inline constexpr int kMostWideDigits = 76;
@@ -118,4 +118,4 @@ struct WideQuotient {
                                 : divideByTwoWords(value, divisor);
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::value

@@ -5,7 +5,7 @@
 
 #include <random>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::value {
 namespace {
 
 Wide randomBelow(std::mt19937_64& engine, Wide end) {
@@ -79,4 +79,4 @@ TEST(WideInteger, CountsDigitsAtEachPowerOfTen) {
 }
 
 }  // namespace
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::value

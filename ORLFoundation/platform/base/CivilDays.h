@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-namespace ORLFoundation::civil {
+namespace ORLFoundation::internal::base::civil {
 
 inline constexpr std::int64_t kSecondsPerDay = 86400;
 /// Day numbers beyond this many days on either side of 1970 (about 1.37 million years) are not
@@ -124,4 +124,4 @@ struct DayTime {
   return day * kSecondsPerDay + second;
 }
 
-}  // namespace ORLFoundation::civil
+}  // namespace ORLFoundation::internal::base::civil

@@ -1,11 +1,11 @@
 
-#include <ORLFoundation/platform/time/internal/CivilTime.h>
+#include <ORLFoundation/platform/base/CivilDays.h>
 
 #include <gtest/gtest.h>
 
 #include <chrono>
 
-namespace ORLFoundation::civil {
+namespace ORLFoundation::internal::base::civil {
 namespace {
 
 namespace chr = std::chrono;
@@ -21,18 +21,18 @@ void expectDay(std::int32_t day) {
   ASSERT_EQ(static_cast<unsigned>(weekdayOfDay(day)), chr::weekday{point}.c_encoding() + 1) << day;
 }
 
-TEST(CivilTime, AgreesWithTheStandardLibraryOnEveryDayOfFourCenturies) {
+TEST(CivilDays, AgreesWithTheStandardLibraryOnEveryDayOfFourCenturies) {
   for (std::int32_t day = -80'000; day <= -80'000 + kDaysPerCycle; ++day) expectDay(day);
 }
 
-TEST(CivilTime, AgreesWithTheStandardLibraryAtTheEndsOfItsYears) {
+TEST(CivilDays, AgreesWithTheStandardLibraryAtTheEndsOfItsYears) {
   for (std::int32_t day = 11'000'000 - 200'000; day <= 11'000'000; day += 7) {
     expectDay(day);
     expectDay(-day);
   }
 }
 
-TEST(CivilTime, RepeatsEveryFourCenturiesToTheEndsOfTheSupportedRange) {
+TEST(CivilDays, RepeatsEveryFourCenturiesToTheEndsOfTheSupportedRange) {
   constexpr std::int32_t kCycle = static_cast<std::int32_t>(kDaysPerCycle);
   for (std::int32_t cycle = -3400; cycle <= 3400; cycle += 17) {
     const std::int32_t day = 19'782 + cycle * kCycle;  // 2024-02-29
@@ -45,7 +45,7 @@ TEST(CivilTime, RepeatsEveryFourCenturiesToTheEndsOfTheSupportedRange) {
   }
 }
 
-TEST(CivilTime, LimitsOfDaysAndYearsInvert) {
+TEST(CivilDays, LimitsOfDaysAndYearsInvert) {
   for (const std::int64_t limit : {-kMaxDay, kMaxDay}) {
     const auto day = static_cast<std::int32_t>(limit);
     const Date date = dateFromDay(day);
@@ -54,7 +54,7 @@ TEST(CivilTime, LimitsOfDaysAndYearsInvert) {
   }
 }
 
-TEST(CivilTime, MonthsHaveTheDaysUpToTheNextMonth) {
+TEST(CivilDays, MonthsHaveTheDaysUpToTheNextMonth) {
   for (std::int32_t year = -800; year <= 2800; ++year) {
     for (std::int32_t month = 1; month <= 12; ++month) {
       const YearMonth next = yearMonthFromNumber(monthNumber(year, month) + 1);
@@ -66,7 +66,7 @@ TEST(CivilTime, MonthsHaveTheDaysUpToTheNextMonth) {
   }
 }
 
-TEST(CivilTime, SplitsSecondsTowardTheEarlierDay) {
+TEST(CivilDays, SplitsSecondsTowardTheEarlierDay) {
   for (const std::int64_t second : {-86401, -86400, -1, 0, 1, 86399, 86400}) {
     const DayTime split = splitSeconds(second);
     EXPECT_EQ(split.day, floorDivide(second, 86400)) << second;
@@ -79,7 +79,7 @@ TEST(CivilTime, SplitsSecondsTowardTheEarlierDay) {
   }
 }
 
-TEST(CivilTime, DividesTowardMinusInfinity) {
+TEST(CivilDays, DividesTowardMinusInfinity) {
   for (std::int64_t value = -30; value <= 30; ++value) {
     for (std::int64_t by = 1; by <= 12; ++by) {
       const std::int64_t rest = floorModulo(value, by);
@@ -90,4 +90,4 @@ TEST(CivilTime, DividesTowardMinusInfinity) {
 }
 
 }  // namespace
-}  // namespace ORLFoundation::civil
+}  // namespace ORLFoundation::internal::base::civil

@@ -1,23 +1,44 @@
-/// Recurrence rules and their ends in the form that vector files write them. Tests that use it link
-/// the recurrence folder.
+/// What the tests of rules share: short names, and rules and ends in the form that vector files
+/// write them.
 #pragma once
 
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 #include <tests/support/VectorCodec.h>
 
+#include <initializer_list>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orlftest {
 
-inline ORLFoundation::ORLFDateRecurrenceRule::Integers integersFromVector(const Json& list) {
+/// The words that the tests of rules are written in: `using namespace orlftest`.
+using Rule = ORLFoundation::ORLFDateRecurrenceRule;
+
+inline constexpr auto kDaily = ORLFoundation::ORLFDateRecurrenceFrequencyDaily;
+inline constexpr auto kWeekly = ORLFoundation::ORLFDateRecurrenceFrequencyWeekly;
+inline constexpr auto kMonthly = ORLFoundation::ORLFDateRecurrenceFrequencyMonthly;
+inline constexpr auto kQuarterly = ORLFoundation::ORLFDateRecurrenceFrequencyQuarterly;
+inline constexpr auto kYearly = ORLFoundation::ORLFDateRecurrenceFrequencyYearly;
+/// A unit that is no frequency.
+inline constexpr auto kHourly = static_cast<ORLFoundation::ORLFDateRecurrenceFrequency>(32);
+
+/// Entries of a weekday and its number.
+inline Rule::DaysOfTheWeek weekdays(
+    std::initializer_list<std::pair<ORLFoundation::NSInteger, ORLFoundation::NSInteger>> entries) {
+  Rule::DaysOfTheWeek days(std::in_place);
+  for (const auto& [day, number] : entries)
+    days->push_back(std::make_shared<ORLFoundation::ORLFDateRecurrenceDayOfWeek>(day, number));
+  return days;
+}
+
+inline Rule::Integers integersFromVector(const Json& list) {
   if (list.is_null()) return std::nullopt;
   return list.get<std::vector<ORLFoundation::NSInteger>>();
 }
 
-inline ORLFoundation::ORLFDateRecurrenceRule::DaysOfTheWeek daysOfTheWeekFromVector(
-    const Json& list) {
+inline Rule::DaysOfTheWeek daysOfTheWeekFromVector(const Json& list) {
   using namespace ORLFoundation;
   if (list.is_null()) return std::nullopt;
   std::vector<std::shared_ptr<ORLFDateRecurrenceDayOfWeek>> days;
@@ -28,10 +49,10 @@ inline ORLFoundation::ORLFDateRecurrenceRule::DaysOfTheWeek daysOfTheWeekFromVec
 }
 
 /// The fields as they are stored; nothing is normalized.
-inline std::shared_ptr<ORLFoundation::ORLFDateRecurrenceRule> ruleFromVector(const Json& rule) {
+inline std::shared_ptr<Rule> ruleFromVector(const Json& rule) {
   using namespace ORLFoundation;
   if (rule.is_null()) return nullptr;
-  return ORLFDateRecurrenceRule::ruleWithFields(
+  return Rule::ruleWithFields(
       {.frequency = static_cast<ORLFDateRecurrenceFrequency>(rule.at("frequency").get<NSInteger>()),
        .interval = rule.at("interval").get<NSInteger>(),
        .anchorIndex = rule.at("anchorIndex").get<NSInteger>(),
@@ -44,11 +65,9 @@ inline std::shared_ptr<ORLFoundation::ORLFDateRecurrenceRule> ruleFromVector(con
        .setPositions = integersFromVector(rule.at("setPositions"))});
 }
 
-inline Json vectorFromIntegers(const ORLFoundation::ORLFDateRecurrenceRule::Integers& list) {
-  return list ? Json(*list) : Json();
-}
+inline Json vectorFromIntegers(const Rule::Integers& list) { return list ? Json(*list) : Json(); }
 
-inline Json vectorFromRule(const ORLFoundation::ORLFDateRecurrenceRule* rule) {
+inline Json vectorFromRule(const Rule* rule) {
   if (!rule) return {};
   Json days;
   if (rule->daysOfTheWeek()) {

@@ -1,0 +1,144 @@
+#include <ORLFoundation/platform/time/internal/SystemZone.h>
+
+#include <ORLFoundation/platform/log/LogCapture.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace ORLFoundation::internal::time {
+namespace {
+
+namespace fs = std::filesystem;
+using Lines = std::vector<std::string>;
+
+// 2024-01-15 and 2024-07-15 at noon.
+const NSDate kWinter = NSDate::dateWithTimeIntervalSince1970(1705320000);
+const NSDate kSummer = NSDate::dateWithTimeIntervalSince1970(1721044800);
+constexpr const char* kZoneinfo = "/usr/share/zoneinfo/";
+
+// A folder with a machine's zone files of each kind.
+class SystemZone : public testing::Test {
+ protected:
+  void SetUp() override {
+    fs::remove_all(folder_);
+    fs::create_directories(folder_);
+    fs::create_symlink(std::string(kZoneinfo) + "Europe/Vienna", folder_ / "link");
+    fs::create_symlink("link", folder_ / "linkToLink");
+    fs::create_symlink("linkInACircle", folder_ / "linkInACircle");
+    fs::copy_file(fs::canonical(std::string(kZoneinfo) + "America/New_York"), folder_ / "plain");
+    std::ofstream(folder_ / "text") << "no zone\n";
+  }
+  void TearDown() override { fs::remove_all(folder_); }
+
+  [[nodiscard]] std::string file(const char* name) const { return (folder_ / name).string(); }
+  [[nodiscard]] std::shared_ptr<NSTimeZone> zone(std::optional<std::string> variable,
+                                                 const char* machineFile = "link") const {
+    return zoneOfSettings({std::move(variable), file(machineFile)});
+  }
+
+  fs::path folder_ = fs::path(testing::TempDir()) /
+                     ("orlf_system_zone_" + std::to_string(std::rand()));  // NOLINT: a name alone
+};
+
+void expectOffsets(const std::shared_ptr<NSTimeZone>& zone, NSInteger winter, NSInteger summer) {
+  ASSERT_NE(zone, nullptr);
+  EXPECT_EQ(zone->secondsFromGMTForDate(kWinter), winter) << zone->name();
+  EXPECT_EQ(zone->secondsFromGMTForDate(kSummer), summer) << zone->name();
+}
+
+TEST_F(SystemZone, IsNamedByTheVariableInAnyOfItsForms) {
+  const struct {
+    std::string variable, name;
+    NSInteger winter, summer;
+  } rows[] = {
+      {"Asia/Kathmandu", "Asia/Kathmandu", 20700, 20700},
+      {":America/New_York", "America/New_York", -18000, -14400},
+      {std::string(kZoneinfo) + "America/New_York", "America/New_York", -18000, -14400},
+      {":" + std::string(kZoneinfo) + "America/New_York", "America/New_York", -18000, -14400},
+      {":" + file("link"), "Europe/Vienna", 3600, 7200},
+      {file("linkToLink"), "Europe/Vienna", 3600, 7200},
+      {":" + file("plain"), file("plain"), -18000, -14400},
+      {"EST5EDT,M3.2.0,M11.1.0", "EST5EDT,M3.2.0,M11.1.0", -18000, -14400},
+      {":EST5EDT,M3.2.0,M11.1.0", "EST5EDT,M3.2.0,M11.1.0", -18000, -14400},
+      {"EST5EDT", "EST5EDT", -18000, -14400},
+      {"GMT+5", "GMT+5", -18000, -18000},
+      {"UTC-3", "UTC-3", 10800, 10800},
+  };
+  const LogCapture log;
+  for (const auto& row : rows) {
+    const auto found = zone(row.variable);
+    expectOffsets(found, row.winter, row.summer);
+    EXPECT_EQ(found->name(), row.name) << row.variable;
+  }
+  EXPECT_EQ(log.lines(), Lines{});
+}
+
+TEST_F(SystemZone, IsTheMachinesWhereNoVariableIsSet) {
+  const LogCapture log;
+  EXPECT_EQ(zone(std::nullopt)->name(), "Europe/Vienna");
+  EXPECT_EQ(zone("")->name(), "Europe/Vienna");
+  EXPECT_EQ(zone(std::nullopt, "linkToLink")->name(), "Europe/Vienna");
+  expectOffsets(zone(std::nullopt, "plain"), -18000, -14400);
+  EXPECT_EQ(log.lines(), Lines{});
+}
+
+TEST_F(SystemZone, FallsBackToTheMachinesWithALineInTheLog) {
+  for (const std::string& variable : {std::string("Atlantis/Capital"), std::string(":"), file("no"),
+                                      file("text"), std::string("../../etc/passwd")}) {
+    const LogCapture log;
+    EXPECT_EQ(zone(variable)->name(), "Europe/Vienna") << variable;
+    EXPECT_EQ(log.lines(),
+              Lines{"TZ tells no time zone: " + variable + ". The machine's own is taken."});
+  }
+}
+
+TEST_F(SystemZone, IsUTCWithALineInTheLogWhereNothingCanBeRead) {
+  for (const char* machineFile : {"no", "text", "linkInACircle", "."}) {
+    const LogCapture log;
+    const auto found = zone(std::nullopt, machineFile);
+    EXPECT_EQ(found->name(), "UTC") << machineFile;
+    EXPECT_EQ(log.lines(), Lines{file(machineFile) + " tells no time zone. UTC is taken."});
+  }
+}
+
+// The environment is this program's own; the test puts it back.
+class SystemTimeZone : public testing::Test {
+ protected:
+  void TearDown() override { set(before_); }
+  static void set(const std::optional<std::string>& value) {
+    if (value) {
+      setenv("TZ", value->c_str(), 1);
+    } else {
+      unsetenv("TZ");
+    }
+  }
+  static std::optional<std::string> variable() {
+    const char* const value = std::getenv("TZ");
+    return value ? std::optional<std::string>(value) : std::nullopt;
+  }
+  std::optional<std::string> before_ = variable();
+};
+
+TEST_F(SystemTimeZone, FollowsTheVariable) {
+  set("EST5EDT,M3.2.0,M11.1.0");
+  expectOffsets(NSTimeZone::systemTimeZone(), -18000, -14400);
+  set("Asia/Tokyo");
+  EXPECT_EQ(NSTimeZone::systemTimeZone()->name(), "Asia/Tokyo");
+  EXPECT_EQ(NSTimeZone::defaultTimeZone()->name(), "Asia/Tokyo");
+}
+
+TEST_F(SystemTimeZone, TellsOnceThatTheVariableIsUnreadable) {
+  const LogCapture log;
+  set("Atlantis/Capital");
+  const auto zone = NSTimeZone::systemTimeZone();
+  EXPECT_EQ(NSTimeZone::systemTimeZone(), zone);
+  const auto told = log.lines();
+  ASSERT_FALSE(told.empty());
+  EXPECT_EQ(told.front(), "TZ tells no time zone: Atlantis/Capital. The machine's own is taken.");
+  EXPECT_EQ(told, log.distinctLines());
+}
+
+}  // namespace
+}  // namespace ORLFoundation::internal::time
