@@ -37,6 +37,7 @@ check-forms:
 	scripts/install-packages checks
 	scripts/check-format
 	scripts/check_includes.py
+	scripts/check_names.py
 	scripts/check_docs.py
 	cmake --preset dev
 	scripts/check-headers

@@ -9,8 +9,6 @@
 namespace ORLFoundation::internal::time {
 namespace {
 
-bool isSet(NSInteger value) noexcept { return value != NSDateComponentUndefined; }
-
 bool isUnsetOr(NSInteger field, NSInteger value) noexcept {
   return !isSet(field) || field == value;
 }
