@@ -10,8 +10,8 @@
 
 #include "chart/chart.h"
 #include "chart/drawing.h"
-#include "session.h"
 #include "cli/table.h"
+#include "session.h"
 
 namespace orlftool {
 
