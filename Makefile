@@ -25,7 +25,7 @@ bench:
 	cmake --build --preset release --parallel $(JOBS)
 	scripts/bench
 
-# Format, includes, headers that stand alone, clang-tidy over what changed and a tenth of the rest.
+# Format, includes, pages, headers that stand alone, clang-tidy over what changed and a tenth of the rest.
 check: check-forms
 	scripts/check-tidy
 
@@ -37,6 +37,8 @@ check-forms:
 	scripts/install-packages checks
 	scripts/check-format
 	scripts/check_includes.py
+	scripts/check_names.py
+	scripts/check_docs.py
 	cmake --preset dev
 	scripts/check-headers
 

@@ -10,7 +10,7 @@ namespace {
 
 using Class = ORLFAmortizationPlanSegment;
 
-const double g = 1.01;
+const double kGrowth = 1.01;
 
 // ---- periods to reach a balance ----
 
@@ -110,8 +110,8 @@ TEST(ORLFAmortizationPlanSegment, FindsThePrincipalThatPaymentsPayOff) {
                                                   .numberOfPayments = 12,
                                                   .anualCompoundingRate = number("0.12"),
                                                   .usingCalendar = utcCalendar()});
-  const double annuity = (std::pow(g, 12) - 1) / 0.01;
-  EXPECT_EQ(textOf(principal), sixPlaces(-g * (100 * annuity) / std::pow(g, 12)));
+  const double annuity = (std::pow(kGrowth, 12) - 1) / 0.01;
+  EXPECT_EQ(textOf(principal), sixPlaces(-kGrowth * (100 * annuity) / std::pow(kGrowth, 12)));
   EXPECT_EQ(
       textOf(principalOn(
           kJan25, {.principal = principal, .contribution = number("100"), .rate = number("0.12")},
@@ -126,9 +126,9 @@ TEST(ORLFAmortizationPlanSegment, RaisesPaymentsWithInflation) {
                                        .anualCompoundingRate = number("0.12"),
                                        .anualInflationRate = number("0.03"),
                                        .usingCalendar = utcCalendar()};
-  const double q = (std::pow(g, 12) - std::pow(1 + 0.03 / 12, 12)) / (0.12 / 12 - 0.03 / 12);
+  const double q = (std::pow(kGrowth, 12) - std::pow(1 + 0.03 / 12, 12)) / (0.12 / 12 - 0.03 / 12);
   EXPECT_EQ(textOf(Class::startingPrincipalForRecuringPayment(payment)),
-            sixPlaces(-g * (100 * q) / std::pow(g, 12)));
+            sixPlaces(-kGrowth * (100 * q) / std::pow(kGrowth, 12)));
 }
 
 /// The principal that daily payments of 1 pay off at a rate of 36.6 % a year, in the year of a
@@ -183,7 +183,7 @@ TEST(ORLFAmortizationPlanSegment, InflatesPresentValuesByTheYearAndDiscountsThem
                                                       .anualCompoundingRate = number("0.12"),
                                                       .anualInflationRate = number("0.03"),
                                                       .usingCalendar = utcCalendar()})),
-            sixPlaces(1000 * std::pow(1.03, 2) / std::pow(g, 24)));
+            sixPlaces(1000 * std::pow(1.03, 2) / std::pow(kGrowth, 24)));
 }
 
 TEST(ORLFAmortizationPlanSegment, InflatesFurureValuesByThePeriod) {
@@ -193,7 +193,7 @@ TEST(ORLFAmortizationPlanSegment, InflatesFurureValuesByThePeriod) {
                                                       .anualInflationRate = number("0.12"),
                                                       .usingCalendar = utcCalendar(),
                                                       .roundingBehavior = cents()})),
-            number(sixPlaces(1000 * std::pow(g, 24)))
+            number(sixPlaces(1000 * std::pow(kGrowth, 24)))
                 .decimalNumberByRoundingAccordingToBehavior(cents())
                 ->stringValue());
 }

@@ -15,7 +15,7 @@ using testing::ElementsAre;
 NSDate year(NSInteger number) { return utc(number, 1, 1); }
 
 /// "2024 2025 | 2026": the years of the members' starts and of the plan's end.
-std::string shapeOf(const ORLFAmortizationPlan& plan) {
+std::string yearsOf(const ORLFAmortizationPlan& plan) {
   const auto yearOf = [](std::optional<NSDate> date) {
     return date == NSDate::distantFuture() ? "open" : vectorFromDate(date).substr(0, 4);
   };
@@ -86,7 +86,7 @@ TEST_P(Insertion, MatchesTable) {
   const InsertionCase& row = GetParam();
   const Plan plan = threeMembers();
   plan->setPlanSegment(makeSegment({.principal = number("9")}), row.from, row.to, row.isLast);
-  EXPECT_EQ(shapeOf(*plan), row.shape);
+  EXPECT_EQ(yearsOf(*plan), row.shape);
   EXPECT_EQ(principalsOf(*plan), row.principals);
   for (const Segment& member : plan->segments()) EXPECT_EQ(member->amortizationPlan(), plan);
 }
@@ -161,37 +161,37 @@ TEST(ORLFAmortizationPlan, InsertsWithoutAStartFromItsOwnStart) {
 TEST(ORLFAmortizationPlan, TrimMovesTheStartOfAPlanOfOneSegment) {
   const Plan plan = makePlan({{year(2024), {}}}, year(2030));
   plan->trimPlanSegmentsToStartDate(year(2026), std::nullopt);
-  EXPECT_EQ(shapeOf(*plan), "2026 | 2030");
+  EXPECT_EQ(yearsOf(*plan), "2026 | 2030");
 }
 
 TEST(ORLFAmortizationPlan, TrimIgnoresAnEarlierEndAndTakesALaterOne) {
   const Plan plan = threeMembers();
   plan->trimPlanSegmentsToStartDate(std::nullopt, year(2028));
-  EXPECT_EQ(shapeOf(*plan), "2024 2027 2030 | 2033");
+  EXPECT_EQ(yearsOf(*plan), "2024 2027 2030 | 2033");
   plan->trimPlanSegmentsToStartDate(std::nullopt, year(2040));
-  EXPECT_EQ(shapeOf(*plan), "2024 2027 2030 | 2040");
+  EXPECT_EQ(yearsOf(*plan), "2024 2027 2030 | 2040");
 }
 
 TEST(ORLFAmortizationPlan, TrimIgnoresAnEarlierStart) {
   const Plan plan = threeMembers();
   plan->trimPlanSegmentsToStartDate(year(2020), std::nullopt);
-  EXPECT_EQ(shapeOf(*plan), "2024 2027 2030 | 2033");
+  EXPECT_EQ(yearsOf(*plan), "2024 2027 2030 | 2033");
 }
 
 TEST(ORLFAmortizationPlan, TrimKeepsItsMembersAndMovesTheStartOfOne) {
   const Plan behindSecond = threeMembers();
   behindSecond->trimPlanSegmentsToStartDate(year(2028), std::nullopt);
-  EXPECT_EQ(shapeOf(*behindSecond), "2028 2027 2030 | 2033");
+  EXPECT_EQ(yearsOf(*behindSecond), "2028 2027 2030 | 2033");
   const Plan behindFirst = threeMembers();
   behindFirst->trimPlanSegmentsToStartDate(year(2025), std::nullopt);
-  EXPECT_EQ(shapeOf(*behindFirst), "2024 2027 2025 | 2033");
+  EXPECT_EQ(yearsOf(*behindFirst), "2024 2027 2025 | 2033");
 }
 
 TEST(ORLFAmortizationPlan, TrimDoesNothingForAStartThatIsNotBeforeTheEnd) {
   const Plan plan = threeMembers();
   plan->trimPlanSegmentsToStartDate(year(2040), year(2040));
   plan->trimPlanSegmentsToStartDate(year(2041), year(2040));
-  EXPECT_EQ(shapeOf(*plan), "2024 2027 2030 | 2033");
+  EXPECT_EQ(yearsOf(*plan), "2024 2027 2030 | 2033");
 }
 
 // ---- ranges and merges ----
@@ -199,10 +199,10 @@ TEST(ORLFAmortizationPlan, TrimDoesNothingForAStartThatIsNotBeforeTheEnd) {
 TEST(ORLFAmortizationPlan, RangeFillsUpToAnEarlierStart) {
   const Plan plan = threeMembers();
   const Plan range = plan->amortizationPlanWithStartDate(year(2020), year(2040));
-  EXPECT_EQ(shapeOf(*range), "2020 2024 2027 2030 | 2040");
+  EXPECT_EQ(yearsOf(*range), "2020 2024 2027 2030 | 2040");
   EXPECT_EQ(principalsOf(*range), "- 1 2 3");
   EXPECT_EQ(textOf(range->firstSegment()->contribution()), "0");
-  EXPECT_EQ(shapeOf(*plan), "2024 2027 2030 | 2033");
+  EXPECT_EQ(yearsOf(*plan), "2024 2027 2030 | 2033");
 }
 
 TEST(ORLFAmortizationPlan, RangeWithoutDatesIsACopy) {
@@ -215,7 +215,7 @@ TEST(ORLFAmortizationPlan, RangeWithoutDatesIsACopy) {
 TEST(ORLFAmortizationPlan, RangeAppendsAFillerWhereTheTrimLeftTheEnd) {
   // The range is empty, so the trim does nothing and the end is still the plan's.
   const Plan range = threeMembers()->amortizationPlanWithStartDate(year(2040), year(2040));
-  EXPECT_EQ(shapeOf(*range), "2024 2027 2030 2033 | 2040");
+  EXPECT_EQ(yearsOf(*range), "2024 2027 2030 2033 | 2040");
   EXPECT_EQ(principalsOf(*range), "1 2 3 -");
 }
 
@@ -225,10 +225,10 @@ TEST(ORLFAmortizationPlan, MergeLetsTheOtherPlanWin) {
       makePlan({{year(2026), {.principal = number("8")}}, {year(2028), {.principal = number("9")}}},
                year(2031));
   const Plan merged = plan->amortizationPlanByMergingWithAmortizationPlan(*other);
-  EXPECT_EQ(shapeOf(*merged), "2024 2026 2028 2031 | 2033");
+  EXPECT_EQ(yearsOf(*merged), "2024 2026 2028 2031 | 2033");
   EXPECT_EQ(principalsOf(*merged), "1 8 9 3");
-  EXPECT_EQ(shapeOf(*plan), "2024 2027 2030 | 2033");
-  EXPECT_EQ(shapeOf(*other), "2026 2028 | 2031");
+  EXPECT_EQ(yearsOf(*plan), "2024 2027 2030 | 2033");
+  EXPECT_EQ(yearsOf(*other), "2026 2028 | 2031");
 }
 
 // ---- failures ----
@@ -304,7 +304,7 @@ TEST(ORLFAmortizationPlan, InsertsAndMovesItsEndBeforeItReplacesItsSegments) {
   const Plan plan = threeMembers();
   std::vector<std::string> heard;
   const auto note = [&](const NSKeyValueChange& change) {
-    heard.push_back(std::string(change.keyPath) + ": " + shapeOf(*plan));
+    heard.push_back(std::string(change.keyPath) + ": " + yearsOf(*plan));
   };
   const auto end = plan->addObserver("endDate", NSKeyValueObservingOptionNew, note);
   const auto segments = plan->addObserver("segments", NSKeyValueObservingOptionNew, note);

@@ -11,6 +11,8 @@
 namespace ORLFoundation {
 namespace {
 
+namespace files = internal::files;
+
 /// What a file holds: `values` is null where it is no property list with a dictionary.
 struct FileState {
   bool exists = false;
@@ -18,7 +20,7 @@ struct FileState {
 };
 
 std::optional<FileState> readState(const std::string& path, NSErrorSlot error) {
-  const auto contents = internal::readWholeFile(path, error);
+  const auto contents = files::readWholeFile(path, error);
   if (!contents) return std::nullopt;
   if (!contents->exists) return FileState{false, std::make_shared<NSDictionary>()};
   const id list = NSPropertyListSerialization::propertyListWithData(contents->data, 0);
@@ -65,7 +67,7 @@ std::shared_ptr<NSDictionary> NSUserDefaultsFile::read(NSErrorSlot error) {
 
 std::shared_ptr<NSDictionary> NSUserDefaultsFile::apply(const NSUserDefaultsChanges& changes,
                                                         NSErrorSlot error) {
-  const internal::LockedFolder folder(folderOf(path_), error);
+  const files::LockedFolder folder(folderOf(path_), error);
   if (!folder.isLocked()) return nullptr;
   const std::optional<FileState> state = readState(path_, error);
   if (!state) return nullptr;
@@ -75,9 +77,9 @@ std::shared_ptr<NSDictionary> NSUserDefaultsFile::apply(const NSUserDefaultsChan
   const auto bytes = NSPropertyListSerialization::dataWithPropertyList(
       values, NSPropertyListBinaryFormat_v1_0, 0, error);
   if (!bytes) return nullptr;
-  if (!state->values && !internal::keepAside(path_, error)) return nullptr;
-  if (!internal::replaceFile(path_, *bytes, error)) return nullptr;
-  folder.synchronize();
+  if (!state->values && !files::keepAside(path_, error)) return nullptr;
+  if (!files::replaceFile(path_, bytes->text(), files::NewFileRights::Private, error))
+    return nullptr;
   return values;
 }
 

@@ -1,6 +1,6 @@
-
 #include <ORLFoundation/platform/files/WholeFile.h>
 
+#include <ORLFoundation/platform/value/NSUUID.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -14,11 +14,14 @@
 #include <utility>
 #include <vector>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::files {
 namespace {
 
 constexpr std::size_t kMostBytes = std::size_t{64} << 20;
 constexpr int kMostNamesAside = 1000;
+constexpr mode_t kPrivateMode = 0600;
+constexpr mode_t kSharedMode = 0666;  // of which the process's mask takes away
+constexpr mode_t kModeBits = 07777;
 
 bool fail(NSErrorSlot error, const std::string& path, int code) {
   return NSFillErrorSlot(error, NSPOSIXErrorDomain, code, path + ": " + std::strerror(code));
@@ -41,6 +44,65 @@ class Descriptor {
   int number_;
 };
 
+/// Removes its file when it dies, unless it was moved away.
+class TemporaryFile {
+ public:
+  /// Empty, of a new name beside the target.
+  TemporaryFile(const std::string& target, mode_t mode)
+      : path_(target + "." + NSUUID::UUID().UUIDString().substr(0, 8)) {
+    const Descriptor file(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
+    isThere_ = file.number() >= 0;
+  }
+  ~TemporaryFile() {
+    if (isThere_) std::remove(path_.c_str());
+  }
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+  [[nodiscard]] const std::string& path() const { return path_; }
+  [[nodiscard]] bool isThere() const { return isThere_; }
+  [[nodiscard]] bool moveTo(const std::string& target) {
+    if (std::rename(path_.c_str(), target.c_str()) != 0) return false;
+    isThere_ = false;
+    return true;
+  }
+
+ private:
+  std::string path_;
+  bool isThere_ = false;
+};
+
+/// Where the bytes go, behind links, and the mode that is there to be kept.
+struct Target {
+  std::string path;
+  std::optional<mode_t> mode;
+};
+
+/// nil and an error for what is no file, and for what cannot be looked at.
+std::optional<Target> targetOf(const std::string& path, NSErrorSlot error) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) {
+    if (errno == ENOENT) return Target{path, std::nullopt};
+    fail(error, path, errno);
+    return std::nullopt;
+  }
+  if (!S_ISREG(status.st_mode)) {
+    NSFillErrorSlot(error, NSPOSIXErrorDomain, S_ISDIR(status.st_mode) ? EISDIR : EINVAL,
+                    path + ": it is not a file");
+    return std::nullopt;
+  }
+  std::error_code code;
+  const std::string real = std::filesystem::canonical(path, code).string();
+  if (!code) return Target{real, status.st_mode & kModeBits};
+  fail(error, path, code.value());
+  return std::nullopt;
+}
+
+std::string folderOf(const std::string& path) {
+  const std::string folder = std::filesystem::path(path).parent_path().string();
+  return folder.empty() ? "." : folder;
+}
+
 bool makeFolders(const std::string& path) {
   std::string part;
   for (std::size_t at = 0; at != std::string::npos;) {
@@ -51,19 +113,46 @@ bool makeFolders(const std::string& path) {
   return true;
 }
 
-bool writeAll(int file, std::span<const std::uint8_t> bytes) {
+bool writeAll(int file, std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t count = ::write(file, bytes.data(), bytes.size());
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) return false;
-    bytes = bytes.subspan(static_cast<std::size_t>(count));
+    bytes.remove_prefix(static_cast<std::size_t>(count));
   }
   return true;
 }
 
-bool fillFile(int number, const NSData& data) {
-  Descriptor file(number);
-  return writeAll(number, data.bytes()) && ::fsync(number) == 0 && file.close();
+bool writeBytes(const std::string& path, std::string_view bytes) {
+  Descriptor file(::open(path.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC));
+  return file.number() >= 0 && writeAll(file.number(), bytes) && file.close();
+}
+
+/// Brings a written file to the disk, with the mode that it is to have.
+bool settle(const std::string& path, std::optional<mode_t> mode) {
+  Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  return file.number() >= 0 && (!mode || ::fchmod(file.number(), *mode) == 0) &&
+         ::fsync(file.number()) == 0 && file.close();
+}
+
+void synchronizeFolder(const std::string& path) {
+  const Descriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (folder.number() >= 0) static_cast<void>(::fsync(folder.number()));
+}
+
+/// `write` answers whether it could, with errno.
+template <class Write>
+bool replace(const std::string& path, const Write& write, NewFileRights rights, NSErrorSlot error) {
+  const std::optional<Target> target = targetOf(path, error);
+  if (!target) return false;
+  // No one else sees the bytes before they have the mode of the old file.
+  const bool isOpen = rights == NewFileRights::Shared && !target->mode;
+  TemporaryFile temporary(target->path, isOpen ? kSharedMode : kPrivateMode);
+  if (!temporary.isThere() || !write(temporary.path()) || !settle(temporary.path(), target->mode) ||
+      !temporary.moveTo(target->path))
+    return fail(error, path, errno);
+  synchronizeFolder(folderOf(target->path));
+  return true;
 }
 
 }  // namespace
@@ -83,8 +172,6 @@ LockedFolder::~LockedFolder() {
   if (descriptor_ >= 0) ::close(descriptor_);
 }
 
-void LockedFolder::synchronize() const { static_cast<void>(::fsync(descriptor_)); }
-
 std::optional<FileContents> readWholeFile(const std::string& path, NSErrorSlot error) {
   const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (file.number() < 0 && errno == ENOENT) return FileContents{};
@@ -101,17 +188,20 @@ std::optional<FileContents> readWholeFile(const std::string& path, NSErrorSlot e
   return std::nullopt;
 }
 
-bool replaceFile(const std::string& path, const NSData& data, NSErrorSlot error) {
-  std::error_code ignored;
-  const std::filesystem::path real = std::filesystem::canonical(path, ignored);
-  const std::string target = real.empty() ? path : real.string();
-  std::string temporary = target + ".XXXXXX";
-  const int file = ::mkostemp(temporary.data(), O_CLOEXEC);
-  if (file < 0) return fail(error, path, errno);
-  if (fillFile(file, data) && std::rename(temporary.c_str(), target.c_str()) == 0) return true;
-  const int code = errno;
-  std::remove(temporary.c_str());
-  return fail(error, path, code);
+bool replaceFile(const std::string& path, std::string_view bytes, NewFileRights rights,
+                 NSErrorSlot error) {
+  return replace(
+      path, [bytes](const std::string& temporary) { return writeBytes(temporary, bytes); }, rights,
+      error);
+}
+
+bool replaceFile(const std::string& path, const std::function<void(const std::string&)>& write,
+                 NewFileRights rights, NSErrorSlot error) {
+  const auto call = [&write](const std::string& temporary) {
+    write(temporary);
+    return true;
+  };
+  return replace(path, call, rights, error);
 }
 
 bool keepAside(const std::string& path, NSErrorSlot error) {
@@ -124,4 +214,4 @@ bool keepAside(const std::string& path, NSErrorSlot error) {
   return fail(error, path, EEXIST);
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::files

@@ -72,7 +72,7 @@ std::string_view tagOfOther(UChar32 character) {
 std::string_view tagOf(std::string_view token, UChar32 first, std::int32_t status) {
   if (status < UBRK_WORD_NONE_LIMIT) return tagOfOther(first);
   if (status < UBRK_WORD_NUMBER_LIMIT) return NLTagNumber;
-  return internal::classOfEnglishWord(token);
+  return internal::language::classOfEnglishWord(token);
 }
 
 bool isOmitted(std::string_view tag, NSUInteger options) {
@@ -112,8 +112,8 @@ NLTagger::NLTagger(std::vector<std::string> tagSchemes) : text_(std::make_unique
 NLTagger::~NLTagger() = default;
 
 void NLTagger::setString(std::string_view string) {
-  text_->units = internal::utf16Of(string);
-  text_->bytes = internal::utf8Of(text_->units);
+  text_->units = internal::text::utf16Of(string);
+  text_->bytes = internal::text::utf8Of(text_->units);
 }
 
 const std::string& NLTagger::string() const noexcept { return text_->bytes; }

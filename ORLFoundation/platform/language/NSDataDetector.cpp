@@ -12,8 +12,8 @@ namespace ORLFoundation {
 namespace {
 
 namespace base = internal::base;
-using internal::Link;
-using internal::LinkScanner;
+using internal::language::Link;
+using internal::language::LinkScanner;
 
 constexpr NSInteger kWrongTypes = 2048;  // NSFormattingError
 

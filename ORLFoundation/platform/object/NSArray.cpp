@@ -4,6 +4,7 @@
 #include <ORLFoundation/platform/object/NSIndexSet.h>
 #include <ORLFoundation/platform/object/internal/CollectionOperators.h>
 #include <ORLFoundation/platform/object/internal/DescriptionText.h>
+#include <ORLFoundation/platform/object/internal/RefuseNil.h>
 #include <ORLFoundation/platform/value/NSException.h>
 
 #include <algorithm>
@@ -13,9 +14,7 @@
 namespace ORLFoundation {
 namespace {
 
-void refuseNil(const id& object) {
-  if (object.isNil()) throw NSException(NSInvalidArgumentException, "attempt to insert nil object");
-}
+using internal::object::refuseNil;
 
 void requireIndex(NSUInteger index, NSUInteger limit) {
   if (index < limit) return;

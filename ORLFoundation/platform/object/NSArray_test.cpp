@@ -5,24 +5,17 @@
 #include <ORLFoundation/platform/object/NSIndexSet.h>
 #include <ORLFoundation/platform/object/NSKeyValueObserving.h>
 #include <ORLFoundation/platform/value/NSException.h>
+#include <ORLFoundation/platform/value/NSException_testing.h>
 #include <gtest/gtest.h>
 
 namespace ORLFoundation {
 namespace {
 
+using orlftest::nameOfException;
+
 using Array = std::shared_ptr<NSArray>;
 
 Array list(std::initializer_list<id> members) { return NSArray::arrayWithObjects(members); }
-
-template <class Action>
-std::string nameOfException(Action action) {
-  try {
-    action();
-  } catch (const NSException& exception) {
-    return exception.name();
-  }
-  return "";
-}
 
 TEST(NSArray, KeepsItsMembersInOrder) {
   const Array array = list({1, "two", 1});

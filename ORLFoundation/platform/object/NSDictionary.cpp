@@ -10,7 +10,7 @@
 namespace ORLFoundation {
 namespace {
 
-void refuseNil(const id& key, const id& value) {
+void refuseNilPair(const id& key, const id& value) {
   if (key.isNil()) throw NSException(NSInvalidArgumentException, "key cannot be nil");
   if (value.isNil()) {
     throw NSException(NSInvalidArgumentException,
@@ -41,7 +41,7 @@ NSDictionary::Entries inOrderOfDescription(NSDictionary::Entries entries) {
 
 NSDictionary::NSDictionary(const Entries& entries) {
   for (const auto& [key, value] : entries) {
-    refuseNil(key, value);
+    refuseNilPair(key, value);
     table_.set(copyOfKey(key), value);
   }
 }
@@ -128,7 +128,7 @@ id NSDictionary::valueForKey(std::string_view key) const {
 }
 
 void NSMutableDictionary::setObject(const id& object, const id& forKey) {
-  refuseNil(forKey, object);
+  refuseNilPair(forKey, object);
   table_.set(copyOfKey(forKey), object);
 }
 

@@ -4,6 +4,7 @@
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSSet.h>
 #include <ORLFoundation/platform/value/NSException.h>
+#include <ORLFoundation/platform/value/NSException_testing.h>
 #include <gtest/gtest.h>
 
 #include <random>
@@ -12,20 +13,12 @@
 namespace ORLFoundation {
 namespace {
 
+using orlftest::nameOfException;
+
 using Dictionary = std::shared_ptr<NSDictionary>;
 
 Dictionary dictionary(std::initializer_list<std::pair<id, id>> entries) {
   return NSDictionary::dictionaryWithEntries(entries);
-}
-
-template <class Action>
-std::string nameOfException(Action action) {
-  try {
-    action();
-  } catch (const NSException& exception) {
-    return exception.name();
-  }
-  return "";
 }
 
 TEST(NSDictionary, FindsValuesByEqualKeys) {

@@ -3,12 +3,15 @@
 
 #include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/value/NSException.h>
+#include <ORLFoundation/platform/value/NSException_testing.h>
 #include <gtest/gtest.h>
 
 #include <optional>
 
 namespace ORLFoundation {
 namespace {
+
+using orlftest::nameOfException;
 
 enum Level : std::int64_t { LevelLow = 1, LevelHigh = 5 };
 
@@ -80,16 +83,6 @@ class OpenNode final : public Node {
  private:
   std::shared_ptr<NSMutableDictionary> extra_ = std::make_shared<NSMutableDictionary>();
 };
-
-template <class Action>
-std::string nameOfException(Action action) {
-  try {
-    action();
-  } catch (const NSException& exception) {
-    return exception.name();
-  }
-  return "";
-}
 
 struct RoundTripCase {
   const char* key;

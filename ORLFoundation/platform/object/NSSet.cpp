@@ -4,19 +4,14 @@
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/internal/CollectionOperators.h>
 #include <ORLFoundation/platform/object/internal/DescriptionText.h>
+#include <ORLFoundation/platform/object/internal/RefuseNil.h>
 #include <ORLFoundation/platform/value/NSException.h>
 
 #include <algorithm>
 #include <array>
 
 namespace ORLFoundation {
-namespace {
-
-void refuseNil(const id& object) {
-  if (object.isNil()) throw NSException(NSInvalidArgumentException, "attempt to insert nil object");
-}
-
-}  // namespace
+using internal::object::refuseNil;
 
 NSSet::NSSet(const std::vector<id>& members) {
   for (const id& member : members) {

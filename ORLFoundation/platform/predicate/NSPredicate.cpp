@@ -9,21 +9,23 @@
 
 namespace ORLFoundation {
 
-NSPredicate::NSPredicate(std::shared_ptr<const internal::PredicateNode> root)
+NSPredicate::NSPredicate(std::shared_ptr<const internal::predicate::PredicateNode> root)
     : root_(std::move(root)) {}
 
 std::shared_ptr<NSPredicate> NSPredicate::predicateWithFormatArgumentArray(
     std::string_view format, std::span<const id> argumentArray) {
   try {
-    return std::make_shared<NSPredicate>(internal::PredicateParser(format, argumentArray).parse());
-  } catch (const internal::PredicateFault&) {
+    return std::make_shared<NSPredicate>(
+        internal::predicate::PredicateParser(format, argumentArray).parse());
+  } catch (const internal::predicate::PredicateFault&) {
     throw NSException(NSInvalidArgumentException,
                       "Unable to parse the format string \"" + std::string(format) + "\"");
   }
 }
 
 std::shared_ptr<NSPredicate> NSPredicate::predicateWithValue(bool value) {
-  return std::make_shared<NSPredicate>(std::make_shared<internal::ConstantPredicate>(value));
+  return std::make_shared<NSPredicate>(
+      std::make_shared<internal::predicate::ConstantPredicate>(value));
 }
 
 bool NSPredicate::evaluateWithObject(const id& object) const { return root_->matches(object); }

@@ -1,7 +1,8 @@
 /// A condition on an object, read from a text.
 ///
-///     const auto late = NSPredicate::predicateWithFormat("%K ==[cd] %@ AND amount > 100", "payee",
-///     "Café"); late->evaluateWithObject(transaction);
+///     const auto late =
+///         NSPredicate::predicateWithFormat("%K ==[cd] %@ AND amount > 100", "payee", "Café");
+///     late->evaluateWithObject(transaction);
 ///
 /// Comparisons: ==, =, !=, <>, <, <=, =<, >, >=, =>, BETWEEN {low, high}, IN, CONTAINS, BEGINSWITH,
 /// ENDSWITH, LIKE (? stands for one character, * for any number, \ takes the next one as it is) and
@@ -27,13 +28,13 @@
 
 namespace ORLFoundation {
 
-namespace internal {
+namespace internal::predicate {
 class PredicateNode;
-}  // namespace internal
+}  // namespace internal::predicate
 
 class NSPredicate final : public NSObject {
  public:
-  explicit NSPredicate(std::shared_ptr<const internal::PredicateNode> root);
+  explicit NSPredicate(std::shared_ptr<const internal::predicate::PredicateNode> root);
 
   /// `predicateWithFormat:`  Never null. Raises `NSInvalidArgumentException` ("Unable to parse the
   /// format string ...") for a text that is none of the above, for an argument too few and for
@@ -70,7 +71,7 @@ class NSPredicate final : public NSObject {
   [[nodiscard]] std::shared_ptr<NSObject> copy() override { return shared_from_this(); }
 
  private:
-  const std::shared_ptr<const internal::PredicateNode> root_;
+  const std::shared_ptr<const internal::predicate::PredicateNode> root_;
 };
 
 }  // namespace ORLFoundation

@@ -97,7 +97,7 @@ std::optional<std::string> NSBundle::wordInTable(std::string_view table,
 
 void NSBundle::setLocalizedStrings(std::string_view table, Table words,
                                    std::optional<std::string_view> localization) {
-  std::string language = localization ? internal::languageTag(*localization) : "";
+  std::string language = localization ? internal::process::languageTag(*localization) : "";
   const std::lock_guard guard(lock_);
   tablesByLanguage_[std::move(language)].insert_or_assign(std::string(table), std::move(words));
 }
@@ -113,7 +113,7 @@ std::vector<std::string> NSBundle::localizations() const {
 std::string NSBundle::developmentLocalization() const {
   const auto region =
       infoDictionary()->objectForKey(kCFBundleDevelopmentRegionKey).as<std::string>();
-  return region ? internal::languageTag(*region) : "en";
+  return region ? internal::process::languageTag(*region) : "en";
 }
 
 std::vector<std::string> NSBundle::preferredLocalizations() const {
@@ -128,8 +128,8 @@ std::vector<std::string> NSBundle::preferredLocalizations() const {
 std::vector<std::string> NSBundle::preferredLocalizationsFromArray(
     std::span<const std::string> localizations, std::span<const std::string> forPreferences) {
   for (const std::string& preference : forPreferences) {
-    std::vector<std::string> found =
-        internal::localizationsForLanguage(localizations, internal::languageTag(preference));
+    std::vector<std::string> found = internal::process::localizationsForLanguage(
+        localizations, internal::process::languageTag(preference));
     if (!found.empty()) return found;
   }
   if (localizations.empty()) return {};
@@ -141,7 +141,7 @@ std::vector<std::string> NSBundle::preferredLanguages() {
     const std::lock_guard guard(shared().lock);
     if (shared().languages) return *shared().languages;
   }
-  return internal::languagesOfEnvironment();
+  return internal::process::languagesOfEnvironment();
 }
 
 void NSBundle::setPreferredLanguages(std::optional<std::vector<std::string>> languages) {

@@ -11,7 +11,7 @@ TEST(NSProcessInfo, IsOneObjectThatKnowsTheProcess) {
   const auto info = NSProcessInfo::processInfo();
   EXPECT_EQ(info, NSProcessInfo::processInfo());
   EXPECT_EQ(info->processIdentifier(), ::getpid());
-  EXPECT_EQ(info->processName(), "orlf_platform_object_tests");
+  EXPECT_EQ(info->processName(), "orlf_platform_process_tests");
   EXPECT_EQ(info->className(), "NSProcessInfo");
 }
 

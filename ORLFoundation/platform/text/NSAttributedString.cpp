@@ -116,12 +116,12 @@ bool NSAttributedString::isEqual(const NSObject* other) const {
 NSUInteger NSAttributedString::hash() const { return std::hash<std::string>()(string_); }
 
 std::string NSAttributedString::description() const {
-  const icu::UnicodeString units = internal::utf16Of(string_);
+  const icu::UnicodeString units = internal::text::utf16Of(string_);
   std::string text;
   for (std::size_t run = 0; run < runs_.size(); ++run) {
     const auto begin = static_cast<std::int32_t>(runs_[run].location);
     const auto end = static_cast<std::int32_t>(endOfRun(run));
-    text += internal::utf8Of(units.tempSubStringBetween(begin, end));
+    text += internal::text::utf8Of(units.tempSubStringBetween(begin, end));
     text += runs_[run].attributes->description();
   }
   return text;

@@ -59,7 +59,7 @@ ORLF_NAMED_SET(illegalCharacterSet, u"[:Cn:]")
 std::shared_ptr<NSCharacterSet> NSCharacterSet::characterSetWithCharactersInString(
     std::string_view string) {
   icu::UnicodeSet set;
-  set.addAll(internal::utf16Of(string));
+  set.addAll(internal::text::utf16Of(string));
   return frozen(set);
 }
 
@@ -70,6 +70,13 @@ NSCharacterSet::~NSCharacterSet() = default;
 
 bool NSCharacterSet::longCharacterIsMember(char32_t character) const noexcept {
   return character <= 0x10FFFF && members_->set.contains(static_cast<UChar32>(character));
+}
+
+std::shared_ptr<NSCharacterSet> NSCharacterSet::setByAddingCharactersInString(
+    std::string_view string) const {
+  const std::unique_ptr<icu::UnicodeSet> set(members_->set.cloneAsThawed());
+  set->addAll(internal::text::utf16Of(string));
+  return frozen(*set);
 }
 
 std::shared_ptr<NSCharacterSet> NSCharacterSet::invertedSet() const {

@@ -12,12 +12,12 @@
 namespace ORLFoundation {
 namespace {
 
-using internal::utf16Of;
-using internal::utf8Of;
 using internal::base::isASCII;
 using internal::base::isLetter;
 using internal::base::lowerASCII;
 using internal::base::upperASCII;
+using internal::text::utf16Of;
+using internal::text::utf8Of;
 
 std::string mapped(std::string_view text, char (*map)(char)) {
   std::string result(text);

@@ -12,8 +12,8 @@
 namespace ORLFoundation {
 namespace {
 
-using internal::FoldedText;
-using internal::utf16Of;
+using internal::text::FoldedText;
+using internal::text::utf16Of;
 
 constexpr NSRange kNotFound{static_cast<NSUInteger>(NSNotFound), 0};
 
@@ -32,7 +32,7 @@ std::size_t findLast(const FoldedText& text, std::u16string needle) {
   std::reverse(reversed.units.begin(), reversed.units.end());
   std::reverse(reversed.origins.begin(), reversed.origins.end());
   std::reverse(needle.begin(), needle.end());
-  const std::size_t place = internal::findAtBounds(reversed, needle, 0);
+  const std::size_t place = internal::text::findAtBounds(reversed, needle, 0);
   return place == needle.npos ? place : text.units.size() - place - needle.size();
 }
 
@@ -46,14 +46,14 @@ std::size_t findAnchored(const FoldedText& text, std::u16string_view needle, boo
 
 NSRange find(const icu::UnicodeString& text, std::string_view searchString, NSUInteger options) {
   const FoldedText folded(text, options);
-  const icu::UnicodeString needle = internal::folded(utf16Of(searchString), options);
+  const icu::UnicodeString needle = internal::text::folded(utf16Of(searchString), options);
   const bool backwards = (options & NSBackwardsSearch) != 0;
   std::size_t place = 0;
   if ((options & NSAnchoredSearch) != 0) {
     place = findAnchored(folded, viewOf(needle), backwards);
   } else {
     place = backwards ? findLast(folded, std::u16string(viewOf(needle)))
-                      : internal::findAtBounds(folded, viewOf(needle), 0);
+                      : internal::text::findAtBounds(folded, viewOf(needle), 0);
   }
   if (place == std::u16string::npos) return kNotFound;
   return rangeOfUnits(folded, place, static_cast<std::size_t>(needle.length()));
@@ -72,8 +72,8 @@ struct NSStringSearch::Folded : FoldedText {
 
 NSComparisonResult compare(std::string_view text, std::string_view string, NSUInteger options) {
   if (text == string) return NSOrderedSame;
-  const icu::UnicodeString left = internal::folded(utf16Of(text), options);
-  return resultOf(left.compareCodePointOrder(internal::folded(utf16Of(string), options)));
+  const icu::UnicodeString left = internal::text::folded(utf16Of(text), options);
+  return resultOf(left.compareCodePointOrder(internal::text::folded(utf16Of(string), options)));
 }
 
 NSComparisonResult caseInsensitiveCompare(std::string_view text, std::string_view string) {
@@ -83,18 +83,18 @@ NSComparisonResult caseInsensitiveCompare(std::string_view text, std::string_vie
 std::string stringByFoldingWithOptions(std::string_view text, NSUInteger options) {
   if (internal::base::isASCII(text) && (options & NSCaseInsensitiveSearch) == 0)
     return std::string(text);
-  const icu::UnicodeString folded = internal::folded(utf16Of(text), options);
+  const icu::UnicodeString folded = internal::text::folded(utf16Of(text), options);
   UErrorCode status = U_ZERO_ERROR;
   const icu::Normalizer2* composer = icu::Normalizer2::getNFCInstance(status);
   const icu::UnicodeString composed =
       U_SUCCESS(status) ? composer->normalize(folded, status) : folded;
   if (U_FAILURE(status)) throw NSException(NSInvalidArgumentException, u_errorName(status));
-  return internal::utf8Of(composed);
+  return internal::text::utf8Of(composed);
 }
 
 std::string wellFormedString(std::string_view text) {
   if (internal::base::isASCII(text)) return std::string(text);
-  return internal::utf8Of(utf16Of(text));
+  return internal::text::utf8Of(utf16Of(text));
 }
 
 NSUInteger length(std::string_view text) {
@@ -122,9 +122,9 @@ NSStringSearch::NSStringSearch(std::string_view text, NSUInteger options)
 NSStringSearch::~NSStringSearch() = default;
 
 NSRange NSStringSearch::rangeOfString(std::string_view searchString, NSUInteger from) const {
-  const icu::UnicodeString needle = internal::folded(utf16Of(searchString), options_);
-  const std::size_t place =
-      internal::findAtBounds(*folded_, viewOf(needle), internal::unitAtOrAfter(*folded_, from));
+  const icu::UnicodeString needle = internal::text::folded(utf16Of(searchString), options_);
+  const std::size_t place = internal::text::findAtBounds(
+      *folded_, viewOf(needle), internal::text::unitAtOrAfter(*folded_, from));
   if (place == std::u16string::npos) return kNotFound;
   return rangeOfUnits(*folded_, place, static_cast<std::size_t>(needle.length()));
 }

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::text {
 namespace {
 
 constexpr std::size_t kLongestText = std::size_t{1} << 29;
@@ -25,4 +25,4 @@ std::string utf8Of(const icu::UnicodeString& text) {
   return text.toUTF8String(bytes);
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::text

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::text {
 
 /// Each broken sequence of bytes becomes U+FFFD. Raises `NSInvalidArgumentException` for a text of
 /// half a gigabyte or more, which ICU's 32-bit lengths may not hold once its case is mapped.
@@ -14,4 +14,4 @@ namespace ORLFoundation::internal {
 /// A half of a surrogate pair becomes U+FFFD.
 [[nodiscard]] std::string utf8Of(const icu::UnicodeString& text);
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::text

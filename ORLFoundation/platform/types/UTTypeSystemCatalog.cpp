@@ -50,9 +50,9 @@ std::vector<std::string> UTTypeSystemCatalog::systemFolders() {
   return folders;
 }
 
-const internal::MIMEDatabase& UTTypeSystemCatalog::database() const {
+const internal::types::MIMEDatabase& UTTypeSystemCatalog::database() const {
   std::call_once(wasRead_, [this] {
-    database_ = std::make_unique<internal::MIMEDatabase>();
+    database_ = std::make_unique<internal::types::MIMEDatabase>();
     for (const std::string& folder : folders_) database_->addFolder(folder);
   });
   return *database_;
@@ -60,13 +60,13 @@ const internal::MIMEDatabase& UTTypeSystemCatalog::database() const {
 
 std::optional<UTTypeRecord> UTTypeSystemCatalog::recordOfSystemType(
     std::string_view mimeType) const {
-  if (auto declared = internal::builtInTypes().recordWithMIMEType(mimeType)) return declared;
+  if (auto declared = internal::types::builtInTypes().recordWithMIMEType(mimeType)) return declared;
   const std::string name = database().nameOf(mimeType);
   if (name != mimeType) return recordOfSystemType(name);
   if (!database().knows(name)) return std::nullopt;
   UTTypeRecord record{name, database().extensionsOf(name), {name}, {}};
   for (const std::string& parent : database().parentsOf(name)) {
-    const auto declared = internal::builtInTypes().recordWithMIMEType(parent);
+    const auto declared = internal::types::builtInTypes().recordWithMIMEType(parent);
     record.conformsTo.push_back(declared ? declared->identifier : parent);
   }
   record.conformsTo.emplace_back(parentOfFamily(name));
@@ -75,13 +75,15 @@ std::optional<UTTypeRecord> UTTypeSystemCatalog::recordOfSystemType(
 
 std::optional<UTTypeRecord> UTTypeSystemCatalog::recordWithIdentifier(
     std::string_view identifier) const {
-  if (auto declared = internal::builtInTypes().recordWithIdentifier(identifier)) return declared;
+  if (auto declared = internal::types::builtInTypes().recordWithIdentifier(identifier))
+    return declared;
   return identifier.find('/') == identifier.npos ? std::nullopt : recordOfSystemType(identifier);
 }
 
 std::optional<UTTypeRecord> UTTypeSystemCatalog::recordWithFilenameExtension(
     std::string_view filenameExtension) const {
-  if (auto declared = internal::builtInTypes().recordWithFilenameExtension(filenameExtension))
+  if (auto declared =
+          internal::types::builtInTypes().recordWithFilenameExtension(filenameExtension))
     return declared;
   const auto mimeType = database().typeOfExtension(filenameExtension);
   return mimeType ? recordOfSystemType(*mimeType) : std::nullopt;

@@ -14,9 +14,9 @@
 
 namespace ORLFoundation {
 
-namespace internal {
+namespace internal::types {
 class MIMEDatabase;
-}  // namespace internal
+}  // namespace internal::types
 
 class UTTypeSystemCatalog final : public UTTypeCatalog {
  public:
@@ -36,12 +36,12 @@ class UTTypeSystemCatalog final : public UTTypeCatalog {
       std::string_view mimeType) const override;
 
  private:
-  [[nodiscard]] const internal::MIMEDatabase& database() const;
+  [[nodiscard]] const internal::types::MIMEDatabase& database() const;
   [[nodiscard]] std::optional<UTTypeRecord> recordOfSystemType(std::string_view mimeType) const;
 
   const std::vector<std::string> folders_;
   mutable std::once_flag wasRead_;
-  mutable std::unique_ptr<internal::MIMEDatabase> database_;
+  mutable std::unique_ptr<internal::types::MIMEDatabase> database_;
 };
 
 }  // namespace ORLFoundation

@@ -1,6 +1,8 @@
 
 #include <ORLFoundation/platform/value/NSDecimalArithmetic.h>
 
+#include <ORLFoundation/platform/value/NSDecimal_testing.h>
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -11,7 +13,7 @@
 namespace ORLFoundation {
 namespace {
 
-NSDecimal decimal(std::string_view text) { return NSDecimal::parse(text); }
+using orlftest::decimal;
 
 /// "1.5", or "1.5!1" with an error.
 std::string textOf(const NSDecimalResult& result) {

@@ -6,13 +6,13 @@
 namespace ORLFoundation {
 namespace {
 
-constexpr std::string_view kTexts[] = {"1234.56",
-                                       "-0.01",
-                                       "99999999999999999999999999999999999999",
-                                       "1.2345678901234567890123456789012345678",
-                                       "-98765432109876543210987654321.012345678",
-                                       "0",
-                                       "NaN"};
+constexpr std::string_view kAmounts[] = {"1234.56",
+                                         "-0.01",
+                                         "99999999999999999999999999999999999999",
+                                         "1.2345678901234567890123456789012345678",
+                                         "-98765432109876543210987654321.012345678",
+                                         "0",
+                                         "NaN"};
 
 /// Every operation once; the answers are added up so that none is left out.
 double useEveryOperation(const NSDecimal& left, const NSDecimal& right) {
@@ -34,8 +34,8 @@ double useEveryOperation(const NSDecimal& left, const NSDecimal& right) {
 TEST(NSDecimalAllocation, OperationsAllocateNothing) {
   double sum = 0;
   const std::size_t before = orlftest::allocationCount();
-  for (const std::string_view left : kTexts)
-    for (const std::string_view right : kTexts)
+  for (const std::string_view left : kAmounts)
+    for (const std::string_view right : kAmounts)
       sum += useEveryOperation(NSDecimal::parse(left), NSDecimal::parse(right));
   EXPECT_EQ(orlftest::allocationCount(), before);
   EXPECT_GT(sum, 0);

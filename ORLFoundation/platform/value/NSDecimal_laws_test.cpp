@@ -130,7 +130,7 @@ std::string expectedResult(const Fraction& value, NSRoundingMode mode) {
   return whole.str() + "e" + std::to_string(exponent) + (exact ? "!0" : "!1");
 }
 
-std::string textOf(const NSDecimalResult& result) {
+std::string digitsOf(const NSDecimalResult& result) {
   const std::string error = "!" + std::to_string(NSUInteger{result.error});
   if (result.value.isNaN()) return "NaN" + error;
   cpp_int digits = integerOf(result.value.mantissa());
@@ -141,20 +141,20 @@ std::string textOf(const NSDecimalResult& result) {
          error;
 }
 
-constexpr int kCalculations = 60000;
+constexpr int kRandomCalculations = 60000;
 
 TEST(NSDecimalLaws, SumsAgreeWithFractions) {
   Source source(1);
-  for (int i = 0; i < kCalculations; ++i) {
+  for (int i = 0; i < kRandomCalculations; ++i) {
     const NSDecimal left = source.any(), right = source.any();
     const NSRoundingMode mode = source.mode();
     const Fraction a = fractionOf(left), b = fractionOf(right);
     const cpp_int first = a.numerator * b.denominator, second = b.numerator * a.denominator;
     const cpp_int denominator = a.denominator * b.denominator;
-    ASSERT_EQ(textOf(NSDecimalAdd(left, right, mode)),
+    ASSERT_EQ(digitsOf(NSDecimalAdd(left, right, mode)),
               expectedResult({first + second, denominator}, mode))
         << left.stringValue() << " + " << right.stringValue() << " mode " << mode;
-    ASSERT_EQ(textOf(NSDecimalSubtract(left, right, mode)),
+    ASSERT_EQ(digitsOf(NSDecimalSubtract(left, right, mode)),
               expectedResult({first - second, denominator}, mode))
         << left.stringValue() << " - " << right.stringValue() << " mode " << mode;
   }
@@ -162,11 +162,11 @@ TEST(NSDecimalLaws, SumsAgreeWithFractions) {
 
 TEST(NSDecimalLaws, ProductsAgreeWithFractions) {
   Source source(2);
-  for (int i = 0; i < kCalculations; ++i) {
+  for (int i = 0; i < kRandomCalculations; ++i) {
     const NSDecimal left = source.any(), right = source.any();
     const NSRoundingMode mode = source.mode();
     const Fraction a = fractionOf(left), b = fractionOf(right);
-    ASSERT_EQ(textOf(NSDecimalMultiply(left, right, mode)),
+    ASSERT_EQ(digitsOf(NSDecimalMultiply(left, right, mode)),
               expectedResult({a.numerator * b.numerator, a.denominator * b.denominator}, mode))
         << left.stringValue() << " * " << right.stringValue() << " mode " << mode;
   }
@@ -174,21 +174,21 @@ TEST(NSDecimalLaws, ProductsAgreeWithFractions) {
 
 TEST(NSDecimalLaws, QuotientsAgreeWithFractions) {
   Source source(3);
-  for (int i = 0; i < kCalculations; ++i) {
+  for (int i = 0; i < kRandomCalculations; ++i) {
     const NSDecimal left = source.any(), right = source.any();
     const NSRoundingMode mode = source.mode();
     if (right.isZero()) continue;
     const Fraction a = fractionOf(left), b = fractionOf(right);
     Fraction quotient{a.numerator * b.denominator, a.denominator * b.numerator};
     if (quotient.denominator < 0) quotient = {-quotient.numerator, -quotient.denominator};
-    ASSERT_EQ(textOf(NSDecimalDivide(left, right, mode)), expectedResult(quotient, mode))
+    ASSERT_EQ(digitsOf(NSDecimalDivide(left, right, mode)), expectedResult(quotient, mode))
         << left.stringValue() << " / " << right.stringValue() << " mode " << mode;
   }
 }
 
 TEST(NSDecimalLaws, RoundingAgreesWithFractions) {
   Source source(4);
-  for (int i = 0; i < kCalculations; ++i) {
+  for (int i = 0; i < kRandomCalculations; ++i) {
     const NSDecimal value = source.any();
     const NSRoundingMode mode = source.mode();
     const auto scale = static_cast<int>(source.between(-60, 40));

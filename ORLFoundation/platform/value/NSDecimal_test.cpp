@@ -1,6 +1,8 @@
 
 #include <ORLFoundation/platform/value/NSDecimal.h>
 
+#include <ORLFoundation/platform/value/NSDecimal_testing.h>
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -11,7 +13,7 @@
 namespace ORLFoundation {
 namespace {
 
-NSDecimal decimal(std::string_view text) { return NSDecimal::parse(text); }
+using orlftest::decimal;
 
 std::string zeros(std::size_t count) { return std::string(count, '0'); }
 

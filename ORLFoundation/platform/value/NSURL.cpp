@@ -24,7 +24,7 @@ bool isAddressText(std::string_view text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     const auto byte = static_cast<unsigned char>(text[i]);
     if (byte <= 0x20 || byte >= 0x7f || kRefused.find(text[i]) != kRefused.npos) return false;
-    if (text[i] == '%' && !internal::isPercentEscapeAt(text, i)) return false;
+    if (text[i] == '%' && !internal::value::isPercentEscapeAt(text, i)) return false;
   }
   return !text.empty();
 }
@@ -126,7 +126,7 @@ std::optional<std::string> NSURL::host() const {
   if (!host_.present) return std::nullopt;
   std::string_view name = text(host_);
   if (name.starts_with('[') && name.ends_with(']')) name = name.substr(1, name.size() - 2);
-  return internal::withoutPercentEscapes(name);
+  return internal::value::withoutPercentEscapes(name);
 }
 
 std::optional<NSInteger> NSURL::port() const {
@@ -138,7 +138,7 @@ std::optional<NSInteger> NSURL::port() const {
 }
 
 std::string NSURL::path() const {
-  std::string path = internal::withoutPercentEscapes(text(path_));
+  std::string path = internal::value::withoutPercentEscapes(text(path_));
   if (path.size() > 1 && path.ends_with('/')) path.pop_back();
   return path;
 }

@@ -13,7 +13,7 @@ std::optional<NSURLComponents> NSURLComponents::componentsWithURL(
 }
 
 std::optional<std::string> NSURLComponents::path() const {
-  std::string path = internal::withoutPercentEscapes(url_.percentEncodedPath());
+  std::string path = internal::value::withoutPercentEscapes(url_.percentEncodedPath());
   if (!internal::base::isUTF8(path)) return std::nullopt;
   return path;
 }

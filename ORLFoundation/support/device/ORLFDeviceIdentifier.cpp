@@ -26,7 +26,7 @@ bool isIdentifier(std::string_view text) {
 
 }  // namespace
 
-namespace internal {
+namespace internal::device {
 
 std::optional<std::string> machineIdentifierIn(std::span<const std::string> paths) {
   for (const std::string& path : paths) {
@@ -49,12 +49,13 @@ std::string deviceIdentifierOf(std::string_view machine) {
   return NSUUID(bytes).UUIDString();
 }
 
-}  // namespace internal
+}  // namespace internal::device
 
 std::string orlfDeviceIdentifier(const NSProcessInfo& processInfo) {
   static const std::array<std::string, 2> paths{"/etc/machine-id", "/var/lib/dbus/machine-id"};
-  const auto identifier = internal::machineIdentifierIn(paths);
-  return internal::deviceIdentifierOf(identifier ? *identifier : "host:" + processInfo.hostName());
+  const auto identifier = internal::device::machineIdentifierIn(paths);
+  return internal::device::deviceIdentifierOf(identifier ? *identifier
+                                                         : "host:" + processInfo.hostName());
 }
 
 }  // namespace ORLFoundation

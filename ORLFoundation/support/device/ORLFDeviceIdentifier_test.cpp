@@ -26,12 +26,12 @@ TEST_F(ORLFDeviceIdentifier, IsTheSameTextEachTime) {
 }
 
 TEST_F(ORLFDeviceIdentifier, DependsOnTheMachineAndDoesNotTellIt) {
-  const std::string text = internal::deviceIdentifierOf(kIdentifier);
+  const std::string text = internal::device::deviceIdentifierOf(kIdentifier);
   // Stored by applications: it must not change from one release to the next. The UUID of version 5
   // that any other tool makes of the key and the identifier.
   EXPECT_EQ(text, "F823F97C-F149-5F40-B696-C7B1D1FE7760");
-  EXPECT_NE(internal::deviceIdentifierOf("0123456789abcdef0123456789abcdee"), text);
-  EXPECT_NE(internal::deviceIdentifierOf(""), text);
+  EXPECT_NE(internal::device::deviceIdentifierOf("0123456789abcdef0123456789abcdee"), text);
+  EXPECT_NE(internal::device::deviceIdentifierOf(""), text);
 }
 
 struct FileCase {
@@ -54,7 +54,7 @@ const FileCase kFileCases[] = {
 TEST_F(ORLFDeviceIdentifier, IsReadFromAFileOf32HexDigits) {
   for (const FileCase& row : kFileCases) {
     const std::vector<std::string> paths{write(std::string(row.name), row.content)};
-    EXPECT_EQ(internal::machineIdentifierIn(paths),
+    EXPECT_EQ(internal::device::machineIdentifierIn(paths),
               row.isIdentifier ? std::optional<std::string>(kIdentifier) : std::nullopt)
         << row.name;
   }
@@ -64,8 +64,8 @@ TEST_F(ORLFDeviceIdentifier, IsReadFromTheFirstFileThatHoldsOne) {
   const std::vector<std::string> paths{folder_ / "absent", folder_, write("bad", "uninitialized"),
                                        write("good", kIdentifier),
                                        write("later", std::string(32, 'f'))};
-  EXPECT_EQ(internal::machineIdentifierIn(paths), kIdentifier);
-  EXPECT_EQ(internal::machineIdentifierIn({}), std::nullopt);
+  EXPECT_EQ(internal::device::machineIdentifierIn(paths), kIdentifier);
+  EXPECT_EQ(internal::device::machineIdentifierIn({}), std::nullopt);
 }
 
 }  // namespace

@@ -61,6 +61,7 @@ concept PlistConvertible = requires(const T& value,
   { PlistConversion<T>::rawValue(plistValue) } -> std::same_as<std::optional<T>>;
 };
 
+/// A type that has a raw value, of which it can be made again.
 template <class T>
 concept PlistRawRepresentable = requires(const T& value,
                                          const typename PlistRawValue<T>::RawValue& raw) {

@@ -7,7 +7,7 @@
 #include <string>
 
 namespace ORLFoundation {
-namespace internal {
+namespace internal::strings {
 
 std::string stringPredicateFormat(std::string_view comparisonOperator, bool caseInsensitive,
                                   bool diacriticInsensitive) {
@@ -18,10 +18,10 @@ std::string stringPredicateFormat(std::string_view comparisonOperator, bool case
   return stringWithFormat("%%K %@%@ %%@", comparisonOperator, modifiers);
 }
 
-}  // namespace internal
+}  // namespace internal::strings
 
 std::shared_ptr<NSPredicate> orlfStringPredicate(const ORLFStringPredicate& predicate) {
-  const std::string format = internal::stringPredicateFormat(
+  const std::string format = internal::strings::stringPredicateFormat(
       predicate.comparisonOperator, predicate.caseInsensitive, predicate.diacriticInsensitive);
   return NSPredicate::predicateWithFormat(format, predicate.withKey, predicate.value);
 }

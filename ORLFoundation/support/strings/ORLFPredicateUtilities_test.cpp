@@ -10,10 +10,10 @@ namespace ORLFoundation {
 namespace {
 
 TEST(ORLFPredicateUtilities, PutsTheFlagsInBrackets) {
-  EXPECT_EQ(internal::stringPredicateFormat("==", false, false), "%K == %@");
-  EXPECT_EQ(internal::stringPredicateFormat("==", true, false), "%K ==[c] %@");
-  EXPECT_EQ(internal::stringPredicateFormat("==", false, true), "%K ==[d] %@");
-  EXPECT_EQ(internal::stringPredicateFormat("MATCHES", true, true), "%K MATCHES[cd] %@");
+  EXPECT_EQ(internal::strings::stringPredicateFormat("==", false, false), "%K == %@");
+  EXPECT_EQ(internal::strings::stringPredicateFormat("==", true, false), "%K ==[c] %@");
+  EXPECT_EQ(internal::strings::stringPredicateFormat("==", false, true), "%K ==[d] %@");
+  EXPECT_EQ(internal::strings::stringPredicateFormat("MATCHES", true, true), "%K MATCHES[cd] %@");
 }
 
 TEST(ORLFPredicateUtilities, MakesPredicates) {

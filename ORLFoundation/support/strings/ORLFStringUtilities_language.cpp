@@ -47,7 +47,7 @@ bool isEmailAddress(std::string_view text) {
   detector->enumerateMatchesInString(text, [&](const NSTextCheckingResult& match, bool& stop) {
     ++matches;
     // A scheme is the same in any case.
-    isWholeAddress = internal::equalsLower(match.URL.scheme().value_or(""), "mailto") &&
+    isWholeAddress = internal::base::equalsLower(match.URL.scheme().value_or(""), "mailto") &&
                      match.range == NSRange{0, length(text)};
     stop = !isWholeAddress;
   });

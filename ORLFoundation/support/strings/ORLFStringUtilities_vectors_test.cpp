@@ -205,7 +205,7 @@ JsonCheck evaluated(PredicateMaker make) {
 TEST(Texts, AgreeWithVectorsOfPredicates) {
   orlftest::runJsonVectors("texts_predicates",
                            {{"format", ofValue([](const Json& in) {
-                               return internal::stringPredicateFormat(
+                               return internal::strings::stringPredicateFormat(
                                    textOf(in["operator"]), in["caseInsensitive"].get<bool>(),
                                    in["diacriticInsensitive"].get<bool>());
                              })},

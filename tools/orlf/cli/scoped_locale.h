@@ -1,6 +1,7 @@
 /// The locale in which the library writes numbers, for as long as an object lives.
 #pragma once
 
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/format/NSLocale.h>
 
 #include <memory>
@@ -10,14 +11,12 @@ namespace orlftool {
 
 class ScopedLocale {
  public:
-  explicit ScopedLocale(const std::string& identifier) {
-    using ORLFoundation::NSLocale;
-    NSLocale::setCurrentLocale(std::make_shared<NSLocale>(identifier));
-  }
-  /// Restores the environment's locale.
-  ~ScopedLocale() { ORLFoundation::NSLocale::setCurrentLocale(nullptr); }
-  ScopedLocale(const ScopedLocale&) = delete;
-  ScopedLocale& operator=(const ScopedLocale&) = delete;
+  explicit ScopedLocale(const std::string& identifier)
+      : locale_(ORLFoundation::NSLocale::setCurrentLocale,
+                std::make_shared<ORLFoundation::NSLocale>(identifier)) {}
+
+ private:
+  ORLFoundation::Replaced<std::shared_ptr<ORLFoundation::NSLocale>> locale_;
 };
 
 }  // namespace orlftool

@@ -1,5 +1,5 @@
-/// Files that are there whole or not at all: written beside their place under another name, then
-/// moved over it.
+/// Files that are there whole or not at all: written beside their place under another name, brought
+/// to the disk, then moved over it. A file that is replaced hands on its mode.
 #pragma once
 
 #include <functional>

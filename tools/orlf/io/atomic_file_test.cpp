@@ -60,4 +60,20 @@ TEST_F(AtomicFile, RefusesFoldersDevicesAndPlacesThatAreNotThere) {
   EXPECT_EQ(fileCount(), 1);
 }
 
+TEST_F(AtomicFile, HandsOnTheModeOfTheFileThatItReplaces) {
+  orlftool::writeFileAtomically(path("a"), "old");
+  fs::permissions(path("a"), fs::perms::owner_read | fs::perms::group_read);
+  orlftool::writeFileAtomically(path("a"), "new");
+  EXPECT_EQ(fs::status(path("a")).permissions(), fs::perms::owner_read | fs::perms::group_read);
+}
+
+TEST_F(AtomicFile, SaysOnceWhichFileAndWhy) {
+  try {
+    orlftool::writeFileAtomically("/dev/null", "x");
+    FAIL() << "a device was replaced";
+  } catch (const orlftool::JobFailure& failure) {
+    EXPECT_STREQ(failure.what(), "/dev/null: cannot be written: it is not a file");
+  }
+}
+
 }  // namespace

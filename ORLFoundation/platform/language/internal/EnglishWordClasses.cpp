@@ -9,7 +9,7 @@
 #include <cstddef>
 #include <iterator>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::language {
 namespace {
 
 struct WordClass {
@@ -150,4 +150,4 @@ std::string_view classOfEnglishWord(std::string_view word) noexcept {
   return row != std::end(kWordClasses) && row->word == key ? row->tag : NLTagOtherWord;
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::language

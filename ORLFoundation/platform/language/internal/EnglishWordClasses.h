@@ -3,10 +3,10 @@
 
 #include <string_view>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::language {
 
 /// The tag of a conjunction, particle or preposition, in any mixture of cases; NLTagOtherWord for
 /// every other word.
 [[nodiscard]] std::string_view classOfEnglishWord(std::string_view word) noexcept;
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::language

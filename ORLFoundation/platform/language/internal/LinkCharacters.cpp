@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <iterator>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::language {
 namespace {
 
 constexpr std::size_t kLongestLabel = 63;
@@ -125,4 +125,4 @@ bool hasCommonTopLevelDomain(std::string_view host) {
                      [label](std::string_view known) { return base::equalsLower(label, known); });
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::language

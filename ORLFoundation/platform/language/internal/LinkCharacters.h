@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::language {
 
 /// The length in bytes of the character at a place that may stand in the local part of a mail
 /// address; 0 for any other, and at the end.
@@ -23,4 +23,4 @@ namespace ORLFoundation::internal {
 /// Whether it lies under one of the most common top-level domains.
 [[nodiscard]] bool hasCommonTopLevelDomain(std::string_view host);
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::language

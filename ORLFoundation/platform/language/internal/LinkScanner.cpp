@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <iterator>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::language {
 namespace {
 
 constexpr std::size_t kLongestLocalPart = 64;
@@ -122,4 +122,4 @@ std::optional<Link> LinkScanner::hostAt(std::size_t begin, std::size_t end) {
   return Link{Link::Kind::Host, begin, linkEnd};
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::language

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::language {
 
 struct Link {
   enum class Kind : std::uint8_t {
@@ -39,4 +39,4 @@ class LinkScanner {
   std::size_t at_ = 0;
 };
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::language

@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::plist {
 namespace {
 
 using Index = PropertyListTable::Index;
@@ -22,9 +22,10 @@ unsigned widthOf(std::uint64_t value) noexcept {
   return value <= 0xFFFFFFFF ? 4 : 8;
 }
 
-class Writer {
+class BinaryWriter {
  public:
-  explicit Writer(const PropertyListTable& table) : table_(table), numbers_(table.nodeCount()) {}
+  explicit BinaryWriter(const PropertyListTable& table)
+      : table_(table), numbers_(table.nodeCount()) {}
 
   std::vector<std::uint8_t> write() {
     number(table_.top());
@@ -150,7 +151,7 @@ class Writer {
 }  // namespace
 
 std::vector<std::uint8_t> writeBinaryPropertyList(const PropertyListTable& table) {
-  return Writer(table).write();
+  return BinaryWriter(table).write();
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::plist

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::plist {
 namespace {
 
 using Index = PropertyListTable::Index;
@@ -39,9 +39,9 @@ bool comesBeforeInUTF16(std::string_view left, std::string_view right) {
   return leftUnits < rightUnits;
 }
 
-class Writer {
+class XMLWriter {
  public:
-  explicit Writer(const PropertyListTable& table) : table_(table) {}
+  explicit XMLWriter(const PropertyListTable& table) : table_(table) {}
 
   std::string write() {
     if (table_.expandedCount() > std::max<std::uint64_t>(kMostValues, table_.nodeCount()))
@@ -154,6 +154,8 @@ class Writer {
 
 }  // namespace
 
-std::string writeXMLPropertyList(const PropertyListTable& table) { return Writer(table).write(); }
+std::string writeXMLPropertyList(const PropertyListTable& table) {
+  return XMLWriter(table).write();
+}
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::plist

@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <optional>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::predicate {
 namespace {
 
 [[noreturn]] void raise(const std::string& reason) {
@@ -158,4 +158,4 @@ bool ComparisonPredicate::matches(const id& object) const {
   }
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::predicate

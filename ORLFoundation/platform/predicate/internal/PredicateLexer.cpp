@@ -8,7 +8,7 @@
 #include <charconv>
 #include <iterator>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::predicate {
 namespace {
 
 using Kind = PredicateToken::Kind;
@@ -141,4 +141,4 @@ PredicateToken PredicateLexer::sign() {
   return {Kind::Sign, std::string(*found), {}};
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::predicate

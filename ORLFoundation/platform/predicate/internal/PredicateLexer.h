@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::predicate {
 
 /// The format is none. Stays inside this folder: callers hear of an NSException.
 struct PredicateFault : std::runtime_error {
@@ -55,4 +55,4 @@ class PredicateLexer {
   std::size_t at_ = 0;
 };
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::predicate

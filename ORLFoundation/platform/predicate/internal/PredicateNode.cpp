@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <iterator>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::predicate {
 namespace {
 
 constexpr std::string_view kSelf = "self";
@@ -113,4 +113,4 @@ std::string ComparisonPredicate::text() const {
   return text + " " + comparison_.right.text();
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::predicate

@@ -10,7 +10,7 @@
 #include <variant>
 #include <vector>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::predicate {
 
 /// A value of the object, or one that the format states.
 struct PredicateExpression {
@@ -116,4 +116,4 @@ class ComparisonPredicate final : public PredicateNode {
   const PredicateComparison comparison_;
 };
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::predicate

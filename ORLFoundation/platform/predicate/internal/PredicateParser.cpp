@@ -5,7 +5,7 @@
 
 #include <utility>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::predicate {
 namespace {
 
 using Kind = PredicateToken::Kind;
@@ -245,4 +245,4 @@ void PredicateParser::expectSign(std::string_view sign) {
 
 PredicateToken PredicateParser::take() { return std::exchange(token_, lexer_.next()); }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::predicate

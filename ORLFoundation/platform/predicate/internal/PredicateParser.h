@@ -9,7 +9,7 @@
 #include <span>
 #include <string_view>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::predicate {
 
 class PredicateParser {
  public:
@@ -55,4 +55,4 @@ class PredicateParser {
   int depth_ = 0;
 };
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::predicate

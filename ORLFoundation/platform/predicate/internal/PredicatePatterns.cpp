@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::predicate {
 namespace {
 
 // ICU counts time in steps of about a millisecond, the stack in bytes.
@@ -21,7 +21,7 @@ constexpr UChar32 kAnyText = -2;
 
 /// The code points under the options; composed, so that a letter with its marks is one.
 std::vector<UChar32> charactersOf(std::string_view string, NSUInteger options) {
-  const icu::UnicodeString text = utf16Of(stringByFoldingWithOptions(string, options));
+  const icu::UnicodeString text = text::utf16Of(stringByFoldingWithOptions(string, options));
   std::vector<UChar32> characters;
   for (std::int32_t at = 0; at < text.length(); at = text.moveIndex32(at, 1))
     characters.push_back(text.char32At(at));
@@ -84,8 +84,9 @@ bool fitsExpression(std::string_view text, std::string_view pattern, NSUInteger 
   // Case is left to the expression: folding it would turn \D into \d.
   const bool withoutMarks = (options & NSDiacriticInsensitiveSearch) != 0;
   const auto unitsOf = [withoutMarks](std::string_view string) {
-    return utf16Of(withoutMarks ? stringByFoldingWithOptions(string, NSDiacriticInsensitiveSearch)
-                                : std::string(string));
+    return text::utf16Of(withoutMarks
+                             ? stringByFoldingWithOptions(string, NSDiacriticInsensitiveSearch)
+                             : std::string(string));
   };
   const icu::UnicodeString input = unitsOf(text);
   const bool anyCase = (options & NSCaseInsensitiveSearch) != 0;
@@ -100,4 +101,4 @@ bool fitsExpression(std::string_view text, std::string_view pattern, NSUInteger 
   return fits;
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::predicate

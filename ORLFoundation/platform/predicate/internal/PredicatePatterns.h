@@ -6,7 +6,7 @@
 
 #include <string_view>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::predicate {
 
 /// ? stands for one character, * for any number of them, a backslash takes the next one as it is.
 [[nodiscard]] bool fitsWildcards(std::string_view text, std::string_view pattern,
@@ -16,4 +16,4 @@ namespace ORLFoundation::internal {
 [[nodiscard]] bool fitsExpression(std::string_view text, std::string_view pattern,
                                   NSUInteger options);
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::predicate

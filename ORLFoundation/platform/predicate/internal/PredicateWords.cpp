@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <iterator>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::predicate {
 namespace {
 
 struct WordRow {
@@ -83,4 +83,4 @@ std::string_view textOf(PredicateOperator comparison) {
       ->text;
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::predicate

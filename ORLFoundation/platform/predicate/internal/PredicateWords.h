@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::predicate {
 
 enum class PredicateWord : std::uint8_t {
   And,
@@ -30,4 +30,4 @@ enum class PredicateWord : std::uint8_t {
 /// As it is written: "==", "BEGINSWITH".
 [[nodiscard]] std::string_view textOf(PredicateOperator comparison);
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::predicate

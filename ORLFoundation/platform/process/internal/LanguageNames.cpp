@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::process {
 namespace {
 
 std::string_view languageOf(std::string_view tag) { return tag.substr(0, tag.find('-')); }
@@ -57,4 +57,4 @@ std::vector<std::string> languagesOfEnvironment() {
   return languages;
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::process

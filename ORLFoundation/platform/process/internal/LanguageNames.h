@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::process {
 
 /// "de_AT.UTF-8@euro" as "de-AT"; "" for "C" and "POSIX".
 [[nodiscard]] std::string languageTag(std::string_view localeName);
@@ -19,4 +19,4 @@ namespace ORLFoundation::internal {
 /// The user's languages as gettext reads them from the environment.
 [[nodiscard]] std::vector<std::string> languagesOfEnvironment();
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::process

@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <iterator>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::text {
 namespace {
 
 /// Marks on letters before this one, the end of Cyrillic, are passed over where marks do not count.
@@ -124,4 +124,4 @@ std::size_t findAtBounds(const FoldedText& text, std::u16string_view needle, std
   return std::u16string::npos;
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::text

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::text {
 
 /// The text decomposed, unless it is compared literally, and folded under NSStringCompareOptions.
 [[nodiscard]] icu::UnicodeString folded(const icu::UnicodeString& text, NSUInteger options);
@@ -32,4 +32,4 @@ struct FoldedText {
 [[nodiscard]] std::size_t findAtBounds(const FoldedText& text, std::u16string_view needle,
                                        std::size_t from);
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::text

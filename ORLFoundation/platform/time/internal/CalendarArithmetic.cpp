@@ -9,8 +9,6 @@
 namespace ORLFoundation::internal::time {
 namespace {
 
-constexpr NSInteger kNanosecondsPerSecond = 1'000'000'000;
-
 NSCalendarUnit currentName(NSCalendarUnit unit) noexcept {
   return unit == NSCalendarUnitWeek ? NSCalendarUnitWeekOfYear : unit;
 }

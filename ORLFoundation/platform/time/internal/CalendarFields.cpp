@@ -18,8 +18,6 @@ constexpr NSUInteger kYearToSecondMask = NSCalendarUnitYear | NSCalendarUnitMont
                                          NSCalendarUnitDay | NSCalendarUnitHour |
                                          NSCalendarUnitMinute | NSCalendarUnitSecond;
 
-constexpr NSInteger kNanosecondsPerSecond = 1'000'000'000;
-
 NSInteger nanosecondsOf(double fraction) noexcept { return static_cast<NSInteger>(fraction * 1e9); }
 
 inline void setTimeFields(NSDateComponents& fields, NSUInteger mask, std::int32_t secondOfDay,
@@ -53,8 +51,6 @@ void setWeekFields(NSDateComponents& fields, NSUInteger mask, const CalendarRule
   if (mask & (NSCalendarUnitWeekOfYear | NSCalendarUnitWeek)) fields.setWeekOfYear(week.week);
   if (mask & NSCalendarUnitYearForWeekOfYear) fields.setYearForWeekOfYear(week.year);
 }
-
-bool isSet(NSInteger value) noexcept { return value != NSDateComponentUndefined; }
 
 NSInteger valueOr(NSInteger value, NSInteger smallest) noexcept {
   return isSet(value) ? value : smallest;

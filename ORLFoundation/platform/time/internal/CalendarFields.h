@@ -6,6 +6,11 @@
 
 namespace ORLFoundation::internal::time {
 
+/// Whether a field has a value.
+[[nodiscard]] constexpr bool isSet(NSInteger field) noexcept {
+  return field != NSDateComponentUndefined;
+}
+
 /// The fields that the mask names; the others stay unset.
 [[nodiscard]] NSDateComponents fieldsOfInstant(const CalendarRules& rules, NSUInteger mask,
                                                Instant instant) noexcept;

@@ -55,6 +55,7 @@ struct Instant {
 };
 
 inline constexpr std::int64_t kReferenceSeconds = 978307200;
+inline constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
 /// Instants beyond this many seconds on either side have no result.
 inline constexpr double kMaxSeconds = static_cast<double>((civil::kMaxDay - 20'000) * 86400);
 

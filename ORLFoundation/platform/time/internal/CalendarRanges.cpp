@@ -6,8 +6,6 @@
 namespace ORLFoundation::internal::time {
 namespace {
 
-constexpr NSRange kNoRange{static_cast<NSUInteger>(NSNotFound), 0};
-
 DayRange monthsFrom(std::int32_t year, std::int32_t month, std::int32_t count) noexcept {
   const auto [endYear, endMonth] =
       civil::yearMonthFromNumber(civil::monthNumber(year, month) + count);
@@ -89,10 +87,6 @@ InstantRange instantRange(const CalendarRules& rules, DayRange days, Instant ins
 }
 
 namespace {
-
-NSRange rangeFrom(std::int64_t location, std::int64_t length) noexcept {
-  return {static_cast<NSUInteger>(location), static_cast<NSUInteger>(length)};
-}
 
 // Weeks that hold a day of the range. The first counts as 0 where its number is that of a week of
 // the year (month) before.

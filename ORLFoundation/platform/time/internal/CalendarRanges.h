@@ -7,6 +7,12 @@
 
 namespace ORLFoundation::internal::time {
 
+inline constexpr NSRange kNoRange{static_cast<NSUInteger>(NSNotFound), 0};
+
+[[nodiscard]] constexpr NSRange rangeFrom(std::int64_t location, std::int64_t length) noexcept {
+  return {static_cast<NSUInteger>(location), static_cast<NSUInteger>(length)};
+}
+
 /// Days by number, up to the one that is no longer among them.
 struct DayRange {
   std::int32_t begin;

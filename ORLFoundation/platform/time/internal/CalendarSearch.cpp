@@ -9,8 +9,6 @@
 namespace ORLFoundation::internal::time {
 namespace {
 
-bool isSet(NSInteger value) noexcept { return value != NSDateComponentUndefined; }
-
 bool isUnsetOr(NSInteger field, NSInteger value) noexcept {
   return !isSet(field) || field == value;
 }
@@ -119,12 +117,12 @@ class Pattern {
   }
 
   static NSCalendarUnit grainOf(NSUInteger mask) noexcept {
-    constexpr NSUInteger kYears = NSCalendarUnitEra | NSCalendarUnitYear;
-    constexpr NSUInteger kQuarters = kYears | NSCalendarUnitQuarter;
+    constexpr NSUInteger kEraAndYear = NSCalendarUnitEra | NSCalendarUnitYear;
+    constexpr NSUInteger kQuarters = kEraAndYear | NSCalendarUnitQuarter;
     constexpr NSUInteger kMonths = kQuarters | NSCalendarUnitMonth;
     constexpr NSUInteger kWeeks = kMonths | NSCalendarUnitWeekOfYear | NSCalendarUnitWeekOfMonth |
                                   NSCalendarUnitYearForWeekOfYear;
-    if ((mask & ~kYears) == 0) return NSCalendarUnitYear;
+    if ((mask & ~kEraAndYear) == 0) return NSCalendarUnitYear;
     if ((mask & ~kQuarters) == 0) return NSCalendarUnitQuarter;
     if ((mask & ~kMonths) == 0) return NSCalendarUnitMonth;
     return (mask & ~kWeeks) == 0 ? NSCalendarUnitWeek : NSCalendarUnitDay;

@@ -10,9 +10,7 @@
 namespace ORLFoundation::internal::time {
 namespace {
 
-using Kind = OtherCalendar::Kind;
-
-constexpr Kind kKinds[] = {
+constexpr OtherCalendar::Kind kKinds[] = {
     {"buddhist", true, 365.2425, 12}, {"chinese", false, 365.2422, 12.3683},
     {"coptic", false, 365.25, 13},    {"hebrew", false, 365.2468, 12.3684},
     {"indian", true, 365.2425, 12},   {"islamic-umalqura", true, 354.3667, 12},
@@ -24,16 +22,11 @@ constexpr NSUInteger kTimeUnits =
     NSCalendarUnitHour | NSCalendarUnitMinute | NSCalendarUnitSecond | NSCalendarUnitNanosecond;
 /// What is the same in all calendars: the times of a day and the days of a week.
 constexpr NSUInteger kCommonUnits = kTimeUnits | NSCalendarUnitWeekday;
-constexpr NSUInteger kWeekUnits = NSCalendarUnitWeek | NSCalendarUnitWeekOfYear |
-                                  NSCalendarUnitWeekOfMonth | NSCalendarUnitWeekdayOrdinal;
-constexpr NSUInteger kDayUnits = NSCalendarUnitDay | NSCalendarUnitWeekday | kWeekUnits;
-constexpr NSUInteger kYearUnits = NSCalendarUnitYear | NSCalendarUnitYearForWeekOfYear;
+constexpr NSUInteger kWeekAndPlaceUnits = NSCalendarUnitWeek | NSCalendarUnitWeekOfYear |
+                                          NSCalendarUnitWeekOfMonth | NSCalendarUnitWeekdayOrdinal;
+constexpr NSUInteger kDayUnits = NSCalendarUnitDay | NSCalendarUnitWeekday | kWeekAndPlaceUnits;
+constexpr NSUInteger kKindsOfYear = NSCalendarUnitYear | NSCalendarUnitYearForWeekOfYear;
 constexpr NSInteger kFarthestStep = 500'000;  // in months
-constexpr NSRange kNoRange{static_cast<NSUInteger>(NSNotFound), 0};
-
-NSRange rangeFrom(std::int64_t location, std::int64_t length) noexcept {
-  return {static_cast<NSUInteger>(location), static_cast<NSUInteger>(length)};
-}
 
 /// The field by which ICU counts a unit; UCAL_FIELD_COUNT for none.
 UCalendarDateFields fieldOfUnit(NSCalendarUnit unit) noexcept {
@@ -63,7 +56,7 @@ UCalendarDateFields fieldOfUnit(NSCalendarUnit unit) noexcept {
 }  // namespace
 
 std::shared_ptr<const OtherCalendar> OtherCalendar::withIdentifier(std::string_view identifier) {
-  for (const Kind& kind : kKinds) {
+  for (const OtherCalendar::Kind& kind : kKinds) {
     if (identifier == kind.identifier) return std::make_shared<const OtherCalendar>(kind);
   }
   return nullptr;
@@ -178,7 +171,7 @@ NSDateComponents OtherCalendar::differenceOfInstants(const CalendarRules& rules,
   for (const Step& step : kSteps) {
     if (step.kind != StepKind::kMonths || !(mask & step.unit)) continue;
     if (step.unit == NSCalendarUnitQuarter && !kind_->hasQuarters) continue;
-    const NSCalendarUnit counted = (step.unit & kYearUnits) ? NSCalendarUnitYear : step.unit;
+    const NSCalendarUnit counted = (step.unit & kKindsOfYear) ? NSCalendarUnitYear : step.unit;
     const NSInteger count = countSteps(rules, counted, from, to);
     result.setValueForComponent(count, step.unit);
     from = addUnit(rules, counted, count, from, false);
@@ -231,7 +224,7 @@ InstantRange OtherCalendar::rangeAroundInstant(const CalendarRules& rules, NSCal
 
 NSRange OtherCalendar::rangeWithin(const CalendarRules& rules, NSCalendarUnit unit,
                                    NSCalendarUnit larger, Instant instant) const {
-  constexpr NSUInteger kSpans = kYearUnits | NSCalendarUnitQuarter | NSCalendarUnitMonth;
+  constexpr NSUInteger kSpans = kKindsOfYear | NSCalendarUnitQuarter | NSCalendarUnitMonth;
   const int rung = rungOfUnit(unit);
   if (rung == 0 || rung >= rungOfUnit(larger)) return kNoRange;
   if (larger == NSCalendarUnitEra || rung < rungOfUnit(NSCalendarUnitDay))
@@ -269,7 +262,7 @@ NSRange OtherCalendar::limits(const CalendarRules& rules, NSCalendarUnit unit, b
   const OtherDays days(*kind_, rules);
   const std::int32_t shift = unit == NSCalendarUnitMonth ? 1 : 0;
   const std::int32_t least = std::max(days.limit(field, largest, false) + shift,
-                                      unit & kYearUnits ? std::int32_t{1} : std::int32_t{0});
+                                      unit & kKindsOfYear ? std::int32_t{1} : std::int32_t{0});
   const std::int32_t most = days.limit(field, largest, true) + shift;
   return rangeFrom(least, std::int64_t{most} - least + 1);
 }

@@ -45,13 +45,11 @@ std::unique_ptr<icu::Calendar> calendarOfKind(const OtherCalendar::Kind& kind) {
   return std::unique_ptr<icu::Calendar>(prototype ? prototype->clone() : nullptr);
 }
 
-bool isSet(NSInteger value) noexcept { return value != NSDateComponentUndefined; }
-
 bool isCounted(NSInteger value) noexcept {
   return !isSet(value) || (value >= -kMaxOtherField && value <= kMaxOtherField);
 }
 
-std::int32_t valueOr(NSInteger value, std::int32_t smallest) noexcept {
+std::int32_t countedOr(NSInteger value, std::int32_t smallest) noexcept {
   return isSet(value) ? static_cast<std::int32_t>(value) : smallest;
 }
 
@@ -67,14 +65,14 @@ bool areCounted(const NSDateComponents& fields) noexcept {
   return true;
 }
 
-std::int32_t daysIntoWeek(const CalendarRules& rules, std::int32_t weekday) noexcept {
+std::int32_t otherDaysIntoWeek(const CalendarRules& rules, std::int32_t weekday) noexcept {
   const auto weeks = static_cast<std::int32_t>(civil::floorDivide(weekday - 1, 7));
   return weeks * 7 +
          static_cast<std::int32_t>(civil::floorModulo(weekday - weeks * 7 - rules.firstWeekday, 7));
 }
 
-std::int32_t dayOfOrdinal(OtherDays& days, std::int32_t first, std::int32_t weekday,
-                          std::int32_t ordinal) {
+std::int32_t dayOfOtherOrdinal(OtherDays& days, std::int32_t first, std::int32_t weekday,
+                               std::int32_t ordinal) {
   const auto into =
       static_cast<std::int32_t>(civil::floorModulo(weekday - civil::weekdayOfDay(first), 7));
   if (ordinal >= 0) return first + into + (ordinal - 1) * 7;
@@ -82,30 +80,30 @@ std::int32_t dayOfOrdinal(OtherDays& days, std::int32_t first, std::int32_t week
   return first + into + (length - 1 - into) / 7 * 7 + (ordinal + 1) * 7;
 }
 
-std::int32_t dayNamedByMonth(const OtherCalendar::Kind& kind, OtherDays& days,
-                             const CalendarRules& rules, const NSDateComponents& fields) {
+std::int32_t dayNamedByOtherMonth(const OtherCalendar::Kind& kind, OtherDays& days,
+                                  const CalendarRules& rules, const NSDateComponents& fields) {
   const std::int32_t quarterMonth =
-      kind.hasQuarters ? valueOr(fields.quarter(), 1) * 3 - 2 : std::int32_t{1};
-  const std::int32_t first = days.firstOfMonth(fields, valueOr(fields.month(), quarterMonth));
-  if (isSet(fields.day())) return first + valueOr(fields.day(), 1) - 1;
+      kind.hasQuarters ? countedOr(fields.quarter(), 1) * 3 - 2 : std::int32_t{1};
+  const std::int32_t first = days.firstOfMonth(fields, countedOr(fields.month(), quarterMonth));
+  if (isSet(fields.day())) return first + countedOr(fields.day(), 1) - 1;
   const bool byWeek = isSet(fields.weekOfMonth()) && !isSet(fields.weekdayOrdinal());
   if (byWeek) {
-    return firstWeekFrom(rules, first) + (valueOr(fields.weekOfMonth(), 1) - 1) * 7 +
-           daysIntoWeek(rules, valueOr(fields.weekday(), rules.firstWeekday));
+    return firstWeekFrom(rules, first) + (countedOr(fields.weekOfMonth(), 1) - 1) * 7 +
+           otherDaysIntoWeek(rules, countedOr(fields.weekday(), rules.firstWeekday));
   }
-  return dayOfOrdinal(days, first, valueOr(fields.weekday(), civil::weekdayOfDay(first)),
-                      valueOr(fields.weekdayOrdinal(), 1));
+  return dayOfOtherOrdinal(days, first, countedOr(fields.weekday(), civil::weekdayOfDay(first)),
+                           countedOr(fields.weekdayOrdinal(), 1));
 }
 
-std::int32_t dayNamedByWeekOfYear(OtherDays& days, const CalendarRules& rules,
-                                  const NSDateComponents& fields) {
-  std::int32_t year = valueOr(fields.yearForWeekOfYear(), 1);
+std::int32_t dayNamedByOtherWeek(OtherDays& days, const CalendarRules& rules,
+                                 const NSDateComponents& fields) {
+  std::int32_t year = countedOr(fields.yearForWeekOfYear(), 1);
   if (!isSet(fields.yearForWeekOfYear())) {
     days.goTo(days.firstOfMonth(fields, 1));
     year = days.get(UCAL_EXTENDED_YEAR);
   }
-  return days.firstOfWeekYear(year) + (valueOr(fields.weekOfYear(), 1) - 1) * 7 +
-         daysIntoWeek(rules, valueOr(fields.weekday(), rules.firstWeekday));
+  return days.firstOfWeekYear(year) + (countedOr(fields.weekOfYear(), 1) - 1) * 7 +
+         otherDaysIntoWeek(rules, countedOr(fields.weekday(), rules.firstWeekday));
 }
 
 }  // namespace
@@ -181,8 +179,8 @@ std::int32_t OtherDays::firstOfMonth(std::int32_t extendedYear, std::int32_t mon
 std::int32_t OtherDays::firstOfMonth(const NSDateComponents& fields, std::int32_t month) {
   if (!isGood()) return 0;
   calendar_->clear();
-  if (isSet(fields.era())) calendar_->set(UCAL_ERA, valueOr(fields.era(), 0));
-  calendar_->set(UCAL_YEAR, valueOr(fields.year(), 1));
+  if (isSet(fields.era())) calendar_->set(UCAL_ERA, countedOr(fields.era(), 0));
+  calendar_->set(UCAL_YEAR, countedOr(fields.year(), 1));
   calendar_->set(UCAL_MONTH, month - 1);
   calendar_->set(UCAL_DATE, 1);
   return day();
@@ -196,8 +194,9 @@ std::optional<std::int64_t> dayOfFields(const OtherCalendar::Kind& kind, const C
                                         const NSDateComponents& fields) {
   if (!areCounted(fields)) return std::nullopt;
   OtherDays days(kind, rules);
-  const std::int32_t day = isNamedByWeekOfYear(fields) ? dayNamedByWeekOfYear(days, rules, fields)
-                                                       : dayNamedByMonth(kind, days, rules, fields);
+  const std::int32_t day = isNamedByWeekOfYear(fields)
+                               ? dayNamedByOtherWeek(days, rules, fields)
+                               : dayNamedByOtherMonth(kind, days, rules, fields);
   if (!days.isGood() || !OtherDays::isInRange(day)) return std::nullopt;
   return day;
 }

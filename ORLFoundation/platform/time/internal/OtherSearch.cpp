@@ -11,13 +11,13 @@ namespace ORLFoundation::internal::time {
 namespace {
 
 // A year's number comes again after 60 years at most where its cycle is not told.
-constexpr int kMonthsToSearch = 61 * 13;
+constexpr int kMonthsToWalk = 61 * 13;
 
-constexpr NSUInteger kMonthUnits =
+constexpr NSUInteger kMonthGrains =
     NSCalendarUnitEra | NSCalendarUnitYear | NSCalendarUnitQuarter | NSCalendarUnitMonth;
-constexpr NSUInteger kWeekUnits =
+constexpr NSUInteger kWeekGrains =
     NSCalendarUnitWeekOfYear | NSCalendarUnitWeekOfMonth | NSCalendarUnitYearForWeekOfYear;
-constexpr NSUInteger kDateUnits = kMonthUnits | kWeekUnits | NSCalendarUnitDay |
+constexpr NSUInteger kDayGrains = kMonthGrains | kWeekGrains | NSCalendarUnitDay |
                                   NSCalendarUnitWeekday | NSCalendarUnitWeekdayOrdinal;
 
 // The wanted fields of days, against a calendar that stands at a day.
@@ -37,10 +37,10 @@ class OtherPattern {
   }
   // Whether the smallest unit that is named begins on the day.
   bool begins(std::int32_t day) {
-    if ((mask_ & ~(kMonthUnits | kWeekUnits)) != 0) return true;
+    if ((mask_ & ~(kMonthGrains | kWeekGrains)) != 0) return true;
     days_.goTo(day);
-    if (mask_ & kWeekUnits) {
-      return dayOfWeek(rules_, day) == 0 || !matches(day - 1, kDateUnits);
+    if (mask_ & kWeekGrains) {
+      return dayOfWeek(rules_, day) == 0 || !matches(day - 1, kDayGrains);
     }
     if (days_.get(UCAL_DATE) != 1) return false;
     if (mask_ & NSCalendarUnitMonth) return true;
@@ -105,12 +105,12 @@ Instant OtherCalendar::nearestMatch(const CalendarRules& rules, const NSDateComp
   const std::int32_t origin = localDayTime(rules, from.seconds).day - onward;
   if (!OtherDays::isInRange(origin)) return Instant::none();
   std::int32_t day = firstDayToTry(pattern.days(), fields, origin, backward);
-  for (int months = 0; months < kMonthsToSearch && OtherDays::isInRange(day); ++months) {
+  for (int months = 0; months < kMonthsToWalk && OtherDays::isInRange(day); ++months) {
     const DayRange month = daysAround(pattern.days(), NSCalendarUnitMonth, day);
     if (!pattern.days().isGood()) break;
-    const bool monthMatches = pattern.matches(day, kMonthUnits);
+    const bool monthMatches = pattern.matches(day, kMonthGrains);
     for (; monthMatches && day >= month.begin && day < month.end; day += onward) {
-      if (!pattern.matches(day, kDateUnits) || !pattern.begins(day)) continue;
+      if (!pattern.matches(day, kDayGrains) || !pattern.begins(day)) continue;
       const Instant found = nearestTimeOfDay(rules, fields, day, from, backward, strict);
       if (found.exists()) return found;
     }

@@ -1,6 +1,6 @@
 #include <ORLFoundation/platform/types/internal/BuiltInTypes.h>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::types {
 
 const UTTypeTable& builtInTypes() {
   // Never destroyed: constants of other sources are looked up in it.
@@ -40,4 +40,4 @@ const UTTypeTable& builtInTypes() {
   return table;
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::types

@@ -3,8 +3,8 @@
 
 #include <ORLFoundation/platform/types/UTTypeCatalog.h>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::types {
 
 [[nodiscard]] const UTTypeTable& builtInTypes();
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::types

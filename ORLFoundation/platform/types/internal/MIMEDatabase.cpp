@@ -8,7 +8,7 @@
 #include <iterator>
 #include <utility>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::types {
 namespace {
 
 constexpr std::streamoff kMostBytes = 16 << 20;
@@ -128,4 +128,4 @@ std::string MIMEDatabase::nameOf(std::string_view mimeType) const {
 
 bool MIMEDatabase::knows(std::string_view mimeType) const { return names_.contains(mimeType); }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::types

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::types {
 
 class MIMEDatabase {
  public:
@@ -46,4 +46,4 @@ class MIMEDatabase {
   std::set<std::string, std::less<>> names_;
 };
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::types

@@ -4,7 +4,7 @@
 
 #include <ORLFoundation/platform/base/Hexadecimal.h>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::value {
 
 bool isPercentEscapeAt(std::string_view text, std::size_t index) noexcept {
   return text[index] == '%' && base::hexByteAt(text, index + 1).has_value();
@@ -25,4 +25,4 @@ std::string withoutPercentEscapes(std::string_view text) {
   return out;
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::value

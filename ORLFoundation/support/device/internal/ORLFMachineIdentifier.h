@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::device {
 
 /// The 32 hex digits in lower case of the first file that holds such an identifier, other than
 /// zero, alone on its first line; nil when no file does.
@@ -14,4 +14,4 @@ namespace ORLFoundation::internal {
 /// The device identifier of a machine that is known by a text.
 [[nodiscard]] std::string deviceIdentifierOf(std::string_view machine);
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::device

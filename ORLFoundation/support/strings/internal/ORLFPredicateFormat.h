@@ -4,10 +4,10 @@
 #include <string>
 #include <string_view>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::strings {
 
 /// "%K ==[cd] %@"; without either flag there are no brackets.
 [[nodiscard]] std::string stringPredicateFormat(std::string_view comparisonOperator,
                                                 bool caseInsensitive, bool diacriticInsensitive);
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::strings
