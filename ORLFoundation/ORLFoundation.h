@@ -20,6 +20,7 @@
 #include <ORLFoundation/calendar/ORLFISO8601.h>
 #include <ORLFoundation/decimal/ORLFDecimal.h>
 #include <ORLFoundation/decimal/ORLFDecimalAmount.h>
+#include <ORLFoundation/decimal/ORLFDecimalErrorBehavior.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
 #include <ORLFoundation/decimal/ORLFDecimalSolver.h>
@@ -27,6 +28,12 @@
 #include <ORLFoundation/decimal/ORLFMutableDecimalNumberHandler.h>
 #include <ORLFoundation/decimal/ORLFNegateDecimalNumberTransformer.h>
 #include <ORLFoundation/decimal/ORLFRoundingBehavior.h>
+#include <ORLFoundation/interchange/sgml/ORLFSGMLConversion.h>
+#include <ORLFoundation/interchange/sgml/ORLFXMLEntities.h>
+#include <ORLFoundation/interchange/tabular/ORLFScannerUtilities.h>
+#include <ORLFoundation/interchange/tabular/ORLFTabularDataWriter.h>
+#include <ORLFoundation/interchange/tabular/ORLFTabularRowReader.h>
+#include <ORLFoundation/interchange/xmlwriting/ORLFXMLWriter.h>
 #include <ORLFoundation/platform/alert/NSAlert.h>
 #include <ORLFoundation/platform/alert/NSAlertPresenter.h>
 #include <ORLFoundation/platform/alert/NSAssertionHandler.h>
@@ -66,6 +73,7 @@
 #include <ORLFoundation/platform/object/NSIndexSet.h>
 #include <ORLFoundation/platform/object/NSKeyTable.h>
 #include <ORLFoundation/platform/object/NSKeyValueObserving.h>
+#include <ORLFoundation/platform/object/NSMutableData.h>
 #include <ORLFoundation/platform/object/NSNull.h>
 #include <ORLFoundation/platform/object/NSNumber.h>
 #include <ORLFoundation/platform/object/NSObject.h>
@@ -81,6 +89,8 @@
 #include <ORLFoundation/platform/process/NSUserActivity.h>
 #include <ORLFoundation/platform/text/NSAttributedString.h>
 #include <ORLFoundation/platform/text/NSCharacterSet.h>
+#include <ORLFoundation/platform/text/NSScanner.h>
+#include <ORLFoundation/platform/text/NSStringBytes.h>
 #include <ORLFoundation/platform/text/NSStringCase.h>
 #include <ORLFoundation/platform/text/NSStringEncoding.h>
 #include <ORLFoundation/platform/text/NSStringNumbers.h>

@@ -3,6 +3,8 @@
 
 #include <ORLFoundation/amortization/internal/ORLFRateSearch.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
+#include <ORLFoundation/platform/object/NSArray.h>
+#include <ORLFoundation/platform/time/NSCalendar.h>
 
 #include <charconv>
 #include <cmath>

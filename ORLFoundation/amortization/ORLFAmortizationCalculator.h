@@ -9,15 +9,18 @@
 #pragma once
 
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
-#include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSObject.h>
-#include <ORLFoundation/platform/time/NSCalendar.h>
+#include <ORLFoundation/platform/value/NSDate.h>
 
 #include <cstdint>
 #include <functional>
 #include <optional>
 
 namespace ORLFoundation {
+
+class id;
+class NSArray;
+class NSCalendar;
 
 /// A cash flow: its time in years from the present, and its amount.
 struct ORLFCashFlowPoint {

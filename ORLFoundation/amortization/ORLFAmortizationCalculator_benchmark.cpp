@@ -1,6 +1,7 @@
 // How fast the internal rate of return of many cash flows is found: of 10,000 flows within 50 ms.
 
 #include <ORLFoundation/amortization/ORLFAmortizationCalculator.h>
+#include <ORLFoundation/platform/object/NSArray.h>
 
 #include <benchmark/benchmark.h>
 

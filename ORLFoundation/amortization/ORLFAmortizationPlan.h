@@ -12,11 +12,11 @@
 #pragma once
 
 #include <ORLFoundation/amortization/ORLFAmortizationPlanSegment.h>
-#include <ORLFoundation/platform/archive/NSCoder.h>
+#include <ORLFoundation/platform/archive/NSSecureCoding.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
 #include <ORLFoundation/platform/number/NSDecimalNumberBehaviors.h>
 #include <ORLFoundation/platform/object/NSObject.h>
-#include <ORLFoundation/platform/time/NSCalendar.h>
+#include <ORLFoundation/platform/value/NSDate.h>
 
 #include <cstddef>
 #include <memory>
@@ -26,6 +26,8 @@
 #include <vector>
 
 namespace ORLFoundation {
+
+class NSCalendar;
 
 class ORLFAmortizationPlan : public NSObject, public NSSecureCoding {
  public:

@@ -4,6 +4,7 @@
 #include <ORLFoundation/amortization/ORLFAmortizationPlan.h>
 #include <ORLFoundation/amortization/internal/ORLFPlanKeys.h>
 #include <ORLFoundation/platform/object/NSKeyTable.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 
 namespace ORLFoundation {
 

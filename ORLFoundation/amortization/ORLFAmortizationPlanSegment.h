@@ -14,12 +14,11 @@
 /// stays in decimals. A total that is not finite becomes not-a-number.
 #pragma once
 
-#include <ORLFoundation/platform/archive/NSCoder.h>
+#include <ORLFoundation/platform/archive/NSSecureCoding.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
 #include <ORLFoundation/platform/number/NSDecimalNumberBehaviors.h>
 #include <ORLFoundation/platform/object/NSObject.h>
-#include <ORLFoundation/platform/time/NSCalendar.h>
-#include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
+#include <ORLFoundation/platform/value/NSDate.h>
 
 #include <memory>
 #include <optional>
@@ -27,7 +26,9 @@
 
 namespace ORLFoundation {
 
+class NSCalendar;
 class ORLFAmortizationPlan;
+class ORLFDateRecurrencePeriod;
 
 class ORLFAmortizationPlanSegment : public NSObject, public NSSecureCoding {
  public:

@@ -7,6 +7,8 @@
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
 #include <ORLFoundation/platform/base/CheckedArithmetic.h>
+#include <ORLFoundation/platform/time/NSCalendar.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 
 #include <cmath>
 

@@ -6,6 +6,7 @@
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
 #include <ORLFoundation/decimal/ORLFDecimalSolver.h>
+#include <ORLFoundation/platform/time/NSCalendar.h>
 
 #include <algorithm>
 

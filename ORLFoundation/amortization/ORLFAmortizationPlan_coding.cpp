@@ -6,6 +6,7 @@
 #include <ORLFoundation/amortization/internal/ORLFPlanKeys.h>
 #include <ORLFoundation/platform/archive/NSCoder.h>
 #include <ORLFoundation/platform/object/NSArray.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 
 #include <utility>
 

@@ -3,6 +3,8 @@
 
 #include <ORLFoundation/amortization/internal/ORLFPlanDates.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
+#include <ORLFoundation/platform/time/NSCalendar.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 
 #include <algorithm>
 

@@ -4,7 +4,7 @@
 #include <ORLFoundation/amortization/ORLFAmortizationPlan_testing.h>
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/object/NSArray.h>
-#include <ORLFoundation/platform/value/NSException.h>
+#include <ORLFoundation/platform/value/NSException_testing.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorCodec.h>
@@ -185,19 +185,14 @@ TEST(ORLFAmortizationPlan, CopiesToItsOwnClass) {
 TEST(ORLFAmortizationPlan, RefusesNullMembersAndStaysAsItIs) {
   const Plan plan = twoYears();
   const Plan before = copyOf(plan);
-  const auto reasonOf = [](const auto& change) {
-    try {
-      change();
-    } catch (const NSException& exception) {
-      return exception.name();
-    }
-    return std::string("nothing raised");
-  };
   const Segment other = makeSegment({});
-  EXPECT_EQ(reasonOf([&] { plan->setPlanSegment(nullptr, kJan24, kJan25, false); }),
+  EXPECT_EQ(nameOfException([&] { plan->setPlanSegment(nullptr, kJan24, kJan25, false); }),
             NSInvalidArgumentException);
-  EXPECT_EQ(reasonOf([&] { plan->setSegments({other, nullptr}); }), NSInvalidArgumentException);
-  EXPECT_EQ(reasonOf([&] {
+  EXPECT_EQ(nameOfException([&] {
+              plan->setSegments({other, nullptr});
+            }),
+            NSInvalidArgumentException);
+  EXPECT_EQ(nameOfException([&] {
               plan->setValueForKey(NSArray::arrayWithObjects({id(other), id("text")}), "segments");
             }),
             NSInvalidArgumentException);

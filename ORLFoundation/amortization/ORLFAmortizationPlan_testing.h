@@ -6,6 +6,7 @@
 #include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber_testing.h>
 #include <ORLFoundation/platform/time/NSCalendar_testing.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 
 #include <cstdio>
 #include <memory>

@@ -1,6 +1,8 @@
 
 
 #include <ORLFoundation/amortization/ORLFPaymentSchedules.h>
+#include <ORLFoundation/platform/time/NSCalendar.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 
 #include <cmath>
 #include <initializer_list>

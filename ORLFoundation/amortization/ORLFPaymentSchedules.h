@@ -8,13 +8,16 @@
 /// what they generate is the rule's affair.
 #pragma once
 
-#include <ORLFoundation/platform/time/NSCalendar.h>
-#include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+#include <ORLFoundation/platform/value/NSDate.h>
+#include <ORLFoundation/platform/value/NSTypes.h>
 
 #include <memory>
 #include <optional>
 
 namespace ORLFoundation {
+
+class NSCalendar;
+class ORLFDateRecurrenceRule;
 
 using ORLFPaymentSchedule = std::shared_ptr<ORLFDateRecurrenceRule>;
 

@@ -22,7 +22,7 @@ std::shared_ptr<NSCalendar> calendarOf(const Json& in) {
 NSDate dateOf(const Json& in, const char* key) {
   return orlftest::dateFromVector(in.at(key)).value();
 }
-NSCalendarUnit unitOf(const Json& in) {
+NSCalendarUnit unitIn(const Json& in) {
   return static_cast<NSCalendarUnit>(in.at("unit").get<NSUInteger>());
 }
 
@@ -54,7 +54,7 @@ TEST(ORLFCalendarArithmetic, AgreesWithVectorsOfSingleOperations) {
           return orlftest::disagreement(
               orlftest::dateFromVector(out),
               orlfDateByAddingInterval(*calendarOf(in), in.at("interval").get<NSInteger>(),
-                                       unitOf(in), dateOf(in, "date")));
+                                       unitIn(in), dateOf(in, "date")));
         }},
        {"orlfDate:onSameDayAsDate:", [](const Json& in, const Json& out) {
           const NSComparisonResult result =
@@ -71,12 +71,12 @@ TEST(ORLFCalendarRounding, AgreesWithVectors) {
         [](const Json& in, const Json& out) {
           return orlftest::disagreement(orlftest::dateFromVector(out),
                                         orlfDateByRoundingDateDownToCalendarUnit(
-                                            *calendarOf(in), dateOf(in, "date"), unitOf(in)));
+                                            *calendarOf(in), dateOf(in, "date"), unitIn(in)));
         }},
        {"up", [](const Json& in, const Json& out) {
           return orlftest::disagreement(orlftest::dateFromVector(out),
                                         orlfDateByRoundingDateUpToCalendarUnit(
-                                            *calendarOf(in), dateOf(in, "date"), unitOf(in)));
+                                            *calendarOf(in), dateOf(in, "date"), unitIn(in)));
         }}});
 }
 
@@ -84,7 +84,7 @@ std::string counted(const Json& in, const Json& out) {
   const LogCapture log;
   const double expected = out.at("count").get<double>();
   const double count =
-      orlfCountOfCalendarUnit(*calendarOf(in), unitOf(in), dateOf(in, "from"), dateOf(in, "to"));
+      orlfCountOfCalendarUnit(*calendarOf(in), unitIn(in), dateOf(in, "from"), dateOf(in, "to"));
   constexpr double kRelativeTolerance = 1e-12;
   if (!(std::abs(count - expected) <= kRelativeTolerance * std::abs(expected)))
     return orlftest::disagreement(expected, count);
@@ -97,7 +97,7 @@ TEST(ORLFCalendarArithmetic, AgreesWithVectorsOfCounts) {
       {{"orlfIntervalInCalendarUnit",
         [](const Json& in, const Json& out) {
           return orlftest::disagreement(
-              out, Json(orlfIntervalInCalendarUnit(*calendarOf(in), unitOf(in), dateOf(in, "from"),
+              out, Json(orlfIntervalInCalendarUnit(*calendarOf(in), unitIn(in), dateOf(in, "from"),
                                                    dateOf(in, "to"))));
         }},
        {"orlfCountOfCalendarUnit", counted}});

@@ -23,12 +23,12 @@ class FarDates : public testing::TestWithParam<double> {
   const NSDate today_ = at(*calendar_, 2024, 5, 6);
 };
 
-constexpr ORLFCalendarInterval kIntervals[] = {
+constexpr ORLFCalendarInterval kAllIntervals[] = {
     ORLFCalendarIntervalWeek,    ORLFCalendarIntervalTwoWeeks, ORLFCalendarIntervalMonth,
     ORLFCalendarIntervalQuarter, ORLFCalendarIntervalYear,     ORLFCalendarIntervalDay};
 
 TEST_P(FarDates, HaveNoIntervals) {
-  for (const ORLFCalendarInterval interval : kIntervals) {
+  for (const ORLFCalendarInterval interval : kAllIntervals) {
     EXPECT_FALSE(dateByRoundingDownDate(*calendar_, date_, interval)) << interval;
     EXPECT_FALSE(dateByAddingInterval(*calendar_, interval, 1, date_)) << interval;
     EXPECT_EQ(numberOfIntervals(*calendar_, interval, date_, today_), 0) << interval;

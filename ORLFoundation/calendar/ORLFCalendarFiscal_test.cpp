@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/calendar/ORLFCalendarFiscal.h>
 
+#include <ORLFoundation/calendar/ORLFCalendarDays_testing.h>
 #include <ORLFoundation/calendar/ORLFCalendarIntervals.h>
 #include <ORLFoundation/calendar/ORLFCalendarRatios.h>
 #include <gtest/gtest.h>
@@ -10,22 +11,12 @@
 namespace ORLFoundation {
 namespace {
 
+using orlftest::day;
 using orlftest::Json;
+using orlftest::text;
+using orlftest::unitOf;
+using orlftest::utcCalendar;
 
-const NSCalendar& utcCalendar() {
-  static const auto calendar =
-      orlftest::calendarFromVector(Json{{"zone", "UTC"}, {"first_weekday", 1}, {"min_days", 1}});
-  return *calendar;
-}
-
-NSDate day(const char* date) { return *orlftest::dateFromVector(std::string(date) + "T00:00:00Z"); }
-std::string text(std::optional<NSDate> date) {
-  return orlftest::vectorFromDate(date).substr(0, 10);
-}
-
-NSCalendarUnit unitOf(const Json& code) {
-  return static_cast<NSCalendarUnit>(code.get<NSUInteger>());
-}
 ORLFCalendarInterval intervalOf(const Json& code) {
   return static_cast<ORLFCalendarInterval>(code.get<std::int32_t>());
 }

@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/calendar/ORLFCalendarIntervals.h>
 
+#include <ORLFoundation/calendar/ORLFCalendarDays_testing.h>
 #include <ORLFoundation/platform/process/NSBundle.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorCodec.h>
@@ -8,18 +9,10 @@
 namespace ORLFoundation {
 namespace {
 
+using orlftest::day;
 using orlftest::Json;
-
-const NSCalendar& utcCalendar() {
-  static const auto calendar =
-      orlftest::calendarFromVector(Json{{"zone", "UTC"}, {"first_weekday", 1}, {"min_days", 1}});
-  return *calendar;
-}
-
-NSDate day(const char* date) { return *orlftest::dateFromVector(std::string(date) + "T00:00:00Z"); }
-std::string text(std::optional<NSDate> date) {
-  return orlftest::vectorFromDate(date).substr(0, 10);
-}
+using orlftest::text;
+using orlftest::utcCalendar;
 
 TEST(DateByRoundingDownDate, WeeksBeginOnSundayWhateverTheCalendarSays) {
   const auto monday =
@@ -70,12 +63,12 @@ TEST(DateByRoundingDownDate, ValuesOutsideTheSetGiveNil) {
                                       static_cast<ORLFCalendarInterval>(6)));
 }
 
-struct AddingCase {
+struct CountCase {
   ORLFCalendarInterval interval;
   NSInteger count;
   const char* date;
 };
-const AddingCase kAddings[] = {
+const CountCase kCounts[] = {
     {ORLFCalendarIntervalWeek, 2, "2024-02-14"},
     {ORLFCalendarIntervalTwoWeeks, 2, "2024-02-28"},
     {ORLFCalendarIntervalMonth, 1, "2024-02-29"},
@@ -86,7 +79,7 @@ const AddingCase kAddings[] = {
 };
 
 TEST(DateByAddingInterval, MatchesTable) {
-  for (const AddingCase& row : kAddings)
+  for (const CountCase& row : kCounts)
     EXPECT_EQ(text(dateByAddingInterval(utcCalendar(), row.interval, row.count, day("2024-01-31"))),
               row.date);
 }
@@ -96,11 +89,11 @@ TEST(DateByAddingInterval, CountsTooLargeGiveNil) {
                                     day("2024-01-31")));
 }
 
-struct IntervalCase {
+struct WordCase {
   NSInteger interval, inAYear, between;  // between 2023-01-31 and 2024-03-15
   const char *single, *plural, *singleCapital, *pluralCapital;
 };
-const IntervalCase kIntervals[] = {
+const WordCase kWords[] = {
     {0, 52, 58, "week", "weeks", "Week", "Weeks"},
     {1, 26, 29, "two weeks", "two weeks", "Two Weeks", "Two Weeks"},
     {2, 12, 13, "month", "months", "Month", "Months"},
@@ -112,7 +105,7 @@ const IntervalCase kIntervals[] = {
 };
 
 TEST(ORLFCalendarIntervals, MatchesTable) {
-  for (const IntervalCase& row : kIntervals) {
+  for (const WordCase& row : kWords) {
     const auto interval = static_cast<ORLFCalendarInterval>(row.interval);
     const auto name = [&](bool capitalize, NSInteger count) {
       return calendarUnitNameForIntervalType(utcCalendar(), interval, capitalize, count);

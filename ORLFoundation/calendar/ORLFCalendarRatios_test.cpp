@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/calendar/ORLFCalendarRatios.h>
 
+#include <ORLFoundation/calendar/ORLFCalendarDays_testing.h>
 #include <ORLFoundation/platform/process/NSBundle.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorCodec.h>
@@ -8,11 +9,7 @@
 namespace ORLFoundation {
 namespace {
 
-const NSCalendar& utcCalendar() {
-  static const auto calendar = orlftest::calendarFromVector(
-      orlftest::Json{{"zone", "UTC"}, {"first_weekday", 1}, {"min_days", 1}});
-  return *calendar;
-}
+using orlftest::utcCalendar;
 
 std::optional<NSDate> january2024() { return orlftest::dateFromVector("2024-01-20T12:00:00Z"); }
 

@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/calendar/ORLFCalendarSeries.h>
 
+#include <ORLFoundation/calendar/ORLFCalendarDays_testing.h>
 #include <ORLFoundation/calendar/ORLFCalendarRatios.h>
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
@@ -11,13 +12,10 @@
 namespace ORLFoundation {
 namespace {
 
+using orlftest::day;
 using orlftest::Json;
-
-NSCalendarUnit unitOf(const Json& code) {
-  return static_cast<NSCalendarUnit>(code.get<NSUInteger>());
-}
-
-NSDate day(const char* date) { return *orlftest::dateFromVector(std::string(date) + "T00:00:00Z"); }
+using orlftest::unitOf;
+using orlftest::utcCalendar;
 
 std::vector<std::string> texts(const std::vector<NSDate>& dates) {
   std::vector<std::string> list;
@@ -25,12 +23,6 @@ std::vector<std::string> texts(const std::vector<NSDate>& dates) {
   return list;
 }
 using Texts = std::vector<std::string>;
-
-const NSCalendar& utcCalendar() {
-  static const auto calendar =
-      orlftest::calendarFromVector(Json{{"zone", "UTC"}, {"first_weekday", 1}, {"min_days", 1}});
-  return *calendar;
-}
 
 TEST(ORLFCalendarSeries, AgreesWithVectors) {
   const auto repeating = [](const Json& in, const Json& out) {

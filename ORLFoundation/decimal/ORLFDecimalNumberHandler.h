@@ -7,7 +7,8 @@
 ///     price.decimalNumberByDividingBy(count, toCents.get());  // nullopt when count is 0
 #pragma once
 
-#include <ORLFoundation/platform/archive/NSCoder.h>
+#include <ORLFoundation/decimal/ORLFDecimalErrorBehavior.h>
+#include <ORLFoundation/platform/archive/NSSecureCoding.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
 #include <ORLFoundation/platform/number/NSDecimalNumberBehaviors.h>
 #include <ORLFoundation/platform/object/NSObject.h>
@@ -19,13 +20,6 @@
 #include <string_view>
 
 namespace ORLFoundation {
-
-/// What an error does. Every other value raises too, so that an unknown code never fails silently.
-enum ORLFDecimalErrorBehavior : std::int32_t {
-  ORLFDecimalErrorBehaviorRaise = 0,
-  ORLFDecimalErrorBehaviorReturnNil = 1,
-  ORLFDecimalErrorBehaviorReturnZero = 2,
-};
 
 class ORLFDecimalNumberHandler : public NSObject,
                                  public NSDecimalNumberBehaviors,

@@ -4,6 +4,7 @@
 
 #include <ORLFoundation/decimal/ORLFMutableDecimalNumberHandler.h>
 #include <ORLFoundation/platform/archive/NSCoder.h>
+#include <ORLFoundation/platform/object/Id.h>
 
 #include <string_view>
 

@@ -44,7 +44,6 @@ class Search {
 
   /// 0, -10, -100, ... while they are too high; each of these is an upper bound.
   void findLower() {
-    candidate_ = NSDecimalNumber::zero();
     ask(candidate_);
     for (std::int16_t exponent = 1; isOpen() && said_ > 0; ++exponent) {
       upper_ = candidate_;
@@ -93,6 +92,7 @@ class Search {
   Optional upper_;
   const NSDecimalNumberBehaviors* behavior_;
   const ORLFDecimalSolverTest& test_;
+  /// The last one tried of the powers of ten; zero comes first.
   NSDecimalNumber candidate_;
   NSInteger said_ = 0;
   bool stop_ = false;

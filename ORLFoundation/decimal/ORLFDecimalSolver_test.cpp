@@ -158,8 +158,10 @@ TEST(ORLFDecimalSolver, LeavesBoundsThatAreFinerThanTheScale) {
 TEST(ORLFDecimalSolver, EndsWhereThePowersOfTenEnd) {
   const auto always = [](NSInteger answer) {
     return aproximateValueUsingLinearRegressionLowerBound(
-        std::nullopt, std::nullopt, places(2),
-        [=](const NSDecimalNumber&, bool&) { return answer; });
+        std::nullopt, std::nullopt, places(2), [=](const NSDecimalNumber& candidate, bool&) {
+          EXPECT_FALSE(candidate.decimalValue().isNaN());
+          return answer;
+        });
   };
   EXPECT_EQ(always(1), std::nullopt);
   EXPECT_EQ(always(-1), std::nullopt);

@@ -2,6 +2,7 @@
 #include <ORLFoundation/decimal/ORLFNegateDecimalNumberTransformer.h>
 
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
+#include <ORLFoundation/platform/object/Id.h>
 
 #include <memory>
 

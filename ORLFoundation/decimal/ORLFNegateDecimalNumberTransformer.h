@@ -2,12 +2,13 @@
 /// value transformer under the class's name in every program that includes this header.
 #pragma once
 
-#include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/object/NSValueTransformer.h>
 
 #include <string>
 
 namespace ORLFoundation {
+
+class id;
 
 class ORLFNegateDecimalNumberTransformer : public NSValueTransformer {
  public:

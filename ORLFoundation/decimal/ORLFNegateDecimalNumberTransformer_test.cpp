@@ -2,6 +2,7 @@
 #include <ORLFoundation/decimal/ORLFNegateDecimalNumberTransformer.h>
 
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
+#include <ORLFoundation/platform/object/Id.h>
 #include <gtest/gtest.h>
 
 namespace ORLFoundation {

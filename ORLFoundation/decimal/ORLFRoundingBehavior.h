@@ -10,7 +10,7 @@
 /// It never changes and may be shared between threads.
 #pragma once
 
-#include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
+#include <ORLFoundation/decimal/ORLFDecimalErrorBehavior.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
 #include <ORLFoundation/platform/number/NSDecimalNumberBehaviors.h>
 
@@ -29,9 +29,9 @@ class ORLFRoundingBehavior : public NSDecimalNumberBehaviors {
                                 std::int32_t errorBehavior = ORLFDecimalErrorBehaviorRaise);
 
   /// `roundingMode`
-  [[nodiscard]] NSRoundingMode roundingMode() const override;
+  [[nodiscard]] NSRoundingMode roundingMode() const override { return roundingMode_; }
   /// `scale`
-  [[nodiscard]] std::int16_t scale() const override;
+  [[nodiscard]] std::int16_t scale() const override { return scale_; }
   [[nodiscard]] bool ignoresLossOfPrecision() const override { return true; }
   /// `exceptionDuringOperation:error:leftOperand:rightOperand:`  Nothing, zero or an exception, as
   /// a handler with this error behaviour in all its fields answers.
@@ -41,7 +41,9 @@ class ORLFRoundingBehavior : public NSDecimalNumberBehaviors {
       const std::optional<NSDecimalNumber>& rightOperand) const override;
 
  private:
-  ORLFDecimalNumberHandler handler_;
+  NSRoundingMode roundingMode_;
+  std::int16_t scale_;
+  std::int32_t errorBehavior_;
 };
 
 }  // namespace ORLFoundation

@@ -10,11 +10,13 @@ namespace {
 
 using End = ORLFDateRecurrenceEnd;
 
-NSDate at(double seconds) { return NSDate::dateWithTimeIntervalSinceReferenceDate(seconds); }
+NSDate afterReference(double seconds) {
+  return NSDate::dateWithTimeIntervalSinceReferenceDate(seconds);
+}
 
 TEST(ORLFDateRecurrenceEnd, IsOneOfTwoKinds) {
-  const auto byDate = End::initEndWithEndDate(at(5));
-  EXPECT_EQ(byDate->endDate(), at(5));
+  const auto byDate = End::initEndWithEndDate(afterReference(5));
+  EXPECT_EQ(byDate->endDate(), afterReference(5));
   EXPECT_EQ(byDate->occurrenceCount(), 0U);
   const auto byCount = End::initEndWithOccurrenceCount(3);
   EXPECT_EQ(byCount->endDate(), std::nullopt);
@@ -30,37 +32,39 @@ constexpr EndCase kByDate[] = {
     {"Before", 99, false, true}, {"Exactly", 100, true, true}, {"After", 101, true, false}};
 
 TEST(ORLFDateRecurrenceEnd, EndsOnItsDateInEitherDirection) {
-  const auto end = End::initEndWithEndDate(at(100));
+  const auto end = End::initEndWithEndDate(afterReference(100));
   for (const EndCase& row : kByDate) {
-    EXPECT_EQ(end->shouldEndForDate(at(row.date), 1000, false), row.forward) << row.name;
-    EXPECT_EQ(end->shouldEndForDate(at(row.date), 0, true), row.backward) << row.name;
+    EXPECT_EQ(end->shouldEndForDate(afterReference(row.date), 1000, false), row.forward)
+        << row.name;
+    EXPECT_EQ(end->shouldEndForDate(afterReference(row.date), 0, true), row.backward) << row.name;
   }
 }
 
 TEST(ORLFDateRecurrenceEnd, EndsAfterItsCountOfDates) {
   const auto end = End::initEndWithOccurrenceCount(3);
   for (const bool backwards : {false, true}) {
-    EXPECT_FALSE(end->shouldEndForDate(at(0), 0, backwards));
-    EXPECT_FALSE(end->shouldEndForDate(at(0), 2, backwards));
-    EXPECT_TRUE(end->shouldEndForDate(at(0), 3, backwards));
+    EXPECT_FALSE(end->shouldEndForDate(afterReference(0), 0, backwards));
+    EXPECT_FALSE(end->shouldEndForDate(afterReference(0), 2, backwards));
+    EXPECT_TRUE(end->shouldEndForDate(afterReference(0), 3, backwards));
     EXPECT_TRUE(end->shouldEndForDate(std::nullopt, 4, backwards));
   }
-  EXPECT_TRUE(end->shouldEndForDate(at(0), -1, false));  // taken as unsigned
-  EXPECT_TRUE(End::initEndWithOccurrenceCount(0)->shouldEndForDate(at(0), 0, false));
+  EXPECT_TRUE(end->shouldEndForDate(afterReference(0), -1, false));  // taken as unsigned
+  EXPECT_TRUE(End::initEndWithOccurrenceCount(0)->shouldEndForDate(afterReference(0), 0, false));
 }
 
 TEST(ORLFDateRecurrenceEnd, LogsANilDateAndEnds) {
   const LogCapture log;
-  EXPECT_TRUE(End::initEndWithEndDate(at(100))->shouldEndForDate(std::nullopt, 0, false));
+  EXPECT_TRUE(
+      End::initEndWithEndDate(afterReference(100))->shouldEndForDate(std::nullopt, 0, false));
   EXPECT_EQ(log.lines(), std::vector<std::string>{"Condition Failed: date != nil NIL date for "
                                                   "ORLFDateRecurrenceEnd with and end date"});
 }
 
 TEST(ORLFDateRecurrenceEnd, IsEqualByDateWhereItHasOneElseByCountAlone) {
-  const auto byDate = End::initEndWithEndDate(at(5));
+  const auto byDate = End::initEndWithEndDate(afterReference(5));
   const auto none = End::initEndWithOccurrenceCount(0);
-  EXPECT_TRUE(byDate->isEqual(End::initEndWithEndDate(at(5)).get()));
-  EXPECT_FALSE(byDate->isEqual(End::initEndWithEndDate(at(6)).get()));
+  EXPECT_TRUE(byDate->isEqual(End::initEndWithEndDate(afterReference(5)).get()));
+  EXPECT_FALSE(byDate->isEqual(End::initEndWithEndDate(afterReference(6)).get()));
   EXPECT_TRUE(none->isEqual(byDate.get()));
   EXPECT_FALSE(byDate->isEqual(none.get()));
   EXPECT_FALSE(End::initEndWithOccurrenceCount(1)->isEqual(none.get()));
@@ -69,7 +73,7 @@ TEST(ORLFDateRecurrenceEnd, IsEqualByDateWhereItHasOneElseByCountAlone) {
 }
 
 TEST(ORLFDateRecurrenceEnd, HashesItsDateElseItsCount) {
-  EXPECT_EQ(End::initEndWithEndDate(at(5))->hash(), at(5).hash());
+  EXPECT_EQ(End::initEndWithEndDate(afterReference(5))->hash(), afterReference(5).hash());
   EXPECT_EQ(End::initEndWithOccurrenceCount(7)->hash(), 7U);
 }
 
@@ -78,9 +82,9 @@ TEST(ORLFDateRecurrenceEnd, CopiesToItselfAlthoughItHasSetters) {
   const auto copy = copyOf(end);
   EXPECT_EQ(copy, end);
   end->setOccurrenceCount(8);
-  end->setEndDate(at(1));
+  end->setEndDate(afterReference(1));
   EXPECT_EQ(copy->occurrenceCount(), 8U);
-  EXPECT_EQ(copy->endDate(), at(1));
+  EXPECT_EQ(copy->endDate(), afterReference(1));
 }
 
 TEST(ORLFDateRecurrenceEnd, CopiesOneOnTheStackToAnEqualEndOfItsClass) {
@@ -94,7 +98,7 @@ TEST(ORLFDateRecurrenceEnd, CopiesOneOnTheStackToAnEqualEndOfItsClass) {
       return std::make_shared<Deadline>(std::nullopt, 1);
     }
   };
-  Deadline deadline(at(5), 7);
+  Deadline deadline(afterReference(5), 7);
   const auto copy = std::dynamic_pointer_cast<Deadline>(deadline.copy());
   ASSERT_TRUE(copy);
   EXPECT_TRUE(copy->isEqual(&deadline));
@@ -107,9 +111,9 @@ TEST(ORLFDateRecurrenceEnd, IsReadAndSetByKey) {
   const auto end = End::initEndWithOccurrenceCount(7);
   EXPECT_EQ(end->className(), "ORLFDateRecurrenceEnd");
   end->setValueForKey(9, "occurrenceCount");
-  end->setValueForKey(at(1), "endDate");
+  end->setValueForKey(afterReference(1), "endDate");
   EXPECT_EQ(end->valueForKey("occurrenceCount").as<NSUInteger>(), 9U);
-  EXPECT_EQ(end->valueForKey("endDate").as<NSDate>(), at(1));
+  EXPECT_EQ(end->valueForKey("endDate").as<NSDate>(), afterReference(1));
 }
 
 }  // namespace

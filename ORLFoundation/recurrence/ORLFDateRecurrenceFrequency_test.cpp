@@ -12,7 +12,7 @@ struct FrequencyCase {
   const char* description;
 };
 /// From the most to the least frequent.
-constexpr FrequencyCase kFrequencies[] = {
+constexpr FrequencyCase kNamedFrequencies[] = {
     {ORLFDateRecurrenceFrequencyDaily, 16, 365, "daily"},
     {ORLFDateRecurrenceFrequencyWeekly, 8192, 52, "weekly"},
     {ORLFDateRecurrenceFrequencyMonthly, 8, 12, "monthly"},
@@ -21,7 +21,7 @@ constexpr FrequencyCase kFrequencies[] = {
 };
 
 TEST(ORLFDateRecurrenceFrequency, HasCodesCountsAndWords) {
-  for (const FrequencyCase& row : kFrequencies) {
+  for (const FrequencyCase& row : kNamedFrequencies) {
     EXPECT_EQ(static_cast<NSInteger>(row.frequency), row.value);
     EXPECT_EQ(countInYear(row.frequency), row.countInYear);
     EXPECT_EQ(description(row.frequency), row.description);
@@ -29,8 +29,8 @@ TEST(ORLFDateRecurrenceFrequency, HasCodesCountsAndWords) {
 }
 
 TEST(ORLFDateRecurrenceFrequency, OrdersTheMoreFrequentFirst) {
-  for (const FrequencyCase& left : kFrequencies) {
-    for (const FrequencyCase& right : kFrequencies) {
+  for (const FrequencyCase& left : kNamedFrequencies) {
+    for (const FrequencyCase& right : kNamedFrequencies) {
       const bool less = &left < &right;
       const bool same = &left == &right;
       EXPECT_EQ(left.frequency < right.frequency, less);

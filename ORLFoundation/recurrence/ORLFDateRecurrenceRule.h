@@ -2,9 +2,9 @@
 /// multiply the dates within each period. A rule holds no calendar; the calendar that an operation
 /// is given decides what the dates are.
 ///
-///     const auto rule =
-///     std::make_shared<ORLFDateRecurrenceRule>(ORLFDateRecurrenceRule::Recurrence{
-///         .frequency = ORLFDateRecurrenceFrequencyMonthly, .daysOfTheMonth = {{1, 15}}});
+///     const auto rule = std::make_shared<ORLFDateRecurrenceRule>(
+///         ORLFDateRecurrenceRule::Recurrence{.frequency = ORLFDateRecurrenceFrequencyMonthly,
+///                                            .daysOfTheMonth = {{1, 15}}});
 ///     rule->enumerateDatesForCalendarStartDate(
 ///         {.calendar = *calendar,
 ///          .startDate = start,

@@ -36,14 +36,14 @@ struct ZoneCase {
   const char* zone;
   int hour, minute;
 };
-constexpr ZoneCase kZones[] = {{"Asia/Kathmandu", 5, 45},
-                               {"Australia/Lord_Howe", 2, 15},
-                               {"Pacific/Apia", 0, 0},
-                               {"America/New_York", 2, 30},
-                               {"UTC", 0, 0}};
+constexpr ZoneCase kZoneCases[] = {{"Asia/Kathmandu", 5, 45},
+                                   {"Australia/Lord_Howe", 2, 15},
+                                   {"Pacific/Apia", 0, 0},
+                                   {"America/New_York", 2, 30},
+                                   {"UTC", 0, 0}};
 
 TEST_F(EnumerationLimits, AgreesForwardAndBackwardInOddZones) {
-  for (const ZoneCase& row : kZones) {
+  for (const ZoneCase& row : kZoneCases) {
     const auto calendar = calendarIn(row.zone);
     const Rule rule(Rule::Recurrence{.frequency = kMonthly, .daysOfTheMonth = {{7, 30}}});
     const NSDate start = at(*calendar, 2009, 12, 1, row.hour, row.minute);

@@ -2,6 +2,8 @@
 // of the good samples are written again there:
 //
 //     orlf_write_archives FOLDER
+//
+// A release keeps what it writes, but for the samples, in tests/data/archives/VERSION.
 #include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
 #include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
 #include <tests/archives/ArchiveSamples.h>

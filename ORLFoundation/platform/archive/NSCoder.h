@@ -15,14 +15,15 @@
 /// false, and whoever asked for the archive gets nil and the error. So `initWithCoder` need not
 /// check as it goes.
 ///
+/// A source that encodes or decodes objects includes Id.h, or the header of a collection, beside
+/// this one, which every header of an archived class would else carry with it.
+///
 /// `NSKeyedArchiver` takes the encoding operations and raises `NSInvalidArgumentException` for the
 /// others, `NSKeyedUnarchiver` the other way round. A coder is used from one thread at a time.
 #pragma once
 
 #include <ORLFoundation/platform/archive/NSCodingClass.h>
 #include <ORLFoundation/platform/archive/NSSecureCoding.h>
-#include <ORLFoundation/platform/object/Id.h>
-#include <ORLFoundation/platform/object/NSError.h>
 #include <ORLFoundation/platform/object/NSObject.h>
 
 #include <cstdint>
@@ -33,6 +34,9 @@
 #include <vector>
 
 namespace ORLFoundation {
+
+class id;
+class NSData;
 
 class NSCoder : public NSObject {
  public:
@@ -79,7 +83,7 @@ class NSCoder : public NSObject {
   /// members of a collection must be of the same classes.
   [[nodiscard]] virtual id decodeObject(NSCodingClasses ofClasses, std::string_view forKey);
   template <class... T>
-  [[nodiscard]] id decodeObjectOfClasses(std::string_view forKey) {
+  [[nodiscard]] auto decodeObjectOfClasses(std::string_view forKey) {
     return decodeObject(NSCodingClassesOf<T...>(), forKey);
   }
   /// `decodeObjectOfClass:forKey:`  The object as a T: a shared pointer, or an optional of a plain

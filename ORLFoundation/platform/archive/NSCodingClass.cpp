@@ -3,6 +3,7 @@
 #include <ORLFoundation/platform/archive/NSCodingClass.h>
 
 #include <map>
+#include <memory>
 #include <mutex>
 #include <utility>
 
@@ -28,10 +29,12 @@ bool NSCodingClass::isSubclassOf(const NSCodingClass& other) const noexcept {
   return false;
 }
 
-const NSCodingClass& NSCodingClass::define(std::unique_ptr<NSCodingClass> record) {
+const NSCodingClass& NSCodingClass::defineRecord(std::string_view name,
+                                                 const NSCodingClass* superclass, bool isSecure,
+                                                 InitWithCoder read) {
+  auto record = std::make_unique<NSCodingClass>(name, superclass, isSecure, read);
   const std::lock_guard lock(registry().mutex);
-  std::string name = record->name();
-  return *registry().records.try_emplace(std::move(name), std::move(record)).first->second;
+  return *registry().records.try_emplace(std::string(name), std::move(record)).first->second;
 }
 
 const NSCodingClass* NSCodingClass::named(std::string_view name) {

@@ -12,25 +12,31 @@
 ///
 /// Naming the class where it is allowed, `decodeObjectOfClass<ORLFDateRecurrencePeriod>(key)`,
 /// calls that operation, so a class is known before anything of it can be read: there is no list to
-/// keep and nothing for a static linker to leave out. A subclass that shall be read where its
-/// superclass is allowed is made known by the superclass's `codingClass`, or by a call of its own.
+/// keep and nothing for a static linker to leave out. A subclass that shall be read where only its
+/// superclass is named is made known by the superclass's `codingClass`, or, beside its operations
+/// in its source, before the program begins:
+///
+///     const NSKnownCodingClass<Mortgage> kMortgagesAreKnown;
 #pragma once
 
-#include <ORLFoundation/platform/object/Id.h>
-#include <ORLFoundation/platform/object/NSArray.h>
-#include <ORLFoundation/platform/object/NSDictionary.h>
-#include <ORLFoundation/platform/object/NSSet.h>
-
-#include <array>
-#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 
 namespace ORLFoundation {
 
+class id;
+class NSArray;
 class NSCoder;
+class NSData;
+class NSDate;
 class NSDecimalNumber;
+class NSDictionary;
+struct NSNull;
+class NSNumber;
+class NSSet;
+class NSURL;
+class NSUUID;
 
 class NSCodingClass {
  public:
@@ -59,7 +65,13 @@ class NSCodingClass {
   [[nodiscard]] static const NSCodingClass* named(std::string_view name);
 
  private:
-  static const NSCodingClass& define(std::unique_ptr<NSCodingClass> record);
+  static const NSCodingClass& defineRecord(std::string_view name, const NSCodingClass* superclass,
+                                           bool isSecure, InitWithCoder read);
+  // The second parameter lets `id` wait to be complete until this is used.
+  template <class T, class Result>
+  static Result readObject(NSCoder& coder) {
+    return Result(T::initWithCoder(coder));
+  }
 
   std::string name_;
   const NSCodingClass* superclass_;
@@ -69,9 +81,7 @@ class NSCodingClass {
 
 template <class T>
 const NSCodingClass& NSCodingClass::define(std::string_view name, const NSCodingClass* superclass) {
-  return define(
-      std::make_unique<NSCodingClass>(std::string(name), superclass, T::supportsSecureCoding(),
-                                      [](NSCoder& coder) { return id(T::initWithCoder(coder)); }));
+  return defineRecord(name, superclass, T::supportsSecureCoding(), &readObject<T, id>);
 }
 
 /// The classes that a reader allows. The records outlive every set of them.
@@ -108,8 +118,15 @@ template <>
 /// A set of classes, made once.
 template <class... T>
 [[nodiscard]] NSCodingClasses NSCodingClassesOf() {
-  static const std::array<const NSCodingClass*, sizeof...(T)> classes = {&NSCodingClassOf<T>()...};
+  static const NSCodingClass* const classes[] = {&NSCodingClassOf<T>()...};
   return classes;
 }
+
+/// Makes a class known before the program begins; for one object of it in the class's source.
+template <class T>
+class NSKnownCodingClass {
+ public:
+  NSKnownCodingClass() { static_cast<void>(NSCodingClassOf<T>()); }
+};
 
 }  // namespace ORLFoundation

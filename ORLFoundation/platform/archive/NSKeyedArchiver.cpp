@@ -13,21 +13,24 @@
 
 namespace ORLFoundation {
 
-namespace archive = internal::archive;
+using namespace internal::archive;
+using internal::plist::PropertyListBuilder;
+using internal::plist::PropertyListFault;
+using internal::plist::PropertyListTable;
 
 class NSKeyedArchiver::Writer {
  public:
-  using Index = internal::PropertyListBuilder::Index;
+  using Index = PropertyListBuilder::Index;
 
   explicit Writer(NSCoder& coder, bool requiringSecureCoding)
       : coder_(coder), secure_(requiringSecureCoding) {
-    objects_.push_back(builder_.string(archive::kNull));
+    objects_.push_back(builder_.string(kNull));
   }
 
-  internal::PropertyListBuilder& builder() noexcept { return builder_; }
+  PropertyListBuilder& builder() noexcept { return builder_; }
 
   void put(std::string_view key, Index value) {
-    if (archive::isOwnKey(key)) return putRaw(archive::escapedKey(key), value);
+    if (isOwnKey(key)) return putRaw(escapedKey(key), value);
     putRaw(key, value);
   }
 
@@ -41,14 +44,12 @@ class NSKeyedArchiver::Writer {
   }
 
   NSData encodedData() {
-    const Index keys[] = {builder_.string(archive::kVersionKey),
-                          builder_.string(archive::kArchiverKey), builder_.string(archive::kTopKey),
-                          builder_.string(archive::kObjectsKey)};
-    const Index values[] = {builder_.integer(archive::kVersion),
-                            builder_.string(archive::kArchiver),
+    const Index keys[] = {builder_.string(kVersionKey), builder_.string(kArchiverKey),
+                          builder_.string(kTopKey), builder_.string(kObjectsKey)};
+    const Index values[] = {builder_.integer(kVersion), builder_.string(kArchiver),
                             builder_.dictionary(keys_, values_), builder_.array(objects_)};
     builder_.setTop(builder_.dictionary(keys, values));
-    return internal::writePropertyList(builder_.table(), format);
+    return internal::plist::writePropertyList(builder_.table(), format);
   }
 
   NSPropertyListFormat format = NSPropertyListBinaryFormat_v1_0;
@@ -62,7 +63,7 @@ class NSKeyedArchiver::Writer {
   class Frame {
    public:
     explicit Frame(Writer& writer) : writer_(writer), first_(writer.keys_.size()) {
-      if (writer_.depth_ >= archive::kDeepestNesting) raise("The objects are nested too deep.");
+      if (writer_.depth_ >= kDeepestNesting) raise("The objects are nested too deep.");
       ++writer_.depth_;
     }
     Frame(const Frame&) = delete;
@@ -73,8 +74,8 @@ class NSKeyedArchiver::Writer {
       writer_.values_.resize(first_);
     }
     Index node() {
-      const internal::PropertyListTable::Indexes keys(writer_.keys_);
-      const internal::PropertyListTable::Indexes values(writer_.values_);
+      const PropertyListTable::Indexes keys(writer_.keys_);
+      const PropertyListTable::Indexes values(writer_.values_);
       return writer_.builder_.dictionary(keys.subspan(first_), values.subspan(first_));
     }
 
@@ -99,19 +100,19 @@ class NSKeyedArchiver::Writer {
     if (const auto* data = value.get<NSData>()) return referenceToNode(builder_.data(data->text()));
     if (const auto* number = value.get<NSNumber>();
         number != nullptr && number->kind() != NSNumber::Kind::Decimal)
-      return referenceToNode(nodeOf(*number));
+      return referenceToNode(builder_.number(*number));
     if (const auto object = value.object()) return referenceToObject(value, *object);
     return referenceToPlainValue(value);
   }
 
   Index referenceToText(const std::string& text) {
     // As a direct entry this text would mean nil.
-    if (text != archive::kNull) return referenceToNode(builder_.string(text));
+    if (text != kNull) return referenceToNode(builder_.string(text));
     if (nullText_ == 0) {
       nullText_ = append(0);
       Frame frame(*this);
       put("NS.string", builder_.string(text));
-      finish(frame, nullText_, internal::mutableStringClass());
+      finish(frame, nullText_, mutableStringClass());
     }
     return nullText_;
   }
@@ -122,27 +123,14 @@ class NSKeyedArchiver::Writer {
     return place->second;
   }
 
-  Index nodeOf(const NSNumber& number) {
-    switch (number.kind()) {
-      case NSNumber::Kind::Boolean:
-        return builder_.boolean(number.boolValue());
-      case NSNumber::Kind::Integer:
-        return builder_.integer(number.integerValue());
-      case NSNumber::Kind::UnsignedInteger:
-        return builder_.unsignedInteger(number.unsignedIntegerValue());
-      default:
-        return builder_.real(number.doubleValue());
-    }
-  }
-
   Index referenceToPlainValue(const id& value) {
     if (const auto known = plainValues_.find(value); known != plainValues_.end())
       return known->second;
-    const NSCodingClass* record = internal::standardClassOf(value);
+    const NSCodingClass* record = standardClassOf(value);
     if (record == nullptr) raiseForClass(value.className());
     const Index uid = append(0);
     Frame frame(*this);
-    internal::encodeStandard(value, coder_);
+    encodeStandard(value, coder_);
     finish(frame, uid, *record);
     plainValues_.emplace(value, uid);
     return uid;
@@ -156,7 +144,7 @@ class NSKeyedArchiver::Writer {
       return known->second.uid;
     }
     const auto* coding = dynamic_cast<const NSSecureCoding*>(&object);
-    const NSCodingClass* record = collection != nullptr ? internal::standardClassOf(value)
+    const NSCodingClass* record = collection != nullptr ? standardClassOf(value)
                                   : coding != nullptr   ? &coding->classForCoder()
                                                         : nullptr;
     if (record == nullptr) raiseForClass(object.className());
@@ -167,7 +155,7 @@ class NSKeyedArchiver::Writer {
     kept_.push_back(value);
     Frame frame(*this);
     if (collection != nullptr) {
-      internal::encodeStandard(value, coder_);
+      encodeStandard(value, coder_);
     } else {
       coding->encodeWithCoder(coder_);
     }
@@ -177,7 +165,7 @@ class NSKeyedArchiver::Writer {
   }
 
   void finish(Frame& frame, Index uid, const NSCodingClass& record) {
-    putRaw(archive::kClassKey, builder_.uid(referenceToClass(record)));
+    putRaw(kClassKey, builder_.uid(referenceToClass(record)));
     objects_[uid] = frame.node();
   }
 
@@ -187,9 +175,8 @@ class NSKeyedArchiver::Writer {
     std::vector<Index> chain;
     for (const NSCodingClass* each = &record; each != nullptr; each = each->superclass())
       chain.push_back(builder_.string(each->name()));
-    chain.push_back(builder_.string(archive::kRootClass));
-    const Index keys[] = {builder_.string(archive::kClassNameKey),
-                          builder_.string(archive::kClassesKey)};
+    chain.push_back(builder_.string(kRootClass));
+    const Index keys[] = {builder_.string(kClassNameKey), builder_.string(kClassesKey)};
     const Index values[] = {builder_.string(record.name()), builder_.array(chain)};
     return place->second = append(builder_.dictionary(keys, values));
   }
@@ -203,7 +190,7 @@ class NSKeyedArchiver::Writer {
 
   NSCoder& coder_;
   bool secure_;
-  internal::PropertyListBuilder builder_;
+  PropertyListBuilder builder_;
   std::vector<Index> objects_;
   std::vector<Index> keys_;  // of the objects being written, outermost first
   std::vector<Index> values_;
@@ -223,7 +210,7 @@ template <class Step>
 auto raising(Step&& step) {
   try {
     return step();
-  } catch (const internal::PropertyListFault& fault) {
+  } catch (const PropertyListFault& fault) {
     throw NSException(NSInvalidArgumentException, fault.what());
   }
 }

@@ -21,6 +21,10 @@
 
 namespace ORLFoundation {
 
+namespace internal::archive {
+class ArchiveReader;
+}
+
 class NSKeyedUnarchiver final : public NSCoder {
  public:
   /// `unarchivedObjectOfClass:fromData:error:`  The root object as a T.
@@ -64,10 +68,9 @@ class NSKeyedUnarchiver final : public NSCoder {
   [[nodiscard]] std::string className() const override { return "NSKeyedUnarchiver"; }
 
  private:
-  class Reader;
-  explicit NSKeyedUnarchiver(std::unique_ptr<Reader> reader);
+  explicit NSKeyedUnarchiver(const NSData& data);
 
-  std::unique_ptr<Reader> reader_;
+  std::unique_ptr<internal::archive::ArchiveReader> reader_;
 };
 
 }  // namespace ORLFoundation

@@ -380,4 +380,25 @@ TEST(NSKeyedUnarchiver, BoundsTextThatIsRepeated) {
   EXPECT_EQ(unarchived(archived(repeated)), repeated);
 }
 
+/// A subclass that nothing names but the object below.
+class LateSample final : public Sample {
+ public:
+  static const NSCodingClass& codingClass() {
+    static const NSCodingClass& record =
+        NSCodingClass::define<LateSample>("LateSample", &Sample::codingClass());
+    return record;
+  }
+  const NSCodingClass& classForCoder() const override { return codingClass(); }
+  static std::shared_ptr<LateSample> initWithCoder(NSCoder&) {
+    return std::make_shared<LateSample>();
+  }
+};
+const NSKnownCodingClass<LateSample> kLateSamplesAreKnown;
+
+TEST(NSKnownCodingClass, OpensASubclassThroughItsBaseInAProcessThatHasNotNamedIt) {
+  const NSData data = archiveOf({dictionary({{"$class", uid(2)}}), classNamed("LateSample")});
+  EXPECT_TRUE(std::dynamic_pointer_cast<LateSample>(
+      NSKeyedUnarchiver::unarchivedObjectOfClass<Sample>(data)));
+}
+
 }  // namespace

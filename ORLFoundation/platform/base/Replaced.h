@@ -2,7 +2,7 @@
 /// lend one; what stood there before comes back when it dies. It works on every function that takes
 /// a value and gives back the one before it.
 ///
-///     const Replaced clock(NSDate::setClock, [] { return NSDate::distantPast(); });
+///     const Replaced silence(NSSetLogSink, [](std::string_view) {});
 ///     const Replaced presenter(NSSetAlertPresenter, std::make_shared<NSScriptedAlertPresenter>(
 ///                                                       std::vector<NSInteger>{1}));
 #pragma once

@@ -2,12 +2,12 @@
 /// from a data provider that it shares.
 ///
 ///     std::shared_ptr<const NSError> error;
+///     const CGDataProviderRef provider = CGDataProvider::providerWithBytes(rgba);
 ///     const CGImageRef image = CGImage::create({.width = 2,
 ///                                               .height = 1,
 ///                                               .bytesPerRow = 8,
 ///                                               .bitmapInfo = kCGImageAlphaLast,
-///                                               .provider =
-///                                               CGDataProvider::providerWithBytes(rgba)},
+///                                               .provider = provider},
 ///                                              &error);
 #pragma once
 

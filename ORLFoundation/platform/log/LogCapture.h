@@ -2,8 +2,8 @@
 /// it dies. Captures may nest.
 ///
 ///     LogCapture log;
-///     plan->setPlanSegment(...);
-///     EXPECT_EQ(log.lines(), std::vector<std::string>{"Condition Failed: ..."});
+///     NSLog("an empty plan");
+///     EXPECT_EQ(log.lines(), std::vector<std::string>{"an empty plan"});
 #pragma once
 
 #include <ORLFoundation/platform/base/Replaced.h>

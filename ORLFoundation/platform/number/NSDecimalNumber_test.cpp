@@ -2,7 +2,7 @@
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
 
 #include <ORLFoundation/platform/number/NSDecimalNumber_testing.h>
-#include <ORLFoundation/platform/value/NSException.h>
+#include <ORLFoundation/platform/value/NSException_testing.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -11,6 +11,8 @@
 
 namespace ORLFoundation {
 namespace {
+
+using orlftest::nameOfException;
 
 /// A behaviour that answers every error with 42, and says what it was told.
 class Telling : public NSDecimalNumberBehaviors {
@@ -79,30 +81,21 @@ TEST(NSDecimalNumber, CalculatesUnderTheDefaultBehaviour) {
             "0.66666666666666666666666666666666666667");
 }
 
-template <class Calculation>
-std::string raisedBy(Calculation calculation) {
-  try {
-    static_cast<void>(calculation());
-  } catch (const NSException& exception) {
-    return exception.name();
-  }
-  return "nothing";
-}
-
 TEST(NSDecimalNumber, RaisesUnderTheDefaultBehaviour) {
   const NSDecimalNumber large = number("1e127"), small = number("1e-128"), zero;
-  EXPECT_EQ(raisedBy([&] { return large.decimalNumberByMultiplyingBy(large); }),
+  EXPECT_EQ(nameOfException([&] { (void)large.decimalNumberByMultiplyingBy(large); }),
             NSDecimalNumberOverflowException);
-  EXPECT_EQ(raisedBy([&] { return small.decimalNumberByMultiplyingBy(small); }),
+  EXPECT_EQ(nameOfException([&] { (void)small.decimalNumberByMultiplyingBy(small); }),
             NSDecimalNumberUnderflowException);
-  EXPECT_EQ(raisedBy([&] { return large.decimalNumberByDividingBy(zero); }),
+  EXPECT_EQ(nameOfException([&] { (void)large.decimalNumberByDividingBy(zero); }),
             NSDecimalNumberDivideByZeroException);
-  EXPECT_EQ(raisedBy([&] { return large.decimalNumberByDividingBy(zero, nullptr); }),
+  EXPECT_EQ(nameOfException([&] { (void)large.decimalNumberByDividingBy(zero, nullptr); }),
             NSDecimalNumberDivideByZeroException);
-  EXPECT_EQ(raisedBy([&] { return large.decimalNumberByRaisingToPower(5, nullptr); }),
+  EXPECT_EQ(nameOfException([&] { (void)large.decimalNumberByRaisingToPower(5, nullptr); }),
             NSDecimalNumberOverflowException);
-  EXPECT_EQ(raisedBy([&] { return small.decimalNumberByMultiplyingByPowerOf10(-1, nullptr); }),
-            NSDecimalNumberUnderflowException);
+  EXPECT_EQ(
+      nameOfException([&] { (void)small.decimalNumberByMultiplyingByPowerOf10(-1, nullptr); }),
+      NSDecimalNumberUnderflowException);
 }
 
 TEST(NSDecimalNumber, TakesNilForTheDefaultBehaviour) {

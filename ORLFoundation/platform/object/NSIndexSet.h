@@ -3,9 +3,8 @@
 ///
 ///     const auto indexes = std::make_shared<NSMutableIndexSet>();
 ///     indexes->addIndexesInRange({2, 3});
-///     indexes->description();   // <NSMutableIndexSet: 0x55d0c8>[number of indexes: 3 (in 1
-///     ranges),
-///                               // indexes: (2-4)]
+///     // "<NSMutableIndexSet: 0x55d0c8>[number of indexes: 3 (in 1 ranges), indexes: (2-4)]"
+///     indexes->description();
 #pragma once
 
 #include <ORLFoundation/platform/object/NSObject.h>

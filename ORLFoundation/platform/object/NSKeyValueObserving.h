@@ -1,7 +1,7 @@
 /// What an observer of a value receives, and the token that keeps a block's observation alive.
 ///
-///     token = plan->addObserver("planEndDate", NSKeyValueObservingOptionOld |
-///     NSKeyValueObservingOptionNew,
+///     const auto options = NSKeyValueObservingOptionOld | NSKeyValueObservingOptionNew;
+///     token = plan->addObserver("planEndDate", options,
 ///                               [](const NSKeyValueChange& change) { show(change.newValue); });
 ///
 /// A key path is followed through the objects on it: when one of them is replaced, the observation

@@ -1,7 +1,6 @@
 /// Turns one value into another, and back where it can; found by name.
 #pragma once
 
-#include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/object/NSObject.h>
 
 #include <memory>
@@ -9,6 +8,8 @@
 #include <string_view>
 
 namespace ORLFoundation {
+
+class id;
 
 class NSValueTransformer : public NSObject {
  public:

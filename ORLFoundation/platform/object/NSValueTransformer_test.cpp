@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/object/NSValueTransformer.h>
 
+#include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 

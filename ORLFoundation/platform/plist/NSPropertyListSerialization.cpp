@@ -6,14 +6,16 @@
 
 namespace ORLFoundation {
 
+using namespace internal::plist;
+
 id NSPropertyListSerialization::propertyListWithData(const NSData& data, NSUInteger options,
                                                      NSPropertyListFormat* format,
                                                      NSErrorSlot error) {
   try {
-    const internal::PropertyListTable table = internal::readPropertyList(data);
-    if (format != nullptr) *format = internal::propertyListFormatOf(data);
-    return internal::objectFromTable(table, options != NSPropertyListImmutable);
-  } catch (const internal::PropertyListFault& fault) {
+    const PropertyListTable table = readPropertyList(data);
+    if (format != nullptr) *format = propertyListFormatOf(data);
+    return objectFromTable(table, options != NSPropertyListImmutable);
+  } catch (const PropertyListFault& fault) {
     NSFillErrorSlot(error, NSCocoaErrorDomain, NSPropertyListReadCorruptError, fault.what());
     return {};
   }
@@ -24,8 +26,8 @@ std::optional<NSData> NSPropertyListSerialization::dataWithPropertyList(const id
                                                                         NSUInteger /*options*/,
                                                                         NSErrorSlot error) {
   try {
-    return internal::writePropertyList(internal::tableFromObject(propertyList), format);
-  } catch (const internal::PropertyListFault& fault) {
+    return writePropertyList(tableFromObject(propertyList), format);
+  } catch (const PropertyListFault& fault) {
     NSFillErrorSlot(error, NSCocoaErrorDomain, NSPropertyListWriteInvalidError, fault.what());
     return std::nullopt;
   }

@@ -8,7 +8,7 @@
 #include <limits>
 #include <utility>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::plist {
 namespace {
 
 constexpr std::size_t kFirstSlots = 128;
@@ -31,6 +31,19 @@ PropertyListBuilder::Index PropertyListBuilder::unsignedInteger(std::uint64_t va
 
 PropertyListBuilder::Index PropertyListBuilder::real(double value) {
   return unique(PropertyListKind::Real, std::bit_cast<std::uint64_t>(value));
+}
+
+PropertyListBuilder::Index PropertyListBuilder::number(const NSNumber& value) {
+  switch (value.kind()) {
+    case NSNumber::Kind::Boolean:
+      return boolean(value.boolValue());
+    case NSNumber::Kind::Integer:
+      return integer(value.integerValue());
+    case NSNumber::Kind::UnsignedInteger:
+      return unsignedInteger(value.unsignedIntegerValue());
+    default:
+      return real(value.doubleValue());
+  }
 }
 
 PropertyListBuilder::Index PropertyListBuilder::date(double seconds) {
@@ -83,4 +96,4 @@ void PropertyListBuilder::grow() {
   }
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::plist

@@ -2,6 +2,7 @@
 /// do not: what is written here stays within what readers take of repeated text.
 #pragma once
 
+#include <ORLFoundation/platform/object/NSNumber.h>
 #include <ORLFoundation/platform/plist/PropertyListTable.h>
 
 #include <cstddef>
@@ -9,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::plist {
 
 class PropertyListBuilder {
  public:
@@ -23,6 +24,8 @@ class PropertyListBuilder {
   }
   Index unsignedInteger(std::uint64_t value);
   Index real(double value);
+  /// In the form of its kind; a decimal as the nearest real.
+  Index number(const NSNumber& value);
   Index date(double seconds);
   Index uid(Index value) { return unique(PropertyListKind::UID, value); }
   /// Throws `PropertyListFault` for a text that is not UTF-8.
@@ -55,4 +58,4 @@ class PropertyListBuilder {
   std::size_t used_ = 0;
 };
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::plist

@@ -8,7 +8,7 @@
 
 #include <string_view>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::plist {
 
 NSPropertyListFormat propertyListFormatOf(const NSData& data) noexcept {
   const std::string_view text = data.text();
@@ -42,4 +42,4 @@ NSData writePropertyList(const PropertyListTable& table, NSPropertyListFormat fo
   }
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::plist

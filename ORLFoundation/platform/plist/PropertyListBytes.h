@@ -5,7 +5,7 @@
 #include <ORLFoundation/platform/plist/PropertyListTable.h>
 #include <ORLFoundation/platform/value/NSData.h>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::plist {
 
 /// The form that the first bytes tell.
 [[nodiscard]] NSPropertyListFormat propertyListFormatOf(const NSData& data) noexcept;
@@ -13,4 +13,4 @@ namespace ORLFoundation::internal {
 [[nodiscard]] PropertyListTable readPropertyList(const NSData& data);
 [[nodiscard]] NSData writePropertyList(const PropertyListTable& table, NSPropertyListFormat format);
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::plist

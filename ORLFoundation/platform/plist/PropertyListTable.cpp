@@ -6,7 +6,7 @@
 #include <bit>
 #include <limits>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::plist {
 
 double PropertyListTable::real(Index node) const noexcept {
   return std::bit_cast<double>(nodes_[node].bits);
@@ -139,4 +139,4 @@ std::uint64_t PropertyListTable::expandedCount() const {
   return ShapeCheck(*this).expandedCount(top_);
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::plist

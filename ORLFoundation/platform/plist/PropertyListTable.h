@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::plist {
 
 /// What is wrong with a property list that is read or written. Does not leave the folder.
 class PropertyListFault : public std::runtime_error {
@@ -129,4 +129,4 @@ class PropertyListTable {
   Index top_ = 0;
 };
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::plist

@@ -1,7 +1,8 @@
 /// A condition on an object, read from a text.
 ///
-///     const auto late = NSPredicate::predicateWithFormat("%K ==[cd] %@ AND amount > 100", "payee",
-///     "Café"); late->evaluateWithObject(transaction);
+///     const auto late =
+///         NSPredicate::predicateWithFormat("%K ==[cd] %@ AND amount > 100", "payee", "Café");
+///     late->evaluateWithObject(transaction);
 ///
 /// Comparisons: ==, =, !=, <>, <, <=, =<, >, >=, =>, BETWEEN {low, high}, IN, CONTAINS, BEGINSWITH,
 /// ENDSWITH, LIKE (? stands for one character, * for any number, \ takes the next one as it is) and

@@ -72,6 +72,13 @@ bool NSCharacterSet::longCharacterIsMember(char32_t character) const noexcept {
   return character <= 0x10FFFF && members_->set.contains(static_cast<UChar32>(character));
 }
 
+std::shared_ptr<NSCharacterSet> NSCharacterSet::setByAddingCharactersInString(
+    std::string_view string) const {
+  const std::unique_ptr<icu::UnicodeSet> set(members_->set.cloneAsThawed());
+  set->addAll(internal::text::utf16Of(string));
+  return frozen(*set);
+}
+
 std::shared_ptr<NSCharacterSet> NSCharacterSet::invertedSet() const {
   const std::unique_ptr<icu::UnicodeSet> set(members_->set.cloneAsThawed());
   set->complement();

@@ -56,6 +56,9 @@ class NSCharacterSet : public NSObject {
 
   /// `longCharacterIsMember:`  false beyond U+10FFFF.
   [[nodiscard]] bool longCharacterIsMember(char32_t character) const noexcept;
+  /// The members of this set and the characters of a text. Broken bytes stand for U+FFFD.
+  [[nodiscard]] std::shared_ptr<NSCharacterSet> setByAddingCharactersInString(
+      std::string_view string) const;
   /// `invertedSet`
   [[nodiscard]] std::shared_ptr<NSCharacterSet> invertedSet() const;
 

@@ -1,10 +1,9 @@
-
 #include <ORLFoundation/platform/text/NSStringEncoding.h>
 
 #include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/text/UTF16.h>
-#include <unicode/ucnv.h>
+#include <ORLFoundation/platform/text/internal/ByteTables.h>
 
 #include <algorithm>
 #include <array>
@@ -15,52 +14,40 @@
 namespace ORLFoundation {
 namespace {
 
+using namespace internal::base;
+using namespace internal::text;
+
 using Text = std::optional<std::string>;
 
 Text textOfUTF8(std::string_view bytes) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
   if (bytes.starts_with(kByteOrderMark)) bytes.remove_prefix(kByteOrderMark.size());
-  return internal::base::isUTF8(bytes) ? Text(bytes) : std::nullopt;
+  return isUTF8(bytes) ? Text(bytes) : std::nullopt;
 }
 
-Text textOfASCII(std::string_view bytes) {
-  return internal::base::isASCII(bytes) ? Text(bytes) : std::nullopt;
-}
+Text textOfASCII(std::string_view bytes) { return isASCII(bytes) ? Text(bytes) : std::nullopt; }
 
-/// The UTF-8 of each byte of an encoding.
-using ByteTable = std::array<std::string, 256>;
-
-ByteTable tableOf(const char* converterName) {
-  ByteTable table;
-  UErrorCode status = U_ZERO_ERROR;
-  const std::unique_ptr<UConverter, decltype(&ucnv_close)> converter(
-      ucnv_open(converterName, &status), &ucnv_close);
-  for (std::size_t byte = 0; U_SUCCESS(status) && byte < table.size(); ++byte) {
-    const char source = static_cast<char>(byte);
-    const char* from = &source;
-    const UChar32 character = ucnv_getNextUChar(converter.get(), &from, from + 1, &status);
-    icu::UnicodeString(character).toUTF8String(table[byte]);
-  }
-  return table;
-}
-
-std::string textOfTable(std::string_view bytes, const ByteTable& table) {
+/// nil when a byte has no character.
+Text textOfTable(std::string_view bytes, const ByteTable& table) {
   std::string text;
   text.reserve(bytes.size());
-  for (const char byte : bytes) text += table[static_cast<unsigned char>(byte)];
+  for (const char byte : bytes) {
+    const char32_t character = table[static_cast<unsigned char>(byte)];
+    if (character == kNoCharacter) return std::nullopt;
+    appendUTF8(text, character);
+  }
   return text;
 }
 
 Text textOfWindowsLatin1(std::string_view bytes) {
-  static const auto& table = *new ByteTable(tableOf("windows-1252"));
-  constexpr std::string_view kWithoutCharacter = "\x81\x8D\x8F\x90\x9D";
-  if (bytes.find_first_of(kWithoutCharacter) != bytes.npos) return std::nullopt;
-  return textOfTable(bytes, table);
+  return textOfTable(bytes, windowsLatin1Table());
 }
 
 Text textOfISOLatin1(std::string_view bytes) {
-  static const auto& table = *new ByteTable(tableOf("ISO-8859-1"));
-  return textOfTable(bytes, table);
+  std::string text;
+  text.reserve(bytes.size());
+  for (const char byte : bytes) appendUTF8(text, static_cast<unsigned char>(byte));
+  return text;
 }
 
 enum class ByteOrder : std::uint8_t { Big, Little };
@@ -87,10 +74,7 @@ Text textOfMarkedUTF16(std::string_view bytes) {
   return textOfUTF16(bytes, ByteOrder::Big);
 }
 
-Text textOfMacRoman(std::string_view bytes) {
-  static const auto& table = *new ByteTable(tableOf("macintosh"));
-  return textOfTable(bytes, table);
-}
+Text textOfMacRoman(std::string_view bytes) { return textOfTable(bytes, macRomanTable()); }
 
 }  // namespace
 

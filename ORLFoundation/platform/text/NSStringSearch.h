@@ -4,8 +4,8 @@
 ///
 ///     compare("Z", "a");                                            // NSOrderedAscending
 ///     rangeOfString("Résumé", "sum", NSCaseInsensitiveSearch);      // {2, 3}
-///     rangeOfString("Résumé", "e");                                 // not found: é is another
-///     letter
+///     // not found: é is another letter
+///     rangeOfString("Résumé", "e");
 ///
 /// Ranges count UTF-16 units. Broken bytes stand for U+FFFD.
 #pragma once

@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/value/NSDecimal.h>
 
+#include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/value/internal/DecimalRounding.h>
 #include <ORLFoundation/platform/value/internal/TwoWordDivision.h>
 
@@ -18,7 +19,7 @@ namespace {
 constexpr std::int64_t kFarthestExponent = 1'000'000'000;
 constexpr std::int64_t kExponentEnd = 100'000'000'000'000'000;
 
-constexpr bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
+using internal::base::isDigit;
 
 /// Reads the parts of a decimal's text one after the other.
 class Reader {

@@ -3,10 +3,8 @@
 /// itself.
 ///
 ///     const auto rest = orlfArrayByRemovingFirstObject(steps);
-///     orlfEnumerateObjectPairsUsingBlock(*dates, [](const id& from, const id& to, NSUInteger,
-///     bool&) {
-///       ...
-///     });
+///     orlfEnumerateObjectPairsUsingBlock(
+///         *dates, [](const id& from, const id& to, NSUInteger, bool&) { show(from, to); });
 #pragma once
 
 #include <ORLFoundation/platform/object/NSArray.h>

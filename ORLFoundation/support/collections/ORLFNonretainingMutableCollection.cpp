@@ -9,17 +9,19 @@
 
 namespace ORLFoundation {
 
+using namespace internal::collections;
+
 NSMutableSet& ORLFNonretainingMutableCollection::realSet() const {
   if (!realSet_) realSet_ = std::make_shared<NSMutableSet>();
   return *realSet_;
 }
 
 void ORLFNonretainingMutableCollection::addObject(const id& object) {
-  realSet().addObject(internal::requireWrappedObject(object));
+  realSet().addObject(requireWrappedObject(object));
 }
 
 void ORLFNonretainingMutableCollection::removeObject(const id& object) {
-  realSet().removeObject(internal::wrappedObject(object));
+  realSet().removeObject(wrappedObject(object));
 }
 
 void ORLFNonretainingMutableCollection::removeObject(const NSObject* object) {
@@ -33,7 +35,7 @@ NSUInteger ORLFNonretainingMutableCollection::count() const noexcept {
 }
 
 id ORLFNonretainingMutableCollection::member(const id& object) const {
-  return internal::unwrappedObject(realSet().member(internal::wrappedObject(object)));
+  return unwrappedObject(realSet().member(wrappedObject(object)));
 }
 
 std::vector<id> ORLFNonretainingMutableCollection::allObjects() const {
@@ -50,7 +52,7 @@ NSUInteger ORLFNonretainingMutableCollection::countByEnumeratingWithState(
   // A batch of nothing but destroyed objects is not the end.
   while (const NSUInteger count = realSet().countByEnumeratingWithState(state, objects)) {
     const auto batch = objects.first(count);
-    std::transform(batch.begin(), batch.end(), batch.begin(), internal::unwrappedObject);
+    std::transform(batch.begin(), batch.end(), batch.begin(), unwrappedObject);
     const auto end = std::remove_if(batch.begin(), batch.end(), std::mem_fn(&id::isNil));
     if (end != batch.begin()) return static_cast<NSUInteger>(end - batch.begin());
   }

@@ -5,9 +5,11 @@
 
 namespace ORLFoundation {
 
+using namespace internal::collections;
+
 id ORLFNonretainingMutableCollectionEnumerator::nextObject() {
   while (const id wrapped = internalEnumerator_->nextObject())
-    if (id object = internal::unwrappedObject(wrapped)) return object;
+    if (id object = unwrappedObject(wrapped)) return object;
   return {};
 }
 

@@ -7,6 +7,8 @@
 
 namespace ORLFoundation {
 
+using namespace internal::collections;
+
 NSMutableDictionary& ORLFNonretainingMutableMap::realDictionary() const {
   if (!realDictionary_) realDictionary_ = std::make_shared<NSMutableDictionary>();
   return *realDictionary_;
@@ -17,11 +19,11 @@ NSUInteger ORLFNonretainingMutableMap::count() const noexcept {
 }
 
 id ORLFNonretainingMutableMap::objectForKey(const id& key) const {
-  return internal::unwrappedObject(realDictionary().objectForKey(key));
+  return unwrappedObject(realDictionary().objectForKey(key));
 }
 
 void ORLFNonretainingMutableMap::setObject(const id& object, const id& forKey) {
-  realDictionary().setObject(internal::requireWrappedObject(object), forKey);
+  realDictionary().setObject(requireWrappedObject(object), forKey);
 }
 
 void ORLFNonretainingMutableMap::removeObjectForKey(const id& key) {
@@ -33,8 +35,7 @@ void ORLFNonretainingMutableMap::removeAllObjects() { realDictionary().removeAll
 NSDictionary::Entries ORLFNonretainingMutableMap::entries() const {
   Entries entries;
   for (auto& [key, wrapped] : realDictionary().entries())
-    if (id object = internal::unwrappedObject(wrapped))
-      entries.emplace_back(key, std::move(object));
+    if (id object = unwrappedObject(wrapped)) entries.emplace_back(key, std::move(object));
   return entries;
 }
 

@@ -2,10 +2,11 @@
 ///
 ///     class Window {
 ///      public:
-///       explicit Window(PlistDictionary plistDictionary) :
-///       plistDictionary_(std::move(plistDictionary)) {}
-///       [[nodiscard]] const PlistDictionary& plistDictionary() const { return plistDictionary_; }
-///       ...
+///       explicit Window(PlistDictionary dictionary) : dictionary_(std::move(dictionary)) {}
+///       [[nodiscard]] const PlistDictionary& plistDictionary() const { return dictionary_; }
+///
+///      private:
+///       PlistDictionary dictionary_;
 ///     };
 ///
 ///     const PlistDictionaryKey<Window> kWindow{"window"};

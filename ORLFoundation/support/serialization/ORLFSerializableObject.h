@@ -78,7 +78,8 @@ class ORLFSerializableObject : public NSObject, public NSSecureCoding {
 };
 
 /// The base of a subclass named `Class::kClassName`, which archives and copies it as itself.
-/// `Class` can be made without arguments. The name is part of stored files: it never changes.
+/// `Class` can be made without arguments. The name is part of stored files: it never changes. It is
+/// known before the program begins, so that an archive opens where only the base is named.
 template <class Class, class Base = ORLFSerializableObject>
 class ORLFSerializableSubclass : public Base {
  public:
@@ -96,13 +97,19 @@ class ORLFSerializableSubclass : public Base {
         NSCodingClass::define<Class>(Class::kClassName, &Base::codingClass());
     return record;
   }
-  [[nodiscard]] const NSCodingClass& classForCoder() const override { return codingClass(); }
+  [[nodiscard]] const NSCodingClass& classForCoder() const override {
+    static_cast<void>(&kIsKnown);  // names it, so that there is one
+    return codingClass();
+  }
   [[nodiscard]] std::string className() const override { return std::string(Class::kClassName); }
 
  protected:
   [[nodiscard]] std::shared_ptr<NSObject> newObjectOfReceiversClass() const override {
     return std::make_shared<Class>();
   }
+
+ private:
+  static inline const NSKnownCodingClass<Class> kIsKnown;
 };
 
 }  // namespace ORLFoundation

@@ -3,11 +3,16 @@
 
 #include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
 #include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
+#include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSKeyTable.h>
 #include <ORLFoundation/platform/object/NSKeyValueObserving.h>
+#include <ORLFoundation/platform/object/NSSet.h>
+#include <ORLFoundation/platform/plist/NSPropertyListSerialization.h>
+#include <ORLFoundation/platform/plist/NSPropertyListUID.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cinttypes>
 #include <cstdio>
@@ -245,6 +250,38 @@ TEST(ORLFSerializableObject, DescribesItsClassAddressAndData) {
                 reinterpret_cast<std::uintptr_t>(static_cast<NSObject*>(object.get())));
   EXPECT_EQ(object->description(),
             "<Preferences: " + std::string(address) + ", data: {\n    locale = \"en_US\";\n}>");
+}
+
+/// An archive of `Preferences` that no archiver of this process wrote.
+NSData archiveOfPreferences() {
+  const auto uid = [](std::uint32_t index) { return std::make_shared<NSPropertyListUID>(index); };
+  const id objects =
+      NSArray::arrayWithObjects({"$null", entries({{"data", uid(3)}, {"$class", uid(2)}}),
+                                 entries({{"$classname", "Preferences"}}),
+                                 entries({{"NS.keys", NSArray::arrayWithObjects({uid(5)})},
+                                          {"NS.objects", NSArray::arrayWithObjects({uid(6)})},
+                                          {"$class", uid(4)}}),
+                                 entries({{"$classname", "NSDictionary"}}), "level", 7});
+  return *NSPropertyListSerialization::dataWithPropertyList(
+      entries({{"$archiver", "NSKeyedArchiver"},
+               {"$version", 100000},
+               {"$top", entries({{"root", uid(1)}})},
+               {"$objects", objects}}),
+      NSPropertyListBinaryFormat_v1_0, 0);
+}
+
+// A process of its own, in which nothing has named the subclass yet.
+TEST(ORLFSerializableObjectDeathTest, OpensArchivesOfASubclassThatTheProcessHasNotNamed) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        const auto object = NSKeyedUnarchiver::unarchivedObjectOfClass<ORLFSerializableObject>(
+            archiveOfPreferences());
+        const bool isRight = object && dynamic_cast<Preferences*>(object.get()) != nullptr &&
+                             object->data()->objectForKey("level") == id(7);
+        ::_exit(isRight ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include <ORLFoundation/amortization/ORLFAmortizationCalculator.h>
 #include <ORLFoundation/amortization/net_present_value.h>
+#include <ORLFoundation/platform/object/NSArray.h>
+#include <ORLFoundation/platform/time/NSCalendar.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>

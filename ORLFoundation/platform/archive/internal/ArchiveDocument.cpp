@@ -8,7 +8,11 @@
 #include <optional>
 #include <string>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::archive {
+
+using plist::PropertyListFault;
+using plist::PropertyListKind;
+
 namespace {
 
 using Index = PropertyListTable::Index;
@@ -22,21 +26,21 @@ Index memberOfKind(const PropertyListTable& table, std::string_view key, Propert
 
 }  // namespace
 
-ArchiveDocument::ArchiveDocument(const NSData& data) : table_(readPropertyList(data)) {
+ArchiveDocument::ArchiveDocument(const NSData& data) : table_(plist::readPropertyList(data)) {
   defineStandardClasses();
   if (table_.kind(table_.top()) != PropertyListKind::Dictionary)
     throw PropertyListFault("The property list is no archive.");
-  const Index archiver = memberOfKind(table_, archive::kArchiverKey, PropertyListKind::String);
-  if (table_.text(archiver) != archive::kArchiver)
+  const Index archiver = memberOfKind(table_, kArchiverKey, PropertyListKind::String);
+  if (table_.text(archiver) != kArchiver)
     throw PropertyListFault("The archive was written by an unknown archiver.");
-  top_ = memberOfKind(table_, archive::kTopKey, PropertyListKind::Dictionary);
-  objects_ = memberOfKind(table_, archive::kObjectsKey, PropertyListKind::Array);
+  top_ = memberOfKind(table_, kTopKey, PropertyListKind::Dictionary);
+  objects_ = memberOfKind(table_, kObjectsKey, PropertyListKind::Array);
   classes_.resize(objectCount());
 }
 
 bool ArchiveDocument::isNull(Index uid) const noexcept {
-  return uid == 0 || (table_.kind(entry(uid)) == PropertyListKind::String &&
-                      table_.text(entry(uid)) == archive::kNull);
+  return uid == 0 ||
+         (table_.kind(entry(uid)) == PropertyListKind::String && table_.text(entry(uid)) == kNull);
 }
 
 const NSCodingClass& ArchiveDocument::classOf(Index uid) {
@@ -58,7 +62,7 @@ const NSCodingClass& ArchiveDocument::classOf(Index uid) {
     default:
       throw PropertyListFault("An object of the archive is damaged.");
   }
-  const auto reference = table_.valueForKey(object, archive::kClassKey);
+  const auto reference = table_.valueForKey(object, kClassKey);
   if (!reference || table_.kind(*reference) != PropertyListKind::UID ||
       table_.uid(*reference) >= objectCount())
     throw PropertyListFault("An object of the archive has no class.");
@@ -70,12 +74,12 @@ const NSCodingClass& ArchiveDocument::classDescribedAt(Index uid) {
   const Index description = entry(uid);
   if (table_.kind(description) != PropertyListKind::Dictionary)
     throw PropertyListFault("A class of the archive is damaged.");
-  const auto name = table_.valueForKey(description, archive::kClassNameKey);
+  const auto name = table_.valueForKey(description, kClassNameKey);
   if (!name || table_.kind(*name) != PropertyListKind::String)
     throw PropertyListFault("A class of the archive has no name.");
 
   const NSCodingClass* found = NSCodingClass::named(table_.text(*name));
-  const auto hints = table_.valueForKey(description, archive::kClassHintsKey);
+  const auto hints = table_.valueForKey(description, kClassHintsKey);
   if (hints && table_.kind(*hints) == PropertyListKind::Array) {
     for (const Index hint : table_.members(*hints))
       if (found == nullptr && table_.kind(hint) == PropertyListKind::String)
@@ -87,4 +91,4 @@ const NSCodingClass& ArchiveDocument::classDescribedAt(Index uid) {
   return *found;
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::archive

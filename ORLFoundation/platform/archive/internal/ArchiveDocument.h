@@ -9,7 +9,9 @@
 #include <string_view>
 #include <vector>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::archive {
+
+using plist::PropertyListTable;
 
 class ArchiveDocument {
  public:
@@ -40,4 +42,4 @@ class ArchiveDocument {
   std::vector<const NSCodingClass*> classes_;  // by the index of the description, once found
 };
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::archive

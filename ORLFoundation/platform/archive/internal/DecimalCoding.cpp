@@ -7,7 +7,7 @@
 #include <optional>
 #include <vector>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::archive {
 namespace {
 
 using Mantissa = NSDecimal::Mantissa;
@@ -87,4 +87,4 @@ id decodeDecimal(NSCoder& coder) {
   return decimal;
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::archive

@@ -5,7 +5,7 @@
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/value/NSDecimal.h>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::archive {
 
 /// Without zeros at the end of the mantissa, in little-endian words, unused words zero.
 void encodeDecimal(const NSDecimal& decimal, NSCoder& coder);
@@ -13,4 +13,4 @@ void encodeDecimal(const NSDecimal& decimal, NSCoder& coder);
 /// are rounded to the nearest. Fails the coder for a form that no decimal has.
 [[nodiscard]] id decodeDecimal(NSCoder& coder);
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::archive

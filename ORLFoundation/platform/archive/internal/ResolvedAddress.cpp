@@ -6,7 +6,7 @@
 
 #include <memory>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::archive {
 
 std::optional<NSURL> resolvedAddress(const std::optional<NSURL>& base,
                                      const std::string& relative) {
@@ -20,4 +20,4 @@ std::optional<NSURL> resolvedAddress(const std::optional<NSURL>& base,
   return NSURL::URLWithString(reinterpret_cast<const char*>(resolved.get()));
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::archive

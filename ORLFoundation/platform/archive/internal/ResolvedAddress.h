@@ -6,10 +6,10 @@
 #include <optional>
 #include <string>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::archive {
 
 /// The address that the text means beside the base, where there is one; nil for no valid address.
 [[nodiscard]] std::optional<NSURL> resolvedAddress(const std::optional<NSURL>& base,
                                                    const std::string& relative);
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::archive

@@ -4,6 +4,9 @@
 #include <ORLFoundation/platform/archive/internal/DecimalCoding.h>
 #include <ORLFoundation/platform/archive/internal/ResolvedAddress.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
+#include <ORLFoundation/platform/object/NSArray.h>
+#include <ORLFoundation/platform/object/NSDictionary.h>
+#include <ORLFoundation/platform/object/NSSet.h>
 
 #include <algorithm>
 #include <cmath>
@@ -33,7 +36,8 @@ id decodeDate(NSCoder& coder) {
 id decodeURL(NSCoder& coder) {
   const auto base = coder.decodeObjectOfClass<NSURL>("NS.base");
   const auto relative = coder.decodeObjectOfClass<std::string>("NS.relative");
-  const auto url = relative ? internal::resolvedAddress(base, *relative) : std::optional<NSURL>();
+  const auto url =
+      relative ? internal::archive::resolvedAddress(base, *relative) : std::optional<NSURL>();
   return url ? id(*url) : failed(coder, "An address is damaged.");
 }
 
@@ -94,10 +98,11 @@ struct StandardClasses {
   const NSCodingClass& mutableData = standard<decodeData>("NSMutableData", &data);
   const NSCodingClass& value = standard<decodeNumber>("NSValue");
   const NSCodingClass& number = standard<decodeNumber>("NSNumber", &value);
-  const NSCodingClass& decimal = standard<internal::decodeDecimal>("NSDecimalNumber", &number);
+  const NSCodingClass& decimal =
+      standard<internal::archive::decodeDecimal>("NSDecimalNumber", &number);
   // The class that decimals are written under.
   const NSCodingClass& writtenDecimal =
-      standard<internal::decodeDecimal>("NSDecimalNumberPlaceholder", &decimal);
+      standard<internal::archive::decodeDecimal>("NSDecimalNumberPlaceholder", &decimal);
   const NSCodingClass& date = standard<decodeDate>("NSDate");
   const NSCodingClass& url = standard<decodeURL>("NSURL");
   const NSCodingClass& uuid = standard<decodeUUID>("NSUUID");
@@ -164,7 +169,7 @@ const NSCodingClass& NSCodingClassOf<NSSet>() {
   return classes().set;
 }
 
-namespace internal {
+namespace internal::archive {
 
 void defineStandardClasses() { static_cast<void>(classes()); }
 
@@ -205,5 +210,5 @@ void encodeStandard(const id& value, NSCoder& coder) {
   }
 }
 
-}  // namespace internal
+}  // namespace internal::archive
 }  // namespace ORLFoundation

@@ -5,7 +5,7 @@
 #include <ORLFoundation/platform/archive/NSCodingClass.h>
 #include <ORLFoundation/platform/object/Id.h>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::archive {
 
 /// The class that an archive names for a value that is not written directly; null for an object
 /// that is none of the platform's own.
@@ -17,4 +17,4 @@ void encodeStandard(const id& value, NSCoder& coder);
 /// Defines the platform's classes, mutable ones included.
 void defineStandardClasses();
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::archive

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::plist {
 namespace {
 
 constexpr std::string_view kHeader = "bplist0";
@@ -252,4 +252,4 @@ PropertyListTable readBinaryPropertyList(std::span<const std::uint8_t> bytes) {
   return Reader(bytes).read();
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::plist

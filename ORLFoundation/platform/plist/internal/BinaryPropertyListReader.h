@@ -6,11 +6,11 @@
 #include <cstdint>
 #include <span>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::plist {
 
 /// Throws `PropertyListFault` for anything but a whole list. Each offset, count and reference is
 /// checked before it is used, cycles and deep nesting are found, and what is set aside is bounded
 /// by a small multiple of the length, however the objects overlap.
 [[nodiscard]] PropertyListTable readBinaryPropertyList(std::span<const std::uint8_t> bytes);
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::plist

@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::plist {
 namespace {
 
 using Index = PropertyListTable::Index;
@@ -154,4 +154,4 @@ std::vector<std::uint8_t> writeBinaryPropertyList(const PropertyListTable& table
   return BinaryWriter(table).write();
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::plist

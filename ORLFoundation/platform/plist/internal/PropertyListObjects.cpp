@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::plist {
 namespace {
 
 using Index = PropertyListTable::Index;
@@ -30,26 +30,13 @@ class TableMaker {
  private:
   Index nodeOf(const id& value, std::size_t depth) {
     if (const auto* text = value.get<std::string>()) return builder_.string(*text);
-    if (const auto* number = value.get<NSNumber>()) return nodeOfNumber(*number);
+    if (const auto* number = value.get<NSNumber>()) return builder_.number(*number);
     if (const auto* date = value.get<NSDate>())
       return builder_.date(date->timeIntervalSinceReferenceDate());
     if (const auto* data = value.get<NSData>()) return builder_.data(data->text());
     if (const auto uid = value.as<NSPropertyListUID>()) return builder_.uid(uid->value());
     if (const auto list = value.as<NSCollection>()) return nodeOfCollection(*list, depth);
     throw PropertyListFault("A property list cannot hold " + value.className() + ".");
-  }
-
-  Index nodeOfNumber(const NSNumber& number) {
-    switch (number.kind()) {
-      case NSNumber::Kind::Boolean:
-        return builder_.boolean(number.boolValue());
-      case NSNumber::Kind::Integer:
-        return builder_.integer(number.integerValue());
-      case NSNumber::Kind::UnsignedInteger:
-        return builder_.unsignedInteger(number.unsignedIntegerValue());
-      default:
-        return builder_.real(number.doubleValue());
-    }
   }
 
   Index nodeOfCollection(const NSCollection& list, std::size_t depth) {
@@ -174,4 +161,4 @@ id objectFromTable(const PropertyListTable& table, bool mutableContainers) {
   return ObjectMaker(table, mutableContainers).objectOf(table.top());
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::plist

@@ -4,7 +4,7 @@
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/plist/PropertyListTable.h>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::plist {
 
 /// Throws `PropertyListFault` for a value that a property list cannot hold, and for collections
 /// that hold themselves or are nested too deep. A collection met twice is in the table once.
@@ -13,4 +13,4 @@ namespace ORLFoundation::internal {
 /// makes arrays and dictionaries mutable.
 [[nodiscard]] id objectFromTable(const PropertyListTable& table, bool mutableContainers);
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::plist

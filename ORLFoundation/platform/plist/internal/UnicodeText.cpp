@@ -9,7 +9,7 @@
 #include <cstddef>
 #include <limits>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::plist {
 namespace {
 
 constexpr UChar32 kReplacement = 0xFFFD;
@@ -72,4 +72,4 @@ bool fitsXML(std::string_view text) noexcept {
          text.find(kNotCharacters[1]) == std::string_view::npos;
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::plist

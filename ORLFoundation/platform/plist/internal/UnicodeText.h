@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::plist {
 
 /// Appends UTF-16 units, high byte first, as UTF-8. Half a surrogate pair becomes U+FFFD.
 void appendFromUTF16BigEndian(std::string& text, std::span<const std::uint8_t> units);
@@ -18,4 +18,4 @@ void checkUTF8(std::string_view text);
 /// Whether XML 1.0 can hold all characters. The text is UTF-8.
 [[nodiscard]] bool fitsXML(std::string_view text) noexcept;
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::plist

@@ -16,7 +16,7 @@
 #include <utility>
 #include <vector>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::plist {
 namespace {
 
 using Index = PropertyListTable::Index;
@@ -298,4 +298,4 @@ PropertyListTable readXMLPropertyList(std::span<const std::uint8_t> bytes) {
   return session.builder.finish();
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::plist

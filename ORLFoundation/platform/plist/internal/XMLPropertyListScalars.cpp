@@ -13,7 +13,7 @@
 #include <limits>
 #include <system_error>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::plist {
 namespace {
 
 constexpr std::string_view kBlanks = " \t\n\r";
@@ -141,4 +141,4 @@ std::string dataToXML(std::string_view bytes, std::string_view indent, std::size
   return text;
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::plist

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::plist {
 
 /// A whole number between -2^63 and 2^64-1: its bits, and whether it is below zero. Decimal, or
 /// hexadecimal after "0x", with an optional sign and white space around it.
@@ -26,4 +26,4 @@ namespace ORLFoundation::internal {
 [[nodiscard]] std::string dataToXML(std::string_view bytes, std::string_view indent,
                                     std::size_t lineLength);
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::plist

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::plist {
 namespace {
 
 using Index = PropertyListTable::Index;
@@ -158,4 +158,4 @@ std::string writeXMLPropertyList(const PropertyListTable& table) {
   return XMLWriter(table).write();
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::plist

@@ -4,7 +4,7 @@
 #include <ORLFoundation/platform/object/NSObject.h>
 #include <ORLFoundation/platform/value/NSException.h>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::collections {
 
 id wrappedObject(const id& object) {
   const auto held = object.object();
@@ -26,4 +26,4 @@ id unwrappedObject(const id& wrapped) {
   return value != nullptr ? id(value->nonretainedObjectValue()) : id();
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::collections

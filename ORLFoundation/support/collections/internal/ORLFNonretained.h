@@ -3,7 +3,7 @@
 
 #include <ORLFoundation/platform/object/Id.h>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::collections {
 
 /// The object wrapped as a reference that does not own it. A plain value, which has no identity,
 /// and nil give nil.
@@ -13,4 +13,4 @@ namespace ORLFoundation::internal {
 /// The object of a wrapped reference; nil when it was destroyed.
 [[nodiscard]] id unwrappedObject(const id& wrapped);
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::collections

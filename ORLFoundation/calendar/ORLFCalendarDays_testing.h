@@ -1,0 +1,32 @@
+/// What the tests of this folder share: a calendar of UTC, days in short, units by their codes.
+#pragma once
+
+#include <ORLFoundation/platform/time/NSCalendar.h>
+#include <tests/support/VectorCodec.h>
+
+#include <optional>
+#include <string>
+
+namespace orlftest {
+
+/// Weeks begin on Sunday; a year's first week is that of 1 January.
+inline const ORLFoundation::NSCalendar& utcCalendar() {
+  static const auto calendar =
+      calendarFromVector(Json{{"zone", "UTC"}, {"first_weekday", 1}, {"min_days", 1}});
+  return *calendar;
+}
+
+/// The first instant of a day in UTC, from "2024-02-29".
+inline ORLFoundation::NSDate day(const char* date) {
+  return *dateFromVector(std::string(date) + "T00:00:00Z");
+}
+/// The day of a date in UTC, as `day` reads it.
+inline std::string text(std::optional<ORLFoundation::NSDate> date) {
+  return vectorFromDate(date).substr(0, 10);
+}
+
+inline ORLFoundation::NSCalendarUnit unitOf(const Json& code) {
+  return static_cast<ORLFoundation::NSCalendarUnit>(code.get<ORLFoundation::NSUInteger>());
+}
+
+}  // namespace orlftest

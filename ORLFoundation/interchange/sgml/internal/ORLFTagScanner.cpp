@@ -1,0 +1,65 @@
+#include <ORLFoundation/interchange/sgml/internal/ORLFTagScanner.h>
+
+#include <ORLFoundation/platform/base/UTF8.h>
+#include <ORLFoundation/platform/text/NSCharacterSet.h>
+
+#include <array>
+
+namespace ORLFoundation::internal::sgml {
+namespace {
+
+using namespace internal::base;
+
+constexpr std::array<bool, 128> blanksOfASCII() {
+  std::array<bool, 128> blanks{};
+  for (const char c : std::string_view(" \t\n\v\f\r")) blanks[static_cast<unsigned char>(c)] = true;
+  return blanks;
+}
+constexpr std::array<bool, 128> kBlanks = blanksOfASCII();
+
+bool isASCIICharacter(char c) noexcept { return static_cast<unsigned char>(c) < 0x80; }
+
+/// The length of the white space or line end at a place, 0 for anything else.
+std::size_t lengthOfBlank(std::string_view text, std::size_t at) {
+  static const NSCharacterSet& blanks = *NSCharacterSet::whitespaceAndNewlineCharacterSet();
+  if (isASCIICharacter(text[at])) return kBlanks[static_cast<unsigned char>(text[at])] ? 1 : 0;
+  const UTF8Character character = firstUTF8Character(text.substr(at));
+  return blanks.longCharacterIsMember(character.codePoint) ? character.length : 0;
+}
+
+}  // namespace
+
+bool beginsName(std::string_view name) {
+  if (name.empty()) return false;
+  static const NSCharacterSet& letters = *NSCharacterSet::letterCharacterSet();
+  const char32_t first = firstUTF8Character(name).codePoint;
+  return first == U':' || first == U'_' || letters.longCharacterIsMember(first);
+}
+
+std::size_t endWithoutLineBreaks(std::string_view text) {
+  static const NSCharacterSet& lineBreaks = *NSCharacterSet::newlineCharacterSet();
+  while (!text.empty()) {
+    std::size_t last = text.size() - 1;
+    while (last > 0 && (static_cast<unsigned char>(text[last]) & 0xC0U) == 0x80U) --last;
+    const UTF8Character character = firstUTF8Character(text.substr(last));
+    if (!lineBreaks.longCharacterIsMember(character.codePoint)) break;
+    text = text.substr(0, last);
+  }
+  return text.size();
+}
+
+void ORLFTagScanner::skipBlanks() {
+  while (!isAtEnd()) {
+    const std::size_t length = lengthOfBlank(text_, at_);
+    if (length == 0) return;
+    at_ += length;
+  }
+}
+
+std::string_view ORLFTagScanner::scanUpToEndOfName() {
+  std::size_t end = at_;
+  while (end < text_.size() && text_[end] != '>' && lengthOfBlank(text_, end) == 0) ++end;
+  return take(end);
+}
+
+}  // namespace ORLFoundation::internal::sgml

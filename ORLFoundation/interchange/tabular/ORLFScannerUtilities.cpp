@@ -1,0 +1,46 @@
+#include <ORLFoundation/interchange/tabular/ORLFScannerUtilities.h>
+
+#include <ORLFoundation/interchange/tabular/ORLFTabularRowReader.h>
+#include <ORLFoundation/platform/base/Hexadecimal.h>
+
+#include <string_view>
+
+namespace ORLFoundation {
+namespace {
+
+using internal::base::hexDigitValue;
+
+std::string_view textAhead(const NSScanner& scanner) {
+  return scanner.string().substr(scanner.placeInBytes());
+}
+
+}  // namespace
+
+std::vector<std::vector<std::string>> csvRows(NSScanner& scanner) {
+  std::string_view line;
+  scanner.scanUpToCharactersFromSet(*NSCharacterSet::newlineCharacterSet(), &line);
+  const char separator = orlfTabularSeparator(line);
+  std::vector<std::vector<std::string>> rows;
+  orlfEnumerateTabularRows(scanner.string(), separator, [&rows](const ORLFTabularRow& row, bool&) {
+    rows.emplace_back(row.fields.begin(), row.fields.end());
+  });
+  scanner.setCharactersToBeSkipped(nullptr);
+  scanner.setPlaceInBytes(scanner.string().size());
+  return rows;
+}
+
+bool orlfScanHexDigits(NSScanner& scanner, std::int32_t count, std::uint32_t* intoInt) {
+  const std::string_view ahead = textAhead(scanner);
+  std::uint32_t value = 0;
+  std::size_t taken = 0;
+  for (; static_cast<std::int64_t>(taken) < count; ++taken) {
+    const int digit = taken < ahead.size() ? hexDigitValue(ahead[taken]) : -1;
+    if (digit < 0) return false;
+    value = value << 4 | static_cast<std::uint32_t>(digit);
+  }
+  scanner.setPlaceInBytes(scanner.placeInBytes() + taken);
+  if (intoInt != nullptr) *intoInt = value;
+  return true;
+}
+
+}  // namespace ORLFoundation

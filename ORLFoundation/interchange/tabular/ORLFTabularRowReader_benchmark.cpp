@@ -1,0 +1,54 @@
+#include <ORLFoundation/interchange/tabular/ORLFTabularRowReader.h>
+
+#include <ORLFoundation/interchange/tabular/ORLFScannerUtilities.h>
+#include <benchmark/benchmark.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace {
+
+using namespace ORLFoundation;
+
+constexpr std::uint64_t kRows = 100'000;
+constexpr std::size_t kColumns = 6;
+
+const std::string& statement() {
+  static const std::string& text = *new std::string([] {
+    std::string made;
+    for (std::uint64_t row = 0; row < kRows; ++row)
+      made += "2024-02-" + std::to_string(row % 28 + 1) + ",\"Grocery Store, Main Street\"," +
+              std::to_string(row) + ".25,USD,,checking\n";
+    return made;
+  }());
+  return text;
+}
+
+void countBytes(benchmark::State& state) {
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(statement().size()));
+}
+
+void readRows(benchmark::State& state) {
+  for (auto _ : state) {
+    std::uint64_t fields = 0;
+    orlfEnumerateTabularRows(statement(), ',', [&fields](const ORLFTabularRow& row, bool&) {
+      fields += row.fields.size();
+    });
+    if (fields != kRows * kColumns) state.SkipWithError("a wrong number of fields");
+  }
+  countBytes(state);
+}
+
+void keepRows(benchmark::State& state) {
+  for (auto _ : state) {
+    const auto scanner = NSScanner::scannerOverString(statement());
+    if (csvRows(*scanner).size() != kRows) state.SkipWithError("a wrong number of rows");
+  }
+  countBytes(state);
+}
+
+BENCHMARK(readRows)->Name("row reader/ours")->Unit(benchmark::kMillisecond);
+BENCHMARK(keepRows)->Name("csvRows/ours")->Unit(benchmark::kMillisecond);
+
+}  // namespace
