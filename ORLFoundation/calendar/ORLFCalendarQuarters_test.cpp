@@ -58,5 +58,37 @@ TEST(ORLFCalendarQuarters, AreTheIntervalBetweenTwoDates) {
         << row.name;
 }
 
+// A year of thirteen months has no quarters.
+TEST(ORLFCalendarQuarters, AreNotFoundWhereTheCalendarHasNone) {
+  for (const std::string_view identifier :
+       {NSCalendarIdentifierHebrew, NSCalendarIdentifierCoptic, NSCalendarIdentifierChinese}) {
+    const auto calendar = NSCalendar::initWithCalendarIdentifier(identifier);
+    calendar->setTimeZone(NSTimeZone::timeZoneWithName("UTC"));
+    const NSDate date = NSDate::dateWithTimeIntervalSince1970(1700000000);
+    const NSDate later = date.dateByAddingTimeInterval(400 * 86400.0);
+    EXPECT_EQ(orlfMonthsPerQuarter(*calendar), NSNotFound);
+    EXPECT_EQ(orlfQuartersForDateSince1970(*calendar, date), NSNotFound);
+    EXPECT_EQ(orlfQuarterForDate(*calendar, date), NSNotFound);
+    EXPECT_EQ(orlfIntervalInCalendarUnit(*calendar, NSCalendarUnitQuarter, date, later), 0);
+    for (const NSInteger interval : {-2, -1, 0, 1, 2})
+      EXPECT_FALSE(orlfDateByAddingInterval(*calendar, interval, NSCalendarUnitQuarter, date));
+  }
+}
+
+TEST(ORLFCalendarQuarters, AreThreeMonthsInEveryCalendarOfTwelve) {
+  for (const std::string_view identifier :
+       {NSCalendarIdentifierBuddhist, NSCalendarIdentifierIndian, NSCalendarIdentifierPersian,
+        NSCalendarIdentifierIslamicUmmAlQura}) {
+    const auto calendar = NSCalendar::initWithCalendarIdentifier(identifier);
+    calendar->setTimeZone(NSTimeZone::timeZoneWithName("UTC"));
+    const NSDate date = NSDate::dateWithTimeIntervalSince1970(1700000000);
+    const NSInteger month = calendar->component(NSCalendarUnitMonth, date);
+    EXPECT_EQ(orlfMonthsPerQuarter(*calendar), 3);
+    EXPECT_EQ(orlfQuarterForDate(*calendar, date), (month + 2) / 3);
+    EXPECT_EQ(orlfDateByAddingInterval(*calendar, 2, NSCalendarUnitQuarter, date),
+              calendar->dateByAddingUnit(NSCalendarUnitMonth, 6, date, 0));
+  }
+}
+
 }  // namespace
 }  // namespace ORLFoundation

@@ -6,6 +6,7 @@
 #include <ORLFoundation/platform/time/internal/CalendarRanges.h>
 #include <ORLFoundation/platform/time/internal/CalendarSearch.h>
 #include <ORLFoundation/platform/time/internal/LocaleWeek.h>
+#include <ORLFoundation/platform/time/internal/OtherCalendar.h>
 
 #include <functional>
 #include <utility>
@@ -27,7 +28,7 @@ NSDate notADate() noexcept { return dateFromInstant(Instant::none()); }
 }  // namespace
 
 NSCalendar::NSCalendar(std::string identifier, std::shared_ptr<NSTimeZone> zone)
-    : identifier_(std::move(identifier)) {
+    : other_(OtherCalendar::withIdentifier(identifier)), identifier_(std::move(identifier)) {
   setTimeZone(std::move(zone));
   if (identifier_ != NSCalendarIdentifierISO8601) return;
   setFirstWeekday(2);
@@ -35,9 +36,10 @@ NSCalendar::NSCalendar(std::string identifier, std::shared_ptr<NSTimeZone> zone)
 }
 
 std::shared_ptr<NSCalendar> NSCalendar::initWithCalendarIdentifier(std::string_view identifier) {
-  if (identifier != NSCalendarIdentifierGregorian && identifier != NSCalendarIdentifierISO8601) {
-    return nullptr;
-  }
+  const bool isKnown = identifier == NSCalendarIdentifierGregorian ||
+                       identifier == NSCalendarIdentifierISO8601 ||
+                       OtherCalendar::withIdentifier(identifier) != nullptr;
+  if (!isKnown) return nullptr;
   return std::make_shared<NSCalendar>(std::string(identifier), NSTimeZone::defaultTimeZone());
 }
 
@@ -81,12 +83,14 @@ void NSCalendar::setLocaleIdentifier(std::string identifier) {
 NSDateComponents NSCalendar::components(NSUInteger unitFlags, NSDate fromDate) const noexcept {
   Instant instant;
   if (!splitDate(fromDate, instant)) return {};
+  if (other_) return other_->fieldsOfInstant(rules_, unitFlags, instant);
   return fieldsOfInstant(rules_, unitFlags, instant);
 }
 
 NSInteger NSCalendar::component(NSCalendarUnit unit, NSDate fromDate) const noexcept {
   Instant instant;
   if (!splitDate(fromDate, instant)) return NSDateComponentUndefined;
+  if (other_) return other_->fieldsOfInstant(rules_, unit, instant).valueForComponent(unit);
   return fieldOfInstant(rules_, unit, instant);
 }
 
@@ -97,6 +101,7 @@ NSDateComponents NSCalendar::components(NSUInteger unitFlags, NSDate fromDate, N
   if (!splitDate(fromDate, from) || !splitDate(toDate, to)) return {};
   if ((options & NSCalendarWrapComponents) != 0 && (unitFlags & ~kDayAndWeekUnits) == 0)
     return differenceInDaysThatWere(rules_, unitFlags, from, to);
+  if (other_) return other_->differenceOfInstants(rules_, unitFlags, from, to);
   return differenceOfInstants(rules_, unitFlags, from, to);
 }
 
@@ -104,20 +109,23 @@ NSDate NSCalendar::addUnitToDate(NSCalendarUnit unit, NSInteger value, NSDate to
                                  NSUInteger options) const noexcept {
   Instant to;
   if (!splitDate(toDate, to)) return notADate();
-  return dateFromInstant(options & NSCalendarWrapComponents
-                             ? addUnitWrapping(rules_, unit, value, to)
-                             : addUnit(rules_, unit, value, to));
+  const bool wrap = (options & NSCalendarWrapComponents) != 0;
+  if (other_) return dateFromInstant(other_->addUnit(rules_, unit, value, to, wrap));
+  return dateFromInstant(wrap ? addUnitWrapping(rules_, unit, value, to)
+                              : addUnit(rules_, unit, value, to));
 }
 
 NSDate NSCalendar::addComponentsToDate(const NSDateComponents& components, NSDate toDate,
                                        NSUInteger options) const noexcept {
   Instant to;
   if (!splitDate(toDate, to)) return notADate();
-  return dateFromInstant(
-      addFields(rules_, components, to, (options & NSCalendarWrapComponents) != 0));
+  const bool wrap = (options & NSCalendarWrapComponents) != 0;
+  if (other_) return dateFromInstant(other_->addFields(rules_, components, to, wrap));
+  return dateFromInstant(addFields(rules_, components, to, wrap));
 }
 
 NSDate NSCalendar::resolveComponents(const NSDateComponents& components) const noexcept {
+  if (other_) return dateFromInstant(other_->instantFromFields(rules_, components));
   return dateFromInstant(instantFromFields(rules_, components));
 }
 
@@ -126,6 +134,7 @@ NSDate NSCalendar::setUnitOfDate(NSCalendarUnit unit, NSInteger value, NSDate of
   Instant of;
   if (!splitDate(ofDate, of)) return notADate();
   const bool strict = (options & NSCalendarMatchStrictly) != 0;
+  if (other_) return dateFromInstant(other_->instantBySettingUnit(rules_, unit, value, of, strict));
   return dateFromInstant(instantBySettingUnit(rules_, unit, value, of, strict));
 }
 
@@ -133,7 +142,8 @@ bool NSCalendar::rangeOfUnit(NSCalendarUnit unit, NSDate* startDate, NSTimeInter
                              NSDate forDate) const noexcept {
   Instant instant;
   if (!splitDate(forDate, instant)) return false;
-  const InstantRange range = rangeAroundInstant(rules_, unit, instant);
+  const InstantRange range = other_ ? other_->rangeAroundInstant(rules_, unit, instant)
+                                    : rangeAroundInstant(rules_, unit, instant);
   if (!range.start.exists()) return false;
   if (startDate) *startDate = dateFromInstant(range.start);
   if (interval) *interval = range.length;
@@ -144,29 +154,40 @@ NSRange NSCalendar::rangeOfUnit(NSCalendarUnit unit, NSCalendarUnit inUnit,
                                 NSDate forDate) const noexcept {
   Instant instant;
   if (!splitDate(forDate, instant)) return {static_cast<NSUInteger>(NSNotFound), 0};
+  if (other_) return other_->rangeWithin(rules_, unit, inUnit, instant);
   return rangeWithin(rules_, unit, inUnit, instant);
 }
 
 NSRange NSCalendar::maximumRangeOfUnit(NSCalendarUnit unit) const noexcept {
+  if (other_) return other_->largestRange(rules_, unit);
   return largestRange(rules_, unit);
 }
 
 NSRange NSCalendar::minimumRangeOfUnit(NSCalendarUnit unit) const noexcept {
+  if (other_) return other_->smallestRange(rules_, unit);
   return smallestRange(rules_, unit);
 }
 
 bool NSCalendar::date(NSDate date, const NSDateComponents& matchesComponents) const noexcept {
   Instant instant;
-  return splitDate(date, instant) && matchesFields(rules_, matchesComponents, instant);
+  if (!splitDate(date, instant)) return false;
+  return other_ ? other_->matchesFields(rules_, matchesComponents, instant)
+                : matchesFields(rules_, matchesComponents, instant);
 }
 
 NSDate NSCalendar::findDateAfterDate(NSDate date, const NSDateComponents& matchingComponents,
                                      NSUInteger options) const noexcept {
   Instant from;
   if (!splitDate(date, from)) return notADate();
-  return dateFromInstant(nearestMatch(rules_, matchingComponents, from,
-                                      (options & NSCalendarSearchBackwards) != 0,
-                                      (options & NSCalendarMatchNextTime) == 0));
+  const bool backward = (options & NSCalendarSearchBackwards) != 0;
+  const bool strict = (options & NSCalendarMatchNextTime) == 0;
+  return dateFromInstant(
+      other_ ? other_->nearestMatch(rules_, matchingComponents, from, backward, strict)
+             : nearestMatch(rules_, matchingComponents, from, backward, strict));
+}
+
+bool NSCalendar::areValid(const NSDateComponents& components) const noexcept {
+  return other_ ? other_->areFieldsValid(rules_, components) : areFieldsValid(rules_, components);
 }
 
 bool NSCalendar::isDateInWeekend(NSDate date) const noexcept {

@@ -7,8 +7,13 @@
 ///     auto next = calendar->dateByAddingUnit(NSCalendarUnitMonth, 1, date, 0);
 ///
 /// The Gregorian calendar is extended to all time, before 1582 too; the year before 1 is 1 of era
-/// 0. Operations allocate nothing. Dates that are not finite, or further away than some 1.36
-/// million years, have no fields and give nil (or false). Reading is safe on any thread as long as
+/// 0. Its operations allocate nothing. Dates that are not finite, or further away than some 1.36
+/// million years, have no fields and give nil (or false).
+///
+/// The other calendars count their eras, years and months as ICU does and answer within some ten
+/// thousand years of 1970. They are slower, and allocate. Those with a thirteenth month (hebrew,
+/// coptic, chinese) have no quarters. A leap month of the chinese calendar shows the number of the
+/// month before it, and no components lead to it. Reading is safe on any thread as long as
 /// no setter runs.
 #pragma once
 
@@ -29,14 +34,24 @@ namespace ORLFoundation {
 
 namespace internal::time {
 struct LocaleWeek;
-}
+class OtherCalendar;
+}  // namespace internal::time
 
 inline constexpr std::string_view NSCalendarIdentifierGregorian = "gregorian";
+inline constexpr std::string_view NSCalendarIdentifierBuddhist = "buddhist";
+inline constexpr std::string_view NSCalendarIdentifierChinese = "chinese";
+inline constexpr std::string_view NSCalendarIdentifierCoptic = "coptic";
+inline constexpr std::string_view NSCalendarIdentifierHebrew = "hebrew";
+inline constexpr std::string_view NSCalendarIdentifierIndian = "indian";
+inline constexpr std::string_view NSCalendarIdentifierIslamicUmmAlQura = "islamic-umalqura";
 inline constexpr std::string_view NSCalendarIdentifierISO8601 = "iso8601";
+inline constexpr std::string_view NSCalendarIdentifierJapanese = "japanese";
+inline constexpr std::string_view NSCalendarIdentifierPersian = "persian";
+inline constexpr std::string_view NSCalendarIdentifierRepublicOfChina = "roc";
 
 class NSCalendar : public NSObject {
  public:
-  /// `initWithCalendarIdentifier:`  nil for an identifier other than the two above. The new
+  /// `initWithCalendarIdentifier:`  nil for an identifier other than those above. The new
   /// calendar is in `NSTimeZone::defaultTimeZone`, its weeks begin on Sunday and its first week
   /// needs one day (Monday and four days for ISO 8601).
   [[nodiscard]] static std::shared_ptr<NSCalendar> initWithCalendarIdentifier(
@@ -149,6 +164,9 @@ class NSCalendar : public NSObject {
   NSCalendar(std::string identifier, std::shared_ptr<NSTimeZone> zone);
 
  private:
+  friend class NSDateComponents;
+  [[nodiscard]] bool areValid(const NSDateComponents& components) const noexcept;
+
   // The operations that may give nil, which they tell by a date that is not a number: it travels in
   // a register, where an optional takes a detour through memory.
   [[nodiscard]] NSDate addUnitToDate(NSCalendarUnit unit, NSInteger value, NSDate toDate,
@@ -166,6 +184,7 @@ class NSCalendar : public NSObject {
   }
 
   internal::time::CalendarRules rules_;
+  std::shared_ptr<const internal::time::OtherCalendar> other_;  // null where years are Gregorian
   bool hasFirstWeekday_ = false;
   bool hasMinimumDays_ = false;
   std::shared_ptr<const internal::time::LocaleWeek> localeWeek_;  // null is the world's custom

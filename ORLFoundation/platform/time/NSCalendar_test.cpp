@@ -19,7 +19,7 @@ using orlftest::vectorFromDate;
 TEST(NSCalendar, IsMadeForKnownIdentifiersOnly) {
   EXPECT_NE(NSCalendar::initWithCalendarIdentifier("gregorian"), nullptr);
   EXPECT_NE(NSCalendar::initWithCalendarIdentifier("iso8601"), nullptr);
-  for (const char* identifier : {"", "julian", "hebrew", "Gregorian"})
+  for (const char* identifier : {"", "julian", "martian", "Hebrew", "Gregorian"})
     EXPECT_EQ(NSCalendar::initWithCalendarIdentifier(identifier), nullptr) << identifier;
 }
 

@@ -81,13 +81,6 @@ NSInteger daysIntoWeek(const CalendarRules& rules, NSInteger weekday) noexcept {
   return weeks * 7 + civil::floorModulo(weekday - weeks * 7 - rules.firstWeekday, 7);
 }
 
-// Whether the fields tell a day by its week of the year rather than by its month.
-bool isNamedByWeekOfYear(const NSDateComponents& fields) noexcept {
-  return !isSet(fields.month()) && !isSet(fields.day()) && !isSet(fields.quarter()) &&
-         !isSet(fields.weekOfMonth()) &&
-         (isSet(fields.weekOfYear()) || isSet(fields.yearForWeekOfYear()));
-}
-
 std::optional<NSInteger> dayNamedByWeekOfYear(const CalendarRules& rules,
                                               const NSDateComponents& fields) noexcept {
   const NSInteger year =
@@ -151,6 +144,12 @@ NSDateComponents fieldsFromYearToSecond(civil::DayTime local) noexcept {
 }
 
 }  // namespace
+
+bool isNamedByWeekOfYear(const NSDateComponents& fields) noexcept {
+  return !isSet(fields.month()) && !isSet(fields.day()) && !isSet(fields.quarter()) &&
+         !isSet(fields.weekOfMonth()) &&
+         (isSet(fields.weekOfYear()) || isSet(fields.yearForWeekOfYear()));
+}
 
 WeekOfYear weekOfYear(const CalendarRules& rules, std::int32_t day,
                       const civil::Date& date) noexcept {
@@ -218,18 +217,23 @@ Instant instantFromAnyFields(const CalendarRules& rules, const NSDateComponents&
   const std::optional<NSInteger> day = isNamedByWeekOfYear(fields)
                                            ? dayNamedByWeekOfYear(rules, fields)
                                            : dayNamedByMonth(rules, fields);
+  return day ? instantFromDay(rules, *day, fields) : Instant::none();
+}
+
+Instant instantFromDay(const CalendarRules& rules, NSInteger day,
+                       const NSDateComponents& fields) noexcept {
   const NSInteger hour = valueOr(fields.hour(), 0);
   const NSInteger minute = valueOr(fields.minute(), 0);
   const NSInteger second = valueOr(fields.second(), 0);
   const NSInteger nanosecond = valueOr(fields.nanosecond(), 0);
-  if (!day || !isSmall(*day) || !isSmall(hour) || !isSmall(minute) || !isSmall(second)) {
+  if (!isSmall(day) || !isSmall(hour) || !isSmall(minute) || !isSmall(second)) {
     return Instant::none();
   }
   const NSInteger wholeSeconds = civil::floorDivide(nanosecond, kNanosecondsPerSecond);
   const NSInteger time = hour * 3600 + minute * 60 + second + wholeSeconds;
   const NSInteger days = civil::floorDivide(time, civil::kSecondsPerDay);
-  if (!isDayInRange(*day + days)) return Instant::none();
-  const std::int64_t local = civil::joinSeconds(*day, time);
+  if (!isDayInRange(day + days)) return Instant::none();
+  const std::int64_t local = civil::joinSeconds(day, time);
   return Instant{rules.zone->firstInstantOfLocal(local),
                  static_cast<double>(civil::floorModulo(nanosecond, kNanosecondsPerSecond)) * 1e-9};
 }

@@ -26,6 +26,11 @@ namespace ORLFoundation::internal::time {
                                              const NSDateComponents& fields) noexcept;
 [[nodiscard]] Instant instantFromAnyFields(const CalendarRules& rules,
                                            const NSDateComponents& fields) noexcept;
+/// The time of day that the fields tell, on a day of the zone's clock.
+[[nodiscard]] Instant instantFromDay(const CalendarRules& rules, NSInteger day,
+                                     const NSDateComponents& fields) noexcept;
+/// Whether the fields tell a day by its week of the year rather than by its month.
+[[nodiscard]] bool isNamedByWeekOfYear(const NSDateComponents& fields) noexcept;
 /// Whether the set fields are those of the instant that they resolve to.
 [[nodiscard]] bool areFieldsValid(const CalendarRules& rules,
                                   const NSDateComponents& fields) noexcept;

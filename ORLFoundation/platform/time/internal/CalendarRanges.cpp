@@ -6,15 +6,6 @@
 namespace ORLFoundation::internal::time {
 namespace {
 
-constexpr NSRange kNoRange{static_cast<NSUInteger>(NSNotFound), 0};
-
-struct DayRange {
-  std::int32_t begin;
-  std::int32_t end;
-
-  [[nodiscard]] constexpr bool exists() const noexcept { return begin != end; }
-};
-
 DayRange monthsFrom(std::int32_t year, std::int32_t month, std::int32_t count) noexcept {
   const auto [endYear, endMonth] =
       civil::yearMonthFromNumber(civil::monthNumber(year, month) + count);
@@ -81,6 +72,10 @@ InstantRange rangeAroundInstant(const CalendarRules& rules, NSCalendarUnit unit,
       break;
   }
   const DayRange days = daysAround(rules, unit, localDayTime(rules, instant.seconds).day);
+  return instantRange(rules, days, instant);
+}
+
+InstantRange instantRange(const CalendarRules& rules, DayRange days, Instant instant) noexcept {
   if (!days.exists()) return InstantRange{Instant::none(), 0};
   const std::int64_t start = rules.zone->startInstantOfLocal(civil::joinSeconds(days.begin, 0));
   const std::int64_t nextLocal = civil::joinSeconds(days.end, 0);
@@ -92,10 +87,6 @@ InstantRange rangeAroundInstant(const CalendarRules& rules, NSCalendarUnit unit,
 }
 
 namespace {
-
-NSRange rangeFrom(std::int64_t location, std::int64_t length) noexcept {
-  return {static_cast<NSUInteger>(location), static_cast<NSUInteger>(length)};
-}
 
 // Weeks that hold a day of the range. The first counts as 0 where its number is that of a week of
 // the year (month) before.
@@ -124,7 +115,22 @@ NSRange monthsWithin(NSCalendarUnit larger, DayRange range) noexcept {
   return kNoRange;
 }
 
-// A unit's place among all units by size; 0 for what has none.
+NSRange datesWithin(const CalendarRules& rules, NSCalendarUnit unit, NSCalendarUnit larger,
+                    DayRange range) noexcept {
+  switch (unit) {
+    case NSCalendarUnitDay:
+      return dayNumbersWithin(larger, range);
+    case NSCalendarUnitMonth:
+      return monthsWithin(larger, range);
+    case NSCalendarUnitQuarter:
+      return larger == NSCalendarUnitYear ? rangeFrom(1, 4) : kNoRange;
+    default:
+      return daysWithin(rules, unit, larger, range);
+  }
+}
+
+}  // namespace
+
 int rungOfUnit(NSCalendarUnit unit) noexcept {
   switch (unit) {
     case NSCalendarUnitNanosecond:
@@ -156,11 +162,9 @@ int rungOfUnit(NSCalendarUnit unit) noexcept {
   return 0;
 }
 
-NSRange datesWithin(const CalendarRules& rules, NSCalendarUnit unit, NSCalendarUnit larger,
-                    DayRange range) noexcept {
+NSRange daysWithin(const CalendarRules& rules, NSCalendarUnit unit, NSCalendarUnit larger,
+                   DayRange range) noexcept {
   switch (unit) {
-    case NSCalendarUnitDay:
-      return dayNumbersWithin(larger, range);
     case NSCalendarUnitWeekday:
       return rangeFrom(1, 7);
     case NSCalendarUnitWeekdayOrdinal:
@@ -169,16 +173,10 @@ NSRange datesWithin(const CalendarRules& rules, NSCalendarUnit unit, NSCalendarU
     case NSCalendarUnitWeekOfYear:
     case NSCalendarUnitWeekOfMonth:
       return weeksWithin(rules, range);
-    case NSCalendarUnitMonth:
-      return monthsWithin(larger, range);
-    case NSCalendarUnitQuarter:
-      return larger == NSCalendarUnitYear ? rangeFrom(1, 4) : kNoRange;
     default:
       return kNoRange;
   }
 }
-
-}  // namespace
 
 NSRange rangeWithin(const CalendarRules& rules, NSCalendarUnit unit, NSCalendarUnit larger,
                     Instant instant) noexcept {

@@ -39,12 +39,6 @@ class Pattern {
     return mask_ != 0;
   }
 
-  [[nodiscard]] bool namesTime() const noexcept {
-    return (mask_ & (NSCalendarUnitHour | NSCalendarUnitMinute | NSCalendarUnitSecond |
-                     NSCalendarUnitNanosecond)) != 0;
-  }
-  [[nodiscard]] const NSDateComponents& fields() const noexcept { return fields_; }
-
   [[nodiscard]] bool matchesYear(std::int32_t year) const noexcept {
     const bool beforeChrist = year <= 0;
     return isUnsetOr(fields_.era(), beforeChrist ? 0 : 1) &&
@@ -123,12 +117,12 @@ class Pattern {
   }
 
   static NSCalendarUnit grainOf(NSUInteger mask) noexcept {
-    constexpr NSUInteger kYears = NSCalendarUnitEra | NSCalendarUnitYear;
-    constexpr NSUInteger kQuarters = kYears | NSCalendarUnitQuarter;
+    constexpr NSUInteger kEraAndYear = NSCalendarUnitEra | NSCalendarUnitYear;
+    constexpr NSUInteger kQuarters = kEraAndYear | NSCalendarUnitQuarter;
     constexpr NSUInteger kMonths = kQuarters | NSCalendarUnitMonth;
     constexpr NSUInteger kWeeks = kMonths | NSCalendarUnitWeekOfYear | NSCalendarUnitWeekOfMonth |
                                   NSCalendarUnitYearForWeekOfYear;
-    if ((mask & ~kYears) == 0) return NSCalendarUnitYear;
+    if ((mask & ~kEraAndYear) == 0) return NSCalendarUnitYear;
     if ((mask & ~kQuarters) == 0) return NSCalendarUnitQuarter;
     if ((mask & ~kMonths) == 0) return NSCalendarUnitMonth;
     return (mask & ~kWeeks) == 0 ? NSCalendarUnitWeek : NSCalendarUnitDay;
@@ -193,8 +187,13 @@ void offerTimesOfDay(Nearest& nearest, const NSDateComponents& fields, std::int3
   }
 }
 
-void offerDay(Nearest& nearest, const Pattern& pattern, std::int32_t day) noexcept {
-  if (pattern.namesTime()) return offerTimesOfDay(nearest, pattern.fields(), day);
+bool namesTime(const NSDateComponents& fields) noexcept {
+  return (fields.setUnits() & (NSCalendarUnitHour | NSCalendarUnitMinute | NSCalendarUnitSecond |
+                               NSCalendarUnitNanosecond)) != 0;
+}
+
+void offerDay(Nearest& nearest, const NSDateComponents& fields, std::int32_t day) noexcept {
+  if (namesTime(fields)) return offerTimesOfDay(nearest, fields, day);
   const std::int64_t local = civil::joinSeconds(day, 0);
   const std::int64_t start = nearest.rules.zone->startInstantOfLocal(local);
   // A day that the zone skipped has no start of its own.
@@ -218,6 +217,13 @@ constexpr std::int64_t kMonthsToSearch = civil::kYearsPerCycle * 12 + 1;
 
 }  // namespace
 
+Instant nearestTimeOfDay(const CalendarRules& rules, const NSDateComponents& fields,
+                         std::int32_t day, Instant from, bool backward, bool strict) noexcept {
+  Nearest nearest{rules, from, backward, strict};
+  offerDay(nearest, fields, day);
+  return nearest.found;
+}
+
 Instant nearestMatch(const CalendarRules& rules, const NSDateComponents& fields, Instant from,
                      bool backward, bool strict) noexcept {
   const Pattern pattern(rules, fields);
@@ -239,7 +245,7 @@ Instant nearestMatch(const CalendarRules& rules, const NSDateComponents& fields,
     while (days != 0) {
       const int bit = backward ? 31 - __builtin_clz(days) : __builtin_ctz(days);
       days &= ~(DayMask{1} << bit);
-      offerDay(nearest, pattern, first + bit);
+      offerDay(nearest, fields, first + bit);
       if (nearest.found.exists()) return nearest.found;
     }
   }

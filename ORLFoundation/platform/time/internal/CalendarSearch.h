@@ -19,4 +19,10 @@ namespace ORLFoundation::internal::time {
 [[nodiscard]] Instant instantBySettingUnit(const CalendarRules& rules, NSCalendarUnit unit,
                                            NSInteger value, Instant of, bool strict) noexcept;
 
+/// The nearest instant of one day before (after) the given one at the time that the fields tell, or
+/// at the day's start.
+[[nodiscard]] Instant nearestTimeOfDay(const CalendarRules& rules, const NSDateComponents& fields,
+                                       std::int32_t day, Instant from, bool backward,
+                                       bool strict) noexcept;
+
 }  // namespace ORLFoundation::internal::time

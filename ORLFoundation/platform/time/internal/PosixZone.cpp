@@ -120,7 +120,7 @@ struct PosixZone {
   ChangeRule begin, end;  // of daylight saving time
 };
 
-std::optional<PosixZone> readZone(std::string_view text) noexcept {
+std::optional<PosixZone> readPosixZone(std::string_view text) noexcept {
   constexpr std::int32_t kMostHours = 24;
   Reader reader{text};
   PosixZone zone;
@@ -159,7 +159,7 @@ std::vector<Segment> changesOf(const PosixZone& zone) {
 }  // namespace
 
 std::shared_ptr<const ZoneTable> zoneFromPosixText(std::string_view text) {
-  const std::optional<PosixZone> zone = readZone(text);
+  const std::optional<PosixZone> zone = readPosixZone(text);
   if (!zone) return nullptr;
   if (!zone->changes) return ZoneTable::fixed(zone->standard);
   std::vector<Segment> segments{{ZoneTable::kBeginningOfTime, 0, 0, zone->standard, false}};
