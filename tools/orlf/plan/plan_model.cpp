@@ -1,5 +1,3 @@
-
-
 #include "plan/plan_model.h"
 
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
@@ -7,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "cli/message_text.h"
 #include "values/decimal_behavior.h"
 
 namespace orlftool {
@@ -54,9 +53,27 @@ PlanModel makePlanModel(PlanFile file) {
   return model;
 }
 
+std::vector<std::string> planWarnings(const PlanFile& file) {
+  std::vector<std::string> warnings;
+  for (std::size_t i = 0; i < file.segments.size(); ++i) {
+    const PlanTerms& terms = file.segments[i];
+    if (!terms.rate) continue;
+    const std::string place = "segments[" + std::to_string(i) + "]";
+    if (terms.rate->compare(NSDecimalNumber::zero()) != NSOrderedDescending) {
+      warnings.push_back(place +
+                         ".rate: a rate of 0 or below counts as no growth, and inflation does not "
+                         "count either (docs/plan-file.md)");
+    } else if (terms.interval > 1) {
+      warnings.push_back(place + ".interval: with growth only one contribution in " +
+                         std::to_string(terms.interval) + " is counted (docs/plan-file.md)");
+    }
+  }
+  return warnings;
+}
+
 std::string segmentName(const PlanFile& file, std::size_t index) {
   const std::string& name = file.segments[index].name;
-  return name.empty() ? "Segment " + std::to_string(index + 1) : name;
+  return name.empty() ? "Segment " + std::to_string(index + 1) : shownText(name);
 }
 
 }  // namespace orlftool
