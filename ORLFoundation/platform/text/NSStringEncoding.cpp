@@ -20,8 +20,8 @@ using namespace internal::text;
 using Text = std::optional<std::string>;
 
 Text textOfUTF8(std::string_view bytes) {
-  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-  if (bytes.starts_with(kByteOrderMark)) bytes.remove_prefix(kByteOrderMark.size());
+  constexpr std::string_view kMarkInFront = "\xEF\xBB\xBF";
+  if (bytes.starts_with(kMarkInFront)) bytes.remove_prefix(kMarkInFront.size());
   return isUTF8(bytes) ? Text(bytes) : std::nullopt;
 }
 
