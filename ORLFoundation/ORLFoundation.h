@@ -55,6 +55,7 @@
 #include <ORLFoundation/platform/image/CGDataProvider.h>
 #include <ORLFoundation/platform/image/CGImage.h>
 #include <ORLFoundation/platform/image/CGImageDrawing.h>
+#include <ORLFoundation/platform/image/CGValues.h>
 #include <ORLFoundation/platform/language/NLTagger.h>
 #include <ORLFoundation/platform/language/NSDataDetector.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
@@ -101,6 +102,7 @@
 #include <ORLFoundation/platform/types/UTType.h>
 #include <ORLFoundation/platform/types/UTTypeCatalog.h>
 #include <ORLFoundation/platform/types/UTTypeSystemCatalog.h>
+#include <ORLFoundation/platform/value/CGGeometry.h>
 #include <ORLFoundation/platform/value/NSData.h>
 #include <ORLFoundation/platform/value/NSDate.h>
 #include <ORLFoundation/platform/value/NSDecimal.h>

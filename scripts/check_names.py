@@ -15,8 +15,6 @@ from pathlib import Path
 
 from check_includes import read_folders
 
-# Rooms whose internal names have yet to move home.
-NOT_YET = {"archive", "collections", "object", "plist"}
 PREFIX = re.compile(r"^(?:NS|ORLF|orlf|_?k?ORLF|CG|kCG|UT|NL|LLVM)")
 # Names of tools that a header of ours specializes rather than declares.
 SPECIALIZATION = re.compile(r"^template\s*<\s*>")
@@ -148,8 +146,6 @@ def check_public(name, room, text):
 def faults(root):
     for folder in read_folders(root).values():
         room = folder.path.rpartition("/")[2]
-        if room in NOT_YET:
-            continue
         base = root / folder.path
         inner = {header.relative_to(base).as_posix() for header in base.glob("internal/*.h")}
         inner |= set(folder["HOUSE_HEADERS"])

@@ -1,6 +1,8 @@
 // What is searched and solved from a segment's terms: periods to a balance, payments, values.
 
 #include <ORLFoundation/amortization/ORLFAmortizationPlan_testing.h>
+
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -134,14 +136,13 @@ TEST(ORLFAmortizationPlanSegment, RaisesPaymentsWithInflation) {
 /// The principal that daily payments of 1 pay off at a rate of 36.6 % a year, in the year of a
 /// date.
 Decimal principalOfDailyPayments(NSDate today, NSUInteger count) {
-  NSDate::setClock([today] { return today; });
+  const Replaced clock(NSDate::setClock, [today] { return today; });
   auto principal = Class::startingPrincipalForRecuringPayment(
       {.payment = number("1"),
        .paymentFrequncey = every(1, ORLFDateRecurrenceFrequencyDaily),
        .numberOfPayments = count,
        .anualCompoundingRate = number("0.366"),
        .usingCalendar = utcCalendar()});
-  NSDate::setClock({});
   return principal;
 }
 

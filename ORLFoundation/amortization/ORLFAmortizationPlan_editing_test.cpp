@@ -156,6 +156,16 @@ TEST(ORLFAmortizationPlan, InsertsWithoutAStartFromItsOwnStart) {
   EXPECT_EQ(plan->firstSegment()->startDate(), std::nullopt);
 }
 
+TEST(ORLFAmortizationPlan, StopsItsScanAtAMemberBehindTheRange) {
+  // A trim leaves members out of order; what lies behind the first one past the range is not seen.
+  const Plan plan = threeMembers();
+  plan->trimPlanSegmentsToStartDate(year(2028), std::nullopt);
+  ASSERT_EQ(yearsOf(*plan), "2028 2027 2030 | 2033");
+  plan->setPlanSegment(makeSegment({.principal = number("9")}), year(2026), utc(2027, 7, 1), false);
+  EXPECT_EQ(yearsOf(*plan), "2026 2027 2028 2027 2030 | 2033");
+  EXPECT_EQ(principalsOf(*plan), "9 - 1 2 3");
+}
+
 // ---- trim ----
 
 TEST(ORLFAmortizationPlan, TrimMovesTheStartOfAPlanOfOneSegment) {

@@ -2,6 +2,7 @@
 // equality.
 
 #include <ORLFoundation/amortization/ORLFAmortizationPlan_testing.h>
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/value/NSException_testing.h>
 #include <gmock/gmock.h>
@@ -35,9 +36,8 @@ TEST(ORLFAmortizationPlan, StartsWithACopyOfItsSegment) {
 }
 
 TEST(ORLFAmortizationPlan, StartsNowAndStaysOpenByDefault) {
-  NSDate::setClock([] { return utc(2024, 6, 1); });
+  const Replaced clock(NSDate::setClock, [] { return utc(2024, 6, 1); });
   const auto plan = ORLFAmortizationPlan::initWithStartDate(std::nullopt, makeSegment({}), {});
-  NSDate::setClock({});
   EXPECT_EQ(shapeOf(*plan), "2024-06-01 | open");
 }
 

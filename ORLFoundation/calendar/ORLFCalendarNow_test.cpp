@@ -2,6 +2,7 @@
 #include <ORLFoundation/calendar/ORLFCalendarNow.h>
 
 #include <ORLFoundation/calendar/ORLFCalendar_testing.h>
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/object/Id.h>
 #include <gtest/gtest.h>
 
@@ -15,13 +16,10 @@ using orlftest::calendarIn;
 
 class ORLFCalendarNow : public testing::Test {
  protected:
-  void SetUp() override {
-    NSDate::setClock([now = clock_] { return now; });
-  }
-  void TearDown() override { NSDate::setClock({}); }
-
   const std::shared_ptr<NSCalendar> calendar_ = calendarIn("America/New_York");
   const NSDate clock_ = at(*calendar_, 2024, 7, 4, 12);
+  const Replaced<std::function<NSDate()>> replaced_{NSDate::setClock,
+                                                    [now = clock_] { return now; }};
   const NSDate pinned_ = at(*calendar_, 2021, 3, 14, 15, 9, 26);
 };
 

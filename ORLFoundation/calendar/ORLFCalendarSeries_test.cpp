@@ -3,6 +3,7 @@
 
 #include <ORLFoundation/calendar/ORLFCalendarDays_testing.h>
 #include <ORLFoundation/calendar/ORLFCalendarRatios.h>
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorCodec.h>
@@ -165,12 +166,11 @@ TEST(OrlfDatesOfEventsRepeating, RangeThatRunsBackwardFailsItsConditionAndIsEmpt
 }
 
 TEST(OrlfDatesOfEventsRepeating, NilEndIsTheCurrentInstant) {
-  NSDate::setClock([] { return day("2024-03-02"); });
+  const Replaced clock(NSDate::setClock, [] { return day("2024-03-02"); });
   const auto dates =
       orlfDatesOfEventsRepeatingWithUnit(utcCalendar(), {.unit = NSCalendarUnitMonth,
                                                          .anchoredOnEventDate = day("2024-01-01"),
                                                          .fromDate = day("2024-01-01")});
-  NSDate::setClock({});
   EXPECT_EQ(texts(*dates), (Texts{"2024-01-01", "2024-02-01", "2024-03-01"}));
 }
 

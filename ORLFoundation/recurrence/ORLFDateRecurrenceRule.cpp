@@ -50,7 +50,7 @@ NSUInteger hashOf(const List& list) {
 template <auto Getter>
 id listUnderKey(const NSObject& object) {
   const auto& list = (static_cast<const Rule&>(object).*Getter)();
-  return list ? internal::boxed(*list) : id();
+  return list ? internal::object::boxed(*list) : id();
 }
 
 template <auto Getter>

@@ -1,4 +1,5 @@
 // The older enumeration, anchors and bounding dates.
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrence_testing.h>
 #include <gtest/gtest.h>
@@ -249,12 +250,11 @@ TEST_F(OlderEnumeration, TakesTheStartOfTheDayForTheReferenceOfARuleWithoutAPhas
 
 TEST_F(OlderEnumeration, TakesTheCurrentInstantForANilDate) {
   const NSDate now = day(2023, 5, 17);
-  NSDate::setClock([now] { return now; });
+  const Replaced clock(NSDate::setClock, [now] { return now; });
   EXPECT_EQ(Rule(kMonthly, 1).canonicalReferenceDateForDate(std::nullopt, *calendar_),
             at(*calendar_, 2023, 5, 17));
   EXPECT_EQ(Rule(kMonthly, 1).boundingDatesForReferenceDate(std::nullopt, *calendar_),
             (std::vector<NSDate>{now, day(2023, 6, 17)}));
-  NSDate::setClock({});
 }
 
 TEST_F(OlderEnumeration, TakesTheSpansLastUnitForAnAbsoluteRuleWithoutPatterns) {

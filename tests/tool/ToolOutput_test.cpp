@@ -46,9 +46,11 @@ TEST_F(ToolOutput, DatesAsJson) {
   EXPECT_EQ(jsonOf({"dates", "--freq", "monthly", "--start", "2024-01-31", "--count", "2"}),
             Json::parse(R"json({"zone": "UTC", "dates": ["2024-01-31T00:00:00+00:00",
                                                      "2024-02-29T00:00:00+00:00"]})json"));
-  EXPECT_EQ(jsonOf({"dates", "--freq", "yearly", "--by-month", "2", "--by-monthday", "30",
-                    "--start", "2024-01-31"})["dates"],
-            Json::array());
+  const ToolRun none = runTool({"dates", "--json", "--freq", "yearly", "--by-month", "2",
+                                "--by-monthday", "30", "--start", "2024-01-31"});
+  EXPECT_EQ(none.exitCode, 0);
+  EXPECT_EQ(Json::parse(none.out)["dates"], Json::array());
+  EXPECT_EQ(none.err, "orlf dates: no date matches the rule\n");
 }
 
 TEST_F(ToolOutput, DatesOfARuleTextAsJson) {

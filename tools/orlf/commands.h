@@ -3,50 +3,43 @@
 
 #include <functional>
 
-namespace CLI {
-class App;
-}  // namespace CLI
-
 namespace orlftool {
 
+class Options;
 struct Session;
 
-/// A command that has been added to the parser: `run` does its job with what was parsed.
-struct Command {
-  CLI::App* parser = nullptr;
-  std::function<void(Session&)> run;
-};
+/// Does what a command is for, with the words that were read.
+using Job = std::function<void(Session&)>;
 
 /// `orlf dates`  The dates of a recurrence rule.
-[[nodiscard]] Command addDatesCommand(CLI::App& tool);
-/// `orlf plan`  Balances and contributions of a plan file.
-[[nodiscard]] Command addPlanCommand(CLI::App& tool);
-/// `orlf amount`  Amounts as people type them.
-[[nodiscard]] Command addAmountCommand(CLI::App& tool);
-/// `orlf round`  A decimal rounded.
-[[nodiscard]] Command addRoundCommand(CLI::App& tool);
-/// `orlf decimal`  Sums on decimals.
-[[nodiscard]] Command addDecimalCommand(CLI::App& tool);
-/// `orlf link`  Which handler takes a link.
-[[nodiscard]] Command addLinkCommand(CLI::App& tool);
-
+[[nodiscard]] Job declareDatesCommand(Options& options);
 /// `orlf describe`  The English sentence of a recurrence rule.
-[[nodiscard]] Command addDescribeCommand(CLI::App& tool);
-/// `orlf loan`  The level payment of a loan, and its amortization table.
-[[nodiscard]] Command addLoanCommand(CLI::App& tool);
-/// `orlf irr`  The internal rate of return of dated cash flows.
-[[nodiscard]] Command addIrrCommand(CLI::App& tool);
+[[nodiscard]] Job declareDescribeCommand(Options& options);
 /// `orlf schedule`  The dates of a usual payment schedule.
-[[nodiscard]] Command addScheduleCommand(CLI::App& tool);
+[[nodiscard]] Job declareScheduleCommand(Options& options);
 /// `orlf fiscal`  A date in a fiscal year.
-[[nodiscard]] Command addFiscalCommand(CLI::App& tool);
+[[nodiscard]] Job declareFiscalCommand(Options& options);
+/// `orlf plan`  Balances and contributions of a plan file.
+[[nodiscard]] Job declarePlanCommand(Options& options);
+/// `orlf loan`  The level payment of a loan, and its amortization table.
+[[nodiscard]] Job declareLoanCommand(Options& options);
+/// `orlf irr`  The internal rate of return of dated cash flows.
+[[nodiscard]] Job declareIrrCommand(Options& options);
 /// `orlf axis`  The scale of a chart axis.
-[[nodiscard]] Command addAxisCommand(CLI::App& tool);
+[[nodiscard]] Job declareAxisCommand(Options& options);
+/// `orlf amount`  Amounts as people type them.
+[[nodiscard]] Job declareAmountCommand(Options& options);
+/// `orlf round`  A decimal rounded.
+[[nodiscard]] Job declareRoundCommand(Options& options);
+/// `orlf decimal`  Sums on decimals.
+[[nodiscard]] Job declareDecimalCommand(Options& options);
+/// `orlf link`  Which handler takes a link.
+[[nodiscard]] Job declareLinkCommand(Options& options);
 /// `orlf title`  Texts in title case.
-[[nodiscard]] Command addTitleCommand(CLI::App& tool);
+[[nodiscard]] Job declareTitleCommand(Options& options);
 /// `orlf email`  Whether texts are e-mail addresses.
-[[nodiscard]] Command addEmailCommand(CLI::App& tool);
+[[nodiscard]] Job declareEmailCommand(Options& options);
 /// `orlf template-image`  A picture drawn in one color.
-[[nodiscard]] Command addTemplateImageCommand(CLI::App& tool);
+[[nodiscard]] Job declareTemplateImageCommand(Options& options);
 
 }  // namespace orlftool

@@ -1,29 +1,47 @@
-
-
 #include "tool.h"
 
 #include <ORLFoundation/platform/log/NSLog.h>
 
-#include <CLI/CLI.hpp>
-#include <algorithm>
 #include <array>
+#include <map>
 #include <ostream>
 #include <set>
 #include <string>
 
-#include "cli/common_options.h"
+#include "cli/command_line.h"
 #include "cli/failure.h"
 #include "commands.h"
+#include "session.h"
 #include "version.h"
 
 namespace orlftool {
 namespace {
 
-constexpr std::array kAddCommands{&addDatesCommand,  &addDescribeCommand, &addScheduleCommand,
-                                  &addFiscalCommand, &addPlanCommand,     &addLoanCommand,
-                                  &addIrrCommand,    &addAxisCommand,     &addAmountCommand,
-                                  &addRoundCommand,  &addDecimalCommand,  &addLinkCommand,
-                                  &addTitleCommand,  &addEmailCommand,    &addTemplateImageCommand};
+struct Command {
+  const char* name;
+  Job (*declare)(Options& options);
+};
+
+constexpr std::array kCommands{
+    Command{"dates", &declareDatesCommand},
+    Command{"describe", &declareDescribeCommand},
+    Command{"schedule", &declareScheduleCommand},
+    Command{"fiscal", &declareFiscalCommand},
+    Command{"plan", &declarePlanCommand},
+    Command{"loan", &declareLoanCommand},
+    Command{"irr", &declareIrrCommand},
+    Command{"axis", &declareAxisCommand},
+    Command{"amount", &declareAmountCommand},
+    Command{"round", &declareRoundCommand},
+    Command{"decimal", &declareDecimalCommand},
+    Command{"link", &declareLinkCommand},
+    Command{"title", &declareTitleCommand},
+    Command{"email", &declareEmailCommand},
+    Command{"template-image", &declareTemplateImageCommand},
+};
+
+constexpr const char* kFooter =
+    "--json, --tz ZONE (UTC) and --locale ID (en_US) work before and after the command.";
 
 /// Sends what the library logs to a stream, each line once, for as long as it lives.
 class LogToStream {
@@ -41,76 +59,47 @@ class LogToStream {
   ORLFoundation::NSLogSink before_;
 };
 
-void addCommonOptions(CLI::App& tool, CommonOptions& options) {
-  tool.add_flag("--json", options.json, "Print JSON instead of text");
-  tool.add_option("--tz", options.zone, "Time zone")->capture_default_str();
-  tool.add_option("--locale", options.locale, "Locale of numbers, months and weeks")
-      ->capture_default_str();
+void addCommonOptions(Options options, CommonOptions& values) {
+  options.flag("--json", values.json, "Print JSON instead of text");
+  options.text("--tz", values.zone, "Time zone (UTC)");
+  options.text("--locale", values.locale, "Locale of numbers, months and weeks");
 }
 
-/// A message of one line, whatever it quotes.
-std::string oneLine(std::string message) {
-  std::replace_if(
-      message.begin(), message.end(), [](unsigned char c) { return c < ' ' || c == '\x7F'; }, ' ');
-  return message;
-}
-
-int report(std::ostream& err, const std::string& command, const std::string& message,
-           ExitCode code) {
-  err << (command.empty() ? "orlf" : "orlf " + command) << ": " << oneLine(message) << '\n';
+int fail(Session& session, std::string_view message, ExitCode code) {
+  printNote(session, message);
   return code;
 }
 
-const Command* chosenCommand(const std::vector<Command>& commands) {
-  for (const Command& command : commands)
-    if (command.parser->parsed()) return &command;
-  return nullptr;
-}
-
-int runCommand(const Command& command, Session& session) {
-  const std::string name = command.parser->get_name();
+int runCommand(const Job& job, Session& session) {
   try {
     const LogToStream log(session.err);
-    command.run(session);
+    session.calendar = makeCalendar(session.options.zone.value_or("UTC"), session.options.locale);
+    job(session);
     if (!session.out.flush()) throw JobFailure("the output cannot be written");
     return session.exitCode;
   } catch (const UsageFailure& failure) {
-    return report(session.err, name, failure.what(), kExitWrongUsage);
+    return fail(session, failure.what(), kExitWrongUsage);
   } catch (const std::exception& failure) {
-    return report(session.err, name, failure.what(), kExitFailedJob);
+    return fail(session, failure.what(), kExitFailedJob);
   }
 }
 
 }  // namespace
 
 int runTool(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
-  CLI::App tool("Exact money, dates and plans.", "orlf");
-  Session session{out, err, {}};
-  addCommonOptions(tool, session.options);
-  tool.set_version_flag("--version", std::string("orlf ") + kToolVersion);
-  tool.require_subcommand(1);
-  std::vector<Command> commands;
-  for (const auto add : kAddCommands) {
-    commands.push_back(add(tool));
-    commands.back().parser->fallthrough();
-    commands.back().parser->footer(
-        "--json, --tz ZONE (UTC) and --locale ID (en_US) work before and after the command.");
+  Session session{.out = out, .err = err};
+  CommandLine line("orlf", "Exact money, dates and plans.", std::string("orlf ") + kToolVersion);
+  addCommonOptions(line.commonOptions(), session.options);
+  std::map<std::string, Job> jobs;
+  for (const Command& command : kCommands) {
+    Options options = line.addCommand(command.name, kFooter);
+    jobs.emplace(command.name, command.declare(options));
   }
-  try {
-    tool.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
-  } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() == 0) return tool.exit(error, out, err);
-    const Command* chosen = chosenCommand(commands);
-    const std::vector<std::string> strangers = tool.remaining();
-    if (chosen == nullptr && !strangers.empty())
-      return report(err, "",
-                    "unknown command or option '" + strangers.front() + "' (--help tells more)",
-                    kExitWrongUsage);
-    return report(err, chosen != nullptr ? chosen->parser->get_name() : "",
-                  error.what() + std::string(" (--help tells more)"), kExitWrongUsage);
-  }
-  session.options.zoneWasGiven = tool.count("--tz") > 0;
-  return runCommand(*chosenCommand(commands), session);
+  const CommandLine::Reading reading = line.read(arguments, out);
+  if (reading.isAnswered) return kExitSuccess;
+  session.command = reading.command;
+  if (!reading.fault.empty()) return fail(session, reading.fault, kExitWrongUsage);
+  return runCommand(jobs.at(reading.command), session);
 }
 
 }  // namespace orlftool

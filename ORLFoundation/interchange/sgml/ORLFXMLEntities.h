@@ -1,7 +1,7 @@
 /// Characters that mean something in XML, and the entities that stand for them.
 ///
-///     orlfStringByEscapingStandardXMLEntities("AT&T <\"x\">");  // "AT&amp;T
-///     &lt;&quot;x&quot;&gt;"
+///     // "AT&amp;T &lt;&quot;x&quot;&gt;"
+///     orlfStringByEscapingStandardXMLEntities("AT&T <\"x\">");
 ///
 /// The standard table holds & (&amp;), < (&lt;), > (&gt;) and " (&quot;), in this order; the
 /// apostrophe is not in it. Further entries, texts under texts, are added behind it in their own

@@ -63,19 +63,20 @@ NSUInteger id::hash() const {
 }
 
 std::string id::description() const {
-  return std::visit(Overload{[](std::monostate) -> std::string { return "(null)"; },
-                             [](NSNull) -> std::string { return "<null>"; },
-                             [](const std::string& text) { return internal::wellFormed(text); },
-                             [](const Object& object) { return object->description(); },
-                             [](const auto& plain) -> std::string { return plain.description(); }},
-                    value_);
+  return std::visit(
+      Overload{[](std::monostate) -> std::string { return "(null)"; },
+               [](NSNull) -> std::string { return "<null>"; },
+               [](const std::string& text) { return internal::object::wellFormed(text); },
+               [](const Object& object) { return object->description(); },
+               [](const auto& plain) -> std::string { return plain.description(); }},
+      value_);
 }
 
 std::string id::descriptionInCollection(NSUInteger indent) const {
   const auto* object = std::get_if<Object>(&value_);
   const auto* collection = object ? dynamic_cast<const NSCollection*>(object->get()) : nullptr;
   if (collection) return collection->descriptionWithIndent(indent);
-  return internal::quotedWhereNeeded(description());
+  return internal::object::quotedWhereNeeded(description());
 }
 
 std::string id::className() const {

@@ -74,8 +74,8 @@ NSUInteger NSArray::hash() const {
 }
 
 std::string NSArray::descriptionWithIndent(NSUInteger indent) const {
-  const std::string margin = internal::indentation(indent);
-  if (indent > internal::kDeepestDescription) return margin + "...";
+  const std::string margin = internal::object::indentation(indent);
+  if (indent > internal::object::kDeepestDescription) return margin + "...";
   std::string out = margin + "(\n";
   for (std::size_t i = 0; i < members_.size(); ++i) {
     out += margin + "    " + members_[i].descriptionInCollection(indent + 1);
@@ -114,7 +114,7 @@ void NSArray::setValueForKey(const id& value, std::string_view key) {
 }
 
 id NSArray::valueForKeyPath(std::string_view keyPath) const {
-  if (keyPath.starts_with('@')) return internal::applyCollectionOperator(members_, keyPath);
+  if (keyPath.starts_with('@')) return internal::object::applyCollectionOperator(members_, keyPath);
   return NSObject::valueForKeyPath(keyPath);
 }
 

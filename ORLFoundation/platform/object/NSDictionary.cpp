@@ -99,8 +99,8 @@ bool NSDictionary::isEqual(const NSObject* other) const {
 NSUInteger NSDictionary::hash() const { return count() ^ 0x64696374; }
 
 std::string NSDictionary::descriptionWithIndent(NSUInteger indent) const {
-  const std::string margin = internal::indentation(indent);
-  if (indent > internal::kDeepestDescription) return margin + "...";
+  const std::string margin = internal::object::indentation(indent);
+  if (indent > internal::object::kDeepestDescription) return margin + "...";
   std::string out = margin + "{\n";
   for (const auto& [key, value] : inOrderOfDescription(entries())) {
     out += margin + "    " + key.descriptionInCollection(indent + 1) + " = ";

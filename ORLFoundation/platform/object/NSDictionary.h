@@ -58,7 +58,7 @@ class NSDictionary : public NSCollection {
   [[nodiscard]] id valueForKey(std::string_view key) const override;
 
  protected:
-  internal::IdTable table_;
+  internal::object::IdTable table_;
 };
 
 class NSMutableDictionary : public NSDictionary {

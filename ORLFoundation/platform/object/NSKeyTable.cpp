@@ -33,7 +33,7 @@ const NSKey* NSKeyTable::find(std::string_view name) const noexcept {
   return found != keys_.end() && found->name == name ? &*found : nullptr;
 }
 
-void internal::raiseWrongKind(const id& value) {
+void internal::object::raiseWrongKind(const id& value) {
   throw NSException(NSInvalidArgumentException,
                     value.isNil() ? std::string("nil is no value for a key of a plain type")
                                   : "a value of class " + value.className() +

@@ -65,7 +65,7 @@ class NSKeyTable {
   std::vector<NSKey> keys_;
 };
 
-namespace internal {
+namespace internal::object {
 
 /// Class and argument of a member function.
 template <class Member>
@@ -157,16 +157,17 @@ void setThrough(NSObject& object, const id& value) {
   (static_cast<typename Traits::Class&>(object).*Setter)(Unboxed<Argument>::from(value));
 }
 
-}  // namespace internal
+}  // namespace internal::object
 
 template <auto Getter>
 NSKey NSKey::readOnly(std::string_view name, std::vector<std::string_view> affecting) {
-  return {name, &internal::getThrough<Getter>, nullptr, std::move(affecting)};
+  return {name, &internal::object::getThrough<Getter>, nullptr, std::move(affecting)};
 }
 
 template <auto Getter, auto Setter>
 NSKey NSKey::readWrite(std::string_view name, std::vector<std::string_view> affecting) {
-  return {name, &internal::getThrough<Getter>, &internal::setThrough<Setter>, std::move(affecting)};
+  return {name, &internal::object::getThrough<Getter>, &internal::object::setThrough<Setter>,
+          std::move(affecting)};
 }
 
 }  // namespace ORLFoundation

@@ -14,6 +14,7 @@ namespace {
 /// Key paths that depend on each other in a circle are followed no deeper than this.
 constexpr int kDeepestDependency = 32;
 
+using internal::object::NSObjectState;
 using Change = NSObjectState::Change;
 
 std::uint64_t nextSequence() {

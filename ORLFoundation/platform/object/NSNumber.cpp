@@ -59,9 +59,9 @@ Integer truncated(const NSDecimal& decimal) {
 }  // namespace
 
 NSComparisonResult NSNumber::compare(const NSNumber& other) const {
-  return std::visit(
-      [](const auto& left, const auto& right) { return internal::compareExactly(left, right); },
-      value_, other.value_);
+  return std::visit([](const auto& left,
+                       const auto& right) { return internal::object::compareExactly(left, right); },
+                    value_, other.value_);
 }
 
 bool NSNumber::isEqualToNumber(const std::optional<NSNumber>& other) const {

@@ -15,6 +15,9 @@
 #include <utility>
 
 namespace ORLFoundation {
+
+using internal::object::NSObjectState;
+
 namespace {
 
 std::string addressOf(const NSObject& object) {

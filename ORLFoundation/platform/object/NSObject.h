@@ -22,11 +22,14 @@
 
 namespace ORLFoundation {
 
+namespace internal::object {
+struct NSObjectState;
+}  // namespace internal::object
+
 class id;
 class NSKeyTable;
 class NSKeyValueObservation;
 struct NSKeyValueChange;
-struct NSObjectState;
 
 /// Called with each change of an observed value, on the thread that changed it.
 using NSKeyValueBlock = std::function<void(const NSKeyValueChange& change)>;
@@ -140,11 +143,11 @@ class NSObject : public std::enable_shared_from_this<NSObject> {
     return state_.load(std::memory_order_acquire) != nullptr;
   }
   [[nodiscard]] std::shared_ptr<NSObject> newObjectOfExactClass() const;
-  [[nodiscard]] NSObjectState& state() const;
+  [[nodiscard]] internal::object::NSObjectState& state() const;
   void beginChange(std::string_view key, bool automatic);
   void abandonChange(std::string_view key) noexcept;
 
-  mutable std::atomic<NSObjectState*> state_{nullptr};
+  mutable std::atomic<internal::object::NSObjectState*> state_{nullptr};
 };
 
 /// A copy under the object's own type; nil for nil.

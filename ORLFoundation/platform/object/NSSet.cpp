@@ -64,8 +64,8 @@ bool NSSet::isEqual(const NSObject* other) const {
 NSUInteger NSSet::hash() const { return count() ^ 0x736574; }
 
 std::string NSSet::descriptionWithIndent(NSUInteger indent) const {
-  const std::string margin = internal::indentation(indent);
-  if (indent > internal::kDeepestDescription) return margin + "...";
+  const std::string margin = internal::object::indentation(indent);
+  if (indent > internal::object::kDeepestDescription) return margin + "...";
   std::string members;
   for (const id& member : allObjects()) {
     if (!members.empty()) members += ",\n";
@@ -90,7 +90,8 @@ id NSSet::valueForKey(std::string_view key) const {
 }
 
 id NSSet::valueForKeyPath(std::string_view keyPath) const {
-  if (keyPath.starts_with('@')) return internal::applyCollectionOperator(allObjects(), keyPath);
+  if (keyPath.starts_with('@'))
+    return internal::object::applyCollectionOperator(allObjects(), keyPath);
   return NSObject::valueForKeyPath(keyPath);
 }
 

@@ -55,7 +55,7 @@ class NSSet : public NSCollection {
   [[nodiscard]] id valueForKeyPath(std::string_view keyPath) const override;
 
  protected:
-  internal::IdTable table_;
+  internal::object::IdTable table_;
 };
 
 class NSMutableSet : public NSSet {

@@ -193,8 +193,8 @@ std::string convertedNumber(const Form& form, const NSNumber& number) {
     return printed(form, "ll", static_cast<long long>(number.integerValue()));
   NSUInteger bits = number.unsignedIntegerValue();
   if (form.kind == kPointer) return address(bits, form);
-  if (form.kind == 'c') return placed(internal::characterText(bits & 0xffU), form);
-  if (form.kind == 'C') return placed(internal::characterText(bits), form);
+  if (form.kind == 'c') return placed(internal::object::characterText(bits & 0xffU), form);
+  if (form.kind == 'C') return placed(internal::object::characterText(bits), form);
   if (!form.isLong && number.integerValue() < 0) bits &= 0xffffffffU;
   return printed(form, "ll", static_cast<unsigned long long>(bits));
 }

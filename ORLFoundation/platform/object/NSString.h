@@ -33,7 +33,7 @@ template <class... Arguments>
 [[nodiscard]] std::string stringWithFormatArguments(std::string_view format,
                                                     std::span<const id> arguments);
 
-namespace internal {
+namespace internal::object {
 
 /// An argument as an `id`; of a pointer to anything but text, its address.
 template <class T>
@@ -46,12 +46,12 @@ template <class T>
   }
 }
 
-}  // namespace internal
+}  // namespace internal::object
 
 template <class... Arguments>
 std::string stringWithFormat(std::string_view format, const Arguments&... arguments) {
   // One more than needed, since an array cannot be empty.
-  const id list[] = {internal::formatArgument(arguments)..., id()};
+  const id list[] = {internal::object::formatArgument(arguments)..., id()};
   return stringWithFormatArguments(format, std::span(list, sizeof...(arguments)));
 }
 

@@ -79,10 +79,4 @@ std::string NSValue::description() const {
       record_);
 }
 
-NSValue orlfValueWithCGPoint(CGPoint point) { return NSValue::valueWithPoint(point); }
-
-CGPoint orlfCGPointValue(const NSValue& value) noexcept { return value.pointValue(); }
-
-CGRect orlfCGRectValue(const NSValue& value) noexcept { return value.rectValue(); }
-
 }  // namespace ORLFoundation

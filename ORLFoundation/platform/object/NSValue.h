@@ -2,6 +2,7 @@
 /// its object.
 #pragma once
 
+#include <ORLFoundation/platform/value/CGGeometry.h>
 #include <ORLFoundation/platform/value/NSRange.h>
 #include <ORLFoundation/platform/value/NSTypes.h>
 
@@ -14,24 +15,6 @@
 namespace ORLFoundation {
 
 class NSObject;
-
-struct CGPoint {
-  double x = 0;
-  double y = 0;
-  friend constexpr bool operator==(const CGPoint&, const CGPoint&) = default;
-};
-
-struct CGSize {
-  double width = 0;
-  double height = 0;
-  friend constexpr bool operator==(const CGSize&, const CGSize&) = default;
-};
-
-struct CGRect {
-  CGPoint origin;
-  CGSize size;
-  friend constexpr bool operator==(const CGRect&, const CGRect&) = default;
-};
 
 class NSValue {
  public:
@@ -86,12 +69,5 @@ class NSValue {
 
   Record record_;
 };
-
-/// `orlfValueWithCGPoint:`
-[[nodiscard]] NSValue orlfValueWithCGPoint(CGPoint point);
-/// `orlfCGPointValue`
-[[nodiscard]] CGPoint orlfCGPointValue(const NSValue& value) noexcept;
-/// `orlfCGRectValue`
-[[nodiscard]] CGRect orlfCGRectValue(const NSValue& value) noexcept;
 
 }  // namespace ORLFoundation

@@ -2,30 +2,18 @@
 
 #include <ORLFoundation/platform/value/NSDate.h>
 
-#include <atomic>
+#include <ORLFoundation/platform/base/Replaceable.h>
+
 #include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <memory>
-#include <mutex>
 #include <utility>
 
 namespace ORLFoundation {
 namespace {
 
-using Clock = std::function<NSDate()>;
-
-struct ClockDoor {
-  std::mutex lock;
-  std::shared_ptr<const Clock> replaced;
-  std::atomic<bool> isReplaced{false};
-};
-
-ClockDoor& clockDoor() {
-  static ClockDoor& door = *new ClockDoor;
-  return door;
-}
+constinit internal::base::ReplaceableFunction<std::function<NSDate()>> clocks;
 
 NSDate systemNow() {
   const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
@@ -38,23 +26,12 @@ constexpr double kPrintable = 9.0e11;
 }  // namespace
 
 NSDate NSDate::date() {
-  ClockDoor& door = clockDoor();
-  if (!door.isReplaced.load(std::memory_order_acquire)) return systemNow();
-  std::shared_ptr<const Clock> clock;
-  {
-    const std::lock_guard guard(door.lock);
-    clock = door.replaced;
-  }
+  const auto clock = clocks.current();
   return clock ? (*clock)() : systemNow();
 }
 
-void NSDate::setClock(std::function<NSDate()> clock) {
-  std::shared_ptr<const Clock> next;
-  if (clock) next = std::make_shared<const Clock>(std::move(clock));
-  ClockDoor& door = clockDoor();
-  const std::lock_guard guard(door.lock);
-  door.isReplaced.store(next != nullptr, std::memory_order_release);
-  door.replaced.swap(next);
+std::function<NSDate()> NSDate::setClock(std::function<NSDate()> clock) {
+  return clocks.exchange(std::move(clock));
 }
 
 NSUInteger NSDate::hash() const noexcept { return std::hash<double>{}(seconds_); }

@@ -36,9 +36,9 @@ class NSDate {
   /// `distantPast`
   [[nodiscard]] static constexpr NSDate distantPast() noexcept { return NSDate(-63114076800.0); }
 
-  /// Replaces the clock behind `date` for the whole process; an empty function restores the
-  /// system's. Safe to call from any thread.
-  static void setClock(std::function<NSDate()> clock);
+  /// Replaces the clock behind `date` for the whole process and gives back the one before it; an
+  /// empty function is the system's. Safe to call from any thread.
+  static std::function<NSDate()> setClock(std::function<NSDate()> clock);
 
   /// `timeIntervalSinceReferenceDate`  Seconds.
   [[nodiscard]] constexpr NSTimeInterval timeIntervalSinceReferenceDate() const noexcept {

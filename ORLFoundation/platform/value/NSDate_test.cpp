@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/value/NSDate.h>
 
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -15,12 +16,6 @@ namespace {
 NSDate at(double secondsSince1970) {
   return NSDate::dateWithTimeIntervalSince1970(secondsSince1970);
 }
-
-class PinnedClock : public testing::Test {
- protected:
-  void TearDown() override { NSDate::setClock({}); }
-};
-using NSDateClock = PinnedClock;
 
 struct DescriptionCase {
   const char* name;
@@ -69,22 +64,27 @@ TEST(NSDate, HashesEqualDatesAlike) {
   EXPECT_EQ(zero.hash(), minusZero.hash());
 }
 
-TEST_F(NSDateClock, TellsTheTimeOfTheReplacedClock) {
-  NSDate::setClock([] { return at(86400); });
+TEST(NSDateClock, TellsTheTimeOfTheReplacedClock) {
+  const Replaced clock(NSDate::setClock, [] { return at(86400); });
+  EXPECT_FALSE(clock.before());
   EXPECT_EQ(NSDate::date(), at(86400));
+  const Replaced inner(NSDate::setClock, [] { return at(1); });
+  EXPECT_EQ(inner.before()(), at(86400));
+  EXPECT_EQ(NSDate::date(), at(1));
 }
 
-TEST_F(NSDateClock, GoesBackToTheSystemClock) {
-  NSDate::setClock([] { return at(86400); });
-  NSDate::setClock({});
+TEST(NSDateClock, GoesBackToTheSystemClock) {
+  {
+    const Replaced clock(NSDate::setClock, [] { return at(86400); });
+  }
   const double now = static_cast<double>(std::chrono::duration_cast<std::chrono::seconds>(
                                              std::chrono::system_clock::now().time_since_epoch())
                                              .count());
   EXPECT_NEAR(NSDate::date().timeIntervalSince1970(), now, 60);
 }
 
-TEST_F(NSDateClock, CanBeReplacedWhileOthersAskForTheTime) {
-  NSDate::setClock([] { return at(1); });
+TEST(NSDateClock, CanBeReplacedWhileOthersAskForTheTime) {
+  const Replaced clock(NSDate::setClock, [] { return at(1); });
   std::atomic<bool> done{false};
   std::atomic<int> strange{0};
   std::thread reader([&] {

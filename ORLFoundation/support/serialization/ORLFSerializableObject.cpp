@@ -2,6 +2,8 @@
 #include <ORLFoundation/support/serialization/ORLFSerializableObject.h>
 
 #include <ORLFoundation/platform/archive/NSCoder.h>
+#include <ORLFoundation/platform/object/Id.h>
+#include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSKeyTable.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 

@@ -18,7 +18,6 @@
 
 #include <ORLFoundation/platform/archive/NSCodingClass.h>
 #include <ORLFoundation/platform/archive/NSSecureCoding.h>
-#include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSObject.h>
 
 #include <memory>
@@ -26,6 +25,9 @@
 #include <string_view>
 
 namespace ORLFoundation {
+
+class NSDictionary;
+class NSMutableDictionary;
 
 class ORLFSerializableObject : public NSObject, public NSSecureCoding {
  public:

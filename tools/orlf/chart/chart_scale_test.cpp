@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "cli/common_options.h"
 #include "cli/failure.h"
+#include "session.h"
 #include "values/date_text.h"
 
 namespace {

@@ -10,8 +10,8 @@
 
 #include "chart/chart.h"
 #include "chart/drawing.h"
-#include "cli/common_options.h"
 #include "cli/table.h"
+#include "session.h"
 
 namespace orlftool {
 

@@ -1,32 +1,44 @@
-
-
 #include "cli/message_text.h"
 
+#include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/base/UTF8.h>
+
+#include <algorithm>
 
 #include "cli/failure.h"
 
 namespace orlftool {
 namespace {
 
-using ORLFoundation::internal::base::firstUTF8Character;
-using ORLFoundation::internal::base::UTF8Character;
+using namespace ORLFoundation::internal::base;
 
 constexpr std::size_t kMostCharactersShown = 40;
+
+/// What moves a terminal's cursor or does worse.
+constexpr bool isControl(char32_t codePoint) {
+  return codePoint < U' ' || (codePoint >= U'\x7F' && codePoint < U'\xA0');
+}
 
 }  // namespace
 
 std::string quotedForMessage(std::string_view text) {
   std::string shown = "'";
-  std::size_t at = 0;
-  for (std::size_t count = 0; at < text.size() && count < kMostCharactersShown; ++count) {
-    const UTF8Character character = firstUTF8Character(text.substr(at));
-    const std::size_t length = character.isBroken ? 1 : character.length;
-    const bool printable = !character.isBroken && character.codePoint >= U' ' && text[at] != '\x7F';
-    shown += printable ? text.substr(at, length) : "?";
-    at += length;
+  std::size_t count = 0;
+  for (; !text.empty() && count < kMostCharactersShown; ++count) {
+    const UTF8Character character = firstUTF8Character(text);
+    const bool printable = !character.isBroken && !isControl(character.codePoint);
+    shown += printable ? text.substr(0, character.length) : "?";
+    text.remove_prefix(character.length);
   }
-  return shown + (at < text.size() ? "...'" : "'");
+  return shown + (text.empty() ? "'" : "...'");
+}
+
+std::string oneLine(std::string_view text) {
+  std::string line(text);
+  std::replace_if(
+      line.begin(), line.end(),
+      [](char c) { return isControl(static_cast<unsigned char>(c)) && isASCII(c); }, ' ');
+  return line;
 }
 
 void failAtField(const std::string& name, std::size_t line, const std::string& field,

@@ -1,5 +1,3 @@
-
-
 #include "cli/table.h"
 
 #include <algorithm>

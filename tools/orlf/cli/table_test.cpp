@@ -1,5 +1,3 @@
-
-
 #include "cli/table.h"
 
 #include <gtest/gtest.h>

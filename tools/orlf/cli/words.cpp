@@ -1,5 +1,3 @@
-
-
 #include "cli/words.h"
 
 #include <array>

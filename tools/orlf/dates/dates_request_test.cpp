@@ -1,12 +1,11 @@
-
 #include "dates/dates_request.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "cli/common_options.h"
 #include "cli/failure.h"
+#include "session.h"
 
 namespace {
 
@@ -42,22 +41,24 @@ TEST(ReadWeekday, TakesADayAndItsPlace) {
 }
 
 TEST(ReadWeekday, RefusesOtherText) {
-  for (const char* text : {"", "XX", "0MO", "2", "-", "MO2", "2 MO", "monday", "367day", "--1MO",
-                           "99999999999999999999MO", "+-1MO"})
+  for (const char* text :
+       {"", "XX", "0MO", "2", "-", "MO2", "2 MO", "monday", "367day", "--1MO",
+        "99999999999999999999MO", "+-1MO", "-9223372036854775808MO", "0x2MO", "1-MO"})
     EXPECT_FALSE(readWeekday(text)) << text;
 }
 
 TEST(DatesRequest, BuildsTheRuleOfItsOptions) {
   DatesArguments arguments = monthly();
-  arguments.interval = 3;
-  arguments.anchor = -2;
+  arguments.interval = "3";
+  arguments.anchor = "-2";
   arguments.absolute = true;
   arguments.weekdays = {"-1FR"};
-  arguments.monthDays = {15, -1};
-  arguments.months = {3};
-  arguments.yearDays = {200};
-  arguments.weeks = {7};
-  arguments.setPositions = {-1};
+  arguments.monthDays = {"15", "-1"};
+  arguments.months = {"3"};
+  arguments.yearDays = {"200"};
+  arguments.weeks = {"7"};
+  arguments.setPositions = {"-1"};
+  arguments.older = true;
   const auto rule = read(arguments).rule;
   EXPECT_EQ(rule->frequency(), ORLFDateRecurrenceFrequencyMonthly);
   EXPECT_EQ(rule->interval(), 3);
@@ -80,7 +81,7 @@ TEST(DatesRequest, CountsTwentyWhereNothingElseEndsTheWalk) {
   DatesArguments until = monthly();
   until.until = "2025-01-01";
   EXPECT_FALSE(read(until).count);
-  until.count = 5;
+  until.count = "5";
   EXPECT_EQ(read(until).count, 5);
   DatesArguments range = monthly();
   range.from = range.to = "2025-01-01";
@@ -96,27 +97,37 @@ struct FaultRow {
 const FaultRow kFaults[] = {
     {"UnknownFrequency", [](DatesArguments& a) { a.frequency = "hourly"; },
      "--freq: expected daily, weekly, monthly, quarterly or yearly, got 'hourly'"},
-    {"IntervalZero", [](DatesArguments& a) { a.interval = 0; },
-     "--interval: expected a number from 1 to 100000, got 0"},
-    {"IntervalNegative", [](DatesArguments& a) { a.interval = -2; },
-     "--interval: expected a number from 1 to 100000, got -2"},
+    {"IntervalZero", [](DatesArguments& a) { a.interval = "0"; },
+     "--interval: expected a whole number from 1 to 100000, got '0'"},
+    {"IntervalNegative", [](DatesArguments& a) { a.interval = "-2"; },
+     "--interval: expected a whole number from 1 to 100000, got '-2'"},
     {"UnknownWeekday",
      [](DatesArguments& a) {
        a.weekdays = {"MO", "XX"};
      },
      "--by-weekday: expected a weekday such as MO, 2TU, -1FR, day, weekday or weekend, got 'XX'"},
-    {"MonthOutOfRange", [](DatesArguments& a) { a.months = {13}; },
-     "--by-month: expected a number from 1 to 12, got 13"},
-    {"MonthDayOutOfRange", [](DatesArguments& a) { a.monthDays = {32}; },
-     "--by-monthday: expected a number from -31 to 31, got 32"},
-    {"MonthDayZero", [](DatesArguments& a) { a.monthDays = {0}; }, "--by-monthday: expected no 0"},
-    {"YearDayOutOfRange", [](DatesArguments& a) { a.yearDays = {-367}; },
-     "--by-yearday: expected a number from -366 to 366, got -367"},
-    {"WeekOutOfRange", [](DatesArguments& a) { a.weeks = {54}; },
-     "--by-week: expected a number from -53 to 53, got 54"},
-    {"PositionZero", [](DatesArguments& a) { a.setPositions = {0}; }, "--set-pos: expected no 0"},
-    {"CountZero", [](DatesArguments& a) { a.count = 0; },
-     "--count: expected a number from 1 to 1000000, got 0"},
+    {"MonthOutOfRange", [](DatesArguments& a) { a.months = {"13"}; },
+     "--by-month: expected a whole number from 1 to 12, got '13'"},
+    {"MonthDayOutOfRange", [](DatesArguments& a) { a.monthDays = {"32"}; },
+     "--by-monthday: expected a whole number from -31 to 31, got '32'"},
+    {"MonthDayZero", [](DatesArguments& a) { a.monthDays = {"0"}; },
+     "--by-monthday: expected no 0"},
+    {"YearDayOutOfRange", [](DatesArguments& a) { a.yearDays = {"-367"}; },
+     "--by-yearday: expected a whole number from -366 to 366, got '-367'"},
+    {"WeekOutOfRange", [](DatesArguments& a) { a.weeks = {"54"}; },
+     "--by-week: expected a whole number from -53 to 53, got '54'"},
+    {"PositionZero",
+     [](DatesArguments& a) {
+       a.setPositions = {"0"};
+       a.older = true;
+     },
+     "--set-pos: expected no 0"},
+    {"PositionsOfTheMainWalk", [](DatesArguments& a) { a.setPositions = {"1"}; },
+     "--set-pos needs --older"},
+    {"AnchorOfTheMainWalk", [](DatesArguments& a) { a.anchor = "0"; }, "--anchor needs --older"},
+    {"AbsoluteMainWalk", [](DatesArguments& a) { a.absolute = true; }, "--absolute needs --older"},
+    {"CountZero", [](DatesArguments& a) { a.count = "0"; },
+     "--count: expected a whole number from 1 to 1000000, got '0'"},
     {"FromWithoutTo", [](DatesArguments& a) { a.from = "2024-01-01"; },
      "--from and --to are given together or not at all"},
     {"ToWithoutFrom", [](DatesArguments& a) { a.to = "2024-01-01"; },

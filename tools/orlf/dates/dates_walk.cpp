@@ -1,5 +1,3 @@
-
-
 #include "dates/dates_walk.h"
 
 #include <ORLFoundation/recurrence/ORLFCalendarRecurrence.h>
@@ -7,6 +5,7 @@
 #include <vector>
 
 #include "cli/failure.h"
+#include "values/date_text.h"
 
 namespace orlftool {
 namespace {
@@ -37,7 +36,9 @@ double secondsOfFrequency(ORLFDateRecurrenceFrequency frequency) {
 void refuseLongWalk(const DatesRequest& request) {
   NSDate first = request.start;
   NSDate last = request.start;
-  for (const auto& date : {request.from, request.to, request.reference, request.until}) {
+  const std::optional<NSDate> until =
+      request.until ? std::optional(request.until->date) : std::nullopt;
+  for (const auto& date : {request.from, request.to, request.reference, until}) {
     if (!date) continue;
     if (date->compare(first) == NSOrderedAscending) first = *date;
     if (date->compare(last) == NSOrderedDescending) last = *date;
@@ -56,20 +57,20 @@ class DateTaker {
 
   /// Whether another date is wanted after this one.
   bool take(NSDate date) {
-    if (isBeyondUntil(date)) return false;
+    if (request_.until && isBeyond(date, *request_.until, request_.backwards)) return false;
+    if (request_.ruleEnd && isBeyond(date, *request_.ruleEnd, false)) return request_.backwards;
     if (request_.eachOnce && last_ && date.compare(*last_) == NSOrderedSame) return true;
-    give_(date);
+    give_(request_.wholeDays ? startOfDay(date, *request_.calendar) : date);
     last_ = date;
     ++taken_;
     return !request_.count || taken_ < *request_.count;
   }
 
  private:
-  [[nodiscard]] bool isBeyondUntil(NSDate date) const {
-    if (!request_.until) return false;
-    const NSComparisonResult order = date.compare(*request_.until);
-    if (order == NSOrderedSame) return !request_.inclusive;
-    return order == (request_.backwards ? NSOrderedAscending : NSOrderedDescending);
+  [[nodiscard]] static bool isBeyond(NSDate date, const DateBound& bound, bool backwards) {
+    const NSComparisonResult order = date.compare(bound.date);
+    if (order == NSOrderedSame) return !bound.inclusive;
+    return order == (backwards ? NSOrderedAscending : NSOrderedDescending);
   }
 
   const DatesRequest& request_;

@@ -1,13 +1,13 @@
-#include <CLI/CLI.hpp>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 
-#include "cli/common_options.h"
-#include "cli/option_checks.h"
+#include "cli/command_line.h"
+#include "cli/json_output.h"
 #include "commands.h"
 #include "dates/rule_options.h"
+#include "session.h"
+#include "values/whole_number.h"
 
 namespace orlftool {
 namespace {
@@ -17,7 +17,8 @@ using namespace ORLFoundation;
 /// Months outside of the year have no word, which the sentence takes for a fault of its caller.
 void checkMonths(const ORLFDateRecurrenceRule& rule) {
   if (!rule.monthsOfTheYear()) return;
-  for (const NSInteger month : *rule.monthsOfTheYear()) checkRange("RULE: BYMONTH", month, 1, 12);
+  for (const NSInteger month : *rule.monthsOfTheYear())
+    (void)readWholeArgument("RULE: BYMONTH", std::to_string(month), 1, 12);
 }
 
 void printDescription(Session& session, const RuleArguments& arguments) {
@@ -28,22 +29,21 @@ void printDescription(Session& session, const RuleArguments& arguments) {
     session.out << sentence << '\n';
     return;
   }
-  nlohmann::ordered_json answer;
+  Json answer;
   if (arguments.rule) answer["rule"] = *arguments.rule;
   answer["description"] = sentence;
-  session.out << answer.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+  printJson(session.out, answer);
 }
 
 }  // namespace
 
-Command addDescribeCommand(CLI::App& tool) {
-  CLI::App* parser = tool.add_subcommand(
-      "describe", "Print a recurrence rule as an English sentence: 'repeats weekly on Monday'.");
+Job declareDescribeCommand(Options& options) {
+  options.describe("Print a recurrence rule as an English sentence: 'repeats weekly on Monday'.");
   auto arguments = std::make_shared<RuleArguments>();
-  CLI::Option* text = parser->add_option(
-      "RULE", arguments->rule, "iCalendar text, 'RRULE:FREQ=...', in place of the options below");
-  addRuleOptions(*parser, *arguments, *text);
-  return {parser, [arguments](Session& session) { printDescription(session, *arguments); }};
+  options.text("RULE", arguments->rule,
+               "iCalendar text, 'RRULE:FREQ=...', in place of the options below");
+  addRuleOptions(options, *arguments, "RULE");
+  return [arguments](Session& session) { printDescription(session, *arguments); };
 }
 
 }  // namespace orlftool

@@ -1,19 +1,19 @@
 #include <ORLFoundation/calendar/ORLFCalendarFiscal.h>
 
-#include <CLI/CLI.hpp>
 #include <array>
-#include <charconv>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
 
-#include "cli/common_options.h"
+#include "cli/command_line.h"
 #include "cli/failure.h"
+#include "cli/json_output.h"
 #include "commands.h"
+#include "session.h"
 #include "values/date_text.h"
+#include "values/whole_number.h"
 
 namespace orlftool {
 namespace {
@@ -30,11 +30,8 @@ struct MonthDay {
 };
 
 std::optional<NSInteger> readNumber(std::string_view text, NSInteger most) {
-  NSInteger number = 0;
-  const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || stop != text.data() + text.size() || number < 1 || number > most)
-    return std::nullopt;
-  return number;
+  const std::optional<std::int64_t> number = readWholeNumber(text);
+  return number && *number >= 1 && *number <= most ? number : std::nullopt;
 }
 
 /// "7-1", "07-01": a month and a day that it has in some year.
@@ -76,21 +73,20 @@ FiscalDate fiscalDate(NSDate date, MonthDay start, const NSCalendar& calendar) {
 }
 
 void printFiscal(Session& session, const FiscalArguments& arguments) {
-  const auto calendar = makeCalendar(session.options.zone, session.options.locale);
+  const auto calendar = session.calendar;
   const MonthDay start = readYearStart(arguments.yearStart);
   const FiscalDate answer =
       fiscalDate(readDateOption("DATE", arguments.date, *calendar), start, *calendar);
   const auto day = [&](NSDate date) { return shortDateText(date, *calendar); };
   if (session.options.json) {
-    const nlohmann::ordered_json json{
-        {"year", answer.fields.year()},
-        {"quarter", answer.fields.quarter()},
-        {"month", answer.fields.month()},
-        {"week", answer.fields.weekOfYear()},
-        {"yearStart", dateTimeText(answer.yearStart, *calendar)},
-        {"quarterStart", dateTimeText(answer.quarterStart, *calendar)},
-        {"monthStart", dateTimeText(answer.monthStart, *calendar)}};
-    session.out << json.dump(2) << '\n';
+    const Json json{{"year", answer.fields.year()},
+                    {"quarter", answer.fields.quarter()},
+                    {"month", answer.fields.month()},
+                    {"week", answer.fields.weekOfYear()},
+                    {"yearStart", dateTimeText(answer.yearStart, *calendar)},
+                    {"quarterStart", dateTimeText(answer.quarterStart, *calendar)},
+                    {"monthStart", dateTimeText(answer.monthStart, *calendar)}};
+    printJson(session.out, json);
     return;
   }
   session.out << "Year:     " << answer.fields.year() << ", from " << day(answer.yearStart) << '\n'
@@ -103,18 +99,15 @@ void printFiscal(Session& session, const FiscalArguments& arguments) {
 
 }  // namespace
 
-Command addFiscalCommand(CLI::App& tool) {
-  CLI::App* parser = tool.add_subcommand(
-      "fiscal",
+Job declareFiscalCommand(Options& options) {
+  options.describe(
       "Print year, quarter, month and week of a date in a fiscal year. A fiscal year is called\n"
       "after the year in which it ends, but on its first day after the one in which it begins.");
   auto arguments = std::make_shared<FiscalArguments>();
-  parser->add_option("DATE", arguments->date, "ISO 8601 date")->required();
-  parser
-      ->add_option("--year-start", arguments->yearStart,
-                   "Month and day on which the year begins, 7-1 for July 1st")
-      ->required();
-  return {parser, [arguments](Session& session) { printFiscal(session, *arguments); }};
+  options.required("DATE", arguments->date, "ISO 8601 date");
+  options.required("--year-start", arguments->yearStart,
+                   "Month and day on which the year begins, 7-1 for July 1st");
+  return [arguments](Session& session) { printFiscal(session, *arguments); };
 }
 
 }  // namespace orlftool

@@ -1,22 +1,21 @@
-
-
 #include "dates/rule_options.h"
 
-#include <CLI/CLI.hpp>
+#include <ORLFoundation/platform/base/ASCII.h>
+
 #include <algorithm>
 #include <array>
-#include <cctype>
-#include <charconv>
 
+#include "cli/command_line.h"
 #include "cli/failure.h"
-#include "cli/option_checks.h"
 #include "cli/words.h"
+#include "dates/rule_text.h"
+#include "values/whole_number.h"
 
 namespace orlftool {
 namespace {
 
 using namespace ORLFoundation;
-using Integers = ORLFDateRecurrenceRule::Integers;
+using Integers = std::vector<NSInteger>;
 
 constexpr std::int64_t kLongestInterval = 100000, kFarthestPlace = 366;
 
@@ -32,14 +31,16 @@ constexpr std::array kWeekdays{
     WeekdayWord{"weekend", -3},
 };
 
-/// Takes a number off the front of the text: nil when there is one that is 0 or too far.
+/// Takes a number off the front of the text: nil when there is one that is 0 or too far, 0 when
+/// there is none.
 std::optional<NSInteger> takePlace(std::string_view& text) {
-  if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
-  NSInteger place = 0;
-  const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), place);
-  if (error == std::errc::invalid_argument) return 0;
-  if (error != std::errc() || place == 0 || std::abs(place) > kFarthestPlace) return std::nullopt;
-  text.remove_prefix(static_cast<std::size_t>(stop - text.data()));
+  const std::size_t letters = text.find_first_not_of("+-0123456789");
+  const std::string_view digits = text.substr(0, letters);
+  text.remove_prefix(digits.size());
+  if (digits.empty()) return 0;
+  const std::optional<std::int64_t> place = readWholeNumber(digits);
+  if (!place || *place == 0 || *place < -kFarthestPlace || *place > kFarthestPlace)
+    return std::nullopt;
   return place;
 }
 
@@ -57,34 +58,28 @@ std::vector<std::shared_ptr<ORLFDateRecurrenceDayOfWeek>> readWeekdays(
 }
 
 /// Numbers of days and weeks: negative ones are taken too, 0 is not.
-void checkPlaces(std::string_view option, const std::vector<std::int64_t>& values,
-                 std::int64_t most) {
-  for (const std::int64_t value : values) {
-    checkRange(option, value, -most, most);
-    if (value == 0) throw UsageFailure(std::string(option) + ": expected no 0");
+Integers readPlaces(const std::string& option, const std::vector<std::string>& texts,
+                    std::int64_t most) {
+  Integers places;
+  for (const std::string& text : texts) {
+    places.push_back(readWholeArgument(option, text, -most, most));
+    if (places.back() == 0) throw UsageFailure(option + ": expected no 0");
   }
+  return places;
 }
 
-/// What messages call the numbers of a rule.
-struct NumberNames {
-  std::string interval, monthDays, months, yearDays, weeks;
-};
-
-void checkNumbers(const ORLFDateRecurrenceRule& rule, const NumberNames& names) {
-  const std::vector<NSInteger> none;
-  checkRange(names.interval, rule.interval(), 1, kLongestInterval);
-  checkPlaces(names.monthDays, rule.daysOfTheMonth().value_or(none), 31);
-  checkPlaces(names.yearDays, rule.daysOfTheYear().value_or(none), 366);
-  checkPlaces(names.weeks, rule.weeksOfTheYear().value_or(none), 53);
-  for (const NSInteger month : rule.monthsOfTheYear().value_or(none))
-    checkRange(names.months, month, 1, 12);
+Integers readMonths(const std::vector<std::string>& texts) {
+  Integers months;
+  for (const std::string& text : texts)
+    months.push_back(readWholeArgument("--by-month", text, 1, 12));
+  return months;
 }
 
 std::shared_ptr<ORLFDateRecurrenceRule> ruleOfText(const std::string& text,
-                                                   std::string_view textName) {
-  auto rule = ORLFDateRecurrenceRule::dateRecurrenceRuleFromICalendarString(text);
+                                                   const std::string& textName) {
+  auto rule = ORLFDateRecurrenceRule::dateRecurrenceRuleFromICalendarString(ruleLine(text));
   if (!rule)
-    throw UsageFailure(std::string(textName) +
+    throw UsageFailure(textName +
                        ": expected an iCalendar rule such as RRULE:FREQ=MONTHLY;BYDAY=-1FR, got '" +
                        text + "'");
   return rule;
@@ -95,22 +90,18 @@ std::shared_ptr<ORLFDateRecurrenceRule> ruleOfOptions(const RuleArguments& argum
   if (!unit)
     throw UsageFailure("--freq: expected daily, weekly, monthly, quarterly or yearly, got '" +
                        arguments.frequency + "'");
-  checkRange("--interval", arguments.interval, 1, kLongestInterval);
-  checkRange("--anchor", arguments.anchor, -kLongestInterval, kLongestInterval);
-  checkPlaces("--set-pos", arguments.setPositions, kFarthestPlace);
-  auto rule = std::make_shared<ORLFDateRecurrenceRule>(ORLFDateRecurrenceRule::Recurrence{
+  return std::make_shared<ORLFDateRecurrenceRule>(ORLFDateRecurrenceRule::Recurrence{
       .frequency = static_cast<ORLFDateRecurrenceFrequency>(*unit),
-      .interval = arguments.interval,
-      .anchorIndex = arguments.anchor,
+      .interval = readWholeArgument("--interval", arguments.interval, 1, kLongestInterval),
+      .anchorIndex = readWholeArgument("--anchor", arguments.anchor.value_or("0"),
+                                       -kLongestInterval, kLongestInterval),
       .absolute = arguments.absolute,
       .daysOfTheWeek = readWeekdays(arguments.weekdays),
-      .daysOfTheMonth = arguments.monthDays,
-      .monthsOfTheYear = arguments.months,
-      .weeksOfTheYear = arguments.weeks,
-      .daysOfTheYear = arguments.yearDays,
-      .setPositions = arguments.setPositions});
-  checkNumbers(*rule, {"--interval", "--by-monthday", "--by-month", "--by-yearday", "--by-week"});
-  return rule;
+      .daysOfTheMonth = readPlaces("--by-monthday", arguments.monthDays, 31),
+      .monthsOfTheYear = readMonths(arguments.months),
+      .weeksOfTheYear = readPlaces("--by-week", arguments.weeks, 53),
+      .daysOfTheYear = readPlaces("--by-yearday", arguments.yearDays, 366),
+      .setPositions = readPlaces("--set-pos", arguments.setPositions, kFarthestPlace)});
 }
 
 }  // namespace
@@ -118,71 +109,44 @@ std::shared_ptr<ORLFDateRecurrenceRule> ruleOfOptions(const RuleArguments& argum
 std::shared_ptr<ORLFDateRecurrenceDayOfWeek> readWeekday(std::string_view text) {
   const std::optional<NSInteger> place = takePlace(text);
   if (!place) return nullptr;
-  std::string word(text);
-  std::transform(word.begin(), word.end(), word.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  const auto* found = std::find_if(kWeekdays.begin(), kWeekdays.end(),
-                                   [&](const WeekdayWord& row) { return row.word == word; });
+  const auto* found = std::find_if(kWeekdays.begin(), kWeekdays.end(), [&](const WeekdayWord& row) {
+    return internal::base::equalsLower(text, row.word);
+  });
   if (found == kWeekdays.end()) return nullptr;
   return std::make_shared<ORLFDateRecurrenceDayOfWeek>(found->dayOfTheWeek, *place);
 }
 
 std::shared_ptr<ORLFDateRecurrenceRule> readRule(const RuleArguments& arguments,
-                                                 std::string_view textName) {
+                                                 const std::string& textName) {
   if (arguments.rule) return ruleOfText(*arguments.rule, textName);
   if (arguments.frequency.empty())
-    throw UsageFailure("--freq or " + std::string(textName) + " is required (--help tells more)");
+    throw UsageFailure("--freq or " + textName + " is required (--help tells more)");
   return ruleOfOptions(arguments);
 }
 
-void checkNumbersOfText(const ORLFDateRecurrenceRule& rule, std::string_view textName) {
-  const std::string name = std::string(textName) + ": ";
-  checkNumbers(rule, {name + "INTERVAL", name + "BYMONTHDAY", name + "BYMONTH", name + "BYYEARDAY",
-                      name + "BYWEEKNO"});
-  if (!rule.daysOfTheWeek()) return;
-  for (const auto& day : *rule.daysOfTheWeek())
-    checkRange(name + "BYDAY", day->weekNumber(), -kFarthestPlace, kFarthestPlace);
+void addRuleOptions(Options& options, RuleArguments& arguments, const std::string& textName) {
+  options.text("--freq", arguments.frequency, "daily, weekly, monthly, quarterly or yearly");
+  options.text("--interval", arguments.interval, "Periods between dates, from 1 on");
+  options.list("--by-weekday", arguments.weekdays,
+               "Weekdays: MO, 2TU, -1FR, day, weekday, -1weekend ...");
+  options.list("--by-monthday", arguments.monthDays, "Days of the month");
+  options.list("--by-month", arguments.months, "Months, 1 to 12");
+  for (const char* name : {"--freq", "--interval", "--by-weekday", "--by-monthday", "--by-month"})
+    options.exclude(textName, name);
 }
 
-void addRuleOptions(CLI::App& parser, RuleArguments& arguments, CLI::Option& text) {
-  parser.add_option("--freq", arguments.frequency, "daily, weekly, monthly, quarterly or yearly")
-      ->excludes(&text);
-  parser.add_option("--interval", arguments.interval, "Periods between dates, from 1 on")
-      ->capture_default_str()
-      ->excludes(&text);
-  parser
-      .add_option("--by-weekday", arguments.weekdays,
-                  "Weekdays: MO, 2TU, -1FR, day, weekday, -1weekend ...")
-      ->delimiter(',')
-      ->excludes(&text);
-  parser.add_option("--by-monthday", arguments.monthDays, "Days of the month")
-      ->delimiter(',')
-      ->excludes(&text);
-  parser.add_option("--by-month", arguments.months, "Months, 1 to 12")
-      ->delimiter(',')
-      ->excludes(&text);
-}
-
-void addFurtherRuleOptions(CLI::App& parser, RuleArguments& arguments, CLI::Option& text) {
-  parser.add_option("--by-yearday", arguments.yearDays, "Days of the year")
-      ->delimiter(',')
-      ->excludes(&text);
-  parser.add_option("--by-week", arguments.weeks, "Weeks of the year")
-      ->delimiter(',')
-      ->excludes(&text);
-  parser
-      .add_option("--set-pos", arguments.setPositions,
-                  "Places among the dates of a period, -1 the last (with --older)")
-      ->delimiter(',')
-      ->excludes(&text);
-  parser
-      .add_option("--anchor", arguments.anchor,
-                  "Slot of the interval that dates fall in (with --older)")
-      ->excludes(&text);
-  parser
-      .add_flag("--absolute", arguments.absolute,
-                "Count slots from 1 January 2012, not from the start (with --older)")
-      ->excludes(&text);
+void addFurtherRuleOptions(Options& options, RuleArguments& arguments,
+                           const std::string& textName) {
+  options.list("--by-yearday", arguments.yearDays, "Days of the year");
+  options.list("--by-week", arguments.weeks, "Weeks of the year");
+  options.list("--set-pos", arguments.setPositions,
+               "Places among the dates of a period, -1 the last (with --older)");
+  options.text("--anchor", arguments.anchor,
+               "Slot of the interval that dates fall in (with --older)");
+  options.flag("--absolute", arguments.absolute,
+               "Count slots from 1 January 2012, not from the start (with --older)");
+  for (const char* name : {"--by-yearday", "--by-week", "--set-pos", "--anchor", "--absolute"})
+    options.exclude(textName, name);
 }
 
 }  // namespace orlftool

@@ -1,22 +1,18 @@
-
-
 #include "dates/schedule_request.h"
-
-#include <ORLFoundation/calendar/ORLFCalendarRounding.h>
 
 #include <algorithm>
 #include <array>
 #include <string_view>
+#include <vector>
 
 #include "cli/failure.h"
-#include "cli/option_checks.h"
 #include "values/date_text.h"
+#include "values/whole_number.h"
 
 namespace orlftool {
 namespace {
 
 using namespace ORLFoundation;
-using Arguments = ScheduleArguments;
 
 constexpr std::int64_t kDefaultCount = 12, kMostDates = 1000000, kLastFirstOfTwoDays = 17;
 
@@ -26,13 +22,32 @@ struct IncludedDates {
   std::optional<NSDate> second;
 };
 
-std::optional<NSInteger> weekdayOf(const Arguments& arguments) {
+/// The options that make a schedule without a date in it, read.
+struct Arguments {
+  std::optional<NSInteger> weekday, day, secondDay, month, secondMonth;
+  bool lastDay = false;
+};
+
+std::optional<NSInteger> readWeekdayOption(const ScheduleArguments& arguments) {
   if (!arguments.weekday) return std::nullopt;
   const auto weekday = readWeekday(*arguments.weekday);
   if (!weekday || weekday->dayOfTheWeek() < 1 || weekday->weekNumber() != 0)
     throw UsageFailure("--weekday: expected one of SU, MO, TU, WE, TH, FR, SA, got '" +
                        *arguments.weekday + "'");
   return weekday->dayOfTheWeek();
+}
+
+Arguments readArguments(const ScheduleArguments& typed) {
+  const auto number = [](std::string_view option, const std::optional<std::string>& text,
+                         std::int64_t most) {
+    return text ? std::optional(readWholeArgument(option, *text, 1, most)) : std::nullopt;
+  };
+  return {.weekday = readWeekdayOption(typed),
+          .day = number("--day", typed.day, 31),
+          .secondDay = number("--second-day", typed.secondDay, 31),
+          .month = number("--month", typed.month, 12),
+          .secondMonth = number("--second-month", typed.secondMonth, 12),
+          .lastDay = typed.lastDay};
 }
 
 ORLFPaymentSchedule semiMonthly(const Arguments& arguments) {
@@ -42,7 +57,6 @@ ORLFPaymentSchedule semiMonthly(const Arguments& arguments) {
 }
 
 ORLFPaymentSchedule monthly(const Arguments& arguments) {
-  refuseTogether(arguments.lastDay, "--last-day", arguments.day.has_value(), "--day");
   return arguments.lastDay ? scheduleForLastDayOfMonth()
                            : scheduleForMonthlyPayments(arguments.day);
 }
@@ -50,6 +64,33 @@ ORLFPaymentSchedule monthly(const Arguments& arguments) {
 ORLFPaymentSchedule semiMonthlyIncluding(const IncludedDates& dates, const NSCalendar& calendar) {
   if (!dates.second) throw UsageFailure("--including needs --and, the second payment's date");
   return absoluteScheduleForSemiMonthlyPaymentsIncludingDate(dates.first, *dates.second, calendar);
+}
+
+/// The rule with another number in place of the month 0, which no month is: the library counts the
+/// third month of a quarter and a December as 0, and dates of such months would be left out.
+ORLFPaymentSchedule withMonthForZero(const ORLFPaymentSchedule& rule, NSInteger month) {
+  std::vector<NSInteger> months = rule->monthsOfTheYear().value_or(std::vector<NSInteger>());
+  std::replace(months.begin(), months.end(), NSInteger{0}, month);
+  return std::make_shared<ORLFDateRecurrenceRule>(
+      ORLFDateRecurrenceRule::Recurrence{.frequency = rule->frequency(),
+                                         .interval = rule->interval(),
+                                         .anchorIndex = rule->anchorIndex(),
+                                         .absolute = rule->absolute(),
+                                         .daysOfTheMonth = rule->daysOfTheMonth(),
+                                         .monthsOfTheYear = std::move(months)});
+}
+
+ORLFPaymentSchedule quarterlyIncluding(const IncludedDates& dates, const NSCalendar& calendar) {
+  constexpr NSInteger kThirdMonth = 3;
+  return withMonthForZero(absoluteScheduleForQuarterlyPaymentsIncludingDate(dates.first, calendar),
+                          kThirdMonth);
+}
+
+ORLFPaymentSchedule semiAnnualIncluding(const IncludedDates& dates, const NSCalendar& calendar) {
+  constexpr NSInteger kDecember = 12;
+  return withMonthForZero(
+      absoluteScheduleForSemiAnnualPaymentsIncludingDate(dates.first, dates.second, calendar),
+      kDecember);
 }
 
 /// The options that a pattern takes beside --including, --start, --until and --count.
@@ -73,12 +114,12 @@ struct Pattern {
 
 const std::array kPatterns{
     Pattern{"weekly", kWeekday, false, false,
-            [](const Arguments& a) { return scheduleForWeeklyPayments(weekdayOf(a)); },
+            [](const Arguments& a) { return scheduleForWeeklyPayments(a.weekday); },
             [](const IncludedDates& dates, const NSCalendar& calendar) {
               return absoluteScheduleForWeeklyPaymentsIncludingDate(dates.first, calendar);
             }},
     Pattern{"biweekly", kWeekday, true, true,
-            [](const Arguments& a) { return scheduleForBiweeklyPayments(weekdayOf(a)); },
+            [](const Arguments& a) { return scheduleForBiweeklyPayments(a.weekday); },
             [](const IncludedDates& dates, const NSCalendar& calendar) {
               return absoluteScheduleForBiweeklyPaymentsIncludingDate(dates.first, calendar);
             }},
@@ -89,18 +130,12 @@ const std::array kPatterns{
               return absoluteScheduleForMonthlyPaymentsIncludingDate(dates.first, calendar);
             }},
     Pattern{"quarterly", 0, false, true,
-            [](const Arguments&) { return scheduleForQuarterlyPayments(); },
-            [](const IncludedDates& dates, const NSCalendar& calendar) {
-              return absoluteScheduleForQuarterlyPaymentsIncludingDate(dates.first, calendar);
-            }},
+            [](const Arguments&) { return scheduleForQuarterlyPayments(); }, quarterlyIncluding},
     Pattern{"semiannual", kDay | kMonth | kSecondMonth | kAnd, false, false,
             [](const Arguments& a) {
               return scheduleForSemiAnnualPayments(a.day, a.month, a.secondMonth);
             },
-            [](const IncludedDates& dates, const NSCalendar& calendar) {
-              return absoluteScheduleForSemiAnnualPaymentsIncludingDate(dates.first, dates.second,
-                                                                        calendar);
-            }},
+            semiAnnualIncluding},
     Pattern{"annual", kDay | kMonth, false, false,
             [](const Arguments& a) { return scheduleForAnnualPayments(a.month, a.day); },
             [](const IncludedDates& dates, const NSCalendar& calendar) {
@@ -118,7 +153,7 @@ const Pattern& patternNamed(const std::string& name) {
       name + "'");
 }
 
-void checkOptions(const Arguments& arguments, const Pattern& pattern) {
+void checkOptions(const ScheduleArguments& arguments, const Pattern& pattern) {
   struct Given {
     std::string_view option;
     bool isGiven;
@@ -134,22 +169,12 @@ void checkOptions(const Arguments& arguments, const Pattern& pattern) {
     if (row.isGiven && (pattern.takes & row.bit) == 0)
       throw UsageFailure(std::string(row.option) + " does not go together with " +
                          std::string(pattern.name));
-    refuseTogether(arguments.including && row.bit != kAnd, "--including", row.isGiven, row.option);
+    if (row.isGiven && arguments.including && row.bit != kAnd)
+      throw UsageFailure("--including does not go together with " + std::string(row.option));
   }
+  if (arguments.lastDay && arguments.day)
+    throw UsageFailure("--last-day does not go together with --day");
   if (arguments.andDate && !arguments.including) throw UsageFailure("--and needs --including");
-}
-
-void checkNumbers(const Arguments& arguments) {
-  if (arguments.day) checkRange("--day", *arguments.day, 1, 31);
-  if (arguments.secondDay) checkRange("--second-day", *arguments.secondDay, 1, 31);
-  if (arguments.month) checkRange("--month", *arguments.month, 1, 12);
-  if (arguments.secondMonth) checkRange("--second-month", *arguments.secondMonth, 1, 12);
-  if (arguments.count) checkRange("--count", *arguments.count, 1, kMostDates);
-}
-
-/// Dates of the older walk stand at the start of their day.
-NSDate startOfDay(NSDate date, const NSCalendar& calendar) {
-  return orlfDateByRoundingDateDownToCalendarUnit(calendar, date, NSCalendarUnitDay).value_or(date);
 }
 
 /// Where the older walk, which leaves out its first period, has to begin for all dates from the
@@ -162,28 +187,27 @@ NSDate yearBefore(NSDate start, const NSCalendar& calendar) {
 
 DatesRequest readScheduleRequest(const ScheduleArguments& arguments,
                                  std::shared_ptr<NSCalendar> calendar) {
+  DatesRequest request;
   const Pattern& pattern = patternNamed(arguments.pattern);
   checkOptions(arguments, pattern);
-  checkNumbers(arguments);
+  const Arguments options = readArguments(arguments);
+  if (arguments.count)
+    request.count = readWholeArgument("--count", *arguments.count, 1, kMostDates);
   const auto date = [&](std::string_view option, const std::optional<std::string>& text) {
     return text ? std::optional(readDateOption(option, *text, *calendar)) : std::nullopt;
   };
   const std::optional<NSDate> including = date("--including", arguments.including);
   const std::optional<NSDate> start = date("--start", arguments.start);
   if (!start && !including) throw UsageFailure("--start or --including is required");
-  DatesRequest request;
   request.rule =
       including ? pattern.makeIncluding({*including, date("--and", arguments.andDate)}, *calendar)
-                : pattern.make(arguments);
-  request.start = start ? *start : *including;
-  request.until = date("--until", arguments.until);
-  request.count = arguments.count;
+                : pattern.make(options);
+  request.wholeDays = true;
+  request.start = startOfDay(start ? *start : *including, *calendar);
+  if (const auto until = date("--until", arguments.until)) request.until = DateBound{*until};
   if (!request.count && !request.until) request.count = kDefaultCount;
   request.older = including ? pattern.isOlderWalkIncluding : pattern.isOlderWalk;
-  if (request.older) {
-    request.start = startOfDay(request.start, *calendar);
-    request.reference = yearBefore(request.start, *calendar);
-  }
+  if (request.older) request.reference = yearBefore(request.start, *calendar);
   request.eachOnce = true;
   request.calendar = std::move(calendar);
   return request;

@@ -4,7 +4,6 @@
 
 #include <ORLFoundation/amortization/ORLFPaymentSchedules.h>
 
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,16 +16,16 @@ namespace orlftool {
 struct ScheduleArguments {
   std::string pattern;
   std::optional<std::string> weekday;
-  std::optional<std::int64_t> day, secondDay, month, secondMonth;
+  std::optional<std::string> day, secondDay, month, secondMonth;
   bool lastDay = false;
   std::optional<std::string> including, andDate;
   std::optional<std::string> start, until;
-  std::optional<std::int64_t> count;
+  std::optional<std::string> count;
 };
 
 /// The rule is `dates.rule`. Throws UsageFailure for an unknown pattern, for options that the
 /// pattern does not take, and for numbers out of range. A schedule that includes a date starts on
-/// it where no start is given.
+/// it where no start is given. Its dates are days: times of day are dropped.
 ///
 /// Dates come from the main walk, but for the schedules whose phase or months only the older walk
 /// heeds: the biweekly ones, and the quarterly one that includes a date.

@@ -1,20 +1,18 @@
 #include <ORLFoundation/platform/base/Hexadecimal.h>
 #include <ORLFoundation/support/device/ORLFTemplateImage.h>
 
-#include <CLI/CLI.hpp>
-#include <charconv>
-#include <cstdint>
 #include <memory>
-#include <nlohmann/json.hpp>
-#include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
 
-#include "cli/common_options.h"
+#include "cli/command_line.h"
 #include "cli/failure.h"
+#include "cli/json_output.h"
 #include "commands.h"
 #include "io/png_file.h"
+#include "session.h"
+#include "values/decimal_text.h"
 
 namespace orlftool {
 namespace {
@@ -25,34 +23,22 @@ struct TemplateImageArguments {
   std::string in, out, color, threshold = "0";
 };
 
-/// The number that the whole text writes; nil for anything else.
-template <class Number, class... Form>
-std::optional<Number> readWhole(std::string_view text, Form... form) {
-  Number number{};
-  const char* end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, number, form...);
-  return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
-}
-
 /// #RRGGBB or #RRGGBBAA.
 CGColorRef readColor(std::string_view text) {
-  const std::string_view digits = text.substr(text.empty() ? 0 : 1);
-  const bool hasForm = text.starts_with('#') && (digits.size() == 6 || digits.size() == 8) &&
-                       ORLFoundation::internal::base::bytesOfHexText(digits).has_value();
-  if (!hasForm)
+  const auto bytes = internal::base::bytesOfHexText(text.substr(text.empty() ? 0 : 1));
+  if (!text.starts_with('#') || !bytes || (bytes->size() != 3 && bytes->size() != 4))
     throw UsageFailure("--color: expected a color such as #336699 or #336699CC, got '" +
                        std::string(text) + "'");
-  const auto component = [digits](std::size_t index) {
-    if (2 * index >= digits.size()) return 1.0;
-    return readWhole<unsigned>(digits.substr(2 * index, 2), 16).value_or(0) / 255.0;
+  const auto component = [&bytes](std::size_t index) {
+    return index < bytes->size() ? static_cast<unsigned char>((*bytes)[index]) / 255.0 : 1.0;
   };
   return CGColor::colorWithRed(component(0), component(1), component(2), component(3));
 }
 
 double readThreshold(const std::string& text) {
-  const auto threshold = readWhole<double>(text);
-  // A comparison with not-a-number fails.
-  if (threshold && *threshold >= 0 && *threshold <= 1) return *threshold;
+  const auto threshold = readDecimal(text);
+  if (threshold && threshold->doubleValue() >= 0 && threshold->doubleValue() <= 1)
+    return threshold->doubleValue();
   throw UsageFailure("--threshold: expected a number from 0 to 1, got '" + text + "'");
 }
 
@@ -68,28 +54,23 @@ void runTemplateImage(Session& session, const TemplateImageArguments& arguments)
     session.out << arguments.out << ": " << made->width() << " x " << made->height() << " pixels\n";
     return;
   }
-  const nlohmann::ordered_json answer{
-      {"file", arguments.out}, {"width", made->width()}, {"height", made->height()}};
-  session.out << answer.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+  const Json answer{{"file", arguments.out}, {"width", made->width()}, {"height", made->height()}};
+  printJson(session.out, answer);
 }
 
 }  // namespace
 
-Command addTemplateImageCommand(CLI::App& tool) {
-  CLI::App* parser = tool.add_subcommand(
-      "template-image",
+Job declareTemplateImageCommand(Options& options) {
+  options.describe(
       "Draw a PNG in one color: the darker a point of the picture, the more opaque the color.");
   auto arguments = std::make_shared<TemplateImageArguments>();
-  parser->add_option("IN", arguments->in, "The picture, a PNG file")->required();
-  parser->add_option("OUT", arguments->out, "The PNG file to write")->required();
-  parser->add_option("--color", arguments->color, "#RRGGBB, or #RRGGBBAA with an opacity")
-      ->required();
-  parser
-      ->add_option("--threshold", arguments->threshold,
-                   "Part of full darkness, from 0 to 1, up to which points are left out; 0 and 1\n"
-                   "leave none out")
-      ->capture_default_str();
-  return {parser, [arguments](Session& session) { runTemplateImage(session, *arguments); }};
+  options.required("IN", arguments->in, "The picture, a PNG file");
+  options.required("OUT", arguments->out, "The PNG file to write");
+  options.required("--color", arguments->color, "#RRGGBB, or #RRGGBBAA with an opacity");
+  options.text("--threshold", arguments->threshold,
+               "Part of full darkness, from 0 to 1, up to which points are left out; 0 and 1\n"
+               "leave none out");
+  return [arguments](Session& session) { runTemplateImage(session, *arguments); };
 }
 
 }  // namespace orlftool

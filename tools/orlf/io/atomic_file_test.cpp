@@ -1,4 +1,3 @@
-
 #include "io/atomic_file.h"
 
 #include <gtest/gtest.h>

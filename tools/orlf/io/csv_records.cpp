@@ -1,5 +1,3 @@
-
-
 #include "io/csv_records.h"
 
 #include <utility>

@@ -1,4 +1,3 @@
-
 #include "io/csv_records.h"
 
 #include <gtest/gtest.h>

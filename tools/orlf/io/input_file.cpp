@@ -1,5 +1,3 @@
-
-
 #include "io/input_file.h"
 
 #include <sys/stat.h>

@@ -1,5 +1,3 @@
-
-
 #include "io/png_file.h"
 
 #include <png.h>

@@ -1,4 +1,3 @@
-
 #include "io/png_file.h"
 
 #include <ORLFoundation/support/device/ORLFTemplateImage.h>

@@ -1,4 +1,3 @@
-
 #include "io/png_file.h"
 
 #include <gtest/gtest.h>

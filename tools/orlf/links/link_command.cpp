@@ -1,18 +1,18 @@
 #include <ORLFoundation/platform/value/NSURLComponents.h>
 #include <ORLFoundation/support/links/ORLFAppLinkManger.h>
 
-#include <CLI/CLI.hpp>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 #include <vector>
 
-#include "cli/common_options.h"
+#include "cli/command_line.h"
 #include "cli/failure.h"
+#include "cli/json_output.h"
 #include "cli/message_text.h"
 #include "commands.h"
 #include "links/link_handlers.h"
+#include "session.h"
 
 namespace orlftool {
 namespace {
@@ -55,16 +55,16 @@ void printText(std::ostream& out, const LinkAnswer& answer) {
   if (!answer.handled) out << "no handler takes it\n";
 }
 
-void printJson(std::ostream& out, const NSURL& url, const LinkAnswer& answer) {
-  nlohmann::ordered_json asked = nlohmann::ordered_json::array();
+Json jsonOf(const NSURL& url, const LinkAnswer& answer) {
+  Json asked = Json::array();
   for (const LinkHandler& handler : answer.asked)
     asked.push_back({{"prefix", handler.prefix}, {"accepted", handler.accepts}});
-  nlohmann::ordered_json root{{"url", url.absoluteString()}, {"path", nullptr},
-                              {"order", answer.order},       {"asked", asked},
-                              {"handled", answer.handled},   {"handler", nullptr}};
+  Json root{{"url", url.absoluteString()}, {"path", nullptr},
+            {"order", answer.order},       {"asked", asked},
+            {"handled", answer.handled},   {"handler", nullptr}};
   if (const auto path = NSURLComponents::componentsWithURL(url, true)->path()) root["path"] = *path;
   if (answer.handled) root["handler"] = answer.asked.back().prefix;
-  out << root.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+  return root;
 }
 
 void runLink(Session& session, const LinkArguments& arguments) {
@@ -74,7 +74,7 @@ void runLink(Session& session, const LinkArguments& arguments) {
                        quotedForMessage(arguments.url));
   const LinkAnswer answer = route(readLinkHandlers(arguments.handlers), *url);
   if (session.options.json) {
-    printJson(session.out, *url, answer);
+    printJson(session.out, jsonOf(*url, answer));
   } else {
     printText(session.out, answer);
   }
@@ -82,18 +82,15 @@ void runLink(Session& session, const LinkArguments& arguments) {
 
 }  // namespace
 
-Command addLinkCommand(CLI::App& tool) {
-  CLI::App* parser = tool.add_subcommand(
-      "link",
+Job declareLinkCommand(Options& options) {
+  options.describe(
       "Tell which handler takes a link into an application, and which were asked before it. The\n"
       "handler with the longest prefix of the link's path is asked first.");
   auto arguments = std::make_shared<LinkArguments>();
-  parser->add_option("URL", arguments->url, "The link's address")->required();
-  parser
-      ->add_option("--handlers", arguments->handlers,
-                   "File with a handler on each line: 'accept PREFIX' or 'decline PREFIX'")
-      ->required();
-  return {parser, [arguments](Session& session) { runLink(session, *arguments); }};
+  options.required("URL", arguments->url, "The link's address");
+  options.required("--handlers", arguments->handlers,
+                   "File with a handler on each line: 'accept PREFIX' or 'decline PREFIX'");
+  return [arguments](Session& session) { runLink(session, *arguments); };
 }
 
 }  // namespace orlftool

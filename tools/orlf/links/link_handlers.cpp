@@ -1,5 +1,3 @@
-
-
 #include "links/link_handlers.h"
 
 #include <algorithm>

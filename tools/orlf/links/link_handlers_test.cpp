@@ -1,4 +1,3 @@
-
 #include "links/link_handlers.h"
 
 #include <gtest/gtest.h>

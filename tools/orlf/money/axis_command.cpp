@@ -1,42 +1,50 @@
 #include <ORLFoundation/decimal/ORLFMathematicalAxis.h>
 
-#include <CLI/CLI.hpp>
 #include <array>
 #include <charconv>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 
-#include "cli/common_options.h"
+#include "cli/command_line.h"
 #include "cli/failure.h"
-#include "cli/option_checks.h"
+#include "cli/json_output.h"
 #include "cli/scoped_locale.h"
 #include "cli/table.h"
 #include "commands.h"
+#include "session.h"
 #include "values/decimal_text.h"
+#include "values/whole_number.h"
 
 namespace orlftool {
 namespace {
 
 using namespace ORLFoundation;
-using Json = nlohmann::ordered_json;
 
 constexpr std::int64_t kFewestSteps = 2, kMostSteps = 1000;
 
 struct AxisArguments {
   std::string min, max;
-  std::int64_t steps = 10;
+  std::string steps = "10";
 };
+
+/// Labels are printed from single precision, which holds no more than this.
+double readBound(std::string_view name, const std::string& text) {
+  constexpr double kLargest = 1e38;
+  const double bound = readDecimalArgument(name, text).doubleValue();
+  if (bound >= -kLargest && bound <= kLargest) return bound;
+  throw UsageFailure(std::string(name) + ": expected a number from -1e38 to 1e38, got '" + text +
+                     "'");
+}
 
 /// Throws JobFailure for bounds that have no axis.
 std::shared_ptr<ORLFMathematicalAxis> makeAxis(const AxisArguments& arguments) {
   // With fewer steps the search for one has no end.
-  checkRange("--steps", arguments.steps, kFewestSteps, kMostSteps);
-  const double min = readDecimalArgument("MIN", arguments.min).doubleValue();
-  const double max = readDecimalArgument("MAX", arguments.max).doubleValue();
-  auto axis =
-      std::make_shared<ORLFMathematicalAxis>(min, max, static_cast<NSUInteger>(arguments.steps));
+  const std::int64_t steps =
+      readWholeArgument("--steps", arguments.steps, kFewestSteps, kMostSteps);
+  const double min = readBound("MIN", arguments.min);
+  const double max = readBound("MAX", arguments.max);
+  auto axis = std::make_shared<ORLFMathematicalAxis>(min, max, static_cast<NSUInteger>(steps));
   if (axis->stepCount() == 0)
     throw JobFailure("the bounds are equal or too close together for their size");
   return axis;
@@ -58,26 +66,23 @@ void printAxis(Session& session, const ORLFMathematicalAxis& axis) {
   table.print(session.out);
 }
 
-void printJson(Session& session, const ORLFMathematicalAxis& axis) {
+Json jsonOf(const ORLFMathematicalAxis& axis) {
   Json steps = Json::array();
   for (NSUInteger index = 0; index <= axis.stepCount(); ++index)
     steps.push_back({{"value", axis.valueForStepIndex(index)},
                      {"label", axis.labelForStepIndex(static_cast<double>(index))}});
-  session.out << Json({{"min", axis.axisMin()},
-                       {"max", axis.axisMax()},
-                       {"stepSize", axis.stepSize()},
-                       {"stepCount", axis.stepCount()},
-                       {"steps", std::move(steps)}})
-                     .dump(2)
-              << '\n';
+  return {{"min", axis.axisMin()},
+          {"max", axis.axisMax()},
+          {"stepSize", axis.stepSize()},
+          {"stepCount", axis.stepCount()},
+          {"steps", std::move(steps)}};
 }
 
 void runAxis(Session& session, const AxisArguments& arguments) {
-  (void)makeCalendar(session.options.zone, session.options.locale);  // refuses unknown names
   const ScopedLocale locale(session.options.locale);
   const auto axis = makeAxis(arguments);
   if (session.options.json) {
-    printJson(session, *axis);
+    printJson(session.out, jsonOf(*axis));
   } else {
     printAxis(session, *axis);
   }
@@ -85,17 +90,14 @@ void runAxis(Session& session, const AxisArguments& arguments) {
 
 }  // namespace
 
-Command addAxisCommand(CLI::App& tool) {
-  CLI::App* parser = tool.add_subcommand(
-      "axis", "Print round steps for a chart axis over a range of values, with their labels.");
+Job declareAxisCommand(Options& options) {
+  options.describe("Print round steps for a chart axis over a range of values, with their labels.");
   auto arguments = std::make_shared<AxisArguments>();
-  parser->add_option("MIN", arguments->min, "One end of the range")->required();
-  parser->add_option("MAX", arguments->max, "The other end")->required();
-  parser
-      ->add_option("--steps", arguments->steps,
-                   "The most steps, but for one more where the ends are widened to whole steps")
-      ->capture_default_str();
-  return {parser, [arguments](Session& session) { runAxis(session, *arguments); }};
+  options.required("MIN", arguments->min, "One end of the range");
+  options.required("MAX", arguments->max, "The other end");
+  options.text("--steps", arguments->steps,
+               "The most steps, but for one more where the ends are widened to whole steps");
+  return [arguments](Session& session) { runAxis(session, *arguments); };
 }
 
 }  // namespace orlftool

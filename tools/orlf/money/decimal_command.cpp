@@ -1,19 +1,19 @@
-#include <CLI/CLI.hpp>
 #include <array>
-#include <charconv>
 #include <cstdint>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
 
-#include "cli/common_options.h"
+#include "cli/command_line.h"
 #include "cli/failure.h"
+#include "cli/json_output.h"
 #include "commands.h"
+#include "session.h"
 #include "values/decimal_behavior.h"
 #include "values/decimal_text.h"
+#include "values/whole_number.h"
 
 namespace orlftool {
 namespace {
@@ -25,16 +25,6 @@ struct DecimalArguments {
   std::string operation, left, right;
   DecimalRuleWords rules;
 };
-
-std::int64_t readWholeNumber(const std::string& text, std::int64_t most) {
-  std::int64_t number = 0;
-  const char* end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, number);
-  if (error != std::errc() || stop != end || number < -most || number > most)
-    throw UsageFailure("B: expected a whole number from -" + std::to_string(most) + " to " +
-                       std::to_string(most) + ", got '" + text + "'");
-  return number;
-}
 
 NSDecimalNumber readRight(const std::string& text) { return readDecimalArgument("B", text); }
 
@@ -67,15 +57,14 @@ DecimalOperation divide(const NSDecimalNumber& a, const std::string& b) {
 
 DecimalOperation power(const NSDecimalNumber& a, const std::string& b) {
   constexpr std::int64_t kLargestPower = 1000000;
-  return [a, exponent = readWholeNumber(b, kLargestPower)](Behavior behavior) {
-    return a.decimalNumberByRaisingToPower(exponent, behavior);
-  };
+  return [a, exponent = readWholeArgument("B", b, -kLargestPower, kLargestPower)](
+             Behavior behavior) { return a.decimalNumberByRaisingToPower(exponent, behavior); };
 }
 
 DecimalOperation shift(const NSDecimalNumber& a, const std::string& b) {
   constexpr std::int64_t kLargestShift = 1000;
-  return [a, exponent =
-                 static_cast<std::int16_t>(readWholeNumber(b, kLargestShift))](Behavior behavior) {
+  const std::int64_t places = readWholeArgument("B", b, -kLargestShift, kLargestShift);
+  return [a, exponent = static_cast<std::int16_t>(places)](Behavior behavior) {
     return a.decimalNumberByMultiplyingByPowerOf10(exponent, behavior);
   };
 }
@@ -106,20 +95,21 @@ Sum sumNamed(const std::string& name) {
   throw UsageFailure("OP: expected one of " + names + ", got '" + name + "'");
 }
 
-void printResult(Session& session, nlohmann::ordered_json question,
-                 const std::optional<NSDecimalNumber>& result) {
+void printResult(Session& session, Json question, const std::optional<NSDecimalNumber>& result) {
   if (!session.options.json) {
     session.out << (result ? result->stringValue() : "nil") << '\n';
     return;
   }
   question["result"] = nullptr;
   if (result) question["result"] = result->stringValue();
-  session.out << question.dump(2) << '\n';
+  printJson(session.out, question);
 }
 
 void runDecimal(Session& session, const DecimalArguments& arguments) {
   const Sum sum = sumNamed(arguments.operation);
   const DecimalRules rules = readDecimalRules(arguments.rules);
+  if (sum == &compare && arguments.rules.isGiven())
+    throw UsageFailure("compare goes without --scale, --mode and --on-error");
   const NSDecimalNumber left = readDecimalArgument("A", arguments.left);
   printResult(session,
               {{"operation", arguments.operation}, {"a", arguments.left}, {"b", arguments.right}},
@@ -128,25 +118,19 @@ void runDecimal(Session& session, const DecimalArguments& arguments) {
 
 }  // namespace
 
-Command addDecimalCommand(CLI::App& tool) {
-  CLI::App* parser =
-      tool.add_subcommand("decimal", "Calculate with two decimals and print the result.");
+Job declareDecimalCommand(Options& options) {
+  options.describe("Calculate with two decimals and print the result.");
   auto arguments = std::make_shared<DecimalArguments>();
-  parser
-      ->add_option("OP", arguments->operation,
+  options.required("OP", arguments->operation,
                    "add, subtract, multiply, divide, power (B is a whole number), shift (by B\n"
-                   "powers of ten), compare (-1, 0 or 1)")
-      ->required();
-  parser->add_option("A", arguments->left, "Decimal")->required();
-  parser->add_option("B", arguments->right, "Decimal")->required();
-  parser->add_option("--scale", arguments->rules.scale, "Digits kept after the point (all)");
-  parser->add_option("--mode", arguments->rules.mode, std::string(kRoundingModeHelp))
-      ->capture_default_str();
-  parser
-      ->add_option("--on-error", arguments->rules.onError,
-                   "What overflow, underflow and division by zero give: raise, nil or zero")
-      ->capture_default_str();
-  return {parser, [arguments](Session& session) { runDecimal(session, *arguments); }};
+                   "powers of ten), compare (-1, 0 or 1)");
+  options.required("A", arguments->left, "Decimal");
+  options.required("B", arguments->right, "Decimal");
+  options.text("--scale", arguments->rules.scale, "Digits kept after the point (all)");
+  options.text("--mode", arguments->rules.mode, kRoundingModeHelp);
+  options.text("--on-error", arguments->rules.onError,
+               "What overflow, underflow and division by zero give: raise, nil or zero");
+  return [arguments](Session& session) { runDecimal(session, *arguments); };
 }
 
 }  // namespace orlftool

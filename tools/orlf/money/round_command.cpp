@@ -1,11 +1,11 @@
-#include <CLI/CLI.hpp>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 
-#include "cli/common_options.h"
+#include "cli/command_line.h"
+#include "cli/json_output.h"
 #include "commands.h"
+#include "session.h"
 #include "values/decimal_behavior.h"
 #include "values/decimal_text.h"
 
@@ -15,12 +15,11 @@ namespace {
 using namespace ORLFoundation;
 
 struct RoundArguments {
-  std::string value;
-  DecimalRuleWords rules;
+  std::string value, scale, mode = "plain";
 };
 
 void runRound(Session& session, const RoundArguments& arguments) {
-  const DecimalRules rules = readDecimalRules(arguments.rules);
+  const DecimalRules rules = readDecimalRules({.scale = arguments.scale, .mode = arguments.mode});
   const NSDecimalNumber value = readDecimalArgument("VALUE", arguments.value);
   const std::optional<NSDecimalNumber> rounded =
       calculate(rules, [&value](const NSDecimalNumberBehaviors* behavior) {
@@ -31,26 +30,23 @@ void runRound(Session& session, const RoundArguments& arguments) {
     session.out << text << '\n';
     return;
   }
-  const nlohmann::ordered_json answer{{"value", arguments.value},
-                                      {"scale", arguments.rules.scale},
-                                      {"mode", arguments.rules.mode},
-                                      {"result", text}};
-  session.out << answer.dump(2) << '\n';
+  const Json answer{{"value", arguments.value},
+                    {"scale", rules.scale},
+                    {"mode", arguments.mode},
+                    {"result", text}};
+  printJson(session.out, answer);
 }
 
 }  // namespace
 
-Command addRoundCommand(CLI::App& tool) {
-  CLI::App* parser = tool.add_subcommand("round", "Round a decimal and print it.");
+Job declareRoundCommand(Options& options) {
+  options.describe("Round a decimal and print it.");
   auto arguments = std::make_shared<RoundArguments>();
-  parser->add_option("VALUE", arguments->value, "Decimal")->required();
-  parser
-      ->add_option("--scale", arguments->rules.scale,
-                   "Digits kept after the point; negative ones round before it")
-      ->required();
-  parser->add_option("--mode", arguments->rules.mode, std::string(kRoundingModeHelp))
-      ->capture_default_str();
-  return {parser, [arguments](Session& session) { runRound(session, *arguments); }};
+  options.required("VALUE", arguments->value, "Decimal");
+  options.required("--scale", arguments->scale,
+                   "Digits kept after the point; negative ones round before it");
+  options.text("--mode", arguments->mode, kRoundingModeHelp);
+  return [arguments](Session& session) { runRound(session, *arguments); };
 }
 
 }  // namespace orlftool

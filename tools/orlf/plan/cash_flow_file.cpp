@@ -1,6 +1,6 @@
-
-
 #include "plan/cash_flow_file.h"
+
+#include <ORLFoundation/platform/base/ASCII.h>
 
 #include <algorithm>
 #include <array>
@@ -14,11 +14,10 @@ namespace orlftool {
 namespace {
 
 using namespace ORLFoundation;
+using internal::base::isDigit;
 
 constexpr std::array<std::string_view, 2> kFields{"date", "amount"};
 constexpr std::string_view kRecordForm = "2 fields, a date and an amount";
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 std::string fieldName(std::size_t number) {
   return number < kFields.size() ? std::string(kFields[number])

@@ -1,4 +1,3 @@
-
 #include "plan/cash_flow_file.h"
 
 #include <cstddef>
@@ -6,8 +5,8 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "cli/common_options.h"
 #include "cli/failure.h"
+#include "session.h"
 
 /// Whatever the bytes, they are cash flows or a failure of one line that names the file.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -1,10 +1,9 @@
-
 #include "plan/cash_flow_file.h"
 
 #include <gtest/gtest.h>
 
-#include "cli/common_options.h"
 #include "cli/failure.h"
+#include "session.h"
 #include "values/date_text.h"
 
 namespace {

@@ -3,19 +3,19 @@
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 
-#include "cli/common_options.h"
+#include "cli/command_line.h"
 #include "cli/failure.h"
+#include "cli/json_output.h"
 #include "commands.h"
 #include "io/input_file.h"
 #include "plan/cash_flow_file.h"
+#include "session.h"
 #include "values/date_text.h"
 #include "values/decimal_behavior.h"
 #include "values/decimal_text.h"
@@ -24,7 +24,6 @@ namespace orlftool {
 namespace {
 
 using namespace ORLFoundation;
-using Json = nlohmann::ordered_json;
 
 constexpr std::int16_t kPlacesOfWorth = 6;
 
@@ -35,39 +34,39 @@ struct IrrArguments {
 
 bool isEarlier(NSDate left, NSDate right) { return left.compare(right) == NSOrderedAscending; }
 
-/// The flows as points in years from the earliest of them.
+/// The flows of a file, with those of one time summed, in years from the earliest of them.
 class DatedFlows {
  public:
   DatedFlows(const std::string& file, const std::string& text, const NSCalendar& calendar)
       : file_(file) {
-    const std::vector<CashFlow> flows = parseCashFlows(text, file, calendar);
+    std::vector<CashFlow> flows = parseCashFlows(text, file, calendar);
     if (flows.empty())
       throw JobFailure(file + ": expected lines of a date and an amount, got none");
-    const auto [first, last] = std::minmax_element(flows.begin(), flows.end(),
-                                                   [](const CashFlow& left, const CashFlow& right) {
-                                                     return isEarlier(left.date, right.date);
-                                                   });
-    first_ = first->date;
-    last_ = last->date;
-    for (const CashFlow& flow : flows) {
-      times_.push_back(
-          ORLFAmortizationCalculator::annualIntervalFromDate(first_, flow.date, &calendar));
-      values_.push_back(flow.amount.doubleValue());
-    }
+    std::stable_sort(flows.begin(), flows.end(), [](const CashFlow& left, const CashFlow& right) {
+      return isEarlier(left.date, right.date);
+    });
+    count_ = flows.size();
+    first_ = flows.front().date;
+    last_ = flows.back().date;
+    for (const CashFlow& flow : flows) add(flow, calendar);
   }
 
-  [[nodiscard]] std::size_t count() const { return times_.size(); }
+  [[nodiscard]] std::size_t count() const { return count_; }
   [[nodiscard]] NSDate first() const { return first_; }
   [[nodiscard]] NSDate last() const { return last_; }
 
   [[nodiscard]] NSDecimalNumber internalRateOfReturn() const {
     const auto [least, most] = std::minmax_element(values_.begin(), values_.end());
-    if (*least >= 0 || *most <= 0 || !isEarlier(first_, last_))
+    if (*least >= 0 || *most <= 0)
       throw JobFailure(file_ + ": expected amounts of both signs on at least two dates");
-    const NSArray places(std::vector<id>(count(), id(NSInteger{0})));
+    // The search ends at a worth of 0.00001: small amounts would be worth that at any rate.
+    constexpr double kEnough = 100;
+    const double largest = std::max(-*least, *most);
+    const double scale = largest < kEnough ? kEnough / largest : 1;
+    const NSArray places(std::vector<id>(times_.size(), id(NSInteger{0})));
     const auto rate = ORLFAmortizationCalculator::internalRateOfReturnForDataset(
-        places, 0, [this](const id& /*object*/, NSUInteger index, bool& /*stop*/) {
-          return ORLFCashFlowPoint{times_[index], values_[index]};
+        places, 0, [this, scale](const id& /*object*/, NSUInteger index, bool& /*stop*/) {
+          return ORLFCashFlowPoint{times_[index], values_[index] * scale};
         });
     if (!rate) throw JobFailure(file_ + ": no rate makes the amounts worth nothing");
     return *rate;
@@ -75,8 +74,8 @@ class DatedFlows {
 
   /// To six places.
   [[nodiscard]] NSDecimalNumber worthAt(double rate) const {
-    const double worth =
-        net_present_value(times_.data(), values_.data(), static_cast<std::int64_t>(count()), rate);
+    const double worth = net_present_value(times_.data(), values_.data(),
+                                           static_cast<std::int64_t>(times_.size()), rate);
     if (!std::isfinite(worth)) throw JobFailure("the net present value is too large to hold");
     const auto rounding = makeBehavior({.scale = kPlacesOfWorth});
     return *NSDecimalNumber(NSDecimal::fromDouble(worth))
@@ -84,8 +83,23 @@ class DatedFlows {
   }
 
  private:
+  /// Takes the flows in their order; sums are exact.
+  void add(const CashFlow& flow, const NSCalendar& calendar) {
+    const double years =
+        ORLFAmortizationCalculator::annualIntervalFromDate(first_, flow.date, &calendar);
+    if (times_.empty() || times_.back() != years) {
+      times_.push_back(years);
+      values_.push_back(0);
+      sum_ = NSDecimalNumber::zero();
+    }
+    sum_ = sum_.decimalNumberByAdding(flow.amount);
+    values_.back() = sum_.doubleValue();
+  }
+
   const std::string& file_;
+  std::size_t count_ = 0;
   std::vector<double> times_, values_;
+  NSDecimalNumber sum_;  // of the last time
   NSDate first_, last_;
 };
 
@@ -96,7 +110,7 @@ double readDiscountRate(const std::string& text) {
 }
 
 void runIrr(Session& session, const IrrArguments& arguments) {
-  const auto calendar = makeCalendar(session.options.zone, session.options.locale);
+  const auto calendar = session.calendar;
   std::optional<double> discountRate;
   if (arguments.discountRate) discountRate = readDiscountRate(*arguments.discountRate);
   const DatedFlows flows(arguments.file, readInputFile(arguments.file, "a CSV file of cash flows"),
@@ -112,26 +126,23 @@ void runIrr(Session& session, const IrrArguments& arguments) {
               {"to", dateTimeText(flows.last(), *calendar)}};
   if (discountRate) answer["discountRate"] = *arguments.discountRate;
   answer[discountRate ? "netPresentValue" : "rate"] = number;
-  session.out << answer.dump(2) << '\n';
+  printJson(session.out, answer);
 }
 
 }  // namespace
 
-Command addIrrCommand(CLI::App& tool) {
-  CLI::App* parser = tool.add_subcommand(
-      "irr",
+Job declareIrrCommand(Options& options) {
+  options.describe(
       "Print the internal rate of return of dated cash flows: the rate a year at which they are\n"
       "worth nothing, to within 0.00001 of the rate or of the worth.");
   auto arguments = std::make_shared<IrrArguments>();
-  parser
-      ->add_option("FILE", arguments->file,
+  options.required("FILE", arguments->file,
                    "CSV file: a date and an amount on each line, a line of names before them or "
-                   "not")
-      ->required();
-  parser->add_option("--npv", arguments->discountRate,
-                     "Print the net present value at this rate a year instead (0.08 or 8%), on\n"
-                     "the earliest date of the file");
-  return {parser, [arguments](Session& session) { runIrr(session, *arguments); }};
+                   "not");
+  options.text("--npv", arguments->discountRate,
+               "Print the net present value at this rate a year instead (0.08 or 8%), on\n"
+               "the earliest date of the file");
+  return [arguments](Session& session) { runIrr(session, *arguments); };
 }
 
 }  // namespace orlftool

@@ -1,30 +1,29 @@
-#include <CLI/CLI.hpp>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 
-#include "cli/common_options.h"
+#include "cli/command_line.h"
 #include "cli/failure.h"
-#include "cli/option_checks.h"
+#include "cli/json_output.h"
 #include "cli/table.h"
 #include "commands.h"
 #include "plan/loan_table.h"
+#include "session.h"
 #include "values/decimal_text.h"
+#include "values/whole_number.h"
 
 namespace orlftool {
 namespace {
 
 using namespace ORLFoundation;
-using Json = nlohmann::ordered_json;
 
 constexpr std::int64_t kMostPerYear = 366, kMostPeriods = 100000, kMostPlaces = 12;
 constexpr int kPlacesOfRate = 10;
 
 struct LoanArguments {
   std::string principal, rate;
-  std::int64_t compounding = 12, payments = 12, periods = 0;
-  DecimalRuleWords rounding{.scale = 2};
+  std::string compounding = "12", payments = "12", periods;
+  std::string scale = "2", mode = "plain";
   bool schedule = false;
 };
 
@@ -37,20 +36,32 @@ void requireFromZero(std::string_view option, const NSDecimalNumber& number, boo
                      (zeroToo ? "from 0 on" : "above 0") + ", got '" + text + "'");
 }
 
+/// A rate of 1 or more without a percent sign is a percentage whose sign was forgotten.
+NSDecimalNumber readLoanRate(const std::string& text) {
+  const NSDecimalNumber rate = readRateArgument("--rate", text);
+  requireFromZero("--rate", rate, true, text);
+  if (!text.ends_with('%') && rate.compare(NSDecimalNumber::one()) != NSOrderedAscending)
+    throw UsageFailure("--rate: expected a rate below 1 or one with a percent sign, " + text +
+                       "%, got '" + text + "'");
+  return rate;
+}
+
 LoanTerms readTerms(const LoanArguments& arguments) {
   LoanTerms terms;
   terms.principal = readDecimalArgument("--principal", arguments.principal);
-  terms.rate = readRateArgument("--rate", arguments.rate);
   requireFromZero("--principal", terms.principal, false, arguments.principal);
-  requireFromZero("--rate", terms.rate, true, arguments.rate);
-  checkRange("--compounding", arguments.compounding, 1, kMostPerYear);
-  checkRange("--payments", arguments.payments, 1, kMostPerYear);
-  checkRange("--periods", arguments.periods, 1, kMostPeriods);
-  checkRange("--scale", arguments.rounding.scale, 0, kMostPlaces);
-  terms.compoundingPerYear = static_cast<std::int32_t>(arguments.compounding);
-  terms.paymentsPerYear = static_cast<std::int32_t>(arguments.payments);
-  terms.periods = static_cast<std::int32_t>(arguments.periods);
-  terms.rounding = readDecimalRules(arguments.rounding);
+  terms.rate = readLoanRate(arguments.rate);
+  const auto number = [](std::string_view option, const std::string& text, std::int64_t most) {
+    return static_cast<std::int32_t>(readWholeArgument(option, text, 1, most));
+  };
+  terms.compoundingPerYear = number("--compounding", arguments.compounding, kMostPerYear);
+  terms.paymentsPerYear = number("--payments", arguments.payments, kMostPerYear);
+  terms.periods = number("--periods", arguments.periods, kMostPeriods);
+  (void)readWholeArgument("--scale", arguments.scale, 0, kMostPlaces);
+  terms.rounding = readDecimalRules({.scale = arguments.scale, .mode = arguments.mode});
+  terms.principal = *terms.principal.decimalNumberByRoundingAccordingToBehavior(
+      makeBehavior(terms.rounding).get());
+  requireFromZero("--principal", terms.principal, false, arguments.principal);
   return terms;
 }
 
@@ -62,15 +73,14 @@ Json jsonOf(const LoanRow& row) {
           {"balance", row.balance.stringValue()}};
 }
 
-void printJson(std::ostream& out, const LoanArguments& arguments, const LoanTerms& terms,
-               const LoanTable& table) {
+Json jsonOf(const LoanArguments& arguments, const LoanTerms& terms, const LoanTable& table) {
   Json answer{{"principal", terms.principal.stringValue()},
               {"rate", terms.rate.stringValue()},
               {"compounding", terms.compoundingPerYear},
               {"payments", terms.paymentsPerYear},
               {"periods", terms.periods},
-              {"scale", arguments.rounding.scale},
-              {"mode", arguments.rounding.mode},
+              {"scale", terms.rounding.scale},
+              {"mode", arguments.mode},
               {"ratePerPeriod", table.ratePerPeriod.stringValue()},
               {"exactPayment", table.exactPayment.stringValue()},
               {"payment", table.payment.stringValue()},
@@ -81,7 +91,7 @@ void printJson(std::ostream& out, const LoanArguments& arguments, const LoanTerm
     answer["schedule"] = Json::array();
     for (const LoanRow& row : table.rows) answer["schedule"].push_back(jsonOf(row));
   }
-  out << answer.dump(2) << '\n';
+  return answer;
 }
 
 std::string rateText(const NSDecimalNumber& rate, const std::string& locale) {
@@ -102,55 +112,51 @@ void printTable(std::ostream& out, const LoanTable& loan, const DecimalPrinter& 
   table.print(out);
 }
 
-void printText(Session& session, const LoanArguments& arguments, const LoanTable& table) {
+void printText(Session& session, const LoanArguments& arguments, const LoanTerms& terms,
+               const LoanTable& table) {
+  const int places = terms.rounding.scale;
   const std::string& locale = session.options.locale;
-  const DecimalPrinter money(locale, static_cast<int>(arguments.rounding.scale));
+  const DecimalPrinter money(locale, places);
   session.out << "Payment:        " << money.text(table.payment) << '\n'
               << "Last payment:   " << money.text(table.rows.back().payment) << '\n'
               << "Paid in all:    " << money.text(table.paid) << '\n'
               << "Interest:       " << money.text(table.interest) << '\n'
               << "Period's rate:  " << rateText(table.ratePerPeriod, locale) << '\n'
-              << "Rounding:       payment and interest to " << arguments.rounding.scale
-              << (arguments.rounding.scale == 1 ? " place, " : " places, ")
-              << arguments.rounding.mode << "; the last payment clears the balance\n";
+              << "Rounding:       payment and interest to " << places
+              << (places == 1 ? " place, " : " places, ") << arguments.mode
+              << "; the last payment clears the balance\n";
   if (!arguments.schedule) return;
   session.out << '\n';
   printTable(session.out, table, money);
 }
 
 void runLoan(Session& session, const LoanArguments& arguments) {
-  (void)makeCalendar(session.options.zone, session.options.locale);  // refuses unknown names
   const LoanTerms terms = readTerms(arguments);
   const LoanTable table = makeLoanTable(terms);
   if (session.options.json) {
-    printJson(session.out, arguments, terms, table);
+    printJson(session.out, jsonOf(arguments, terms, table));
   } else {
-    printText(session, arguments, table);
+    printText(session, arguments, terms, table);
   }
 }
 
 }  // namespace
 
-Command addLoanCommand(CLI::App& tool) {
-  CLI::App* parser =
-      tool.add_subcommand("loan", "Print the level payment of a loan, and its amortization table.");
+Job declareLoanCommand(Options& options) {
+  options.describe("Print the level payment of a loan, and its amortization table.");
   auto arguments = std::make_shared<LoanArguments>();
-  parser->add_option("--principal", arguments->principal, "What is borrowed")->required();
-  parser->add_option("--rate", arguments->rate, "Nominal rate a year, 0.045 or 4.5%")->required();
-  parser->add_option("--compounding", arguments->compounding, "Times a year interest is compounded")
-      ->capture_default_str();
-  parser->add_option("--payments", arguments->payments, "Payments a year")->capture_default_str();
-  parser->add_option("--periods", arguments->periods, "Payments in all")->required();
-  parser->add_flag("--schedule", arguments->schedule,
-                   "Print each payment with its interest, principal and balance");
-  parser
-      ->add_option("--scale", arguments->rounding.scale,
-                   "Places that payment and interest are rounded to; the last payment clears\n"
-                   "the balance")
-      ->capture_default_str();
-  parser->add_option("--mode", arguments->rounding.mode, std::string(kRoundingModeHelp))
-      ->capture_default_str();
-  return {parser, [arguments](Session& session) { runLoan(session, *arguments); }};
+  options.required("--principal", arguments->principal, "What is borrowed");
+  options.required("--rate", arguments->rate, "Nominal rate a year, 0.045 or 4.5%");
+  options.text("--compounding", arguments->compounding, "Times a year interest is compounded");
+  options.text("--payments", arguments->payments, "Payments a year");
+  options.required("--periods", arguments->periods, "Payments in all");
+  options.flag("--schedule", arguments->schedule,
+               "Print each payment with its interest, principal and balance");
+  options.text("--scale", arguments->scale,
+               "Places that principal, payment and interest are rounded to; the last payment\n"
+               "clears the balance");
+  options.text("--mode", arguments->mode, kRoundingModeHelp);
+  return [arguments](Session& session) { runLoan(session, *arguments); };
 }
 
 }  // namespace orlftool

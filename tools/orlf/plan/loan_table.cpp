@@ -1,5 +1,3 @@
-
-
 #include "plan/loan_table.h"
 
 #include <ORLFoundation/amortization/ORLFAmortizationCalculator.h>
@@ -28,13 +26,23 @@ NSDecimalNumber levelPayment(const LoanTerms& terms, const NSDecimalNumber& rate
   return *Calculator::paymentOnInitialPrincipal(terms.principal, ratePerPeriod, terms.periods);
 }
 
+/// The least number whose digits before the point leave less than `scale` of 38 after it.
+NSDecimalNumber firstTooLarge(std::int16_t scale) {
+  constexpr std::int16_t kMostDigits = 38;
+  return NSDecimalNumber::decimalNumberWithMantissa(
+      1, static_cast<std::int16_t>(kMostDigits - scale), false);
+}
+
 class LoanTableMaker {
  public:
   explicit LoanTableMaker(const LoanTerms& terms)
-      : terms_(terms), rounding_(makeBehavior(terms.rounding)), balance_(terms.principal) {
-    table_.ratePerPeriod = *Calculator::paymentPeriodRateForIntervalRate(
-        terms.rate, terms.compoundingPerYear, terms.paymentsPerYear);
-    table_.exactPayment = levelPayment(terms, table_.ratePerPeriod);
+      : terms_(terms),
+        rounding_(makeBehavior(terms.rounding)),
+        tooLarge_(firstTooLarge(terms.rounding.scale)),
+        balance_(held(terms.principal)) {
+    table_.ratePerPeriod = held(*Calculator::paymentPeriodRateForIntervalRate(
+        terms.rate, terms.compoundingPerYear, terms.paymentsPerYear));
+    table_.exactPayment = held(levelPayment(terms, table_.ratePerPeriod));
     table_.payment = rounded(table_.exactPayment);
   }
 
@@ -46,7 +54,16 @@ class LoanTableMaker {
 
  private:
   [[nodiscard]] NSDecimalNumber rounded(const NSDecimalNumber& number) const {
-    return *number.decimalNumberByRoundingAccordingToBehavior(rounding_.get());
+    return *held(number).decimalNumberByRoundingAccordingToBehavior(rounding_.get());
+  }
+
+  /// The number itself, which all sums on the way from it are exact with.
+  [[nodiscard]] NSDecimalNumber held(const NSDecimalNumber& number) const {
+    const bool isNumber = number.compare(NSDecimalNumber::notANumber()) != NSOrderedSame;
+    if (isNumber && number.compare(tooLarge_) == NSOrderedAscending) return number;
+    throw JobFailure(
+        "the payments lie outside of what decimals hold: principal, rate or periods are out of "
+        "proportion");
   }
 
   void addRow(std::int32_t number) {
@@ -54,19 +71,20 @@ class LoanTableMaker {
     row.number = number;
     row.interest =
         rounded(*Calculator::interestForCurrentPrincipal(balance_, table_.ratePerPeriod));
-    const NSDecimalNumber owed = balance_.decimalNumberByAdding(row.interest);
+    const NSDecimalNumber owed = held(balance_.decimalNumberByAdding(row.interest));
     const bool clears =
         number == terms_.periods || table_.payment.compare(owed) == NSOrderedDescending;
     row.payment = clears ? owed : table_.payment;
     row.principal = row.payment.decimalNumberBySubtracting(row.interest);
     balance_ = row.balance = owed.decimalNumberBySubtracting(row.payment);
-    table_.paid = table_.paid.decimalNumberByAdding(row.payment);
+    table_.paid = held(table_.paid.decimalNumberByAdding(row.payment));
     table_.interest = table_.interest.decimalNumberByAdding(row.interest);
     table_.rows.push_back(row);
   }
 
   const LoanTerms& terms_;
   std::shared_ptr<NSDecimalNumberBehaviors> rounding_;
+  NSDecimalNumber tooLarge_;
   NSDecimalNumber balance_;
   LoanTable table_;
 };

@@ -40,7 +40,8 @@ struct LoanTable {
 /// One row a payment. The level payment and each interest are rounded by the terms' rule; the last
 /// payment is what is owed then, so that the balance ends at exactly zero, and a payment is never
 /// more than what is owed. Without interest the principal is paid in equal parts. Throws JobFailure
-/// where the numbers leave the range of decimals.
+/// where a number leaves the range of doubles, in which the period's rate is found, or has more
+/// than 38 digits at the terms' scale.
 [[nodiscard]] LoanTable makeLoanTable(const LoanTerms& terms);
 
 }  // namespace orlftool

@@ -1,4 +1,3 @@
-
 #include "plan/loan_table.h"
 
 #include <ORLFoundation/amortization/ORLFAmortizationCalculator.h>

@@ -1,16 +1,16 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "cli/common_options.h"
+#include "chart/chart_text.h"
+#include "cli/command_line.h"
 #include "cli/failure.h"
+#include "cli/json_output.h"
 #include "cli/table.h"
 #include "cli/words.h"
 #include "commands.h"
@@ -19,6 +19,7 @@
 #include "plan/plan_file.h"
 #include "plan/plan_model.h"
 #include "plan/plan_report.h"
+#include "session.h"
 #include "values/date_text.h"
 #include "values/decimal_text.h"
 
@@ -26,7 +27,6 @@ namespace orlftool {
 namespace {
 
 using namespace ORLFoundation;
-using Json = nlohmann::ordered_json;
 
 constexpr std::string_view kAbsent = "-";
 
@@ -57,6 +57,9 @@ PlanDates readDates(const PlanArguments& arguments, const PlanModel& model) {
     dates.on.push_back(readDateOption("--on", text, calendar));
   dates.from = readOptionalDate("--from", arguments.from, calendar).value_or(model.start());
   dates.to = readOptionalDate("--to", arguments.to, calendar).value_or(model.horizon());
+  const std::optional<NSDate> end = model.file.end;
+  if (end && dates.to.compare(*end) == NSOrderedDescending) dates.to = *end;
+  dates.closes = end == dates.to;
   if (dates.from.compare(dates.to) == NSOrderedDescending)
     throw UsageFailure("--from: expected a date that is not after " +
                        shortDateText(dates.to, calendar) + ", got " +
@@ -82,9 +85,21 @@ void checkArguments(const PlanArguments& arguments) {
     throw UsageFailure("--solve-principal goes together with --on alone");
 }
 
-DecimalPrinter printerOf(const PlanModel& model, const std::string& locale) {
-  const int scale = model.file.rounding ? model.file.rounding->scale : 2;
-  return DecimalPrinter(locale, std::clamp(scale, 0, 38));
+constexpr int kMostPlaces = 38;
+
+/// The digits after the point that amounts of the plan have at least.
+int placesOf(const PlanModel& model) {
+  return std::clamp<int>(model.file.rounding ? model.file.rounding->scale : 2, 0, kMostPlaces);
+}
+
+/// Prints a column of a report with as many digits after the point as its longest number has.
+DecimalPrinter columnPrinter(const PlanReport& report,
+                             std::optional<NSDecimalNumber> PlanRow::*column, int leastPlaces,
+                             const std::string& locale) {
+  int places = leastPlaces;
+  for (const PlanRow& row : report.rows)
+    if (row.*column) places = std::max(places, placesAfterPoint(*(row.*column)));
+  return DecimalPrinter(locale, std::min(places, kMostPlaces));
 }
 
 Json jsonOf(const std::optional<NSDecimalNumber>& number) {
@@ -96,10 +111,6 @@ Json jsonOf(const PlanExtreme& extreme, const NSCalendar& calendar) {
   return {{"date", dateTimeText(*extreme.date, calendar)}, {"balance", jsonOf(extreme.balance)}};
 }
 
-void printJson(Session& session, const Json& answer) {
-  session.out << answer.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
-}
-
 /// What one run prints and writes.
 class PlanJob {
  public:
@@ -107,18 +118,18 @@ class PlanJob {
       : session_(session),
         arguments_(arguments),
         model_(model),
-        printer_(printerOf(model, session.options.locale)) {}
+        printer_(session.options.locale, placesOf(model)) {}
 
   void solve() {
     const NSDecimalNumber target = readDecimalArgument("--solve-principal", *arguments_.target);
     const NSDate date = readDateOption("--on", arguments_.on.front(), model_.calendar());
     const SolvedPrincipal solved = solvePrincipal(model_, target, date);
     if (session_.options.json) {
-      printJson(session_, {{"principal", jsonOf(solved.principal)},
-                           {"start", dateTimeText(model_.start(), model_.calendar())},
-                           {"target", jsonOf(target)},
-                           {"on", dateTimeText(date, model_.calendar())},
-                           {"balance", jsonOf(solved.balance)}});
+      printJson(session_.out, {{"principal", jsonOf(solved.principal)},
+                               {"start", dateTimeText(model_.start(), model_.calendar())},
+                               {"target", jsonOf(target)},
+                               {"on", dateTimeText(date, model_.calendar())},
+                               {"balance", jsonOf(solved.balance)}});
       return;
     }
     session_.out << "A starting principal of " << printer_.text(solved.principal) << " on "
@@ -132,7 +143,7 @@ class PlanJob {
     if (!arguments_.csv.empty()) writeFileAtomically(arguments_.csv, csvText(report));
     if (!arguments_.chart.empty()) drawChart(chartBetween(dates), arguments_.chart);
     if (session_.options.json) {
-      printJson(session_, jsonReport(report));
+      printJson(session_.out, jsonReport(report));
     } else {
       printReport(report);
     }
@@ -150,12 +161,17 @@ class PlanJob {
   }
 
   void printReport(const PlanReport& report) {
-    if (!model_.file.title.empty()) session_.out << model_.file.title << "\n\n";
+    if (!model_.file.title.empty()) session_.out << visibleText(model_.file.title) << "\n\n";
+    const auto printer = [&](std::optional<NSDecimalNumber> PlanRow::*column) {
+      return columnPrinter(report, column, placesOf(model_), session_.options.locale);
+    };
+    const DecimalPrinter balances = printer(&PlanRow::balance);
+    const DecimalPrinter contributions = printer(&PlanRow::contributions);
     Table table(
         {{"Date", Table::kLeft}, {"Balance", Table::kRight}, {"Contributions", Table::kRight}});
     for (const PlanRow& row : report.rows)
-      table.addRow({dayText(row.date), printer_.text(row.balance, kAbsent),
-                    printer_.text(row.contributions, kAbsent)});
+      table.addRow({dayText(row.date), balances.text(row.balance, kAbsent),
+                    contributions.text(row.contributions, kAbsent)});
     table.print(session_.out);
     session_.out << '\n';
     printExtreme("Peak:    ", report.peak);
@@ -209,12 +225,9 @@ class PlanJob {
 
 void runPlan(Session& session, const PlanArguments& arguments) {
   checkArguments(arguments);
-  // Refuses an unknown zone or locale as wrong usage, before the file is looked at.
-  (void)makeCalendar(session.options.zone, session.options.locale);
-  const PlanModel model =
-      makePlanModel(readPlanFile(arguments.file, {.zone = session.options.zone,
-                                                  .zoneOverrulesFile = session.options.zoneWasGiven,
-                                                  .locale = session.options.locale}));
+  const PlanFileDefaults defaults{.zone = session.options.zone, .locale = session.options.locale};
+  const PlanModel model = makePlanModel(readPlanFile(arguments.file, defaults));
+  for (const std::string& warning : planWarnings(model.file)) printNote(session, warning);
   PlanJob job(session, arguments, model);
   if (arguments.target) {
     job.solve();
@@ -225,24 +238,23 @@ void runPlan(Session& session, const PlanArguments& arguments) {
 
 }  // namespace
 
-Command addPlanCommand(CLI::App& tool) {
-  CLI::App* parser = tool.add_subcommand(
-      "plan", "Print a table of dates, balances and contributions of a plan file, and draw it.");
+Job declarePlanCommand(Options& options) {
+  options.describe(
+      "Print a table of dates, balances and contributions of a plan file, and draw it.");
   auto arguments = std::make_shared<PlanArguments>();
-  parser->add_option("FILE", arguments->file, "Plan file (JSON)")->required();
-  parser->add_option("--on", arguments->on, "Dates to tell the balance on");
-  parser->add_option("--every", arguments->every,
-                     "A row every day, week, month, quarter or year from --from to --to");
-  parser->add_option("--from", arguments->from, "First date (the plan's start)");
-  parser->add_option("--to", arguments->to,
-                     "Last date (the plan's end; ten years on for an open plan)");
-  parser->add_flag("--exclusive", arguments->exclusive,
-                   "Where a segment begins, tell the balance that the one before it leaves");
-  parser->add_option("--chart", arguments->chart, "Draw a chart into a .svg, .png or .pdf file");
-  parser->add_option("--csv", arguments->csv, "Write the table into a CSV file");
-  parser->add_option("--solve-principal", arguments->target,
-                     "Find the starting principal that leads to this balance on the date of --on");
-  return {parser, [arguments](Session& session) { runPlan(session, *arguments); }};
+  options.required("FILE", arguments->file, "Plan file (JSON)");
+  options.list("--on", arguments->on, "Dates to tell the balance on");
+  options.text("--every", arguments->every,
+               "A row every day, week, month, quarter or year from --from to --to");
+  options.text("--from", arguments->from, "First date (the plan's start)");
+  options.text("--to", arguments->to, "Last date (the plan's end; ten years on for an open plan)");
+  options.flag("--exclusive", arguments->exclusive,
+               "Where a segment begins, tell the balance that the one before it leaves");
+  options.text("--chart", arguments->chart, "Draw a chart into a .svg, .png or .pdf file");
+  options.text("--csv", arguments->csv, "Write the table into a CSV file");
+  options.text("--solve-principal", arguments->target,
+               "Find the starting principal that leads to this balance on the date of --on");
+  return [arguments](Session& session) { runPlan(session, *arguments); };
 }
 
 }  // namespace orlftool

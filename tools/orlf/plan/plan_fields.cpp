@@ -1,5 +1,3 @@
-
-
 #include "plan/plan_fields.h"
 
 #include <algorithm>

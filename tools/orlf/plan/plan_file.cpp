@@ -1,15 +1,13 @@
-
-
 #include "plan/plan_file.h"
 
 #include <charconv>
 #include <utility>
 
-#include "cli/common_options.h"
 #include "cli/message_text.h"
 #include "cli/words.h"
 #include "io/input_file.h"
 #include "plan/plan_fields.h"
+#include "session.h"
 #include "values/date_text.h"
 #include "values/decimal_text.h"
 
@@ -85,9 +83,9 @@ std::shared_ptr<NSCalendar> calendarOfFile(const ObjectReader& root,
                                            const PlanFileDefaults& defaults) {
   const PlanValue* zone = root.find("zone");
   if (zone != nullptr && !NSTimeZone::timeZoneWithName(zone->text)) root.fail("zone");
-  const bool takesOwn = zone != nullptr && !defaults.zoneOverrulesFile;
+  const std::string ownZone = zone != nullptr ? zone->text : "UTC";
   std::shared_ptr<NSCalendar> calendar =
-      makeCalendar(takesOwn ? zone->text : defaults.zone, defaults.locale);
+      makeCalendar(defaults.zone.value_or(ownZone), defaults.locale);
   if (const auto weekday = root.integer("firstWeekday", 1, 7)) calendar->setFirstWeekday(*weekday);
   if (const auto days = root.integer("minimumDaysInFirstWeek", 1, 7))
     calendar->setMinimumDaysInFirstWeek(*days);

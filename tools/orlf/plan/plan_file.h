@@ -51,9 +51,8 @@ struct PlanFile {
 
 /// What holds where the file says nothing, and what overrules it.
 struct PlanFileDefaults {
-  std::string zone = "UTC";
-  /// The zone was asked for by name: it wins over the file's.
-  bool zoneOverrulesFile = false;
+  /// Wins over the file's; UTC where neither names one.
+  std::optional<std::string> zone;
   std::string locale = "en_US";
 };
 

@@ -1,4 +1,3 @@
-
 #include "plan/plan_file.h"
 
 #include <cstddef>

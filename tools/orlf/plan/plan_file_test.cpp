@@ -1,4 +1,3 @@
-
 #include "plan/plan_file.h"
 
 #include <gtest/gtest.h>
@@ -104,10 +103,10 @@ TEST(PlanFile, DecimalsAreTakenFromTheirText) {
 }
 
 TEST(PlanFile, AZoneThatWasAskedForOverrulesTheFile) {
-  orlftool::PlanFileDefaults defaults{.zone = "Asia/Tokyo"};
+  orlftool::PlanFileDefaults defaults;
   EXPECT_EQ(parsePlanFile(kWholePlan, "p", defaults).calendar->timeZone()->name(),
             "America/New_York");
-  defaults.zoneOverrulesFile = true;
+  defaults.zone = "Asia/Tokyo";
   EXPECT_EQ(parsePlanFile(kWholePlan, "p", defaults).calendar->timeZone()->name(), "Asia/Tokyo");
 }
 

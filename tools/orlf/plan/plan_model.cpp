@@ -1,5 +1,3 @@
-
-
 #include "plan/plan_model.h"
 
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
@@ -52,6 +50,24 @@ PlanModel makePlanModel(PlanFile file) {
   if (file.rounding) model.rounding = makeBehavior({file.rounding->scale, file.rounding->mode});
   model.file = std::move(file);
   return model;
+}
+
+std::vector<std::string> planWarnings(const PlanFile& file) {
+  std::vector<std::string> warnings;
+  for (std::size_t i = 0; i < file.segments.size(); ++i) {
+    const PlanTerms& terms = file.segments[i];
+    if (!terms.rate) continue;
+    const std::string place = "segments[" + std::to_string(i) + "]";
+    if (terms.rate->compare(NSDecimalNumber::zero()) != NSOrderedDescending) {
+      warnings.push_back(place +
+                         ".rate: a rate of 0 or below counts as no growth, and inflation does not "
+                         "count either (docs/plan-file.md)");
+    } else if (terms.interval > 1) {
+      warnings.push_back(place + ".interval: with growth only one contribution in " +
+                         std::to_string(terms.interval) + " is counted (docs/plan-file.md)");
+    }
+  }
+  return warnings;
 }
 
 std::string segmentName(const PlanFile& file, std::size_t index) {

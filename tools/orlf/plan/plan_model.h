@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "plan/plan_file.h"
 
@@ -29,6 +30,8 @@ struct PlanModel {
 };
 
 [[nodiscard]] PlanModel makePlanModel(PlanFile file);
+/// What the projection does with the plan that its reader may not expect, a line for each segment.
+[[nodiscard]] std::vector<std::string> planWarnings(const PlanFile& file);
 /// The name of a segment, "Segment 2" for one without.
 [[nodiscard]] std::string segmentName(const PlanFile& file, std::size_t index);
 

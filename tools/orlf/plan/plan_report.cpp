@@ -1,5 +1,3 @@
-
-
 #include "plan/plan_report.h"
 
 #include <algorithm>
@@ -23,12 +21,21 @@ void appendRegularDates(const PlanDates& dates, const NSCalendar& calendar,
   for (NSInteger index = 0;; ++index) {
     const std::optional<NSDate> date =
         calendar.dateByAddingUnit(*dates.every, index, dates.from, 0);
-    if (!date || isEarlier(dates.to, *date)) return;
+    if (!date || isEarlier(dates.to, *date)) break;
     if (list.size() >= kMostRows)
       throw JobFailure(
           "the table would have more than 200000 rows (--every, --from and --to choose fewer)");
     list.push_back(*date);
   }
+  if (dates.closes) list.push_back(dates.to);
+}
+
+/// Refuses what no projection can be printed as.
+void requireNumber(const std::optional<NSDecimalNumber>& balance, NSDate date,
+                   const NSCalendar& calendar) {
+  if (!balance || balance->compare(NSDecimalNumber::notANumber()) != NSOrderedSame) return;
+  throw JobFailure("the balance on " + shortDateText(date, calendar) +
+                   " is no number: rates or amounts are out of proportion");
 }
 
 PlanExtreme findExtreme(const PlanModel& model, const PlanDates& dates, bool highest) {
@@ -41,14 +48,19 @@ PlanExtreme findExtreme(const PlanModel& model, const PlanDates& dates, bool hig
       .peakDate = &extreme.date};
   extreme.balance = highest ? model.plan->plannedPeakBalanceBetweenStartDate(arguments)
                             : model.plan->plannedTroughBalanceBetweenStartDate(arguments);
+  requireNumber(extreme.balance, extreme.date.value_or(dates.from), model.calendar());
   return extreme;
 }
 
-/// A principal that a later segment sets hides what came before it.
+/// A principal that a later segment sets hides what came before it, and nothing moves after the
+/// end.
 void refuseHiddenStart(const PlanModel& model, NSDate date) {
   if (!isEarlier(model.start(), date))
     throw JobFailure("--on: expected a date after the plan's start, " +
                      shortDateText(model.start(), model.calendar()));
+  if (model.file.end && isEarlier(*model.file.end, date))
+    throw JobFailure("--on: expected a date that is not after the plan's end, " +
+                     shortDateText(*model.file.end, model.calendar()));
   for (std::size_t i = 1; i < model.file.segments.size(); ++i) {
     const PlanTerms& terms = model.file.segments[i];
     if (!terms.principal || isEarlier(date, terms.start)) continue;
@@ -76,6 +88,7 @@ PlanReport makePlanReport(const PlanModel& model, const PlanDates& dates, bool e
     PlanRow row;
     row.date = date;
     row.balance = model.plan->plannedBalanceOnDate(date, !exclusive, model.calendar(), rounding);
+    requireNumber(row.balance, date, model.calendar());
     const std::optional<NSDecimalNumber> until = model.contributionsUntil(date);
     if (until && before) row.contributions = until->decimalNumberBySubtracting(*before, rounding);
     before = until;

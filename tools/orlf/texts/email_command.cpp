@@ -1,15 +1,15 @@
 #include <ORLFoundation/support/strings/ORLFStringUtilities.h>
 
-#include <CLI/CLI.hpp>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 #include <vector>
 
-#include "cli/common_options.h"
+#include "cli/command_line.h"
 #include "cli/failure.h"
+#include "cli/json_output.h"
 #include "commands.h"
+#include "session.h"
 
 namespace orlftool {
 namespace {
@@ -17,7 +17,7 @@ namespace {
 using namespace ORLFoundation;
 
 void testAddresses(Session& session, const std::vector<std::string>& texts) {
-  nlohmann::ordered_json rows = nlohmann::ordered_json::array();
+  Json rows = Json::array();
   for (const std::string& text : texts) {
     const bool isAddress = isEmailAddress(text);
     if (!isAddress) session.exitCode = kExitFailedJob;
@@ -27,20 +27,18 @@ void testAddresses(Session& session, const std::vector<std::string>& texts) {
       session.out << (isAddress ? "yes" : "no") << '\n';
     }
   }
-  if (session.options.json)
-    session.out << rows.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+  if (session.options.json) printJson(session.out, rows);
 }
 
 }  // namespace
 
-Command addEmailCommand(CLI::App& tool) {
-  CLI::App* parser = tool.add_subcommand(
-      "email",
+Job declareEmailCommand(Options& options) {
+  options.describe(
       "Tell of each text whether it is an e-mail address, yes or no, a line for each. Ends with 1\n"
       "when one of them is none. Put -- before texts that begin with a dash.");
   auto texts = std::make_shared<std::vector<std::string>>();
-  parser->add_option("TEXT", *texts, "Texts")->required();
-  return {parser, [texts](Session& session) { testAddresses(session, *texts); }};
+  options.requiredList("TEXT", *texts, "Texts");
+  return [texts](Session& session) { testAddresses(session, *texts); };
 }
 
 }  // namespace orlftool

@@ -1,16 +1,15 @@
 #include <ORLFoundation/platform/format/NSLocale.h>
 #include <ORLFoundation/support/strings/ORLFStringUtilities.h>
 
-#include <CLI/CLI.hpp>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 #include <vector>
 
-#include "cli/common_options.h"
-#include "cli/failure.h"
+#include "cli/command_line.h"
+#include "cli/json_output.h"
 #include "commands.h"
+#include "session.h"
 
 namespace orlftool {
 namespace {
@@ -18,10 +17,8 @@ namespace {
 using namespace ORLFoundation;
 
 void printTitles(Session& session, const std::vector<std::string>& texts) {
-  if (!isKnownLocale(session.options.locale))
-    throw UsageFailure("--locale: unknown locale '" + session.options.locale + "'");
   const auto locale = std::make_shared<NSLocale>(session.options.locale);
-  nlohmann::ordered_json rows = nlohmann::ordered_json::array();
+  Json rows = Json::array();
   for (const std::string& text : texts) {
     const std::string title = orlfTitleCase(text, locale);
     if (session.options.json) {
@@ -30,20 +27,18 @@ void printTitles(Session& session, const std::vector<std::string>& texts) {
       session.out << title << '\n';
     }
   }
-  if (session.options.json)
-    session.out << rows.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+  if (session.options.json) printJson(session.out, rows);
 }
 
 }  // namespace
 
-Command addTitleCommand(CLI::App& tool) {
-  CLI::App* parser = tool.add_subcommand(
-      "title",
+Job declareTitleCommand(Options& options) {
+  options.describe(
       "Print texts in title case, a line for each: every word capitalized but short conjunctions,\n"
       "particles and prepositions of English. Put -- before texts that begin with a dash.");
   auto texts = std::make_shared<std::vector<std::string>>();
-  parser->add_option("TEXT", *texts, "Texts")->required();
-  return {parser, [texts](Session& session) { printTitles(session, *texts); }};
+  options.requiredList("TEXT", *texts, "Texts");
+  return [texts](Session& session) { printTitles(session, *texts); };
 }
 
 }  // namespace orlftool

@@ -1,6 +1,6 @@
-
-
 #include "values/date_text.h"
+
+#include <ORLFoundation/platform/base/ASCII.h>
 
 #include <array>
 #include <chrono>
@@ -14,6 +14,7 @@ namespace orlftool {
 namespace {
 
 using namespace ORLFoundation;
+using internal::base::isDigit;
 
 constexpr NSInteger kSecondsPerDay = 86400;
 
@@ -39,7 +40,7 @@ class Scanner {
   bool digits(std::size_t least, std::size_t most, NSInteger& value) {
     std::size_t count = 0;
     value = 0;
-    while (count < most && count < rest_.size() && rest_[count] >= '0' && rest_[count] <= '9')
+    while (count < most && count < rest_.size() && isDigit(rest_[count]))
       value = value * 10 + (rest_[count++] - '0');
     rest_.remove_prefix(count);
     return count >= least;
@@ -47,7 +48,7 @@ class Scanner {
   bool fraction(double& value) {
     std::size_t count = 0;
     double scale = 0.1;
-    for (; count < rest_.size() && rest_[count] >= '0' && rest_[count] <= '9'; ++count) {
+    for (; count < rest_.size() && isDigit(rest_[count]); ++count) {
       value += (rest_[count] - '0') * scale;
       scale /= 10;
     }
@@ -198,6 +199,12 @@ NSDate readDateOption(std::string_view option, std::string_view text, const NSCa
                      std::string(text) + "'");
 }
 
+NSDate startOfDay(NSDate date, const NSCalendar& calendar) {
+  NSDate start;
+  const bool found = calendar.rangeOfUnit(NSCalendarUnitDay, &start, nullptr, date);
+  return found ? start : date;
+}
+
 std::string dateTimeText(NSDate date, const NSCalendar& calendar) {
   const NSDateComponents fields = localFields(date, calendar);
   if (fields.year() == NSDateComponentUndefined) return "(no date)";
@@ -206,9 +213,7 @@ std::string dateTimeText(NSDate date, const NSCalendar& calendar) {
 }
 
 std::string shortDateText(NSDate date, const NSCalendar& calendar) {
-  NSDate dayStart;
-  const bool found = calendar.rangeOfUnit(NSCalendarUnitDay, &dayStart, nullptr, date);
-  if (!found || dayStart != date) return dateTimeText(date, calendar);
+  if (startOfDay(date, calendar) != date) return dateTimeText(date, calendar);
   return dayText(localFields(date, calendar));
 }
 

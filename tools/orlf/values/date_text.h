@@ -25,6 +25,10 @@ inline constexpr std::string_view kDateForms =
 [[nodiscard]] ORLFoundation::NSDate readDateOption(std::string_view option, std::string_view text,
                                                    const ORLFoundation::NSCalendar& calendar);
 
+/// The first instant of the date's day.
+[[nodiscard]] ORLFoundation::NSDate startOfDay(ORLFoundation::NSDate date,
+                                               const ORLFoundation::NSCalendar& calendar);
+
 /// "2024-01-31T09:30:00-05:00" in the calendar's zone; fractions of a second are shown to the
 /// microsecond when there are any, seconds of an offset when it has them. `readDate` reads it back.
 [[nodiscard]] std::string dateTimeText(ORLFoundation::NSDate date,

@@ -1,4 +1,3 @@
-
 #include "values/date_text.h"
 
 #include <gtest/gtest.h>
@@ -6,8 +5,8 @@
 #include <memory>
 #include <string>
 
-#include "cli/common_options.h"
 #include "cli/failure.h"
+#include "session.h"
 
 namespace {
 

@@ -1,14 +1,13 @@
-
-
 #include "values/decimal_behavior.h"
 
-#include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
+#include <ORLFoundation/decimal/ORLFRoundingBehavior.h>
 
 #include <array>
 #include <string>
 
 #include "cli/failure.h"
 #include "cli/words.h"
+#include "values/whole_number.h"
 
 namespace orlftool {
 namespace {
@@ -46,29 +45,24 @@ std::string_view nameOf(NSCalculationError error) {
   }
 }
 
-/// Notes a loss of precision, and says the other errors in words where they raise.
-class LossNotingBehavior : public NSDecimalNumberBehaviors {
+/// Says in words what raises.
+class SpokenBehavior : public ORLFRoundingBehavior {
  public:
-  explicit LossNotingBehavior(const DecimalRules& rules)
-      : raises_(rules.onError == OnError::kRaise), behavior_(makeBehavior(rules)) {}
+  explicit SpokenBehavior(const DecimalRules& rules)
+      : ORLFRoundingBehavior(rules.mode, rules.scale, codeOf(rules.onError)),
+        raises_(rules.onError == OnError::kRaise) {}
 
-  [[nodiscard]] bool hasLost() const { return hasLost_; }
-  [[nodiscard]] NSRoundingMode roundingMode() const override { return behavior_->roundingMode(); }
-  [[nodiscard]] std::int16_t scale() const override { return behavior_->scale(); }
   [[nodiscard]] std::optional<NSDecimalNumber> exceptionDuringOperation(
       std::string_view operation, NSCalculationError error,
       const std::optional<NSDecimalNumber>& leftOperand,
       const std::optional<NSDecimalNumber>& rightOperand) const override {
-    hasLost_ = error == NSCalculationLossOfPrecision;
-    if (hasLost_) return std::nullopt;
     if (raises_) throw JobFailure(std::string(nameOf(error)));
-    return behavior_->exceptionDuringOperation(operation, error, leftOperand, rightOperand);
+    return ORLFRoundingBehavior::exceptionDuringOperation(operation, error, leftOperand,
+                                                          rightOperand);
   }
 
  private:
   bool raises_;
-  std::shared_ptr<NSDecimalNumberBehaviors> behavior_;
-  mutable bool hasLost_ = false;
 };
 
 }  // namespace
@@ -86,30 +80,20 @@ DecimalRules readDecimalRules(const DecimalRuleWords& words) {
   const std::optional<OnError> onError = onErrorNamed(words.onError);
   if (!onError)
     throw UsageFailure("--on-error: expected raise, nil or zero, got '" + words.onError + "'");
-  if (words.scale < INT16_MIN || words.scale > INT16_MAX)
-    throw UsageFailure("--scale: expected a number from -32768 to 32767, got " +
-                       std::to_string(words.scale));
-  return {static_cast<std::int16_t>(words.scale), *mode, *onError};
+  const std::int64_t scale = words.scale
+                                 ? readWholeArgument("--scale", *words.scale, INT16_MIN, INT16_MAX)
+                                 : NSDecimalNoScale;
+  return {static_cast<std::int16_t>(scale), *mode, *onError};
 }
 
 std::shared_ptr<NSDecimalNumberBehaviors> makeBehavior(const DecimalRules& rules) {
-  const std::int32_t code = codeOf(rules.onError);
-  return ORLFDecimalNumberHandler::decimalNumberHandlerWithRoundingMode(
-      {.roundingMode = rules.mode,
-       .scale = rules.scale,
-       .exactnessBehavior = code,
-       .overflowBehavior = code,
-       .underflowBehavior = code,
-       .divideByZeroBehavior = code});
+  return std::make_shared<ORLFRoundingBehavior>(rules.mode, rules.scale, codeOf(rules.onError));
 }
 
 std::optional<NSDecimalNumber> calculate(const DecimalRules& rules,
                                          const DecimalOperation& operation) {
-  const LossNotingBehavior behavior(rules);
-  std::optional<NSDecimalNumber> result = operation(&behavior);
-  if (!behavior.hasLost()) return result;
-  result = operation(nullptr);
-  return result ? result->decimalNumberByRoundingAccordingToBehavior(&behavior) : result;
+  const SpokenBehavior behavior(rules);
+  return operation(&behavior);
 }
 
 }  // namespace orlftool

@@ -27,16 +27,18 @@ struct DecimalRules {
 
 /// The options that say so, as they were typed.
 struct DecimalRuleWords {
-  std::int64_t scale = ORLFoundation::NSDecimalNoScale;
+  std::optional<std::string> scale;  // all digits are kept where there is none
   std::string mode = "plain";
   std::string onError = "raise";
+
+  [[nodiscard]] bool isGiven() const { return scale || mode != "plain" || onError != "raise"; }
 };
-inline constexpr std::string_view kRoundingModeHelp =
+inline constexpr const char* kRoundingModeHelp =
     "plain (a tie away from zero), down, up, bankers (a tie to the even digit)";
 /// Throws UsageFailure for an unknown word and a scale that is out of range.
 [[nodiscard]] DecimalRules readDecimalRules(const DecimalRuleWords& words);
 
-/// A behaviour that raises, gives nil or gives zero on every error, loss of precision included.
+/// A behaviour that raises, gives nil or gives zero on errors, of which loss of precision is none.
 [[nodiscard]] std::shared_ptr<ORLFoundation::NSDecimalNumberBehaviors> makeBehavior(
     const DecimalRules& rules);
 
@@ -44,8 +46,9 @@ inline constexpr std::string_view kRoundingModeHelp =
 using DecimalOperation = std::function<std::optional<ORLFoundation::NSDecimalNumber>(
     const ORLFoundation::NSDecimalNumberBehaviors*)>;
 
-/// Does the sum by the rules. A result of more than 38 digits is no error here: it is brought to 38
-/// digits, then to the scale.
+/// Does the sum by the rules. A result of more than 38 digits is no error here: it is rounded once,
+/// from its exact value to the scale or to 38 digits. Throws JobFailure in words for errors that
+/// raise.
 [[nodiscard]] std::optional<ORLFoundation::NSDecimalNumber> calculate(
     const DecimalRules& rules, const DecimalOperation& operation);
 

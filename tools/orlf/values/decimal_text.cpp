@@ -1,7 +1,6 @@
-
-
 #include "values/decimal_text.h"
 
+#include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <unicode/locid.h>
 #include <unicode/numberformatter.h>
@@ -14,12 +13,13 @@ namespace orlftool {
 namespace {
 
 using namespace ORLFoundation;
+using internal::base::isDigit;
 
 constexpr std::size_t kMostDigits = 38;
 
 std::size_t digitRun(std::string_view text, std::size_t from) {
   std::size_t end = from;
-  while (end < text.size() && text[end] >= '0' && text[end] <= '9') ++end;
+  while (end < text.size() && isDigit(text[end])) ++end;
   return end - from;
 }
 
@@ -51,7 +51,7 @@ bool hasDecimalForm(std::string_view text, std::string_view& mantissa) {
 std::size_t significantDigits(std::string_view mantissa) {
   std::string digits;
   std::copy_if(mantissa.begin(), mantissa.end(), std::back_inserter(digits),
-               [](char c) { return c >= '0' && c <= '9'; });
+               [](char c) { return isDigit(c); });
   const std::size_t first = digits.find_first_not_of('0');
   return first == std::string::npos ? 0 : digits.find_last_not_of('0') - first + 1;
 }
@@ -89,6 +89,12 @@ NSDecimalNumber readRateArgument(std::string_view argument, std::string_view tex
   if (const std::optional<NSDecimalNumber> rate = readRate(text)) return *rate;
   throw UsageFailure(std::string(argument) + ": expected " + std::string(kRateForm) + ", got '" +
                      std::string(text) + "'");
+}
+
+int placesAfterPoint(const NSDecimalNumber& number) {
+  const std::string text = number.stringValue();
+  const std::size_t point = text.find('.');
+  return point == std::string::npos ? 0 : static_cast<int>(text.size() - point - 1);
 }
 
 struct DecimalPrinter::Formatter {

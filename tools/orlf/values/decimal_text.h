@@ -31,6 +31,9 @@ inline constexpr std::string_view kRateForm = "a rate such as 0.045 or 4.5%";
 [[nodiscard]] ORLFoundation::NSDecimalNumber readRateArgument(std::string_view argument,
                                                               std::string_view text);
 
+/// The digits that a number has after the point, without zeros at their end.
+[[nodiscard]] int placesAfterPoint(const ORLFoundation::NSDecimalNumber& number);
+
 /// Prints decimals with the marks of a locale, "-1,250.75". Digits are never rounded away.
 class DecimalPrinter {
  public:

@@ -1,4 +1,3 @@
-
 #include "values/decimal_text.h"
 
 #include <gtest/gtest.h>

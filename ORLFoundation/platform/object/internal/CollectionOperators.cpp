@@ -10,7 +10,7 @@
 #include <string>
 #include <utility>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::object {
 namespace {
 
 using Values = std::vector<id>;
@@ -90,4 +90,4 @@ id applyCollectionOperator(const std::vector<id>& members, std::string_view keyP
   return found->apply(valuesOf(members, keyPath.substr(point + 1)));
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::object

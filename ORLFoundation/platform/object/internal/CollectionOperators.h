@@ -16,8 +16,8 @@
 #include <string_view>
 #include <vector>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::object {
 
 [[nodiscard]] id applyCollectionOperator(const std::vector<id>& members, std::string_view keyPath);
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::object

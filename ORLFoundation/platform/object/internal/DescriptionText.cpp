@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <cstdint>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::object {
 namespace {
 
 void appendUnit(std::string& out, char32_t unit) {
@@ -83,4 +83,4 @@ std::string quotedWhereNeeded(std::string_view text) {
   return out += '"';
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::object

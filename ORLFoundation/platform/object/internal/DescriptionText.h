@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::object {
 
 /// Deeper collections are described as "...".
 inline constexpr NSUInteger kDeepestDescription = 100;
@@ -27,4 +27,4 @@ inline constexpr NSUInteger kDeepestDescription = 100;
   return std::string(4 * levels, ' ');
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::object

@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::object {
 namespace {
 
 constexpr double kTwoTo63 = 9223372036854775808.0;
@@ -121,4 +121,4 @@ NSComparisonResult compareExactly(double left, const NSDecimal& right) {
   return compareDigits(left, right);
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::object

@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::object {
 
 [[nodiscard]] NSComparisonResult compareExactly(std::int64_t left, std::int64_t right) noexcept;
 [[nodiscard]] NSComparisonResult compareExactly(std::int64_t left, std::uint64_t right) noexcept;
@@ -36,4 +36,4 @@ template <class Left, class Right>
   }
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::object

@@ -6,7 +6,7 @@
 #include <bit>
 #include <utility>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::object {
 namespace {
 
 constexpr std::size_t kFewestSlots = 8;
@@ -88,4 +88,4 @@ void IdTable::rebuild() {
   }
 }
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::object

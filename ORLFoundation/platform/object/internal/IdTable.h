@@ -9,7 +9,7 @@
 #include <span>
 #include <vector>
 
-namespace ORLFoundation::internal {
+namespace ORLFoundation::internal::object {
 
 class IdTable {
  public:
@@ -52,4 +52,4 @@ class IdTable {
   std::size_t mutations_ = 0;
 };
 
-}  // namespace ORLFoundation::internal
+}  // namespace ORLFoundation::internal::object

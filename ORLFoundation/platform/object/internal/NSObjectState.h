@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-namespace ORLFoundation {
+namespace ORLFoundation::internal::object {
 
 struct NSObjectState {
   struct Attachment {
@@ -50,4 +50,4 @@ struct NSObjectState {
   std::vector<Change> changes;
 };
 
-}  // namespace ORLFoundation
+}  // namespace ORLFoundation::internal::object

@@ -1,11 +1,12 @@
-
-
-#include "cli/common_options.h"
+#include "session.h"
 
 #include <unicode/calendar.h>
 #include <unicode/locid.h>
 
+#include <ostream>
+
 #include "cli/failure.h"
+#include "cli/message_text.h"
 
 namespace orlftool {
 namespace {
@@ -23,12 +24,18 @@ void setWeeksOfRegion(NSCalendar& calendar, const std::string& locale) {
   calendar.setMinimumDaysInFirstWeek(weeks->getMinimalDaysInFirstWeek());
 }
 
-}  // namespace
-
+/// Whether language and region (where one is named) of an identifier such as "de_DE" exist.
 bool isKnownLocale(const std::string& identifier) {
   const icu::Locale locale(identifier.c_str());
   if (identifier.empty() || locale.isBogus() || *locale.getISO3Language() == '\0') return false;
   return *locale.getCountry() == '\0' || *locale.getISO3Country() != '\0';
+}
+
+}  // namespace
+
+void printNote(Session& session, std::string_view note) {
+  session.err << "orlf" << (session.command.empty() ? "" : " ") << session.command << ": "
+              << oneLine(note) << '\n';
 }
 
 std::shared_ptr<NSCalendar> makeCalendar(const std::string& zone, const std::string& locale) {
