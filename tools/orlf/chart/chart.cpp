@@ -1,8 +1,9 @@
 #include "chart/chart.h"
 
+#include <ORLFoundation/platform/base/ASCII.h>
+
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <string_view>
 
 #include "chart/cairo_painter.h"
@@ -36,10 +37,7 @@ constexpr std::array kFileKinds{FileKind{".svg", writeSvg}, FileKind{".png", wri
 std::string extensionOf(const std::string& path) {
   const std::size_t dot = path.find_last_of("./");
   if (dot == std::string::npos || path[dot] != '.') return "";
-  std::string extension = path.substr(dot);
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return extension;
+  return ORLFoundation::internal::base::lowerASCII(std::string_view(path).substr(dot));
 }
 
 /// Null for a kind that is not written.

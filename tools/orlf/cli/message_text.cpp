@@ -4,8 +4,6 @@
 #include <ORLFoundation/platform/base/UTF8.h>
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 
 #include "cli/failure.h"
 
@@ -33,23 +31,6 @@ std::string quotedForMessage(std::string_view text) {
     text.remove_prefix(character.length);
   }
   return shown + (text.empty() ? "'" : "...'");
-}
-
-std::string shownText(std::string_view text) {
-  std::string shown;
-  while (!text.empty()) {
-    const UTF8Character character = firstUTF8Character(text);
-    if (isControl(character.codePoint)) {
-      std::array<char, 8> escape{};
-      std::snprintf(escape.data(), escape.size(), "\\u%04X",
-                    static_cast<unsigned>(character.codePoint));
-      shown += escape.data();
-    } else {
-      appendUTF8(shown, character.codePoint);
-    }
-    text.remove_prefix(character.length);
-  }
-  return shown;
 }
 
 std::string oneLine(std::string_view text) {

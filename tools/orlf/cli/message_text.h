@@ -11,9 +11,6 @@ namespace orlftool {
 /// A text of a file as a message shows it: at most 40 characters, in quotes, without line ends and
 /// broken bytes.
 [[nodiscard]] std::string quotedForMessage(std::string_view text);
-/// All of a text, as a terminal may show it: control characters are written out, "\u001B", and
-/// broken bytes are U+FFFD.
-[[nodiscard]] std::string shownText(std::string_view text);
 /// A message without line ends and other control characters, whatever it quotes.
 [[nodiscard]] std::string oneLine(std::string_view text);
 /// Throws JobFailure "name:line: field: expected ..., got ..."; an empty field is left out.

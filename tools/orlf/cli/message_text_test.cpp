@@ -8,7 +8,6 @@ namespace {
 
 using orlftool::oneLine;
 using orlftool::quotedForMessage;
-using orlftool::shownText;
 
 TEST(MessageText, QuotesTheFirstCharactersWithoutControlsAndBrokenBytes) {
   EXPECT_EQ(quotedForMessage(""), "''");
@@ -16,13 +15,6 @@ TEST(MessageText, QuotesTheFirstCharactersWithoutControlsAndBrokenBytes) {
   EXPECT_EQ(quotedForMessage("a\n\x1B\x7F\xFF\xC2\x9B"), "'a" + std::string(5, '?') + "'");
   EXPECT_EQ(quotedForMessage(std::string(40, 'x')), "'" + std::string(40, 'x') + "'");
   EXPECT_EQ(quotedForMessage(std::string(41, 'x')), "'" + std::string(40, 'x') + "...'");
-}
-
-TEST(MessageText, ShowsControlCharactersWrittenOut) {
-  EXPECT_EQ(shownText("Gr\u00FC\u00DFe \u2013 1"), "Gr\u00FC\u00DFe \u2013 1");
-  EXPECT_EQ(shownText(std::string("a\x1B[31m\n\0\x7F", 9)), R"(a\u001B[31m\u000A\u0000\u007F)");
-  EXPECT_EQ(shownText("\u009B2J\u00A0"), "\\u009B2J\u00A0");
-  EXPECT_EQ(shownText("\xFF"), "\uFFFD");
 }
 
 TEST(MessageText, KeepsAMessageInOneLine) {

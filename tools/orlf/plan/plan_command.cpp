@@ -7,10 +7,10 @@
 #include <utility>
 #include <vector>
 
+#include "chart/chart_text.h"
 #include "cli/command_line.h"
 #include "cli/failure.h"
 #include "cli/json_output.h"
-#include "cli/message_text.h"
 #include "cli/table.h"
 #include "cli/words.h"
 #include "commands.h"
@@ -157,12 +157,11 @@ class PlanJob {
   [[nodiscard]] Chart chartBetween(const PlanDates& dates) const {
     Chart chart = makePlanChart(model_, dates.from, dates.to, session_.options.locale);
     if (chart.title.empty()) chart.title = std::filesystem::path(arguments_.file).stem().string();
-    chart.title = shownText(chart.title);
     return chart;
   }
 
   void printReport(const PlanReport& report) {
-    if (!model_.file.title.empty()) session_.out << shownText(model_.file.title) << "\n\n";
+    if (!model_.file.title.empty()) session_.out << visibleText(model_.file.title) << "\n\n";
     const auto printer = [&](std::optional<NSDecimalNumber> PlanRow::*column) {
       return columnPrinter(report, column, placesOf(model_), session_.options.locale);
     };

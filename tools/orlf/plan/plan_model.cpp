@@ -5,7 +5,6 @@
 #include <utility>
 #include <vector>
 
-#include "cli/message_text.h"
 #include "values/decimal_behavior.h"
 
 namespace orlftool {
@@ -73,7 +72,7 @@ std::vector<std::string> planWarnings(const PlanFile& file) {
 
 std::string segmentName(const PlanFile& file, std::size_t index) {
   const std::string& name = file.segments[index].name;
-  return name.empty() ? "Segment " + std::to_string(index + 1) : shownText(name);
+  return name.empty() ? "Segment " + std::to_string(index + 1) : name;
 }
 
 }  // namespace orlftool

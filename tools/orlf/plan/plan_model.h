@@ -32,7 +32,7 @@ struct PlanModel {
 [[nodiscard]] PlanModel makePlanModel(PlanFile file);
 /// What the projection does with the plan that its reader may not expect, a line for each segment.
 [[nodiscard]] std::vector<std::string> planWarnings(const PlanFile& file);
-/// The name of a segment as it may be shown, "Segment 2" for one without.
+/// The name of a segment, "Segment 2" for one without.
 [[nodiscard]] std::string segmentName(const PlanFile& file, std::size_t index);
 
 }  // namespace orlftool

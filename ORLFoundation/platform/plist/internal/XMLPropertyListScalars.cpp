@@ -3,11 +3,11 @@
 
 #include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/base/Base64.h>
+#include <ORLFoundation/platform/base/CivilDays.h>
 #include <ORLFoundation/platform/plist/PropertyListTable.h>
 
 #include <algorithm>
 #include <charconv>
-#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -16,9 +16,11 @@
 namespace ORLFoundation::internal::plist {
 namespace {
 
+namespace civil = base::civil;
+
 constexpr std::string_view kBlanks = " \t\n\r";
-constexpr std::int64_t kSecondsOfDay = 86400;
-constexpr std::int64_t kDaysToReference = 11323;  // from 1970-01-01 to 2001-01-01
+constexpr int kMostYear = 32767;
+constexpr std::int32_t kDaysToReference = 11323;  // from 1970-01-01 to 2001-01-01
 
 std::string_view trimmed(std::string_view text) noexcept {
   const std::size_t first = text.find_first_not_of(kBlanks);
@@ -84,21 +86,20 @@ double dateFromXML(std::string_view text) {
   text = trimmed(text);
   const bool isNegative = text.starts_with('-');
   if (isNegative) text.remove_prefix(1);
-  const int year =
+  const int digitsOfYear =
       takeDigits(text, std::max<std::size_t>(std::min(text.find('-'), text.size()), 4), '-');
   const int month = takeDigits(text, 2, '-');
   const int day = takeDigits(text, 2, 'T');
   const std::int64_t hour = takeDigits(text, 2, ':');
   const std::int64_t minute = takeDigits(text, 2, ':');
   const int second = takeDigits(text, 2, 'Z');
-  const std::chrono::year_month_day date(std::chrono::year(isNegative ? -year : year),
-                                         std::chrono::month(static_cast<unsigned>(month)),
-                                         std::chrono::day(static_cast<unsigned>(day)));
-  if (!text.empty() || year > 32767 || !date.ok() || hour > 23 || minute > 59 || second > 59)
+  const int year = isNegative ? -digitsOfYear : digitsOfYear;
+  const bool isDate = digitsOfYear <= kMostYear && month >= 1 && month <= 12 && day >= 1 &&
+                      day <= civil::daysInMonth(year, month);
+  if (!text.empty() || !isDate || hour > 23 || minute > 59 || second > 59)
     throw PropertyListFault("A date is written wrongly.");
-  const std::int64_t days =
-      std::chrono::sys_days(date).time_since_epoch().count() - kDaysToReference;
-  return static_cast<double>(days * kSecondsOfDay + hour * 3600 + minute * 60 + second);
+  const std::int64_t days = civil::dayFromDate(year, month, day) - kDaysToReference;
+  return static_cast<double>(days * civil::kSecondsPerDay + hour * 3600 + minute * 60 + second);
 }
 
 std::string dataFromXML(std::string_view text) {
@@ -118,18 +119,16 @@ std::string realToXML(double value) {
 }
 
 std::string dateToXML(double seconds) {
-  constexpr double kMostDays = 32767.0 * 365;
+  constexpr double kMostDays = kMostYear * 365.0;
   const double whole = std::floor(seconds);
-  const double days = std::floor(whole / kSecondsOfDay);
+  const double days = std::floor(whole / civil::kSecondsPerDay);
   if (!(std::abs(days) < kMostDays)) throw PropertyListFault("A date is out of range.");
-  const std::chrono::year_month_day date{
-      std::chrono::sys_days(std::chrono::days(static_cast<std::int64_t>(days) + kDaysToReference))};
-  const int second = static_cast<int>(whole - days * kSecondsOfDay);
-  const int year = static_cast<int>(date.year());
+  const civil::Date date = civil::dateFromDay(static_cast<std::int32_t>(days) + kDaysToReference);
+  const int second = static_cast<int>(whole - days * civil::kSecondsPerDay);
   char text[64];
-  std::snprintf(text, sizeof text, "%s%04d-%02u-%02uT%02d:%02d:%02dZ", year < 0 ? "-" : "",
-                std::abs(year), static_cast<unsigned>(date.month()),
-                static_cast<unsigned>(date.day()), second / 3600, second / 60 % 60, second % 60);
+  std::snprintf(text, sizeof text, "%s%04d-%02d-%02dT%02d:%02d:%02dZ", date.year < 0 ? "-" : "",
+                std::abs(date.year), date.month, date.day, second / 3600, second / 60 % 60,
+                second % 60);
   return text;
 }
 
