@@ -1,36 +1,5 @@
-/// What the tests of calendars and of recurrence share: pinned calendars and dates by local time.
+/// What the tests of calendars, recurrence and plans share: pinned calendars, dates by local time,
+/// and the forms of vectors.
 #pragma once
 
-#include <ORLFoundation/platform/time/NSCalendar.h>
-#include <tests/support/VectorCodec.h>
-
-#include <memory>
-#include <string_view>
-
-namespace orlftest {
-
-inline std::shared_ptr<ORLFoundation::NSCalendar> calendarIn(std::string_view zone) {
-  using namespace ORLFoundation;
-  auto calendar = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian);
-  calendar->setTimeZone(NSTimeZone::timeZoneWithName(zone));
-  calendar->setFirstWeekday(1);
-  calendar->setMinimumDaysInFirstWeek(1);
-  calendar->setLocaleIdentifier("en_US");
-  calendar->setFirstWeekday(1);
-  return calendar;
-}
-
-/// Year, month, day, hour, minute and second on the calendar's clock.
-inline ORLFoundation::NSDate at(const ORLFoundation::NSCalendar& calendar, int year, int month,
-                                int day, int hour = 0, int minute = 0, int second = 0) {
-  ORLFoundation::NSDateComponents components;
-  components.setYear(year);
-  components.setMonth(month);
-  components.setDay(day);
-  components.setHour(hour);
-  components.setMinute(minute);
-  components.setSecond(second);
-  return calendar.dateFromComponents(components).value();
-}
-
-}  // namespace orlftest
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>

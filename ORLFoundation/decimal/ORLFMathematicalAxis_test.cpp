@@ -235,5 +235,15 @@ TEST_F(ORLFMathematicalAxisTest, EqualityLooksAtTheFieldsAndTheClass) {
   EXPECT_FALSE(axis->isEqual(nullptr));
 }
 
+TEST_F(ORLFMathematicalAxisTest, DiffersByItsStepAloneAndByItsBoundsAlone) {
+  const ORLFMathematicalAxis axis(0, 100, 6);
+  const ORLFMathematicalAxis inHalves(0, 100, 3);
+  const ORLFMathematicalAxis moved(100, 200, 6);
+  ASSERT_EQ(inHalves.axisMax(), axis.axisMax());
+  ASSERT_EQ(moved.stepSize(), axis.stepSize());
+  EXPECT_FALSE(axis.isEqual(&inHalves));
+  EXPECT_FALSE(axis.isEqual(&moved));
+}
+
 }  // namespace
 }  // namespace ORLFoundation

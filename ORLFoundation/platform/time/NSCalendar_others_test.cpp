@@ -14,6 +14,8 @@ namespace {
 using orlftest::vectorFromComponents;
 using orlftest::vectorFromDate;
 
+NSDate date(const char* text) { return orlftest::dateFromVector(text).value(); }
+
 constexpr NSUInteger kDate =
     NSCalendarUnitEra | NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay;
 constexpr NSUInteger kTime = NSCalendarUnitHour | NSCalendarUnitMinute | NSCalendarUnitSecond;

@@ -7,8 +7,11 @@
 namespace ORLFoundation {
 namespace {
 
+using orlftest::calendarIn;
 using orlftest::componentsFromVector;
 using orlftest::vectorFromDate;
+
+NSDate date(const char* text) { return orlftest::dateFromVector(text).value(); }
 
 // ---------------------------------------------------------------- ranges
 

@@ -10,9 +10,12 @@
 namespace ORLFoundation {
 namespace {
 
+using orlftest::calendarIn;
 using orlftest::componentsFromVector;
 using orlftest::vectorFromComponents;
 using orlftest::vectorFromDate;
+
+NSDate date(const char* text) { return orlftest::dateFromVector(text).value(); }
 
 // ---------------------------------------------------------------- the calendar as an object
 
