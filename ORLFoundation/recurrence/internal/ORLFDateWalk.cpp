@@ -2,6 +2,7 @@
 #include <ORLFoundation/recurrence/internal/ORLFDateWalk.h>
 
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
+#include <ORLFoundation/calendar/ORLFUnitSteps.h>
 #include <ORLFoundation/platform/base/CheckedArithmetic.h>
 #include <ORLFoundation/recurrence/ORLFFrequencyFacts.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
@@ -31,6 +32,7 @@ ORLFDateWalk::ORLFDateWalk(const ORLFDateRecurrenceRule& rule,
       unit_(steppingUnitOf(rule.frequency())),
       step_(stepOf(rule, arguments.backwards)),
       simple_(rule.isSimpleRecurrence()),
+      moves_(rule.interval() != 0 && calendar::moves(unit_)),
       civil_(paths == Paths::kAll ? ORLFCivilWindows::forRule(rule, arguments) : std::nullopt),
       expansion_(rule, arguments.startDate, &arguments.calendar),
       current_(arguments.startDate) {}
@@ -43,6 +45,7 @@ NSUInteger ORLFDateWalk::run() {
     emptiness = window_.empty() ? emptiness + kEmptinessOfPeriod : 0;
     deliver();
     if (emptiness >= kEmptinessLimit || !next) break;
+    repeats_ = moves_ && *next == current_;
     current_ = *next;
   }
   return static_cast<NSUInteger>(index);
@@ -72,7 +75,7 @@ std::optional<NSDate> ORLFDateWalk::endOfWindow(NSInteger index) const noexcept 
 void ORLFDateWalk::collectWindow(std::optional<NSDate> next) {
   window_.clear();
   if (simple_) {
-    window_.assign(1, current_);
+    if (!repeats_) window_.push_back(current_);
     return;
   }
   if (!next) return;

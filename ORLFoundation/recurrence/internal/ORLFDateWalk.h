@@ -44,6 +44,7 @@ class ORLFDateWalk {
   NSCalendarUnit unit_;
   std::optional<NSInteger> step_;
   bool simple_;
+  bool moves_;
 
   std::optional<ORLFCivilWindows> civil_;
   ORLFPatternExpansion expansion_;
@@ -51,6 +52,9 @@ class ORLFDateWalk {
   PeriodDates ofNext_;
   Dates window_;
   NSDate current_;
+  /// The window begins with the instant of the one before: a step into a day that the zone skipped
+  /// gives the day after it.
+  bool repeats_ = false;
   NSUInteger delivered_ = 0;
   bool stop_ = false;
 };
