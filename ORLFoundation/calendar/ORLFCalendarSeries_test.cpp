@@ -5,8 +5,9 @@
 #include <ORLFoundation/calendar/ORLFCalendarRatios.h>
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>
+#include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <gtest/gtest.h>
-#include <tests/support/VectorCodec.h>
 #include <tests/support/VectorFile.h>
 
 namespace ORLFoundation {

@@ -1,5 +1,7 @@
 // Ranges of units, the search for matching dates, and the setting of one unit.
 #include <ORLFoundation/platform/time/NSCalendar_testing.h>
+#include <ORLFoundation/platform/time/NSDateComponents_testing.h>
+#include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,5 +1,7 @@
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/time/NSCalendar_testing.h>
+#include <ORLFoundation/platform/time/NSDateComponents_testing.h>
+#include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <gtest/gtest.h>
 
 #include <cmath>

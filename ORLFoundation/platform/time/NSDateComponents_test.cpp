@@ -3,8 +3,8 @@
 
 #include <ORLFoundation/platform/base/CivilDays.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
+#include <ORLFoundation/platform/time/NSDateComponents_testing.h>
 #include <gtest/gtest.h>
-#include <tests/support/VectorCodec.h>
 
 namespace ORLFoundation {
 namespace {
