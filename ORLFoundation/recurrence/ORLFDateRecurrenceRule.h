@@ -116,8 +116,8 @@ class ORLFDateRecurrenceRule : public NSObject, public NSSecureCoding {
   /// the start date's pattern: 31 January, 31 March. Other rules give the start date only where it
   /// fits. Ends with the end, the block's flag, 60 periods in a row without a date, or where the
   /// calendar ends; a simple rule has no other end. With an interval of 0 a simple rule gives the
-  /// start date again and again until something stops it, and a rule with lists gives nothing. Runs
-  /// on the calling thread and allocates nothing per period.
+  /// start date again and again until something stops it, and a rule with lists gives nothing. Else
+  /// no day's instant comes twice. Runs on the calling thread and allocates nothing per period.
   void enumerateDatesForCalendarStartDate(const EnumerateDatesStartDate& arguments,
                                           ORLFDateRecurrenceBlock usingBlock) const;
   /// `generateDateComponentsFromDate:referenceDate:calendar:backwards:`

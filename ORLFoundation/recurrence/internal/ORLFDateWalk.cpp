@@ -67,12 +67,18 @@ std::optional<NSDate> ORLFDateWalk::endOfWindow(NSInteger index) const noexcept 
   return arguments_.calendar.dateByAddingUnit(unit_, *units, arguments_.startDate, 0);
 }
 
+/// A day that the zone skipped has the instant of the day after it, and the window between both is
+/// empty. With an interval of 0 every window is, and the rule stands still.
+bool ORLFDateWalk::isPassedOver(std::optional<NSDate> next) const noexcept {
+  return unit_ == NSCalendarUnitDay && step_ != 0 && next == current_;
+}
+
 /// A window holds its near end and not its far end. Neither end need sit on a boundary of the
 /// calendar, so both ends' patterns give candidates.
 void ORLFDateWalk::collectWindow(std::optional<NSDate> next) {
   window_.clear();
   if (simple_) {
-    window_.assign(1, current_);
+    if (!isPassedOver(next)) window_.assign(1, current_);
     return;
   }
   if (!next) return;

@@ -35,6 +35,7 @@ class ORLFDateWalk {
   [[nodiscard]] std::optional<NSDate> endOfWindow(NSInteger index) const noexcept;
   [[nodiscard]] std::optional<NSDate> collectNextWindow(NSInteger index);
   void collectWindow(std::optional<NSDate> next);
+  [[nodiscard]] bool isPassedOver(std::optional<NSDate> next) const noexcept;
   void resolvePatterns(NSDate date, PeriodDates& into);
   void keepDatesInWindow(const Dates& dates, NSDate next);
   void deliver();
