@@ -89,9 +89,8 @@ double ORLFAmortizationCalculator::annualIntervalFromDate(std::optional<NSDate> 
                                                           const NSCalendar* usingCalendar) {
   if (!fromDate || !toDate || usingCalendar == nullptr) return 0.0;
   constexpr double kDaysInYear = 365.0;
-  const NSDateComponents between =
-      usingCalendar->components(NSCalendarUnitDay, *fromDate, *toDate, 0);
-  return static_cast<double>(between.day()) / kDaysInYear;
+  const NSInteger days = usingCalendar->components(NSCalendarUnitDay, *fromDate, *toDate, 0).day();
+  return days == NSDateComponentUndefined ? 0.0 : static_cast<double>(days) / kDaysInYear;
 }
 
 }  // namespace ORLFoundation

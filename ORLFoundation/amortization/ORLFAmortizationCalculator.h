@@ -63,7 +63,7 @@ class ORLFAmortizationCalculator : public NSObject {
       const NSArray& dataset, NSUInteger options, const PointGenerator& pointGenerator);
 
   /// `annualIntervalFromDate:toDate:usingCalendar:`  Years of 365 days, negative backward; 0 when
-  /// a date or the calendar is nil.
+  /// a date or the calendar is nil, and for a date that the calendar cannot place.
   [[nodiscard]] static double annualIntervalFromDate(std::optional<NSDate> fromDate,
                                                      std::optional<NSDate> toDate,
                                                      const NSCalendar* usingCalendar);

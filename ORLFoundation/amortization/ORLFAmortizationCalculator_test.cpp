@@ -397,5 +397,16 @@ TEST(AnnualInterval, IsZeroForNil) {
   EXPECT_EQ(Calculator::annualIntervalFromDate(date, date, nullptr), 0.0);
 }
 
+TEST(AnnualInterval, IsZeroForDatesThatTheCalendarCannotPlace) {
+  const auto date = orlftest::dateFromVector("2024-01-01T00:00:00Z");
+  const auto calendar =
+      orlftest::calendarFromVector(Json{{"zone", "UTC"}, {"first_weekday", 1}, {"min_days", 1}});
+  for (const double seconds : {std::nan(""), HUGE_VAL, -HUGE_VAL, 1e300}) {
+    const NSDate far = NSDate::dateWithTimeIntervalSinceReferenceDate(seconds);
+    EXPECT_EQ(Calculator::annualIntervalFromDate(far, date, calendar.get()), 0.0) << seconds;
+    EXPECT_EQ(Calculator::annualIntervalFromDate(date, far, calendar.get()), 0.0) << seconds;
+  }
+}
+
 }  // namespace
 }  // namespace ORLFoundation

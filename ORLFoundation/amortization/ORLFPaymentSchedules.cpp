@@ -56,6 +56,9 @@ NSInteger monthOf(NSDate date, const NSCalendar& calendar) {
 NSInteger weekdayOf(NSDate date, const NSCalendar& calendar) {
   return calendar.component(NSCalendarUnitWeekday, date);
 }
+bool isPlaced(NSDate date, const NSCalendar& calendar) {
+  return dayOf(date, calendar) != NSDateComponentUndefined;
+}
 
 template <class List>
 NSUInteger countOf(const std::optional<List>& values) {
@@ -156,6 +159,7 @@ ORLFPaymentSchedule scheduleForAnnualPayments(std::optional<NSInteger> month,
 
 ORLFPaymentSchedule absoluteScheduleForWeeklyPaymentsIncludingDate(NSDate date,
                                                                    const NSCalendar& inCalendar) {
+  if (!isPlaced(date, inCalendar)) return nullptr;
   return schedule({.frequency = ORLFDateRecurrenceFrequencyWeekly,
                    .absolute = true,
                    .daysOfTheWeek = everyWeek(weekdayOf(date, inCalendar))});
@@ -163,6 +167,7 @@ ORLFPaymentSchedule absoluteScheduleForWeeklyPaymentsIncludingDate(NSDate date,
 
 ORLFPaymentSchedule absoluteScheduleForBiweeklyPaymentsIncludingDate(NSDate date,
                                                                      const NSCalendar& inCalendar) {
+  if (!isPlaced(date, inCalendar)) return nullptr;
   constexpr NSInteger kWeeks = 2;
   return schedule(
       {.frequency = ORLFDateRecurrenceFrequencyWeekly,
@@ -175,6 +180,7 @@ ORLFPaymentSchedule absoluteScheduleForBiweeklyPaymentsIncludingDate(NSDate date
 
 ORLFPaymentSchedule absoluteScheduleForMonthlyPaymentsIncludingDate(NSDate date,
                                                                     const NSCalendar& inCalendar) {
+  if (!isPlaced(date, inCalendar)) return nullptr;
   return schedule({.frequency = ORLFDateRecurrenceFrequencyMonthly,
                    .absolute = true,
                    .daysOfTheMonth = list({dayOf(date, inCalendar)})});
@@ -182,12 +188,14 @@ ORLFPaymentSchedule absoluteScheduleForMonthlyPaymentsIncludingDate(NSDate date,
 
 ORLFPaymentSchedule absoluteScheduleForSemiMonthlyPaymentsIncludingDate(
     NSDate date, NSDate andDate, const NSCalendar& inCalendar) {
+  if (!isPlaced(date, inCalendar) || !isPlaced(andDate, inCalendar)) return nullptr;
   return schedule({.frequency = ORLFDateRecurrenceFrequencyMonthly,
                    .daysOfTheMonth = list({dayOf(date, inCalendar), dayOf(andDate, inCalendar)})});
 }
 
 ORLFPaymentSchedule absoluteScheduleForQuarterlyPaymentsIncludingDate(
     NSDate date, const NSCalendar& inCalendar) {
+  if (!isPlaced(date, inCalendar)) return nullptr;
   return schedule({.frequency = ORLFDateRecurrenceFrequencyQuarterly,
                    .daysOfTheMonth = list({dayOf(date, inCalendar)}),
                    .monthsOfTheYear = list({monthOf(date, inCalendar) % 3})});
@@ -195,6 +203,7 @@ ORLFPaymentSchedule absoluteScheduleForQuarterlyPaymentsIncludingDate(
 
 ORLFPaymentSchedule absoluteScheduleForSemiAnnualPaymentsIncludingDate(
     NSDate date, std::optional<NSDate> andDate, const NSCalendar& inCalendar) {
+  if (!isPlaced(date, inCalendar) || (andDate && !isPlaced(*andDate, inCalendar))) return nullptr;
   const NSInteger first = monthOf(date, inCalendar);
   const NSInteger second = andDate ? monthOf(*andDate, inCalendar) : (first + 6) % 12;
   return schedule({.frequency = ORLFDateRecurrenceFrequencyYearly,
@@ -204,6 +213,7 @@ ORLFPaymentSchedule absoluteScheduleForSemiAnnualPaymentsIncludingDate(
 
 ORLFPaymentSchedule absoluteScheduleForAnnualPaymentsIncludingDate(NSDate date,
                                                                    const NSCalendar& inCalendar) {
+  if (!isPlaced(date, inCalendar)) return nullptr;
   return schedule({.frequency = ORLFDateRecurrenceFrequencyYearly,
                    .daysOfTheMonth = list({dayOf(date, inCalendar)}),
                    .monthsOfTheYear = list({monthOf(date, inCalendar)})});

@@ -50,7 +50,8 @@ using ORLFPaymentSchedule = std::shared_ptr<ORLFDateRecurrenceRule>;
                                                             std::optional<NSInteger> day);
 
 // Schedules that a date belongs to, by its day in the calendar given. In spite of the names only
-// the weekly, biweekly and monthly ones are absolute.
+// the weekly, biweekly and monthly ones are absolute. A date that the calendar cannot place (not a
+// number, infinite, beyond its years) gives no schedule.
 
 /// `absoluteScheduleForWeeklyPaymentsIncludingDate:inCalendar:`
 [[nodiscard]] ORLFPaymentSchedule absoluteScheduleForWeeklyPaymentsIncludingDate(

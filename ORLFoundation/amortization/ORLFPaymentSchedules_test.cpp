@@ -5,6 +5,8 @@
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule_testing.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace ORLFoundation {
 namespace {
 
@@ -268,6 +270,23 @@ TEST(PaymentSchedules, OnlyThreeOfTheDatedOnesAreAbsolute) {
   EXPECT_FALSE(absoluteScheduleForQuarterlyPaymentsIncludingDate(may, *calendar)->absolute());
   EXPECT_FALSE(absoluteScheduleForSemiAnnualPaymentsIncludingDate(may, may, *calendar)->absolute());
   EXPECT_FALSE(absoluteScheduleForAnnualPaymentsIncludingDate(may, *calendar)->absolute());
+}
+
+TEST(PaymentSchedules, OfDatesThatTheCalendarCannotPlaceAreNone) {
+  const auto calendar = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian);
+  const NSDate may = NSDate::dateWithTimeIntervalSince1970(1715000000);
+  for (const double seconds : {std::nan(""), HUGE_VAL, -HUGE_VAL, 1e300, -5e13}) {
+    const NSDate far = NSDate::dateWithTimeIntervalSinceReferenceDate(seconds);
+    EXPECT_FALSE(absoluteScheduleForWeeklyPaymentsIncludingDate(far, *calendar)) << seconds;
+    EXPECT_FALSE(absoluteScheduleForBiweeklyPaymentsIncludingDate(far, *calendar)) << seconds;
+    EXPECT_FALSE(absoluteScheduleForMonthlyPaymentsIncludingDate(far, *calendar)) << seconds;
+    EXPECT_FALSE(absoluteScheduleForSemiMonthlyPaymentsIncludingDate(far, may, *calendar));
+    EXPECT_FALSE(absoluteScheduleForSemiMonthlyPaymentsIncludingDate(may, far, *calendar));
+    EXPECT_FALSE(absoluteScheduleForQuarterlyPaymentsIncludingDate(far, *calendar)) << seconds;
+    EXPECT_FALSE(absoluteScheduleForSemiAnnualPaymentsIncludingDate(far, std::nullopt, *calendar));
+    EXPECT_FALSE(absoluteScheduleForSemiAnnualPaymentsIncludingDate(may, far, *calendar));
+    EXPECT_FALSE(absoluteScheduleForAnnualPaymentsIncludingDate(far, *calendar)) << seconds;
+  }
 }
 
 TEST(PaymentSchedules, MonthsOfQuartersAndHalvesMayBeZero) {

@@ -4,7 +4,6 @@
 #include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
 #include <ORLFoundation/calendar/ORLFCalendarRounding.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
-#include <ORLFoundation/calendar/ORLFUnitSteps.h>
 #include <ORLFoundation/platform/base/CheckedArithmetic.h>
 #include <ORLFoundation/support/diagnostics/ORLFCondition.h>
 #include <ORLFoundation/support/diagnostics/ORLFDebugLog.h>
@@ -16,11 +15,17 @@ namespace {
 
 using internal::base::checkedDifference;
 using internal::base::checkedSum;
-using internal::calendar::moves;
 using Dates = std::vector<NSDate>;
 
 bool earlier(NSDate left, NSDate right) { return left.compare(right) == NSOrderedAscending; }
 bool later(NSDate left, NSDate right) { return left.compare(right) == NSOrderedDescending; }
+
+// Whether steps of the unit lead anywhere: those of a mask, and of what is no unit, do not.
+bool moves(NSCalendarUnit unit) {
+  NSDateComponents step;
+  step.setValueForComponent(1, unit);
+  return step.setUnits() != 0;
+}
 
 bool isPlaced(const NSCalendar& calendar, NSDate date) {
   return calendar.component(NSCalendarUnitDay, date) != NSDateComponentUndefined;

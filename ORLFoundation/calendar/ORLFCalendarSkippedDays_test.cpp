@@ -111,6 +111,26 @@ TEST(OrlfComponents, FirstWeekOfAYearAfterKwajaleinsSkippedDayIsNotBelowOne) {
             1);
 }
 
+// Both sides of the skip may or may not keep daylight saving time: Samoa's clocks stand 23 to 25
+// hours apart. 1 January 2011 was a Saturday; after the skip the weeks from it begin on Sundays,
+// before and after 1 April 2012, when daylight saving time ended.
+TEST(OrlfComponents, FiscalWeeksAfterASkippedDayDoNotDependOnDaylightSavingTime) {
+  const auto calendar = calendarIn("Pacific/Apia");
+  for (const int startMonth : {5, 7, 12}) {
+    const auto weekOn = [&](int month, int day) {
+      return orlfComponents(*calendar, NSCalendarUnitWeekOfYear,
+                            at(*calendar, 2012, month, day, 12), startMonth, 1)
+          .weekOfYear();
+    };
+    const NSInteger first = weekOn(1, 1);
+    EXPECT_EQ(weekOn(1, 7), first) << startMonth;
+    EXPECT_EQ(weekOn(3, 31), first + 12) << startMonth;
+    EXPECT_EQ(weekOn(4, 1), first + 13) << startMonth;
+    EXPECT_EQ(weekOn(4, 7), first + 13) << startMonth;
+    EXPECT_EQ(weekOn(4, 8), first + 14) << startMonth;
+  }
+}
+
 // A second's step from 1900 would take four thousand million steps on the way.
 TEST(OrlfDatesOfEventsRepeating, JumpsToTheRangeFromAFarAnchor) {
   const auto calendar = calendarIn("America/New_York");

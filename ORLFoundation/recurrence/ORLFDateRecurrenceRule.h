@@ -115,10 +115,9 @@ class ORLFDateRecurrenceRule : public NSObject, public NSSecureCoding {
   /// 31 January, 29 February, 31 March; with `exactPatternMatch` it gives only dates that repeat
   /// the start date's pattern: 31 January, 31 March. Other rules give the start date only where it
   /// fits. Ends with the end, the block's flag, 60 periods in a row without a date, or where the
-  /// calendar ends; a simple rule has no other end. A step into a day that the zone skipped gives
-  /// the instant of the next day, and no instant comes twice. With an interval of 0 a simple rule
-  /// gives the start date again and again until something stops it, and a rule with lists gives
-  /// nothing. Runs on the calling thread and allocates nothing per period.
+  /// calendar ends; a simple rule has no other end. With an interval of 0 a simple rule gives the
+  /// start date again and again until something stops it, and a rule with lists gives nothing. Else
+  /// no day's instant comes twice. Runs on the calling thread and allocates nothing per period.
   void enumerateDatesForCalendarStartDate(const EnumerateDatesStartDate& arguments,
                                           ORLFDateRecurrenceBlock usingBlock) const;
   /// `generateDateComponentsFromDate:referenceDate:calendar:backwards:`
@@ -152,8 +151,8 @@ class ORLFDateRecurrenceRule : public NSObject, public NSSecureCoding {
   /// the period's dates pass, and an end answers anew for each of them, so that the block may be
   /// called again after it asked to stop. A period has one date for each pattern that the calendar
   /// can match, one where there is no pattern: where no position reaches any of them, the walk ends
-  /// before it begins. A step that gives the instant of the one before is passed over. With an
-  /// interval of 0 it gives the dates of one period again and again.
+  /// before it begins. A day that the zone skipped is passed over. With an interval of 0 it gives
+  /// the dates of one period again and again.
   void enumerateDatesForCalendarRefernceDate(const EnumerateDatesRefernceDate& arguments,
                                              ORLFDateRecurrenceBlock usingBlock) const;
 

@@ -66,6 +66,23 @@ TEST_F(EnumerationLimits, PassesOverTheDayThatApiaSkipped) {
             (Days{20111130, 20120130}));
 }
 
+TEST_F(EnumerationLimits, GivesTheInstantOfASkippedDayOnce) {
+  const auto apia = calendarIn("Pacific/Apia");
+  const Days forward{20111228, 20111229, 20111231, 20120101};
+  const Days backward{20120101, 20111231, 20111229, 20111228};
+  EXPECT_EQ(daysOf(firstDates(Rule(kDaily, 1), *apia, at(*apia, 2011, 12, 28, 9), 4), *apia),
+            forward);
+  EXPECT_EQ(
+      daysOf(firstDates(Rule(kDaily, 1), *apia, at(*apia, 2012, 1, 1, 9), 4, {.backwards = true}),
+             *apia),
+      backward);
+  const NSDate after = at(*apia, 2011, 12, 31, 9);
+  EXPECT_EQ(daysOf(firstDates(Rule(kDaily, 1), *apia, after, 2), *apia),
+            (Days{20111231, 20120101}));
+  EXPECT_EQ(daysOf(firstDates(Rule(kDaily, 1), *apia, after, 2, {.backwards = true}), *apia),
+            (Days{20111231, 20111229}));
+}
+
 TEST_F(EnumerationLimits, WalksFarYears) {
   const Rule rule(Rule::Recurrence{.frequency = kMonthly, .daysOfTheMonth = {{31}}});
   EXPECT_EQ(days(rule, morning(2199, 12, 31), 2), (Days{21991231, 22000131}));

@@ -1,6 +1,7 @@
 #include <ORLFoundation/interchange/tabular/ORLFTabularRowReader.h>
 
 #include <ORLFoundation/interchange/tabular/internal/ORLFRowParser.h>
+#include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/value/NSException.h>
 
@@ -16,8 +17,9 @@ using namespace internal::tabular;
 constexpr std::size_t kFirstBuffer = std::size_t{256} << 10;
 
 void checkSeparator(char separator) {
-  const bool isASCII = static_cast<unsigned char>(separator) < 0x80;
-  if (isASCII && separator != '"' && lengthOfLineEnd({&separator, 1}) == 0) return;
+  if (internal::base::isASCII(separator) && separator != '"' &&
+      lengthOfLineEnd({&separator, 1}) == 0)
+    return;
   throw NSException(NSInvalidArgumentException, "This character can separate no fields.");
 }
 

@@ -17,13 +17,13 @@
 #include <ORLFoundation/platform/value/NSUUID.h>
 
 #include <concepts>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
 #include <utility>
-#include <variant>
 
 namespace ORLFoundation {
 
@@ -41,61 +41,55 @@ concept NSPlainValue = std::same_as<T, NSNumber> || std::same_as<T, std::string>
 class id {
  public:
   /// nil.
-  id() noexcept = default;
-  // Out of line: every file that names an id would else carry copies of these.
+  id() noexcept;
   id(const id& other);
   id(id&& other) noexcept;
   id& operator=(const id& other);
   id& operator=(id&& other) noexcept;
   ~id();
-  id(std::nullptr_t) noexcept {}
-  id(std::nullopt_t) noexcept {}
+  id(std::nullptr_t) noexcept : id() {}
+  id(std::nullopt_t) noexcept : id() {}
 
   // Implicit, so that plain values stand wherever an object is asked for.
   template <NSPlainValue T>
-  id(T value) : value_(std::move(value)) {}
+  id(T value);
   /// nil for a null pointer.
   id(const char* text);
   id(std::string_view text);
   template <class T>
-  requires std::is_arithmetic_v<T> id(T number) : value_(NSNumber(number)) {}
+  requires std::is_arithmetic_v<T> id(T number) : id(NSNumber(number)) {}
   template <class T>
   requires std::is_enum_v<T> id(T code)
-      : value_(NSNumber(static_cast<std::underlying_type_t<T>>(code))) {}
-  id(const NSDecimal& number) : value_(NSNumber(number)) {}
+      : id(NSNumber(static_cast<std::underlying_type_t<T>>(code))) {}
+  id(const NSDecimal& number) : id(NSNumber(number)) {}
   template <NSDecimalBoxing T>
-  requires(!std::same_as<T, NSNumber>) id(const T& number) : value_(NSNumber(number)) {}
-  id(NSRange range) : value_(NSValue::valueWithRange(range)) {}
-  id(CGPoint point) : value_(NSValue::valueWithPoint(point)) {}
-  id(CGRect rect) : value_(NSValue::valueWithRect(rect)) {}
+  requires(!std::same_as<T, NSNumber>) id(const T& number) : id(NSNumber(number)) {}
+  id(NSRange range) : id(NSValue::valueWithRange(range)) {}
+  id(CGPoint point) : id(NSValue::valueWithPoint(point)) {}
+  id(CGRect rect) : id(NSValue::valueWithRect(rect)) {}
   /// nil for an empty optional.
   template <class T>
-  id(const std::optional<T>& value) {
+  id(const std::optional<T>& value) : id() {
     if (value) *this = id(*value);
   }
   /// nil for a null pointer.
   template <class T>
-  requires NSObjectClass<T> id(std::shared_ptr<T> object) { hold(std::move(object)); }
+  requires NSObjectClass<T> id(std::shared_ptr<T> object) : id() { hold(std::move(object)); }
   /// A constant object is held like any other; `id` itself changes nothing in it.
   template <class T>
   requires NSObjectClass<T> id(std::shared_ptr<const T> object)
       : id(std::const_pointer_cast<T>(std::move(object))) {}
 
-  [[nodiscard]] bool isNil() const noexcept { return value_.index() == 0; }
+  [[nodiscard]] bool isNil() const noexcept;
   /// true for the marker `NSNull`, not for nil.
-  [[nodiscard]] bool isNull() const noexcept { return std::holds_alternative<NSNull>(value_); }
+  [[nodiscard]] bool isNull() const noexcept { return get<NSNull>() != nullptr; }
   [[nodiscard]] explicit operator bool() const noexcept { return !isNil(); }
 
   /// The plain value in place, null when it is of another kind.
   template <NSPlainValue T>
-  [[nodiscard]] const T* get() const noexcept {
-    return std::get_if<T>(&value_);
-  }
+  [[nodiscard]] const T* get() const noexcept;
   /// The object, null for plain values and nil.
-  [[nodiscard]] std::shared_ptr<NSObject> object() const {
-    const auto* held = std::get_if<std::shared_ptr<NSObject>>(&value_);
-    return held ? *held : nullptr;
-  }
+  [[nodiscard]] std::shared_ptr<NSObject> object() const;
 
   /// The value as a T: a shared pointer for classes, an optional for plain values. C++ numbers,
   /// enumerations and decimals convert from any kind of number as `NSNumber` tells. Nothing
@@ -138,9 +132,13 @@ class id {
   template <class T>
   [[nodiscard]] std::optional<T> plainValue() const;
 
-  std::variant<std::monostate, NSNull, NSNumber, std::string, NSDate, NSData, NSURL, NSUUID,
-               NSValue, std::shared_ptr<NSObject>>
-      value_;
+  // A variant of all kinds, which only the source of this class names: every file that includes
+  // this header would else spend its time on it.
+  struct Stored;
+  [[nodiscard]] Stored& stored() noexcept;
+  [[nodiscard]] const Stored& stored() const noexcept;
+
+  alignas(void*) std::byte bytes_[184];
 };
 
 template <class T>

@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/object/NSString.h>
 
+#include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/object/NSObject.h>
 #include <ORLFoundation/platform/object/internal/DescriptionText.h>
 
@@ -73,7 +74,7 @@ class ConversionReader {
 
  private:
   [[nodiscard]] char peek() const { return at_ < text_.size() ? text_[at_] : '\0'; }
-  [[nodiscard]] bool isDigit() const { return peek() >= '0' && peek() <= '9'; }
+  [[nodiscard]] bool isDigit() const { return internal::base::isDigit(peek()); }
 
   std::optional<int> readNumber() {
     if (!isDigit()) return std::nullopt;

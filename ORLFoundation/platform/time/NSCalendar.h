@@ -138,9 +138,9 @@ class NSCalendar : public NSObject {
   [[nodiscard]] bool date(NSDate date, const NSDateComponents& matchesComponents) const noexcept;
   /// `nextDateAfterDate:matchingComponents:options:`  The nearest date after the given one (before
   /// it with `NSCalendarSearchBackwards`) that matches, at the start of the smallest unit named: a
-  /// month alone at its first day, a week alone at its first day, else the start of the day or of
-  /// the named time. nil when 400 years hold no match. A time left out by a clock change matches
-  /// nothing; with `NSCalendarMatchNextTime` the change stands for it.
+  /// month or week alone at its first day, else the start of the day or of the time. nil when 400
+  /// years hold no match; calendars beyond Gregorian and ISO 8601 search 61, from a named year on.
+  /// A time that a clock change leaves out matches by `NSCalendarMatchNextTime` alone.
   [[nodiscard]] std::optional<NSDate> nextDateAfterDate(NSDate date,
                                                         const NSDateComponents& matchingComponents,
                                                         NSUInteger options) const noexcept {

@@ -68,6 +68,43 @@ TEST(OtherCalendarsOf, ShowAndResolveKnownDates) {
   }
 }
 
+struct NamedYear {
+  std::string_view identifier;
+  NSInteger year;
+  const char* date;  // the 3rd day of the 2nd month
+};
+// Farther from 2023 than one walk goes; no era is named.
+constexpr NamedYear kNamedYears[] = {
+    {NSCalendarIdentifierBuddhist, 2700, "2157-02-03"},
+    {NSCalendarIdentifierBuddhist, 2400, "1857-02-03"},
+    {NSCalendarIdentifierCoptic, 1900, "2183-10-15"},
+    {NSCalendarIdentifierHebrew, 5990, "2229-10-21"},
+    {NSCalendarIdentifierHebrew, 5600, "1839-10-11"},
+    {NSCalendarIdentifierPersian, 1540, "2161-04-22"},
+    {NSCalendarIdentifierJapanese, 120, "2138-02-03"},
+    {NSCalendarIdentifierRepublicOfChina, 250, "2161-02-03"},
+};
+
+TEST(OtherCalendarsOf, SearchGoesToANamedYearInBothDirections) {
+  constexpr NSUInteger kBackwards = NSCalendarMatchStrictly | NSCalendarSearchBackwards;
+  const NSDate origin = date("2023-11-14T22:13:20Z");
+  for (const NamedYear& row : kNamedYears) {
+    const auto calendar = otherIn(row.identifier, "UTC");
+    const NSDate wanted = date((std::string(row.date) + "T00:00:00Z").c_str());
+    NSDateComponents fields;
+    fields.setYear(row.year);
+    fields.setMonth(2);
+    fields.setDay(3);
+    const bool isBefore = wanted.compare(origin) == NSOrderedAscending;
+    const NSUInteger toward = isBefore ? kBackwards : NSUInteger{NSCalendarMatchStrictly};
+    const NSUInteger away = isBefore ? NSUInteger{NSCalendarMatchStrictly} : kBackwards;
+    EXPECT_EQ(calendar->nextDateAfterDate(origin, fields, toward), wanted)
+        << row.identifier << ' ' << row.year;
+    EXPECT_EQ(calendar->nextDateAfterDate(origin, fields, away), std::nullopt)
+        << row.identifier << ' ' << row.year;
+  }
+}
+
 class OtherCalendars : public testing::TestWithParam<std::string_view> {
  protected:
   // ICU's own calendar of the kind, in GMT, standing at the local time of the date.

@@ -2,7 +2,6 @@
 #include <ORLFoundation/recurrence/internal/ORLFDateWalk.h>
 
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
-#include <ORLFoundation/calendar/ORLFUnitSteps.h>
 #include <ORLFoundation/platform/base/CheckedArithmetic.h>
 #include <ORLFoundation/recurrence/ORLFFrequencyFacts.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
@@ -32,7 +31,6 @@ ORLFDateWalk::ORLFDateWalk(const ORLFDateRecurrenceRule& rule,
       unit_(steppingUnitOf(rule.frequency())),
       step_(stepOf(rule, arguments.backwards)),
       simple_(rule.isSimpleRecurrence()),
-      moves_(rule.interval() != 0 && calendar::moves(unit_)),
       civil_(paths == Paths::kAll ? ORLFCivilWindows::forRule(rule, arguments) : std::nullopt),
       expansion_(rule, arguments.startDate, &arguments.calendar),
       current_(arguments.startDate) {}
@@ -45,7 +43,6 @@ NSUInteger ORLFDateWalk::run() {
     emptiness = window_.empty() ? emptiness + kEmptinessOfPeriod : 0;
     deliver();
     if (emptiness >= kEmptinessLimit || !next) break;
-    repeats_ = moves_ && *next == current_;
     current_ = *next;
   }
   return static_cast<NSUInteger>(index);
@@ -70,12 +67,18 @@ std::optional<NSDate> ORLFDateWalk::endOfWindow(NSInteger index) const noexcept 
   return arguments_.calendar.dateByAddingUnit(unit_, *units, arguments_.startDate, 0);
 }
 
+/// A day that the zone skipped has the instant of the day after it, and the window between both is
+/// empty. With an interval of 0 every window is, and the rule stands still.
+bool ORLFDateWalk::isPassedOver(std::optional<NSDate> next) const noexcept {
+  return unit_ == NSCalendarUnitDay && step_ != 0 && next == current_;
+}
+
 /// A window holds its near end and not its far end. Neither end need sit on a boundary of the
 /// calendar, so both ends' patterns give candidates.
 void ORLFDateWalk::collectWindow(std::optional<NSDate> next) {
   window_.clear();
   if (simple_) {
-    if (!repeats_) window_.push_back(current_);
+    if (!isPassedOver(next)) window_.assign(1, current_);
     return;
   }
   if (!next) return;

@@ -35,6 +35,7 @@ class ORLFDateWalk {
   [[nodiscard]] std::optional<NSDate> endOfWindow(NSInteger index) const noexcept;
   [[nodiscard]] std::optional<NSDate> collectNextWindow(NSInteger index);
   void collectWindow(std::optional<NSDate> next);
+  [[nodiscard]] bool isPassedOver(std::optional<NSDate> next) const noexcept;
   void resolvePatterns(NSDate date, PeriodDates& into);
   void keepDatesInWindow(const Dates& dates, NSDate next);
   void deliver();
@@ -44,7 +45,6 @@ class ORLFDateWalk {
   NSCalendarUnit unit_;
   std::optional<NSInteger> step_;
   bool simple_;
-  bool moves_;
 
   std::optional<ORLFCivilWindows> civil_;
   ORLFPatternExpansion expansion_;
@@ -52,9 +52,6 @@ class ORLFDateWalk {
   PeriodDates ofNext_;
   Dates window_;
   NSDate current_;
-  /// The window begins with the instant of the one before: a step into a day that the zone skipped
-  /// gives the day after it.
-  bool repeats_ = false;
   NSUInteger delivered_ = 0;
   bool stop_ = false;
 };

@@ -2,7 +2,6 @@
 #include <ORLFoundation/recurrence/internal/ORLFOlderWalk.h>
 
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
-#include <ORLFoundation/calendar/ORLFUnitSteps.h>
 #include <ORLFoundation/platform/base/CheckedArithmetic.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 #include <ORLFoundation/recurrence/ORLFFrequencyFacts.h>
@@ -39,13 +38,13 @@ void ORLFOlderWalk::run() {
   const std::optional<NSDate> start = base();
   if (!start || !canPickFrom(*start)) return;
   const bool standsStill = rule_.interval() == 0;
-  const bool moves = !standsStill && calendar::moves(unit_);
+  const bool mayRepeat = !standsStill && unit_ == NSCalendarUnitDay;
   std::optional<NSDate> last;
   for (NSInteger number = 0; !stop_; ++number) {
     const std::optional<NSDate> period = dateOfPeriod(*start, number);
     if (!period) return;
-    // A step into a day that the zone skipped gives the day after it.
-    if (moves && period == last) continue;
+    // A day that the zone skipped has the instant of the day after it.
+    if (mayRepeat && period == last) continue;
     last = period;
     collectPeriod(*period);
     if (dates_.empty()) return;

@@ -1,8 +1,11 @@
 #include "chart/svg_writer.h"
 
+#include <ORLFoundation/platform/base/Hexadecimal.h>
+
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <string_view>
 
 namespace orlftool {
@@ -41,12 +44,10 @@ std::string numberText(double number) {
 }
 
 std::string colorText(Color color) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
   std::string text = "#";
   for (const double part : {color.red, color.green, color.blue}) {
-    const auto byte = static_cast<unsigned>(std::lround(part * 255));
-    text += kDigits[byte >> 4U];
-    text += kDigits[byte & 15U];
+    const auto byte = static_cast<std::uint8_t>(std::lround(part * 255));
+    ORLFoundation::internal::base::appendHexByte(text, byte);
   }
   return text;
 }

@@ -1,10 +1,11 @@
 #include "values/date_text.h"
 
 #include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/CivilDays.h>
 
 #include <array>
-#include <chrono>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 
@@ -16,7 +17,7 @@ namespace {
 using namespace ORLFoundation;
 using internal::base::isDigit;
 
-constexpr NSInteger kSecondsPerDay = 86400;
+using internal::base::civil::kSecondsPerDay;
 
 /// What the text says, before it is placed in a zone.
 struct DateFields {
@@ -93,13 +94,10 @@ bool readOffset(Scanner& scanner, DateFields& fields) {
 }
 
 bool isReal(const DateFields& fields) {
-  using namespace std::chrono;
   if (fields.year < 1 || fields.month < 1 || fields.month > 12 || fields.day < 1) return false;
-  // Years repeat their shape every 400; the standard's calendar holds 16 bits of them.
-  const year shape{static_cast<int>(fields.year % 400 + 2000)};
-  const year_month_day_last last{shape, month_day_last{month{static_cast<unsigned>(fields.month)}}};
-  return fields.day <= static_cast<NSInteger>(static_cast<unsigned>(last.day())) &&
-         fields.hour < 24 && fields.minute < 60 && fields.second < 60;
+  const auto last = internal::base::civil::daysInMonth(static_cast<std::int32_t>(fields.year),
+                                                       static_cast<std::int32_t>(fields.month));
+  return fields.day <= last && fields.hour < 24 && fields.minute < 60 && fields.second < 60;
 }
 
 std::optional<DateFields> readFields(std::string_view text) {
@@ -116,13 +114,9 @@ std::optional<DateFields> readFields(std::string_view text) {
 
 /// Days from 1970-01-01 to a day of the Gregorian calendar.
 NSInteger daysFromCivil(const DateFields& fields) {
-  using namespace std::chrono;
-  constexpr NSInteger kDaysPerCycle = 146097;
-  const NSInteger cycle = fields.year / 400;
-  const year_month_day shape{year{static_cast<int>(fields.year % 400 + 2000)},
-                             month{static_cast<unsigned>(fields.month)},
-                             day{static_cast<unsigned>(fields.day)}};
-  return sys_days{shape}.time_since_epoch().count() + (cycle - 5) * kDaysPerCycle;
+  return internal::base::civil::dayFromDate(static_cast<std::int32_t>(fields.year),
+                                            static_cast<std::int32_t>(fields.month),
+                                            static_cast<std::int32_t>(fields.day));
 }
 
 std::string offsetText(NSInteger offset) {

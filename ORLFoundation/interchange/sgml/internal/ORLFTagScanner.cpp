@@ -1,5 +1,6 @@
 #include <ORLFoundation/interchange/sgml/internal/ORLFTagScanner.h>
 
+#include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/text/NSCharacterSet.h>
 
@@ -17,12 +18,10 @@ constexpr std::array<bool, 128> blanksOfASCII() {
 }
 constexpr std::array<bool, 128> kBlanks = blanksOfASCII();
 
-bool isASCIICharacter(char c) noexcept { return static_cast<unsigned char>(c) < 0x80; }
-
 /// The length of the white space or line end at a place, 0 for anything else.
 std::size_t lengthOfBlank(std::string_view text, std::size_t at) {
   static const NSCharacterSet& blanks = *NSCharacterSet::whitespaceAndNewlineCharacterSet();
-  if (isASCIICharacter(text[at])) return kBlanks[static_cast<unsigned char>(text[at])] ? 1 : 0;
+  if (isASCII(text[at])) return kBlanks[static_cast<unsigned char>(text[at])] ? 1 : 0;
   const UTF8Character character = firstUTF8Character(text.substr(at));
   return blanks.longCharacterIsMember(character.codePoint) ? character.length : 0;
 }

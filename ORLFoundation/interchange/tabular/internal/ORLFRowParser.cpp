@@ -1,5 +1,7 @@
 #include <ORLFoundation/interchange/tabular/internal/ORLFRowParser.h>
 
+#include <ORLFoundation/platform/base/ASCII.h>
+
 #include <algorithm>
 #include <array>
 
@@ -21,8 +23,6 @@ std::size_t lengthOfOneOf(std::span<const std::string_view> characters, std::str
   return found == characters.end() ? 0 : found->size();
 }
 
-bool isBeyondASCII(char c) noexcept { return static_cast<unsigned char>(c) >= 0x80; }
-
 /// Lines that a run of line ends closes: CR LF closes one.
 std::uint64_t linesClosedBy(std::string_view lineEnds) {
   std::uint64_t lines = 0;
@@ -36,14 +36,14 @@ std::uint64_t linesClosedBy(std::string_view lineEnds) {
 std::size_t lengthOfLineEnd(std::string_view text) noexcept {
   if (text.empty()) return 0;
   const char first = text.front();
-  if (isBeyondASCII(first)) return lengthOfOneOf(kLineEnds, text);
+  if (!base::isASCII(first)) return lengthOfOneOf(kLineEnds, text);
   return first >= '\n' && first <= '\r' ? 1 : 0;
 }
 
 std::size_t lengthOfWhitespace(std::string_view text) noexcept {
   if (text.empty()) return 0;
   const char first = text.front();
-  if (isBeyondASCII(first)) return lengthOfOneOf(kWhitespace, text);
+  if (!base::isASCII(first)) return lengthOfOneOf(kWhitespace, text);
   return first == ' ' || first == '\t' ? 1 : 0;
 }
 
@@ -135,7 +135,7 @@ ORLFRowParser::Step ORLFRowParser::passSeparator() {
 bool ORLFRowParser::mayBeCutOff() const noexcept {
   constexpr std::size_t kLongest = 3;
   const std::string_view rest = ahead();
-  return !isLast_ && (rest.empty() || (rest.size() < kLongest && isBeyondASCII(rest.front())));
+  return !isLast_ && (rest.empty() || (rest.size() < kLongest && !base::isASCII(rest.front())));
 }
 
 void ORLFRowParser::append(std::string_view piece) {

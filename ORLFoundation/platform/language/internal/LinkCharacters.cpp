@@ -111,8 +111,8 @@ bool hasTopLevelDomain(std::string_view host) {
   constexpr std::string_view kEncoded = "xn--";
   const std::string_view label = lastLabel(host);
   if (base::equalsLower(label.substr(0, kEncoded.size()), kEncoded)) return true;
-  const bool hasOther = std::any_of(label.begin(), label.end(),
-                                    [](char c) { return (c >= '0' && c <= '9') || c == '-'; });
+  const bool hasOther =
+      std::any_of(label.begin(), label.end(), [](char c) { return base::isDigit(c) || c == '-'; });
   return lettersOf(label) >= 2 && !hasOther;
 }
 

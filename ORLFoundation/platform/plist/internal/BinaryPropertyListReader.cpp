@@ -246,8 +246,7 @@ class Reader {
 PropertyListTable readBinaryPropertyList(std::span<const std::uint8_t> bytes) {
   const std::string_view start(reinterpret_cast<const char*>(bytes.data()),
                                std::min<std::size_t>(bytes.size(), kHeaderSize));
-  require(start.size() == kHeaderSize && start.starts_with(kHeader) && start.back() >= '0' &&
-              start.back() <= '9',
+  require(start.size() == kHeaderSize && start.starts_with(kHeader) && base::isDigit(start.back()),
           "The list does not begin as a binary one.");
   return Reader(bytes).read();
 }

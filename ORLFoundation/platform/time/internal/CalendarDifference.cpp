@@ -89,6 +89,12 @@ std::int64_t nanosecondsBetween(Instant from, Instant to) noexcept {
   return static_cast<std::int64_t>(std::clamp(count, -kLimit, kLimit));
 }
 
+// Daylight saving time on one side alone makes the change of a skipped day 23 or 25 hours.
+std::int64_t nearestWholeDays(std::int64_t seconds) noexcept {
+  return civil::floorDivide(seconds + civil::kSecondsPerDay / 2, civil::kSecondsPerDay) *
+         civil::kSecondsPerDay;
+}
+
 std::int64_t countSteps(const CalendarRules& rules, const Step& step, Instant& from,
                         Instant to) noexcept {
   if (step.kind == StepKind::kNanoseconds) return nanosecondsBetween(from, to);
@@ -122,8 +128,7 @@ NSDateComponents differenceOfInstants(const CalendarRules& rules, NSUInteger mas
 NSDateComponents differenceInDaysThatWere(const CalendarRules& rules, NSUInteger mask, Instant from,
                                           Instant to) noexcept {
   const std::int64_t offset = rules.zone->offsetAt(from.seconds);
-  const std::int64_t leftOut =
-      (rules.zone->offsetAt(to.seconds) - offset) / civil::kSecondsPerDay * civil::kSecondsPerDay;
+  const std::int64_t leftOut = nearestWholeDays(rules.zone->offsetAt(to.seconds) - offset);
   if (leftOut == 0) return differenceOfInstants(rules, mask, from, to);
   // Both local times on one clock that leaves no day out.
   static const std::shared_ptr<const ZoneTable> steadyClock = ZoneTable::fixed(0);

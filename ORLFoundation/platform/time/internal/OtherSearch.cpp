@@ -6,12 +6,15 @@
 #include <ORLFoundation/platform/time/internal/OtherDays.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace ORLFoundation::internal::time {
 namespace {
 
 // A year's number comes again after 60 years at most where its cycle is not told.
 constexpr int kMonthsToWalk = 61 * 13;
+// 400 years: a year that is farther away is not gone to.
+constexpr std::int32_t kDaysToSearch = 146'097;
 
 constexpr NSUInteger kMonthGrains =
     NSCalendarUnitEra | NSCalendarUnitYear | NSCalendarUnitQuarter | NSCalendarUnitMonth;
@@ -66,9 +69,11 @@ class OtherPattern {
   OtherDays days_;
 };
 
-// The day to begin with: that of the origin, or an edge of the wanted year where that lies beyond.
-std::int32_t firstDayToTry(OtherDays& days, const NSDateComponents& fields, std::int32_t origin,
-                           bool backward) {
+// Where the wanted year begins: the edge of it that a walk reaches first; the origin's day where no
+// year is wanted and where the walk is in it already. A year without its era is that of the era
+// that the calendar takes for a missing one.
+std::int32_t edgeOfYear(OtherDays& days, const NSDateComponents& fields, std::int32_t origin,
+                        bool backward) {
   constexpr std::int32_t kLongYear = 400;
   constexpr NSInteger kMaxYear = 20'000;
   const bool byWeeks = fields.year() == NSDateComponentUndefined;
@@ -76,9 +81,12 @@ std::int32_t firstDayToTry(OtherDays& days, const NSDateComponents& fields, std:
   if (year < -kMaxYear || year > kMaxYear) return origin;
   const std::int32_t first = byWeeks ? days.firstOfWeekYear(static_cast<std::int32_t>(year))
                                      : days.firstOfMonth(fields, 1);
-  // A year without its era may be one of several: the walk is to meet the nearest.
-  if (!byWeeks && fields.era() == NSDateComponentUndefined) return origin;
   return backward ? std::min(origin, first + kLongYear) : std::max(origin, first - 1);
+}
+
+// A year without its era may be one of several, of which the walk is to meet the nearest.
+bool isOfAnyEra(const NSDateComponents& fields) {
+  return fields.year() != NSDateComponentUndefined && fields.era() == NSDateComponentUndefined;
 }
 
 }  // namespace
@@ -104,19 +112,25 @@ Instant OtherCalendar::nearestMatch(const CalendarRules& rules, const NSDateComp
   // A clock change can show the next day before the origin's own, and the reverse.
   const std::int32_t origin = localDayTime(rules, from.seconds).day - onward;
   if (!OtherDays::isInRange(origin)) return Instant::none();
-  std::int32_t day = firstDayToTry(pattern.days(), fields, origin, backward);
-  for (int months = 0; months < kMonthsToWalk && OtherDays::isInRange(day); ++months) {
-    const DayRange month = daysAround(pattern.days(), NSCalendarUnitMonth, day);
-    if (!pattern.days().isGood()) break;
-    const bool monthMatches = pattern.matches(day, kMonthGrains);
-    for (; monthMatches && day >= month.begin && day < month.end; day += onward) {
-      if (!pattern.matches(day, kDayGrains) || !pattern.begins(day)) continue;
-      const Instant found = nearestTimeOfDay(rules, fields, day, from, backward, strict);
-      if (found.exists()) return found;
+  const auto walkFrom = [&](std::int32_t day) {
+    for (int months = 0; months < kMonthsToWalk && OtherDays::isInRange(day); ++months) {
+      const DayRange month = daysAround(pattern.days(), NSCalendarUnitMonth, day);
+      if (!pattern.days().isGood()) break;
+      const bool monthMatches = pattern.matches(day, kMonthGrains);
+      for (; monthMatches && day >= month.begin && day < month.end; day += onward) {
+        if (!pattern.matches(day, kDayGrains) || !pattern.begins(day)) continue;
+        const Instant found = nearestTimeOfDay(rules, fields, day, from, backward, strict);
+        if (found.exists()) return found;
+      }
+      day = backward ? month.begin - 1 : month.end;
     }
-    day = backward ? month.begin - 1 : month.end;
-  }
-  return Instant::none();
+    return Instant::none();
+  };
+  const std::int32_t edge = edgeOfYear(pattern.days(), fields, origin, backward);
+  if (!isOfAnyEra(fields)) return walkFrom(edge);
+  const Instant near = walkFrom(origin);
+  const bool isFarther = edge != origin && std::abs(edge - origin) < kDaysToSearch;
+  return near.exists() || !isFarther ? near : walkFrom(edge);
 }
 
 Instant OtherCalendar::instantBySettingUnit(const CalendarRules& rules, NSCalendarUnit unit,

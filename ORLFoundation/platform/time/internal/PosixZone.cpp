@@ -1,9 +1,9 @@
 #include <ORLFoundation/platform/time/internal/PosixZone.h>
 
+#include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/base/CivilDays.h>
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <optional>
 #include <utility>
@@ -55,8 +55,7 @@ struct Reader {
   std::int32_t number(std::int32_t least, std::int32_t most) noexcept {
     std::int32_t value = 0;
     const auto [stop, error] = std::from_chars(rest.data(), rest.data() + rest.size(), value);
-    const bool startsWithDigit =
-        !rest.empty() && std::isdigit(static_cast<unsigned char>(rest[0])) != 0;
+    const bool startsWithDigit = !rest.empty() && base::isDigit(rest[0]);
     if (!startsWithDigit || error != std::errc() || value < least || value > most) {
       failed = true;
       return least;
@@ -107,9 +106,7 @@ struct Reader {
 
  private:
   static bool isNameCharacter(char c, bool quoted) noexcept {
-    const auto byte = static_cast<unsigned char>(c);
-    if (std::isalpha(byte) != 0) return true;
-    return quoted && (std::isdigit(byte) != 0 || c == '+' || c == '-');
+    return base::isLetter(c) || (quoted && (base::isDigit(c) || c == '+' || c == '-'));
   }
 };
 

@@ -2,6 +2,8 @@
 
 #include <ORLFoundation/platform/types/internal/MIMEDatabase.h>
 
+#include <ORLFoundation/platform/base/ASCII.h>
+
 #include <algorithm>
 #include <charconv>
 #include <fstream>
@@ -40,13 +42,6 @@ std::pair<std::string, std::string> twoWords(std::string_view line) {
   const std::size_t blank = line.find(' ');
   if (blank == line.npos || blank == 0 || blank + 1 == line.size()) return {};
   return {std::string(line.substr(0, blank)), std::string(line.substr(blank + 1))};
-}
-
-std::string lowerCase(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  return lower;
 }
 
 std::vector<std::string> listIn(const auto& lists, std::string_view name) {
@@ -100,7 +95,7 @@ void MIMEDatabase::addGlob(std::string_view line,
   names_.insert(mimeType);
   if (!glob.starts_with("*.") || glob.size() == 2 || glob.find_first_of("*?[", 1) != glob.npos)
     return;
-  const std::string extension = lowerCase(glob.substr(2));
+  const std::string extension = base::lowerASCII(glob.substr(2));
   addOnce(extensions_[mimeType], extension);
   const auto [place, isNew] = matches.try_emplace(extension, Match{weight, mimeType});
   if (!isNew && place->second.weight < weight) place->second = {weight, mimeType};
