@@ -37,7 +37,8 @@ const ValueCase kValues[] = {
     {"SecondsInAnHour", NSCalendarUnitSecond, NSCalendarUnitHour, 3600},
     {"NanosecondsHaveNoLength", NSCalendarUnitNanosecond, NSCalendarUnitYear, 0},
     {"WeekdaysHaveNoLength", NSCalendarUnitWeekdayOrdinal, NSCalendarUnitYear, 0},
-    {"MasksHaveNoLength", static_cast<NSCalendarUnit>(28), NSCalendarUnitYear, 0},
+    {"MasksHaveNoLength", NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay,
+     NSCalendarUnitYear, 0},
 };
 
 TEST(OrlfMaximumValueOfUnit, DividesLengths) {

@@ -184,7 +184,7 @@ TEST(OrlfDatesOfEventsRepeating, StepsThatDoNotMoveEnd) {
   EXPECT_EQ(texts(*orlfDatesOfEventsRepeatingWithUnit(utcCalendar(), events)), Texts{"2024-01-15"});
   ORLFRepeatingEvents noUnit = events;
   noUnit.multiplier = 1;
-  noUnit.unit = static_cast<NSCalendarUnit>(28);
+  noUnit.unit = NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay;
   EXPECT_EQ(texts(*orlfDatesOfEventsRepeatingWithUnit(utcCalendar(), noUnit)), Texts{"2024-01-15"});
   ORLFRepeatingEvents extreme = events;
   extreme.multiplier = NSIntegerMin;
