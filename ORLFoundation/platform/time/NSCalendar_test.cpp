@@ -347,16 +347,16 @@ TEST(NSCalendar, CountsUnitsBetweenDates) {
 }
 
 const DifferenceCase kWrappingDifferenceCases[] = {
-    {"DaysLeaveOutTheSkippedOne", "Pacific/Apia", 16, "2011-12-29T20:00:00Z",
+    {"DaysLeaveOutTheSkippedOne", "Pacific/Apia", NSCalendarUnitDay, "2011-12-29T20:00:00Z",
      "2011-12-30T20:00:00Z", "day=1"},
-    {"DaysBackLeaveItOutToo", "Pacific/Apia", 16, "2011-12-30T20:00:00Z", "2011-12-29T20:00:00Z",
-     "day=-1"},
-    {"WeeksLeaveItOut", "Pacific/Apia", 8192, "2011-01-01T10:00:00Z", "2011-12-30T13:00:00Z",
-     "weekOfYear=51"},
-    {"MonthsDoNot", "Pacific/Apia", 24, "2011-11-30T20:00:00Z", "2011-12-30T20:00:00Z",
-     "month=1 day=0"},
-    {"ClockChangesOfAnHourMakeNoDifference", "America/New_York", 8192, "2020-01-01T05:00:00Z",
-     "2020-07-01T04:00:00Z", "weekOfYear=26"},
+    {"DaysBackLeaveItOutToo", "Pacific/Apia", NSCalendarUnitDay, "2011-12-30T20:00:00Z",
+     "2011-12-29T20:00:00Z", "day=-1"},
+    {"WeeksLeaveItOut", "Pacific/Apia", NSCalendarUnitWeekOfYear, "2011-01-01T10:00:00Z",
+     "2011-12-30T13:00:00Z", "weekOfYear=51"},
+    {"MonthsDoNot", "Pacific/Apia", NSCalendarUnitMonth | NSCalendarUnitDay, "2011-11-30T20:00:00Z",
+     "2011-12-30T20:00:00Z", "month=1 day=0"},
+    {"ClockChangesOfAnHourMakeNoDifference", "America/New_York", NSCalendarUnitWeekOfYear,
+     "2020-01-01T05:00:00Z", "2020-07-01T04:00:00Z", "weekOfYear=26"},
 };
 
 TEST(NSCalendar, CountsOnlyDaysThatThereWereWhenWrapping) {
