@@ -4,9 +4,10 @@
 #include <ORLFoundation/amortization/net_present_value.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber_testing.h>
 #include <ORLFoundation/platform/object/NSArray.h>
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>
+#include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
-#include <tests/support/VectorCodec.h>
 #include <tests/support/VectorFile.h>
 
 #include <algorithm>

@@ -3,9 +3,9 @@
 #include <ORLFoundation/amortization/ORLFAmortizationPlan_testing.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/object/NSKeyValueObserving.h>
+#include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <tests/support/VectorCodec.h>
 
 namespace orlftest {
 namespace {

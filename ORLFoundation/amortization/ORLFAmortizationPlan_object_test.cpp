@@ -4,10 +4,10 @@
 #include <ORLFoundation/amortization/ORLFAmortizationPlan_testing.h>
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/object/NSArray.h>
+#include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <ORLFoundation/platform/value/NSException_testing.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <tests/support/VectorCodec.h>
 
 namespace orlftest {
 namespace {

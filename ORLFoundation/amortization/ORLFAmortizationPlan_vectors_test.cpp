@@ -1,9 +1,10 @@
 // Segments and plans against recorded answers.
 
 #include <ORLFoundation/amortization/ORLFAmortizationPlan_testing.h>
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>
+#include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <tests/support/VectorCodec.h>
 #include <tests/support/VectorFile.h>
 
 #include <functional>

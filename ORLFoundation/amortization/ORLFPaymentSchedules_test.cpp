@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/amortization/ORLFPaymentSchedules.h>
 
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule_testing.h>
 #include <gtest/gtest.h>
 

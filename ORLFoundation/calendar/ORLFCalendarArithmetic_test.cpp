@@ -21,23 +21,23 @@ struct IntervalCase {
   NSInteger interval;  // from 2024-01-31 to 2025-03-01
 };
 constexpr IntervalCase kIntervals[] = {
-    {"Era", 2, 0},
-    {"Year", 4, 1},
-    {"Month", 8, 13},
-    {"Day", 16, 395},
-    {"Hour", 32, 9480},
-    {"Minute", 64, 568800},
-    {"Second", 128, 34128000},
-    {"TheRetiredWeek", 256, 56},
-    {"WeekdayCountsDays", 512, 395},
-    {"WeekdayOrdinalCountsWeeks", 1024, 56},
-    {"QuarterStepsAtBoundaries", 2048, 4},
-    {"WeekOfMonthCountsWeeks", 4096, 56},
-    {"WeekOfYear", 8192, 56},
-    {"YearForWeekOfYearCountsYears", 16384, 1},
-    {"NanosecondIsNoUnitOfIt", 32768, 0},
+    {"Era", NSCalendarUnitEra, 0},
+    {"Year", NSCalendarUnitYear, 1},
+    {"Month", NSCalendarUnitMonth, 13},
+    {"Day", NSCalendarUnitDay, 395},
+    {"Hour", NSCalendarUnitHour, 9480},
+    {"Minute", NSCalendarUnitMinute, 568800},
+    {"Second", NSCalendarUnitSecond, 34128000},
+    {"TheRetiredWeek", NSCalendarUnitWeek, 56},
+    {"WeekdayCountsDays", NSCalendarUnitWeekday, 395},
+    {"WeekdayOrdinalCountsWeeks", NSCalendarUnitWeekdayOrdinal, 56},
+    {"QuarterStepsAtBoundaries", NSCalendarUnitQuarter, 4},
+    {"WeekOfMonthCountsWeeks", NSCalendarUnitWeekOfMonth, 56},
+    {"WeekOfYear", NSCalendarUnitWeekOfYear, 56},
+    {"YearForWeekOfYearCountsYears", NSCalendarUnitYearForWeekOfYear, 1},
+    {"NanosecondIsNoUnitOfIt", NSCalendarUnitNanosecond, 0},
     {"Nothing", 0, 0},
-    {"AMask", 24, 0},
+    {"AMask", NSCalendarUnitMonth | NSCalendarUnitDay, 0},
 };
 
 TEST(ORLFCalendarArithmetic, CountsWholeUnits) {
@@ -53,7 +53,7 @@ TEST(ORLFCalendarArithmetic, CountsWholeUnits) {
 TEST(ORLFCalendarArithmetic, CountsNothingBetweenDatesThatNoCalendarPlaces) {
   const auto calendar = calendarIn("UTC");
   const NSDate never = NSDate::dateWithTimeIntervalSinceReferenceDate(kNever);
-  for (NSUInteger unit = 2; unit <= 32768; unit <<= 1)
+  for (NSUInteger unit = NSCalendarUnitEra; unit <= NSCalendarUnitNanosecond; unit <<= 1)
     EXPECT_EQ(
         orlfIntervalInCalendarUnit(*calendar, static_cast<NSCalendarUnit>(unit), never, NSDate()),
         0);
@@ -145,16 +145,16 @@ struct AddingCase {
   int to[3];  // from 2024-01-31
 };
 constexpr AddingCase kAddings[] = {
-    {"MonthClamps", 1, 8, {2024, 2, 29}},
-    {"QuarterIsThreeMonths", 1, 2048, {2024, 4, 30}},
-    {"QuarterBackward", -1, 2048, {2023, 10, 31}},
-    {"TheRetiredWeek", 2, 256, {2024, 2, 14}},
-    {"WeekOfYear", 2, 8192, {2024, 2, 14}},
-    {"WeekdayOrdinalIsAWeek", 1, 1024, {2024, 2, 7}},
-    {"Year", 1, 4, {2025, 1, 31}},
+    {"MonthClamps", 1, NSCalendarUnitMonth, {2024, 2, 29}},
+    {"QuarterIsThreeMonths", 1, NSCalendarUnitQuarter, {2024, 4, 30}},
+    {"QuarterBackward", -1, NSCalendarUnitQuarter, {2023, 10, 31}},
+    {"TheRetiredWeek", 2, NSCalendarUnitWeek, {2024, 2, 14}},
+    {"WeekOfYear", 2, NSCalendarUnitWeekOfYear, {2024, 2, 14}},
+    {"WeekdayOrdinalIsAWeek", 1, NSCalendarUnitWeekdayOrdinal, {2024, 2, 7}},
+    {"Year", 1, NSCalendarUnitYear, {2025, 1, 31}},
     {"NoUnit", 5, 0, {2024, 1, 31}},
-    {"AMask", 5, 24, {2024, 1, 31}},
-    {"Nothing", 0, 8, {2024, 1, 31}},
+    {"AMask", 5, NSCalendarUnitMonth | NSCalendarUnitDay, {2024, 1, 31}},
+    {"Nothing", 0, NSCalendarUnitMonth, {2024, 1, 31}},
 };
 
 TEST(ORLFCalendarArithmetic, AddsUnits) {

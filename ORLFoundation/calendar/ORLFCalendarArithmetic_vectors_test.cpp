@@ -6,8 +6,10 @@
 #include <ORLFoundation/calendar/ORLFCalendarRounding.h>
 #include <ORLFoundation/calendar/ORLFCompareCalendarUnits.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>
+#include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <gtest/gtest.h>
-#include <tests/support/VectorCodec.h>
+#include <tests/support/VectorFile.h>
 
 #include <cmath>
 

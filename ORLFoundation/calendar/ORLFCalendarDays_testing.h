@@ -2,7 +2,9 @@
 #pragma once
 
 #include <ORLFoundation/platform/time/NSCalendar.h>
-#include <tests/support/VectorCodec.h>
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>
+#include <ORLFoundation/platform/value/NSDate_testing.h>
+#include <tests/support/VectorFile.h>
 
 #include <optional>
 #include <string>

@@ -4,8 +4,10 @@
 #include <ORLFoundation/calendar/ORLFCalendarDays_testing.h>
 #include <ORLFoundation/calendar/ORLFCalendarIntervals.h>
 #include <ORLFoundation/calendar/ORLFCalendarRatios.h>
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>
+#include <ORLFoundation/platform/time/NSDateComponents_testing.h>
+#include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <gtest/gtest.h>
-#include <tests/support/VectorCodec.h>
 #include <tests/support/VectorFile.h>
 
 namespace ORLFoundation {

@@ -3,8 +3,10 @@
 
 #include <ORLFoundation/calendar/ORLFCalendarDays_testing.h>
 #include <ORLFoundation/platform/process/NSBundle.h>
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>
+#include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <gtest/gtest.h>
-#include <tests/support/VectorCodec.h>
+#include <tests/support/VectorFile.h>
 
 namespace ORLFoundation {
 namespace {

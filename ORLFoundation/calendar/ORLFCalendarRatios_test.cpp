@@ -3,8 +3,10 @@
 
 #include <ORLFoundation/calendar/ORLFCalendarDays_testing.h>
 #include <ORLFoundation/platform/process/NSBundle.h>
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>
+#include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <gtest/gtest.h>
-#include <tests/support/VectorCodec.h>
+#include <tests/support/VectorFile.h>
 
 namespace ORLFoundation {
 namespace {
@@ -35,7 +37,8 @@ const ValueCase kValues[] = {
     {"SecondsInAnHour", NSCalendarUnitSecond, NSCalendarUnitHour, 3600},
     {"NanosecondsHaveNoLength", NSCalendarUnitNanosecond, NSCalendarUnitYear, 0},
     {"WeekdaysHaveNoLength", NSCalendarUnitWeekdayOrdinal, NSCalendarUnitYear, 0},
-    {"MasksHaveNoLength", static_cast<NSCalendarUnit>(28), NSCalendarUnitYear, 0},
+    {"MasksHaveNoLength", NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay,
+     NSCalendarUnitYear, 0},
 };
 
 TEST(OrlfMaximumValueOfUnit, DividesLengths) {

@@ -5,8 +5,9 @@
 #include <ORLFoundation/calendar/ORLFCalendarRatios.h>
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>
+#include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <gtest/gtest.h>
-#include <tests/support/VectorCodec.h>
 #include <tests/support/VectorFile.h>
 
 namespace ORLFoundation {
@@ -183,7 +184,7 @@ TEST(OrlfDatesOfEventsRepeating, StepsThatDoNotMoveEnd) {
   EXPECT_EQ(texts(*orlfDatesOfEventsRepeatingWithUnit(utcCalendar(), events)), Texts{"2024-01-15"});
   ORLFRepeatingEvents noUnit = events;
   noUnit.multiplier = 1;
-  noUnit.unit = static_cast<NSCalendarUnit>(28);
+  noUnit.unit = NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay;
   EXPECT_EQ(texts(*orlfDatesOfEventsRepeatingWithUnit(utcCalendar(), noUnit)), Texts{"2024-01-15"});
   ORLFRepeatingEvents extreme = events;
   extreme.multiplier = NSIntegerMin;

@@ -2,7 +2,7 @@
 #include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
 #include <ORLFoundation/calendar/ORLFCalendarFiscal.h>
 #include <ORLFoundation/calendar/ORLFCalendarSeries.h>
-#include <ORLFoundation/calendar/ORLFCalendar_testing.h>
+#include <ORLFoundation/calendar/ORLFCalendarSkippedDays_testing.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
 #include <gtest/gtest.h>
 
@@ -15,17 +15,7 @@ using orlftest::at;
 using orlftest::calendarIn;
 using Dates = std::vector<NSDate>;
 
-struct SkippedDay {
-  const char* zone;
-  int year, month, day;
-};
-constexpr SkippedDay kSkippedDays[] = {
-    {"Pacific/Apia", 2011, 12, 30},      {"Pacific/Fakaofo", 2011, 12, 30},
-    {"Pacific/Kwajalein", 1993, 8, 21},  {"Pacific/Kiritimati", 1994, 12, 31},
-    {"Pacific/Enderbury", 1994, 12, 31}, {"Asia/Manila", 1844, 12, 31},
-};
-
-class OverASkippedDay : public testing::TestWithParam<SkippedDay> {
+class OverASkippedDay : public orlftest::SkippedDayTest {
  protected:
   // The same time on each day from so many days before the skipped one to so many after it.
   [[nodiscard]] Dates days(int before, int after, int hour) const {
@@ -35,12 +25,6 @@ class OverASkippedDay : public testing::TestWithParam<SkippedDay> {
     }
     return list;
   }
-  [[nodiscard]] NSDate dayAt(int offset, int hour) const {
-    return at(*calendar_, skipped_.year, skipped_.month, skipped_.day + offset, hour);
-  }
-
-  const SkippedDay skipped_ = GetParam();
-  const std::shared_ptr<NSCalendar> calendar_ = calendarIn(skipped_.zone);
 };
 
 TEST_P(OverASkippedDay, TheZoneLeavesItOut) {
@@ -118,7 +102,7 @@ TEST_P(OverASkippedDay, FiscalWeeksBeginAlikeOnBothSides) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Zones, OverASkippedDay, testing::ValuesIn(kSkippedDays));
+INSTANTIATE_TEST_SUITE_P(Zones, OverASkippedDay, testing::ValuesIn(orlftest::kSkippedDays));
 
 TEST(OrlfComponents, FirstWeekOfAYearAfterKwajaleinsSkippedDayIsNotBelowOne) {
   const auto calendar = calendarIn("Pacific/Kwajalein");

@@ -9,9 +9,18 @@ namespace ORLFoundation {
 namespace {
 
 /// Coarse to fine; weeks share a rung.
-const std::vector<std::vector<NSUInteger>> kLadder = {{2},  {4},  {2048}, {8},  {256, 4096, 8192},
-                                                      {16}, {32}, {64},   {128}};
-constexpr NSUInteger kOutside[] = {512, 1024, 16384, 32768};
+const std::vector<std::vector<NSUInteger>> kLadder = {
+    {NSCalendarUnitEra},
+    {NSCalendarUnitYear},
+    {NSCalendarUnitQuarter},
+    {NSCalendarUnitMonth},
+    {NSCalendarUnitWeek, NSCalendarUnitWeekOfMonth, NSCalendarUnitWeekOfYear},
+    {NSCalendarUnitDay},
+    {NSCalendarUnitHour},
+    {NSCalendarUnitMinute},
+    {NSCalendarUnitSecond}};
+constexpr NSUInteger kOutside[] = {NSCalendarUnitWeekday, NSCalendarUnitWeekdayOrdinal,
+                                   NSCalendarUnitYearForWeekOfYear, NSCalendarUnitNanosecond};
 
 TEST(ORLFCompareCalendarUnits, OrdersTheLadderBothWays) {
   for (std::size_t left = 0; left < kLadder.size(); ++left) {
@@ -27,16 +36,19 @@ TEST(ORLFCompareCalendarUnits, OrdersTheLadderBothWays) {
 }
 
 TEST(ORLFCompareCalendarUnits, TakesTheRetiredWeekForTheWeek) {
-  EXPECT_EQ(ORLFCompareCalendarUnits(256, 8192), NSOrderedSame);
+  EXPECT_EQ(ORLFCompareCalendarUnits(NSCalendarUnitWeek, NSCalendarUnitWeekOfYear), NSOrderedSame);
 }
 
 TEST(ORLFCompareCalendarUnits, TakesAMonthForFinerThanAQuarter) {
-  EXPECT_EQ(ORLFCompareCalendarUnits(8, 2048), NSOrderedAscending);
+  EXPECT_EQ(ORLFCompareCalendarUnits(NSCalendarUnitMonth, NSCalendarUnitQuarter),
+            NSOrderedAscending);
 }
 
 TEST(ORLFCompareCalendarUnits, TakesAFirstUnitOutsideTheLadderForTheSameAsAnything) {
-  for (const NSUInteger unit : {NSUInteger{512}, NSUInteger{1024}, NSUInteger{16384},
-                                NSUInteger{32768}, NSUInteger{0}, NSUInteger{24}})
+  for (const NSUInteger unit :
+       {NSUInteger{NSCalendarUnitWeekday}, NSUInteger{NSCalendarUnitWeekdayOrdinal},
+        NSUInteger{NSCalendarUnitYearForWeekOfYear}, NSUInteger{NSCalendarUnitNanosecond},
+        NSUInteger{0}, NSUInteger{NSCalendarUnitMonth | NSCalendarUnitDay}})
     for (NSUInteger other = 1; other != 0; other <<= 1)
       EXPECT_EQ(ORLFCompareCalendarUnits(unit, other), NSOrderedSame) << unit << ' ' << other;
 }
@@ -45,7 +57,7 @@ TEST(ORLFCompareCalendarUnits, TakesASecondUnitOutsideTheLadderForFinerThanAllBu
   for (const NSUInteger other : kOutside) {
     for (std::size_t rung = 0; rung + 1 < kLadder.size(); ++rung)
       EXPECT_EQ(ORLFCompareCalendarUnits(kLadder[rung][0], other), NSOrderedDescending) << other;
-    EXPECT_EQ(ORLFCompareCalendarUnits(128, other), NSOrderedAscending) << other;
+    EXPECT_EQ(ORLFCompareCalendarUnits(NSCalendarUnitSecond, other), NSOrderedAscending) << other;
   }
 }
 
@@ -55,16 +67,23 @@ struct MaskCase {
   NSComparisonResult result;
 };
 constexpr MaskCase kMasks[] = {
-    {"YearAmongYearMonthDayIsSame", 4, 28, NSOrderedSame},
-    {"MonthBesideAYearIsFiner", 8, 28, NSOrderedAscending},
-    {"MonthAmongMonthAndDayIsSame", 8, 24, NSOrderedSame},
-    {"EraIsNeverFiner", 2, 28, NSOrderedDescending},
-    {"DayBesideTheRetiredWeekIsFiner", 16, 768, NSOrderedAscending},
-    {"QuarterBesideAWeekIsCoarser", 2048, 768, NSOrderedDescending},
-    {"SecondBesideAMinuteIsFiner", 128, 192, NSOrderedAscending},
-    {"SecondAloneIsSame", 128, 128, NSOrderedSame},
-    {"SecondBesideNothingIsFiner", 128, 0, NSOrderedAscending},
-    {"DayBesideNothingIsCoarser", 16, 0, NSOrderedDescending},
+    {"YearAmongYearMonthDayIsSame", NSCalendarUnitYear,
+     NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay, NSOrderedSame},
+    {"MonthBesideAYearIsFiner", NSCalendarUnitMonth,
+     NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay, NSOrderedAscending},
+    {"MonthAmongMonthAndDayIsSame", NSCalendarUnitMonth, NSCalendarUnitMonth | NSCalendarUnitDay,
+     NSOrderedSame},
+    {"EraIsNeverFiner", NSCalendarUnitEra,
+     NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay, NSOrderedDescending},
+    {"DayBesideTheRetiredWeekIsFiner", NSCalendarUnitDay,
+     NSCalendarUnitWeek | NSCalendarUnitWeekday, NSOrderedAscending},
+    {"QuarterBesideAWeekIsCoarser", NSCalendarUnitQuarter,
+     NSCalendarUnitWeek | NSCalendarUnitWeekday, NSOrderedDescending},
+    {"SecondBesideAMinuteIsFiner", NSCalendarUnitSecond,
+     NSCalendarUnitMinute | NSCalendarUnitSecond, NSOrderedAscending},
+    {"SecondAloneIsSame", NSCalendarUnitSecond, NSCalendarUnitSecond, NSOrderedSame},
+    {"SecondBesideNothingIsFiner", NSCalendarUnitSecond, 0, NSOrderedAscending},
+    {"DayBesideNothingIsCoarser", NSCalendarUnitDay, 0, NSOrderedDescending},
 };
 
 TEST(ORLFCompareCalendarUnits, TakesTheFirstRowThatAMaskMeets) {

@@ -151,7 +151,8 @@ class ORLFDateRecurrenceRule : public NSObject, public NSSecureCoding {
   /// the period's dates pass, and an end answers anew for each of them, so that the block may be
   /// called again after it asked to stop. A period has one date for each pattern that the calendar
   /// can match, one where there is no pattern: where no position reaches any of them, the walk ends
-  /// before it begins. With an interval of 0 it gives the dates of one period again and again.
+  /// before it begins. A day that the zone skipped is passed over. With an interval of 0 it gives
+  /// the dates of one period again and again.
   void enumerateDatesForCalendarRefernceDate(const EnumerateDatesRefernceDate& arguments,
                                              ORLFDateRecurrenceBlock usingBlock) const;
 

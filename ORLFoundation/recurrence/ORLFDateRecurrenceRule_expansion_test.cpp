@@ -1,5 +1,6 @@
 // The patterns of one period, the exact rule, and the older patterns.
 #include <ORLFoundation/platform/log/LogCapture.h>
+#include <ORLFoundation/platform/time/NSDateComponents_testing.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrence_testing.h>
 #include <gtest/gtest.h>
 

@@ -2,8 +2,9 @@
 /// write them.
 #pragma once
 
+#include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
-#include <tests/support/VectorCodec.h>
+#include <tests/support/VectorFile.h>
 
 #include <initializer_list>
 #include <memory>

@@ -3,6 +3,7 @@
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 
 #include <ORLFoundation/platform/log/LogCapture.h>
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>
 #include <ORLFoundation/recurrence/ORLFCalendarRecurrence.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule_testing.h>

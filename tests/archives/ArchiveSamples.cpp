@@ -3,11 +3,12 @@
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSSet.h>
+#include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 #include <tests/archives/ArchiveSamples.h>
 #include <tests/support/Files.h>
-#include <tests/support/VectorCodec.h>
+#include <tests/support/VectorFile.h>
 
 #include <algorithm>
 #include <filesystem>

@@ -22,7 +22,8 @@ NSInteger useEveryOperation(const NSCalendar& calendar, NSDate date) {
   sum += calendar.dateByAddingUnit(NSCalendarUnitMonth, 1, date, 0).has_value();
   sum += calendar.dateByAddingComponents(pattern, date, 0).has_value();
   sum += calendar.dateFromComponents(pattern).has_value();
-  sum += calendar.dateBySettingUnit(NSCalendarUnitDay, 31, date, 1024).has_value();
+  sum +=
+      calendar.dateBySettingUnit(NSCalendarUnitDay, 31, date, NSCalendarMatchNextTime).has_value();
   sum += calendar.rangeOfUnit(NSCalendarUnitWeekOfYear, &start, &length, date);
   sum += static_cast<NSInteger>(
       calendar.rangeOfUnit(NSCalendarUnitDay, NSCalendarUnitMonth, date).length);

@@ -38,8 +38,12 @@ constexpr NSCalendarUnit kRangeUnits[] = {
     NSCalendarUnitWeekOfYear, NSCalendarUnitDay,     NSCalendarUnitHour,
     NSCalendarUnitMinute,     NSCalendarUnitSecond,  NSCalendarUnitYearForWeekOfYear,
     NSCalendarUnitWeekOfMonth};
-constexpr NSUInteger kFullDate = 2 | 4 | 8 | 16 | 32 | 64 | 128 | 32768;
-constexpr NSUInteger kFullWeekDate = 16384 | 8192 | 512 | 32 | 64 | 128 | 32768;
+constexpr NSUInteger kFullDate = NSCalendarUnitEra | NSCalendarUnitYear | NSCalendarUnitMonth |
+                                 NSCalendarUnitDay | NSCalendarUnitHour | NSCalendarUnitMinute |
+                                 NSCalendarUnitSecond | NSCalendarUnitNanosecond;
+constexpr NSUInteger kFullWeekDate =
+    NSCalendarUnitYearForWeekOfYear | NSCalendarUnitWeekOfYear | NSCalendarUnitWeekday |
+    NSCalendarUnitHour | NSCalendarUnitMinute | NSCalendarUnitSecond | NSCalendarUnitNanosecond;
 
 class NSCalendarLaws : public testing::TestWithParam<CalendarCase> {
  protected:
@@ -199,7 +203,9 @@ TEST_P(NSCalendarLaws, SearchFindsTheLatestOfAllDays) {
 TEST_P(NSCalendarLaws, SettingADayIsTheFirstThatShowsIt) {
   for (const NSDate date : dates(2010, 2012, 3600.0 * 13)) {
     for (const NSInteger day : {1, 15, 28}) {
-      const NSDate set = calendar_->dateBySettingUnit(NSCalendarUnitDay, day, date, 1024).value();
+      const NSDate set =
+          calendar_->dateBySettingUnit(NSCalendarUnitDay, day, date, NSCalendarMatchNextTime)
+              .value();
       ASSERT_EQ(calendar_->component(NSCalendarUnitDay, set), day) << date.description();
       ASSERT_GE(set.compare(date), 0);
       ASSERT_LT(set.timeIntervalSinceDate(date), 32 * 86400.0);

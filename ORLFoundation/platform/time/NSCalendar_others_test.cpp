@@ -1,6 +1,8 @@
 // Calendars beyond the Gregorian one: known dates, ICU's own answers on every so many days, and the
 // laws that hold in all of them.
 #include <ORLFoundation/platform/time/NSCalendar_testing.h>
+#include <ORLFoundation/platform/time/NSDateComponents_testing.h>
+#include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <gtest/gtest.h>
 #include <unicode/gregocal.h>
 #include <unicode/simpletz.h>

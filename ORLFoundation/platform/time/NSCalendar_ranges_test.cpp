@@ -1,5 +1,7 @@
 // Ranges of units, the search for matching dates, and the setting of one unit.
 #include <ORLFoundation/platform/time/NSCalendar_testing.h>
+#include <ORLFoundation/platform/time/NSDateComponents_testing.h>
+#include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -156,16 +158,32 @@ struct RangeCase {
 };
 constexpr NSUInteger kNone = 9223372036854775807;
 const RangeCase kRangeCases[] = {
-    {16, 8, "2024-02-10T00:00:00Z", {1, 29}},    {16, 4, "2024-02-10T00:00:00Z", {1, 366}},
-    {1024, 8, "2023-02-10T00:00:00Z", {1, 4}},   {1024, 8, "2024-02-10T00:00:00Z", {1, 5}},
-    {8, 4, "2024-02-10T00:00:00Z", {1, 12}},     {8, 2048, "2024-05-10T00:00:00Z", {4, 3}},
-    {2048, 4, "2024-05-10T00:00:00Z", {1, 4}},   {512, 8192, "2024-05-10T00:00:00Z", {1, 7}},
-    {32, 16, "2024-03-10T12:00:00Z", {0, 24}},   {64, 32, "2024-03-10T12:00:00Z", {0, 60}},
-    {8192, 4, "2024-05-10T00:00:00Z", {1, 53}},  {256, 4, "2024-05-10T00:00:00Z", {1, 53}},
-    {8192, 4, "2028-05-10T00:00:00Z", {1, 54}},  {4096, 8, "2024-06-10T00:00:00Z", {1, 6}},
-    {16, 2048, "2024-05-10T00:00:00Z", {1, 91}}, {16, 2, "2024-05-10T00:00:00Z", {1, 31}},
-    {4, 8, "2024-05-10T00:00:00Z", {kNone, 0}},  {16, 16, "2024-05-10T00:00:00Z", {kNone, 0}},
-    {12, 2, "2024-05-10T00:00:00Z", {kNone, 0}}, {8, 24, "2024-05-10T00:00:00Z", {kNone, 0}},
+    {NSCalendarUnitDay, NSCalendarUnitMonth, "2024-02-10T00:00:00Z", {1, 29}},
+    {NSCalendarUnitDay, NSCalendarUnitYear, "2024-02-10T00:00:00Z", {1, 366}},
+    {NSCalendarUnitWeekdayOrdinal, NSCalendarUnitMonth, "2023-02-10T00:00:00Z", {1, 4}},
+    {NSCalendarUnitWeekdayOrdinal, NSCalendarUnitMonth, "2024-02-10T00:00:00Z", {1, 5}},
+    {NSCalendarUnitMonth, NSCalendarUnitYear, "2024-02-10T00:00:00Z", {1, 12}},
+    {NSCalendarUnitMonth, NSCalendarUnitQuarter, "2024-05-10T00:00:00Z", {4, 3}},
+    {NSCalendarUnitQuarter, NSCalendarUnitYear, "2024-05-10T00:00:00Z", {1, 4}},
+    {NSCalendarUnitWeekday, NSCalendarUnitWeekOfYear, "2024-05-10T00:00:00Z", {1, 7}},
+    {NSCalendarUnitHour, NSCalendarUnitDay, "2024-03-10T12:00:00Z", {0, 24}},
+    {NSCalendarUnitMinute, NSCalendarUnitHour, "2024-03-10T12:00:00Z", {0, 60}},
+    {NSCalendarUnitWeekOfYear, NSCalendarUnitYear, "2024-05-10T00:00:00Z", {1, 53}},
+    {NSCalendarUnitWeek, NSCalendarUnitYear, "2024-05-10T00:00:00Z", {1, 53}},
+    {NSCalendarUnitWeekOfYear, NSCalendarUnitYear, "2028-05-10T00:00:00Z", {1, 54}},
+    {NSCalendarUnitWeekOfMonth, NSCalendarUnitMonth, "2024-06-10T00:00:00Z", {1, 6}},
+    {NSCalendarUnitDay, NSCalendarUnitQuarter, "2024-05-10T00:00:00Z", {1, 91}},
+    {NSCalendarUnitDay, NSCalendarUnitEra, "2024-05-10T00:00:00Z", {1, 31}},
+    {NSCalendarUnitYear, NSCalendarUnitMonth, "2024-05-10T00:00:00Z", {kNone, 0}},
+    {NSCalendarUnitDay, NSCalendarUnitDay, "2024-05-10T00:00:00Z", {kNone, 0}},
+    {NSCalendarUnitYear | NSCalendarUnitMonth,
+     NSCalendarUnitEra,
+     "2024-05-10T00:00:00Z",
+     {kNone, 0}},
+    {NSCalendarUnitMonth,
+     NSCalendarUnitMonth | NSCalendarUnitDay,
+     "2024-05-10T00:00:00Z",
+     {kNone, 0}},
 };
 
 TEST(NSCalendar, TellsTheRangeOfAUnitInALargerOne) {
@@ -184,9 +202,13 @@ TEST(NSCalendar, TellsTheLargestRangeOfEveryUnit) {
   const struct {
     NSUInteger unit;
     NSRange range;
-  } rows[] = {{8, {1, 12}},   {16, {1, 31}},  {32, {0, 24}},   {64, {0, 60}},
-              {128, {0, 60}}, {512, {1, 7}},  {1024, {1, 5}},  {2048, {1, 4}},
-              {256, {1, 53}}, {4096, {1, 6}}, {8192, {1, 53}}, {32768, {0, 1'000'000'000}}};
+  } rows[] = {
+      {NSCalendarUnitMonth, {1, 12}},         {NSCalendarUnitDay, {1, 31}},
+      {NSCalendarUnitHour, {0, 24}},          {NSCalendarUnitMinute, {0, 60}},
+      {NSCalendarUnitSecond, {0, 60}},        {NSCalendarUnitWeekday, {1, 7}},
+      {NSCalendarUnitWeekdayOrdinal, {1, 5}}, {NSCalendarUnitQuarter, {1, 4}},
+      {NSCalendarUnitWeek, {1, 53}},          {NSCalendarUnitWeekOfMonth, {1, 6}},
+      {NSCalendarUnitWeekOfYear, {1, 53}},    {NSCalendarUnitNanosecond, {0, 1'000'000'000}}};
   for (const auto& row : rows) {
     EXPECT_EQ(calendar->maximumRangeOfUnit(static_cast<NSCalendarUnit>(row.unit)), row.range)
         << row.unit;
@@ -273,20 +295,34 @@ TEST(NSCalendar, SetsAUnit) {
     const char* from;
     const char* to;
   } rows[] = {
-      {"AlreadySet", 16, 15, 1024, "2024-01-15T12:34:00Z", "2024-01-15T12:34:00Z"},
-      {"ThisMonth", 16, 20, 1024, "2024-01-15T12:34:00Z", "2024-01-20T00:00:00Z"},
-      {"NextMonth", 16, 10, 1024, "2024-12-15T12:34:00Z", "2025-01-10T00:00:00Z"},
-      {"DayMissing", 16, 31, 1024, "2024-04-15T12:34:00Z", "2024-05-01T00:00:00Z"},
-      {"DayMissingInTheNextMonth", 16, 30, 1024, "2024-01-31T12:34:00Z", "2024-03-01T00:00:00Z"},
-      {"DayMissingGoesOnWhenStrict", 16, 31, 2, "2024-04-15T12:34:00Z", "2024-05-31T00:00:00Z"},
-      {"NoSuchDay", 16, 32, 1024, "2024-04-15T12:34:00Z", nullptr},
-      {"DayBeyondAll", 16, NSIntegerMin, 1024, "2024-04-15T12:34:00Z", nullptr},
-      {"Unset", 16, NSIntegerMax, 1024, "2024-04-15T12:34:00Z", nullptr},
-      {"NoSuchUnit", 24, 1, 1024, "2024-04-15T12:34:00Z", nullptr},
-      {"Month", 8, 3, 1024, "2024-04-15T12:34:00Z", "2025-03-01T00:00:00Z"},
-      {"Hour", 32, 9, 1024, "2024-04-15T12:34:00Z", "2024-04-16T09:00:00Z"},
-      {"Minute", 64, 35, 1024, "2024-04-15T12:34:00Z", "2024-04-15T12:35:00Z"},
-      {"Weekday", 512, 2, 1024, "2024-04-16T12:34:00Z", "2024-04-22T00:00:00Z"},
+      {"AlreadySet", NSCalendarUnitDay, 15, NSCalendarMatchNextTime, "2024-01-15T12:34:00Z",
+       "2024-01-15T12:34:00Z"},
+      {"ThisMonth", NSCalendarUnitDay, 20, NSCalendarMatchNextTime, "2024-01-15T12:34:00Z",
+       "2024-01-20T00:00:00Z"},
+      {"NextMonth", NSCalendarUnitDay, 10, NSCalendarMatchNextTime, "2024-12-15T12:34:00Z",
+       "2025-01-10T00:00:00Z"},
+      {"DayMissing", NSCalendarUnitDay, 31, NSCalendarMatchNextTime, "2024-04-15T12:34:00Z",
+       "2024-05-01T00:00:00Z"},
+      {"DayMissingInTheNextMonth", NSCalendarUnitDay, 30, NSCalendarMatchNextTime,
+       "2024-01-31T12:34:00Z", "2024-03-01T00:00:00Z"},
+      {"DayMissingGoesOnWhenStrict", NSCalendarUnitDay, 31, NSCalendarMatchStrictly,
+       "2024-04-15T12:34:00Z", "2024-05-31T00:00:00Z"},
+      {"NoSuchDay", NSCalendarUnitDay, 32, NSCalendarMatchNextTime, "2024-04-15T12:34:00Z",
+       nullptr},
+      {"DayBeyondAll", NSCalendarUnitDay, NSIntegerMin, NSCalendarMatchNextTime,
+       "2024-04-15T12:34:00Z", nullptr},
+      {"Unset", NSCalendarUnitDay, NSIntegerMax, NSCalendarMatchNextTime, "2024-04-15T12:34:00Z",
+       nullptr},
+      {"NoSuchUnit", NSCalendarUnitMonth | NSCalendarUnitDay, 1, NSCalendarMatchNextTime,
+       "2024-04-15T12:34:00Z", nullptr},
+      {"Month", NSCalendarUnitMonth, 3, NSCalendarMatchNextTime, "2024-04-15T12:34:00Z",
+       "2025-03-01T00:00:00Z"},
+      {"Hour", NSCalendarUnitHour, 9, NSCalendarMatchNextTime, "2024-04-15T12:34:00Z",
+       "2024-04-16T09:00:00Z"},
+      {"Minute", NSCalendarUnitMinute, 35, NSCalendarMatchNextTime, "2024-04-15T12:34:00Z",
+       "2024-04-15T12:35:00Z"},
+      {"Weekday", NSCalendarUnitWeekday, 2, NSCalendarMatchNextTime, "2024-04-16T12:34:00Z",
+       "2024-04-22T00:00:00Z"},
   };
   for (const auto& row : rows) {
     const auto result = calendarIn("UTC")->dateBySettingUnit(

@@ -1,10 +1,14 @@
-/// What tests of dates share: a pinned Gregorian calendar in a zone, and dates by its clock.
+/// What tests of dates share: a pinned Gregorian calendar in a zone, dates by its clock, and
+/// calendars in the forms that vector files write them.
 #pragma once
 
 #include <ORLFoundation/platform/time/NSCalendar.h>
-#include <tests/support/VectorCodec.h>
+#include <tests/support/VectorFile.h>
+#include <tests/support/VectorText.h>
 
 #include <memory>
+#include <set>
+#include <string>
 #include <string_view>
 
 namespace orlftest {
@@ -31,6 +35,38 @@ inline ORLFoundation::NSDate at(const ORLFoundation::NSCalendar& calendar, int y
   components.setMinute(minute);
   components.setSecond(second);
   return calendar.dateFromComponents(components).value();
+}
+
+namespace vectors {
+
+/// `calendarIn` for a zone that may be none.
+inline std::shared_ptr<ORLFoundation::NSCalendar> calendarOfVector(
+    const std::string& zone, ORLFoundation::NSInteger firstWeekday,
+    ORLFoundation::NSInteger minimumDays) {
+  if (!ORLFoundation::NSTimeZone::timeZoneWithName(zone)) unreadable("calendar's zone", zone);
+  return calendarIn(zone, firstWeekday, minimumDays);
+}
+
+}  // namespace vectors
+
+/// A Gregorian calendar from `zone`, `first_weekday`, `min_days` and, where given, `locale`.
+inline std::shared_ptr<ORLFoundation::NSCalendar> calendarFromVector(const Json& value) {
+  static const std::set<std::string> kKeys = {"zone", "first_weekday", "min_days", "locale"};
+  for (const auto& item : value.items())
+    if (!kKeys.count(item.key())) vectors::unreadable("calendar's key", item.key());
+  auto calendar =
+      vectors::calendarOfVector(value.at("zone").get<std::string>(),
+                                value.at("first_weekday").get<ORLFoundation::NSInteger>(),
+                                value.at("min_days").get<ORLFoundation::NSInteger>());
+  if (value.contains("locale")) calendar->setLocaleIdentifier(value["locale"].get<std::string>());
+  return calendar;
+}
+
+inline std::shared_ptr<ORLFoundation::NSCalendar> calendarFromVector(const TsvRow& row) {
+  auto calendar = vectors::calendarOfVector(row.text("zone"), row.integer("first_weekday"),
+                                            row.integer("min_days"));
+  if (row.hasColumn("locale")) calendar->setLocaleIdentifier(row.text("locale"));
+  return calendar;
 }
 
 }  // namespace orlftest

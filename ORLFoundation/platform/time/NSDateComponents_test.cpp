@@ -3,8 +3,8 @@
 
 #include <ORLFoundation/platform/base/CivilDays.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
+#include <ORLFoundation/platform/time/NSDateComponents_testing.h>
 #include <gtest/gtest.h>
-#include <tests/support/VectorCodec.h>
 
 namespace ORLFoundation {
 namespace {
@@ -18,20 +18,20 @@ struct FieldCase {
 };
 using C = NSDateComponents;
 const FieldCase kFields[] = {
-    {2, &C::era, &C::setEra},
-    {4, &C::year, &C::setYear},
-    {8, &C::month, &C::setMonth},
-    {16, &C::day, &C::setDay},
-    {32, &C::hour, &C::setHour},
-    {64, &C::minute, &C::setMinute},
-    {128, &C::second, &C::setSecond},
-    {512, &C::weekday, &C::setWeekday},
-    {1024, &C::weekdayOrdinal, &C::setWeekdayOrdinal},
-    {2048, &C::quarter, &C::setQuarter},
-    {4096, &C::weekOfMonth, &C::setWeekOfMonth},
-    {8192, &C::weekOfYear, &C::setWeekOfYear},
-    {16384, &C::yearForWeekOfYear, &C::setYearForWeekOfYear},
-    {32768, &C::nanosecond, &C::setNanosecond},
+    {NSCalendarUnitEra, &C::era, &C::setEra},
+    {NSCalendarUnitYear, &C::year, &C::setYear},
+    {NSCalendarUnitMonth, &C::month, &C::setMonth},
+    {NSCalendarUnitDay, &C::day, &C::setDay},
+    {NSCalendarUnitHour, &C::hour, &C::setHour},
+    {NSCalendarUnitMinute, &C::minute, &C::setMinute},
+    {NSCalendarUnitSecond, &C::second, &C::setSecond},
+    {NSCalendarUnitWeekday, &C::weekday, &C::setWeekday},
+    {NSCalendarUnitWeekdayOrdinal, &C::weekdayOrdinal, &C::setWeekdayOrdinal},
+    {NSCalendarUnitQuarter, &C::quarter, &C::setQuarter},
+    {NSCalendarUnitWeekOfMonth, &C::weekOfMonth, &C::setWeekOfMonth},
+    {NSCalendarUnitWeekOfYear, &C::weekOfYear, &C::setWeekOfYear},
+    {NSCalendarUnitYearForWeekOfYear, &C::yearForWeekOfYear, &C::setYearForWeekOfYear},
+    {NSCalendarUnitNanosecond, &C::nanosecond, &C::setNanosecond},
 };
 
 TEST(NSDateComponents, HoldsEachFieldUnderItsUnitValue) {
@@ -57,7 +57,9 @@ TEST(NSDateComponents, ReadsAndWritesWeekOfYearUnderTheRetiredUnit) {
 
 TEST(NSDateComponents, HasNoFieldForMasksAndUnknownUnits) {
   NSDateComponents components;
-  for (const NSUInteger unit : std::initializer_list<NSUInteger>{0, 1, 12, 24, 65536}) {
+  for (const NSUInteger unit :
+       std::initializer_list<NSUInteger>{0, 1, NSCalendarUnitYear | NSCalendarUnitMonth,
+                                         NSCalendarUnitMonth | NSCalendarUnitDay, 65536}) {
     components.setValueForComponent(5, static_cast<NSCalendarUnit>(unit));
     EXPECT_EQ(components.valueForComponent(static_cast<NSCalendarUnit>(unit)),
               NSDateComponentUndefined);

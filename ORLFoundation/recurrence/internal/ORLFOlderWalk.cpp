@@ -37,12 +37,17 @@ ORLFOlderWalk::ORLFOlderWalk(const ORLFDateRecurrenceRule& rule,
 void ORLFOlderWalk::run() {
   const std::optional<NSDate> start = base();
   if (!start || !canPickFrom(*start)) return;
+  const bool standsStill = rule_.interval() == 0;
+  const bool mayRepeat = !standsStill && unit_ == NSCalendarUnitDay;
+  std::optional<NSDate> last;
   for (NSInteger number = 0; !stop_; ++number) {
     const std::optional<NSDate> period = dateOfPeriod(*start, number);
     if (!period) return;
+    // A day that the zone skipped has the instant of the day after it.
+    if (mayRepeat && period == last) continue;
+    last = period;
     collectPeriod(*period);
     if (dates_.empty()) return;
-    const bool standsStill = rule_.interval() == 0;
     if (!deliver() && standsStill) return;
   }
 }

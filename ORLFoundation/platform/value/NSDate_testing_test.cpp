@@ -1,6 +1,9 @@
-#include <gmock/gmock.h>
+#include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <gtest/gtest.h>
-#include <tests/support/VectorCodec.h>
+
+#include <optional>
+#include <stdexcept>
+#include <string>
 
 namespace orlftest {
 namespace {
@@ -35,16 +38,16 @@ TEST_P(DateVectorForm, IsReadAndWrittenBack) {
     EXPECT_EQ(vectorFromDate(date), GetParam().text);
   }
 }
-INSTANTIATE_TEST_SUITE_P(VectorCodec, DateVectorForm, testing::ValuesIn(kDateForms),
+INSTANTIATE_TEST_SUITE_P(DateVectors, DateVectorForm, testing::ValuesIn(kDateForms),
                          [](const auto& row) { return row.param.name; });
 
-TEST(VectorCodec, RefusesWhatIsNoDate) {
+TEST(DateVectors, RefusesWhatIsNoDate) {
   for (const char* text : {"", "2024-01-31", "2024-02-30T00:00:00Z", "2024-01-31T24:00:00Z",
                            "2024-01-31T14:30:00", "2024-01-31T14:30:00.5Z", "@", "@1x", "soon"})
     EXPECT_THROW((void)dateFromVector(text), std::runtime_error) << text;
 }
 
-TEST(VectorCodec, KeepsNilApart) {
+TEST(DateVectors, KeepsNilApart) {
   EXPECT_EQ(dateFromVector(Json(nullptr)), std::nullopt);
   EXPECT_EQ(dateFromVector(std::optional<std::string>()), std::nullopt);
   EXPECT_EQ(vectorFromDate(std::nullopt), "nil");
@@ -52,47 +55,11 @@ TEST(VectorCodec, KeepsNilApart) {
             "expected 2001-01-01T00:00:00Z, got nil");
 }
 
-TEST(VectorCodec, ReadsAndWritesComponents) {
-  const std::string text =
-      "era=1 year=2023 quarter=1 month=2 weekOfYear=9 weekOfMonth=5 weekday=3 weekdayOrdinal=4 "
-      "day=28 hour=6 minute=30 second=0 nanosecond=0 yearForWeekOfYear=2023";
-  const NSDateComponents components = componentsFromVector(text);
-  EXPECT_EQ(components.weekOfYear(), 9);
-  EXPECT_EQ(vectorFromComponents(components), text);
-  EXPECT_EQ(componentsFromVector("month=-12 day=0").day(), 0);
-  EXPECT_EQ(componentsFromVector(Json{{"month", 3}}), componentsFromVector("month=3"));
-  EXPECT_EQ(componentsFromVector(""), NSDateComponents());
-}
-
-TEST(VectorCodec, RefusesWhatIsNoComponent) {
-  for (const char* text : {"day", "day=", "day=x", "dya=1"})
-    EXPECT_THROW((void)componentsFromVector(std::string(text)), std::runtime_error) << text;
-  EXPECT_THROW((void)componentsFromVector(Json{{"dya", 1}}), std::runtime_error);
-}
-
-TEST(VectorCodec, NamesTheFirstDateThatDiffers) {
+TEST(DateVectors, NamesTheFirstDateThatDiffers) {
   const auto expected = datesFromVector(Json{"@0", "@60"});
   EXPECT_EQ(disagreement(expected, expected), "");
   EXPECT_EQ(disagreement(expected, datesFromVector(Json::array({"@0"}))),
             "2 dates expected, got 1; number 2: expected 2001-01-01T00:01:00Z, got none");
-}
-
-TEST(VectorCodec, MakesACalendar) {
-  const auto calendar = calendarFromVector(
-      Json{{"zone", "Europe/Berlin"}, {"first_weekday", 2}, {"min_days", 4}, {"locale", "de_DE"}});
-  EXPECT_EQ(calendar->timeZone()->name(), "Europe/Berlin");
-  EXPECT_EQ(calendar->firstWeekday(), 2);
-  EXPECT_EQ(calendar->minimumDaysInFirstWeek(), 4);
-  EXPECT_EQ(calendar->localeIdentifier(), "de_DE");
-}
-
-TEST(VectorCodec, RefusesACalendarWithAnUnknownKeyOrZone) {
-  Json value{{"zone", "UTC"}, {"first_weekday", 1}, {"min_days", 1}};
-  value["zone"] = "Nowhere/Here";
-  EXPECT_THROW((void)calendarFromVector(value), std::runtime_error);
-  value["zone"] = "UTC";
-  value["first_weekdya"] = 1;
-  EXPECT_THROW((void)calendarFromVector(value), std::runtime_error);
 }
 
 }  // namespace
