@@ -10,6 +10,7 @@
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSSet.h>
+#include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 
 #include <cstddef>

@@ -1,13 +1,11 @@
-
 #include <ORLFoundation/decimal/internal/ORLFAmountReader.h>
 
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
 #include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/base/CheckedArithmetic.h>
+#include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/log/NSLog.h>
-#include <unicode/uchar.h>
-#include <unicode/unistr.h>
-#include <unicode/utf16.h>
+#include <ORLFoundation/platform/text/NSCharacterSet.h>
 
 #include <algorithm>
 #include <charconv>
@@ -23,22 +21,41 @@ constexpr int kFractionPlaces = 4;
 
 using base::isDigit;
 
-std::int8_t categoryOf(char32_t c) noexcept { return u_charType(static_cast<UChar32>(c)); }
-
-/// White space and line ends.
-bool isSpace(char32_t c) noexcept {
-  return (U_MASK(categoryOf(c)) & U_GC_Z_MASK) != 0 || (c >= 0x09 && c <= 0x0D) || c == 0x85;
+bool isSpace(char32_t c) {
+  static const NSCharacterSet& spaces = *NSCharacterSet::whitespaceAndNewlineCharacterSet();
+  return spaces.longCharacterIsMember(c);
 }
 
-/// Letters and the marks that go with them.
-bool isLetter(char32_t c) noexcept {
-  return (U_MASK(categoryOf(c)) & (U_GC_L_MASK | U_GC_M_MASK)) != 0;
+bool isLetter(char32_t c) {
+  static const NSCharacterSet& letters = *NSCharacterSet::letterCharacterSet();
+  return letters.longCharacterIsMember(c);
 }
 
+constexpr char32_t kFirstOfPairs = 0xD800;
+constexpr char32_t kSecondOfPairs = 0xDC00;
+constexpr char32_t kFirstPair = 0x10000;
+
+bool isFirstOfPair(char32_t unit) noexcept {
+  return unit >= kFirstOfPairs && unit < kSecondOfPairs;
+}
+bool isSecondOfPair(char32_t unit) noexcept { return unit >= kSecondOfPairs && unit < 0xE000; }
+
+/// Broken bytes stand for U+FFFD.
 std::u16string utf16(std::string_view text) {
-  const auto length = static_cast<std::int32_t>(text.size());
-  const auto units = icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), length));
-  return {units.getBuffer(), static_cast<std::size_t>(units.length())};
+  std::u16string units;
+  units.reserve(text.size());
+  while (!text.empty()) {
+    const base::UTF8Character character = base::firstUTF8Character(text);
+    text.remove_prefix(character.length);
+    if (character.codePoint < kFirstPair) {
+      units += static_cast<char16_t>(character.codePoint);
+    } else {
+      const char32_t offset = character.codePoint - kFirstPair;
+      units += static_cast<char16_t>(kFirstOfPairs + (offset >> 10));
+      units += static_cast<char16_t>(kSecondOfPairs + (offset & 0x3FF));
+    }
+  }
+  return units;
 }
 
 /// "%.4f"
@@ -81,9 +98,11 @@ std::optional<NSDecimalNumber> ORLFAmountReader::read() {
 }
 
 char32_t ORLFAmountReader::codePointAt(std::size_t index) const {
-  UChar32 c = 0;
-  U16_GET(text_.data(), 0, index, text_.size(), c);
-  return static_cast<char32_t>(c);
+  // The text was well-formed: a second half follows its first.
+  if (isSecondOfPair(text_[index])) --index;
+  const char32_t unit = text_[index];
+  if (!isFirstOfPair(unit)) return unit;
+  return kFirstPair + ((unit - kFirstOfPairs) << 10) + (text_[index + 1] - kSecondOfPairs);
 }
 
 void ORLFAmountReader::rememberEnds(std::size_t index) {

@@ -2,10 +2,9 @@
 
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <gtest/gtest.h>
+#include <tests/support/TemporaryFolder.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 
 namespace ORLFoundation::internal::time {
 namespace {
@@ -19,27 +18,20 @@ const NSDate kSummer = NSDate::dateWithTimeIntervalSince1970(1721044800);
 constexpr const char* kZoneinfo = "/usr/share/zoneinfo/";
 
 // A folder with a machine's zone files of each kind.
-class SystemZone : public testing::Test {
+class SystemZone : public orlftest::TemporaryFolderTest {
  protected:
   void SetUp() override {
-    fs::remove_all(folder_);
-    fs::create_directories(folder_);
     fs::create_symlink(std::string(kZoneinfo) + "Europe/Vienna", folder_ / "link");
     fs::create_symlink("link", folder_ / "linkToLink");
     fs::create_symlink("linkInACircle", folder_ / "linkInACircle");
     fs::copy_file(fs::canonical(std::string(kZoneinfo) + "America/New_York"), folder_ / "plain");
-    std::ofstream(folder_ / "text") << "no zone\n";
+    write("text", "no zone\n");
   }
-  void TearDown() override { fs::remove_all(folder_); }
 
-  [[nodiscard]] std::string file(const char* name) const { return (folder_ / name).string(); }
   [[nodiscard]] std::shared_ptr<NSTimeZone> zone(std::optional<std::string> variable,
                                                  const char* machineFile = "link") const {
-    return zoneOfSettings({std::move(variable), file(machineFile)});
+    return zoneOfSettings({std::move(variable), path(machineFile)});
   }
-
-  fs::path folder_ = fs::path(testing::TempDir()) /
-                     ("orlf_system_zone_" + std::to_string(std::rand()));  // NOLINT: a name alone
 };
 
 void expectOffsets(const std::shared_ptr<NSTimeZone>& zone, NSInteger winter, NSInteger summer) {
@@ -57,9 +49,9 @@ TEST_F(SystemZone, IsNamedByTheVariableInAnyOfItsForms) {
       {":America/New_York", "America/New_York", -18000, -14400},
       {std::string(kZoneinfo) + "America/New_York", "America/New_York", -18000, -14400},
       {":" + std::string(kZoneinfo) + "America/New_York", "America/New_York", -18000, -14400},
-      {":" + file("link"), "Europe/Vienna", 3600, 7200},
-      {file("linkToLink"), "Europe/Vienna", 3600, 7200},
-      {":" + file("plain"), file("plain"), -18000, -14400},
+      {":" + path("link"), "Europe/Vienna", 3600, 7200},
+      {path("linkToLink"), "Europe/Vienna", 3600, 7200},
+      {":" + path("plain"), path("plain"), -18000, -14400},
       {"EST5EDT,M3.2.0,M11.1.0", "EST5EDT,M3.2.0,M11.1.0", -18000, -14400},
       {":EST5EDT,M3.2.0,M11.1.0", "EST5EDT,M3.2.0,M11.1.0", -18000, -14400},
       {"EST5EDT", "EST5EDT", -18000, -14400},
@@ -85,8 +77,8 @@ TEST_F(SystemZone, IsTheMachinesWhereNoVariableIsSet) {
 }
 
 TEST_F(SystemZone, FallsBackToTheMachinesWithALineInTheLog) {
-  for (const std::string& variable : {std::string("Atlantis/Capital"), std::string(":"), file("no"),
-                                      file("text"), std::string("../../etc/passwd")}) {
+  for (const std::string& variable : {std::string("Atlantis/Capital"), std::string(":"), path("no"),
+                                      path("text"), std::string("../../etc/passwd")}) {
     const LogCapture log;
     EXPECT_EQ(zone(variable)->name(), "Europe/Vienna") << variable;
     EXPECT_EQ(log.lines(),
@@ -99,7 +91,7 @@ TEST_F(SystemZone, IsUTCWithALineInTheLogWhereNothingCanBeRead) {
     const LogCapture log;
     const auto found = zone(std::nullopt, machineFile);
     EXPECT_EQ(found->name(), "UTC") << machineFile;
-    EXPECT_EQ(log.lines(), Lines{file(machineFile) + " tells no time zone. UTC is taken."});
+    EXPECT_EQ(log.lines(), Lines{path(machineFile) + " tells no time zone. UTC is taken."});
   }
 }
 
