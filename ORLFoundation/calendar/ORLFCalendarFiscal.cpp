@@ -2,6 +2,7 @@
 #include <ORLFoundation/calendar/ORLFCalendarFiscal.h>
 
 #include <ORLFoundation/calendar/ORLFCalendarArithmetic.h>
+#include <ORLFoundation/calendar/ORLFCalendarCounts.h>
 #include <ORLFoundation/calendar/ORLFCalendarRounding.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
 #include <ORLFoundation/platform/base/CheckedArithmetic.h>
@@ -11,9 +12,8 @@ namespace {
 
 using internal::base::checkedDifference;
 using internal::base::checkedSum;
+using internal::calendar::kMonthsPerQuarter;
 using OptionalDate = std::optional<NSDate>;
-
-constexpr NSInteger kMonthsInQuarter = 3;
 
 OptionalDate added(const NSCalendar& calendar, NSInteger value, NSCalendarUnit unit,
                    OptionalDate date) noexcept {
@@ -70,7 +70,7 @@ OptionalDate quarterRounded(const NSCalendar& calendar, NSDate date, NSInteger m
   const NSInteger quarter =
       orlfComponents(calendar, NSCalendarUnitQuarter, date, start.yearStartMonth, 1).quarter();
   if (quarter == NSDateComponentUndefined) return std::nullopt;
-  const auto months = checkedSum((quarter - 1) * kMonthsInQuarter - month, start.yearStartMonth);
+  const auto months = checkedSum((quarter - 1) * kMonthsPerQuarter - month, start.yearStartMonth);
   if (!months) return std::nullopt;
   return movedStart(calendar,
                     orlfDateByRoundingDateDownToCalendarUnit(calendar, date, NSCalendarUnitMonth),
@@ -120,7 +120,7 @@ NSDateComponents orlfComponents(const NSCalendar& calendar, NSUInteger unitFlags
   if ((unitFlags & NSCalendarUnitWeekOfYear) != 0)
     fields.setWeekOfYear(shiftedWeek(calendar, *yearStart, fromDate));
   if ((unitFlags & NSCalendarUnitMonth) != 0) fields.setMonth(months + 1);
-  if ((unitFlags & NSCalendarUnitQuarter) != 0) fields.setQuarter(months / kMonthsInQuarter + 1);
+  if ((unitFlags & NSCalendarUnitQuarter) != 0) fields.setQuarter(months / kMonthsPerQuarter + 1);
   if ((unitFlags & NSCalendarUnitYear) != 0 && orlfIsAfter(fromDate, *yearStart))
     fields.setYear(shiftedYear(calendar, *yearStart));
   return fields;

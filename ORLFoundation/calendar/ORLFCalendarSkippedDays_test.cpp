@@ -151,10 +151,10 @@ TEST(OrlfDatesOfEventsRepeating, JumpsToTheRangeFromAFarAnchor) {
 // Against a walk that takes every step.
 TEST(OrlfDatesOfEventsRepeating, LeavesOutNoEventByJumping) {
   const auto calendar = calendarIn("Europe/Vienna");
-  constexpr NSCalendarUnit kUnits[] = {NSCalendarUnitDay,   NSCalendarUnitWeekOfYear,
-                                       NSCalendarUnitMonth, NSCalendarUnitQuarter,
-                                       NSCalendarUnitYear,  NSCalendarUnitYearForWeekOfYear};
-  for (const NSCalendarUnit unit : kUnits) {
+  constexpr NSCalendarUnit kSteppedUnits[] = {NSCalendarUnitDay,   NSCalendarUnitWeekOfYear,
+                                              NSCalendarUnitMonth, NSCalendarUnitQuarter,
+                                              NSCalendarUnitYear,  NSCalendarUnitYearForWeekOfYear};
+  for (const NSCalendarUnit unit : kSteppedUnits) {
     for (const NSInteger multiplier : {1, 2, 3, 7}) {
       for (const int anchorDay : {1, 28, 29, 30, 31}) {
         for (const int anchorYear : {2010, 2030}) {

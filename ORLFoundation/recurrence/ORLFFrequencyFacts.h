@@ -2,16 +2,17 @@
 /// for. For the sources of this room and of those above it.
 #pragma once
 
+#include <ORLFoundation/calendar/ORLFCalendarCounts.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceFrequency.h>
 
 #include <string_view>
 
 namespace ORLFoundation::internal::recurrence {
 
-inline constexpr NSInteger kMonthsPerYear = 12;
-inline constexpr NSInteger kMonthsPerQuarter = 3;
-inline constexpr NSInteger kQuartersPerYear = 4;
-inline constexpr NSInteger kDaysPerWeek = 7;
+using calendar::kDaysPerWeek;
+using calendar::kMonthsPerQuarter;
+using calendar::kMonthsPerYear;
+using calendar::kQuartersPerYear;
 
 struct ORLFFrequencyFacts {
   ORLFDateRecurrenceFrequency frequency;

@@ -15,9 +15,9 @@ namespace {
 
 using orlftest::disagreement;
 using orlftest::Json;
-using Rows = std::vector<std::vector<std::string>>;
+using TextRows = std::vector<std::vector<std::string>>;
 
-Rows rowsOf(std::string text) {
+TextRows rowsOf(std::string text) {
   NSScanner scanner(std::move(text));
   return csvRows(scanner);
 }
@@ -31,7 +31,7 @@ class PlainReader {
  public:
   explicit PlainReader(std::string text) : scanner_(std::move(text)) {}
 
-  Rows rows() {
+  TextRows rows() {
     std::string_view firstLine;
     scanner_.scanUpToCharactersFromSet(*lineEnds_, &firstLine);
     separator_ = firstLine.find("\";\"") != firstLine.npos ? ";"
@@ -40,7 +40,7 @@ class PlainReader {
     stops_ = setOf("\"\n\v\f\r\xC2\x85\xE2\x80\xA8\xE2\x80\xA9" + separator_);
     scanner_.setScanLocation(0);
     scanner_.setCharactersToBeSkipped(nullptr);
-    Rows rows;
+    TextRows rows;
     while (!scanner_.isAtEnd()) {
       const auto row = readRow();
       if (!row.empty()) rows.push_back(row);
@@ -132,32 +132,36 @@ TEST(CsvRows, AgreesWithTheStepsOnRandomTexts) {
 }
 
 TEST(CsvRows, TakeASemicolonWhereverTheFirstLineHoldsOne) {
-  EXPECT_EQ(rowsOf("\"a\";\"b\"\n"), (Rows{{"a", "b"}}));
-  EXPECT_EQ(rowsOf("a,b;c\n1,2;3"), (Rows{{"a,b", "c"}, {"1,2", "3"}}));
-  EXPECT_EQ(rowsOf("a,b\n1;2,3"), (Rows{{"a", "b"}, {"1;2", "3"}}));
-  EXPECT_EQ(rowsOf("\n \n a;b"), (Rows{{" "}, {" a", "b"}}));
-  EXPECT_EQ(rowsOf("a\tb\n"), (Rows{{"a\tb"}}));
+  EXPECT_EQ(rowsOf("\"a\";\"b\"\n"), (TextRows{{"a", "b"}}));
+  EXPECT_EQ(rowsOf("a,b;c\n1,2;3"), (TextRows{{"a,b", "c"}, {"1,2", "3"}}));
+  EXPECT_EQ(rowsOf("a,b\n1;2,3"), (TextRows{{"a", "b"}, {"1;2", "3"}}));
+  EXPECT_EQ(rowsOf("\n \n a;b"), (TextRows{{" "}, {" a", "b"}}));
+  EXPECT_EQ(rowsOf("a\tb\n"), (TextRows{{"a\tb"}}));
 }
 
-TEST(CsvRows, ReadTwoMarksInsideMarksAsOne) { EXPECT_EQ(rowsOf("\"a\"\"b\""), (Rows{{"a\"b"}})); }
+TEST(CsvRows, ReadTwoMarksInsideMarksAsOne) {
+  EXPECT_EQ(rowsOf("\"a\"\"b\""), (TextRows{{"a\"b"}}));
+}
 
 TEST(CsvRows, KeepALineBreakInsideMarks) {
-  EXPECT_EQ(rowsOf("\"a\r\nb\",c"), (Rows{{"a\r\nb", "c"}}));
+  EXPECT_EQ(rowsOf("\"a\r\nb\",c"), (TextRows{{"a\r\nb", "c"}}));
 }
 
 TEST(CsvRows, DropATrailingEmptyFieldAndBlankLines) {
-  EXPECT_EQ(rowsOf("a,b,\n\n\na,,b\n"), (Rows{{"a", "b"}, {"a", "", "b"}}));
+  EXPECT_EQ(rowsOf("a,b,\n\n\na,,b\n"), (TextRows{{"a", "b"}, {"a", "", "b"}}));
 }
 
 TEST(CsvRows, KeepWhiteSpaceButBehindASeparator) {
-  EXPECT_EQ(rowsOf(" a ,\t b "), (Rows{{" a ", "b "}}));
+  EXPECT_EQ(rowsOf(" a ,\t b "), (TextRows{{" a ", "b "}}));
 }
 
-TEST(CsvRows, LoseMarksInTheMiddleOfAField) { EXPECT_EQ(rowsOf("x\"y,z\"w"), (Rows{{"xy,zw"}})); }
+TEST(CsvRows, LoseMarksInTheMiddleOfAField) {
+  EXPECT_EQ(rowsOf("x\"y,z\"w"), (TextRows{{"xy,zw"}}));
+}
 
 TEST(CsvRows, LeaveTheScannerAtItsEndSkippingNothing) {
   NSScanner scanner("a\nb ");
-  EXPECT_EQ(csvRows(scanner), (Rows{{"a"}, {"b "}}));
+  EXPECT_EQ(csvRows(scanner), (TextRows{{"a"}, {"b "}}));
   EXPECT_TRUE(scanner.isAtEnd());
   EXPECT_EQ(scanner.charactersToBeSkipped(), nullptr);
 }
@@ -165,7 +169,7 @@ TEST(CsvRows, LeaveTheScannerAtItsEndSkippingNothing) {
 TEST(CsvRows, TakeTheSeparatorFromTheLineAtTheScannersPlace) {
   NSScanner scanner("a,b\nc;d");
   scanner.setScanLocation(4);
-  EXPECT_EQ(csvRows(scanner), (Rows{{"a,b"}, {"c", "d"}}));
+  EXPECT_EQ(csvRows(scanner), (TextRows{{"a,b"}, {"c", "d"}}));
 }
 
 TEST(ScanHexDigits, AgreesWithVectors) {

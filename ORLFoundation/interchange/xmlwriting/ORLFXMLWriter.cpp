@@ -17,7 +17,7 @@ constexpr std::size_t kPiece = 2048;
 }  // namespace
 
 ORLFXMLWriter::ORLFXMLWriter(std::shared_ptr<NSMutableData> outputData)
-    : encoding_(NSUTF8StringEncoding), outputData_(std::move(outputData)) {}
+    : outputData_(std::move(outputData)) {}
 
 bool ORLFXMLWriter::appendBytes(std::span<const std::uint8_t> bytes, NSErrorSlot) {
   if (outputData_ != nullptr) outputData_->appendBytes(bytes);

@@ -15,6 +15,7 @@
 #include <ORLFoundation/platform/object/NSError.h>
 #include <ORLFoundation/platform/object/NSMutableData.h>
 #include <ORLFoundation/platform/object/NSObject.h>
+#include <ORLFoundation/platform/text/NSStringEncoding.h>
 #include <ORLFoundation/platform/value/NSTypes.h>
 
 #include <cstdint>
@@ -93,7 +94,7 @@ class ORLFXMLWriter : public NSObject {
 
   bool prettyPrinted_ = false;
   bool startElementInProgress_ = false;
-  NSUInteger encoding_;
+  NSUInteger encoding_ = NSUTF8StringEncoding;
   std::vector<std::string> openElements_;
   NSUInteger openCDataElementsCount_ = 0;
   std::shared_ptr<NSMutableData> outputData_;

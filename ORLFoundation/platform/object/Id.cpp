@@ -44,7 +44,7 @@ id::id() noexcept {
 id::id(const id& other) { new (bytes_) Stored(other.stored()); }
 id::id(id&& other) noexcept { new (bytes_) Stored(std::move(other.stored())); }
 id& id::operator=(const id& other) {
-  stored() = other.stored();
+  if (this != &other) stored() = other.stored();
   return *this;
 }
 id& id::operator=(id&& other) noexcept {

@@ -16,7 +16,7 @@ namespace {
 using orlftest::vectorFromComponents;
 using orlftest::vectorFromDate;
 
-NSDate date(const char* text) { return orlftest::dateFromVector(text).value(); }
+using orlftest::date;
 
 constexpr NSUInteger kDate =
     NSCalendarUnitEra | NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay;
@@ -60,7 +60,7 @@ constexpr KnownDate kKnownDates[] = {
 TEST(OtherCalendarsOf, ShowAndResolveKnownDates) {
   for (const KnownDate& row : kKnownDates) {
     const auto calendar = otherIn(row.identifier, "UTC");
-    const NSDate midnight = date((std::string(row.date) + "T00:00:00Z").c_str());
+    const NSDate midnight = date(std::string(row.date) + "T00:00:00Z");
     EXPECT_EQ(vectorFromComponents(calendar->components(kDate, midnight)), row.components);
     EXPECT_EQ(calendar->dateFromComponents(orlftest::componentsFromVector(row.components)),
               midnight)
@@ -90,7 +90,7 @@ TEST(OtherCalendarsOf, SearchGoesToANamedYearInBothDirections) {
   const NSDate origin = date("2023-11-14T22:13:20Z");
   for (const NamedYear& row : kNamedYears) {
     const auto calendar = otherIn(row.identifier, "UTC");
-    const NSDate wanted = date((std::string(row.date) + "T00:00:00Z").c_str());
+    const NSDate wanted = date(std::string(row.date) + "T00:00:00Z");
     NSDateComponents fields;
     fields.setYear(row.year);
     fields.setMonth(2);
@@ -158,7 +158,7 @@ struct FieldOfUnit {
   UCalendarDateFields field;
   NSInteger shift;
 };
-constexpr FieldOfUnit kFields[] = {
+constexpr FieldOfUnit kFieldsOfUnits[] = {
     {NSCalendarUnitEra, UCAL_ERA, 0},
     {NSCalendarUnitYear, UCAL_YEAR, 0},
     {NSCalendarUnitMonth, UCAL_MONTH, 1},
@@ -178,7 +178,7 @@ TEST_P(OtherCalendars, ShowTheFieldsThatICUShowsAtTheZonesLocalTime) {
     const auto calendar = otherIn(GetParam(), "Africa/Cairo", firstWeekday, firstWeekday * 2 - 1);
     for (const NSDate shown : dates(firstWeekday == 1 ? 29 : 61)) {
       const auto peer = peerAt(*calendar, shown);
-      for (const FieldOfUnit& row : kFields)
+      for (const FieldOfUnit& row : kFieldsOfUnits)
         ASSERT_EQ(calendar->component(row.unit, shown), get(*peer, row.field) + row.shift)
             << GetParam() << ' ' << vectorFromDate(shown) << ' ' << row.unit;
     }
@@ -209,7 +209,7 @@ TEST_P(OtherCalendars, AddMonthsAndYearsAsICUDoes) {
   const auto calendar = otherIn(GetParam(), "Asia/Kolkata");
   for (const NSDate from : dates(331)) {
     for (const int count : {-25, -12, -1, 1, 2, 13, 100}) {
-      for (const FieldOfUnit& row : {kFields[1], kFields[2]}) {
+      for (const FieldOfUnit& row : {kFieldsOfUnits[1], kFieldsOfUnits[2]}) {
         const auto peer = peerAt(*calendar, from);
         UErrorCode status = U_ZERO_ERROR;
         peer->add(row.field, count, status);

@@ -13,7 +13,7 @@ using orlftest::calendarIn;
 using orlftest::componentsFromVector;
 using orlftest::vectorFromDate;
 
-NSDate date(const char* text) { return orlftest::dateFromVector(text).value(); }
+using orlftest::date;
 
 // ---------------------------------------------------------------- ranges
 

@@ -17,7 +17,7 @@ using orlftest::componentsFromVector;
 using orlftest::vectorFromComponents;
 using orlftest::vectorFromDate;
 
-NSDate date(const char* text) { return orlftest::dateFromVector(text).value(); }
+using orlftest::date;
 
 // ---------------------------------------------------------------- the calendar as an object
 

@@ -151,7 +151,7 @@ std::shared_ptr<NSTimeZone> NSTimeZone::systemTimeZone() {
     if (cache.system && cache.systemSettings == settings && cache.machineLink == link)
       return cache.system;
   }
-  const std::shared_ptr<NSTimeZone> zone = zoneOfSettings(settings);
+  std::shared_ptr<NSTimeZone> zone = zoneOfSettings(settings);
   const std::lock_guard lock(cache.mutex);
   cache.system = zone;
   cache.systemSettings = settings;

@@ -144,4 +144,7 @@ inline std::string disagreement(const std::vector<ORLFoundation::NSDate>& expect
          shown(expected, left) + ", got " + shown(actual, right);
 }
 
+/// The date that a text writes.
+inline ORLFoundation::NSDate date(const std::string& text) { return dateFromVector(text).value(); }
+
 }  // namespace orlftest
