@@ -136,9 +136,10 @@ std::string fullText(double value, int fractionDigits) {
   return full.stringFromDouble(isNothing ? 0 : value);
 }
 
-/// The power of ten that makes a span 1 or more; 0 for one that is.
+/// The power of ten that makes a span 1 or more; 0 for one that is, for none and one without end.
 int digitsBelowOne(double span) {
   constexpr int kMostDigits = 300;
+  if (!std::isfinite(span) || span <= 0) return 0;
   return std::clamp(static_cast<int>(std::ceil(-std::log10(span))), 0, kMostDigits);
 }
 
