@@ -48,6 +48,8 @@
 #include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
 #include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
 #include <ORLFoundation/platform/dispatch/NSThread.h>
+#include <ORLFoundation/platform/format/NSDateFormatter.h>
+#include <ORLFoundation/platform/format/NSFormattingError.h>
 #include <ORLFoundation/platform/format/NSLocale.h>
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
 #include <ORLFoundation/platform/format/NSStringLocalizedCase.h>
