@@ -26,7 +26,7 @@ using Symbols = icu::DateFormatSymbols;
 
 }  // namespace
 
-NSDateFormatter::NSDateFormatter() : state_(std::make_unique<State>()) {}
+NSDateFormatter::NSDateFormatter() : state_(std::make_unique<NSDateFormatterState>()) {}
 
 NSDateFormatter::~NSDateFormatter() = default;
 
@@ -42,14 +42,14 @@ NSDateFormatterStyle NSDateFormatter::timeStyle() const {
 
 void NSDateFormatter::setDateStyle(NSDateFormatterStyle style) {
   const std::lock_guard guard(lock_);
-  State::Settings& settings = state_->change();
+  NSDateFormatterState::Settings& settings = state_->change();
   settings.dateStyle = knownStyle(style);
   settings.format.reset();
 }
 
 void NSDateFormatter::setTimeStyle(NSDateFormatterStyle style) {
   const std::lock_guard guard(lock_);
-  State::Settings& settings = state_->change();
+  NSDateFormatterState::Settings& settings = state_->change();
   settings.timeStyle = knownStyle(style);
   settings.format.reset();
 }

@@ -36,6 +36,10 @@ class id;
 class NSCalendar;
 class NSTimeZone;
 
+namespace internal::format {
+struct NSDateFormatterState;
+}  // namespace internal::format
+
 enum NSDateFormatterStyle : NSUInteger {
   NSDateFormatterNoStyle = 0,
   NSDateFormatterShortStyle = 1,
@@ -144,10 +148,8 @@ class NSDateFormatter : public NSObject, public NSSecureCoding {
                                                              NSDate date) const;
 
  private:
-  struct State;
-
   mutable std::recursive_mutex lock_;
-  std::unique_ptr<State> state_;
+  std::unique_ptr<internal::format::NSDateFormatterState> state_;
 };
 
 }  // namespace ORLFoundation

@@ -10,6 +10,9 @@
 #include <utility>
 
 namespace ORLFoundation {
+
+using namespace internal::format;
+
 namespace {
 
 // Part of stored archives: they never change.
@@ -48,7 +51,7 @@ const NSCodingClass& NSDateFormatter::codingClass() {
 
 void NSDateFormatter::encodeWithCoder(NSCoder& coder) const {
   const std::lock_guard guard(lock_);
-  const State::Settings& settings = state_->settings;
+  const NSDateFormatterState::Settings& settings = state_->settings;
   coder.encodeInteger(static_cast<NSInteger>(settings.dateStyle), kDateStyleKey);
   coder.encodeInteger(static_cast<NSInteger>(settings.timeStyle), kTimeStyleKey);
   coder.encodeObject(settings.format, kDateFormatKey);
@@ -66,7 +69,7 @@ void NSDateFormatter::encodeWithCoder(NSCoder& coder) const {
 
 void NSDateFormatter::readSettings(NSCoder& coder) {
   const std::lock_guard guard(lock_);
-  State::Settings& settings = state_->change();
+  NSDateFormatterState::Settings& settings = state_->change();
   settings.dateStyle = decodeStyle(coder, kDateStyleKey);
   settings.timeStyle = decodeStyle(coder, kTimeStyleKey);
   settings.format = coder.decodeObjectOfClass<std::string>(kDateFormatKey);

@@ -6,10 +6,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace ORLFoundation {
-
-using namespace internal::format;
-
+namespace ORLFoundation::internal::format {
 namespace {
 
 // The formats that one formatter prints under at a time, beside its own the widened ones.
@@ -18,26 +15,26 @@ constexpr NSUInteger kDay = NSCalendarUnitYear | NSCalendarUnitMonth | NSCalenda
 
 }  // namespace
 
-NSDateFormatter::State::Settings& NSDateFormatter::State::change() {
+NSDateFormatterState::Settings& NSDateFormatterState::change() {
   pattern_.reset();
   calendar_.reset();
   engines_.clear();
   return settings;
 }
 
-const std::string& NSDateFormatter::State::pattern() {
+const std::string& NSDateFormatterState::pattern() {
   if (settings.format) return *settings.format;
   if (!pattern_) pattern_ = patternOfStyles(icuLocale(), settings.dateStyle, settings.timeStyle);
   return *pattern_;
 }
 
-std::string NSDateFormatter::State::icuLocale() const {
+std::string NSDateFormatterState::icuLocale() const {
   const std::string& locale = settings.locale->localeIdentifier();
   return settings.calendar ? localeWithCalendar(locale, settings.calendar->calendarIdentifier())
                            : locale;
 }
 
-const std::shared_ptr<NSCalendar>& NSDateFormatter::State::usedCalendar() {
+const std::shared_ptr<NSCalendar>& NSDateFormatterState::usedCalendar() {
   if (calendar_) return calendar_;
   calendar_ = copyOf(settings.calendar);
   const std::string& locale = settings.locale->localeIdentifier();
@@ -51,7 +48,7 @@ const std::shared_ptr<NSCalendar>& NSDateFormatter::State::usedCalendar() {
   return calendar_;
 }
 
-DateEngine& NSDateFormatter::State::engineOf(std::string_view format) {
+DateEngine& NSDateFormatterState::engineOf(std::string_view format) {
   const auto known = std::find_if(engines_.begin(), engines_.end(),
                                   [format](const Engine& made) { return made.pattern == format; });
   if (known != engines_.end()) return *known->engine;
@@ -70,7 +67,7 @@ DateEngine& NSDateFormatter::State::engineOf(std::string_view format) {
   return *engines_.back().engine;
 }
 
-std::optional<NSInteger> NSDateFormatter::State::daysFromToday(NSDate date) {
+std::optional<NSInteger> NSDateFormatterState::daysFromToday(NSDate date) {
   const NSCalendar& calendar = *usedCalendar();
   NSDate today;
   NSDate day;
@@ -80,14 +77,14 @@ std::optional<NSInteger> NSDateFormatter::State::daysFromToday(NSDate date) {
   return calendar.components(NSCalendarUnitDay, today, day, 0).day();
 }
 
-std::optional<NSDate> NSDateFormatter::State::dayFromToday(NSInteger days) {
+std::optional<NSDate> NSDateFormatterState::dayFromToday(NSInteger days) {
   const NSCalendar& calendar = *usedCalendar();
   const auto today = calendar.dateFromComponents(calendar.components(kDay, NSDate::date()));
   if (!today) return std::nullopt;
   return calendar.dateByAddingUnit(NSCalendarUnitDay, days, *today, 0);
 }
 
-std::optional<std::string> NSDateFormatter::State::relativeText(NSDate date) {
+std::optional<std::string> NSDateFormatterState::relativeText(NSDate date) {
   const auto days = daysFromToday(date);
   const auto word = days ? wordOfDay(icuLocale(), *days) : std::nullopt;
   if (!word || settings.timeStyle == NSDateFormatterNoStyle) return word;
@@ -96,15 +93,15 @@ std::optional<std::string> NSDateFormatter::State::relativeText(NSDate date) {
   return engineOf(format).print(date);
 }
 
-std::optional<DateEngine::Reading> NSDateFormatter::State::read(std::string_view text, bool whole) {
+std::optional<DateEngine::Reading> NSDateFormatterState::read(std::string_view text, bool whole) {
   if (isRelative() && settings.timeStyle == NSDateFormatterNoStyle) {
     const auto days = dayOfWord(icuLocale(), text);
     const auto day = days ? dayFromToday(*days) : std::nullopt;
-    if (day) return DateEngine::Reading{*day, unitsOf(text, kLongestText)};
+    if (day) return DateEngine::Reading{*day, unitsOf(text, NSDateFormatter::kLongestText)};
   }
   const std::string& format = pattern();
   if (format.empty()) return std::nullopt;
   return engineOf(format).read(text, whole);
 }
 
-}  // namespace ORLFoundation
+}  // namespace ORLFoundation::internal::format

@@ -12,9 +12,9 @@
 #include <string_view>
 #include <vector>
 
-namespace ORLFoundation {
+namespace ORLFoundation::internal::format {
 
-struct NSDateFormatter::State {
+struct NSDateFormatterState {
   struct Settings {
     NSDateFormatterStyle dateStyle = NSDateFormatterNoStyle;
     NSDateFormatterStyle timeStyle = NSDateFormatterNoStyle;
@@ -37,20 +37,19 @@ struct NSDateFormatter::State {
   [[nodiscard]] std::string icuLocale() const;
   /// Never nil.
   [[nodiscard]] const std::shared_ptr<NSCalendar>& usedCalendar();
-  [[nodiscard]] internal::format::DateEngine& engineOf(std::string_view format);
+  [[nodiscard]] DateEngine& engineOf(std::string_view format);
 
   [[nodiscard]] bool isRelative() const {
     return settings.relative && !settings.format && settings.dateStyle != NSDateFormatterNoStyle;
   }
   /// nil where the locale has no word for the day.
   [[nodiscard]] std::optional<std::string> relativeText(NSDate date);
-  [[nodiscard]] std::optional<internal::format::DateEngine::Reading> read(std::string_view text,
-                                                                          bool whole);
+  [[nodiscard]] std::optional<DateEngine::Reading> read(std::string_view text, bool whole);
 
  private:
   struct Engine {
     std::string pattern;
-    std::unique_ptr<internal::format::DateEngine> engine;
+    std::unique_ptr<DateEngine> engine;
   };
 
   [[nodiscard]] std::optional<NSInteger> daysFromToday(NSDate date);
@@ -61,4 +60,4 @@ struct NSDateFormatter::State {
   std::vector<Engine> engines_;
 };
 
-}  // namespace ORLFoundation
+}  // namespace ORLFoundation::internal::format
