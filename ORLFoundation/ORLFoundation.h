@@ -49,6 +49,8 @@
 #include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
 #include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
 #include <ORLFoundation/platform/dispatch/NSThread.h>
+#include <ORLFoundation/platform/format/NSDateFormatter.h>
+#include <ORLFoundation/platform/format/NSFormattingError.h>
 #include <ORLFoundation/platform/format/NSLocale.h>
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
 #include <ORLFoundation/platform/format/NSStringLocalizedCase.h>
@@ -88,6 +90,7 @@
 #include <ORLFoundation/platform/process/NSBundle.h>
 #include <ORLFoundation/platform/process/NSProcessInfo.h>
 #include <ORLFoundation/platform/process/NSUserActivity.h>
+#include <ORLFoundation/platform/stream/NSOutputStream.h>
 #include <ORLFoundation/platform/text/NSAttributedString.h>
 #include <ORLFoundation/platform/text/NSCharacterSet.h>
 #include <ORLFoundation/platform/text/NSScanner.h>
