@@ -117,10 +117,12 @@ std::string checkInference(const Json& in, const Json& out) {
   came["formats"] = formats;
   came["first"] = formats.empty() ? 0 : formats.front();
   came["dates"] = Json::object();
-  for (const auto& [format, dates] : out.at("dates").items())
-    came["dates"][format] = datesOf(in.at("texts"), dates, [&](const std::string& text) {
-      return engine->dateFromString(text, std::stoll(format));
-    });
+  for (const auto& entry : out.at("dates").items()) {
+    const NSInteger format = std::stoll(entry.key());
+    came["dates"][entry.key()] =
+        datesOf(in.at("texts"), entry.value(),
+                [&](const std::string& text) { return engine->dateFromString(text, format); });
+  }
   if (out.contains("inferred"))
     came["inferred"] = datesOf(in.at("texts"), out.at("inferred"), [&](const std::string& text) {
       return engine->dateInferredFromString(text);
