@@ -50,6 +50,7 @@
 #include <ORLFoundation/platform/dispatch/NSThread.h>
 #include <ORLFoundation/platform/format/NSLocale.h>
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
+#include <ORLFoundation/platform/format/NSNumberText.h>
 #include <ORLFoundation/platform/format/NSStringLocalizedCase.h>
 #include <ORLFoundation/platform/image/CGColor.h>
 #include <ORLFoundation/platform/image/CGDataProvider.h>
