@@ -2,6 +2,7 @@
 
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
 
+#include <ORLFoundation/platform/format/NSFormattingError.h>
 #include <ORLFoundation/platform/format/internal/NumberFormats.h>
 #include <ORLFoundation/platform/format/internal/NumberReading.h>
 
@@ -13,10 +14,8 @@ using namespace internal::format;
 
 namespace {
 
-constexpr NSInteger kFormattingErrorCode = 2048;
-
 bool refuse(NSErrorSlot error, std::string_view description) {
-  return NSFillErrorSlot(error, NSCocoaErrorDomain, kFormattingErrorCode, description);
+  return NSFillErrorSlot(error, NSCocoaErrorDomain, NSFormattingError, description);
 }
 
 std::optional<NSNumber> wholeNumber(const NumberFormats& formats, std::string_view string) {
