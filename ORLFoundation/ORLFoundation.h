@@ -18,6 +18,7 @@
 #include <ORLFoundation/calendar/ORLFCompareCalendarUnits.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
 #include <ORLFoundation/calendar/ORLFISO8601.h>
+#include <ORLFoundation/datetext/inference/ORLFDateFormatInferenceEngine.h>
 #include <ORLFoundation/decimal/ORLFDecimal.h>
 #include <ORLFoundation/decimal/ORLFDecimalAmount.h>
 #include <ORLFoundation/decimal/ORLFDecimalErrorBehavior.h>
@@ -48,6 +49,8 @@
 #include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
 #include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
 #include <ORLFoundation/platform/dispatch/NSThread.h>
+#include <ORLFoundation/platform/format/NSDateFormatter.h>
+#include <ORLFoundation/platform/format/NSFormattingError.h>
 #include <ORLFoundation/platform/format/NSLocale.h>
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
 #include <ORLFoundation/platform/format/NSStringLocalizedCase.h>
@@ -87,6 +90,7 @@
 #include <ORLFoundation/platform/process/NSBundle.h>
 #include <ORLFoundation/platform/process/NSProcessInfo.h>
 #include <ORLFoundation/platform/process/NSUserActivity.h>
+#include <ORLFoundation/platform/stream/NSOutputStream.h>
 #include <ORLFoundation/platform/text/NSAttributedString.h>
 #include <ORLFoundation/platform/text/NSCharacterSet.h>
 #include <ORLFoundation/platform/text/NSScanner.h>
@@ -95,6 +99,7 @@
 #include <ORLFoundation/platform/text/NSStringEncoding.h>
 #include <ORLFoundation/platform/text/NSStringNumbers.h>
 #include <ORLFoundation/platform/text/NSStringSearch.h>
+#include <ORLFoundation/platform/text/NSStringTrimming.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 #include <ORLFoundation/platform/time/NSCalendarUnit.h>
 #include <ORLFoundation/platform/time/NSDateComponents.h>
