@@ -119,6 +119,9 @@
 #include <ORLFoundation/platform/value/NSURL.h>
 #include <ORLFoundation/platform/value/NSURLComponents.h>
 #include <ORLFoundation/platform/value/NSUUID.h>
+#include <ORLFoundation/process/engine/ORLFProcess.h>
+#include <ORLFoundation/process/engine/ORLFProcessDelegate.h>
+#include <ORLFoundation/process/engine/ORLFProcessStep.h>
 #include <ORLFoundation/recurrence/ORLFCalendarRecurrence.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceBlock.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceDayOfWeek.h>
