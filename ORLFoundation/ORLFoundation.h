@@ -53,6 +53,7 @@
 #include <ORLFoundation/platform/format/NSFormattingError.h>
 #include <ORLFoundation/platform/format/NSLocale.h>
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
+#include <ORLFoundation/platform/format/NSNumberText.h>
 #include <ORLFoundation/platform/format/NSStringLocalizedCase.h>
 #include <ORLFoundation/platform/image/CGColor.h>
 #include <ORLFoundation/platform/image/CGDataProvider.h>
@@ -118,6 +119,9 @@
 #include <ORLFoundation/platform/value/NSURL.h>
 #include <ORLFoundation/platform/value/NSURLComponents.h>
 #include <ORLFoundation/platform/value/NSUUID.h>
+#include <ORLFoundation/process/engine/ORLFProcess.h>
+#include <ORLFoundation/process/engine/ORLFProcessDelegate.h>
+#include <ORLFoundation/process/engine/ORLFProcessStep.h>
 #include <ORLFoundation/recurrence/ORLFCalendarRecurrence.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceBlock.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceDayOfWeek.h>

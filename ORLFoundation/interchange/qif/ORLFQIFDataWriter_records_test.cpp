@@ -77,6 +77,24 @@ TEST(ORLFQIFDataWriter, WritesTransactionsWithTheLinesThatArePresent) {
   EXPECT_EQ(qif.added(), "^\n");
 }
 
+TEST(ORLFQIFDataWriter, WritesFifteenDigitsOfADecimal) {
+  const std::pair<std::string_view, std::string_view> amounts[] = {
+      {"99999999999999.99", "100,000,000,000,000.00"},
+      {"-1234567890123.456", "-1,234,567,890,123.46"},
+      {"123456789012.345", "123,456,789,012.345"},
+      {"0.1234567890123456789", "0.123"},
+      {"12000000000000000000", "12,000,000,000,000,000,000.00"},
+      {"1.0000000000000000000", "1.00"}};
+  WrittenQIF qif;
+  for (const auto& [amount, text] : amounts) {
+    qif.writer.writeRawNonInvestmentTransactionAmount({.amount = decimal(amount), .date = kDay});
+    EXPECT_EQ(qif.added(), "D3/5/24\nT" + std::string(text) + "\n");
+  }
+  qif.writer.writeRawNonInvestmentTransactionAmount(
+      {.amount = NSDecimal::notANumber(), .date = kDay});
+  EXPECT_EQ(qif.added(), "D3/5/24\nTNaN\n");
+}
+
 TEST(ORLFQIFDataWriter, WritesTheClearedStatesThatItKnows) {
   WrittenQIF qif;
   const std::pair<std::int32_t, std::string_view> states[] = {

@@ -3,11 +3,29 @@
 #include <ORLFoundation/platform/format/NSDateFormatter.h>
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
 
+#include <array>
+#include <charconv>
+#include <cstdint>
+
 namespace ORLFoundation::internal::interchange {
 namespace {
 
 constexpr std::size_t kUsualLength = 1024;
 constexpr NSInteger kLeastFractionDigits = 2;
+constexpr std::uint64_t kFirstLongMantissa = 1'000'000'000'000'000;
+
+bool hasFifteenDigits(const NSDecimal& number) {
+  return number.isNaN() || (number.isShort() && number.shortMantissa() < kFirstLongMantissa);
+}
+
+/// What a formatter takes of a decimal: the double nearest to it, of which 15 digits hold.
+NSDecimal asTaken(const NSDecimal& number) {
+  if (hasFifteenDigits(number) || hasFifteenDigits(number.compacted())) return number;
+  std::array<char, 32> digits{};
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(),
+                                 number.doubleValue(), std::chars_format::scientific, 14);
+  return NSDecimal::parse({digits.data(), static_cast<std::size_t>(end.ptr - digits.data())});
+}
 
 }  // namespace
 
@@ -23,7 +41,9 @@ std::string dateText(const NSDateFormatter& formatter, const std::optional<NSDat
 }
 
 std::string numberText(const NSNumberFormatter& formatter, const std::optional<NSNumber>& number) {
-  return number ? formatter.stringFromDecimal(number->decimalValue()) : std::string(kNilText);
+  std::optional<NSNumber> taken = number;
+  if (number && number->kind() == NSNumber::Kind::Decimal) taken = asTaken(number->decimalValue());
+  return formatter.stringFromNumber(taken).value_or(std::string(kNilText));
 }
 
 ORLFRecordText::ORLFRecordText() { text_.reserve(kUsualLength); }

@@ -27,7 +27,8 @@ inline constexpr std::string_view kNilText = "(null)";
 /// A date by its formatter; nil as `kNilText`.
 [[nodiscard]] std::string dateText(const NSDateFormatter& formatter,
                                    const std::optional<NSDate>& date);
-/// A number by its formatter; what the formatter has no text for, nil among it, as `kNilText`.
+/// A number by its formatter; what the formatter has no text for, nil among it, as `kNilText`. Of a
+/// decimal 15 digits are written: 99999999999999.99 is "100,000,000,000,000.00". This is required.
 [[nodiscard]] std::string numberText(const NSNumberFormatter& formatter,
                                      const std::optional<NSNumber>& number);
 
