@@ -11,7 +11,7 @@
 
 namespace ORLFoundation {
 
-using namespace internal::interchange;
+using namespace internal::qif;
 
 namespace {
 

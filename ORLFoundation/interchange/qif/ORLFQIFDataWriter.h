@@ -5,7 +5,8 @@
 ///     writer.beginWriting();
 ///     writer.beginTransactionListAccountName("Checking", 0);
 ///     writer.writeNonInvestmentTransactionAmount(
-///         {.amount = price, .date = day, .payee = "Grocer", .category = "Food", .tags = {"trip"}});
+///         {.amount = price, .date = day, .payee = "Grocer", .category = "Food", .tags =
+///         {"trip"}});
 ///     writer.endTransaction();
 ///     writer.stream()->propertyForKey(NSStreamDataWrittenToMemoryStreamKey);
 ///

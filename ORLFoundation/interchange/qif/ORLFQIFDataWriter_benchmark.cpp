@@ -81,8 +81,7 @@ void printRecords(benchmark::State& state) {
       const std::int64_t cents = -payment.cents;
       char line[256];
       const int length = std::snprintf(
-          line, sizeof line,
-          "D%u/%u/%02d\nT%s%lld.%02lld\nCc\nN%s\nP%s\nM%s\nL%s\n^\n",
+          line, sizeof line, "D%u/%u/%02d\nT%s%lld.%02lld\nCc\nN%s\nP%s\nM%s\nL%s\n^\n",
           static_cast<unsigned>(day.month()), static_cast<unsigned>(day.day()),
           static_cast<int>(day.year()) % 100, cents == 0 ? "" : "-",
           static_cast<long long>(cents / 100), static_cast<long long>(cents % 100), "1011",

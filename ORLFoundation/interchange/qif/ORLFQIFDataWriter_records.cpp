@@ -10,7 +10,7 @@
 
 namespace ORLFoundation {
 
-using namespace internal::interchange;
+using namespace internal::qif;
 
 namespace {
 

@@ -58,15 +58,14 @@ TEST(ORLFQIFDataWriter, WritesCategories) {
 
 TEST(ORLFQIFDataWriter, WritesTransactionsWithTheLinesThatArePresent) {
   WrittenQIF qif;
-  EXPECT_TRUE(qif.writer.writeRawNonInvestmentTransactionAmount(
-      {.amount = decimal("-1234.5"),
-       .date = kDay,
-       .cleared = ORLFQIFReconciled,
-       .refNum = "17",
-       .payee = "Müller & Co",
-       .memo = "note",
-       .address = "Street 1\nTown",
-       .category = "Food"}));
+  EXPECT_TRUE(qif.writer.writeRawNonInvestmentTransactionAmount({.amount = decimal("-1234.5"),
+                                                                 .date = kDay,
+                                                                 .cleared = ORLFQIFReconciled,
+                                                                 .refNum = "17",
+                                                                 .payee = "Müller & Co",
+                                                                 .memo = "note",
+                                                                 .address = "Street 1\nTown",
+                                                                 .category = "Food"}));
   EXPECT_EQ(qif.added(), "D3/5/24\nT-1,234.50\nCR\nN17\nPMüller & Co\nMnote\nLFood\n");
   EXPECT_TRUE(qif.writer.writeRawNonInvestmentTransactionAmount(
       {.date = kDay, .refNum = "", .payee = "", .memo = "", .category = ""}));
@@ -142,10 +141,8 @@ const std::vector<TargetRow>& targets() {
 TEST(ORLFQIFDataWriter, TellsWhereAnAmountGoes) {
   for (const TargetRow& row : targets()) {
     WrittenQIF qif;
-    EXPECT_TRUE(qif.writer.writeRawNonInvestmentTransactionAmount({.date = kDay,
-                                                                   .account = row.account,
-                                                                   .category = row.category,
-                                                                   .tags = row.tags}));
+    EXPECT_TRUE(qif.writer.writeRawNonInvestmentTransactionAmount(
+        {.date = kDay, .account = row.account, .category = row.category, .tags = row.tags}));
     EXPECT_EQ(qif.added(), "D3/5/24\nT0.00\n" + std::string(row.line)) << row.name;
     EXPECT_TRUE(qif.writer.writeRawNonInvestmentSplitItemAmount(
         {.account = row.account, .category = row.category, .tags = row.tags}));
@@ -187,11 +184,8 @@ TEST(ORLFQIFDataWriter, WritesSplitItemsWithTheOppositeSign) {
     EXPECT_TRUE(qif.writer.writeRawNonInvestmentSplitItemAmount({.amount = amount}));
     EXPECT_EQ(qif.added(), line);
   }
-  const ORLFQIFSplitItem all{.amount = decimal("5"),
-                             .memo = "m",
-                             .account = "Acct",
-                             .category = "Cat",
-                             .tags = {"t"}};
+  const ORLFQIFSplitItem all{
+      .amount = decimal("5"), .memo = "m", .account = "Acct", .category = "Cat", .tags = {"t"}};
   EXPECT_TRUE(qif.writer.writeNonInvestmentSplitItemAmount(all));
   EXPECT_EQ(qif.added(), "Em\nSCat/t\n$-5.00\n");
   EXPECT_TRUE(qif.writer.writeNonInvestmentSplitTransferItemAmount(all));
@@ -238,8 +232,7 @@ TEST(ORLFQIFDataWriter, DropsTheCategoryOfInvestments) {
                               .category = "Lost",
                               .account = "Checking",
                               .transferAmount = decimal("1234.5")};
-  const std::string lines =
-      "D3/5/24\nNSellX\nYAcme\nI1.00\nQ2.00\nT4.00\nO3.00\nCR\nPp\nMm\n";
+  const std::string lines = "D3/5/24\nNSellX\nYAcme\nI1.00\nQ2.00\nT4.00\nO3.00\nCR\nPp\nMm\n";
   WrittenQIF qif;
   EXPECT_TRUE(qif.writer.writeInvestmentTransactionType(all));
   EXPECT_EQ(qif.added(), lines);

@@ -35,15 +35,14 @@ TEST(ORLFQIFDataWriter, NamesAccountTypes) {
 
 TEST(ORLFQIFDataWriter, NamesInvestmentActions) {
   const std::vector<std::pair<std::int32_t, std::string>> rows{
-      {1, "Buy"},        {2, "BuyX"},        {3, "Sell"},       {4, "SellX"},
-      {5, "BuyToCover"}, {6, "BuyToCoverX"}, {7, "SellShort"},  {8, "SellShortX"},
-      {9, "CGLong"},     {10, "CGLongX"},    {11, "CGMid"},     {12, "CGMidX"},
-      {13, "CGShort"},   {14, "CGShortX"},   {15, "Div"},       {16, "DivX"},
-      {17, "IntInc"},    {18, "IntIncX"},    {19, "MargInt"},   {20, "MargIntX"},
-      {21, "RtnCap"},    {22, "RtnCapX"},    {23, "ReinvDiv"},  {24, "ReinvInt"},
-      {25, "ReinvLg"},   {26, "ReinvMd"},    {27, "ReinvSh"},   {28, "ShrsIn"},
-      {29, "XIn"},       {30, "ShrsOut"},    {31, "XOut"},      {32, "MiscExp"},
-      {33, "MiscExpX"},  {34, "MiscInc"},    {35, "MiscIncX"},  {36, "StkSplit"}};
+      {1, "Buy"},         {2, "BuyX"},      {3, "Sell"},       {4, "SellX"},     {5, "BuyToCover"},
+      {6, "BuyToCoverX"}, {7, "SellShort"}, {8, "SellShortX"}, {9, "CGLong"},    {10, "CGLongX"},
+      {11, "CGMid"},      {12, "CGMidX"},   {13, "CGShort"},   {14, "CGShortX"}, {15, "Div"},
+      {16, "DivX"},       {17, "IntInc"},   {18, "IntIncX"},   {19, "MargInt"},  {20, "MargIntX"},
+      {21, "RtnCap"},     {22, "RtnCapX"},  {23, "ReinvDiv"},  {24, "ReinvInt"}, {25, "ReinvLg"},
+      {26, "ReinvMd"},    {27, "ReinvSh"},  {28, "ShrsIn"},    {29, "XIn"},      {30, "ShrsOut"},
+      {31, "XOut"},       {32, "MiscExp"},  {33, "MiscExpX"},  {34, "MiscInc"},  {35, "MiscIncX"},
+      {36, "StkSplit"}};
   for (const auto& [action, name] : rows)
     EXPECT_EQ(Writer::stringForInvestmentAction(action), name) << action;
   for (const std::int32_t action : {0, -1, 37, 38, 292, kLeast32, kMost32})
@@ -138,12 +137,10 @@ TEST(ORLFQIFDataWriter, HeadsTransactionListsWithTheAccount) {
     std::int32_t type;
     std::string_view name, list;
   };
-  const Row rows[] = {{0, "Bank", "Bank"},        {1, "Cash", "Cash"},
-                      {2, "CCard", "CCard"},      {3, "Invst", "Invst"},
-                      {4, "MutualFund", "Invst"}, {5, "401k/403B", "Invst"},
-                      {6, "Oth A", "Oth A"},      {7, "Oth L", "Oth L"},
-                      {8, "Bank", "Bank"},        {-1, "Bank", "Bank"},
-                      {kLeast32, "Bank", "Bank"}, {kMost32, "Bank", "Bank"}};
+  const Row rows[] = {{0, "Bank", "Bank"},   {1, "Cash", "Cash"},        {2, "CCard", "CCard"},
+                      {3, "Invst", "Invst"}, {4, "MutualFund", "Invst"}, {5, "401k/403B", "Invst"},
+                      {6, "Oth A", "Oth A"}, {7, "Oth L", "Oth L"},      {8, "Bank", "Bank"},
+                      {-1, "Bank", "Bank"},  {kLeast32, "Bank", "Bank"}, {kMost32, "Bank", "Bank"}};
   for (const Row& row : rows) {
     Writer writer;
     const auto stream = std::make_shared<CallStream>();
@@ -197,6 +194,7 @@ TEST(ORLFQIFDataWriter, OpensNoStreamAgain) {
 }
 
 TEST(ORLFQIFDataWriter, HasFormattersOfTheCurrentLocale) {
+  const Replaced current(NSLocale::setCurrentLocale, std::make_shared<NSLocale>("en_US"));
   Writer writer;
   EXPECT_EQ(writer.encoding(), NSUTF8StringEncoding);
   const auto dates = writer.dateFormatter();
@@ -204,7 +202,7 @@ TEST(ORLFQIFDataWriter, HasFormattersOfTheCurrentLocale) {
   EXPECT_EQ(dates->calendar()->calendarIdentifier(), NSCalendarIdentifierGregorian);
   EXPECT_EQ(dates->dateStyle(), NSDateFormatterShortStyle);
   EXPECT_EQ(dates->timeStyle(), NSDateFormatterNoStyle);
-  EXPECT_EQ(dates->locale()->localeIdentifier(), NSLocale::currentLocale()->localeIdentifier());
+  EXPECT_EQ(dates->locale()->localeIdentifier(), "en_US");
   const auto amounts = writer.amountFormatter();
   EXPECT_EQ(writer.amountFormatter(), amounts);
   EXPECT_EQ(amounts->numberStyle(), NSNumberFormatterDecimalStyle);

@@ -10,13 +10,12 @@ constexpr std::array<std::string_view, 8> kAccountTypes{
     "Bank", "Cash", "CCard", "Invst", "MutualFund", "401k/403B", "Oth A", "Oth L"};
 
 constexpr std::array<std::string_view, 37> kInvestmentActions{
-    "Cash",        "Buy",       "BuyX",       "Sell",     "SellX",    "BuyToCover",
-    "BuyToCoverX", "SellShort", "SellShortX", "CGLong",   "CGLongX",  "CGMid",
-    "CGMidX",      "CGShort",   "CGShortX",   "Div",      "DivX",     "IntInc",
-    "IntIncX",     "MargInt",   "MargIntX",   "RtnCap",   "RtnCapX",  "ReinvDiv",
-    "ReinvInt",    "ReinvLg",   "ReinvMd",    "ReinvSh",  "ShrsIn",   "XIn",
-    "ShrsOut",     "XOut",      "MiscExp",    "MiscExpX", "MiscInc",  "MiscIncX",
-    "StkSplit"};
+    "Cash",      "Buy",        "BuyX",     "Sell",     "SellX",   "BuyToCover", "BuyToCoverX",
+    "SellShort", "SellShortX", "CGLong",   "CGLongX",  "CGMid",   "CGMidX",     "CGShort",
+    "CGShortX",  "Div",        "DivX",     "IntInc",   "IntIncX", "MargInt",    "MargIntX",
+    "RtnCap",    "RtnCapX",    "ReinvDiv", "ReinvInt", "ReinvLg", "ReinvMd",    "ReinvSh",
+    "ShrsIn",    "XIn",        "ShrsOut",  "XOut",     "MiscExp", "MiscExpX",   "MiscInc",
+    "MiscIncX",  "StkSplit"};
 
 constexpr std::array<std::string_view, 4> kSecurityTypes{"Stock", "Bond", "Mutual Fund", "CD"};
 

@@ -7,7 +7,7 @@
 #include <charconv>
 #include <cstdint>
 
-namespace ORLFoundation::internal::interchange {
+namespace ORLFoundation::internal::qif {
 namespace {
 
 constexpr std::size_t kUsualLength = 1024;
@@ -22,8 +22,8 @@ bool hasFifteenDigits(const NSDecimal& number) {
 NSDecimal asTaken(const NSDecimal& number) {
   if (hasFifteenDigits(number) || hasFifteenDigits(number.compacted())) return number;
   std::array<char, 32> digits{};
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(),
-                                 number.doubleValue(), std::chars_format::scientific, 14);
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number.doubleValue(),
+                                 std::chars_format::scientific, 14);
   return NSDecimal::parse({digits.data(), static_cast<std::size_t>(end.ptr - digits.data())});
 }
 
@@ -83,4 +83,4 @@ ORLFRecordText& ORLFRecordText::addPresentObject(std::string_view mark, const id
   return value ? addLine(mark, value.description()) : *this;
 }
 
-}  // namespace ORLFoundation::internal::interchange
+}  // namespace ORLFoundation::internal::qif

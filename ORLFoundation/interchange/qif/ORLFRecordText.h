@@ -16,7 +16,7 @@ class NSDateFormatter;
 class NSNumberFormatter;
 }  // namespace ORLFoundation
 
-namespace ORLFoundation::internal::interchange {
+namespace ORLFoundation::internal::qif {
 
 /// What stands in a line for nil.
 inline constexpr std::string_view kNilText = "(null)";
@@ -58,4 +58,4 @@ class ORLFRecordText {
   std::string text_;
 };
 
-}  // namespace ORLFoundation::internal::interchange
+}  // namespace ORLFoundation::internal::qif

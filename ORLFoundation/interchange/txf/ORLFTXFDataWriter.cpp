@@ -12,7 +12,7 @@
 
 namespace ORLFoundation {
 
-using namespace internal::interchange;
+using namespace internal::qif;
 using namespace internal::txf;
 
 namespace {

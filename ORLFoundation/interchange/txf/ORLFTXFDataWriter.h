@@ -31,8 +31,8 @@ class NSOutputStream;
 
 class ORLFTXFDataWriter : public NSObject {
  public:
-  /// `stream`  One to memory, made on the first read, until set; nil lets a new one be made. Nothing
-  /// closes it.
+  /// `stream`  One to memory, made on the first read, until set; nil lets a new one be made.
+  /// Nothing closes it.
   [[nodiscard]] const std::shared_ptr<NSOutputStream>& stream();
   void setStream(std::shared_ptr<NSOutputStream> value);
   /// `encoding`  The number of an `NSStringEncoding`, UTF-8 at first.
@@ -67,8 +67,8 @@ class ORLFTXFDataWriter : public NSObject {
   /// `writeDetailForTaxFormCopy:lineNumber:refNumber:amount:detailDate:detailAccount:detailCheckNumber:detailPayee:detailMemo:detailCategory:error:`
   /// A summary with one more line of columns, a blank between them: the date; the account as it is,
   /// cut to 29 UTF-16 units from 31 on; the check number in 6, of a longer one what follows the
-  /// fifth; payee and memo in 40, longer ones cut to 39; the category in 15, a longer one cut to 14.
-  /// A cut through a character beyond the BMP leaves a half that no encoding holds.
+  /// fifth; payee and memo in 40, longer ones cut to 39; the category in 15, a longer one cut
+  /// to 14. A cut through a character beyond the BMP leaves a half that no encoding holds.
   bool writeDetailForTaxFormCopy(const ORLFTXFDetail& detail, NSErrorSlot error = nullptr);
   /// `writeCapitalGainsLongForSecurityName:taxFormCopy:lineNumber:shares:costBasis:grossProceeds:purchaseDate:saleDate:error:`
   /// Under the reference number 323.

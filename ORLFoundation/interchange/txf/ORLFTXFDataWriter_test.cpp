@@ -31,8 +31,8 @@ TEST(ORLFTXFDataWriter, WritesSummaries) {
   WrittenTXF txf;
   EXPECT_TRUE(txf.writer.writeSummaryForTaxFormCopy(1, 2, "287", decimal("-1234.5")));
   EXPECT_EQ(txf.added(), "TS\nN287\nC1\nL2\n$-1,234.50\n^\n");
-  EXPECT_TRUE(txf.writer.writeSummaryForTaxFormCopy(-1, std::numeric_limits<NSInteger>::min(), 460,
-                                                    0.5));
+  EXPECT_TRUE(
+      txf.writer.writeSummaryForTaxFormCopy(-1, std::numeric_limits<NSInteger>::min(), 460, 0.5));
   EXPECT_EQ(txf.added(), "TS\nN460\nC-1\nL-9223372036854775808\n$0.50\n^\n");
   EXPECT_TRUE(txf.writer.writeSummaryForTaxFormCopy(0, 0, nullptr, std::nullopt));
   EXPECT_EQ(txf.added(), "TS\nN(null)\nC0\nL0\n$(null)\n^\n");
@@ -189,11 +189,10 @@ TEST(ORLFTXFDataWriter, WritesEachRecordInOneCall) {
 }
 
 TEST(ORLFTXFDataWriter, WritesNoByteOfARecordThatItsEncodingLacks) {
-  const std::pair<NSUInteger, std::string_view> lacking[] = {
-      {NSASCIIStringEncoding, "é"},
-      {NSISOLatin1StringEncoding, "€"},
-      {NSWindowsCP1252StringEncoding, "ł"},
-      {NSMacOSRomanStringEncoding, "ł"}};
+  const std::pair<NSUInteger, std::string_view> lacking[] = {{NSASCIIStringEncoding, "é"},
+                                                             {NSISOLatin1StringEncoding, "€"},
+                                                             {NSWindowsCP1252StringEncoding, "ł"},
+                                                             {NSMacOSRomanStringEncoding, "ł"}};
   for (const auto& [encoding, character] : lacking) {
     WrittenTXF txf;
     txf.writer.setEncoding(encoding);
@@ -218,11 +217,13 @@ std::string transcribed(std::string account, std::string check, std::string paye
     check = check.substr(5);
   }
   for (auto* text : {&payee, &memo}) {
-    if (text->size() > 40) *text = text->substr(0, 39);
+    if (text->size() > 40)
+      *text = text->substr(0, 39);
     else
       while (text->size() < 40) *text += " ";
   }
-  if (category.size() > 15) category = category.substr(0, 14);
+  if (category.size() > 15)
+    category = category.substr(0, 14);
   else
     while (category.size() < 15) category += " ";
   return "X12/31/2024 " + account + " " + check + " " + payee + " " + memo + " " + category + "\n";

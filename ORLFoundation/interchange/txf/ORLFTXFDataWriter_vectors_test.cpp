@@ -34,8 +34,8 @@ bool writeHeader(Writer& writer, const Json& in) {
 
 bool writeSummary(Writer& writer, const Json& in) {
   return writer.writeSummaryForTaxFormCopy(in.at("copy").get<NSInteger>(),
-                                           in.at("line").get<NSInteger>(),
-                                           text(in.at("refNumber")), number(in.at("amount")));
+                                           in.at("line").get<NSInteger>(), text(in.at("refNumber")),
+                                           number(in.at("amount")));
 }
 
 bool writeDetail(Writer& writer, const Json& in) {
