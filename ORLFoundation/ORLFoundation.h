@@ -18,6 +18,7 @@
 #include <ORLFoundation/calendar/ORLFCompareCalendarUnits.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
 #include <ORLFoundation/calendar/ORLFISO8601.h>
+#include <ORLFoundation/datetext/entry/ORLFDateFormatter.h>
 #include <ORLFoundation/datetext/inference/ORLFDateFormatInferenceEngine.h>
 #include <ORLFoundation/decimal/ORLFDecimal.h>
 #include <ORLFoundation/decimal/ORLFDecimalAmount.h>
