@@ -147,11 +147,12 @@ void NSXMLParser::readStream(NSInputStream& stream, PushParser& parser) {
   const AtExit close([&] {
     if (isOurs) stream.close();
   });
-  std::array<std::uint8_t, kBytesAtATime> bytes;
+  std::array<std::uint8_t, kBytesAtATime> bytes{};
   for (bool isMore = true; isMore;) {
     std::size_t filled = 0;
     while (isMore && filled < bytes.size()) {
-      const NSInteger taken = stream.read(std::span(bytes).subspan(filled));
+      const bool hasFailed = stream.streamStatus() == NSStreamStatusError;
+      const NSInteger taken = hasFailed ? -1 : stream.read(std::span(bytes).subspan(filled));
       if (taken < 0) {
         error_ = stream.streamError();
         if (error_ == nullptr) error_ = NSError::errorWithDomain(NSPOSIXErrorDomain, EIO);

@@ -40,6 +40,9 @@ struct FreeContext {
   }
 };
 
+// NOLINTNEXTLINE(cert-dcl50-cpp): the type is libxml2's.
+void passOver(void* /*data*/, const char* /*format*/, ...) {}
+
 /// libxml2 tells faults of conversion to a function of the thread, not to the parser, and would
 /// print them.
 class QuietThread {
@@ -49,7 +52,7 @@ class QuietThread {
         genericData_(xmlGenericErrorContext),
         structured_(xmlStructuredError),
         structuredData_(xmlStructuredErrorContext) {
-    xmlSetGenericErrorFunc(nullptr, [](void*, const char*, ...) {});
+    xmlSetGenericErrorFunc(nullptr, passOver);
     xmlSetStructuredErrorFunc(nullptr, [](void*, xmlErrorPtr) {});
   }
   ~QuietThread() {
@@ -109,13 +112,15 @@ class PushParser::Session {
 
   void stop(NSInteger code, std::string_view message) {
     if (isOver_) return;
-    fault_ = Fault{code, line(), column(), std::string(message)};
     end();
+    fault_ = Fault{code, line_, column_, std::string(message)};
   }
 
   [[nodiscard]] const std::optional<Fault>& fault() const noexcept { return fault_; }
-  [[nodiscard]] NSInteger line() const noexcept { return documentInput().line; }
-  [[nodiscard]] NSInteger column() const noexcept { return documentInput().col; }
+  [[nodiscard]] NSInteger line() const noexcept { return isOver_ ? line_ : documentInput().line; }
+  [[nodiscard]] NSInteger column() const noexcept {
+    return isOver_ ? column_ : documentInput().col;
+  }
 
  private:
   static xmlSAXHandler handlers();
@@ -126,7 +131,10 @@ class PushParser::Session {
     return *(context_->inputNr > 0 ? context_->inputTab[0] : context_->input);
   }
 
+  /// libxml2 goes on to the end of the piece that it was given; its place must be read before.
   void end() noexcept {
+    line_ = line();
+    column_ = column();
     isOver_ = true;
     context_->disableSAX = 1;
   }
@@ -156,7 +164,6 @@ class PushParser::Session {
       stop(NSXMLParserInvalidEncodingError, "The bytes do not fit the document's encoding.");
     if (!isOver_ && isLast && context_->wellFormed == 0)
       stop(context_->errNo, "The document is not well-formed.");
-    isOver_ = isOver_ || isLast;
   }
 
   // Declarations.
@@ -288,6 +295,9 @@ class PushParser::Session {
     if (error.level == XML_ERR_FATAL) {
       std::string_view message = error.message == nullptr ? "" : error.message;
       message.remove_suffix(message.ends_with('\n') ? 1 : 0);
+      // Its code depends on how many bytes of the piece are left.
+      if (message.starts_with("Input is not proper UTF-8"))
+        return stop(NSXMLParserInvalidEncodingError, "The bytes are no UTF-8.");
       return stop(error.code, message);
     }
     // A prefix bound to nothing is told as a fault of namespaces in place of the attribute.
@@ -300,6 +310,8 @@ class PushParser::Session {
   const NSXMLParserLimits limits_;
   std::unique_ptr<xmlParserCtxt, FreeContext> context_;
   bool isOver_ = false;
+  NSInteger line_ = 0;  // where it was over
+  NSInteger column_ = 0;
   std::optional<Fault> fault_;
   std::exception_ptr thrown_;
 
