@@ -18,6 +18,8 @@
 #include <ORLFoundation/calendar/ORLFCompareCalendarUnits.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
 #include <ORLFoundation/calendar/ORLFISO8601.h>
+#include <ORLFoundation/datetext/entry/ORLFDateFormatter.h>
+#include <ORLFoundation/datetext/inference/ORLFDateFormatInferenceEngine.h>
 #include <ORLFoundation/decimal/ORLFDecimal.h>
 #include <ORLFoundation/decimal/ORLFDecimalAmount.h>
 #include <ORLFoundation/decimal/ORLFDecimalErrorBehavior.h>
@@ -48,8 +50,11 @@
 #include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
 #include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
 #include <ORLFoundation/platform/dispatch/NSThread.h>
+#include <ORLFoundation/platform/format/NSDateFormatter.h>
+#include <ORLFoundation/platform/format/NSFormattingError.h>
 #include <ORLFoundation/platform/format/NSLocale.h>
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
+#include <ORLFoundation/platform/format/NSNumberText.h>
 #include <ORLFoundation/platform/format/NSStringLocalizedCase.h>
 #include <ORLFoundation/platform/image/CGColor.h>
 #include <ORLFoundation/platform/image/CGDataProvider.h>
@@ -96,6 +101,7 @@
 #include <ORLFoundation/platform/text/NSStringEncoding.h>
 #include <ORLFoundation/platform/text/NSStringNumbers.h>
 #include <ORLFoundation/platform/text/NSStringSearch.h>
+#include <ORLFoundation/platform/text/NSStringTrimming.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 #include <ORLFoundation/platform/time/NSCalendarUnit.h>
 #include <ORLFoundation/platform/time/NSDateComponents.h>
@@ -114,6 +120,9 @@
 #include <ORLFoundation/platform/value/NSURL.h>
 #include <ORLFoundation/platform/value/NSURLComponents.h>
 #include <ORLFoundation/platform/value/NSUUID.h>
+#include <ORLFoundation/process/engine/ORLFProcess.h>
+#include <ORLFoundation/process/engine/ORLFProcessDelegate.h>
+#include <ORLFoundation/process/engine/ORLFProcessStep.h>
 #include <ORLFoundation/recurrence/ORLFCalendarRecurrence.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceBlock.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceDayOfWeek.h>

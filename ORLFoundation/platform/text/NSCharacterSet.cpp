@@ -64,11 +64,15 @@ std::shared_ptr<NSCharacterSet> NSCharacterSet::characterSetWithCharactersInStri
 }
 
 NSCharacterSet::NSCharacterSet(std::unique_ptr<const Members> members)
-    : members_(std::move(members)) {}
+    : members_(std::move(members)) {
+  for (unsigned character = 0; character < 128; ++character)
+    if (members_->set.contains(static_cast<UChar32>(character)))
+      ascii_[character / 64] |= std::uint64_t{1} << (character % 64);
+}
 
 NSCharacterSet::~NSCharacterSet() = default;
 
-bool NSCharacterSet::longCharacterIsMember(char32_t character) const noexcept {
+bool NSCharacterSet::isMemberBeyondASCII(char32_t character) const noexcept {
   return character <= 0x10FFFF && members_->set.contains(static_cast<UChar32>(character));
 }
 
@@ -77,6 +81,13 @@ std::shared_ptr<NSCharacterSet> NSCharacterSet::setByAddingCharactersInString(
   const std::unique_ptr<icu::UnicodeSet> set(members_->set.cloneAsThawed());
   set->addAll(internal::text::utf16Of(string));
   return frozen(*set);
+}
+
+std::shared_ptr<NSCharacterSet> NSCharacterSet::setByAddingCharactersOfSet(
+    const NSCharacterSet* set) const {
+  const std::unique_ptr<icu::UnicodeSet> both(members_->set.cloneAsThawed());
+  if (set != nullptr) both->addAll(set->members_->set);
+  return frozen(*both);
 }
 
 std::shared_ptr<NSCharacterSet> NSCharacterSet::invertedSet() const {

@@ -60,6 +60,15 @@ TEST(NSCharacterSet, IsMadeOfTheCharactersOfAText) {
   EXPECT_FALSE(NSCharacterSet::characterSetWithCharactersInString("")->longCharacterIsMember(0));
 }
 
+TEST(NSCharacterSet, TakesInTheMembersOfAnother) {
+  const auto set = NSCharacterSet::characterSetWithCharactersInString("ab");
+  const auto other = NSCharacterSet::characterSetWithCharactersInString("b😀");
+  EXPECT_TRUE(set->setByAddingCharactersOfSet(other.get())
+                  ->isEqual(NSCharacterSet::characterSetWithCharactersInString("ab😀").get()));
+  EXPECT_TRUE(set->setByAddingCharactersOfSet(nullptr)->isEqual(set.get()));
+  EXPECT_FALSE(set->longCharacterIsMember(U'\U0001F600'));
+}
+
 TEST(NSCharacterSet, IsInverted) {
   const auto inverted = NSCharacterSet::characterSetWithCharactersInString("a")->invertedSet();
   EXPECT_FALSE(inverted->longCharacterIsMember(U'a'));
