@@ -176,8 +176,7 @@ TEST(NSXMLParserLimits, EndBombsSoonAndInLittleMemory) {
       {"Subset", std::make_shared<Endless>("<!DOCTYPE a [", std::string(32'768, ' ')),
        NSXMLParserInternalError},
       {"Names", over(names), 2},
-      {"Name", std::make_shared<Endless>("<a", std::string(32'768, 'x')),
-       NSXMLParserInternalError},
+      {"Name", std::make_shared<Endless>("<a", std::string(32'768, 'x')), NSXMLParserInternalError},
   };
   const long before = peak();
   for (const BombCase& row : rows) {

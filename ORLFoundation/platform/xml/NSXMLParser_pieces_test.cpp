@@ -1,6 +1,7 @@
+#include <ORLFoundation/platform/xml/NSXMLParser.h>
+
 #include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/stream/NSInputStream.h>
-#include <ORLFoundation/platform/xml/NSXMLParser.h>
 #include <ORLFoundation/platform/xml/NSXMLParser_testing.h>
 #include <ORLFoundation/platform/xml/internal/PushParser.h>
 #include <gtest/gtest.h>
@@ -114,8 +115,9 @@ std::string inOneByte(std::string_view text, char euro) {
 /// Every kind of markup, long texts too, with letters beyond ASCII where `more` has some.
 std::string documentWith(const std::string& encoding, const std::string& more) {
   std::string text = "<?xml version=\"1.0\"" + encoding + "?>\r\n";
-  text += "<!-- c\u00E9 --><!DOCTYPE a [<!ELEMENT a (b|c|d)*>\r\n<!ENTITY e \"x\u00FC<c/>y\">"
-          "<!ATTLIST b k CDATA 'def\u00E4'>]>\r\n";
+  text +=
+      "<!-- c\u00E9 --><!DOCTYPE a [<!ELEMENT a (b|c|d)*>\r\n<!ENTITY e \"x\u00FC<c/>y\">"
+      "<!ATTLIST b k CDATA 'def\u00E4'>]>\r\n";
   text += "<a>\r\n <b name=\"\u00E9" + more + "&amp;&e2;\" other='>'>t\u00E9" + more +
           "&#x20AC;&lt;&e;]] ></b>\r\r\n<c>";
   for (int i = 0; i < 40; ++i) text += "0123456789 \u00E9" + more + "\r\n";
@@ -179,9 +181,14 @@ TEST(NSXMLParserPieces, OfStreamsGiveTheSameEvents) {
 
 TEST(NSXMLParserPieces, OfBrokenDocumentsGiveTheSameFault) {
   const std::string broken[] = {
-      "<a>\n<b c='1' c='2'/></a>", "<a>t\xFF</a>    ",       "<a>&e;</a>",
-      "<a><b>text</a>",            "<a>text</a><b/>",         "<a b='\xC3(' c='1'></a>",
-      "<a><![CDATA[\xE2\x82]]></a>", "<?xml version='1.0' encoding='x-none'?><a/>",
+      "<a>\n<b c='1' c='2'/></a>",
+      "<a>t\xFF</a>    ",
+      "<a>&e;</a>",
+      "<a><b>text</a>",
+      "<a>text</a><b/>",
+      "<a b='\xC3(' c='1'></a>",
+      "<a><![CDATA[\xE2\x82]]></a>",
+      "<?xml version='1.0' encoding='x-none'?><a/>",
       "<!DOCTYPE a [<!ENTITY e '&e;'>]><a>&e;</a>",
   };
   for (const std::string& document : broken) {

@@ -1,5 +1,6 @@
-#include <ORLFoundation/platform/base/Base64.h>
 #include <ORLFoundation/platform/xml/NSXMLParser.h>
+
+#include <ORLFoundation/platform/base/Base64.h>
 #include <ORLFoundation/platform/xml/NSXMLParser_testing.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorFile.h>
@@ -23,8 +24,7 @@ TEST(NSXMLParserVerdicts, AgreeOnTheDocumentsOfAnotherParsersTests) {
     std::string wellFormed;
     std::string verdict;
     ASSERT_TRUE(fields >> file >> wellFormed >> verdict) << line;
-    NSXMLParser parser(
-        NSURL::fileURLWithPath((documents() / "libxml2" / file).string()));
+    NSXMLParser parser(NSURL::fileURLWithPath((documents() / "libxml2" / file).string()));
     const bool isTaken = parser.parse();
     EXPECT_EQ(isTaken ? "ok" : "refused", verdict)
         << file << (isTaken ? "" : ": " + parser.parserError()->localizedDescription());

@@ -348,8 +348,8 @@ class PushParser::Session {
            std::all_of(input.cur, input.end, isZero);
   }
   void stopBehindDocument() {
-    fault_ = Fault{XML_ERR_DOCUMENT_END, line_, column_,
-                   "Extra content at the end of the document"};
+    fault_ =
+        Fault{XML_ERR_DOCUMENT_END, line_, column_, "Extra content at the end of the document"};
   }
 
   EventSink& sink_;
@@ -357,7 +357,7 @@ class PushParser::Session {
   std::unique_ptr<xmlParserCtxt, FreeContext> context_;
   bool isOver_ = false;
   bool isBehindDocument_ = false;  // zeros have come, and may go on
-  NSInteger line_ = 0;  // where it was over
+  NSInteger line_ = 0;             // where it was over
   NSInteger column_ = 0;
   std::vector<std::uint8_t> lineEnd_;  // the bytes that wait for the next piece
   std::optional<Fault> fault_;
@@ -396,9 +396,8 @@ xmlSAXHandler PushParser::Session::handlers() {
   };
   handler.entityDecl = [](void* data, const xmlChar* name, int type, const xmlChar* publicId,
                           const xmlChar* systemId, xmlChar* content) {
-    run(data, [&](Session& session) {
-      session.declareEntity(name, type, publicId, systemId, content);
-    });
+    run(data,
+        [&](Session& session) { session.declareEntity(name, type, publicId, systemId, content); });
   };
   handler.getEntity = [](void* data, const xmlChar* name) {
     xmlEntityPtr found = nullptr;
