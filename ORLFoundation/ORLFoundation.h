@@ -30,11 +30,15 @@
 #include <ORLFoundation/decimal/ORLFMutableDecimalNumberHandler.h>
 #include <ORLFoundation/decimal/ORLFNegateDecimalNumberTransformer.h>
 #include <ORLFoundation/decimal/ORLFRoundingBehavior.h>
+#include <ORLFoundation/interchange/qif/ORLFQIFDataWriter.h>
+#include <ORLFoundation/interchange/qif/ORLFQIFRecords.h>
 #include <ORLFoundation/interchange/sgml/ORLFSGMLConversion.h>
 #include <ORLFoundation/interchange/sgml/ORLFXMLEntities.h>
 #include <ORLFoundation/interchange/tabular/ORLFScannerUtilities.h>
 #include <ORLFoundation/interchange/tabular/ORLFTabularDataWriter.h>
 #include <ORLFoundation/interchange/tabular/ORLFTabularRowReader.h>
+#include <ORLFoundation/interchange/txf/ORLFTXFDataWriter.h>
+#include <ORLFoundation/interchange/txf/ORLFTXFRecords.h>
 #include <ORLFoundation/interchange/xmlwriting/ORLFXMLWriter.h>
 #include <ORLFoundation/platform/alert/NSAlert.h>
 #include <ORLFoundation/platform/alert/NSAlertPresenter.h>
