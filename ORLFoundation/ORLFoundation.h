@@ -29,6 +29,10 @@
 #include <ORLFoundation/decimal/ORLFMutableDecimalNumberHandler.h>
 #include <ORLFoundation/decimal/ORLFNegateDecimalNumberTransformer.h>
 #include <ORLFoundation/decimal/ORLFRoundingBehavior.h>
+#include <ORLFoundation/decimal/entry/ORLFNumberFormatter.h>
+#include <ORLFoundation/decimal/entry/ORLFNumberFormatterOperator.h>
+#include <ORLFoundation/decimal/entry/ORLFNumberFormattingLocale.h>
+#include <ORLFoundation/decimal/entry/ORLFPercentNumberFormatter.h>
 #include <ORLFoundation/interchange/sgml/ORLFSGMLConversion.h>
 #include <ORLFoundation/interchange/sgml/ORLFXMLEntities.h>
 #include <ORLFoundation/interchange/tabular/ORLFScannerUtilities.h>
