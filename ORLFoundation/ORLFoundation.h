@@ -18,6 +18,7 @@
 #include <ORLFoundation/calendar/ORLFCompareCalendarUnits.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
 #include <ORLFoundation/calendar/ORLFISO8601.h>
+#include <ORLFoundation/datetext/entry/ORLFDateFormatter.h>
 #include <ORLFoundation/datetext/inference/ORLFDateFormatInferenceEngine.h>
 #include <ORLFoundation/decimal/ORLFDecimal.h>
 #include <ORLFoundation/decimal/ORLFDecimalAmount.h>
@@ -33,11 +34,15 @@
 #include <ORLFoundation/decimal/entry/ORLFNumberFormatterOperator.h>
 #include <ORLFoundation/decimal/entry/ORLFNumberFormattingLocale.h>
 #include <ORLFoundation/decimal/entry/ORLFPercentNumberFormatter.h>
+#include <ORLFoundation/interchange/qif/ORLFQIFDataWriter.h>
+#include <ORLFoundation/interchange/qif/ORLFQIFRecords.h>
 #include <ORLFoundation/interchange/sgml/ORLFSGMLConversion.h>
 #include <ORLFoundation/interchange/sgml/ORLFXMLEntities.h>
 #include <ORLFoundation/interchange/tabular/ORLFScannerUtilities.h>
 #include <ORLFoundation/interchange/tabular/ORLFTabularDataWriter.h>
 #include <ORLFoundation/interchange/tabular/ORLFTabularRowReader.h>
+#include <ORLFoundation/interchange/txf/ORLFTXFDataWriter.h>
+#include <ORLFoundation/interchange/txf/ORLFTXFRecords.h>
 #include <ORLFoundation/interchange/xmlwriting/ORLFXMLWriter.h>
 #include <ORLFoundation/platform/alert/NSAlert.h>
 #include <ORLFoundation/platform/alert/NSAlertPresenter.h>
@@ -95,7 +100,9 @@
 #include <ORLFoundation/platform/process/NSBundle.h>
 #include <ORLFoundation/platform/process/NSProcessInfo.h>
 #include <ORLFoundation/platform/process/NSUserActivity.h>
+#include <ORLFoundation/platform/stream/NSInputStream.h>
 #include <ORLFoundation/platform/stream/NSOutputStream.h>
+#include <ORLFoundation/platform/stream/NSStream.h>
 #include <ORLFoundation/platform/text/NSAttributedString.h>
 #include <ORLFoundation/platform/text/NSCharacterSet.h>
 #include <ORLFoundation/platform/text/NSScanner.h>
@@ -123,6 +130,10 @@
 #include <ORLFoundation/platform/value/NSURL.h>
 #include <ORLFoundation/platform/value/NSURLComponents.h>
 #include <ORLFoundation/platform/value/NSUUID.h>
+#include <ORLFoundation/platform/xml/NSXMLParser.h>
+#include <ORLFoundation/platform/xml/NSXMLParserDelegate.h>
+#include <ORLFoundation/platform/xml/NSXMLParserLimits.h>
+#include <ORLFoundation/platform/xml/NSXMLParserLoader.h>
 #include <ORLFoundation/process/engine/ORLFProcess.h>
 #include <ORLFoundation/process/engine/ORLFProcessDelegate.h>
 #include <ORLFoundation/process/engine/ORLFProcessStep.h>

@@ -19,6 +19,8 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareScheduleCommand(Options& options);
 /// `orlf fiscal`  A date in a fiscal year.
 [[nodiscard]] Job declareFiscalCommand(Options& options);
+/// `orlf infer-dates`  The order of day, month and year in a file's dates.
+[[nodiscard]] Job declareInferDatesCommand(Options& options);
 /// `orlf plan`  Balances and contributions of a plan file.
 [[nodiscard]] Job declarePlanCommand(Options& options);
 /// `orlf loan`  The level payment of a loan, and its amortization table.
@@ -41,5 +43,13 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareEmailCommand(Options& options);
 /// `orlf template-image`  A picture drawn in one color.
 [[nodiscard]] Job declareTemplateImageCommand(Options& options);
+/// `orlf csv`  The rows of separated text.
+[[nodiscard]] Job declareCsvCommand(Options& options);
+/// `orlf ofx2xml`  A statement in SGML as XML.
+[[nodiscard]] Job declareOfxToXmlCommand(Options& options);
+/// `orlf xml-escape`  Texts with entities.
+[[nodiscard]] Job declareXmlEscapeCommand(Options& options);
+/// `orlf xml-unescape`  Texts without entities.
+[[nodiscard]] Job declareXmlUnescapeCommand(Options& options);
 
 }  // namespace orlftool

@@ -27,6 +27,7 @@ constexpr std::array kCommands{
     Command{"describe", &declareDescribeCommand},
     Command{"schedule", &declareScheduleCommand},
     Command{"fiscal", &declareFiscalCommand},
+    Command{"infer-dates", &declareInferDatesCommand},
     Command{"plan", &declarePlanCommand},
     Command{"loan", &declareLoanCommand},
     Command{"irr", &declareIrrCommand},
@@ -37,6 +38,10 @@ constexpr std::array kCommands{
     Command{"link", &declareLinkCommand},
     Command{"title", &declareTitleCommand},
     Command{"email", &declareEmailCommand},
+    Command{"csv", &declareCsvCommand},
+    Command{"ofx2xml", &declareOfxToXmlCommand},
+    Command{"xml-escape", &declareXmlEscapeCommand},
+    Command{"xml-unescape", &declareXmlUnescapeCommand},
     Command{"template-image", &declareTemplateImageCommand},
 };
 
