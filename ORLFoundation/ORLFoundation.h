@@ -30,6 +30,10 @@
 #include <ORLFoundation/decimal/ORLFMutableDecimalNumberHandler.h>
 #include <ORLFoundation/decimal/ORLFNegateDecimalNumberTransformer.h>
 #include <ORLFoundation/decimal/ORLFRoundingBehavior.h>
+#include <ORLFoundation/decimal/entry/ORLFNumberFormatter.h>
+#include <ORLFoundation/decimal/entry/ORLFNumberFormatterOperator.h>
+#include <ORLFoundation/decimal/entry/ORLFNumberFormattingLocale.h>
+#include <ORLFoundation/decimal/entry/ORLFPercentNumberFormatter.h>
 #include <ORLFoundation/interchange/qif/ORLFQIFDataWriter.h>
 #include <ORLFoundation/interchange/qif/ORLFQIFRecords.h>
 #include <ORLFoundation/interchange/sgml/ORLFSGMLConversion.h>
