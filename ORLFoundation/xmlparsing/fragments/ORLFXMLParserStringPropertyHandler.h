@@ -1,8 +1,7 @@
 /// Gives the text of its element to the handler around it, under a key.
 ///
 ///     const auto handler = std::make_shared<ORLFXMLParserStringPropertyHandler>();
-///     handler->setPropertyName("memo");  // at the element's end: parent->setValueForKey(text,
-///     "memo")
+///     handler->setPropertyName("memo");  // at the end: parent->setValueForKey(text, "memo")
 #pragma once
 
 #include <ORLFoundation/xmlparsing/fragments/ORLFXMLParserContentHandler.h>
