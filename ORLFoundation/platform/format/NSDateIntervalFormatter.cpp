@@ -103,6 +103,8 @@ void NSDateIntervalFormatterState::makeEngines() {
   DateSettings one;
   one.locale = locale;
   one.pattern = patternOfStyles(locale, settings.dateStyle, settings.timeStyle);
+  one.dateStyle = settings.dateStyle;
+  one.timeStyle = settings.timeStyle;
   one.zone = settings.zone;
   point = std::make_unique<DateEngine>(one);
 }
