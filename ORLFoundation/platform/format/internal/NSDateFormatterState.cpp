@@ -1,7 +1,7 @@
 #include <ORLFoundation/platform/format/internal/NSDateFormatterState.h>
 
 #include <ORLFoundation/platform/format/internal/DateStyles.h>
-#include <ORLFoundation/platform/format/internal/TextPart.h>
+#include <ORLFoundation/platform/text/UTF16Range.h>
 
 #include <algorithm>
 #include <utility>
@@ -55,6 +55,10 @@ DateEngine& NSDateFormatterState::engineOf(std::string_view format) {
   DateSettings made;
   made.locale = icuLocale();
   made.pattern = std::string(format);
+  if (!settings.format && format == pattern()) {
+    made.dateStyle = settings.dateStyle;
+    made.timeStyle = settings.timeStyle;
+  }
   made.zone = settings.zone;
   made.twoDigitStart = settings.twoDigitStart.value_or(*Settings().twoDigitStart);
   if (settings.calendar) {
@@ -97,7 +101,7 @@ std::optional<DateEngine::Reading> NSDateFormatterState::read(std::string_view t
   if (isRelative() && settings.timeStyle == NSDateFormatterNoStyle) {
     const auto days = dayOfWord(icuLocale(), text);
     const auto day = days ? dayFromToday(*days) : std::nullopt;
-    if (day) return DateEngine::Reading{*day, unitsOf(text, NSDateFormatter::kLongestText)};
+    if (day) return DateEngine::Reading{*day, text::unitsOf(text, NSDateFormatter::kLongestText)};
   }
   const std::string& format = pattern();
   if (format.empty()) return std::nullopt;
