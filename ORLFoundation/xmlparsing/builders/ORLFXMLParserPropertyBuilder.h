@@ -1,9 +1,7 @@
 /// Makes one value from an element and gives it to the handler around it, under the key that the
-/// attribute "key" names:
-///
-///     <property key="limit" type="integer" value="3"/>     or    <property key="limit"
-///     integer="3"/> <property key="tags" collection="array"> <property key="element" string="a"/>
-///     </property>
+/// attribute "key" names. `<p key="limit" type="integer" value="3"/>` and its short form
+/// `<p key="limit" integer="3"/>` make a basic value; `collection="array"`, `text="..."` and
+/// `object="..."` in the place of the type make values of the other kinds.
 ///
 /// Which types there are says the builder's vocabulary. A collection is filled by property elements
 /// inside of it with the key "element", a dictionary by those with any other key.
