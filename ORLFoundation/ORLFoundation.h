@@ -18,6 +18,7 @@
 #include <ORLFoundation/calendar/ORLFCompareCalendarUnits.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
 #include <ORLFoundation/calendar/ORLFISO8601.h>
+#include <ORLFoundation/datetext/entry/ORLFDateFormatter.h>
 #include <ORLFoundation/datetext/inference/ORLFDateFormatInferenceEngine.h>
 #include <ORLFoundation/decimal/ORLFDecimal.h>
 #include <ORLFoundation/decimal/ORLFDecimalAmount.h>
@@ -53,6 +54,7 @@
 #include <ORLFoundation/platform/format/NSFormattingError.h>
 #include <ORLFoundation/platform/format/NSLocale.h>
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
+#include <ORLFoundation/platform/format/NSNumberText.h>
 #include <ORLFoundation/platform/format/NSStringLocalizedCase.h>
 #include <ORLFoundation/platform/image/CGColor.h>
 #include <ORLFoundation/platform/image/CGDataProvider.h>

@@ -47,4 +47,7 @@ for amount in '$1,000.50' '1.234,56' '(12.50)' '3 1/2' '1,23,456' '12%' '5 USD';
   printf '  %-12s %s\n' "$amount" "$("$orlf" amount -- "$amount")"
 done
 
+say "A bank's statement as XML"
+run ofx2xml "$here/statement.ofx" --pretty
+
 printf '\nThe chart is in %s\n' "$output/mortgage.svg"

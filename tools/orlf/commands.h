@@ -41,5 +41,13 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareEmailCommand(Options& options);
 /// `orlf template-image`  A picture drawn in one color.
 [[nodiscard]] Job declareTemplateImageCommand(Options& options);
+/// `orlf csv`  The rows of separated text.
+[[nodiscard]] Job declareCsvCommand(Options& options);
+/// `orlf ofx2xml`  A statement in SGML as XML.
+[[nodiscard]] Job declareOfxToXmlCommand(Options& options);
+/// `orlf xml-escape`  Texts with entities.
+[[nodiscard]] Job declareXmlEscapeCommand(Options& options);
+/// `orlf xml-unescape`  Texts without entities.
+[[nodiscard]] Job declareXmlUnescapeCommand(Options& options);
 
 }  // namespace orlftool

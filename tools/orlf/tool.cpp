@@ -37,6 +37,10 @@ constexpr std::array kCommands{
     Command{"link", &declareLinkCommand},
     Command{"title", &declareTitleCommand},
     Command{"email", &declareEmailCommand},
+    Command{"csv", &declareCsvCommand},
+    Command{"ofx2xml", &declareOfxToXmlCommand},
+    Command{"xml-escape", &declareXmlEscapeCommand},
+    Command{"xml-unescape", &declareXmlUnescapeCommand},
     Command{"template-image", &declareTemplateImageCommand},
 };
 

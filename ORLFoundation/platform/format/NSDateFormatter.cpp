@@ -4,9 +4,8 @@
 #include <ORLFoundation/platform/format/internal/DateStyles.h>
 #include <ORLFoundation/platform/format/internal/NSDateFormatterState.h>
 #include <ORLFoundation/platform/format/internal/PatternText.h>
-#include <ORLFoundation/platform/format/internal/TextPart.h>
 #include <ORLFoundation/platform/object/Id.h>
-#include <ORLFoundation/platform/text/UTF16.h>
+#include <ORLFoundation/platform/text/UTF16Range.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 
 #include <utility>
@@ -205,8 +204,10 @@ bool NSDateFormatter::getObjectValue(std::optional<NSDate>* object, std::string_
                                      NSRange* range, NSErrorSlot error) const {
   const std::lock_guard guard(lock_);
   const bool whole = range == nullptr;
-  const std::string_view text = whole ? forString : partOfText(forString, *range, kLongestText);
-  const bool readable = !text.empty() && unitsOf(text, kLongestText) <= kLongestText;
+  const std::string_view text =
+      whole ? forString : internal::text::partOfText(forString, *range, kLongestText);
+  const bool readable =
+      !text.empty() && internal::text::unitsOf(text, kLongestText) <= kLongestText;
   const auto read = readable ? state_->read(text, whole) : std::nullopt;
   if (!read)
     return NSFillErrorSlot(error, NSCocoaErrorDomain, NSFormattingError,

@@ -1,7 +1,7 @@
 #include <ORLFoundation/platform/format/internal/NSDateFormatterState.h>
 
 #include <ORLFoundation/platform/format/internal/DateStyles.h>
-#include <ORLFoundation/platform/format/internal/TextPart.h>
+#include <ORLFoundation/platform/text/UTF16Range.h>
 
 #include <algorithm>
 #include <utility>
@@ -97,7 +97,7 @@ std::optional<DateEngine::Reading> NSDateFormatterState::read(std::string_view t
   if (isRelative() && settings.timeStyle == NSDateFormatterNoStyle) {
     const auto days = dayOfWord(icuLocale(), text);
     const auto day = days ? dayFromToday(*days) : std::nullopt;
-    if (day) return DateEngine::Reading{*day, unitsOf(text, NSDateFormatter::kLongestText)};
+    if (day) return DateEngine::Reading{*day, text::unitsOf(text, NSDateFormatter::kLongestText)};
   }
   const std::string& format = pattern();
   if (format.empty()) return std::nullopt;

@@ -1,9 +1,9 @@
-#include <ORLFoundation/platform/format/internal/TextPart.h>
+#include <ORLFoundation/platform/text/UTF16Range.h>
 
 #include <algorithm>
 #include <cstddef>
 
-namespace ORLFoundation::internal::format {
+namespace ORLFoundation::internal::text {
 namespace {
 
 // The units that a character's first byte stands for; the other bytes stand for none.
@@ -39,4 +39,4 @@ std::string_view partOfText(std::string_view text, NSRange range, NSUInteger mos
   return rest.substr(0, placeOfUnit(rest, std::min(range.length, most)));
 }
 
-}  // namespace ORLFoundation::internal::format
+}  // namespace ORLFoundation::internal::text

@@ -1,11 +1,11 @@
-/// The part of a text that a formatter looks at.
+/// Parts of UTF-8 texts told in units of UTF-16.
 #pragma once
 
 #include <ORLFoundation/platform/value/NSRange.h>
 
 #include <string_view>
 
-namespace ORLFoundation::internal::format {
+namespace ORLFoundation::internal::text {
 
 /// The units of UTF-16 that a text of UTF-8 has, counted up to one more than `most`.
 [[nodiscard]] NSUInteger unitsOf(std::string_view text, NSUInteger most) noexcept;
@@ -14,4 +14,4 @@ namespace ORLFoundation::internal::format {
 [[nodiscard]] std::string_view partOfText(std::string_view text, NSRange range,
                                           NSUInteger most) noexcept;
 
-}  // namespace ORLFoundation::internal::format
+}  // namespace ORLFoundation::internal::text
