@@ -50,6 +50,7 @@
 #include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
 #include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
 #include <ORLFoundation/platform/dispatch/NSThread.h>
+#include <ORLFoundation/platform/files/NSDataReading.h>
 #include <ORLFoundation/platform/format/NSDateFormatter.h>
 #include <ORLFoundation/platform/format/NSFormattingError.h>
 #include <ORLFoundation/platform/format/NSLocale.h>
@@ -92,7 +93,9 @@
 #include <ORLFoundation/platform/process/NSBundle.h>
 #include <ORLFoundation/platform/process/NSProcessInfo.h>
 #include <ORLFoundation/platform/process/NSUserActivity.h>
+#include <ORLFoundation/platform/stream/NSInputStream.h>
 #include <ORLFoundation/platform/stream/NSOutputStream.h>
+#include <ORLFoundation/platform/stream/NSStream.h>
 #include <ORLFoundation/platform/text/NSAttributedString.h>
 #include <ORLFoundation/platform/text/NSCharacterSet.h>
 #include <ORLFoundation/platform/text/NSScanner.h>
@@ -120,6 +123,13 @@
 #include <ORLFoundation/platform/value/NSURL.h>
 #include <ORLFoundation/platform/value/NSURLComponents.h>
 #include <ORLFoundation/platform/value/NSUUID.h>
+#include <ORLFoundation/platform/xml/NSXMLParser.h>
+#include <ORLFoundation/platform/xml/NSXMLParserDelegate.h>
+#include <ORLFoundation/platform/xml/NSXMLParserLimits.h>
+#include <ORLFoundation/platform/xml/NSXMLParserLoader.h>
+#include <ORLFoundation/process/definition/ORLFProcessStepBuilder.h>
+#include <ORLFoundation/process/definition/ORLFProcessStepBuilderDelegate.h>
+#include <ORLFoundation/process/definition/ORLFProcessStepBuilderStepData.h>
 #include <ORLFoundation/process/engine/ORLFProcess.h>
 #include <ORLFoundation/process/engine/ORLFProcessDelegate.h>
 #include <ORLFoundation/process/engine/ORLFProcessStep.h>

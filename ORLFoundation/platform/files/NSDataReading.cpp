@@ -24,11 +24,15 @@ struct Close {
 NSInteger codeOf(int number) {
   switch (number) {
     case ENOENT:
-    case ENOTDIR: return NSFileReadNoSuchFileError;
+    case ENOTDIR:
+      return NSFileReadNoSuchFileError;
     case EACCES:
-    case EPERM: return NSFileReadNoPermissionError;
-    case EFBIG: return NSFileReadTooLargeError;
-    default: return NSFileReadUnknownError;
+    case EPERM:
+      return NSFileReadNoPermissionError;
+    case EFBIG:
+      return NSFileReadTooLargeError;
+    default:
+      return NSFileReadUnknownError;
   }
 }
 

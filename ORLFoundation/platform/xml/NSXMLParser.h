@@ -43,12 +43,12 @@ struct Fault;
 /// meanings of our own too.
 inline constexpr std::string_view NSXMLParserErrorDomain = "NSXMLParserErrorDomain";
 enum NSXMLParserError : NSInteger {
-  NSXMLParserInternalError = 1,             ///< A limit of depth or size.
-  NSXMLParserEmptyDocumentError = 4,        ///< No element.
-  NSXMLParserUndeclaredEntityError = 26,    ///< A reference to an entity that nobody declared.
-  NSXMLParserEntityIsExternalError = 29,    ///< A reference to an external entity.
-  NSXMLParserInvalidEncodingError = 81,     ///< Bytes that the document's encoding does not know.
-  NSXMLParserEntityRefLoopError = 89,       ///< Entities that hold themselves, or expand too far.
+  NSXMLParserInternalError = 1,           ///< A limit of depth or size.
+  NSXMLParserEmptyDocumentError = 4,      ///< No element.
+  NSXMLParserUndeclaredEntityError = 26,  ///< A reference to an entity that nobody declared.
+  NSXMLParserEntityIsExternalError = 29,  ///< A reference to an external entity.
+  NSXMLParserInvalidEncodingError = 81,   ///< Bytes that the document's encoding does not know.
+  NSXMLParserEntityRefLoopError = 89,     ///< Entities that hold themselves, or expand too far.
   NSXMLParserDelegateAbortedParseError = 512,
 };
 /// Keys of the user information of such errors: whole numbers, the first line and column being 1,
@@ -64,8 +64,8 @@ class NSXMLParser : public NSObject {
   /// `initWithStream:`  A stream that is not open yet is opened by `parse`, and closed after it.
   /// null reads as a document without bytes.
   explicit NSXMLParser(std::shared_ptr<NSInputStream> stream);
-  /// `initWithContentsOfURL:`  Nothing is opened before `parse`. Addresses other than those of files
-  /// go to the loader that a host installed, see NSXMLParserLoader.h.
+  /// `initWithContentsOfURL:`  Nothing is opened before `parse`. Addresses other than those of
+  /// files go to the loader that a host installed, see NSXMLParserLoader.h.
   explicit NSXMLParser(NSURL contentsOfURL);
   ~NSXMLParser() override;
 

@@ -7,8 +7,9 @@
 namespace ORLFoundation {
 namespace {
 
-constinit internal::base::Replaceable<const NSXMLParserLimits> processLimits(
-    []() { return std::make_shared<const NSXMLParserLimits>(); });
+constinit internal::base::Replaceable<const NSXMLParserLimits> processLimits([]() {
+  return std::make_shared<const NSXMLParserLimits>();
+});
 
 }  // namespace
 

@@ -38,9 +38,7 @@ const EventsCase kEvents[] = {
     {"CharacterData",
      "<a><![CDATA[<b>&amp;]]>c<![CDATA[]]></a>",
      {"start", "<a>", "text <b>&amp;c", "</a>", "end", "true"}},
-    {"LineEnds",
-     "<a>1\r\n2\r3\n4</a>",
-     {"start", "<a>", "text 1\n2\n3\n4", "</a>", "end", "true"}},
+    {"LineEnds", "<a>1\r\n2\r3\n4</a>", {"start", "<a>", "text 1\n2\n3\n4", "</a>", "end", "true"}},
     {"NamesAsWritten",
      "<p:a xmlns:p='u' xmlns='v' p:b='1' b='2'><p:c/><d/></p:a>",
      {"start", "<p:a xmlns:p=u xmlns=v p:b=1 b=2>", "<p:c>", "</p:c>", "<d>", "</d>", "</p:a>",
@@ -273,8 +271,8 @@ TEST(NSXMLParser, AbortTellsItsPlace) {
   const auto events = std::make_shared<AtEvent>(5, [](NSXMLParser& p) { p.abortParsing(); });
   parser.setDelegate(events);
   EXPECT_FALSE(parser.parse());
-  EXPECT_EQ(events->lines, (Lines{"start", "<a>", "text \n ", "<b>", "text \n  ", "<c>",
-                                  "error 512"}));
+  EXPECT_EQ(events->lines,
+            (Lines{"start", "<a>", "text \n ", "<b>", "text \n  ", "<c>", "error 512"}));
   EXPECT_EQ(errorOf(parser.parserError()), "512 at 3:5");
   EXPECT_EQ(parser.lineNumber(), 3);
   EXPECT_EQ(parser.columnNumber(), 5);
@@ -336,8 +334,8 @@ TEST(NSXMLParser, LetsAttributesBeKept) {
     }
   };
   const auto keeper = std::make_shared<Keeper>();
-  NSXMLParser parser(NSData(std::string_view(
-      "<r><a x='1' y=''/><drop x='2'/><drop x='3'/><b x='4'/><c/><d/></r>")));
+  NSXMLParser parser(NSData(
+      std::string_view("<r><a x='1' y=''/><drop x='2'/><drop x='3'/><b x='4'/><c/><d/></r>")));
   parser.setDelegate(keeper);
   ASSERT_TRUE(parser.parse());
   ASSERT_EQ(keeper->all.size(), 5U);
@@ -353,8 +351,7 @@ TEST(NSXMLParser, LetsAttributesBeKept) {
   EXPECT_EQ(first.allValues(), (std::vector<id>{"1", ""}));
   EXPECT_EQ(first.keyEnumerator()->allObjects()->count(), 2U);
   EXPECT_EQ(first.description(), "{\n    x = 1;\n    y = \"\";\n}");
-  EXPECT_TRUE(first.isEqual(
-      NSDictionary::dictionaryWithEntries({{"y", ""}, {"x", "1"}}).get()));
+  EXPECT_TRUE(first.isEqual(NSDictionary::dictionaryWithEntries({{"y", ""}, {"x", "1"}}).get()));
   EXPECT_EQ(keeper->all[1]->copy(), keeper->all[1]);
   EXPECT_TRUE(first.isEqual(keeper->all[1]->mutableCopy().get()));
   NSFastEnumerationState state;
@@ -388,15 +385,15 @@ TEST(NSXMLParser, AsksTheHostsLoaderForOtherAddresses) {
 
   std::vector<std::string> asked;
   std::string answer = "<a/>";
-  const Replaced loader(
-      NSSetXMLParserLoader,
-      NSXMLParserLoader([&](const NSURL& address,
-                            NSErrorSlot error) -> std::shared_ptr<NSInputStream> {
-        asked.push_back(address.absoluteString());
-        if (!answer.empty()) return NSInputStream::initWithData(NSData(std::string_view(answer)));
-        NSFillErrorSlot(error, NSURLErrorDomain, -1009, "offline");
-        return nullptr;
-      }));
+  const Replaced loader(NSSetXMLParserLoader,
+                        NSXMLParserLoader([&](const NSURL& address,
+                                              NSErrorSlot error) -> std::shared_ptr<NSInputStream> {
+                          asked.push_back(address.absoluteString());
+                          if (!answer.empty())
+                            return NSInputStream::initWithData(NSData(std::string_view(answer)));
+                          NSFillErrorSlot(error, NSURLErrorDomain, -1009, "offline");
+                          return nullptr;
+                        }));
   EXPECT_EQ(eventsOf(parser), (Lines{"start", "<a>", "</a>", "end", "true"}));
   answer = "<!DOCTYPE a SYSTEM 'https://example.com/a.dtd' [<!ENTITY e SYSTEM 'b'>]><a>&e;</a>";
   EXPECT_EQ(eventsOf(parser), (Lines{"start", "<a>", "error 29", "false"}));

@@ -23,9 +23,9 @@ std::optional<std::string> attribute(const NSDictionary& attributes, std::string
 std::string present(std::optional<std::string> value, std::string_view element,
                     std::string_view name) {
   if (!value)
-    throw NSException(NSInvalidArgumentException, "A <" + std::string(element) +
-                                                      "> is without the attribute " +
-                                                      std::string(name));
+    throw NSException(
+        NSInvalidArgumentException,
+        "A <" + std::string(element) + "> is without the attribute " + std::string(name));
   return *std::move(value);
 }
 
@@ -146,8 +146,7 @@ void ORLFProcessStepBuilder::startTransition(NSXMLParser& parser, const NSDictio
 }
 
 void ORLFProcessStepBuilder::startRepresentedObject(NSXMLParser&, const NSDictionary& attributes) {
-  if (currentStepData_)
-    currentStepData_->setRepresentedObjectType(attribute(attributes, "type"));
+  if (currentStepData_) currentStepData_->setRepresentedObjectType(attribute(attributes, "type"));
 }
 
 void ORLFProcessStepBuilder::startProperty(NSXMLParser&, const NSDictionary& attributes) {

@@ -50,7 +50,8 @@ class ORLFProcessStepBuilderStepData : public NSObject {
   /// The properties by their keys; made at first use, never null.
   [[nodiscard]] const std::shared_ptr<NSMutableDictionary>& representedObjectData();
   /// The records inside this one, in the file's order.
-  [[nodiscard]] std::vector<std::shared_ptr<ORLFProcessStepBuilderStepData>>& childSteps() noexcept {
+  [[nodiscard]] std::vector<std::shared_ptr<ORLFProcessStepBuilderStepData>>&
+  childSteps() noexcept {
     return childSteps_;
   }
   /// Identifiers of siblings, or `NSNull` for a way out of the parent, under names of transitions.

@@ -24,9 +24,10 @@ struct Task {
 
 [[noreturn]] void raiseNoIdentifier(const ORLFProcessStepBuilderStepData& record,
                                     const ORLFProcessStep& parent) {
-  const std::string what = record.reference() ? "<stepref id=\"" + record.identifier().value_or("") +
-                                                    "\"> refers to no step"
-                                              : "<step> has no id";
+  const std::string what =
+      record.reference()
+          ? "<stepref id=\"" + record.identifier().value_or("") + "\"> refers to no step"
+          : "<step> has no id";
   throw NSException(NSInvalidArgumentException, "In \"" + parent.identifier() + "\", a " + what);
 }
 
@@ -69,9 +70,9 @@ NSUInteger ORLFProcessStepBuilder::countOfSteps(const std::vector<StepData>& rec
     if (!costliest || count > census.count(costliest)) costliest = data;
     const NSUInteger left = stepLimit_ - std::min(stepLimit_, stepCount_ + total);
     if (count > left)
-      throw NSException(NSGenericException, "References ask for more than " +
-                                                std::to_string(stepLimit_) + " steps, most of all " +
-                                                census.costliestChain(costliest));
+      throw NSException(NSGenericException,
+                        "References ask for more than " + std::to_string(stepLimit_) +
+                            " steps, most of all " + census.costliestChain(costliest));
     total += count;
   }
   return total;
@@ -121,11 +122,11 @@ void ORLFProcessStepBuilder::fillStepWithTransitionsFromData(const Step& step,
     if (data->reference() && data->representedObjectType().value_or("").empty()) return;
   }
   const auto maker = delegate();
-  step->setRepresentedObject(
-      maker ? maker->processStepBuilderRepresentedObjectForStep(
-                  *this, step, data ? data->representedObjectType() : std::nullopt,
-                  data ? data->representedObjectData() : nullptr)
-            : nullptr);
+  step->setRepresentedObject(maker ? maker->processStepBuilderRepresentedObjectForStep(
+                                         *this, step,
+                                         data ? data->representedObjectType() : std::nullopt,
+                                         data ? data->representedObjectData() : nullptr)
+                                   : nullptr);
 }
 
 }  // namespace ORLFoundation

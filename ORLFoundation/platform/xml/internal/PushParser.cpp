@@ -348,9 +348,8 @@ xmlSAXHandler PushParser::Session::handlers() {
   };
   handler.entityDecl = [](void* data, const xmlChar* name, int type, const xmlChar* publicId,
                           const xmlChar* systemId, xmlChar* content) {
-    run(data, [&](Session& session) {
-      session.declareEntity(name, type, publicId, systemId, content);
-    });
+    run(data,
+        [&](Session& session) { session.declareEntity(name, type, publicId, systemId, content); });
   };
   handler.getEntity = [](void* data, const xmlChar* name) {
     xmlEntityPtr found = nullptr;

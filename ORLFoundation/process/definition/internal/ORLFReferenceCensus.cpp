@@ -86,8 +86,7 @@ void ReferenceCensus::raiseCycle(const std::vector<Visit>& open, const StepData&
     if (number == kNamesInAChain) chain += " > ...";
   }
   append(chain, target);
-  throw NSException(NSGenericException, "Steps refer to themselves over " +
-                                            std::to_string(length) +
+  throw NSException(NSGenericException, "Steps refer to themselves over " + std::to_string(length) +
                                             (length == 1 ? " reference: " : " references: ") +
                                             chain);
 }
