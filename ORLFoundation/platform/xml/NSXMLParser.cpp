@@ -152,8 +152,9 @@ void NSXMLParser::readStream(NSInputStream& stream, PushParser& parser) {
     std::size_t filled = 0;
     while (isMore && filled < bytes.size()) {
       const bool hasFailed = stream.streamStatus() == NSStreamStatusError;
-      const NSInteger taken = hasFailed ? -1 : stream.read(std::span(bytes).subspan(filled));
-      if (taken < 0) {
+      const auto room = std::span(bytes).subspan(filled);
+      const NSInteger taken = hasFailed ? -1 : stream.read(room);
+      if (taken < 0 || static_cast<std::size_t>(taken) > room.size()) {
         error_ = stream.streamError();
         if (error_ == nullptr) error_ = NSError::errorWithDomain(NSPOSIXErrorDomain, EIO);
         return;

@@ -16,6 +16,7 @@
 /// DTD is passed over, and a reference to an external entity, or to one that nobody declared, is an
 /// error. Declarations of the prefix `xml`, and ones that bind a prefix to the reserved addresses
 /// of `xml` and `xmlns`, are left out of the attributes; a prefix that nobody declared is no error.
+/// Zero bytes behind a document are passed over.
 ///
 /// What a delegate throws ends the parse and comes out of `parse` again. One thread at a time.
 #pragma once

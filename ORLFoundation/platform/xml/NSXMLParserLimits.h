@@ -17,9 +17,12 @@ struct NSXMLParserLimits {
   /// Bytes of UTF-8 that the entities of a document may be replaced by, all references together,
   /// those inside of other entities too.
   NSUInteger entityExpansion = 1'000'000;
-  /// Bytes of UTF-8 of one attribute's value, of one text between two tags, of markup that has not
-  /// come to its end, and of all different names together.
+  /// Bytes of UTF-8 of one attribute's value, of one text between two tags, and of markup that has
+  /// not come to its end.
   NSUInteger textLength = 10'000'000;
+  /// Bytes that the different names of a document take up together, as libxml2 sets them aside: the
+  /// time that a name takes grows with their number.
+  NSUInteger namesLength = 1'000'000;
 };
 
 /// The limits of parsers that were given none.

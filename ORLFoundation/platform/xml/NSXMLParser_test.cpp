@@ -64,6 +64,9 @@ const EventsCase kEvents[] = {
      {"start", "<a c=1 b=x>", "</a>", "end", "true"}},
     {"NotWellFormed", "<a><b></a>", {"start", "<a>", "<b>", "error 76", "false"}},
     {"Nothing", "", {"error 5", "false"}},
+    {"ZerosBehind", {"<a/>\0\0", 6}, {"start", "<a>", "</a>", "end", "true"}},
+    {"MoreBehindZeros", {"<a/>\0<", 6}, {"start", "<a>", "</a>", "error 5", "false"}},
+    {"ZeroInside", {"<a>\0</a>", 8}, {"start", "<a>", "error 9", "false"}},
 };
 
 TEST(NSXMLParser, TellsEventsInOrder) {

@@ -22,6 +22,8 @@ namespace {
 constexpr std::string_view kBlanks = " \t\r\n";
 /// What libxml2 is given at a time: an abort is heeded after so much at most.
 constexpr std::size_t kPiece = 65'536;
+/// Both halves of a line end in the widest encoding.
+constexpr std::size_t kLongestLineEnd = 8;
 /// What a reference costs beside the text that takes its place, so that empty entities end too.
 constexpr NSUInteger kReferenceCost = 16;
 
@@ -88,30 +90,32 @@ class PushParser::Session {
     if (!context_) throw std::bad_alloc();
     // The limits of libxml2's own cannot be chosen, so they are lifted for those here.
     xmlCtxtUseOptions(context_.get(), XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_NOWARNING);
-    xmlDictSetLimit(context_->dict, limits_.textLength);
+    xmlDictSetLimit(context_->dict, limits_.namesLength);
     // For attributes' values. Of external entities, the option to load them stays off.
     context_->replaceEntities = 1;
   }
 
   bool push(std::span<const std::uint8_t> bytes) {
+    if (isBehindDocument_ && !std::ranges::all_of(bytes, isZero)) stopBehindDocument();
     while (!bytes.empty() && !isOver_) {
       const auto piece = bytes.first(std::min(bytes.size(), kPiece));
-      feed(piece, false);
+      feedButLineEnd(piece);
       bytes = bytes.subspan(piece.size());
       const auto waiting = context_->input->end - context_->input->cur;
       if (!isOver_ && static_cast<NSUInteger>(waiting) > limits_.textLength)
         stop(NSXMLParserInternalError, "A piece of markup or text is too long.");
     }
-    return !isOver_;
+    return isBehindDocument_ ? !fault_ : !isOver_;
   }
 
   bool finish() {
+    if (!isOver_) feed(std::exchange(lineEnd_, {}), false);
     if (!isOver_) feed({}, true);
     return !fault_;
   }
 
   void stop(NSInteger code, std::string_view message) {
-    if (isOver_) return;
+    if (fault_ || (isOver_ && !isBehindDocument_)) return;
     end();
     fault_ = Fault{code, line_, column_, std::string(message)};
   }
@@ -124,6 +128,7 @@ class PushParser::Session {
 
  private:
   static xmlSAXHandler handlers();
+  static bool isZero(std::uint8_t byte) noexcept { return byte == 0; }
   static Session& of(void* data) noexcept { return *static_cast<Session*>(data); }
 
   /// The document's own, though a parameter entity is being read.
@@ -152,7 +157,32 @@ class PushParser::Session {
     }
   }
 
+  /// Keeps what may be half of a line end for the next piece: libxml2 would take a carriage return
+  /// that ends a piece in UTF-16 for a line end of its own.
+  void feedButLineEnd(std::span<const std::uint8_t> piece) {
+    std::vector<std::uint8_t> joined;
+    if (!lineEnd_.empty()) {
+      joined = std::exchange(lineEnd_, {});
+      joined.insert(joined.end(), piece.begin(), piece.end());
+      piece = joined;
+    }
+    const std::size_t kept = lengthOfLineEnd(piece);
+    lineEnd_.assign(piece.end() - static_cast<std::ptrdiff_t>(kept), piece.end());
+    feed(piece.first(piece.size() - kept), false);
+  }
+  /// How many of the last bytes are a carriage return with zeros and line feeds alone behind it.
+  static std::size_t lengthOfLineEnd(std::span<const std::uint8_t> bytes) noexcept {
+    const std::size_t most = std::min(bytes.size(), kLongestLineEnd);
+    for (std::size_t length = 1; length <= most; ++length) {
+      const std::uint8_t byte = bytes[bytes.size() - length];
+      if (byte == '\r') return length;
+      if (byte != 0 && byte != '\n') break;
+    }
+    return 0;
+  }
+
   void feed(std::span<const std::uint8_t> bytes, bool isLast) {
+    if (bytes.empty() && !isLast) return;
     {
       const QuietThread quiet;
       xmlParseChunk(context_.get(), reinterpret_cast<const char*>(bytes.data()),
@@ -296,8 +326,13 @@ class PushParser::Session {
       std::string_view message = error.message == nullptr ? "" : error.message;
       message.remove_suffix(message.ends_with('\n') ? 1 : 0);
       // Its code depends on how many bytes of the piece are left.
-      if (message.starts_with("Input is not proper UTF-8"))
+      if (message.starts_with("Input is not proper UTF-8") ||
+          message.find("detected an error in element content") != message.npos)
         return stop(NSXMLParserInvalidEncodingError, "The bytes are no UTF-8.");
+      if (error.code == XML_ERR_DOCUMENT_END && onlyZerosRemain()) {
+        isBehindDocument_ = true;
+        return end();
+      }
       return stop(error.code, message);
     }
     // A prefix bound to nothing is told as a fault of namespaces in place of the attribute.
@@ -306,12 +341,25 @@ class PushParser::Session {
       emptyPrefixes_.emplace_back(error.str1);
   }
 
+  /// Texts are often handed over with the zero behind them.
+  [[nodiscard]] bool onlyZerosRemain() const {
+    const xmlParserInput& input = documentInput();
+    return context_->instate == XML_PARSER_EPILOG && input.cur < input.end &&
+           std::all_of(input.cur, input.end, isZero);
+  }
+  void stopBehindDocument() {
+    fault_ =
+        Fault{XML_ERR_DOCUMENT_END, line_, column_, "Extra content at the end of the document"};
+  }
+
   EventSink& sink_;
   const NSXMLParserLimits limits_;
   std::unique_ptr<xmlParserCtxt, FreeContext> context_;
   bool isOver_ = false;
-  NSInteger line_ = 0;  // where it was over
+  bool isBehindDocument_ = false;  // zeros have come, and may go on
+  NSInteger line_ = 0;             // where it was over
   NSInteger column_ = 0;
+  std::vector<std::uint8_t> lineEnd_;  // the bytes that wait for the next piece
   std::optional<Fault> fault_;
   std::exception_ptr thrown_;
 
