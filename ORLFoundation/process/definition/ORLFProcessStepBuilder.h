@@ -1,12 +1,12 @@
 /// Reads a process definition, and makes the tree of steps that it tells of.
 ///
-///     <process rootstep="loan">
-///       <step id="loan" firststep="income">
-///         <step id="income"><transition value="next" stepid="check"/></step>
-///         <stepref id="check"><transition value="fail" end="rejected"/></stepref>
-///       </step>
-///       <step id="check"><representedobject type="page"/></step>
-///     </process>
+///   <process rootstep="loan">
+///    <step id="loan" firststep="income">
+///    <step id="income"><transition value="next" stepid="check"/></step>
+///    <stepref id="check"><transition value="fail" end="rejected"/></stepref>
+///    </step>
+///    <step id="check"><representedobject type="page"/></step>
+///   </process>
 ///
 /// A delegate makes the objects that the steps represent:
 ///

@@ -10,7 +10,7 @@
 
 namespace ORLFoundation {
 
-using internal::process_definition::ReferenceCensus;
+using internal::definition::ReferenceCensus;
 
 namespace {
 
@@ -106,8 +106,9 @@ void ORLFProcessStepBuilder::makeSteps(const Step& step, const StepData& data) {
       if (!task.data) continue;
       if (task.data->group()) task.step->setIntialStepIdentifier(task.data->firstStep());
       const auto& children = task.data->childSteps();
-      for (auto child = children.rbegin(); child != children.rend(); ++child)
-        tasks.push_back({Task::kMakeChild, task.step, *child, nullptr});
+      std::for_each(children.rbegin(), children.rend(), [&](const StepData& child) {
+        tasks.push_back({Task::kMakeChild, task.step, child, nullptr});
+      });
     }
   }
 }

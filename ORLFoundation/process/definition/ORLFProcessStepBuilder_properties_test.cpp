@@ -11,7 +11,7 @@ namespace {
 using orlftest::Reading;
 
 id valueOf(const NSDictionary::Entries& attributes, const char* locale = "en_US") {
-  const Replaced current(NSLocale::setCurrentLocale, NSLocale::initWithLocaleIdentifier(locale));
+  const Replaced current(NSLocale::setCurrentLocale, std::make_shared<NSLocale>(locale));
   ORLFProcessStepBuilder builder;
   return builder.readPropertyValueFromAttributes(NSDictionary(attributes));
 }
@@ -94,7 +94,7 @@ TEST(ORLFProcessProperty, NumbersFollowTheCurrentLocale) {
       const id value = valueOf({{name, row.text}, {"string", "text"}}, row.locale);
       const std::string what = std::string(row.locale) + " " + name + " " + row.text;
       EXPECT_EQ(described(value), described(row.value ? value : id("text"))) << what;
-      if (row.value) EXPECT_EQ(value.as<double>(), row.value) << what;
+      EXPECT_EQ(row.value ? value.as<double>() : std::nullopt, row.value) << what;
     }
     EXPECT_EQ(valueOf({{"string", row.text}}, row.locale), id(row.text));
     EXPECT_EQ(valueOf({{"bool", "Yes"}}, row.locale), id(true));
@@ -104,7 +104,7 @@ TEST(ORLFProcessProperty, NumbersFollowTheCurrentLocale) {
 
 TEST(ORLFProcessProperty, NumbersAreThoseOfAFormatterThatWasToldNothing) {
   for (const char* locale : {"en_US", "de_DE", "fr_FR", "ar_EG"}) {
-    const Replaced current(NSLocale::setCurrentLocale, NSLocale::initWithLocaleIdentifier(locale));
+    const Replaced current(NSLocale::setCurrentLocale, std::make_shared<NSLocale>(locale));
     for (const char* text : {"1,234", "1.234", "1 234", " 1", "1 ", "1e3", "+5", "", "\u0667",
                              "\u22125", "99999999999999999999", "0x10", "NaN", "\u221e", "--1"}) {
       NSNumberFormatter plain;
@@ -121,7 +121,7 @@ TEST(ORLFProcessProperty, NumbersAreThoseOfAFormatterThatWasToldNothing) {
 }
 
 TEST(ORLFProcessProperty, EntersTheStepAroundIt) {
-  const Replaced current(NSLocale::setCurrentLocale, NSLocale::initWithLocaleIdentifier("en_US"));
+  const Replaced current(NSLocale::setCurrentLocale, std::make_shared<NSLocale>("en_US"));
   Reading reading;
   static_cast<void>(reading.read(
       "<process rootstep='r'><step id='r' firststep='s'><representedobject type='t'><group>"

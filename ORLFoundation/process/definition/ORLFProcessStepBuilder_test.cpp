@@ -85,8 +85,9 @@ TEST(ORLFProcessStepBuilder, LogsEachBrokenRuleAndReadsOn) {
     const auto root = reading.read(row.definition);
     EXPECT_EQ(reading.log.lines(), row.log) << row.name;
     EXPECT_EQ(reading.error, nullptr) << row.name;
-    if (reading.builder.rootStepDatas().count("r") > 0 && reading.builder.rootStepId())
-      EXPECT_NE(root, nullptr) << row.name;
+    const bool isNamed = reading.builder.rootStepId() == "r";
+    EXPECT_EQ(root != nullptr, isNamed && reading.builder.rootStepDatas().count("r") > 0)
+        << row.name;
   }
 }
 

@@ -68,7 +68,7 @@ Json jsonOfStep(ORLFProcessStep& step, const PairMaker& maker) {
 }
 
 std::string readDefinition(const Json& in, const Json& out) {
-  const Replaced locale(NSLocale::setCurrentLocale, NSLocale::initWithLocaleIdentifier("en_US"));
+  const Replaced locale(NSLocale::setCurrentLocale, std::make_shared<NSLocale>("en_US"));
   orlftest::Reading reading;
   const auto maker = std::make_shared<PairMaker>();
   reading.builder.setDelegate(maker);

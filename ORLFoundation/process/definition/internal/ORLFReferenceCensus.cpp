@@ -6,7 +6,7 @@
 #include <limits>
 #include <string_view>
 
-namespace ORLFoundation::internal::process_definition {
+namespace ORLFoundation::internal::definition {
 
 namespace {
 
@@ -110,4 +110,4 @@ std::string ReferenceCensus::costliestChain(const StepData& record) const {
   return chain;
 }
 
-}  // namespace ORLFoundation::internal::process_definition
+}  // namespace ORLFoundation::internal::definition

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace ORLFoundation::internal::process_definition {
+namespace ORLFoundation::internal::definition {
 
 class ReferenceCensus {
  public:
@@ -46,4 +46,4 @@ class ReferenceCensus {
   std::map<const ORLFProcessStepBuilderStepData*, Entry> entries_;
 };
 
-}  // namespace ORLFoundation::internal::process_definition
+}  // namespace ORLFoundation::internal::definition
