@@ -39,7 +39,7 @@ std::size_t endWithoutLineBreaks(std::string_view text) {
   static const NSCharacterSet& lineBreaks = *NSCharacterSet::newlineCharacterSet();
   while (!text.empty()) {
     std::size_t last = text.size() - 1;
-    while (last > 0 && (static_cast<unsigned char>(text[last]) & 0xC0U) == 0x80U) --last;
+    while (last > 0 && continuesUTF8Character(text[last])) --last;
     const UTF8Character character = firstUTF8Character(text.substr(last));
     if (!lineBreaks.longCharacterIsMember(character.codePoint)) break;
     text = text.substr(0, last);
