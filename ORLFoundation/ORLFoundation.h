@@ -86,6 +86,7 @@
 #include <ORLFoundation/platform/process/NSBundle.h>
 #include <ORLFoundation/platform/process/NSProcessInfo.h>
 #include <ORLFoundation/platform/process/NSUserActivity.h>
+#include <ORLFoundation/platform/stream/NSOutputStream.h>
 #include <ORLFoundation/platform/text/NSAttributedString.h>
 #include <ORLFoundation/platform/text/NSCharacterSet.h>
 #include <ORLFoundation/platform/text/NSScanner.h>

@@ -28,6 +28,8 @@ struct ORLFTabularRow {
   std::span<const std::string_view> fields;
   /// The line of the text on which the row begins, from 1. CR LF ends one line.
   std::uint64_t lineNumber = 0;
+  /// Whether the text ended between quotation marks: the last of its rows may have been cut off.
+  bool endsInMarks = false;
 };
 
 /// Called with each row; setting `stop` ends the reading.
@@ -47,17 +49,20 @@ void orlfEnumerateTabularRows(std::string_view text, char separator,
 using ORLFTabularSource = std::function<std::size_t(std::span<char> buffer)>;
 
 struct ORLFTabularLimits {
-  /// The most bytes that a row, or what stands before the end of the first line, may have; memory
-  /// stays below three times as much, and below a megabyte for short rows.
+  /// The most bytes that a row, or what stands before the end of the first line, may have. Memory
+  /// stays below five times as much and 80 bytes a field; rows of up to 4 KB need some megabytes.
   std::size_t longestRow = std::size_t{64} << 20;
+  /// The most fields that a row may have.
+  std::size_t mostFields = 1'000'000;
 };
 
-/// The code in `ORLFErrorDomain` of a row that is longer than allowed.
+/// The code in `ORLFErrorDomain` of a row that has more bytes or fields than allowed.
 inline constexpr NSInteger ORLFTabularLongRowError = 64;
 
 /// The same over a source, in bounded memory; without a separator, the first line decides. false,
-/// with an error that names the line, when a row is longer than allowed; the rows before it have
-/// been given. What the source or the block throws passes through.
+/// with an error that names the line, when a row has more than allowed; the rows before it have
+/// been given. Each row is given as soon as the source has handed out its line end and a character
+/// behind it. What the source or the block throws passes through.
 bool orlfEnumerateTabularRowsOfSource(const ORLFTabularSource& source,
                                       std::optional<char> separator,
                                       const ORLFTabularRowBlock& usingBlock,

@@ -6,7 +6,10 @@
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 
+#include <malloc.h>
+
 #include <algorithm>
+#include <chrono>
 #include <random>
 #include <string>
 #include <utility>
@@ -167,6 +170,96 @@ TEST(ORLFTabularRowReader, RefusesLongRowsWithTheirLine) {
   }
 }
 
+TEST(ORLFTabularRowReader, RefusesRowsOfTooManyFieldsWithTheirLine) {
+  for (const std::string_view text : {"a\nb,c,d,e\nf\n", "a\nb,c,d,,\n", "a\nb,c,d,\"e"}) {
+    Rows rows;
+    std::shared_ptr<const NSError> error;
+    EXPECT_FALSE(orlfEnumerateTabularRowsOfSource(piecesOf(text, 3), ',', keepIn(rows),
+                                                  {.mostFields = 3}, &error))
+        << text;
+    ASSERT_NE(error, nullptr) << text;
+    EXPECT_EQ(error->code(), ORLFTabularLongRowError);
+    EXPECT_EQ(error->localizedDescription(), "The row on line 2 has more than 3 fields.");
+    EXPECT_EQ(rows, (Rows{{1, {"a"}}})) << text;
+  }
+}
+
+TEST(ORLFTabularRowReader, TakesRowsOfTheMostFields) {
+  Rows rows;
+  EXPECT_TRUE(orlfEnumerateTabularRowsOfSource(piecesOf("a,b,c\nd,e,f,\n\"\",,\"g\"", 2), ',',
+                                               keepIn(rows), {.mostFields = 3}));
+  EXPECT_EQ(rows, (Rows{{1, {"a", "b", "c"}}, {2, {"d", "e", "f"}}, {3, {"", "", "g"}}}));
+}
+
+TEST(ORLFTabularRowReader, ReadsAHundredThousandColumns) {
+  constexpr std::size_t kColumns = 100'000;
+  std::string text;
+  for (std::size_t column = 0; column < kColumns; ++column)
+    text += column % 2 == 0 ? "x," : "\"y\"\"z\",";
+  Rows rows;
+  EXPECT_TRUE(orlfEnumerateTabularRowsOfSource(piecesOf(text, 4096), ',', keepIn(rows)));
+  ASSERT_EQ(rows.size(), 1U);
+  ASSERT_EQ(rows[0].second.size(), kColumns);
+  EXPECT_EQ(rows[0].second[kColumns - 2], "x");
+  EXPECT_EQ(rows[0].second[kColumns - 1], "y\"z");
+}
+
+TEST(ORLFTabularRowReader, TellsWhereTheTextEndsBetweenMarks) {
+  std::vector<bool> ends;
+  const auto block = [&ends](const ORLFTabularRow& row, bool&) { ends.push_back(row.endsInMarks); };
+  orlfEnumerateTabularRows("a,\"b\"\n\"c\nd\n", ',', block);
+  EXPECT_TRUE(orlfEnumerateTabularRowsOfSource(piecesOf("\"a\"\"\n\"", 1), ',', block));
+  EXPECT_TRUE(orlfEnumerateTabularRowsOfSource(piecesOf("\"a\"\"", 1), ',', block));
+  EXPECT_EQ(ends, (std::vector<bool>{false, true, false, true}));
+}
+
+TEST(ORLFTabularRowReader, ReadsALongRowOfSmallPiecesInTimeThatGrowsWithIt) {
+  const std::string text = "\"" + std::string(std::size_t{24} << 20, '\n');
+  Rows rows;
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_TRUE(orlfEnumerateTabularRowsOfSource(piecesOf(text, 1024), ',', keepIn(rows)));
+  ASSERT_EQ(rows.size(), 1U);
+  EXPECT_EQ(rows[0].second[0].size(), text.size() - 1);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+}
+
+/// What the heap holds, in bytes. Sanitizers have heaps of their own, of which this tells nothing.
+std::size_t heldBytes() {
+  const struct mallinfo2 held = mallinfo2();
+  return held.uordblks + held.hblkhd;
+}
+
+// Rows in which the one long field that is joined of pieces moves on by a field each time.
+TEST(ORLFTabularRowReader, HoldsNoMoreThanItsLimitAllows) {
+  constexpr std::size_t kLimit = std::size_t{1} << 20;
+  constexpr std::size_t kRows = 100;
+  const std::string longField = "\"" + std::string(kLimit / 2, 'x') + "\"\"\"";
+  const std::size_t before = heldBytes();
+  std::size_t made = 0;
+  std::size_t most = 0;
+  std::string row;
+  const auto source = [&](std::span<char> buffer) {
+    if (row.empty() && made < kRows) {
+      for (std::size_t field = 0; field < made; ++field) row += "\"a\"\"\",";
+      row += longField + "\n";
+      ++made;
+    }
+    const std::size_t count = std::min(buffer.size(), row.size());
+    std::copy_n(row.begin(), count, buffer.begin());
+    row.erase(0, count);
+    most = std::max(most, heldBytes() - std::min(before, heldBytes()));
+    return count;
+  };
+  std::size_t rows = 0;
+  const auto count = [&rows](const ORLFTabularRow& each, bool&) {
+    ++rows;
+    EXPECT_EQ(each.fields.size(), rows);
+  };
+  EXPECT_TRUE(orlfEnumerateTabularRowsOfSource(source, ',', count, {.longestRow = kLimit}));
+  EXPECT_EQ(rows, kRows);
+  EXPECT_LT(most, 8 * kLimit);
+}
+
 TEST(ORLFTabularRowReader, TakesRowsOfTheLongestLength) {
   const std::string row(999, 'a');
   Rows rows;
@@ -181,16 +274,23 @@ TEST(ORLFTabularRowReader, RefusesALongFirstLineWhenItDecides) {
   std::shared_ptr<const NSError> error;
   EXPECT_FALSE(orlfEnumerateTabularRowsOfSource(piecesOf(text, 4096), std::nullopt, keepIn(rows),
                                                 {.longestRow = 1000}, &error));
-  EXPECT_NE(error, nullptr);
+  ASSERT_NE(error, nullptr);
+  EXPECT_EQ(error->localizedDescription(), "The row on line 1 is longer than 1000 bytes.");
   EXPECT_TRUE(rows.empty());
+  const std::string below = "\r\n\n" + std::string(2000, 'a') + ";b\n";
+  EXPECT_FALSE(orlfEnumerateTabularRowsOfSource(piecesOf(below, 64), std::nullopt, keepIn(rows),
+                                                {.longestRow = 1000}, &error));
+  EXPECT_EQ(error->localizedDescription(), "The row on line 3 is longer than 1000 bytes.");
 }
 
 TEST(ORLFTabularRowReader, PassesAMillionBlankLines) {
-  Rows rows;
-  const std::string text = std::string(1'000'000, '\n') + "a\n";
-  EXPECT_TRUE(orlfEnumerateTabularRowsOfSource(piecesOf(text, 4096), ',', keepIn(rows),
-                                               {.longestRow = 1000}));
-  EXPECT_EQ(rows, (Rows{{1'000'001, {"a"}}}));
+  for (const char lineEnd : {'\n', '\r'}) {
+    Rows rows;
+    const std::string text = std::string(1'000'000, lineEnd) + "a\n";
+    EXPECT_TRUE(orlfEnumerateTabularRowsOfSource(piecesOf(text, 4096), ',', keepIn(rows),
+                                                 {.longestRow = 1000}));
+    EXPECT_EQ(rows, (Rows{{1'000'001, {"a"}}}));
+  }
 }
 
 TEST(ORLFTabularRowReader, ReadsNothingOfNothing) {

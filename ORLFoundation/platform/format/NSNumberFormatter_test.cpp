@@ -1,7 +1,6 @@
 
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
 
-#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/format/NSLocale.h>
 #include <gtest/gtest.h>
 
@@ -62,32 +61,6 @@ TEST(NSNumberFormatter, FractionDigitsAreSettable) {
   formatter.setMaximumFractionDigits(1);
   EXPECT_EQ(formatter.minimumFractionDigits(), 1);
   EXPECT_EQ(formatter.stringFromDouble(5), "5.0");
-}
-
-TEST(NSLocale, CurrentOneIsReplaceable) {
-  {
-    const Replaced french(NSLocale::setCurrentLocale, std::make_shared<NSLocale>("fr_FR"));
-    EXPECT_EQ(NSLocale::currentLocale()->localeIdentifier(), "fr_FR");
-    EXPECT_EQ(NSNumberFormatter().locale()->localeIdentifier(), "fr_FR");
-    const Replaced german(NSLocale::setCurrentLocale, std::make_shared<NSLocale>("de_DE"));
-    EXPECT_EQ(german.before()->localeIdentifier(), "fr_FR");
-  }
-  NSLocale::setCurrentLocale(nullptr);
-  EXPECT_FALSE(NSLocale::currentLocale()->localeIdentifier().empty());
-}
-
-TEST(NSLocale, KnowsItsMarks) {
-  EXPECT_EQ(NSLocale("de_DE").decimalSeparator(), ",");
-  EXPECT_EQ(NSLocale("de_DE").groupingSeparator(), ".");
-  EXPECT_EQ(NSLocale("en_US").decimalSeparator(), ".");
-  EXPECT_EQ(NSLocale("no such locale").decimalSeparator(), ".");
-}
-
-TEST(NSLocale, EqualsOneOfTheSameIdentifier) {
-  const auto locale = std::make_shared<NSLocale>("en_US");
-  EXPECT_TRUE(locale->isEqual(std::make_shared<NSLocale>("en_US").get()));
-  EXPECT_FALSE(locale->isEqual(std::make_shared<NSLocale>("en_GB").get()));
-  EXPECT_EQ(locale->copy(), locale);
 }
 
 }  // namespace

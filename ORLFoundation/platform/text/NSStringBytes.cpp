@@ -1,5 +1,6 @@
 #include <ORLFoundation/platform/text/NSStringBytes.h>
 
+#include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/text/internal/ByteTables.h>
 #include <ORLFoundation/platform/value/NSException.h>
@@ -23,6 +24,24 @@ constexpr std::array<NSUInteger, 8> kEncodings{
     NSISOLatin1StringEncoding,      NSUTF16StringEncoding,
     NSWindowsCP1252StringEncoding,  NSMacOSRomanStringEncoding,
     NSUTF16BigEndianStringEncoding, NSUTF16LittleEndianStringEncoding};
+
+bool isKnown(NSUInteger encoding) {
+  return std::find(kEncodings.begin(), kEncodings.end(), encoding) != kEncodings.end();
+}
+
+/// Whether the encoding, a known one, writes the text as the very bytes that it has.
+bool keepsBytes(std::string_view text, NSUInteger encoding) {
+  switch (encoding) {
+    case NSUTF8StringEncoding:
+      return isUTF8(text);
+    case NSUTF16StringEncoding:
+    case NSUTF16BigEndianStringEncoding:
+    case NSUTF16LittleEndianStringEncoding:
+      return text.empty();
+    default:
+      return isASCII(text);
+  }
+}
 
 constexpr char32_t kByteOrderMark = 0xFEFF;
 
@@ -134,7 +153,7 @@ NSStringBytes::NSStringBytes(std::string_view text, NSUInteger encoding, NSUInte
       isLossy_((options & NSStringEncodingConversionAllowLossy) != 0),
       needsMark_(encoding == NSUTF16StringEncoding &&
                  (options & NSStringEncodingConversionExternalRepresentation) != 0) {
-  if (std::find(kEncodings.begin(), kEncodings.end(), encoding) == kEncodings.end())
+  if (!isKnown(encoding))
     throw NSException(NSInvalidArgumentException, "This encoding is not known.");
 }
 
@@ -162,6 +181,8 @@ std::optional<std::size_t> NSStringBytes::getBytes(std::span<std::uint8_t> buffe
 
 std::optional<NSData> dataUsingEncoding(std::string_view string, NSUInteger encoding,
                                         bool allowLossyConversion) {
+  if (!isKnown(encoding)) return std::nullopt;
+  if (keepsBytes(string, encoding)) return NSData(string);
   NSUInteger options = NSStringEncodingConversionExternalRepresentation;
   if (allowLossyConversion) options |= NSStringEncodingConversionAllowLossy;
   NSStringBytes pieces(string, encoding, options);

@@ -53,7 +53,8 @@ class NSStringBytes {
 };
 
 /// `dataUsingEncoding:allowLossyConversion:`  nil for a text with a character that the encoding
-/// lacks. UTF-16 begins with a byte-order mark.
+/// lacks, and for an encoding that is not listed in `NSStringEncoding`. UTF-16 begins with a
+/// byte-order mark.
 [[nodiscard]] std::optional<NSData> dataUsingEncoding(std::string_view string, NSUInteger encoding,
                                                       bool allowLossyConversion = false);
 

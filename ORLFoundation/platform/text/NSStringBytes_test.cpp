@@ -113,8 +113,11 @@ TEST(NSStringBytes, ConvertsNothingOfNothing) {
 }
 
 TEST(NSStringBytes, RefusesUnknownEncodingsAndSmallBuffers) {
-  for (const NSUInteger encoding : {NSUInteger{0}, NSUInteger{2}, NSUInteger{9999}})
+  for (const NSUInteger encoding : {NSUInteger{0}, NSUInteger{2}, NSUInteger{9999}}) {
     EXPECT_THROW(NSStringBytes("a", encoding), NSException);
+    EXPECT_EQ(bytesOf("a", encoding), std::nullopt) << encoding;
+    EXPECT_EQ(bytesOf("", encoding, true), std::nullopt) << encoding;
+  }
   NSStringBytes pieces("a", NSASCIIStringEncoding);
   std::array<std::uint8_t, NSStringBytes::kLeastSpace - 1> small{};
   EXPECT_THROW(pieces.getBytes(small), NSException);

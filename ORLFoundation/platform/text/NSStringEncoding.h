@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace ORLFoundation {
 
@@ -21,6 +22,11 @@ enum NSStringEncoding : NSUInteger {
   NSUTF16BigEndianStringEncoding = 0x90000100,
   NSUTF16LittleEndianStringEncoding = 0x94000100,
 };
+
+/// The code in `NSCocoaErrorDomain` of a text that does not fit an encoding, and the key in its
+/// user information under which the encoding's number stands.
+inline constexpr NSInteger NSFileWriteInapplicableStringEncodingError = 517;
+inline constexpr std::string_view NSStringEncodingErrorKey = "NSStringEncoding";
 
 /// `initWithData:encoding:`  nil when the bytes do not fit the encoding, and for an encoding that
 /// is not listed here. Mac Roman and ISO Latin 1 take all bytes; Windows Latin 1 leaves 81, 8D, 8F,

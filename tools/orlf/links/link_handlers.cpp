@@ -5,16 +5,10 @@
 #include "cli/failure.h"
 #include "cli/message_text.h"
 #include "io/input_file.h"
+#include "values/trimmed.h"
 
 namespace orlftool {
 namespace {
-
-constexpr std::string_view kBlanks = " \t\r";
-
-std::string_view trimmed(std::string_view text) {
-  text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-  return text.substr(0, text.find_last_not_of(kBlanks) + 1);
-}
 
 LinkHandler parseLine(std::string_view line, const std::string& place) {
   const std::size_t end = std::min(line.find_first_of(kBlanks), line.size());

@@ -1,14 +1,16 @@
 #include "plan/cash_flow_file.h"
 
+#include <ORLFoundation/interchange/tabular/ORLFTabularRowReader.h>
 #include <ORLFoundation/platform/base/ASCII.h>
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "cli/message_text.h"
-#include "io/csv_records.h"
 #include "values/date_text.h"
 #include "values/decimal_text.h"
+#include "values/trimmed.h"
 
 namespace orlftool {
 namespace {
@@ -37,54 +39,57 @@ bool hasGroupsOfThree(std::string_view text) {
   return (text.size() - lead) % 4 == 0;
 }
 
-/// Turns records into flows.
+/// Turns rows into flows.
 class CashFlowReader {
  public:
   CashFlowReader(const std::string& name, const NSCalendar& calendar)
       : name_(name), calendar_(calendar) {}
 
   std::vector<CashFlow> read(std::string_view text) {
-    CsvReader reader(text, [this](const CsvFault& fault) {
-      failAtField(name_, fault.line, fieldName(fault.field), fault.expected, fault.got);
-    });
-    CsvRecord record;
-    while (reader.next(record)) {
-      if (record.size() != kFields.size())
-        failAtField(name_, record.front().line, "", kRecordForm, std::to_string(record.size()));
-      if (isFirst_ && isHeader(record)) {
-        isFirst_ = false;
-        continue;
-      }
-      isFirst_ = false;
-      flows_.push_back(flowOf(record));
-    }
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+    orlfEnumerateTabularRows(text, ',', [this](const ORLFTabularRow& row, bool&) { take(row); });
     return std::move(flows_);
   }
 
  private:
-  [[nodiscard]] static bool isHeader(const CsvRecord& record) {
-    const std::string& date = record[0].text;
-    return !date.empty() && !isDigit(date.front()) && !readGroupedDecimal(record[1].text);
+  void take(const ORLFTabularRow& row) {
+    fields_.clear();
+    for (const std::string_view field : row.fields) fields_.emplace_back(trimmed(field, " \t"));
+    if (fields_ == std::vector<std::string>{""}) return;
+    line_ = row.lineNumber;
+    if (row.endsInMarks)
+      failAtField(name_, line_, fieldName(fields_.size() - 1), "a closing quote",
+                  "the end of the file");
+    if (fields_.size() != kFields.size())
+      failAtField(name_, line_, "", kRecordForm, std::to_string(fields_.size()));
+    if (!std::exchange(isFirst_, false) || !isHeader()) flows_.push_back(flow());
   }
 
-  [[nodiscard]] CashFlow flowOf(const CsvRecord& record) const {
-    const std::optional<NSDate> date = readDate(record[0].text, calendar_);
-    if (!date) fail(record, 0, kDateForms);
-    const std::optional<NSDecimalNumber> amount = readGroupedDecimal(record[1].text);
-    if (!amount) fail(record, 1, kDecimalForm);
+  [[nodiscard]] bool isHeader() const {
+    const std::string& date = fields_[0];
+    return !date.empty() && !isDigit(date.front()) && !readGroupedDecimal(fields_[1]);
+  }
+
+  [[nodiscard]] CashFlow flow() const {
+    const std::optional<NSDate> date = readDate(fields_[0], calendar_);
+    if (!date) fail(0, kDateForms);
+    const std::optional<NSDecimalNumber> amount = readGroupedDecimal(fields_[1]);
+    if (!amount) fail(1, kDecimalForm);
     return {*date, *amount};
   }
 
-  [[noreturn]] void fail(const CsvRecord& record, std::size_t field,
-                         std::string_view expected) const {
-    failAtField(name_, record[field].line, fieldName(field), expected,
-                quotedForMessage(record[field].text));
+  [[noreturn]] void fail(std::size_t field, std::string_view expected) const {
+    failAtField(name_, line_, fieldName(field), expected, quotedForMessage(fields_[field]));
   }
 
   const std::string& name_;
   const NSCalendar& calendar_;
   std::vector<CashFlow> flows_;
   bool isFirst_ = true;
+  // Of the row that is being read.
+  std::vector<std::string> fields_;
+  std::size_t line_ = 0;
 };
 
 }  // namespace

@@ -6,7 +6,8 @@
 ///
 /// The first line may name the columns: it does when it begins with no digit and its second field
 /// is no amount. Fields may stand in double quotes, with doubled quotes for one; blanks around a
-/// field, empty lines and a byte order mark at the start are passed over. Amounts are decimal texts
+/// field, an empty third one, empty lines and a byte order mark at the start are passed over. The
+/// line of a message is that on which the row begins. Amounts are decimal texts
 /// whose digits before the point may be grouped in threes by commas.
 #pragma once
 

@@ -48,6 +48,10 @@ const ReadCase kReads[] = {
     {"LocalTimes", "2024-01-01T09:30,5", {"2024-01-01T09:30:00-05:00 5"}},
     {"TimesWithAnOffset", "2024-01-01T05:00:00Z,5", {"2024-01-01 5"}},
     {"OrderStays", "2025-01-01,1\n2024-01-01,2", {"2025-01-01 1", "2024-01-01 2"}},
+    {"TrailingComma", "2024-01-01,5,\n", {"2024-01-01 5"}},
+    {"LineEndsOfThreeKinds",
+     "2024-01-01,5\r2024-01-02,6\r\n2024-01-03,7",
+     {"2024-01-01 5", "2024-01-02 6", "2024-01-03 7"}},
     {"Exponents", "2024-01-01,1.5e3", {"2024-01-01 1500"}},
 };
 
@@ -72,8 +76,13 @@ const FaultCase kFaults[] = {
     {"SecondHeader", "date,amount\ndate,amount\n",
      "flows.csv:2: date: expected an ISO 8601 date or date-time such as 2024-01-31 or "
      "2024-01-31T09:30:00-05:00, got 'date'"},
-    {"EmptyAmount", "2024-01-01,\n",
+    {"EmptyAmount", "2024-01-01, \n",
+     "flows.csv:1: expected 2 fields, a date and an amount, got 1"},
+    {"BlankAmount", "2024-01-01,\"\t \"\n",
      "flows.csv:1: amount: expected a decimal text such as -1250.75, got ''"},
+    {"TextBehindQuotes", "\"2024-01-01\"x,5\n",
+     "flows.csv:1: date: expected an ISO 8601 date or date-time such as 2024-01-31 or "
+     "2024-01-31T09:30:00-05:00, got '2024-01-01x'"},
     {"NotANumber", "2024-01-01,NaN",
      "flows.csv:1: amount: expected a decimal text such as -1250.75, got 'NaN'"},
     {"OneField", "2024-01-01\n", "flows.csv:1: expected 2 fields, a date and an amount, got 1"},

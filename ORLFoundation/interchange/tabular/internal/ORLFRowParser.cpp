@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace ORLFoundation::internal::tabular {
 namespace {
@@ -23,14 +24,6 @@ std::size_t lengthOfOneOf(std::span<const std::string_view> characters, std::str
   return found == characters.end() ? 0 : found->size();
 }
 
-/// Lines that a run of line ends closes: CR LF closes one.
-std::uint64_t linesClosedBy(std::string_view lineEnds) {
-  std::uint64_t lines = 0;
-  for (std::size_t at = 0; at < lineEnds.size(); at += lengthOfLineEnd(lineEnds.substr(at)))
-    if (!lineEnds.substr(at).starts_with("\r\n")) ++lines;
-  return lines;
-}
-
 }  // namespace
 
 std::size_t lengthOfLineEnd(std::string_view text) noexcept {
@@ -47,6 +40,16 @@ std::size_t lengthOfWhitespace(std::string_view text) noexcept {
   return first == ' ' || first == '\t' ? 1 : 0;
 }
 
+std::uint64_t linesClosedBy(std::string_view text) noexcept {
+  std::uint64_t lines = 0;
+  while (!text.empty()) {
+    const std::size_t lineEnd = lengthOfLineEnd(text);
+    if (lineEnd != 0 && !text.starts_with("\r\n")) ++lines;
+    text.remove_prefix(std::max<std::size_t>(lineEnd, 1));
+  }
+  return lines;
+}
+
 void ORLFRowParser::setText(std::string_view text, bool last) {
   text_ = text;
   isLast_ = last;
@@ -55,13 +58,7 @@ void ORLFRowParser::setText(std::string_view text, bool last) {
 }
 
 ORLFRowParser::Outcome ORLFRowParser::read() {
-  at_ = rowStart_;
-  lineEnds_ = 0;
-  isQuoted_ = false;
-  isPieced_ = false;
-  field_ = {};
-  fields_.clear();
-  piecedCount_ = 0;
+  beginRow();
   for (;;) {
     const std::size_t stop = stops_.find(at_);
     switch (step(stop)) {
@@ -69,11 +66,28 @@ ORLFRowParser::Outcome ORLFRowParser::read() {
         break;
       case Step::kMore:
         return Outcome::kMore;
+      case Step::kWide:
+        return Outcome::kWide;
       case Step::kRowOver:
+        if (fields_.size() == mostFields_ && holdsField()) return Outcome::kWide;
         endRow();
         return fields_.empty() ? Outcome::kBlank : Outcome::kRow;
     }
   }
+}
+
+void ORLFRowParser::beginRow() {
+  // Space for joined fields is kept from row to row, but that of longer rows is given back: each
+  // of a million fields would come to hold as much as the longest that ever stood in its place.
+  constexpr std::size_t kShortRow = 4096;
+  if (std::exchange(joinedBytes_, 0) > kShortRow) pieced_.clear();
+  at_ = rowStart_;
+  lineEnds_ = 0;
+  isQuoted_ = false;
+  isPieced_ = false;
+  field_ = {};
+  fields_.clear();
+  piecedCount_ = 0;
 }
 
 ORLFRowParser::Step ORLFRowParser::step(std::size_t stop) {
@@ -93,10 +107,10 @@ ORLFRowParser::Step ORLFRowParser::step(std::size_t stop) {
 ORLFRowParser::Step ORLFRowParser::passLineEnds(std::size_t lineEnd) {
   const std::size_t start = at_;
   for (; lineEnd != 0; lineEnd = lengthOfLineEnd(ahead())) at_ += lineEnd;
+  // The second half of a CR LF may come. Anything else behind the run makes a row of its own.
+  if (text_[at_ - 1] == '\r' && at_ == text_.size() && !isLast_) --at_;
+  if (at_ == start) return Step::kMore;
   const std::string_view run = text_.substr(start, at_ - start);
-  // The second half of a CR LF may come. Another part of the run would only make a blank row.
-  const bool mayBeHalf = run.back() == '\r' || !ahead().empty();
-  if (mayBeHalf && mayBeCutOff()) return Step::kMore;
   lineEnds_ += linesClosedBy(run);
   if (!isQuoted_) return Step::kRowOver;
   append(run);
@@ -121,6 +135,7 @@ ORLFRowParser::Step ORLFRowParser::passSeparator() {
     append(text_.substr(at_++, 1));
     return Step::kOn;
   }
+  if (fields_.size() == mostFields_) return Step::kWide;
   endField();
   ++at_;
   for (;;) {
@@ -142,6 +157,7 @@ void ORLFRowParser::append(std::string_view piece) {
   if (piece.empty()) return;
   if (isPieced_) {
     pieced_[piecedCount_ - 1] += piece;
+    joinedBytes_ += piece.size();
   } else if (field_.empty()) {
     field_ = piece;
   } else if (field_.data() + field_.size() == piece.data()) {
@@ -151,6 +167,7 @@ void ORLFRowParser::append(std::string_view piece) {
     std::string& joined = pieced_[piecedCount_++];
     joined.assign(field_);
     joined += piece;
+    joinedBytes_ += joined.size();
     isPieced_ = true;
   }
 }
@@ -162,7 +179,7 @@ void ORLFRowParser::endField() {
 }
 
 void ORLFRowParser::endRow() {
-  if (isPieced_ || !field_.empty()) endField();
+  if (holdsField()) endField();
   rowStart_ = at_;
   rowLine_ = nextLine_;
   nextLine_ += lineEnds_;
