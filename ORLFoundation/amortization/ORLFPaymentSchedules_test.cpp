@@ -2,6 +2,7 @@
 #include <ORLFoundation/amortization/ORLFPaymentSchedules.h>
 
 #include <ORLFoundation/platform/time/NSCalendar_testing.h>
+#include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceDayOfWeek.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 #include <gtest/gtest.h>

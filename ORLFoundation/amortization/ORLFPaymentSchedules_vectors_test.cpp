@@ -1,5 +1,6 @@
 #include <ORLFoundation/amortization/ORLFPaymentSchedules.h>
 #include <ORLFoundation/platform/time/NSCalendar_testing.h>
+#include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule_testing.h>
 #include <gtest/gtest.h>
 

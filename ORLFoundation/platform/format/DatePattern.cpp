@@ -1,9 +1,9 @@
 #include <ORLFoundation/platform/format/DatePattern.h>
 
+#include <ORLFoundation/platform/format/internal/PatternText.h>
 #include <unicode/gregocal.h>
 #include <unicode/simpletz.h>
 #include <unicode/smpdtfmt.h>
-#include <unicode/uchar.h>
 
 #include <cmath>
 #include <cstdint>
@@ -31,39 +31,6 @@ std::unique_ptr<icu::GregorianCalendar> makeCalendar(UErrorCode& status) {
 icu::UnicodeString unicodeText(std::string_view text) {
   return icu::UnicodeString::fromUTF8(
       icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
-}
-
-// The words between quotes that hold letters: 'T', 'GMT'.
-std::vector<icu::UnicodeString> wordsOf(const icu::UnicodeString& pattern) {
-  std::vector<icu::UnicodeString> words;
-  bool quoted = false;
-  icu::UnicodeString word;
-  for (std::int32_t at = 0; at < pattern.length(); ++at) {
-    const char16_t unit = pattern[at];
-    if (unit != u'\'') {
-      if (quoted && u_isalpha(unit)) word.append(unit);
-      continue;
-    }
-    if (quoted && !word.isEmpty()) words.push_back(word);
-    word.remove();
-    quoted = !quoted;
-  }
-  return words;
-}
-
-bool holdsInOrder(const icu::UnicodeString& text, const std::vector<icu::UnicodeString>& words) {
-  std::int32_t from = 0;
-  for (const icu::UnicodeString& word : words) {
-    const std::int32_t found = text.indexOf(word, from);
-    if (found < 0) return false;
-    from = found + word.length();
-  }
-  return true;
-}
-
-bool endsInWhiteSpace(const icu::UnicodeString& text, std::int32_t from) {
-  while (from < text.length() && u_isUWhiteSpace(text[from])) ++from;
-  return from == text.length();
 }
 
 }  // namespace

@@ -1,116 +1,173 @@
 
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
 
-#include <unicode/decimfmt.h>
-#include <unicode/fmtable.h>
-#include <unicode/locid.h>
+#include <ORLFoundation/platform/format/internal/NumberFormats.h>
+#include <ORLFoundation/platform/object/Id.h>
+#include <ORLFoundation/platform/text/UTF16.h>
 #include <unicode/numfmt.h>
 #include <unicode/unistr.h>
 
-#include <algorithm>
-#include <stdexcept>
 #include <utility>
 
 namespace ORLFoundation {
-namespace {
 
-// What each style asks of the formatter; the pattern itself is the locale's.
-struct StyleSettings {
-  NSNumberFormatterStyle style;
-  bool grouping;
-  NSInteger maximumFractionDigits;
-};
-constexpr StyleSettings kStyles[] = {
-    {NSNumberFormatterNoStyle, false, 0},
-    {NSNumberFormatterDecimalStyle, true, 3},
-};
+using namespace internal::text;
 
-const StyleSettings& settingsOf(NSNumberFormatterStyle style) {
-  const auto* found = std::find_if(std::begin(kStyles), std::end(kStyles),
-                                   [style](const auto& row) { return row.style == style; });
-  return found == std::end(kStyles) ? kStyles[0] : *found;
-}
-
-std::string utf8(const icu::UnicodeString& text) {
-  std::string result;
-  text.toUTF8String(result);
-  return result;
-}
-
-// The most fraction digits that are asked of ICU; a decimal holds no more.
-constexpr NSInteger kMostFractionDigits = 166;
-
-int32_t fractionDigits(NSInteger digits) {
-  return static_cast<int32_t>(std::clamp<NSInteger>(digits, 0, kMostFractionDigits));
-}
-
-}  // namespace
-
-struct NSNumberFormatter::Format {
-  NSNumberFormatterStyle style = NSNumberFormatterNoStyle;
-  std::shared_ptr<NSLocale> locale = NSLocale::currentLocale();
-  std::unique_ptr<icu::NumberFormat> icuFormat;
-
-  void rebuild() {
-    UErrorCode status = U_ZERO_ERROR;
-    icuFormat.reset(icu::NumberFormat::createInstance(
-        icu::Locale(locale->localeIdentifier().c_str()), UNUM_DECIMAL, status));
-    if (U_FAILURE(status) || !icuFormat) throw std::runtime_error("no number format data");
-    const StyleSettings& settings = settingsOf(style);
-    icuFormat->setGroupingUsed(settings.grouping);
-    icuFormat->setMinimumFractionDigits(0);
-    icuFormat->setMaximumFractionDigits(fractionDigits(settings.maximumFractionDigits));
-    icuFormat->setRoundingMode(icu::NumberFormat::kRoundHalfEven);
-  }
-};
-
-NSNumberFormatter::NSNumberFormatter() : format_(std::make_unique<Format>()) { format_->rebuild(); }
+NSNumberFormatter::NSNumberFormatter()
+    : format_(std::make_unique<internal::format::NumberFormats>()) {}
 
 NSNumberFormatter::~NSNumberFormatter() = default;
 
-NSNumberFormatterStyle NSNumberFormatter::numberStyle() const noexcept { return format_->style; }
+NSNumberFormatterStyle NSNumberFormatter::numberStyle() const noexcept {
+  return format_->settings.style;
+}
 
 void NSNumberFormatter::setNumberStyle(NSNumberFormatterStyle style) {
-  format_->style = style;
-  format_->rebuild();
+  format_->settings.style = style;
 }
 
 const std::shared_ptr<NSLocale>& NSNumberFormatter::locale() const noexcept {
-  return format_->locale;
+  return format_->settings.locale;
 }
 
 void NSNumberFormatter::setLocale(std::shared_ptr<NSLocale> locale) {
-  format_->locale = locale ? std::move(locale) : NSLocale::currentLocale();
-  format_->rebuild();
+  format_->settings.locale = locale ? std::move(locale) : NSLocale::currentLocale();
+  format_->changedLocale();
 }
 
 NSInteger NSNumberFormatter::minimumFractionDigits() const noexcept {
-  return format_->icuFormat->getMinimumFractionDigits();
+  return format_->current().getMinimumFractionDigits();
 }
 
 void NSNumberFormatter::setMinimumFractionDigits(NSInteger digits) {
-  format_->icuFormat->setMinimumFractionDigits(fractionDigits(digits));
+  auto& settings = format_->settings;
+  settings.minimumFractionDigits = digits;
+  if (settings.maximumFractionDigits && *settings.maximumFractionDigits < digits)
+    settings.maximumFractionDigits = digits;
+  format_->changedDetails();
 }
 
 NSInteger NSNumberFormatter::maximumFractionDigits() const noexcept {
-  return format_->icuFormat->getMaximumFractionDigits();
+  return format_->current().getMaximumFractionDigits();
 }
 
 void NSNumberFormatter::setMaximumFractionDigits(NSInteger digits) {
-  format_->icuFormat->setMaximumFractionDigits(fractionDigits(digits));
+  auto& settings = format_->settings;
+  settings.maximumFractionDigits = digits;
+  if (settings.minimumFractionDigits && *settings.minimumFractionDigits > digits)
+    settings.minimumFractionDigits = digits;
+  format_->changedDetails();
+}
+
+bool NSNumberFormatter::usesGroupingSeparator() const noexcept {
+  return format_->current().isGroupingUsed();
+}
+
+void NSNumberFormatter::setUsesGroupingSeparator(bool uses) {
+  format_->settings.usesGrouping = uses;
+  format_->changedDetails();
+}
+
+std::string NSNumberFormatter::decimalSeparator() const {
+  return format_->settings.decimalSeparator.value_or(locale()->decimalSeparator());
+}
+
+void NSNumberFormatter::setDecimalSeparator(std::optional<std::string> separator) {
+  format_->settings.decimalSeparator = std::move(separator);
+  format_->changedLocale();
+}
+
+std::string NSNumberFormatter::groupingSeparator() const {
+  return format_->settings.groupingSeparator.value_or(locale()->groupingSeparator());
+}
+
+void NSNumberFormatter::setGroupingSeparator(std::optional<std::string> separator) {
+  format_->settings.groupingSeparator = std::move(separator);
+  format_->changedLocale();
+}
+
+bool NSNumberFormatter::isLenient() const noexcept { return format_->settings.isLenient; }
+
+void NSNumberFormatter::setLenient(bool lenient) {
+  format_->settings.isLenient = lenient;
+  format_->changedDetails();
+}
+
+bool NSNumberFormatter::generatesDecimalNumbers() const noexcept {
+  return format_->settings.generatesDecimals;
+}
+
+void NSNumberFormatter::setGeneratesDecimalNumbers(bool generates) {
+  format_->settings.generatesDecimals = generates;
+}
+
+const std::optional<NSNumber>& NSNumberFormatter::minimum() const noexcept {
+  return format_->settings.minimum;
+}
+
+void NSNumberFormatter::setMinimum(std::optional<NSNumber> minimum) {
+  format_->settings.minimum = minimum;
+}
+
+const std::optional<NSNumber>& NSNumberFormatter::maximum() const noexcept {
+  return format_->settings.maximum;
+}
+
+void NSNumberFormatter::setMaximum(std::optional<NSNumber> maximum) {
+  format_->settings.maximum = maximum;
+}
+
+bool NSNumberFormatter::localizesFormat() const noexcept {
+  return format_->settings.localizesFormat;
+}
+
+void NSNumberFormatter::setLocalizesFormat(bool localizes) {
+  format_->settings.localizesFormat = localizes;
+}
+
+bool NSNumberFormatter::isPartialStringValidationEnabled() const noexcept {
+  return format_->settings.validatesPartialStrings;
+}
+
+void NSNumberFormatter::setPartialStringValidationEnabled(bool enabled) {
+  format_->settings.validatesPartialStrings = enabled;
+}
+
+std::optional<std::string> NSNumberFormatter::stringFromNumber(
+    const std::optional<NSNumber>& number) const {
+  if (!number) return std::nullopt;
+  if (number->kind() == NSNumber::Kind::Double) return stringFromDouble(number->doubleValue());
+  return stringFromDecimal(number->decimalValue());
+}
+
+std::optional<std::string> NSNumberFormatter::stringForObjectValue(const id& value) const {
+  return stringFromNumber(value.as<NSNumber>());
 }
 
 std::string NSNumberFormatter::stringFromDouble(double number) const {
   icu::UnicodeString text;
-  return utf8(format_->icuFormat->format(number, text));
+  return utf8Of(format_->current().format(number, text));
 }
 
 std::string NSNumberFormatter::stringFromDecimal(const NSDecimal& number) const {
+  // ICU writes decimals in digits alone.
+  if (format_->readsWords()) return stringFromDouble(number.doubleValue());
   const std::string digits = number.description();
   icu::UnicodeString text;
   UErrorCode status = U_ZERO_ERROR;
-  format_->icuFormat->format(icu::StringPiece(digits), text, nullptr, status);
-  return U_SUCCESS(status) ? utf8(text) : digits;
+  format_->current().format(icu::StringPiece(digits), text, nullptr, status);
+  return U_SUCCESS(status) ? utf8Of(text) : digits;
+}
+
+std::shared_ptr<NSObject> NSNumberFormatter::newObjectOfReceiversClass() const {
+  return std::make_shared<NSNumberFormatter>();
+}
+
+std::shared_ptr<NSObject> NSNumberFormatter::copy() {
+  auto copy = newObjectAs<NSNumberFormatter>();
+  copy->format_->settings = format_->settings;
+  copy->format_->changedLocale();
+  return copy;
 }
 
 }  // namespace ORLFoundation

@@ -6,6 +6,8 @@
 
 #include <ORLFoundation/platform/object/NSObject.h>
 
+#include <array>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -55,10 +57,16 @@ class NSCharacterSet : public NSObject {
   ~NSCharacterSet() override;
 
   /// `longCharacterIsMember:`  false beyond U+10FFFF.
-  [[nodiscard]] bool longCharacterIsMember(char32_t character) const noexcept;
+  [[nodiscard]] bool longCharacterIsMember(char32_t character) const noexcept {
+    if (character >= 128) return isMemberBeyondASCII(character);
+    return (ascii_[character / 64] >> (character % 64) & 1) != 0;
+  }
   /// The members of this set and the characters of a text. Broken bytes stand for U+FFFD.
   [[nodiscard]] std::shared_ptr<NSCharacterSet> setByAddingCharactersInString(
       std::string_view string) const;
+  /// The members of this set and of another; nil has none.
+  [[nodiscard]] std::shared_ptr<NSCharacterSet> setByAddingCharactersOfSet(
+      const NSCharacterSet* set) const;
   /// `invertedSet`
   [[nodiscard]] std::shared_ptr<NSCharacterSet> invertedSet() const;
 
@@ -69,7 +77,10 @@ class NSCharacterSet : public NSObject {
   [[nodiscard]] std::shared_ptr<NSObject> copy() override { return shared_from_this(); }
 
  private:
+  [[nodiscard]] bool isMemberBeyondASCII(char32_t character) const noexcept;
+
   const std::unique_ptr<const Members> members_;
+  std::array<std::uint64_t, 2> ascii_{};  // a bit for each character
 };
 
 }  // namespace ORLFoundation

@@ -46,6 +46,18 @@ TEST(NSCharacterSet, NamedSetsHoldTheirCharacters) {
   }
 }
 
+TEST(NSCharacterSet, HoldsEachCharacterOfASCIIThatItWasMadeOf) {
+  for (char32_t member = 0; member < 0x80; ++member) {
+    const std::string text(1, static_cast<char>(member));
+    const auto set = NSCharacterSet::characterSetWithCharactersInString(text);
+    const auto inverted = set->invertedSet();
+    for (char32_t character = 0; character <= 0x80; ++character) {
+      ASSERT_EQ(set->longCharacterIsMember(character), character == member);
+      ASSERT_EQ(inverted->longCharacterIsMember(character), character != member);
+    }
+  }
+}
+
 TEST(NSCharacterSet, HoldsNothingBeyondTheLastCodePoint) {
   EXPECT_FALSE(NSCharacterSet::illegalCharacterSet()->longCharacterIsMember(0x110000));
   EXPECT_FALSE(
@@ -58,6 +70,15 @@ TEST(NSCharacterSet, IsMadeOfTheCharactersOfAText) {
     EXPECT_TRUE(set->longCharacterIsMember(member));
   EXPECT_FALSE(set->longCharacterIsMember(U'b'));
   EXPECT_FALSE(NSCharacterSet::characterSetWithCharactersInString("")->longCharacterIsMember(0));
+}
+
+TEST(NSCharacterSet, TakesInTheMembersOfAnother) {
+  const auto set = NSCharacterSet::characterSetWithCharactersInString("ab");
+  const auto other = NSCharacterSet::characterSetWithCharactersInString("b😀");
+  EXPECT_TRUE(set->setByAddingCharactersOfSet(other.get())
+                  ->isEqual(NSCharacterSet::characterSetWithCharactersInString("ab😀").get()));
+  EXPECT_TRUE(set->setByAddingCharactersOfSet(nullptr)->isEqual(set.get()));
+  EXPECT_FALSE(set->longCharacterIsMember(U'\U0001F600'));
 }
 
 TEST(NSCharacterSet, IsInverted) {

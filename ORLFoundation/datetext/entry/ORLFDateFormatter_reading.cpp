@@ -1,0 +1,136 @@
+// How typed dates are read.
+
+#include <ORLFoundation/datetext/entry/ORLFDateFormatter.h>
+
+#include <ORLFoundation/datetext/entry/internal/DateScan.h>
+#include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/format/NSFormattingError.h>
+#include <ORLFoundation/platform/object/Id.h>
+#include <ORLFoundation/platform/object/NSDictionary.h>
+#include <ORLFoundation/platform/object/NSString.h>
+#include <ORLFoundation/platform/process/NSBundle.h>
+#include <ORLFoundation/platform/text/UTF16Range.h>
+#include <ORLFoundation/platform/time/NSCalendar.h>
+
+#include <cstddef>
+#include <utility>
+
+namespace ORLFoundation {
+
+using namespace internal::entry;
+namespace base = internal::base;
+
+namespace {
+
+constexpr std::string_view kNoDate = "This field requires a date.";
+constexpr std::string_view kNoFormat = "Invalid date format";
+constexpr std::string_view kFormatWanted = "Please enter a date with the format %@.";
+constexpr std::string_view kTooEarly = "Invalid date";
+constexpr std::string_view kEarliest = "Dates before %@ are not allowed.";
+
+std::string localized(std::string_view text) {
+  return NSBundle::mainBundle()->localizedStringForKey(text, "", std::nullopt);
+}
+
+std::string localizedWith(std::string_view format, std::string_view argument) {
+  return stringWithFormat(localized(format), argument);
+}
+
+bool fill(NSErrorSlot error, std::string_view description, std::string_view key,
+          const std::string& text) {
+  if (error == nullptr) return false;
+  const auto information = NSDictionary::dictionaryWithEntries(
+      {{NSLocalizedDescriptionKey, localized(description)}, {key, text}});
+  return NSFillErrorSlot(
+      error, NSError::errorWithDomain(NSCocoaErrorDomain, NSFormattingError, information));
+}
+
+// The place of the only digit at the end of the text; npos where none or several stand there.
+std::size_t placeOfLoneDigit(std::string_view text) {
+  if (text.empty() || !base::isDigit(text.back())) return std::string_view::npos;
+  if (text.size() > 1 && base::isDigit(text[text.size() - 2])) return std::string_view::npos;
+  return text.size() - 1;
+}
+
+}  // namespace
+
+NSRange ORLFDateFormatter::dayRangeForMonth(NSInteger month, NSInteger year,
+                                            const NSCalendar& calendar) {
+  return dayRange(month, year, calendar);
+}
+
+bool ORLFDateFormatter::readsEmpty(std::optional<NSDate>* object, NSErrorSlot error) const {
+  if (!allowNilDates_)
+    NSFillErrorSlot(error, NSCocoaErrorDomain, NSFormattingError, localized(kNoDate));
+  if (object != nullptr) object->reset();
+  return allowNilDates_;
+}
+
+bool ORLFDateFormatter::refuseFormat(NSErrorSlot error) const {
+  if (error == nullptr) return false;
+  return fill(error, kNoFormat, NSLocalizedRecoverySuggestionErrorKey,
+              localizedWith(kFormatWanted, dateFormat()));
+}
+
+// The minimum is printed by a copy, which takes the lock that is held here once more.
+bool ORLFDateFormatter::refuseDate(NSErrorSlot error) const {
+  if (error == nullptr) return false;
+  const auto printer =
+      std::static_pointer_cast<ORLFDateFormatter>(const_cast<ORLFDateFormatter*>(this)->copy());
+  printer->setDateStyle(NSDateFormatterMediumStyle);
+  return fill(error, kTooEarly, NSLocalizedFailureReasonErrorKey,
+              localizedWith(kEarliest, printer->stringFromDate(*minimunDate_)));
+}
+
+// With a "0" before a lone digit at the end, so that 1/2/5 is in 2005, then as it was typed.
+std::optional<NSDate> ORLFDateFormatter::readUnderFormat(std::string_view text,
+                                                         NSRange* range) const {
+  std::optional<NSDate> date;
+  const std::size_t lone = placeOfLoneDigit(text);
+  if (lone != std::string_view::npos && text.size() <= kLongestText) {
+    std::string padded(text.substr(0, lone));
+    padded += '0';
+    padded += text[lone];
+    NSRange taken{0, kLongestText};
+    if (NSDateFormatter::getObjectValue(&date, padded, range != nullptr ? &taken : nullptr)) {
+      if (range != nullptr) range->length = taken.length - 1;
+      return date;
+    }
+  }
+  NSRange taken{0, kLongestText};
+  if (!NSDateFormatter::getObjectValue(&date, text, range != nullptr ? &taken : nullptr))
+    return std::nullopt;
+  if (range != nullptr) range->length = taken.length;
+  return date;
+}
+
+std::optional<NSDate> ORLFDateFormatter::scanned(std::string_view text) const {
+  if (!recognized_ || !shortDateFormatter_) return std::nullopt;
+  return scanDate(text, monthFirst_, *shortDateFormatter_->calendar(), NSDate::date());
+}
+
+std::optional<NSDate> ORLFDateFormatter::readDate(std::string_view text, NSRange* range) const {
+  std::optional<NSDate> date = readUnderFormat(text, range);
+  if (date || !shortDateFormatter_) return date;
+  NSRange taken{0, kLongestText};
+  if (shortDateFormatter_->getObjectValue(&date, text, range != nullptr ? &taken : nullptr)) {
+    if (range != nullptr) range->length = taken.length;
+    return date;
+  }
+  return scanned(text);
+}
+
+bool ORLFDateFormatter::getObjectValue(std::optional<NSDate>* object, std::string_view forString,
+                                       NSRange* range, NSErrorSlot error) const {
+  const std::lock_guard guard(lock());
+  std::string_view text = forString;
+  if (range != nullptr) text = internal::text::partOfText(forString, *range, range->length);
+  if (text.empty()) return readsEmpty(object, error);
+  const std::optional<NSDate> date = readDate(text, range);
+  if (!date) return refuseFormat(error);
+  if (minimunDate_ && date->compare(*minimunDate_) == NSOrderedAscending) return refuseDate(error);
+  if (object != nullptr) *object = date;
+  return true;
+}
+
+}  // namespace ORLFoundation

@@ -1,0 +1,157 @@
+
+// What number formatters are set to, and that copies and archives keep it.
+
+#include <ORLFoundation/platform/format/NSNumberFormatter.h>
+
+#include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
+#include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
+#include <ORLFoundation/platform/base/Replaced.h>
+#include <ORLFoundation/platform/object/Id.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+namespace ORLFoundation {
+namespace {
+
+std::shared_ptr<NSNumberFormatter> americanFormatter() {
+  auto formatter = std::make_shared<NSNumberFormatter>();
+  formatter->setLocale(std::make_shared<NSLocale>("en_US"));
+  formatter->setNumberStyle(NSNumberFormatterDecimalStyle);
+  return formatter;
+}
+
+std::shared_ptr<NSNumberFormatter> archived(const std::shared_ptr<NSNumberFormatter>& formatter) {
+  const auto data = NSKeyedArchiver::archivedDataWithRootObject(formatter, true);
+  if (!data) return nullptr;
+  return NSKeyedUnarchiver::unarchivedObjectOfClass<NSNumberFormatter>(*data);
+}
+
+TEST(NSNumberFormatter, BeginsPlain) {
+  const Replaced locale(NSLocale::setCurrentLocale, std::make_shared<NSLocale>("de_DE"));
+  const NSNumberFormatter formatter;
+  EXPECT_EQ(formatter.numberStyle(), NSNumberFormatterNoStyle);
+  EXPECT_EQ(formatter.locale()->localeIdentifier(), "de_DE");
+  EXPECT_FALSE(formatter.isLenient());
+  EXPECT_FALSE(formatter.generatesDecimalNumbers());
+  EXPECT_TRUE(formatter.localizesFormat());
+  EXPECT_FALSE(formatter.isPartialStringValidationEnabled());
+  EXPECT_FALSE(formatter.minimum() || formatter.maximum());
+  EXPECT_FALSE(formatter.usesGroupingSeparator());
+  EXPECT_EQ(formatter.maximumFractionDigits(), 0);
+}
+
+void expectAllSettings(NSNumberFormatter& formatter) {
+  EXPECT_EQ(formatter.numberStyle(), NSNumberFormatterPercentStyle);
+  EXPECT_EQ(formatter.locale()->localeIdentifier(), "fr_FR");
+  EXPECT_EQ(formatter.minimumFractionDigits(), 1);
+  EXPECT_EQ(formatter.maximumFractionDigits(), 4);
+  EXPECT_FALSE(formatter.usesGroupingSeparator());
+  EXPECT_EQ(formatter.decimalSeparator(), ";");
+  EXPECT_EQ(formatter.groupingSeparator(), "_");
+  EXPECT_TRUE(formatter.isLenient());
+  EXPECT_TRUE(formatter.generatesDecimalNumbers());
+  EXPECT_FALSE(formatter.localizesFormat());
+  EXPECT_TRUE(formatter.isPartialStringValidationEnabled());
+  EXPECT_EQ(formatter.minimum(), NSNumber(NSDecimal::parse("0.5")));
+  EXPECT_EQ(formatter.minimum()->kind(), NSNumber::Kind::Decimal);
+  EXPECT_EQ(formatter.maximum(), NSNumber(7));
+  EXPECT_EQ(formatter.stringFromDouble(12.5), "1250;0\u00A0%");
+}
+
+TEST(NSNumberFormatter, CopiesAndArchivesKeepEverySetting) {
+  const auto formatter = americanFormatter();
+  formatter->setNumberStyle(NSNumberFormatterPercentStyle);
+  formatter->setLocale(std::make_shared<NSLocale>("fr_FR"));
+  formatter->setMinimumFractionDigits(1);
+  formatter->setMaximumFractionDigits(4);
+  formatter->setUsesGroupingSeparator(false);
+  formatter->setDecimalSeparator(";");
+  formatter->setGroupingSeparator("_");
+  formatter->setLenient(true);
+  formatter->setGeneratesDecimalNumbers(true);
+  formatter->setLocalizesFormat(false);
+  formatter->setPartialStringValidationEnabled(true);
+  formatter->setMinimum(NSDecimal::parse("0.5"));
+  formatter->setMaximum(7);
+  expectAllSettings(*formatter);
+  const auto copy = copyOf(formatter);
+  EXPECT_NE(copy, formatter);
+  expectAllSettings(*copy);
+  const auto read = archived(formatter);
+  ASSERT_NE(read, nullptr);
+  expectAllSettings(*read);
+  copy->setLenient(false);
+  EXPECT_TRUE(formatter->isLenient()) << "a copy stands alone";
+}
+
+TEST(NSNumberFormatter, ArchivesKeepWhatWasNeverSet) {
+  const auto read = archived(americanFormatter());
+  ASSERT_NE(read, nullptr);
+  EXPECT_EQ(read->stringFromDouble(1234.5678), "1,234.568");
+  EXPECT_TRUE(read->localizesFormat());
+  EXPECT_FALSE(read->minimum() || read->maximum() || read->isLenient());
+  read->setLocale(std::make_shared<NSLocale>("de_DE"));
+  EXPECT_EQ(read->decimalSeparator(), ",");
+}
+
+TEST(NSNumberFormatter, SeparatorsAreTheLocalesUntilSet) {
+  const auto formatter = americanFormatter();
+  EXPECT_EQ(formatter->decimalSeparator(), ".");
+  EXPECT_EQ(formatter->groupingSeparator(), ",");
+  formatter->setDecimalSeparator(",");
+  formatter->setGroupingSeparator(".");
+  EXPECT_EQ(formatter->stringFromDouble(1234.5), "1.234,5");
+  EXPECT_EQ(formatter->numberFromString("1.234,5"), NSNumber(1234.5));
+  EXPECT_EQ(formatter->numberFromString("12,5"), NSNumber(12.5));
+  formatter->setDecimalSeparator(std::nullopt);
+  formatter->setGroupingSeparator(std::nullopt);
+  EXPECT_EQ(formatter->stringFromDouble(1234.5), "1,234.5");
+}
+
+TEST(NSNumberFormatter, DigitsAndGroupingStayWhenTheStyleChanges) {
+  const auto formatter = americanFormatter();
+  formatter->setMinimumFractionDigits(2);
+  formatter->setUsesGroupingSeparator(false);
+  for (const NSNumberFormatterStyle style :
+       {NSNumberFormatterSpellOutStyle, NSNumberFormatterDecimalStyle})
+    formatter->setNumberStyle(style);
+  EXPECT_EQ(formatter->stringFromDouble(1234), "1234.00");
+  formatter->setNumberStyle(NSNumberFormatterCurrencyStyle);
+  EXPECT_EQ(formatter->stringFromDouble(1234), "$1234.00");
+}
+
+TEST(NSNumberFormatter, TakesWildSettings) {
+  const auto formatter = americanFormatter();
+  formatter->setNumberStyle(static_cast<NSNumberFormatterStyle>(~NSUInteger{0}));
+  EXPECT_EQ(formatter->numberStyle(), ~NSUInteger{0});
+  EXPECT_EQ(formatter->stringFromDouble(1234.5), "1234");
+  formatter->setNumberStyle(NSNumberFormatterDecimalStyle);
+  formatter->setMaximumFractionDigits(-3);
+  EXPECT_EQ(formatter->maximumFractionDigits(), 0);
+  formatter->setMinimumFractionDigits(NSInteger{1} << 40);
+  EXPECT_EQ(formatter->minimumFractionDigits(), 127);
+  formatter->setLocale(std::make_shared<NSLocale>("no such locale"));
+  formatter->setMaximumFractionDigits(1);
+  EXPECT_EQ(formatter->stringFromDouble(0.5), "0.5");
+  formatter->setLocale(nullptr);
+  EXPECT_EQ(formatter->locale(), NSLocale::currentLocale());
+}
+
+TEST(NSNumberFormatter, WritesEveryKindOfNumberAndNoOther) {
+  const auto formatter = americanFormatter();
+  EXPECT_EQ(formatter->stringFromNumber(std::nullopt), std::nullopt);
+  EXPECT_EQ(formatter->stringFromNumber(NSNumber(true)), "1");
+  EXPECT_EQ(formatter->stringFromNumber(NSNumber(~std::uint64_t{0})), "18,446,744,073,709,551,615");
+  EXPECT_EQ(formatter->stringForObjectValue(0.5), "0.5");
+  EXPECT_EQ(formatter->stringForObjectValue("0.5"), std::nullopt);
+  EXPECT_EQ(formatter->stringForObjectValue(nullptr), std::nullopt);
+  formatter->setNumberStyle(NSNumberFormatterSpellOutStyle);
+  EXPECT_EQ(formatter->stringFromNumber(NSNumber(105)), "one hundred five");
+  formatter->setNumberStyle(NSNumberFormatterOrdinalStyle);
+  EXPECT_EQ(formatter->stringFromNumber(NSNumber(21)), "21st");
+}
+
+}  // namespace
+}  // namespace ORLFoundation
