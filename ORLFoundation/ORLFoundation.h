@@ -171,6 +171,9 @@
 #include <ORLFoundation/support/strings/ORLFAttributedStringUtilities.h>
 #include <ORLFoundation/support/strings/ORLFPredicateUtilities.h>
 #include <ORLFoundation/support/strings/ORLFStringUtilities.h>
+#include <ORLFoundation/xmlparsing/builders/ORLFXMLParserObjectBuilder.h>
+#include <ORLFoundation/xmlparsing/builders/ORLFXMLParserPropertyBuilder.h>
+#include <ORLFoundation/xmlparsing/builders/ORLFXMLPropertyVocabulary.h>
 #include <ORLFoundation/xmlparsing/fragments/ORLFXMLParser.h>
 #include <ORLFoundation/xmlparsing/fragments/ORLFXMLParserContentHandler.h>
 #include <ORLFoundation/xmlparsing/fragments/ORLFXMLParserFragmentHandler.h>

@@ -50,6 +50,9 @@ done
 say "Dates as people type them"
 run date 2/13/21 13/2/2021 2021-02-13 'Feb 3, 2021' 3/4 5 --today 2021-02-10
 
+say "A sum in a German field of amounts"
+run calc '1.234,50 + zwei*[3-1]' --locale de_DE --steps
+
 say "A bank's statement as XML"
 run ofx2xml "$here/statement.ofx" --pretty
 
