@@ -55,5 +55,7 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareXmlEscapeCommand(Options& options);
 /// `orlf xml-unescape`  Texts without entities.
 [[nodiscard]] Job declareXmlUnescapeCommand(Options& options);
+/// `orlf xml-events`  The events of an XML document.
+[[nodiscard]] Job declareXmlEventsCommand(Options& options);
 
 }  // namespace orlftool

@@ -44,6 +44,7 @@ constexpr std::array kCommands{
     Command{"ofx2xml", &declareOfxToXmlCommand},
     Command{"xml-escape", &declareXmlEscapeCommand},
     Command{"xml-unescape", &declareXmlUnescapeCommand},
+    Command{"xml-events", &declareXmlEventsCommand},
     Command{"template-image", &declareTemplateImageCommand},
 };
 
