@@ -21,6 +21,8 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareFiscalCommand(Options& options);
 /// `orlf infer-dates`  The order of day, month and year in a file's dates.
 [[nodiscard]] Job declareInferDatesCommand(Options& options);
+/// `orlf span`  A span of dates in words.
+[[nodiscard]] Job declareSpanCommand(Options& options);
 /// `orlf plan`  Balances and contributions of a plan file.
 [[nodiscard]] Job declarePlanCommand(Options& options);
 /// `orlf loan`  The level payment of a loan, and its amortization table.
@@ -31,6 +33,10 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareAxisCommand(Options& options);
 /// `orlf amount`  Amounts as people type them.
 [[nodiscard]] Job declareAmountCommand(Options& options);
+/// `orlf calc`  Sums as people type them.
+[[nodiscard]] Job declareCalcCommand(Options& options);
+/// `orlf percent`  A percentage as people type it.
+[[nodiscard]] Job declarePercentCommand(Options& options);
 /// `orlf round`  A decimal rounded.
 [[nodiscard]] Job declareRoundCommand(Options& options);
 /// `orlf decimal`  Sums on decimals.
