@@ -30,6 +30,10 @@
 #include <ORLFoundation/decimal/ORLFMutableDecimalNumberHandler.h>
 #include <ORLFoundation/decimal/ORLFNegateDecimalNumberTransformer.h>
 #include <ORLFoundation/decimal/ORLFRoundingBehavior.h>
+#include <ORLFoundation/decimal/entry/ORLFNumberFormatter.h>
+#include <ORLFoundation/decimal/entry/ORLFNumberFormatterOperator.h>
+#include <ORLFoundation/decimal/entry/ORLFNumberFormattingLocale.h>
+#include <ORLFoundation/decimal/entry/ORLFPercentNumberFormatter.h>
 #include <ORLFoundation/interchange/qif/ORLFQIFDataWriter.h>
 #include <ORLFoundation/interchange/qif/ORLFQIFRecords.h>
 #include <ORLFoundation/interchange/sgml/ORLFSGMLConversion.h>
@@ -96,7 +100,9 @@
 #include <ORLFoundation/platform/process/NSBundle.h>
 #include <ORLFoundation/platform/process/NSProcessInfo.h>
 #include <ORLFoundation/platform/process/NSUserActivity.h>
+#include <ORLFoundation/platform/stream/NSInputStream.h>
 #include <ORLFoundation/platform/stream/NSOutputStream.h>
+#include <ORLFoundation/platform/stream/NSStream.h>
 #include <ORLFoundation/platform/text/NSAttributedString.h>
 #include <ORLFoundation/platform/text/NSCharacterSet.h>
 #include <ORLFoundation/platform/text/NSScanner.h>
@@ -124,6 +130,10 @@
 #include <ORLFoundation/platform/value/NSURL.h>
 #include <ORLFoundation/platform/value/NSURLComponents.h>
 #include <ORLFoundation/platform/value/NSUUID.h>
+#include <ORLFoundation/platform/xml/NSXMLParser.h>
+#include <ORLFoundation/platform/xml/NSXMLParserDelegate.h>
+#include <ORLFoundation/platform/xml/NSXMLParserLimits.h>
+#include <ORLFoundation/platform/xml/NSXMLParserLoader.h>
 #include <ORLFoundation/process/engine/ORLFProcess.h>
 #include <ORLFoundation/process/engine/ORLFProcessDelegate.h>
 #include <ORLFoundation/process/engine/ORLFProcessStep.h>

@@ -50,4 +50,8 @@ done
 say "A bank's statement as XML"
 run ofx2xml "$here/statement.ofx" --pretty
 
+say "Is 03/04/24 in March or in April? A later date of the same column tells"
+printf 'Date;Amount\n03/04/24;-5.00\n03/14/24;12.50\n' >"$output/dates.csv"
+run infer-dates "$output/dates.csv" --column 1
+
 printf '\nThe chart is in %s\n' "$output/mortgage.svg"

@@ -27,6 +27,7 @@ constexpr std::array kCommands{
     Command{"describe", &declareDescribeCommand},
     Command{"schedule", &declareScheduleCommand},
     Command{"fiscal", &declareFiscalCommand},
+    Command{"infer-dates", &declareInferDatesCommand},
     Command{"plan", &declarePlanCommand},
     Command{"loan", &declareLoanCommand},
     Command{"irr", &declareIrrCommand},

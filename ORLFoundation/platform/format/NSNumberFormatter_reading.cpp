@@ -60,7 +60,8 @@ std::optional<NSNumber> NSNumberFormatter::numberFromString(std::string_view tex
   NSRange range = units.range();
   std::optional<NSNumber> number;
   if (!getObjectValue(&number, units, &range)) return std::nullopt;
-  return range == units.range() ? number : std::nullopt;
+  // A subclass may have put something behind the text.
+  return NSMaxRange(range) >= units.units().size() ? number : std::nullopt;
 }
 
 bool NSNumberFormatter::isPartialStringValid(const NSPartialStringEdit& edit) {

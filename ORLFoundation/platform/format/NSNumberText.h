@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace ORLFoundation {
 
@@ -28,6 +29,7 @@ class NSNumberText {
 
   /// Of UTF-8, where each broken sequence of bytes becomes U+FFFD.
   explicit NSNumberText(std::string_view text);
+  explicit NSNumberText(std::u16string units) : long_(std::move(units)), units_(long_) {}
   NSNumberText(const NSNumberText&) = delete;
   NSNumberText& operator=(const NSNumberText&) = delete;
 
@@ -40,7 +42,7 @@ class NSNumberText {
   bool spendUnitsInWords(NSUInteger count) noexcept;
 
  private:
-  std::array<char16_t, 64> short_;  // Of texts that fit, so that an amount allocates nothing.
+  std::array<char16_t, 64> short_ = {};  // Of texts that fit, so that an amount allocates nothing.
   std::u16string long_;
   std::u16string_view units_;
   NSUInteger unitsInWordsLeft_ = kMostUnitsInWords;

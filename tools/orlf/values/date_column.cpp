@@ -55,15 +55,17 @@ bool DateColumn::add(std::string_view text, std::uint64_t line) {
   return true;
 }
 
-/// Whether the calendar shows the day and the month that the text names.
+/// Whether the calendar shows the day, the month and the full year that the text names.
 bool DateColumn::isDayOf(NSDate date, std::string_view text, DateOrder order) const {
   std::array<NSUInteger, 3> numbers{};
   static_cast<void>(engine_.parseDate(text, &numbers[0], &numbers[1], &numbers[2]));
   const std::string_view word = wordOfDateOrder(order);
-  const NSDateComponents fields =
-      engine_.dateParsingCalendar()->components(NSCalendarUnitMonth | NSCalendarUnitDay, date);
+  const NSUInteger year = numbers.at(word.find('y'));
+  const NSDateComponents fields = engine_.dateParsingCalendar()->components(
+      NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay, date);
   return static_cast<NSUInteger>(fields.day()) == numbers.at(word.find('d')) &&
-         static_cast<NSUInteger>(fields.month()) == numbers.at(word.find('m'));
+         static_cast<NSUInteger>(fields.month()) == numbers.at(word.find('m')) &&
+         (year < 1000 || static_cast<NSUInteger>(fields.year()) == year);
 }
 
 ColumnDate DateColumn::read(std::string_view text, DateOrder order) {

@@ -39,8 +39,8 @@ struct ColumnText {
 
 /// What a text says under an order.
 struct ColumnDate {
-  /// nil for a text without three numbers, for years from 101 to 999 and for a day that no calendar
-  /// has, such as 31 February.
+  /// nil for a text without three numbers, for years from 101 to 999 and for a day that the
+  /// calendar does not have, such as 31 February.
   std::optional<ORLFoundation::NSDate> date;
   bool isUnknownDay = false;
 };

@@ -96,7 +96,8 @@ TEST(DateColumn, ReadsNoDayThatTheCalendarLacks) {
   EXPECT_EQ(column.dateText("31/02/2021", "dmy"), "unknown day");
   EXPECT_EQ(column.dateText("29/02/2023", "dmy"), "unknown day");
   EXPECT_EQ(column.dateText("03/13/2021", "dmy"), "unknown day");
-  EXPECT_EQ(column.dateText("1/2/-3", "dmy"), "-0003-02-01");
+  EXPECT_EQ(column.dateText("1/2/-3", "dmy"), "unknown day");
+  EXPECT_EQ(column.dateText("1/2/9999999999999999999", "dmy"), "unknown day");
   EXPECT_EQ(column.dateText("9999999999999999999/2/2021", "dmy"), "unknown day");
   EXPECT_EQ(column.dateText("1/9223372036854775806/2021", "dmy"), "none");
 }

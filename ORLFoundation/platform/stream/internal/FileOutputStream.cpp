@@ -28,12 +28,12 @@ void FileOutputStream::open() {
   if (isUsable(path_))
     file_ = ::open(path_.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | onContents, kRightsOfNewFiles);
   if (file_ < 0) return fail();
-  NSOutputStream::open();
+  NSStream::open();
 }
 
 void FileOutputStream::close() {
   closeFile();
-  NSOutputStream::close();
+  NSStream::close();
 }
 
 NSInteger FileOutputStream::write(std::span<const std::uint8_t> buffer) {
