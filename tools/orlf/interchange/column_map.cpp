@@ -71,7 +71,8 @@ std::size_t ColumnMap::fieldNamed(const std::string& name) const {
                                   [&name](const FieldRule& rule) { return rule.name == name; });
   if (found != rules_.end()) return static_cast<std::size_t>(found - rules_.begin());
   std::string names;
-  for (const FieldRule& rule : rules_) names += (names.empty() ? "" : ", ") + std::string(rule.name);
+  for (const FieldRule& rule : rules_)
+    names += (names.empty() ? "" : ", ") + std::string(rule.name);
   throw UsageFailure("--map: expected fields of " + names + ", got " + quotedForMessage(name));
 }
 
@@ -89,7 +90,8 @@ void ColumnMap::takeWord(const std::string& word) {
     needsHeadings_ = true;
     return;
   }
-  columns_[field] = static_cast<std::size_t>(readWholeArgument("--map", column, 1, kMostColumns)) - 1;
+  columns_[field] =
+      static_cast<std::size_t>(readWholeArgument("--map", column, 1, kMostColumns)) - 1;
 }
 
 void ColumnMap::takeHeadings(std::span<const std::string_view> headings, const std::string& file) {

@@ -62,7 +62,8 @@ TEST(ColumnMap, NamesWhatItCannotTake) {
   EXPECT_EQ(faultOf("date", {}),
             "--map: expected a list such as date=1,payee=Description, got 'date'");
   EXPECT_EQ(faultOf("", {}), "--map: expected a list such as date=1,payee=Description, got ''");
-  EXPECT_EQ(faultOf("date=Day", {"A", "B"}), "f: no column has the heading 'Day'; there are 'A', 'B'");
+  EXPECT_EQ(faultOf("date=Day", {"A", "B"}),
+            "f: no column has the heading 'Day'; there are 'A', 'B'");
   EXPECT_EQ(faultOf("date=A", {"a", "A"}),
             "f: two columns have the heading 'A': --map takes numbers, too");
   EXPECT_EQ(faultOf(std::nullopt, {"date", "x"}),

@@ -67,10 +67,15 @@ const DateReading::Course& DateReading::courseOf(DateOrder order) const {
 }
 
 void DateReading::add(std::string_view text, std::uint64_t line) {
-  if (!isAuto_ || !column_.add(text, line)) return;
-  for (const DateOrder order : kDateOrders)
-    if (isMeant(order))
-      extend(courses_.at(static_cast<std::size_t>(order - 1)), column_.read(text, order).date);
+  if (!isAuto_) return;
+  std::array<std::optional<NSDate>, kDateOrders.size()> dates;
+  std::transform(kDateOrders.begin(), kDateOrders.end(), dates.begin(),
+                 [&](DateOrder order) { return column_.read(text, order).date; });
+  // What no order reads is a bad row, and says nothing of the others.
+  const auto isDate = [](const std::optional<NSDate>& date) { return date.has_value(); };
+  if (std::none_of(dates.begin(), dates.end(), isDate) || !column_.add(text, line)) return;
+  for (std::size_t at = 0; at < dates.size(); ++at)
+    if (isMeant(kDateOrders.at(at))) extend(courses_.at(at), dates.at(at));
 }
 
 void DateReading::extend(Course& course, const std::optional<NSDate>& date) {
@@ -115,8 +120,9 @@ DateReading::Finding DateReading::settle() {
   std::vector<DateOrder> orders = column_.orders();
   std::erase_if(orders, [this](DateOrder order) { return !isMeant(order); });
   if (orders.empty()) {
-    finding.fault = "no usual order of day, month and year fits all dates, the last of them up to " +
-                    decidingRow(0) + ": --date-format tells one, --orders takes others into account";
+    finding.fault =
+        "no usual order of day, month and year fits all dates, the last of them up to " +
+        decidingRow(0) + ": --date-format tells one, --orders takes others into account";
     return finding;
   }
   order_ = orders.front();

@@ -36,7 +36,7 @@ class DateReading {
   DateReading(const DateReading&) = delete;
   DateReading& operator=(const DateReading&) = delete;
 
-  /// Each date is to be shown first.
+  /// Each date is to be shown first. A text that is a date in no order changes nothing.
   void add(std::string_view text, std::uint64_t line);
 
   struct Finding {

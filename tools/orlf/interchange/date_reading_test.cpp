@@ -70,6 +70,15 @@ TEST(DateReading, RefusesDatesThatContradictEachOther) {
   EXPECT_NE(words.find("line 2, '04/14/2021'"), std::string::npos) << words;
 }
 
+TEST(DateReading, PassesOverWhatIsNoDateInAnyOrder) {
+  DateReading dates("auto", false, calendarInUTC(), "en_US");
+  EXPECT_EQ(settled(dates, {"2023-01-32", "Total", "40.40.40", "2023-01-31"}),
+            "dates are read as ymd: line 4, '2023-01-31', decides|");
+  DateReading none("auto", false, calendarInUTC(), "en_US");
+  EXPECT_EQ(settled(none, {"Total"}), "");
+  EXPECT_EQ(dayOf(none, "2023-01-31"), "nil");
+}
+
 TEST(DateReading, JudgesOtherOrdersOnlyWhereAsked) {
   DateReading usual("auto", false, calendarInUTC(), "en_US");
   EXPECT_NE(settled(usual, {"2021/13/04"}).find("no usual order"), std::string::npos);

@@ -54,9 +54,8 @@ bool isCurrency(std::string_view text) {
   if (text.empty()) return true;
   if (text.size() > kLongest || text.find_first_of("()-+%/") != text.npos) return false;
   if (text.find(kMinus) != text.npos) return false;
-  const bool hasSign = std::any_of(text.begin(), text.end(), [](char c) {
-    return c == '$' || !internal::base::isASCII(c);
-  });
+  const bool hasSign = std::any_of(text.begin(), text.end(),
+                                   [](char c) { return c == '$' || !internal::base::isASCII(c); });
   const bool isCode = text.size() == kLetters && std::all_of(text.begin(), text.end(), [](char c) {
                         return isUpperLetter(c);
                       });
@@ -75,9 +74,8 @@ bool takeSign(std::string_view& text, bool& isNegative) {
 
 /// Takes a currency off either end; false for other words.
 bool takeCurrency(std::string_view& text) {
-  const auto first = std::find_if(text.begin(), text.end(), [](char c) {
-    return isOfNumber(c) || c == '-';
-  });
+  const auto first =
+      std::find_if(text.begin(), text.end(), [](char c) { return isOfNumber(c) || c == '-'; });
   std::string_view before = text.substr(0, static_cast<std::size_t>(first - text.begin()));
   if (before.ends_with(kMinus)) before.remove_suffix(kMinus.size());
   text.remove_prefix(before.size());

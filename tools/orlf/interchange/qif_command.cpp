@@ -22,6 +22,7 @@ namespace {
 using namespace ORLFoundation;
 
 constexpr int kCents = 2;
+constexpr std::int32_t kInvestmentAccount = 3;
 
 struct QifArguments {
   TableRequest table;
@@ -35,7 +36,9 @@ struct QifArguments {
 QifRequest readRequest(const QifArguments& arguments) {
   const bool isOfSecurities = arguments.kind == "investments";
   const bool needsAccount = isOfSecurities || arguments.kind == "transactions";
-  QifRequest request{.accountType = isOfSecurities ? 3 : 0, .isNegated = arguments.isNegated};
+  QifRequest request;
+  request.accountType = isOfSecurities ? kInvestmentAccount : 0;
+  request.isNegated = arguments.isNegated;
   if (!needsAccount) {
     if (arguments.account || arguments.type || arguments.isNegated)
       throw UsageFailure("--account, --type and --negate do not go with --kind " + arguments.kind);

@@ -34,13 +34,8 @@ constexpr std::array<NamedCode, 15> kAccountTypes{{{"bank", 0},
                                                    {"liability", 7},
                                                    {"oth l", 7},
                                                    {"401k", 5}}};
-constexpr std::array<NamedCode, 7> kClearedWords{{{"c", 1},
-                                                  {"*", 1},
-                                                  {"cleared", 1},
-                                                  {"r", 2},
-                                                  {"x", 2},
-                                                  {"reconciled", 2},
-                                                  {"no", 0}}};
+constexpr std::array<NamedCode, 7> kClearedWords{
+    {{"c", 1}, {"*", 1}, {"cleared", 1}, {"r", 2}, {"x", 2}, {"reconciled", 2}, {"no", 0}}};
 constexpr std::array<NamedCode, 2> kCategoryTypes{{{"expense", 0}, {"income", 1}}};
 constexpr std::array<NamedCode, 6> kYesOrNo{
     {{"yes", 1}, {"true", 1}, {"1", 1}, {"no", 0}, {"false", 0}, {"0", 0}}};
@@ -72,8 +67,7 @@ std::int32_t codeOf(const TypedRow& row, std::size_t field,
 /// A record that was refused: only a character outside the encoding refuses one, since streams
 /// throw.
 void require(bool isWritten) {
-  if (!isWritten)
-    throw BadRow{"record", "characters of the output's encoding", "others"};
+  if (!isWritten) throw BadRow{"record", "characters of the output's encoding", "others"};
 }
 
 /// nil stays nil: an amount negated where that is asked for.
@@ -121,7 +115,16 @@ class Transactions final : public QifRecords {
 
  private:
   enum Field : std::size_t {
-    kDate, kAmount, kDebit, kCredit, kPayee, kMemo, kCategory, kTransfer, kNumber, kCleared
+    kDate,
+    kAmount,
+    kDebit,
+    kCredit,
+    kPayee,
+    kMemo,
+    kCategory,
+    kTransfer,
+    kNumber,
+    kCleared
   };
   static constexpr std::array<FieldRule, 10> kRules{
       {{"date", FieldType::Date, true,
@@ -151,7 +154,8 @@ class Transactions final : public QifRecords {
     return orlfDecimalNumberByNegatingNumber(orlfAbsoluteValue(*debit));
   }
 
-  /// Banks write debits with a minus or without one. With both in a column, one of them is no debit.
+  /// Banks write debits with a minus or without one. With both in a column, one of them is no
+  /// debit.
   void requireOneSign(const TypedRow& row, const NSDecimalNumber& debit) const {
     const bool isNegative = orlfIsNegativeNumber(debit);
     if (!debitsAreNegative_) debitsAreNegative_ = isNegative;
@@ -209,8 +213,18 @@ class Investments final : public QifRecords {
 
  private:
   enum Field : std::size_t {
-    kDate, kAction, kSecurity, kPrice, kQuantity, kAmount, kCommission, kPayee, kMemo, kTransfer,
-    kTransferAmount, kCleared
+    kDate,
+    kAction,
+    kSecurity,
+    kPrice,
+    kQuantity,
+    kAmount,
+    kCommission,
+    kPayee,
+    kMemo,
+    kTransfer,
+    kTransferAmount,
+    kCleared
   };
   static constexpr std::array<FieldRule, 12> kRules{
       {{"date", FieldType::Date, true, "date|trade date"},
@@ -254,10 +268,11 @@ class Securities final : public QifRecords {
 
  private:
   enum Field : std::size_t { kName, kSymbol, kType, kRisk };
-  static constexpr std::array<FieldRule, 4> kRules{{{"name", FieldType::Text, true, "name|security"},
-                                                    {"symbol", FieldType::Text, false, "symbol"},
-                                                    {"type", FieldType::Text, false, "type"},
-                                                    {"risk", FieldType::Text, false, "risk"}}};
+  static constexpr std::array<FieldRule, 4> kRules{
+      {{"name", FieldType::Text, true, "name|security"},
+       {"symbol", FieldType::Text, false, "symbol"},
+       {"type", FieldType::Text, false, "type"},
+       {"risk", FieldType::Text, false, "risk"}}};
 
   [[nodiscard]] static std::int64_t typeOf(const TypedRow& row) {
     const std::string word = row.text(kType);

@@ -35,7 +35,14 @@ struct TxfArguments {
 };
 
 enum GainsField : std::size_t {
-  kSecurity, kShares, kBought, kSold, kCost, kProceeds, kGainsCopy, kGainsLine
+  kSecurity,
+  kShares,
+  kBought,
+  kSold,
+  kCost,
+  kProceeds,
+  kGainsCopy,
+  kGainsLine
 };
 constexpr std::array<FieldRule, 8> kGainsRules{
     {{"security", FieldType::Text, true, "security|name"},
@@ -48,7 +55,16 @@ constexpr std::array<FieldRule, 8> kGainsRules{
      {"line", FieldType::Text, false, "line"}}};
 
 enum AmountField : std::size_t {
-  kReference, kAmount, kCopy, kLine, kDate, kAccount, kCheck, kPayee, kMemo, kCategory
+  kReference,
+  kAmount,
+  kCopy,
+  kLine,
+  kDate,
+  kAccount,
+  kCheck,
+  kPayee,
+  kMemo,
+  kCategory
 };
 constexpr std::array<FieldRule, 10> kDetailRules{
     {{"reference", FieldType::Text, true, "reference|refnum|number"},
