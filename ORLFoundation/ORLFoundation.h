@@ -169,3 +169,9 @@
 #include <ORLFoundation/support/strings/ORLFAttributedStringUtilities.h>
 #include <ORLFoundation/support/strings/ORLFPredicateUtilities.h>
 #include <ORLFoundation/support/strings/ORLFStringUtilities.h>
+#include <ORLFoundation/xmlparsing/fragments/ORLFXMLParser.h>
+#include <ORLFoundation/xmlparsing/fragments/ORLFXMLParserContentHandler.h>
+#include <ORLFoundation/xmlparsing/fragments/ORLFXMLParserFragmentHandler.h>
+#include <ORLFoundation/xmlparsing/fragments/ORLFXMLParserFragmentHandlerBase.h>
+#include <ORLFoundation/xmlparsing/fragments/ORLFXMLParserIgnoreFragmentHandler.h>
+#include <ORLFoundation/xmlparsing/fragments/ORLFXMLParserStringPropertyHandler.h>

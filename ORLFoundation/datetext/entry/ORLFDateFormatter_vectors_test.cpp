@@ -1,8 +1,8 @@
 #include <ORLFoundation/datetext/entry/ORLFDateFormatter.h>
 
+#include <ORLFoundation/datetext/entry/ORLFDateFormatter_testing.h>
 #include <ORLFoundation/datetext/entry/internal/DateScan.h>
 #include <ORLFoundation/datetext/entry/internal/ShortFormat.h>
-#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaults.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/object/Id.h>
@@ -13,7 +13,7 @@
 #include <gtest/gtest.h>
 #include <tests/support/VectorFile.h>
 
-#include <functional>
+#include <cstdlib>
 #include <iostream>
 
 namespace ORLFoundation {
@@ -21,24 +21,8 @@ namespace {
 
 using namespace internal::entry;
 using orlftest::Json;
+using orlftest::PinnedWorld;
 using orlftest::TsvRow;
-
-// The world of one row: its locale, zone and clock are the process's.
-class World {
- public:
-  World(const std::string& locale, const std::string& zone, std::optional<NSDate> today)
-      : locale_(NSLocale::setCurrentLocale, std::make_shared<NSLocale>(locale)),
-        clock_(NSDate::setClock, [date = today.value_or(NSDate())] { return date; }) {
-    NSTimeZone::setDefaultTimeZone(NSTimeZone::timeZoneWithName(zone));
-  }
-  World(const World&) = delete;
-  World& operator=(const World&) = delete;
-  ~World() { NSTimeZone::setDefaultTimeZone(nullptr); }
-
- private:
-  Replaced<std::shared_ptr<NSLocale>> locale_;
-  Replaced<std::function<NSDate()>> clock_;
-};
 
 void setStyles(ORLFDateFormatter& formatter, const TsvRow& row) {
   formatter.setDateStyle(static_cast<NSDateFormatterStyle>(row.unsignedInteger("date_style")));
@@ -93,8 +77,8 @@ std::string differenceOfRange(const TsvRow& row, const ORLFDateFormatter& format
 
 std::string checkReading(const TsvRow& row) {
   const LogCapture quiet;
-  const World world(row.text("locale"), row.text("zone"),
-                    orlftest::dateFromVector(row.text("today")));
+  const PinnedWorld world(row.text("locale"), row.text("zone"),
+                          *orlftest::dateFromVector(row.text("today")));
   ORLFDateFormatter formatter;
   setStyles(formatter, row);
   formatter.setAllowNilDates(row.boolean("allow_nil"));
@@ -117,7 +101,7 @@ std::string checkReading(const TsvRow& row) {
 
 std::string checkPrinting(const TsvRow& row) {
   const LogCapture quiet;
-  const World world(row.text("locale"), row.text("zone"), std::nullopt);
+  const PinnedWorld world(row.text("locale"), row.text("zone"), NSDate());
   ORLFDateFormatter formatter;
   setStyles(formatter, row);
   formatter.setForceWideYear(row.boolean("force_year"));
@@ -170,7 +154,11 @@ int exitCodeOfTestingFormat() {
       orlftest::vectorFile("entry_date_print.tsv"),
       required([](const TsvRow& row) { return checkPrintingUnless(true, row); }));
   for (const std::string& line : report.disagreements) std::cerr << line << '\n';
-  return report.passed() && ORLFDateFormatter::useTestingFormat() ? 0 : 1;
+  // Read once; and what the class registered shows again.
+  defaults->removeObjectForKey(ORLFDateFormatterUseTestingFormatKey);
+  const bool isRegistered =
+      defaults->objectForKey(ORLFDateFormatterUseTestingFormatKey).as<bool>() == false;
+  return report.passed() && isRegistered && ORLFDateFormatter::useTestingFormat() ? 0 : 1;
 }
 
 TEST(ORLFDateFormatterDeathTest, AgreesWithVectorsOfTheTestingFormat) {
@@ -197,7 +185,7 @@ std::string checkInformation(const TsvRow& row) {
                    row["log"], lines.empty() ? std::optional<std::string>() : lines.back())}});
   if (!row["locale"] || !difference.empty()) return difference;
   log.clear();
-  const World world(*row["locale"], "UTC", std::nullopt);
+  const PinnedWorld world(*row["locale"], "UTC", NSDate());
   const ORLFDateFormatter formatter;
   const std::vector<std::string> logged = log.lines();
   return differences(

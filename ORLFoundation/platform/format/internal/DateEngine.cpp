@@ -1,5 +1,6 @@
 #include <ORLFoundation/platform/format/internal/DateEngine.h>
 
+#include <ORLFoundation/platform/format/internal/DateStyles.h>
 #include <ORLFoundation/platform/format/internal/NumericDate.h>
 #include <ORLFoundation/platform/format/internal/PatternText.h>
 #include <ORLFoundation/platform/format/internal/ZoneBridge.h>
@@ -53,6 +54,16 @@ void extendToAllTime(icu::Calendar& calendar) {
     gregorian->setGregorianChange(-std::numeric_limits<double>::max(), status);
 }
 
+std::unique_ptr<icu::SimpleDateFormat> formatOf(const DateSettings& settings) {
+  const icu::Locale locale(settings.locale.c_str());
+  if (settings.dateStyle != 0 || settings.timeStyle != 0)
+    return formatOfStyles(locale, settings.dateStyle, settings.timeStyle);
+  UErrorCode status = U_ZERO_ERROR;
+  auto made =
+      std::make_unique<icu::SimpleDateFormat>(text::utf16Of(settings.pattern), locale, status);
+  return U_SUCCESS(status) ? std::move(made) : nullptr;
+}
+
 void setWeeks(icu::Calendar& calendar, const DateSettings& settings) {
   if (settings.firstWeekday != 0)
     calendar.setFirstDayOfWeek(static_cast<UCalendarDaysOfWeek>(settings.firstWeekday));
@@ -104,10 +115,9 @@ DateEngine::Parts::Parts(const DateSettings& settings) : zone(settings.zone) {
 }
 
 void DateEngine::Parts::makeFormat(const DateSettings& settings) {
+  auto made = formatOf(settings);
+  if (!made || made->getCalendar() == nullptr) return;
   UErrorCode status = U_ZERO_ERROR;
-  auto made = std::make_unique<icu::SimpleDateFormat>(text::utf16Of(settings.pattern),
-                                                      icu::Locale(settings.locale.c_str()), status);
-  if (U_FAILURE(status) || made->getCalendar() == nullptr) return;
   std::unique_ptr<icu::Calendar> calendar(made->getCalendar()->clone());
   extendToAllTime(*calendar);
   setWeeks(*calendar, settings);
@@ -126,6 +136,8 @@ void DateEngine::Parts::setWindow(NSDate start) {
   double local = localOf(start);
   if (!(std::abs(local) <= kOtherReach)) local = localOf(NSDate::distantPast());
   UErrorCode status = U_ZERO_ERROR;
+  // Japanese years begin anew with each era and have no centuries.
+  if (std::string_view(strict->getType()) == "japanese") return;
   format->setTimeZone(*icu::TimeZone::getGMT());
   format->set2DigitYearStart(local * kMilliseconds, status);
   const auto day = static_cast<std::int64_t>(std::floor(local / civil::kSecondsPerDay));

@@ -17,6 +17,10 @@ namespace ORLFoundation::internal::format {
 struct DateSettings {
   std::string locale;  // ICU's identifier, with the calendar's keyword where one was chosen
   std::string pattern;
+  /// Those that the pattern is of, which tell ICU the numerals of the locale's calendar too (years
+  /// in Hebrew letters); 0 for a pattern of one's own.
+  NSUInteger dateStyle = 0;
+  NSUInteger timeStyle = 0;
   std::shared_ptr<NSTimeZone> zone;
   NSDate twoDigitStart;
   // 0 where the locale decides.

@@ -5,12 +5,10 @@
 #include <unicode/datefmt.h>
 #include <unicode/dtptngen.h>
 #include <unicode/reldatefmt.h>
-#include <unicode/smpdtfmt.h>
 #include <unicode/udisplaycontext.h>
 
 #include <cstdint>
 #include <map>
-#include <memory>
 #include <mutex>
 
 namespace ORLFoundation::internal::format {
@@ -67,15 +65,22 @@ std::string calendarOfLocale(const std::string& locale) {
   return U_SUCCESS(status) && calendar ? calendar->getType() : "gregorian";
 }
 
-std::string patternOfStyles(const std::string& locale, NSUInteger dateStyle, NSUInteger timeStyle) {
+std::unique_ptr<icu::SimpleDateFormat> formatOfStyles(const icu::Locale& locale,
+                                                      NSUInteger dateStyle, NSUInteger timeStyle) {
   const icu::DateFormat::EStyle date = styleOf(dateStyle);
   const icu::DateFormat::EStyle time = styleOf(timeStyle);
-  if (date == icu::DateFormat::kNone && time == icu::DateFormat::kNone) return {};
-  const std::unique_ptr<icu::DateFormat> format(
-      icu::DateFormat::createDateTimeInstance(date, time, localeOf(locale)));
-  const auto* simple = dynamic_cast<const icu::SimpleDateFormat*>(format.get());
+  if (date == icu::DateFormat::kNone && time == icu::DateFormat::kNone) return nullptr;
+  std::unique_ptr<icu::DateFormat> format(
+      icu::DateFormat::createDateTimeInstance(date, time, locale));
+  auto* simple = dynamic_cast<icu::SimpleDateFormat*>(format.get());
+  if (simple != nullptr) static_cast<void>(format.release());
+  return std::unique_ptr<icu::SimpleDateFormat>(simple);
+}
+
+std::string patternOfStyles(const std::string& locale, NSUInteger dateStyle, NSUInteger timeStyle) {
+  const auto format = formatOfStyles(localeOf(locale), dateStyle, timeStyle);
   icu::UnicodeString pattern;
-  return simple != nullptr ? utf8Of(simple->toPattern(pattern)) : std::string();
+  return format ? utf8Of(format->toPattern(pattern)) : std::string();
 }
 
 std::string patternOfTemplate(const std::string& locale, std::string_view letters) {

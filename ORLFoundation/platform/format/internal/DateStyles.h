@@ -4,7 +4,9 @@
 
 #include <ORLFoundation/platform/value/NSTypes.h>
 #include <unicode/dtfmtsym.h>
+#include <unicode/smpdtfmt.h>
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,6 +19,10 @@ namespace ORLFoundation::internal::format {
 /// "gregorian", "buddhist": that of the keyword, else that of the locale's region.
 [[nodiscard]] std::string calendarOfLocale(const std::string& locale);
 
+/// ICU's formatter of the styles; null for two that are none.
+[[nodiscard]] std::unique_ptr<icu::SimpleDateFormat> formatOfStyles(const icu::Locale& locale,
+                                                                    NSUInteger dateStyle,
+                                                                    NSUInteger timeStyle);
 /// The format of the styles, 1 short to 4 full; any other is none. Empty for two of those.
 [[nodiscard]] std::string patternOfStyles(const std::string& locale, NSUInteger dateStyle,
                                           NSUInteger timeStyle);

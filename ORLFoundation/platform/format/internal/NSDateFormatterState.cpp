@@ -55,6 +55,10 @@ DateEngine& NSDateFormatterState::engineOf(std::string_view format) {
   DateSettings made;
   made.locale = icuLocale();
   made.pattern = std::string(format);
+  if (!settings.format && format == pattern()) {
+    made.dateStyle = settings.dateStyle;
+    made.timeStyle = settings.timeStyle;
+  }
   made.zone = settings.zone;
   made.twoDigitStart = settings.twoDigitStart.value_or(*Settings().twoDigitStart);
   if (settings.calendar) {

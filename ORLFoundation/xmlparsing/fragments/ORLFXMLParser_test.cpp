@@ -1,0 +1,471 @@
+#include <ORLFoundation/xmlparsing/fragments/ORLFXMLParser.h>
+
+#include <ORLFoundation/platform/base/Replaced.h>
+#include <ORLFoundation/platform/defaults/NSUserDefaults.h>
+#include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
+#include <ORLFoundation/platform/format/NSLocale.h>
+#include <ORLFoundation/platform/log/LogCapture.h>
+#include <ORLFoundation/platform/stream/NSInputStream.h>
+#include <ORLFoundation/platform/value/NSData.h>
+#include <ORLFoundation/platform/value/NSURL.h>
+#include <ORLFoundation/platform/xml/NSXMLParser.h>
+#include <ORLFoundation/platform/xml/NSXMLParserLoader.h>
+#include <ORLFoundation/xmlparsing/fragments/ORLFXMLParserContentHandler.h>
+#include <ORLFoundation/xmlparsing/fragments/ORLFXMLParserIgnoreFragmentHandler.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <tests/support/TemporaryFolder.h>
+
+#include <cerrno>
+#include <functional>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace ORLFoundation {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+NSData dataOf(std::string_view text) { return NSData(text); }
+
+/// Calls functions that a test gives, and claims the elements that it names.
+class ScriptedHandler : public ORLFXMLParserContentHandler {
+ public:
+  std::map<std::string, std::shared_ptr<ORLFXMLParserFragmentHandler>, std::less<>> claims;
+  std::function<Error(std::string_view)> onStart;
+  std::function<Error(std::string_view)> onEnd;
+  std::function<Error(std::string_view)> onWillStart;
+  std::function<Error(std::string_view)> onDidFinish;
+  std::function<Error(std::string_view)> onWhitespace;
+  std::string lastContent;
+  std::vector<std::string> unhandled;
+
+  std::shared_ptr<ORLFXMLParserFragmentHandler> subFragmentHandlerForElementName(
+      std::string_view name) override {
+    const auto found = claims.find(name);
+    return found == claims.end() ? nullptr : found->second;
+  }
+  Error startElement(std::string_view name, const std::shared_ptr<NSDictionary>&) override {
+    return onStart ? onStart(name) : nullptr;
+  }
+  Error endElement(std::string_view name) override {
+    if (auto error = ORLFXMLParserContentHandler::endElement(name)) return error;
+    return onEnd ? onEnd(name) : nullptr;
+  }
+  Error willStartSubElement(std::string_view name) override {
+    return onWillStart ? onWillStart(name) : nullptr;
+  }
+  Error didFinishSubElement(std::string_view name) override {
+    return onDidFinish ? onDidFinish(name) : nullptr;
+  }
+  Error foundIgnorableWhitespace(std::string_view text) override {
+    if (onWhitespace) return onWhitespace(text);
+    return ORLFXMLParserContentHandler::foundIgnorableWhitespace(text);
+  }
+  bool finalizeContent(std::string_view content, std::string_view) override {
+    lastContent = content;
+    return true;
+  }
+  void unhandledSubElementFoundCharacters(std::string_view name, std::string_view text) override {
+    unhandled.push_back(std::string(name) + ":" + std::string(text));
+    ORLFXMLParserContentHandler::unhandledSubElementFoundCharacters(name, text);
+  }
+};
+
+class ScriptedParser : public ORLFXMLParser {
+ public:
+  std::map<std::string, Handler, std::less<>> handlers;
+  std::vector<std::string> asked;
+  int started = 0;
+  int ended = 0;
+
+  Handler fragmentHandlerForElementName(std::string_view name) override {
+    asked.emplace_back(name);
+    const auto found = handlers.find(name);
+    return found == handlers.end() ? nullptr : found->second;
+  }
+  void didStartDocument() override { ++started; }
+  void didEndDocument() override { ++ended; }
+};
+
+class Fragments : public orlftest::TemporaryFolderTest {
+ protected:
+  const std::shared_ptr<ScriptedParser> parser_ = std::make_shared<ScriptedParser>();
+  const std::shared_ptr<ScriptedHandler> root_ = std::make_shared<ScriptedHandler>();
+  const std::shared_ptr<ScriptedHandler> inner_ = std::make_shared<ScriptedHandler>();
+  std::shared_ptr<const NSError> error_;
+  LogCapture log_;
+
+  Fragments() { parser_->handlers["r"] = root_; }
+  bool parse(std::string_view text) { return parser_->parseData(dataOf(text), &error_); }
+  [[nodiscard]] NSInteger code() const { return error_ ? error_->code() : 0; }
+};
+
+std::shared_ptr<const NSError> failure(NSInteger code) {
+  return NSError::errorWithDomain("test", code);
+}
+
+TEST_F(Fragments, TellBothEndsOfADocument) {
+  EXPECT_TRUE(parse("<r/>"));
+  EXPECT_EQ(parser_->started, 1);
+  EXPECT_EQ(parser_->ended, 1);
+  EXPECT_FALSE(parse("<r>"));
+  EXPECT_EQ(parser_->started, 1) << "less than four bytes";
+  EXPECT_EQ(parser_->ended, 1);
+}
+
+TEST_F(Fragments, AskTheHandlerBeforeTheParser) {
+  root_->claims["b"] = inner_;
+  EXPECT_TRUE(parse("<r><b/></r>"));
+  EXPECT_THAT(parser_->asked, ElementsAre("r"));
+  parser_->handlers["c"] = inner_;
+  EXPECT_TRUE(parse("<r><c/></r>"));
+  EXPECT_THAT(parser_->asked, ElementsAre("r", "r", "c"));
+}
+
+TEST_F(Fragments, RefuseAnUnknownElementWithoutAWordMore) {
+  EXPECT_FALSE(parse("<x/>"));
+  EXPECT_EQ(error_->domain(), NSXMLParserErrorDomain);
+  EXPECT_EQ(code(), 86);
+  EXPECT_EQ(error_->userInfo()->count(), 0U);
+  EXPECT_TRUE(parser_->fragmentHandlerStack().empty());
+  EXPECT_THAT(log_.lines(), ElementsAre("fragementErrorOccurred: " + error_->description()));
+}
+
+TEST_F(Fragments, LogSkippedElementsWhereADefaultAsksForIt) {
+  parser_->setUnhandledElementBehavior(1);
+  EXPECT_TRUE(parse("<r><x/></r>"));
+  EXPECT_TRUE(log_.lines().empty());
+  const NSStandardUserDefaultsInMemory defaults;
+  NSUserDefaults::standardUserDefaults()->setBool(true, "ORLFXMLParserLogging");
+  EXPECT_TRUE(parse("<r><x><y/></x></r>"));
+  EXPECT_THAT(log_.lines(), ElementsAre("Unhandled element: x")) << "y is the skipping one's";
+}
+
+TEST_F(Fragments, SkipWholeElements) {
+  for (const std::int32_t behavior : {1, 3, -1, 77}) {
+    root_->unhandled.clear();
+    root_->claims["b"] = inner_;
+    parser_->setUnhandledElementBehavior(behavior);
+    std::shared_ptr<ORLFXMLParserFragmentHandler> above;
+    EXPECT_TRUE(parse("<r><x>1<b>2</b>3</x></r>")) << behavior;
+    EXPECT_THAT(root_->unhandled, ElementsAre("x:1", "b:2", "x:3")) << behavior;
+  }
+}
+
+TEST_F(Fragments, SkipTagsAlone) {
+  root_->claims["b"] = inner_;
+  parser_->setUnhandledElementBehavior(2);
+  std::shared_ptr<ORLFXMLParserFragmentHandler> above;
+  inner_->onStart = [&](std::string_view) {
+    above = inner_->parent();
+    EXPECT_EQ(parser_->fragmentHandlerStack().size(), 4U);
+    const auto& skipping = parser_->fragmentHandlerStack()[2];
+    EXPECT_EQ(skipping->className(), "ORLFXMLParserIgnoreFragmentHandler");
+    EXPECT_EQ(parser_->parentFragmentHandlerForHandler(skipping), root_);
+    EXPECT_EQ(parser_->parentFragmentHandlerForHandler(inner_), root_);
+    return nullptr;
+  };
+  EXPECT_TRUE(parse("<r><x><y><b>2</b></y></x></r>"));
+  EXPECT_EQ(above, root_);
+  EXPECT_EQ(inner_->lastContent, "2");
+}
+
+TEST_F(Fragments, SkipRootsWithoutAParent) {
+  parser_->setUnhandledElementBehavior(1);
+  EXPECT_TRUE(parse("<x>1<y>2</y></x>"));
+  parser_->setUnhandledElementBehavior(2);
+  EXPECT_TRUE(parse("<x>1<r>2</r></x>"));
+  EXPECT_EQ(root_->lastContent, "2");
+}
+
+struct WhitespaceCase {
+  const char* name;
+  bool ignorable;
+  bool unhandled;
+  std::string own;      // of an element's own whitespace
+  std::string skipped;  // of a skipped sub-element's
+};
+const WhitespaceCase kWhitespace[] = {
+    {"Neither", false, false, "", ""},
+    {"Ignorable", true, false, "\n", ""},
+    // Whitespace of a skipped element crosses over to characters.
+    {"Unhandled", false, true, "", "\t"},
+    {"Both", true, true, "\n", "\t"},
+};
+
+TEST_F(Fragments, TellWhitespaceAndItsCrossing) {
+  constexpr std::string_view own = "<!DOCTYPE r [<!ELEMENT r (b)>]><r>\n</r>";
+  constexpr std::string_view skipped =
+      "<!DOCTYPE r [<!ELEMENT r (x)><!ELEMENT x (y)>]><r><x>\t<y/></x></r>";
+  parser_->setUnhandledElementBehavior(1);
+  for (const WhitespaceCase& row : kWhitespace) {
+    root_->setIncludeIgnorableWhitespace(row.ignorable);
+    root_->setIncludeUnhandledSubElementContent(row.unhandled);
+    EXPECT_TRUE(parse(own));
+    EXPECT_EQ(root_->lastContent, row.own) << row.name;
+    root_->unhandled.clear();
+    EXPECT_TRUE(parse(skipped));
+    EXPECT_EQ(root_->lastContent, row.skipped) << row.name;
+    EXPECT_THAT(root_->unhandled, ElementsAre("x:\t")) << row.name;
+  }
+}
+
+TEST_F(Fragments, WhitespaceOperationOfAContentHandlerNeedsBothFlags) {
+  for (const WhitespaceCase& row : kWhitespace) {
+    ORLFXMLParserContentHandler handler;
+    handler.setIncludeIgnorableWhitespace(row.ignorable);
+    handler.setIncludeUnhandledSubElementContent(row.unhandled);
+    handler.beginFragmentWithParent(nullptr, nullptr);
+    handler.unhandledSubElementFoundIgnorableWhitespace("x", "\t");
+    EXPECT_EQ(handler.content(), row.ignorable && row.unhandled ? "\t" : "") << row.name;
+  }
+}
+
+TEST_F(Fragments, StopAtAnErrorOfEveryOperation) {
+  using Hook = std::function<std::shared_ptr<const NSError>(std::string_view)> ScriptedHandler::*;
+  struct Row {
+    const char* name;
+    Hook hook;
+    std::size_t stack;
+  };
+  const Row rows[] = {{"start", &ScriptedHandler::onStart, 1},
+                      {"whitespace", &ScriptedHandler::onWhitespace, 1},
+                      {"willStart", &ScriptedHandler::onWillStart, 2},
+                      {"didFinish", &ScriptedHandler::onDidFinish, 2},
+                      {"end", &ScriptedHandler::onEnd, 1}};
+  constexpr std::string_view document = "<!DOCTYPE r [<!ELEMENT r (b)>]><r> <b>2</b></r>";
+  for (const Row& row : rows) {
+    const auto parser = std::make_shared<ScriptedParser>();
+    const auto root = std::make_shared<ScriptedHandler>();
+    root->claims["b"] = std::make_shared<ScriptedHandler>();
+    parser->handlers["r"] = root;
+    (*root).*row.hook = [](std::string_view) { return failure(7); };
+    std::shared_ptr<const NSError> error;
+    EXPECT_FALSE(parser->parseData(dataOf(document), &error)) << row.name;
+    ASSERT_NE(error, nullptr) << row.name;
+    EXPECT_EQ(error->domain(), "test") << row.name;
+    EXPECT_EQ(error->code(), 7) << row.name;
+    EXPECT_EQ(parser->parserError(), error) << row.name;
+    EXPECT_EQ(parser->fragmentHandlerStack().size(), row.stack) << row.name;
+    EXPECT_EQ(parser->ended, 0) << row.name;
+    EXPECT_NE(root->content(), std::nullopt) << row.name << ": endFragment is not called";
+  }
+}
+
+TEST_F(Fragments, KeepTheFirstError) {
+  root_->onStart = [&](std::string_view) {
+    parser_->fragementErrorOccurred(nullptr);
+    EXPECT_EQ(parser_->parserError(), nullptr);
+    parser_->fragementErrorOccurred(failure(1));
+    return failure(2);
+  };
+  EXPECT_FALSE(parse("<r><broken"));
+  EXPECT_EQ(code(), 1);
+  EXPECT_EQ(log_.lines().size(), 1U);
+}
+
+TEST_F(Fragments, TellErrorsOfTheDocument) {
+  EXPECT_FALSE(parse("<r></x>"));
+  EXPECT_EQ(error_->domain(), NSXMLParserErrorDomain);
+  EXPECT_EQ(code(), 76);
+  EXPECT_THAT(log_.lines(), ElementsAre(HasSubstr("parseErrorOccurred: Error Domain=")));
+  EXPECT_FALSE(parser_->parseData(dataOf("<r></x>"))) << "a slot need not be given";
+}
+
+TEST_F(Fragments, AreReusedAfterAFailureWithTheirStack) {
+  root_->claims["b"] = inner_;
+  EXPECT_FALSE(parse("<r><b></r>"));
+  EXPECT_EQ(parser_->fragmentHandlerStack().size(), 2U);
+  // The handlers of the first parse stay below: they are asked first.
+  const auto second = std::make_shared<ScriptedHandler>();
+  inner_->claims["r"] = second;
+  error_ = nullptr;
+  EXPECT_TRUE(parse("<r>x</r>"));
+  EXPECT_EQ(error_, nullptr);
+  EXPECT_EQ(parser_->parserError(), nullptr);
+  EXPECT_EQ(second->lastContent, "x");
+  EXPECT_EQ(parser_->fragmentHandlerStack().size(), 2U);
+  EXPECT_EQ(parser_->popFragmentHandler(), inner_);
+  EXPECT_EQ(parser_->popFragmentHandler(), root_);
+  EXPECT_EQ(parser_->popFragmentHandler(), nullptr);
+  EXPECT_TRUE(parse("<r/>"));
+}
+
+TEST_F(Fragments, AbortFromAHandler) {
+  root_->onStart = [&](std::string_view) {
+    EXPECT_NE(parser_->parser(), nullptr);
+    parser_->abortParsing();
+    return nullptr;
+  };
+  EXPECT_FALSE(parse("<r>x</r>"));
+  EXPECT_EQ(code(), NSXMLParserDelegateAbortedParseError);
+  EXPECT_EQ(parser_->parser(), nullptr);
+  parser_->abortParsing();
+}
+
+TEST_F(Fragments, ThrowAgainWhatAHandlerThrows) {
+  root_->onStart = [](std::string_view) -> std::shared_ptr<const NSError> {
+    throw std::domain_error("from the handler");
+  };
+  EXPECT_THROW(parse("<r>x</r>"), std::domain_error);
+  EXPECT_EQ(parser_->parser(), nullptr);
+  EXPECT_EQ(parser_->fragmentHandlerStack().size(), 1U);
+}
+
+TEST_F(Fragments, HandlersKnowTheirPlaceWhileTheyHaveAnElement) {
+  root_->claims["b"] = inner_;
+  inner_->onStart = [&](std::string_view) {
+    EXPECT_EQ(inner_->parent(), root_);
+    EXPECT_EQ(inner_->parser(), parser_);
+    EXPECT_EQ(root_->parent(), nullptr);
+    EXPECT_EQ(inner_->content(), "");
+    EXPECT_EQ(inner_->valueForKey("parent").object(), root_);
+    EXPECT_EQ(inner_->valueForKey("parser").object(), parser_);
+    EXPECT_EQ(inner_->valueForKey("content"), id(""));
+    EXPECT_TRUE(inner_->parentObject().isNil());
+    return nullptr;
+  };
+  EXPECT_TRUE(parse("<r><b>x</b></r>"));
+  EXPECT_EQ(inner_->lastContent, "x");
+  EXPECT_EQ(inner_->parent(), nullptr);
+  EXPECT_EQ(inner_->parser(), nullptr);
+  EXPECT_EQ(inner_->content(), std::nullopt);
+}
+
+TEST_F(Fragments, StackFindsHandlersByPlace) {
+  const auto other = std::make_shared<ScriptedHandler>();
+  EXPECT_EQ(parser_->currentFragmentHandler(), nullptr);
+  EXPECT_EQ(parser_->parentFragmentHandlerForHandler(root_), nullptr);
+  parser_->pushFragmentHandler(nullptr);
+  EXPECT_TRUE(parser_->fragmentHandlerStack().empty());
+  parser_->pushFragmentHandler(root_);
+  parser_->pushFragmentHandler(inner_);
+  EXPECT_EQ(parser_->currentFragmentHandler(), inner_);
+  EXPECT_EQ(parser_->parentFragmentHandlerForHandler(root_), nullptr);
+  EXPECT_EQ(parser_->parentFragmentHandlerForHandler(inner_), root_);
+  EXPECT_EQ(parser_->parentFragmentHandlerForHandler(other), inner_);
+  EXPECT_EQ(parser_->parentFragmentHandlerForHandler(nullptr), inner_);
+  parser_->pushFragmentHandler(root_);
+  EXPECT_EQ(parser_->parentFragmentHandlerForHandler(root_), nullptr) << "the first place counts";
+}
+
+TEST_F(Fragments, ASkippingHandlerIsNobodysParent) {
+  const auto skipping = std::make_shared<ORLFXMLParserIgnoreFragmentHandler>(true);
+  skipping->beginFragmentWithParent(root_, parser_);
+  const auto second = std::make_shared<ORLFXMLParserIgnoreFragmentHandler>(true);
+  second->beginFragmentWithParent(skipping, parser_);
+  EXPECT_EQ(second->logicalParent(), root_);
+  parser_->pushFragmentHandler(root_);
+  parser_->pushFragmentHandler(skipping);
+  EXPECT_EQ(parser_->parentFragmentHandlerForHandler(inner_), root_);
+  EXPECT_EQ(parser_->parentFragmentHandlerForHandler(skipping), root_);
+  skipping->endFragment();
+  EXPECT_EQ(skipping->logicalParent(), nullptr);
+  EXPECT_EQ(parser_->parentFragmentHandlerForHandler(skipping), root_) << "by its place then";
+  EXPECT_EQ(parser_->parentFragmentHandlerForHandler(inner_), nullptr);
+  EXPECT_EQ(skipping->subFragmentHandlerForElementName("b"), nullptr);
+  EXPECT_EQ(skipping->foundCharacters("x"), nullptr);
+  EXPECT_EQ(skipping->foundIgnorableWhitespace(" "), nullptr);
+}
+
+TEST_F(Fragments, ASkippingHandlerAsksWhatItsParentTakes) {
+  class Deaf : public ORLFXMLParserFragmentHandlerBase {
+   public:
+    bool hears = false;
+    std::vector<std::string> texts;
+    [[nodiscard]] bool takesUnhandledCharacters() const override { return hears; }
+    void unhandledSubElementFoundCharacters(std::string_view, std::string_view text) override {
+      texts.emplace_back(text);
+    }
+  };
+  const auto deaf = std::make_shared<Deaf>();
+  parser_->handlers["d"] = deaf;
+  parser_->setUnhandledElementBehavior(1);
+  constexpr std::string_view document = "<!DOCTYPE d [<!ELEMENT x (y)>]><d><x> <y/>1</x></d>";
+  EXPECT_TRUE(parse(document));
+  EXPECT_TRUE(deaf->texts.empty());
+  deaf->hears = true;
+  EXPECT_TRUE(parse(document));
+  EXPECT_THAT(deaf->texts, ElementsAre("1")) << "no whitespace without its own operation";
+}
+
+TEST_F(Fragments, AreReadFromFilesStreamsAndAddresses) {
+  const std::string file = write("r.xml", "<r>x</r>");
+  EXPECT_TRUE(parser_->parseContentsOfURL(NSURL::fileURLWithPath(file), &error_));
+  EXPECT_EQ(root_->lastContent, "x");
+  EXPECT_FALSE(parser_->parseContentsOfURL(NSURL::fileURLWithPath(path("absent")), &error_));
+  EXPECT_EQ(code(), ENOENT);
+  EXPECT_TRUE(parser_->parseStream(NSInputStream::initWithFileAtPath(file), &error_));
+  EXPECT_FALSE(parser_->parseStream(nullptr, &error_));
+  EXPECT_EQ(code(), 5);
+  EXPECT_FALSE(parser_->parse(nullptr, &error_));
+  EXPECT_EQ(error_, nullptr) << "no parser, no error";
+
+  const NSURL url = *NSURL::URLWithString("https://example.com/r.xml");
+  EXPECT_FALSE(parser_->parseContentsOfURL(url, &error_));
+  EXPECT_EQ(error_->domain(), NSURLErrorDomain);
+  const Replaced loader(NSSetXMLParserLoader, NSXMLParserLoader([](const NSURL&, NSErrorSlot) {
+                          return NSInputStream::initWithData(dataOf("<r>loaded</r>"));
+                        }));
+  EXPECT_TRUE(parser_->parseContentsOfURL(url, &error_));
+  EXPECT_EQ(root_->lastContent, "loaded");
+}
+
+TEST_F(Fragments, TakeAReadyParser) {
+  const auto ready = std::make_shared<NSXMLParser>(dataOf("<r><b/></r>"));
+  root_->claims["b"] = inner_;
+  ready->setLimits({.elementDepth = 1});
+  EXPECT_FALSE(parser_->parse(ready, &error_));
+  EXPECT_EQ(code(), NSXMLParserInternalError);
+  EXPECT_EQ(ready->delegate(), std::static_pointer_cast<NSXMLParserDelegate>(
+                                   std::static_pointer_cast<ORLFXMLParser>(parser_)));
+}
+
+TEST(ORLFXMLParserAttributes, AreReadUnderOneLocale) {
+  const auto attributes = NSDictionary::dictionaryWithEntries({{"s", "text"},
+                                                               {"yes", "yEs"},
+                                                               {"no", "no"},
+                                                               {"i", " -12abc"},
+                                                               {"r", "1.5e2x"},
+                                                               {"d", "1234.56"},
+                                                               {"comma", "1,5"},
+                                                               {"word", "word"},
+                                                               {"op", "doIt:with:"},
+                                                               {"n", 5}});
+  using P = ORLFXMLParser;
+  EXPECT_EQ(P::stringValueNamed("s", attributes), "text");
+  EXPECT_EQ(P::stringValueNamed("absent", attributes), std::nullopt);
+  EXPECT_EQ(P::stringValueNamed("s", nullptr), std::nullopt);
+  EXPECT_EQ(P::stringValueNamed("n", attributes), std::nullopt) << "no text";
+  EXPECT_EQ(P::boolValueNamed("yes", attributes), true);
+  EXPECT_EQ(P::boolValueNamed("no", attributes), false);
+  EXPECT_EQ(P::boolValueNamed("s", attributes), std::nullopt);
+  EXPECT_EQ(P::boolValueNamed("absent", attributes), std::nullopt);
+  EXPECT_EQ(P::integerValueNamed("i", attributes), -12);
+  EXPECT_EQ(P::integerValueNamed("s", attributes), 0);
+  EXPECT_EQ(P::integerValueNamed("absent", attributes), std::nullopt);
+  EXPECT_EQ(P::realValueNamed("r", attributes), 150.0);
+  EXPECT_EQ(P::realValueNamed("s", attributes), 0.0);
+  EXPECT_EQ(P::realValueNamed("absent", attributes), std::nullopt);
+  EXPECT_EQ(P::decimalValueNamed("d", attributes), NSDecimalNumber("1234.56"));
+  EXPECT_EQ(P::decimalValueNamed("word", attributes), NSDecimalNumber::notANumber());
+  EXPECT_EQ(P::decimalValueNamed("absent", attributes), std::nullopt);
+  EXPECT_EQ(P::decimalValueForString(std::nullopt), std::nullopt);
+  EXPECT_EQ(P::selectorValueNamed("op", attributes), "doIt:with:");
+  EXPECT_EQ(P::selectorValueNamed("absent", attributes), std::nullopt);
+  EXPECT_EQ(P::USLocal()->localeIdentifier(), "en_US");
+  EXPECT_EQ(P::USLocal(), P::USLocal());
+
+  const Replaced german(&NSLocale::setCurrentLocale,
+                        std::shared_ptr<NSLocale>(std::make_shared<NSLocale>("de_DE")));
+  EXPECT_EQ(P::decimalValueNamed("d", attributes), NSDecimalNumber("1234.56"));
+  EXPECT_EQ(P::decimalValueNamed("comma", attributes),
+            NSDecimalNumber::decimalNumberWithString("1,5", "en_US"));
+}
+
+}  // namespace
+}  // namespace ORLFoundation
