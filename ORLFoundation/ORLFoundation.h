@@ -20,6 +20,7 @@
 #include <ORLFoundation/calendar/ORLFISO8601.h>
 #include <ORLFoundation/datetext/entry/ORLFDateFormatter.h>
 #include <ORLFoundation/datetext/inference/ORLFDateFormatInferenceEngine.h>
+#include <ORLFoundation/datetext/intervals/ORLFDateIntervalFormatter.h>
 #include <ORLFoundation/decimal/ORLFDecimal.h>
 #include <ORLFoundation/decimal/ORLFDecimalAmount.h>
 #include <ORLFoundation/decimal/ORLFDecimalErrorBehavior.h>
@@ -59,6 +60,7 @@
 #include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
 #include <ORLFoundation/platform/dispatch/NSThread.h>
 #include <ORLFoundation/platform/format/NSDateFormatter.h>
+#include <ORLFoundation/platform/format/NSDateIntervalFormatter.h>
 #include <ORLFoundation/platform/format/NSFormattingError.h>
 #include <ORLFoundation/platform/format/NSLocale.h>
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>

@@ -8,6 +8,7 @@
 #include <ORLFoundation/platform/text/NSStringSearch.h>
 
 #include <cstddef>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace ORLFoundation {
@@ -68,10 +69,11 @@ class Converter {
   }
 
   void endOrphan() {
-    std::string endTag("</");
-    endTag.append(open_).append(">");
-    scanner_.scan(endTag);
-    result_.insert(endWithoutLineBreaks(result_), endTag);
+    scanner_.scanEndTag(open_);
+    const std::size_t place = endWithoutLineBreaks(result_);
+    lineBreaks_.assign(result_, place);
+    result_.resize(place);
+    result_.append("</").append(open_).append(">").append(lineBreaks_);
     open_ = {};
   }
 
@@ -94,6 +96,7 @@ class Converter {
   ORLFTagScanner scanner_;
   const std::unordered_set<std::string_view> orphans_;
   std::string result_;
+  std::string lineBreaks_;  // those that an end tag goes before
   std::string_view open_;
 };
 
@@ -113,17 +116,23 @@ const std::shared_ptr<NSCharacterSet>& orlfXMLStringConvertEndTagNameCharacterSe
 }
 
 ORLFTagNames orlfXMLStringConvertBuildOrphanedTagSet(std::string_view string) {
-  std::unordered_set<std::string_view> orphans;
+  // Whether the last tag of a name leaves it open.
+  std::unordered_map<std::string_view, bool> isOpen;
   ORLFTagScanner scanner(string);
   for (scanner.skipBlanks(); !scanner.isAtEnd(); scanner.skipBlanks()) {
     const Tag tag = nextTag(scanner);
     if (tag.name.empty()) continue;
-    if (tag.isEnd || tag.text.ends_with('/'))
-      orphans.erase(tag.name);
-    else if (beginsName(tag.name))
-      orphans.insert(tag.name);
+    if (tag.isEnd || tag.text.ends_with('/')) {
+      const auto found = isOpen.find(tag.name);
+      if (found != isOpen.end()) found->second = false;
+    } else if (beginsName(tag.name)) {
+      isOpen.insert_or_assign(tag.name, true);
+    }
   }
-  return {orphans.begin(), orphans.end()};
+  ORLFTagNames orphans;
+  for (const auto& [name, isOrphan] : isOpen)
+    if (isOrphan) orphans.emplace(name);
+  return orphans;
 }
 
 std::string orlfXMLStringFromSGMLStringByFixingOrphanTags(std::string_view string,

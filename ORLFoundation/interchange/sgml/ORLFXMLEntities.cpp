@@ -5,6 +5,7 @@
 #include <ORLFoundation/platform/value/NSException.h>
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <utility>
 #include <vector>
@@ -17,8 +18,12 @@ using namespace internal::sgml;
 /// Plain texts and what stands for them.
 using Table = std::vector<std::pair<std::string, std::string>>;
 
-constexpr std::string_view kAmpersand = "&";
-constexpr std::string_view kAmpersandEntity = "&amp;";
+struct StandardEntry {
+  std::string_view plain, entity;
+};
+constexpr std::array<StandardEntry, 4> kStandardTable{
+    {{"&", "&amp;"}, {"<", "&lt;"}, {">", "&gt;"}, {"\"", "&quot;"}}};
+constexpr StandardEntry kAmpersand = kStandardTable[0];
 
 std::string textOf(const id& entry) {
   if (const auto* text = entry.get<std::string>()) return *text;
@@ -26,8 +31,8 @@ std::string textOf(const id& entry) {
 }
 
 Table tableWith(const std::shared_ptr<NSDictionary>& entities) {
-  Table table{{"&", "&amp;"}, {"<", "&lt;"}, {">", "&gt;"}, {"\"", "&quot;"}};
-  if (entities == nullptr) return table;
+  Table table;
+  for (const StandardEntry& entry : kStandardTable) table.emplace_back(entry.plain, entry.entity);
   for (const auto& [key, value] : entities->entries()) {
     const std::string plain = textOf(key);
     const auto isHere = [&plain](const auto& entry) { return entry.first == plain; };
@@ -68,22 +73,27 @@ std::string orlfStringByEscapingEntities(std::string_view string,
 }
 
 std::string orlfStringByEscapingStandardXMLEntities(std::string_view string) {
+  constexpr std::size_t kWithoutHeap = 15;
   std::string result;
-  result.reserve(string.size());
+  if (string.size() > kWithoutHeap) result.reserve(string.size() + string.size() / 4 + 16);
   appendEscaped(result, string);
   return result;
 }
 
 std::string orlfStringByUnescapingEntities(std::string_view string,
                                            const std::shared_ptr<NSDictionary>& entities) {
+  if (entities == nullptr) return orlfStringByUnescapingStandardXMLEntities(string);
   std::string result(string);
   for (const auto& [plain, entity] : tableWith(entities))
     result = replacing(std::move(result), entity, plain);
-  return replacing(std::move(result), kAmpersandEntity, kAmpersand);
+  return replacing(std::move(result), kAmpersand.entity, kAmpersand.plain);
 }
 
 std::string orlfStringByUnescapingStandardXMLEntities(std::string_view string) {
-  return orlfStringByUnescapingEntities(string, nullptr);
+  std::string result(string);
+  for (const StandardEntry& entry : kStandardTable)
+    result = replacing(std::move(result), entry.entity, entry.plain);
+  return replacing(std::move(result), kAmpersand.entity, kAmpersand.plain);
 }
 
 }  // namespace ORLFoundation

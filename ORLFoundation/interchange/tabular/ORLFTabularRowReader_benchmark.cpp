@@ -2,6 +2,7 @@
 
 #include <ORLFoundation/interchange/tabular/ORLFScannerUtilities.h>
 #include <benchmark/benchmark.h>
+#include <csv.h>
 
 #include <cstdint>
 #include <memory>
@@ -48,7 +49,24 @@ void keepRows(benchmark::State& state) {
   countBytes(state);
 }
 
+void countField(void*, std::size_t, void* fields) { ++*static_cast<std::uint64_t*>(fields); }
+void passRow(int, void*) {}
+
+void readRowsByLibcsv(benchmark::State& state) {
+  for (auto _ : state) {
+    std::uint64_t fields = 0;
+    csv_parser parser;
+    csv_init(&parser, 0);
+    csv_parse(&parser, statement().data(), statement().size(), countField, passRow, &fields);
+    csv_fini(&parser, countField, passRow, &fields);
+    csv_free(&parser);
+    if (fields != kRows * kColumns) state.SkipWithError("a wrong number of fields");
+  }
+  countBytes(state);
+}
+
 BENCHMARK(readRows)->Name("row reader/ours")->Unit(benchmark::kMillisecond);
+BENCHMARK(readRowsByLibcsv)->Name("row reader/libcsv")->Unit(benchmark::kMillisecond);
 BENCHMARK(keepRows)->Name("csvRows/ours")->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <ORLFoundation/interchange/sgml/ORLFXMLEntities.h>
 #include <ORLFoundation/platform/text/NSStringBytes.h>
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <optional>
@@ -13,6 +12,10 @@ namespace ORLFoundation {
 namespace {
 
 constexpr std::size_t kPiece = 2048;
+
+std::span<const std::uint8_t> bytesOf(std::string_view text) {
+  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
 
 }  // namespace
 
@@ -31,6 +34,13 @@ bool ORLFXMLWriter::appendString(std::string_view string, bool allowLossy, NSErr
       (isFirst ? NSStringEncodingConversionExternalRepresentation : NSUInteger{0}) |
       (allowLossy ? NSStringEncodingConversionAllowLossy : NSUInteger{0});
   NSStringBytes pieces(string, encoding_, options);
+  // Bytes that stay as they are go straight into the buffer.
+  const std::string_view kept = pieces.takeKeptBytes();
+  if (!appendBytes(bytesOf(kept), error)) return false;
+  return pieces.remaining().empty() || appendPieces(pieces, error);
+}
+
+bool ORLFXMLWriter::appendPieces(NSStringBytes& pieces, NSErrorSlot error) {
   std::array<std::uint8_t, kPiece> buffer;  // NOLINT: filled below as far as it is read
   while (!pieces.remaining().empty()) {
     const std::optional<std::size_t> used = pieces.getBytes(buffer);
@@ -91,8 +101,9 @@ bool ORLFXMLWriter::writeEndElementForced(bool forced, NSErrorSlot error) {
 }
 
 bool ORLFXMLWriter::appendAll(std::initializer_list<std::string_view> strings, NSErrorSlot error) {
-  return std::ranges::all_of(
-      strings, [&](std::string_view string) { return appendString(string, false, error); });
+  joined_.clear();
+  for (const std::string_view string : strings) joined_ += string;
+  return appendString(joined_, false, error);
 }
 
 }  // namespace ORLFoundation

@@ -29,6 +29,8 @@
 
 namespace ORLFoundation {
 
+class NSStringBytes;
+
 class ORLFXMLWriter : public NSObject {
  public:
   /// `initForWritingWithMutableData:`  The buffer is shared with the caller.
@@ -89,7 +91,8 @@ class ORLFXMLWriter : public NSObject {
   [[nodiscard]] std::string className() const override { return "ORLFXMLWriter"; }
 
  private:
-  /// Each in turn, up to one that fails.
+  bool appendPieces(NSStringBytes& pieces, NSErrorSlot error);
+  /// Each in turn, up to a character that fails.
   bool appendAll(std::initializer_list<std::string_view> strings, NSErrorSlot error);
 
   bool prettyPrinted_ = false;
@@ -98,6 +101,7 @@ class ORLFXMLWriter : public NSObject {
   std::vector<std::string> openElements_;
   NSUInteger openCDataElementsCount_ = 0;
   std::shared_ptr<NSMutableData> outputData_;
+  std::string joined_;  // space that is kept
 };
 
 }  // namespace ORLFoundation

@@ -136,25 +136,98 @@ TEST(ORLFXMLWriter, FailsAtACharacterOutsideTheEncodingWithoutAnError) {
   EXPECT_EQ(written.writer.openElements(), std::vector<std::string>{"a"});
 }
 
+// Conversion goes in pieces of 2,048 bytes: characters that the encoding lacks stand before, at and
+// behind each edge.
 TEST(ORLFXMLWriter, KeepsWhatStandsBeforeACharacterThatItsEncodingLacks) {
-  for (const std::size_t length : {2047U, 2048U, 2049U, 4095U, 4096U, 4097U}) {
-    for (const NSUInteger encoding : {NSASCIIStringEncoding, NSWindowsCP1252StringEncoding,
-                                      NSMacOSRomanStringEncoding, NSISOLatin1StringEncoding}) {
-      Written written(encoding);
-      const std::string start(length, 'a');
-      EXPECT_FALSE(written.writer.appendString(start + "日b", false)) << length;
-      EXPECT_EQ(written.text(), start) << length;
+  for (const std::size_t edge : {2048U, 4096U, 6144U}) {
+    for (std::size_t length = edge - 2; length <= edge + 2; ++length) {
+      for (const NSUInteger encoding : {NSASCIIStringEncoding, NSWindowsCP1252StringEncoding,
+                                        NSMacOSRomanStringEncoding, NSISOLatin1StringEncoding}) {
+        Written written(encoding);
+        written.writer.appendString("<", false);
+        const std::string start(length, 'a');
+        EXPECT_FALSE(written.writer.appendString(start + "日b", false)) << length;
+        EXPECT_EQ(written.text(), "<" + start) << length;
+        EXPECT_TRUE(written.writer.appendString("c", false));
+        EXPECT_EQ(written.text(), "<" + start + "c") << length;
+      }
     }
   }
 }
 
-TEST(ORLFXMLWriter, CutsNoCharacterAtAnEdgeOfItsPieces) {
-  for (std::size_t length = 2044; length <= 2049; ++length) {
-    Written written;
-    const std::string text = std::string(length, 'a') + "é日😀" + std::string(3000, 'b');
-    EXPECT_TRUE(written.writer.appendString(text, false));
-    EXPECT_EQ(written.text(), text) << length;
+TEST(ORLFXMLWriter, KeepsCharactersOfOneByteBeforeOneThatTheirEncodingLacks) {
+  for (std::size_t length = 2046; length <= 2050; ++length) {
+    Written written(NSISOLatin1StringEncoding);
+    std::string text;
+    for (std::size_t i = 0; i < length; ++i) text += "é";
+    EXPECT_FALSE(written.writer.appendString(text + "€é", false));
+    EXPECT_EQ(written.text(), std::string(length, '\xE9')) << length;
   }
+}
+
+TEST(ORLFXMLWriter, CutsNoCharacterAtAnEdgeOfItsPieces) {
+  for (const std::size_t edge : {2048U, 4096U}) {
+    for (std::size_t length = edge - 12; length <= edge + 2; ++length) {
+      Written written;
+      const std::string text = std::string(length, 'a') + "é日😀" + std::string(3000, 'b');
+      EXPECT_TRUE(written.writer.appendString(text, false));
+      EXPECT_EQ(written.text(), text) << length;
+      for (const NSUInteger encoding : {NSUTF16StringEncoding, NSUTF16BigEndianStringEncoding,
+                                        NSUTF16LittleEndianStringEncoding}) {
+        Written wide(encoding);
+        const std::string half = text.substr(edge / 2);
+        EXPECT_TRUE(wide.writer.appendString(half, false));
+        EXPECT_TRUE(wide.writer.appendString("é", false));
+        EXPECT_EQ(stringWithData(wide.buffer->data(), encoding), half + "é") << length;
+      }
+    }
+  }
+}
+
+TEST(ORLFXMLWriter, KeepsLookAlikesTogetherAtAnEdgeOfItsPieces) {
+  for (std::size_t length = 2044; length <= 2050; ++length) {
+    Written written(NSASCIIStringEncoding);
+    EXPECT_TRUE(written.writer.appendString(std::string(length, 'a') + "ﬃ…日b", true));
+    EXPECT_EQ(written.text(), std::string(length, 'a') + "ffi...?b") << length;
+  }
+}
+
+TEST(ORLFXMLWriter, WritesNothingInAnUnknownEncoding) {
+  Written written(9999);
+  std::shared_ptr<const NSError> error;
+  EXPECT_TRUE(written.writer.appendString("", false, &error));
+  EXPECT_FALSE(written.writer.writeStartElementName("a", &error));
+  EXPECT_FALSE(written.writer.startElementInProgress());
+  EXPECT_TRUE(written.writer.openElements().empty());
+  written.writer.setStartElementInProgress(true);
+  EXPECT_FALSE(written.writer.writeAttribue("a", "b", &error));
+  EXPECT_FALSE(written.writer.closeStartElementIfNeeded(&error));
+  EXPECT_FALSE(written.writer.startElementInProgress());
+  EXPECT_FALSE(written.writer.writeCharacters("a", &error));
+  EXPECT_EQ(written.writer.openCDataElementsCount(), 0U);
+  written.writer.setPrettyPrinted(true);
+  EXPECT_FALSE(written.writer.writePrettySpacingIfNeeded(&error));
+  EXPECT_EQ(error, nullptr);
+  EXPECT_EQ(written.text(), "");
+}
+
+// An end tag that cannot be written ends the call before the count is lowered; "/>" does not.
+TEST(ORLFXMLWriter, LowersTheCountOnlyBehindAnEndTagThatWasWritten) {
+  Written written(9999);
+  ORLFXMLWriter& writer = written.writer;
+  writer.setOpenElements({"a", "b", "c"});
+  writer.setOpenCDataElementsCount(3);
+  EXPECT_FALSE(writer.writeEndElementForced(false));
+  EXPECT_EQ(writer.openCDataElementsCount(), 3U);
+  EXPECT_EQ(writer.openElements(), (std::vector<std::string>{"a", "b"}));
+  writer.setStartElementInProgress(true);
+  EXPECT_FALSE(writer.writeEndElementForced(true));
+  EXPECT_EQ(writer.openElements(), (std::vector<std::string>{"a", "b"}));
+  writer.setStartElementInProgress(true);
+  EXPECT_FALSE(writer.writeEndElementForced(false));
+  EXPECT_FALSE(writer.startElementInProgress());
+  EXPECT_EQ(writer.openCDataElementsCount(), 2U);
+  EXPECT_EQ(writer.openElements(), std::vector<std::string>{"a"});
 }
 
 TEST(ORLFXMLWriter, WritesAByteOrderMarkIntoAnEmptyBufferOnly) {
@@ -165,6 +238,16 @@ TEST(ORLFXMLWriter, WritesAByteOrderMarkIntoAnEmptyBufferOnly) {
   EXPECT_TRUE(written.writer.appendString("b", false));
   EXPECT_EQ(written.buffer->length(), 6U);
   EXPECT_EQ(stringWithData(written.buffer->data(), NSUTF16StringEncoding), "ab");
+  Written begun(NSUTF16StringEncoding);
+  begun.buffer->setLength(2);
+  EXPECT_TRUE(begun.writer.appendString("a", false));
+  EXPECT_EQ(begun.buffer->length(), 4U);
+  Written named(NSUTF16LittleEndianStringEncoding);
+  EXPECT_TRUE(named.writer.appendString("a", false));
+  EXPECT_EQ(named.text(), std::string("a\0", 2));
+  Written plain;
+  EXPECT_TRUE(plain.writer.appendString("a", false));
+  EXPECT_EQ(plain.text(), "a");
 }
 
 TEST(ORLFXMLWriter, WritesLossyTextWhereAsked) {

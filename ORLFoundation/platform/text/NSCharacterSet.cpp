@@ -5,20 +5,26 @@
 #include <ORLFoundation/platform/value/NSException.h>
 #include <unicode/uniset.h>
 
+#include <bitset>
 #include <utility>
 
 namespace ORLFoundation {
 
 struct NSCharacterSet::Members {
-  icu::UnicodeSet set;
+  explicit Members(const icu::UnicodeSet& members) : set(members) {
+    set.freeze();
+    for (std::size_t character = 0; character < ascii.size(); ++character)
+      ascii.set(character, set.contains(static_cast<UChar32>(character)));
+  }
+
+  icu::UnicodeSet set;     // frozen
+  std::bitset<128> ascii;  // its members in ASCII, told without a call
 };
 
 namespace {
 
 std::shared_ptr<NSCharacterSet> frozen(const icu::UnicodeSet& set) {
-  auto members = std::make_unique<NSCharacterSet::Members>(NSCharacterSet::Members{set});
-  members->set.freeze();
-  return std::make_shared<NSCharacterSet>(std::move(members));
+  return std::make_shared<NSCharacterSet>(std::make_unique<NSCharacterSet::Members>(set));
 }
 
 /// The set of a pattern of ICU's.
@@ -73,6 +79,7 @@ NSCharacterSet::NSCharacterSet(std::unique_ptr<const Members> members)
 NSCharacterSet::~NSCharacterSet() = default;
 
 bool NSCharacterSet::isMemberBeyondASCII(char32_t character) const noexcept {
+  if (character < members_->ascii.size()) return members_->ascii[character];
   return character <= 0x10FFFF && members_->set.contains(static_cast<UChar32>(character));
 }
 

@@ -46,6 +46,18 @@ TEST(NSCharacterSet, NamedSetsHoldTheirCharacters) {
   }
 }
 
+TEST(NSCharacterSet, HoldsEachCharacterOfASCIIThatItWasMadeOf) {
+  for (char32_t member = 0; member < 0x80; ++member) {
+    const std::string text(1, static_cast<char>(member));
+    const auto set = NSCharacterSet::characterSetWithCharactersInString(text);
+    const auto inverted = set->invertedSet();
+    for (char32_t character = 0; character <= 0x80; ++character) {
+      ASSERT_EQ(set->longCharacterIsMember(character), character == member);
+      ASSERT_EQ(inverted->longCharacterIsMember(character), character != member);
+    }
+  }
+}
+
 TEST(NSCharacterSet, HoldsNothingBeyondTheLastCodePoint) {
   EXPECT_FALSE(NSCharacterSet::illegalCharacterSet()->longCharacterIsMember(0x110000));
   EXPECT_FALSE(

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cstring>
 #include <string>
 #include <utility>
 #include <vector>
@@ -29,18 +30,35 @@ bool isKnown(NSUInteger encoding) {
   return std::find(kEncodings.begin(), kEncodings.end(), encoding) != kEncodings.end();
 }
 
-/// Whether the encoding, a known one, writes the text as the very bytes that it has.
-bool keepsBytes(std::string_view text, NSUInteger encoding) {
-  switch (encoding) {
-    case NSUTF8StringEncoding:
-      return isUTF8(text);
-    case NSUTF16StringEncoding:
-    case NSUTF16BigEndianStringEncoding:
-    case NSUTF16LittleEndianStringEncoding:
-      return text.empty();
-    default:
-      return isASCII(text);
+bool isUTF16(NSUInteger encoding) {
+  return encoding == NSUTF16StringEncoding || encoding == NSUTF16BigEndianStringEncoding ||
+         encoding == NSUTF16LittleEndianStringEncoding;
+}
+
+/// How many bytes at the front of a text are ASCII.
+std::size_t lengthOfASCII(std::string_view text) {
+  constexpr std::uint64_t kHighBits = 0x8080808080808080U;
+  std::size_t at = 0;
+  for (std::uint64_t word = 0; at + sizeof(word) <= text.size(); at += sizeof(word)) {
+    std::memcpy(&word, text.data() + at, sizeof(word));
+    if ((word & kHighBits) != 0) break;
   }
+  while (at < text.size() && isASCII(text[at])) ++at;
+  return at;
+}
+
+/// How many bytes at the front of a text an encoding writes as they are: whole characters.
+std::size_t lengthOfKeptBytes(std::string_view text, NSUInteger encoding) {
+  if (encoding != NSUTF8StringEncoding)
+    return isUTF16(encoding) || !isKnown(encoding) ? 0 : lengthOfASCII(text);
+  std::size_t at = lengthOfASCII(text);
+  while (at < text.size()) {
+    const UTF8Character character = firstUTF8Character(text.substr(at));
+    if (character.isBroken) break;
+    at += character.length;
+    at += lengthOfASCII(text.substr(at));
+  }
+  return at;
 }
 
 constexpr char32_t kByteOrderMark = 0xFEFF;
@@ -152,19 +170,23 @@ NSStringBytes::NSStringBytes(std::string_view text, NSUInteger encoding, NSUInte
       encoding_(encoding),
       isLossy_((options & NSStringEncodingConversionAllowLossy) != 0),
       needsMark_(encoding == NSUTF16StringEncoding &&
-                 (options & NSStringEncodingConversionExternalRepresentation) != 0) {
-  if (!isKnown(encoding))
-    throw NSException(NSInvalidArgumentException, "This encoding is not known.");
-}
+                 (options & NSStringEncodingConversionExternalRepresentation) != 0) {}
 
 std::optional<std::size_t> NSStringBytes::getBytes(std::span<std::uint8_t> buffer) {
   if (buffer.size() < kLeastSpace)
     throw NSException(NSRangeException, "The buffer is too small for a character.");
+  if (!isKnown(encoding_)) return remaining_.empty() ? std::optional<std::size_t>(0) : std::nullopt;
   std::size_t used = 0;
   Bytes bytes;
   if (std::exchange(needsMark_, false)) appendExact(bytes, kByteOrderMark, encoding_);
   const std::size_t before = remaining_.size();
-  while (!remaining_.empty()) {
+  for (;;) {
+    const std::size_t kept =
+        lengthOfKeptBytes(remaining_.substr(0, buffer.size() - used), encoding_);
+    std::copy_n(remaining_.data(), kept, buffer.begin() + static_cast<std::ptrdiff_t>(used));
+    used += kept;
+    remaining_.remove_prefix(kept);
+    if (remaining_.empty()) break;
     const UTF8Character character = firstUTF8Character(remaining_);
     Bytes next;
     if (!append(next, character.codePoint, encoding_, isLossy_)) break;
@@ -179,10 +201,16 @@ std::optional<std::size_t> NSStringBytes::getBytes(std::span<std::uint8_t> buffe
   return used;
 }
 
+std::string_view NSStringBytes::takeKeptBytes() {
+  const std::string_view kept = remaining_.substr(0, lengthOfKeptBytes(remaining_, encoding_));
+  remaining_.remove_prefix(kept.size());
+  return kept;
+}
+
 std::optional<NSData> dataUsingEncoding(std::string_view string, NSUInteger encoding,
                                         bool allowLossyConversion) {
   if (!isKnown(encoding)) return std::nullopt;
-  if (keepsBytes(string, encoding)) return NSData(string);
+  if (lengthOfKeptBytes(string, encoding) == string.size()) return NSData(string);
   NSUInteger options = NSStringEncodingConversionExternalRepresentation;
   if (allowLossyConversion) options |= NSStringEncodingConversionAllowLossy;
   NSStringBytes pieces(string, encoding, options);

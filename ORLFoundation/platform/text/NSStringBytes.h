@@ -36,7 +36,7 @@ class NSStringBytes {
   /// The least space that a call needs to get anything done.
   static constexpr std::size_t kLeastSpace = 64;
 
-  /// Raises `NSInvalidArgumentException` for a number that is not listed in `NSStringEncoding`.
+  /// A number that is not listed in `NSStringEncoding` converts nothing.
   NSStringBytes(std::string_view text, NSUInteger encoding, NSUInteger options = 0);
 
   /// Fills the buffer with whole characters from the front of what remains, up to one that the
@@ -44,6 +44,9 @@ class NSStringBytes {
   /// converted. Raises `NSRangeException` for a buffer of less than the least space.
   std::optional<std::size_t> getBytes(std::span<std::uint8_t> buffer);
   [[nodiscard]] std::string_view remaining() const noexcept { return remaining_; }
+  /// Takes from the front of what remains the whole characters that the encoding writes as the very
+  /// bytes that stand there: ASCII in most, well-formed text in UTF-8. They need no buffer.
+  std::string_view takeKeptBytes();
 
  private:
   std::string_view remaining_;

@@ -6,6 +6,8 @@
 
 #include <array>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace ORLFoundation {
 namespace {
@@ -105,6 +107,60 @@ TEST(NSStringBytes, StopsBeforeWhatTheEncodingLacksAndThenFails) {
   EXPECT_EQ(pieces.remaining(), "日c");
 }
 
+/// All that the pieces of one buffer's size give, and what was left where they failed.
+std::pair<std::string, std::string> piecewise(std::string_view text, NSUInteger encoding,
+                                              NSUInteger options, std::size_t space) {
+  NSStringBytes pieces(text, encoding, options);
+  std::vector<std::uint8_t> buffer(space);
+  std::string bytes;
+  while (!pieces.remaining().empty()) {
+    const auto used = pieces.getBytes(buffer);
+    if (!used) break;
+    EXPECT_LE(*used, space);
+    bytes.append(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(*used));
+  }
+  return {bytes, std::string(pieces.remaining())};
+}
+
+TEST(NSStringBytes, AreTheSameInPiecesOfEverySize) {
+  const std::string_view texts[] = {"é", "日", "😀", "\xFF", "ﬁ", "€"};
+  for (const NSUInteger encoding :
+       {NSASCIIStringEncoding, NSUTF8StringEncoding, NSISOLatin1StringEncoding,
+        NSUTF16StringEncoding, NSWindowsCP1252StringEncoding, NSMacOSRomanStringEncoding,
+        NSUTF16BigEndianStringEncoding, NSUTF16LittleEndianStringEncoding}) {
+    for (const NSUInteger options : {0U, 1U, 2U, 3U}) {
+      for (const std::string_view middle : texts) {
+        for (std::size_t lead = 56; lead <= 66; ++lead) {
+          const std::string text = std::string(lead, 'a') + std::string(middle) + "éb";
+          const auto whole = piecewise(text, encoding, options, 1024);
+          for (const std::size_t space : {64U, 65U, 67U, 128U})
+            ASSERT_EQ(piecewise(text, encoding, options, space), whole)
+                << encoding << ' ' << options << ' ' << middle << ' ' << lead << ' ' << space;
+        }
+      }
+    }
+  }
+}
+
+TEST(NSStringBytes, HandsOutWhatItsEncodingKeeps) {
+  NSStringBytes ascii("abcdefghié", NSISOLatin1StringEncoding);
+  EXPECT_EQ(ascii.takeKeptBytes(), "abcdefghi");
+  EXPECT_EQ(ascii.remaining(), "é");
+  EXPECT_EQ(ascii.takeKeptBytes(), "");
+  NSStringBytes utf8(
+      "abcdefgh\xC3\xA9日b\xFF"
+      "c",
+      NSUTF8StringEncoding);
+  EXPECT_EQ(utf8.takeKeptBytes(), "abcdefghé日b");
+  EXPECT_EQ(utf8.remaining(),
+            "\xFF"
+            "c");
+  for (const NSUInteger encoding :
+       {NSUInteger{NSUTF16StringEncoding}, NSUInteger{NSUTF16BigEndianStringEncoding},
+        NSUInteger{NSUTF16LittleEndianStringEncoding}, NSUInteger{9999}})
+    EXPECT_EQ(NSStringBytes("a", encoding).takeKeptBytes(), "") << encoding;
+}
+
 TEST(NSStringBytes, ConvertsNothingOfNothing) {
   NSStringBytes pieces("", NSASCIIStringEncoding);
   std::array<std::uint8_t, 64> buffer{};
@@ -112,12 +168,17 @@ TEST(NSStringBytes, ConvertsNothingOfNothing) {
   EXPECT_EQ(bytesOf("", NSASCIIStringEncoding), "");
 }
 
-TEST(NSStringBytes, RefusesUnknownEncodingsAndSmallBuffers) {
+TEST(NSStringBytes, ConvertsNothingIntoUnknownEncodings) {
+  std::array<std::uint8_t, 64> buffer{};
   for (const NSUInteger encoding : {NSUInteger{0}, NSUInteger{2}, NSUInteger{9999}}) {
-    EXPECT_THROW(NSStringBytes("a", encoding), NSException);
-    EXPECT_EQ(bytesOf("a", encoding), std::nullopt) << encoding;
-    EXPECT_EQ(bytesOf("", encoding, true), std::nullopt) << encoding;
+    NSStringBytes pieces("a", encoding);
+    EXPECT_EQ(pieces.getBytes(buffer), std::nullopt);
+    EXPECT_EQ(pieces.remaining(), "a");
+    EXPECT_EQ(NSStringBytes("", encoding).getBytes(buffer), 0U);
   }
+}
+
+TEST(NSStringBytes, RefusesSmallBuffers) {
   NSStringBytes pieces("a", NSASCIIStringEncoding);
   std::array<std::uint8_t, NSStringBytes::kLeastSpace - 1> small{};
   EXPECT_THROW(pieces.getBytes(small), NSException);

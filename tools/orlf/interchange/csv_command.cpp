@@ -1,12 +1,17 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "cli/command_line.h"
 #include "cli/failure.h"
+#include "cli/json_output.h"
 #include "cli/message_text.h"
+#include "cli/table.h"
 #include "commands.h"
+#include "interchange/csv_inference.h"
 #include "interchange/csv_rows.h"
+#include "io/input_file.h"
 #include "io/text_input.h"
 #include "session.h"
 
@@ -19,6 +24,7 @@ struct CsvArguments {
   std::string file;
   std::string delimiter = "tab";
   std::optional<std::string> separator, encoding;
+  bool infer = false;
 };
 
 /// As the library's writer numbers them.
@@ -46,6 +52,30 @@ void printRows(Session& session, const CsvArguments& arguments) {
     printNote(session, "the first row holds tabs and no separator: --separator tab parts it there");
 }
 
+Json jsonOf(const std::vector<Finding>& findings) {
+  Json rows = Json::array();
+  for (const Finding& finding : findings)
+    rows.push_back({{"question", finding.question},
+                    {"answer", finding.answer.empty() ? Json() : Json(finding.answer)},
+                    {"line", finding.line == 0 ? Json() : Json(finding.line)},
+                    {"reason", finding.reason}});
+  return rows;
+}
+
+void printFindings(Session& session, const CsvArguments& arguments) {
+  const std::vector<Finding> findings =
+      inferTable(readInputFile(arguments.file, "separated text"), session.calendar);
+  if (session.options.json) {
+    printJson(session.out, jsonOf(findings));
+    return;
+  }
+  Table table({{"Question"}, {"Answer"}, {"Line", Table::kRight}, {"Because"}});
+  for (const Finding& finding : findings)
+    table.addRow({finding.question, finding.answer.empty() ? "ask" : finding.answer,
+                  finding.line == 0 ? "" : std::to_string(finding.line), finding.reason});
+  table.print(session.out);
+}
+
 }  // namespace
 
 Job declareCsvCommand(Options& options) {
@@ -61,7 +91,16 @@ Job declareCsvCommand(Options& options) {
   options.text("--separator", arguments->separator,
                "What parts the file's fields: comma, semicolon or tab");
   options.text("--encoding", arguments->encoding, std::string(kEncodingNames));
-  return [arguments](Session& session) { printRows(session, *arguments); };
+  options.flag("--infer", arguments->infer,
+               "Tell how the file is to be read, with the row that decided; ask where none did");
+  for (const char* option : {"--delimiter", "--separator", "--encoding"})
+    options.exclude("--infer", option);
+  return [arguments](Session& session) {
+    if (arguments->infer)
+      printFindings(session, *arguments);
+    else
+      printRows(session, *arguments);
+  };
 }
 
 }  // namespace orlftool

@@ -18,10 +18,15 @@ constexpr std::array<bool, 128> blanksOfASCII() {
 }
 constexpr std::array<bool, 128> kBlanks = blanksOfASCII();
 
+/// Whether > or white space may begin with a byte.
+bool mayEndName(char c) noexcept {
+  return c == '>' || !isASCII(c) || kBlanks[static_cast<unsigned char>(c)];
+}
+
 /// The length of the white space or line end at a place, 0 for anything else.
 std::size_t lengthOfBlank(std::string_view text, std::size_t at) {
-  static const NSCharacterSet& blanks = *NSCharacterSet::whitespaceAndNewlineCharacterSet();
   if (isASCII(text[at])) return kBlanks[static_cast<unsigned char>(text[at])] ? 1 : 0;
+  static const NSCharacterSet& blanks = *NSCharacterSet::whitespaceAndNewlineCharacterSet();
   const UTF8Character character = firstUTF8Character(text.substr(at));
   return blanks.longCharacterIsMember(character.codePoint) ? character.length : 0;
 }
@@ -30,6 +35,7 @@ std::size_t lengthOfBlank(std::string_view text, std::size_t at) {
 
 bool beginsName(std::string_view name) {
   if (name.empty()) return false;
+  if (isLetter(name.front())) return true;
   static const NSCharacterSet& letters = *NSCharacterSet::letterCharacterSet();
   const char32_t first = firstUTF8Character(name).codePoint;
   return first == U':' || first == U'_' || letters.longCharacterIsMember(first);
@@ -38,6 +44,7 @@ bool beginsName(std::string_view name) {
 std::size_t endWithoutLineBreaks(std::string_view text) {
   static const NSCharacterSet& lineBreaks = *NSCharacterSet::newlineCharacterSet();
   while (!text.empty()) {
+    if (isASCII(text.back()) && text.back() > '\r') break;
     std::size_t last = text.size() - 1;
     while (last > 0 && (static_cast<unsigned char>(text[last]) & 0xC0U) == 0x80U) --last;
     const UTF8Character character = firstUTF8Character(text.substr(last));
@@ -57,7 +64,10 @@ void ORLFTagScanner::skipBlanks() {
 
 std::string_view ORLFTagScanner::scanUpToEndOfName() {
   std::size_t end = at_;
-  while (end < text_.size() && text_[end] != '>' && lengthOfBlank(text_, end) == 0) ++end;
+  for (; end < text_.size(); ++end) {
+    if (!mayEndName(text_[end])) continue;
+    if (text_[end] == '>' || lengthOfBlank(text_, end) != 0) break;
+  }
   return take(end);
 }
 

@@ -26,7 +26,21 @@ class ORLFTagScanner {
     if (isHere) at_ += text.size();
     return isHere;
   }
-  bool scan(char c) { return scan(std::string_view(&c, 1)); }
+  bool scan(char c) {
+    const bool isHere = at_ < text_.size() && text_[at_] == c;
+    if (isHere) ++at_;
+    return isHere;
+  }
+  /// Passes over the end tag of a name, where that very tag stands here.
+  bool scanEndTag(std::string_view name) {
+    const std::string_view ahead = text_.substr(at_);
+    const std::size_t length = name.size() + 3;
+    if (!ahead.starts_with("</") || ahead.size() < length || ahead[length - 1] != '>' ||
+        ahead.substr(2, name.size()) != name)
+      return false;
+    at_ += length;
+    return true;
+  }
   /// What stands before the next such character, or before the end.
   std::string_view scanUpTo(char c) { return take(std::min(text_.find(c, at_), text_.size())); }
   /// What stands before the next white space, line end or >, or before the end.

@@ -1,11 +1,11 @@
 #include <ORLFoundation/platform/format/internal/DateEngine.h>
 
 #include <ORLFoundation/platform/format/internal/DateStyles.h>
+#include <ORLFoundation/platform/format/internal/ICUCalendar.h>
 #include <ORLFoundation/platform/format/internal/NumericDate.h>
 #include <ORLFoundation/platform/format/internal/PatternText.h>
 #include <ORLFoundation/platform/format/internal/ZoneBridge.h>
 #include <ORLFoundation/platform/text/UTF16.h>
-#include <unicode/gregocal.h>
 #include <unicode/numsys.h>
 #include <unicode/smpdtfmt.h>
 
@@ -23,35 +23,17 @@ namespace {
 
 constexpr double kMilliseconds = 1000;
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
-// Seconds on either side of 1970 that ICU's calendars count safely.
-constexpr double kGregorianReach = 1.8e14;
-constexpr double kOtherReach = 3.1e11;
 // 2000-01-01T00:00:00Z, for the year that a format does not ask for.
 constexpr double kUsualDate = 946684800;
 
 // Letters of the time of day.
 constexpr std::u16string_view kTimeLetters = u"hHkKmsSaAbBjJC";
 
-// Milliseconds, cut off. What a double lacks of a whole one, at most half a microsecond, is not
-// cut.
-UDate millisecondsOf(NSDate date) {
-  constexpr double kMicroseconds = 1e6;
-  return std::floor(std::round(date.timeIntervalSince1970() * kMicroseconds) / kMilliseconds);
-}
-
 bool hasPlainDigits(const icu::Locale& locale) {
   UErrorCode status = U_ZERO_ERROR;
   const std::unique_ptr<icu::NumberingSystem> system(
       icu::NumberingSystem::createInstance(locale, status));
   return U_SUCCESS(status) && system && std::string_view(system->getName()) == "latn";
-}
-
-// The Gregorian calendar of all time, as ours is.
-void extendToAllTime(icu::Calendar& calendar) {
-  auto* gregorian = dynamic_cast<icu::GregorianCalendar*>(&calendar);
-  UErrorCode status = U_ZERO_ERROR;
-  if (gregorian != nullptr)
-    gregorian->setGregorianChange(-std::numeric_limits<double>::max(), status);
 }
 
 std::unique_ptr<icu::SimpleDateFormat> formatOf(const DateSettings& settings) {
@@ -109,7 +91,7 @@ DateEngine::Parts::Parts(const DateSettings& settings) : zone(settings.zone) {
   const icu::UnicodeString pattern = text::utf16Of(settings.pattern);
   words = wordsOf(pattern);
   asksForTime = asksForAny(pattern, kTimeLetters);
-  isGregorian = std::string_view(strict->getType()) == "gregorian";
+  isGregorian = isGregorianCalendar(*strict);
   if (isGregorian && !settings.icuAlone && hasPlainDigits(icu::Locale(settings.locale.c_str())))
     numeric = NumericDate::ofPattern(settings.pattern);
 }
@@ -225,8 +207,7 @@ DateEngine::~DateEngine() = default;
 std::optional<std::string> DateEngine::print(NSDate date) const {
   const Parts& parts = *parts_;
   if (!parts.format) return std::nullopt;
-  const double reach = parts.isGregorian ? kGregorianReach : kOtherReach;
-  if (!(std::abs(date.timeIntervalSince1970()) <= reach)) return std::nullopt;
+  if (!isInReach(date, parts.isGregorian)) return std::nullopt;
   const UDate milliseconds = millisecondsOf(date);
   if (parts.numeric) {
     const double local = std::floor(milliseconds / kMilliseconds) +
