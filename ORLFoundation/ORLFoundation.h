@@ -59,6 +59,7 @@
 #include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
 #include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
 #include <ORLFoundation/platform/dispatch/NSThread.h>
+#include <ORLFoundation/platform/files/NSDataReading.h>
 #include <ORLFoundation/platform/format/NSDateFormatter.h>
 #include <ORLFoundation/platform/format/NSDateIntervalFormatter.h>
 #include <ORLFoundation/platform/format/NSFormattingError.h>
@@ -136,6 +137,9 @@
 #include <ORLFoundation/platform/xml/NSXMLParserDelegate.h>
 #include <ORLFoundation/platform/xml/NSXMLParserLimits.h>
 #include <ORLFoundation/platform/xml/NSXMLParserLoader.h>
+#include <ORLFoundation/process/definition/ORLFProcessStepBuilder.h>
+#include <ORLFoundation/process/definition/ORLFProcessStepBuilderDelegate.h>
+#include <ORLFoundation/process/definition/ORLFProcessStepBuilderStepData.h>
 #include <ORLFoundation/process/engine/ORLFProcess.h>
 #include <ORLFoundation/process/engine/ORLFProcessDelegate.h>
 #include <ORLFoundation/process/engine/ORLFProcessStep.h>
@@ -171,6 +175,9 @@
 #include <ORLFoundation/support/strings/ORLFAttributedStringUtilities.h>
 #include <ORLFoundation/support/strings/ORLFPredicateUtilities.h>
 #include <ORLFoundation/support/strings/ORLFStringUtilities.h>
+#include <ORLFoundation/xmlparsing/builders/ORLFXMLParserObjectBuilder.h>
+#include <ORLFoundation/xmlparsing/builders/ORLFXMLParserPropertyBuilder.h>
+#include <ORLFoundation/xmlparsing/builders/ORLFXMLPropertyVocabulary.h>
 #include <ORLFoundation/xmlparsing/fragments/ORLFXMLParser.h>
 #include <ORLFoundation/xmlparsing/fragments/ORLFXMLParserContentHandler.h>
 #include <ORLFoundation/xmlparsing/fragments/ORLFXMLParserFragmentHandler.h>

@@ -47,6 +47,9 @@ for amount in '$1,000.50' '1.234,56' '(12.50)' '3 1/2' '1,23,456' '12%' '5 USD';
   printf '  %-12s %s\n' "$amount" "$("$orlf" amount -- "$amount")"
 done
 
+say "A sum in a German field of amounts"
+run calc '1.234,50 + zwei*[3-1]' --locale de_DE --steps
+
 say "A bank's statement as XML"
 run ofx2xml "$here/statement.ofx" --pretty
 

@@ -31,6 +31,10 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareAxisCommand(Options& options);
 /// `orlf amount`  Amounts as people type them.
 [[nodiscard]] Job declareAmountCommand(Options& options);
+/// `orlf calc`  Sums as people type them.
+[[nodiscard]] Job declareCalcCommand(Options& options);
+/// `orlf percent`  A percentage as people type it.
+[[nodiscard]] Job declarePercentCommand(Options& options);
 /// `orlf round`  A decimal rounded.
 [[nodiscard]] Job declareRoundCommand(Options& options);
 /// `orlf decimal`  Sums on decimals.

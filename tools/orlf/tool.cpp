@@ -33,6 +33,8 @@ constexpr std::array kCommands{
     Command{"irr", &declareIrrCommand},
     Command{"axis", &declareAxisCommand},
     Command{"amount", &declareAmountCommand},
+    Command{"calc", &declareCalcCommand},
+    Command{"percent", &declarePercentCommand},
     Command{"round", &declareRoundCommand},
     Command{"decimal", &declareDecimalCommand},
     Command{"link", &declareLinkCommand},

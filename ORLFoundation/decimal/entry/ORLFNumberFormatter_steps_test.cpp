@@ -8,6 +8,8 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace ORLFoundation {
@@ -175,6 +177,96 @@ TEST(ORLFNumberFormatter, StepsAgreeWithATranscriptionOnRandomStacks) {
       EXPECT_EQ(told(answer, values, operators), told(expected, expectedValues, expectedOperators));
     }
   }
+}
+
+// The evaluation of a text of ASCII characters, step by step as it is told; "false" or the value.
+class Transcription {
+ public:
+  Transcription(ORLFNumberFormatter& formatter, std::string text)
+      : formatter_(formatter), text_(std::move(text)) {}
+
+  std::string answer() {
+    while (true) {
+      std::size_t next = cursor_;
+      while (next < text_.size() && (text_[next] == ' ' || text_[next] == '\t')) ++next;
+      if (next == text_.size()) return finish();
+      cursor_ = next;
+      const std::size_t code = std::string_view("+-*/[").find(text_[cursor_]);
+      if (code != std::string_view::npos) {
+        takeOperator(static_cast<std::int32_t>(code));
+      } else if (text_[cursor_] == ']') {
+        endGroup();
+      } else if (lastWasValue_ || !takeNumber()) {
+        return "false";
+      }
+    }
+  }
+
+ private:
+  void takeOperator(std::int32_t code) {
+    ++cursor_;
+    const auto next = operatorOf(code);
+    if (!lastWasValue_ && next->numberOfOpperands() >= 2) {
+      const auto value = next->defaultOpperand(true);
+      if (!value) return;
+      values_.push_back(*value);
+    }
+    transcribedLoop(next.get(), false, values_, operators_);
+    operators_.push_back(next);
+    lastWasValue_ = false;
+  }
+  void endGroup() {
+    if (transcribedLoop(nullptr, true, values_, operators_) && !operators_.empty() &&
+        operators_.back()->type() == 4)
+      operators_.pop_back();
+    lastWasValue_ = true;
+    ++cursor_;
+  }
+  bool takeNumber() {
+    NSRange range{cursor_, text_.size() - cursor_};
+    std::optional<NSNumber> value;
+    if (!formatter_.getObjectValueBase(&value, text_, &range)) return false;
+    values_.push_back(*value);
+    cursor_ += range.length;
+    return lastWasValue_ = true;
+  }
+  std::string finish() {
+    if (!lastWasValue_ && !operators_.empty()) operators_.pop_back();
+    if (!transcribedLoop(nullptr, false, values_, operators_)) return "false";
+    return (values_.empty() ? "nil" : values_.back().stringValue()) + " of " +
+           std::to_string(cursor_);
+  }
+
+  ORLFNumberFormatter& formatter_;
+  const std::string text_;
+  Values values_;
+  Operators operators_;
+  std::size_t cursor_ = 0;
+  bool lastWasValue_ = false;
+};
+
+TEST(ORLFNumberFormatter, EvaluationAgreesWithATranscriptionOnRandomTexts) {
+  ORLFNumberFormatter formatter;
+  formatter.setLocale(std::make_shared<NSLocale>("en_US"));
+  formatter.setNumberStyle(NSNumberFormatterDecimalStyle);
+  formatter.setGeneratesDecimalNumbers(true);
+  constexpr std::string_view kCharacters = "+-*/[]+-*/[]0123456789999111222.., \tx";
+  std::mt19937 random(5);
+  int numbers = 0;
+  for (int i = 0; i < 30000; ++i) {
+    std::string text;
+    for (auto count = random() % 12; count > 0; --count)
+      text += kCharacters[random() % kCharacters.size()];
+    const std::string expected = Transcription(formatter, text).answer();
+    std::optional<NSNumber> value;
+    NSRange range{0, text.size()};
+    std::string answer = "false";
+    if (formatter.getObjectValue(&value, text, &range))
+      answer = (value ? value->stringValue() : "nil") + " of " + std::to_string(range.length);
+    EXPECT_EQ(answer, expected) << text;
+    if (answer != "false") ++numbers;
+  }
+  EXPECT_GT(numbers, 5000);
 }
 
 }  // namespace

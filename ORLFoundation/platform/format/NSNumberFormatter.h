@@ -53,7 +53,7 @@ enum NSNumberFormatterStyle : NSUInteger {
 struct NSPartialStringEdit {
   std::string_view partialString;
   NSRange* proposedSelectedRange = nullptr;
-  std::string_view originalString = "";
+  std::string_view originalString = {};
   NSRange originalSelectedRange = {};
   std::string* errorDescription = nullptr;
 };

@@ -3,9 +3,8 @@
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
 
 #include <gtest/gtest.h>
+#include <tests/support/ProcessorTime.h>
 
-#include <chrono>
-#include <functional>
 #include <memory>
 #include <string>
 
@@ -21,12 +20,6 @@ std::string megabyteOf(std::string_view piece) {
   return text;
 }
 
-double secondsOf(const std::function<void()>& work) {
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
 TEST(NSNumberFormatter, AnswersMegabytesSoon) {
   for (const char* piece : {"1", "1+", "[", "minus ", "x", "one ", " ", "1,", "\xF0\x9F\x98\x80"}) {
     const std::string text = megabyteOf(piece);
@@ -36,7 +29,7 @@ TEST(NSNumberFormatter, AnswersMegabytesSoon) {
         formatter.setLocale(std::make_shared<NSLocale>("en_US"));
         formatter.setNumberStyle(static_cast<NSNumberFormatterStyle>(style));
         formatter.setLenient(lenient);
-        EXPECT_LT(secondsOf([&] { formatter.getObjectValue(nullptr, text); }), 2)
+        EXPECT_LT(orlftest::processorSecondsOf([&] { formatter.getObjectValue(nullptr, text); }), 2)
             << piece << style << lenient;
       }
     }

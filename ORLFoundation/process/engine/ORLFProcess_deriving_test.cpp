@@ -272,7 +272,13 @@ TEST(ORLFProcessDeriving, AStateIsKeptAndRestored) {
   EXPECT_FALSE(process.canBack());
   EXPECT_EQ(process.forward(), nullptr);
   EXPECT_EQ(nameOfStep(process.forward()), "root.b");
-  EXPECT_THROW(process.setHistory({"root.a"}, 2), NSException);
+  process.setHistory(process.history(), 3);
+  try {
+    process.setHistory({"root.a"}, 2);
+    FAIL() << "the index lies beyond the entries";
+  } catch (const NSException& exception) {
+    EXPECT_NE(exception.reason().find("index 2 beyond a history of 1"), std::string::npos);
+  }
   EXPECT_EQ(process.historyIndex(), 3U) << "what was refused changes nothing";
 }
 
@@ -280,7 +286,13 @@ TEST(ORLFProcessDeriving, AHistoryWithoutAPresentIsOutOfRange) {
   Derived process;
   process.run();
   process.setHistory({"root.a"}, 0);
-  EXPECT_THROW(static_cast<void>(process.canBack()), NSException);
+  try {
+    static_cast<void>(process.canBack());
+    FAIL() << "the index points at no entry";
+  } catch (const NSException& exception) {
+    EXPECT_EQ(exception.name(), NSRangeException);
+    EXPECT_NE(exception.reason().find("index 0 beyond a history of 1"), std::string::npos);
+  }
   EXPECT_FALSE(process.hasHistory());
   EXPECT_EQ(nameOfStep(process.forward()), "root.a");
   EXPECT_FALSE(process.canBack());

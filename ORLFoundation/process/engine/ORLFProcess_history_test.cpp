@@ -242,8 +242,20 @@ TEST(ORLFProcessHistory, AddingRecordsOnlyType0) {
   EXPECT_FALSE(process.isCurrentStepInHistory()) << "no step is not the marker";
 }
 
+std::string reasonOfMoving(ORLFProcess& process, NSUInteger index) {
+  try {
+    process.moveToStepForHistoryIndex(index);
+  } catch (const NSException& exception) {
+    return exception.name() + exception.reason();
+  }
+  return {};
+}
+
 TEST(ORLFProcessHistory, IndicesBeyondItRaise) {
   Walk walk;
+  EXPECT_EQ(reasonOfMoving(walk.process, 7),
+            "NSRangeException-[ORLFProcess moveToStepForHistoryIndex:]: index 7 beyond a history "
+            "of 1");
   for (const NSUInteger index : {NSUInteger{1}, NSUInteger{2}, ~NSUInteger{0}})
     EXPECT_THROW(walk.process.moveToStepForHistoryIndex(index), NSException) << index;
   EXPECT_EQ(nameOfStep(walk.process.moveToStepForHistoryIndex(0)), "root.a");

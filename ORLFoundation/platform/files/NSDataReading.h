@@ -1,0 +1,36 @@
+/// The bytes of files.
+///
+///     std::shared_ptr<const NSError> error;
+///     const auto data = dataWithContentsOfURL(url, NSDataReadingMappedIfSafe, &error);
+///     if (!data) show(error->localizedDescription());
+#pragma once
+
+#include <ORLFoundation/platform/object/NSError.h>
+#include <ORLFoundation/platform/value/NSData.h>
+#include <ORLFoundation/platform/value/NSTypes.h>
+#include <ORLFoundation/platform/value/NSURL.h>
+
+#include <optional>
+
+namespace ORLFoundation {
+
+enum NSDataReadingOptions : NSUInteger {
+  NSDataReadingMappedIfSafe = 1,  ///< A wish; data here holds its bytes in any case.
+};
+
+/// Codes of `NSCocoaErrorDomain`.
+enum NSFileReadError : NSInteger {
+  NSFileReadUnknownError = 256,
+  NSFileReadNoPermissionError = 257,
+  NSFileReadNoSuchFileError = 260,
+  NSFileReadTooLargeError = 263,
+  NSFileReadUnsupportedSchemeError = 262,
+};
+
+/// `dataWithContentsOfURL:options:error:`  All of a file. nil, and an error of `NSCocoaErrorDomain`
+/// with the path and what lies under it (`NSPOSIXErrorDomain`), where it cannot be read, where the
+/// address is none of a file, and for more than 64 MB.
+[[nodiscard]] std::optional<NSData> dataWithContentsOfURL(const NSURL& url, NSUInteger options,
+                                                          NSErrorSlot error = nullptr);
+
+}  // namespace ORLFoundation

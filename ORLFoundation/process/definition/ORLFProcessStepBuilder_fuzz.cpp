@@ -1,0 +1,50 @@
+#include <ORLFoundation/process/definition/ORLFProcessStepBuilder.h>
+
+#include <ORLFoundation/platform/log/NSLog.h>
+#include <ORLFoundation/platform/value/NSException.h>
+#include <ORLFoundation/platform/xml/NSXMLParser.h>
+#include <ORLFoundation/process/engine/ORLFProcess.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+using namespace ORLFoundation;
+
+namespace {
+
+constexpr NSUInteger kMostSteps = 10'000;
+
+std::size_t countOfTree(ORLFProcessStep& step) {
+  std::size_t count = 1;
+  if (step.childStepMap(false))
+    for (const auto& entry : *step.childStepMap(false)) count += countOfTree(*entry.second);
+  return count;
+}
+
+}  // namespace
+
+// Whatever is read is a tree within the bound, and can be walked.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  NSSetLogSink([](std::string_view) {});
+  const auto builder = std::make_shared<ORLFProcessStepBuilder>();
+  builder->setStepLimit(kMostSteps);
+  NSXMLParser parser{NSData(std::string_view(reinterpret_cast<const char*>(data), size))};
+  parser.setDelegate(builder);
+  try {
+    static_cast<void>(parser.parse());
+  } catch (const NSException&) {
+  }
+  std::size_t count = 0;
+  for (const auto& entry : builder->rootStepInstances()) {
+    count += countOfTree(*entry.second);
+    ORLFProcess process(entry.second);
+    for (int i = 0; i < 8 && process.run(); ++i) {
+      const auto names = process.currentStep()->possibleTransitions();
+      process.advanceWithTransition(names && !names->empty() ? names->front() : "x", nullptr);
+      process.back();
+    }
+  }
+  if (count > kMostSteps) std::abort();
+  return 0;
+}
