@@ -28,6 +28,7 @@ constexpr std::array kCommands{
     Command{"schedule", &declareScheduleCommand},
     Command{"fiscal", &declareFiscalCommand},
     Command{"infer-dates", &declareInferDatesCommand},
+    Command{"date", &declareDateCommand},
     Command{"span", &declareSpanCommand},
     Command{"plan", &declarePlanCommand},
     Command{"loan", &declareLoanCommand},
@@ -47,6 +48,7 @@ constexpr std::array kCommands{
     Command{"ofx2xml", &declareOfxToXmlCommand},
     Command{"xml-escape", &declareXmlEscapeCommand},
     Command{"xml-unescape", &declareXmlUnescapeCommand},
+    Command{"xml-events", &declareXmlEventsCommand},
     Command{"template-image", &declareTemplateImageCommand},
 };
 
