@@ -47,6 +47,9 @@ for amount in '$1,000.50' '1.234,56' '(12.50)' '3 1/2' '1,23,456' '12%' '5 USD';
   printf '  %-12s %s\n' "$amount" "$("$orlf" amount -- "$amount")"
 done
 
+say "Dates as people type them"
+run date 2/13/21 13/2/2021 2021-02-13 'Feb 3, 2021' 3/4 5 --today 2021-02-10
+
 say "A sum in a German field of amounts"
 run calc '1.234,50 + zwei*[3-1]' --locale de_DE --steps
 

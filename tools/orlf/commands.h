@@ -21,6 +21,8 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareFiscalCommand(Options& options);
 /// `orlf infer-dates`  The order of day, month and year in a file's dates.
 [[nodiscard]] Job declareInferDatesCommand(Options& options);
+/// `orlf date`  Dates as people type them.
+[[nodiscard]] Job declareDateCommand(Options& options);
 /// `orlf span`  A span of dates in words.
 [[nodiscard]] Job declareSpanCommand(Options& options);
 /// `orlf plan`  Balances and contributions of a plan file.

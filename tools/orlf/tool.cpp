@@ -28,6 +28,7 @@ constexpr std::array kCommands{
     Command{"schedule", &declareScheduleCommand},
     Command{"fiscal", &declareFiscalCommand},
     Command{"infer-dates", &declareInferDatesCommand},
+    Command{"date", &declareDateCommand},
     Command{"span", &declareSpanCommand},
     Command{"plan", &declarePlanCommand},
     Command{"loan", &declareLoanCommand},
