@@ -60,6 +60,10 @@ say "Is 03/04/24 in March or in April? A later date of the same column tells"
 printf 'Date;Amount\n03/04/24;-5.00\n03/14/24;12.50\n' >"$output/dates.csv"
 run infer-dates "$output/dates.csv" --column 1
 
+say "A bank's statement as QIF: the dates tell their order, or the job asks"
+run qif "$here/../tests/data/csv/csv2ofx/schwab-checking.csv" --account Checking -o "$output/statement.qif"
+sed -n '1,12p' "$output/statement.qif"
+
 say "Spans of dates, up to an end that is no part of them"
 run span 2024-01-01 2025-01-01 --compact
 run span 2024-11-01 2025-03-01 --compact

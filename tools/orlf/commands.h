@@ -59,6 +59,10 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareXmlEscapeCommand(Options& options);
 /// `orlf xml-unescape`  Texts without entities.
 [[nodiscard]] Job declareXmlUnescapeCommand(Options& options);
+/// `orlf qif`  A bank's table as QIF.
+[[nodiscard]] Job declareQifCommand(Options& options);
+/// `orlf txf`  A table of sales or tax amounts as TXF.
+[[nodiscard]] Job declareTxfCommand(Options& options);
 /// `orlf xml-events`  The events of an XML document.
 [[nodiscard]] Job declareXmlEventsCommand(Options& options);
 

@@ -42,6 +42,8 @@ constexpr std::array kCommands{
     Command{"link", &declareLinkCommand},
     Command{"title", &declareTitleCommand},
     Command{"email", &declareEmailCommand},
+    Command{"qif", &declareQifCommand},
+    Command{"txf", &declareTxfCommand},
     Command{"csv", &declareCsvCommand},
     Command{"ofx2xml", &declareOfxToXmlCommand},
     Command{"xml-escape", &declareXmlEscapeCommand},
