@@ -16,7 +16,7 @@ using orlftest::stepFromDefinition;
 using orlftest::Texts;
 using orlftest::textsOfHistory;
 
-const std::string kSteps = R"(
+const std::string kDerivedSteps = R"(
   <step id="root" firststep="a">
     <step id="a"><transition value="next" stepid="b"/><transition value="bad" stepid="gone"/></step>
     <step id="b"/>
@@ -26,7 +26,7 @@ const std::string kSteps = R"(
 /// Notes every call, and answers otherwise where a test says so.
 class Derived final : public ORLFProcess {
  public:
-  Derived() : ORLFProcess(stepFromDefinition(kSteps)) {}
+  Derived() : ORLFProcess(stepFromDefinition(kDerivedSteps)) {}
 
   mutable std::set<std::string> called;
   std::optional<std::int32_t> type;

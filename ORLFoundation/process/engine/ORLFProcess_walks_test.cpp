@@ -105,9 +105,9 @@ class World {
 
  private:
   void grow(Dice& dice, const Path& path) {
-    constexpr std::size_t kDepth = 5;
+    constexpr std::size_t kDeepest = 5;
     Plan plan;
-    if (path.size() == 1 || (path.size() < kDepth && !dice.oneIn(3))) {
+    if (path.size() == 1 || (path.size() < kDeepest && !dice.oneIn(3))) {
       if (!dice.oneIn(8)) plan.first = dice.of(kNames);
       for (const std::string& name : kNames)
         if (!dice.oneIn(5)) grow(dice, below(path, name));
