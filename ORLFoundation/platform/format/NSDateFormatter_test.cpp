@@ -118,6 +118,11 @@ TEST(NSDateFormatter, BeginsADayWithoutMidnightAtTheClockChange) {
   for (const char* format : {"M/d/yy", "MMM d, y"}) {
     const auto formatter = formatted(format, "America/Sao_Paulo");
     EXPECT_EQ(text(formatter->dateFromString("11/4/2018")), "2018-11-04T03:00:00Z") << format;
+    // Samoa went from the 29th to the 31st of December of 2011.
+    const auto skipping = formatted(format, "Pacific/Apia");
+    EXPECT_EQ(text(skipping->dateFromString("12/29/2011")), "2011-12-29T10:00:00Z") << format;
+    EXPECT_EQ(text(skipping->dateFromString("12/30/2011")), "2011-12-30T10:00:00Z") << format;
+    EXPECT_EQ(text(skipping->dateFromString("12/31/2011")), "2011-12-30T10:00:00Z") << format;
   }
 }
 
