@@ -1,15 +1,13 @@
 #include <ORLFoundation/interchange/sgml/ORLFSGMLConversion.h>
 
-#include <ORLFoundation/interchange/sgml/ORLFXMLEntities.h>
-#include <ORLFoundation/interchange/sgml/internal/ORLFEntityText.h>
+#include <ORLFoundation/interchange/sgml/ORLFEntityText.h>
 #include <ORLFoundation/interchange/sgml/internal/ORLFTagScanner.h>
 #include <ORLFoundation/platform/text/NSCharacterSet.h>
 #include <ORLFoundation/platform/text/NSStringEncoding.h>
 #include <ORLFoundation/platform/text/NSStringSearch.h>
 
 #include <cstddef>
-#include <unordered_map>
-#include <unordered_set>
+#include <utility>
 
 namespace ORLFoundation {
 namespace {
@@ -43,15 +41,16 @@ Tag nextTag(ORLFTagScanner& scanner) {
 /// The conversion's output and the orphan that waits for its end tag.
 class Converter {
  public:
-  Converter(std::string_view text, const ORLFTagNames& orphans)
-      : scanner_(text), orphans_(orphans.begin(), orphans.end()) {
+  Converter(std::string_view text, const ORLFTagNames& orphans) : scanner_(text) {
+    for (const std::string& name : orphans)
+      if (!name.empty()) endTags_.add(name, "</" + name + ">");
     result_.reserve(2 * text.size());
   }
 
   std::string converted() {
     for (bool isFirst = true; !scanner_.isAtEnd(); isFirst = false) {
       appendText(isFirst);
-      if (!open_.empty()) endOrphan();
+      if (endTag_ != nullptr) endOrphan();
       appendTag();
     }
     return std::move(result_);
@@ -60,44 +59,37 @@ class Converter {
  private:
   void appendText(bool isFirst) {
     const std::string_view text = scanner_.scanUpTo('<');
-    if (isFirst)
-      result_ += text;
-    else if (text.find('&') == text.npos)
-      appendEscaped(result_, text);
-    else
-      appendEscaped(result_, orlfStringByUnescapingStandardXMLEntities(text));
+    // No entity begins in plain text, so that what stands behind it is unescaped by itself.
+    const std::size_t plain = isFirst ? text.size() : lengthOfPlainText(text);
+    result_ += text.substr(0, plain);
+    const std::string_view rest = text.substr(plain);
+    if (rest.find('&') == rest.npos) return appendEscaped(result_, rest);
+    unescaped_ = rest;
+    unescape(unescaped_);
+    appendEscaped(result_, unescaped_);
   }
 
   void endOrphan() {
-    scanner_.scanEndTag(open_);
-    const std::size_t place = endWithoutLineBreaks(result_);
-    lineBreaks_.assign(result_, place);
-    result_.resize(place);
-    result_.append("</").append(open_).append(">").append(lineBreaks_);
-    open_ = {};
+    scanner_.scan(*endTag_);
+    result_.insert(endWithoutLineBreaks(result_), *endTag_);
   }
 
   void appendTag() {
-    open_ = {};
+    endTag_ = nullptr;
+    const std::size_t start = scanner_.place();
     if (!scanner_.scan('<')) return;
-    result_ += '<';
-    if (scanner_.scan('/')) {
-      result_ += '/';
-    } else {
-      const std::string_view name = scanner_.scanUpToEndOfName();
-      result_ += name;
-      if (orphans_.contains(name)) open_ = name;
-    }
-    result_ += scanner_.scanUpTo('>');
-    result_ += '>';
-    scanner_.scan('>');
+    if (!scanner_.scan('/')) endTag_ = endTags_.find(scanner_.scanUpToEndOfName());
+    scanner_.scanUpTo('>');
+    const bool isClosed = scanner_.scan('>');
+    result_ += scanner_.passedSince(start);
+    if (!isClosed) result_ += '>';
   }
 
   ORLFTagScanner scanner_;
-  const std::unordered_set<std::string_view> orphans_;
+  ORLFTagTable<std::string> endTags_;  // of orphans
   std::string result_;
-  std::string lineBreaks_;  // those that an end tag goes before
-  std::string_view open_;
+  std::string unescaped_;  // space that is kept
+  const std::string* endTag_ = nullptr;
 };
 
 std::optional<NSData> xmlDataOf(std::string_view text) {
@@ -117,21 +109,21 @@ const std::shared_ptr<NSCharacterSet>& orlfXMLStringConvertEndTagNameCharacterSe
 
 ORLFTagNames orlfXMLStringConvertBuildOrphanedTagSet(std::string_view string) {
   // Whether the last tag of a name leaves it open.
-  std::unordered_map<std::string_view, bool> isOpen;
+  ORLFTagTable<bool> isOpen;
   ORLFTagScanner scanner(string);
   for (scanner.skipBlanks(); !scanner.isAtEnd(); scanner.skipBlanks()) {
     const Tag tag = nextTag(scanner);
     if (tag.name.empty()) continue;
-    if (tag.isEnd || tag.text.ends_with('/')) {
-      const auto found = isOpen.find(tag.name);
-      if (found != isOpen.end()) found->second = false;
-    } else if (beginsName(tag.name)) {
-      isOpen.insert_or_assign(tag.name, true);
-    }
+    const bool leavesOpen = !tag.isEnd && !tag.text.ends_with('/');
+    if (bool* const known = isOpen.find(tag.name))
+      *known = leavesOpen;
+    else if (leavesOpen && beginsName(tag.name))
+      isOpen.add(tag.name, true);
   }
   ORLFTagNames orphans;
-  for (const auto& [name, isOrphan] : isOpen)
+  isOpen.forEach([&orphans](std::string_view name, bool isOrphan) {
     if (isOrphan) orphans.emplace(name);
+  });
   return orphans;
 }
 

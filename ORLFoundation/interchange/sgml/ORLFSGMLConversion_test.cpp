@@ -148,6 +148,10 @@ TEST(SGMLConversion, ClosesOrphansBeforeTheirLineBreaks) {
   EXPECT_EQ(converted("<A><B>1\n<C>2\n</A>"), "<A><B>1</B><C>2</C></A>");
 }
 
+TEST(SGMLConversion, NeverClosesATagWithoutAName) {
+  EXPECT_EQ(orlfXMLStringFromSGMLStringByFixingOrphanTags("<>x<A>y<>", {"", "A"}), "<>x<A>y</A><>");
+}
+
 TEST(SGMLConversion, KeepsTheOneEndTagOfAnEarlierInstance) {
   EXPECT_EQ(orphansOf("<A>x</A><A>y"), (ORLFTagNames{"A"}));
   EXPECT_EQ(converted("<A>x</A><A>y"), "<A>x</A><A>y</A>");

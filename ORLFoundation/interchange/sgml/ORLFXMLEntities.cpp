@@ -1,6 +1,6 @@
 #include <ORLFoundation/interchange/sgml/ORLFXMLEntities.h>
 
-#include <ORLFoundation/interchange/sgml/internal/ORLFEntityText.h>
+#include <ORLFoundation/interchange/sgml/ORLFEntityText.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/value/NSException.h>
 
@@ -91,9 +91,8 @@ std::string orlfStringByUnescapingEntities(std::string_view string,
 
 std::string orlfStringByUnescapingStandardXMLEntities(std::string_view string) {
   std::string result(string);
-  for (const StandardEntry& entry : kStandardTable)
-    result = replacing(std::move(result), entry.entity, entry.plain);
-  return replacing(std::move(result), kAmpersand.entity, kAmpersand.plain);
+  unescape(result);
+  return result;
 }
 
 }  // namespace ORLFoundation

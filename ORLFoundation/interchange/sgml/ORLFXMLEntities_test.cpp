@@ -7,7 +7,10 @@
 #include <gtest/gtest.h>
 #include <tests/support/VectorFile.h>
 
+#include <array>
+#include <random>
 #include <string>
+#include <string_view>
 
 namespace ORLFoundation {
 namespace {
@@ -84,6 +87,23 @@ TEST(XMLEntities, RefuseEntriesThatAreNoTexts) {
   const auto numbers = NSDictionary::dictionaryWithEntries({{"a", 1}});
   EXPECT_THROW(static_cast<void>(orlfStringByEscapingEntities("a", numbers)), NSException);
   EXPECT_THROW(static_cast<void>(orlfStringByUnescapingEntities("a", numbers)), NSException);
+}
+
+// Standard texts have a way of their own; an empty table of further entries goes entry by entry.
+TEST(XMLEntities, AgreeWithAndWithoutATableOnRandomTexts) {
+  constexpr std::array<std::string_view, 18> kPieces{
+      "&",  "amp;", "&amp;", "&lt;", "lt;", "&gt;", "&quot;", "quot;", "<",
+      "\"", ">",    "x",     "\n",   "é",   "\xE2", "\x7F",   "&am",   "plain text"};
+  const auto none = NSDictionary::dictionaryWithEntries({});
+  std::mt19937 random(4);
+  std::uniform_int_distribution<std::size_t> piece(0, kPieces.size() - 1);
+  std::uniform_int_distribution<int> length(0, 12);
+  for (int round = 0; round < 20000; ++round) {
+    std::string text;
+    for (int left = length(random); left > 0; --left) text += kPieces[piece(random)];
+    ASSERT_EQ(unescaped(text), orlfStringByUnescapingEntities(text, none)) << Json(text);
+    ASSERT_EQ(escaped(text), orlfStringByEscapingEntities(text, none)) << Json(text);
+  }
 }
 
 TEST(XMLEntities, WithoutFurtherEntriesAreTheStandardOnes) {

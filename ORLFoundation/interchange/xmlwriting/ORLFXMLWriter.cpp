@@ -1,15 +1,16 @@
 #include <ORLFoundation/interchange/xmlwriting/ORLFXMLWriter.h>
 
-#include <ORLFoundation/interchange/sgml/ORLFXMLEntities.h>
+#include <ORLFoundation/interchange/sgml/ORLFEntityText.h>
 #include <ORLFoundation/platform/text/NSStringBytes.h>
 
 #include <array>
-#include <cstddef>
 #include <optional>
 #include <utility>
 
 namespace ORLFoundation {
 namespace {
+
+using internal::sgml::appendEscaped;
 
 constexpr std::size_t kPiece = 2048;
 
@@ -56,15 +57,16 @@ bool ORLFXMLWriter::closeStartElementIfNeeded(NSErrorSlot error) {
 }
 
 bool ORLFXMLWriter::writePrettySpacingIfNeeded(NSErrorSlot error) {
-  if (!prettyPrinted_ || openCDataElementsCount_ != 0) return true;
-  const std::string spacing = "\n" + std::string(2 * openElements_.size(), ' ');
-  return appendString(spacing, true, error);
+  joined_.clear();
+  joinSpacing(openElements_.size());
+  return appendString(joined_, true, error);
 }
 
 bool ORLFXMLWriter::writeStartElementName(std::string_view name, NSErrorSlot error) {
-  if (!closeStartElementIfNeeded(error)) return false;
-  if (!openElements_.empty() && !writePrettySpacingIfNeeded(error)) return false;
-  if (!appendAll({"<", name}, error)) return false;
+  beginJoining();
+  if (!openElements_.empty()) joinSpacing(openElements_.size());
+  joined_.append("<").append(name);
+  if (!appendString(joined_, false, error)) return false;
   startElementInProgress_ = true;
   openElements_.emplace_back(name);
   return true;
@@ -73,14 +75,15 @@ bool ORLFXMLWriter::writeStartElementName(std::string_view name, NSErrorSlot err
 bool ORLFXMLWriter::writeAttribue(std::string_view attribute, std::string_view value,
                                   NSErrorSlot error) {
   if (!startElementInProgress_) return false;
-  const std::string escaped = orlfStringByEscapingStandardXMLEntities(value);
-  return appendAll({" ", attribute, "=", "\"", escaped, "\""}, error);
+  joined_.assign(" ").append(attribute).append("=\"");
+  appendEscaped(joined_, value);
+  return appendString(joined_ += '"', false, error);
 }
 
 bool ORLFXMLWriter::writeCharacters(std::string_view characters, NSErrorSlot error) {
-  if (!closeStartElementIfNeeded(error)) return false;
-  const std::string escaped = orlfStringByEscapingStandardXMLEntities(characters);
-  if (!appendString(escaped, false, error)) return false;
+  beginJoining();
+  appendEscaped(joined_, characters);
+  if (!appendString(joined_, false, error)) return false;
   ++openCDataElementsCount_;
   return true;
 }
@@ -89,21 +92,28 @@ bool ORLFXMLWriter::writeEndElementForced(bool forced, NSErrorSlot error) {
   if (forced && !closeStartElementIfNeeded(error)) return false;
   bool isWritten = true;
   if (!openElements_.empty()) {
-    const std::string name = std::move(openElements_.back());
+    const bool isEmpty = std::exchange(startElementInProgress_, false);
+    joined_.clear();
+    if (isEmpty) {
+      joined_ += "/>";
+    } else {
+      joinSpacing(openElements_.size() - 1);
+      joined_.append("</").append(openElements_.back()).append(">");
+    }
     openElements_.pop_back();
-    if (std::exchange(startElementInProgress_, false))
-      isWritten = appendString("/>", false, error);
-    else if (!writePrettySpacingIfNeeded(error) || !appendAll({"</", name, ">"}, error))
-      return false;
+    isWritten = appendString(joined_, false, error);
+    if (!isWritten && !isEmpty) return false;
   }
   if (openCDataElementsCount_ != 0) --openCDataElementsCount_;
   return isWritten;
 }
 
-bool ORLFXMLWriter::appendAll(std::initializer_list<std::string_view> strings, NSErrorSlot error) {
-  joined_.clear();
-  for (const std::string_view string : strings) joined_ += string;
-  return appendString(joined_, false, error);
+void ORLFXMLWriter::beginJoining() {
+  joined_.assign(std::exchange(startElementInProgress_, false) ? ">" : "");
+}
+
+void ORLFXMLWriter::joinSpacing(std::size_t depth) {
+  if (prettyPrinted_ && openCDataElementsCount_ == 0) joined_.append("\n").append(2 * depth, ' ');
 }
 
 }  // namespace ORLFoundation

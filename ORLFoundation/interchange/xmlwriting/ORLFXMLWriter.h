@@ -18,8 +18,8 @@
 #include <ORLFoundation/platform/text/NSStringEncoding.h>
 #include <ORLFoundation/platform/value/NSTypes.h>
 
+#include <cstddef>
 #include <cstdint>
-#include <initializer_list>
 #include <memory>
 #include <span>
 #include <string>
@@ -92,8 +92,10 @@ class ORLFXMLWriter : public NSObject {
 
  private:
   bool appendPieces(NSStringBytes& pieces, NSErrorSlot error);
-  /// Each in turn, up to a character that fails.
-  bool appendAll(std::initializer_list<std::string_view> strings, NSErrorSlot error);
+  /// What is written together is joined first, with the end of a start tag in progress, which then
+  /// counts as ended.
+  void beginJoining();
+  void joinSpacing(std::size_t depth);
 
   bool prettyPrinted_ = false;
   bool startElementInProgress_ = false;

@@ -1,10 +1,15 @@
 #include <ORLFoundation/interchange/xmlwriting/ORLFXMLWriter.h>
 
+#include <ORLFoundation/interchange/sgml/ORLFXMLEntities.h>
 #include <ORLFoundation/platform/text/NSStringEncoding.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorFile.h>
 
+#include <algorithm>
+#include <random>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace ORLFoundation {
 namespace {
@@ -254,6 +259,91 @@ TEST(ORLFXMLWriter, WritesLossyTextWhereAsked) {
   Written written(NSASCIIStringEncoding);
   EXPECT_TRUE(written.writer.appendString("é日", true));
   EXPECT_EQ(written.text(), "e?");
+}
+
+/// The writer step by step: one append for each piece.
+struct PlainWriter {
+  Written written;
+  std::vector<std::string> open;
+  NSUInteger texts = 0;
+  bool isInProgress = false;
+
+  bool append(std::string_view text) { return written.writer.appendString(text, false); }
+  bool appendAll(const std::vector<std::string>& pieces) {
+    return std::all_of(pieces.begin(), pieces.end(),
+                       [this](const auto& each) { return append(each); });
+  }
+  bool close() { return !std::exchange(isInProgress, false) || append(">"); }
+  bool indent() {
+    if (!written.writer.prettyPrinted() || texts != 0) return true;
+    if (!written.writer.appendString("\n", true)) return false;
+    const auto indentOnce = [this](const auto&) { return written.writer.appendString("  ", true); };
+    return std::all_of(open.begin(), open.end(), indentOnce);
+  }
+  bool start(const std::string& name) {
+    if (!close() || (!open.empty() && !indent()) || !appendAll({"<", name})) return false;
+    isInProgress = true;
+    open.push_back(name);
+    return true;
+  }
+  bool attribute(const std::string& name, const std::string& value) {
+    const std::string escaped = orlfStringByEscapingStandardXMLEntities(value);
+    return isInProgress && appendAll({" ", name, "=", "\"", escaped, "\""});
+  }
+  bool characters(const std::string& text) {
+    if (!close() || !append(orlfStringByEscapingStandardXMLEntities(text))) return false;
+    ++texts;
+    return true;
+  }
+  bool end(bool isForced) {
+    if (isForced && !close()) return false;
+    bool result = true;
+    if (!open.empty()) {
+      const std::string name = open.back();
+      open.pop_back();
+      if (std::exchange(isInProgress, false))
+        result = append("/>");
+      else if (!indent() || !appendAll({"</", name, ">"}))
+        return false;
+    }
+    if (texts != 0) --texts;
+    return result;
+  }
+};
+
+TEST(ORLFXMLWriter, AgreesWithTheStepsOnRandomCalls) {
+  std::mt19937 random(7);
+  const auto below = [&random](std::size_t limit) { return random() % limit; };
+  const std::vector<std::string> words{"",    "a",        "name", "x&<\"", "é",
+                                       "日€", "\xE2\x82", "\n",   "\xFF",  std::string(2050, 'b')};
+  for (int round = 0; round < 3000; ++round) {
+    const NSUInteger encoding =
+        std::vector<NSUInteger>{NSUTF8StringEncoding, NSASCIIStringEncoding, NSUTF16StringEncoding,
+                                NSISOLatin1StringEncoding, 9999}[below(5)];
+    const bool isPretty = below(2) == 0;
+    Written written(encoding, isPretty);
+    ORLFXMLWriter& writer = written.writer;
+    PlainWriter plain{.written = Written(encoding, isPretty), .open = {}};
+    for (std::size_t calls = below(30); calls > 0; --calls) {
+      const std::string& first = words[below(words.size())];
+      const std::string& second = words[below(words.size())];
+      const std::size_t kind = below(4);
+      const bool isForced = below(2) == 0;
+      const bool done = kind == 0   ? writer.writeStartElementName(first)
+                        : kind == 1 ? writer.writeAttribue(first, second)
+                        : kind == 2 ? writer.writeCharacters(first)
+                                    : writer.writeEndElementForced(isForced);
+      const bool plainlyDone = kind == 0   ? plain.start(first)
+                               : kind == 1 ? plain.attribute(first, second)
+                               : kind == 2 ? plain.characters(first)
+                                           : plain.end(isForced);
+      ASSERT_EQ(done, plainlyDone) << round;
+      ASSERT_EQ(written.text(), plain.written.text()) << round;
+      ASSERT_EQ(writer.openElements(), plain.open) << round;
+      ASSERT_EQ(writer.openCDataElementsCount(), plain.texts) << round;
+      ASSERT_EQ(writer.startElementInProgress(), plain.isInProgress) << round;
+    }
+  }
 }
 
 TEST(ORLFXMLWriter, LosesBytesWithoutABuffer) {

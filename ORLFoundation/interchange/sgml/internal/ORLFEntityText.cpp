@@ -1,10 +1,10 @@
-#include <ORLFoundation/interchange/sgml/internal/ORLFEntityText.h>
+#include <ORLFoundation/interchange/sgml/ORLFEntityText.h>
 
 #include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/text/NSCharacterSet.h>
 
+#include <algorithm>
 #include <array>
-#include <cstddef>
 
 namespace ORLFoundation::internal::sgml {
 namespace {
@@ -46,6 +46,23 @@ bool isRemoved(char32_t character) {
   return controls.longCharacterIsMember(character) || illegal.longCharacterIsMember(character);
 }
 
+/// Replaces every occurrence of an entity from left to right, in place.
+void replaceEntity(std::string& text, std::string_view entity, char plain) {
+  std::size_t found = text.find(entity);
+  if (found == text.npos) return;
+  std::size_t end = found;
+  while (found != text.npos) {
+    text[end++] = plain;
+    const std::size_t from = found + entity.size();
+    found = text.find(entity, from);
+    const std::size_t count = std::min(found, text.size()) - from;
+    std::copy_n(text.begin() + static_cast<std::ptrdiff_t>(from), count,
+                text.begin() + static_cast<std::ptrdiff_t>(end));
+    end += count;
+  }
+  text.resize(end);
+}
+
 /// Appends the character beyond ASCII that a text begins with; its length.
 std::size_t appendCharacter(std::string& result, std::string_view text) {
   const UTF8Character character = firstUTF8Character(text);
@@ -58,12 +75,21 @@ std::size_t appendCharacter(std::string& result, std::string_view text) {
 
 }  // namespace
 
+std::size_t lengthOfPlainText(std::string_view text) noexcept {
+  std::size_t end = 0;
+  while (end < text.size() && kindOf(text[end]) == Kind::kPlain) ++end;
+  return end;
+}
+
+void unescape(std::string& text) {
+  for (const char plain : std::string_view("&<>\"&")) replaceEntity(text, entityOf(plain), plain);
+}
+
 void appendEscaped(std::string& result, std::string_view text) {
   for (std::size_t at = 0; at < text.size();) {
-    std::size_t end = at;
-    while (end < text.size() && kindOf(text[end]) == Kind::kPlain) ++end;
-    result += text.substr(at, end - at);
-    at = end;
+    const std::size_t plain = lengthOfPlainText(text.substr(at));
+    result += text.substr(at, plain);
+    at += plain;
     if (at == text.size()) return;
     const Kind kind = kindOf(text[at]);
     if (kind == Kind::kBeyondASCII) {

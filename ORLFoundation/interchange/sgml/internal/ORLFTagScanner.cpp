@@ -11,21 +11,19 @@ namespace {
 
 using namespace internal::base;
 
-constexpr std::array<bool, 128> blanksOfASCII() {
-  std::array<bool, 128> blanks{};
-  for (const char c : std::string_view(" \t\n\v\f\r")) blanks[static_cast<unsigned char>(c)] = true;
-  return blanks;
-}
-constexpr std::array<bool, 128> kBlanks = blanksOfASCII();
+constexpr bool isBlankOfASCII(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 /// Whether > or white space may begin with a byte.
-bool mayEndName(char c) noexcept {
-  return c == '>' || !isASCII(c) || kBlanks[static_cast<unsigned char>(c)];
-}
+constexpr std::array<bool, 256> kMayEndName = [] {
+  std::array<bool, 256> ends{};
+  for (std::size_t byte = 0; byte < ends.size(); ++byte)
+    ends[byte] = byte >= 0x80 || byte == '>' || isBlankOfASCII(static_cast<char>(byte));
+  return ends;
+}();
 
 /// The length of the white space or line end at a place, 0 for anything else.
 std::size_t lengthOfBlank(std::string_view text, std::size_t at) {
-  if (isASCII(text[at])) return kBlanks[static_cast<unsigned char>(text[at])] ? 1 : 0;
+  if (isASCII(text[at])) return isBlankOfASCII(text[at]) ? 1 : 0;
   static const NSCharacterSet& blanks = *NSCharacterSet::whitespaceAndNewlineCharacterSet();
   const UTF8Character character = firstUTF8Character(text.substr(at));
   return blanks.longCharacterIsMember(character.codePoint) ? character.length : 0;
@@ -54,7 +52,7 @@ std::size_t endWithoutLineBreaks(std::string_view text) {
   return text.size();
 }
 
-void ORLFTagScanner::skipBlanks() {
+void ORLFTagScanner::passBlanks() {
   while (!isAtEnd()) {
     const std::size_t length = lengthOfBlank(text_, at_);
     if (length == 0) return;
@@ -65,7 +63,7 @@ void ORLFTagScanner::skipBlanks() {
 std::string_view ORLFTagScanner::scanUpToEndOfName() {
   std::size_t end = at_;
   for (; end < text_.size(); ++end) {
-    if (!mayEndName(text_[end])) continue;
+    if (!kMayEndName[static_cast<unsigned char>(text_[end])]) continue;
     if (text_[end] == '>' || lengthOfBlank(text_, end) != 0) break;
   }
   return take(end);

@@ -1,9 +1,13 @@
-/// A place in a text of tags.
+/// A place in a text of tags, and what is known of its tags.
 #pragma once
+
+#include <ORLFoundation/platform/base/ASCII.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <string_view>
+#include <unordered_map>
+#include <utility>
 
 namespace ORLFoundation::internal::sgml {
 
@@ -18,8 +22,16 @@ class ORLFTagScanner {
   explicit ORLFTagScanner(std::string_view text) : text_(text) {}
 
   [[nodiscard]] bool isAtEnd() const noexcept { return at_ == text_.size(); }
+  [[nodiscard]] std::size_t place() const noexcept { return at_; }
+  /// What has been passed since a place.
+  [[nodiscard]] std::string_view passedSince(std::size_t place) const noexcept {
+    return text_.substr(place, at_ - place);
+  }
   /// Passes over white space and line ends.
-  void skipBlanks();
+  void skipBlanks() {
+    const bool standsBeforeOther = !isAtEnd() && text_[at_] > ' ' && base::isASCII(text_[at_]);
+    if (!standsBeforeOther) passBlanks();
+  }
   /// Passes over a text that stands here.
   bool scan(std::string_view text) {
     const bool isHere = text_.substr(at_).starts_with(text);
@@ -31,22 +43,16 @@ class ORLFTagScanner {
     if (isHere) ++at_;
     return isHere;
   }
-  /// Passes over the end tag of a name, where that very tag stands here.
-  bool scanEndTag(std::string_view name) {
-    const std::string_view ahead = text_.substr(at_);
-    const std::size_t length = name.size() + 3;
-    if (!ahead.starts_with("</") || ahead.size() < length || ahead[length - 1] != '>' ||
-        ahead.substr(2, name.size()) != name)
-      return false;
-    at_ += length;
-    return true;
-  }
   /// What stands before the next such character, or before the end.
-  std::string_view scanUpTo(char c) { return take(std::min(text_.find(c, at_), text_.size())); }
+  std::string_view scanUpTo(char c) {
+    if (at_ < text_.size() && text_[at_] == c) return {};
+    return take(std::min(text_.find(c, at_), text_.size()));
+  }
   /// What stands before the next white space, line end or >, or before the end.
   std::string_view scanUpToEndOfName();
 
  private:
+  void passBlanks();
   std::string_view take(std::size_t end) {
     const std::string_view taken = text_.substr(at_, end - at_);
     at_ = end;
@@ -55,6 +61,42 @@ class ORLFTagScanner {
 
   std::string_view text_;
   std::size_t at_ = 0;
+};
+
+/// Something for each name of tags. Texts repeat their tags in the same order: the name that came
+/// next last time is tried before any other is looked for.
+template <class Value>
+class ORLFTagTable {
+ public:
+  /// What a name has, which stays where it is; nil for a name that was not added.
+  Value* find(std::string_view name) {
+    Entry* entry = last_ != nullptr ? last_->next : nullptr;
+    if (entry == nullptr || entry->name != name) {
+      const auto found = entries_.find(name);
+      if (found == entries_.end()) return nullptr;
+      entry = &found->second;
+      if (last_ != nullptr) last_->next = entry;
+    }
+    last_ = entry;
+    return &entry->value;
+  }
+  /// Adds a name that is not here, whose text must live on.
+  void add(std::string_view name, Value value) {
+    entries_.emplace(name, Entry{.name = name, .value = std::move(value)});
+  }
+  template <class Use>
+  void forEach(Use use) const {
+    for (const auto& [name, entry] : entries_) use(name, entry.value);
+  }
+
+ private:
+  struct Entry {
+    std::string_view name;
+    Value value;
+    Entry* next = nullptr;
+  };
+  std::unordered_map<std::string_view, Entry> entries_;
+  Entry* last_ = nullptr;
 };
 
 }  // namespace ORLFoundation::internal::sgml
