@@ -1,20 +1,14 @@
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLParserPropertyBuilder.h>
 
-#include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
-#include <ORLFoundation/platform/object/NSError.h>
-#include <ORLFoundation/platform/object/NSKeyTable.h>
 #include <ORLFoundation/platform/object/NSSet.h>
-#include <ORLFoundation/platform/value/NSData.h>
 #include <ORLFoundation/platform/value/NSException.h>
-#include <ORLFoundation/platform/xml/NSXMLParser.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLParserObjectBuilder.h>
-#include <ORLFoundation/xmlparsing/fragments/ORLFXMLParser.h>
+#include <ORLFoundation/xmlparsing/builders/ORLFXMLParserPropertyBuilder_testing.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -23,195 +17,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-
-/// A target with one number under a key, and a refusal of all others.
-class Strict : public NSObject {
- public:
-  [[nodiscard]] NSInteger limit() const { return limit_; }
-  void setLimit(NSInteger limit) { limit_ = limit; }
-  [[nodiscard]] std::vector<id> elements() const { return elements_; }
-  void addElement(const id& element) { elements_.push_back(element); }
-  [[nodiscard]] const id& lastElement() const { return elements_.back(); }
-  [[nodiscard]] const NSKeyTable& keyTable() const override {
-    static const NSKeyTable table(
-        NSObject::keyTable(),
-        {NSKey::readWrite<&Strict::limit, &Strict::setLimit>("limit"),
-         NSKey::readWrite<&Strict::lastElement, &Strict::addElement>("element")});
-    return table;
-  }
-
- private:
-  NSInteger limit_ = 0;
-  std::vector<id> elements_;
-};
-
-/// A vocabulary of one's own: a word of each family, and one that means another thing here.
-class WiderBuilder : public ORLFXMLParserPropertyBuilder {
- public:
-  [[nodiscard]] id makeTwiceTypeWithValue(const std::optional<std::string>& value) {
-    return value ? id(*value + *value) : id();
-  }
-  [[nodiscard]] const ORLFXMLPropertyVocabulary& vocabulary() const override {
-    static const auto words = ORLFXMLParserPropertyBuilder::vocabulary().extendedBy(
-        {.basicTypes = {{"Twice", ORLFXMLCall<&WiderBuilder::makeTwiceTypeWithValue>()},
-                        {"Null", [](Builder&, const auto&) { return id(NSNull()); }},
-                        {"Int", [](Builder&, const auto&) { return id("another"); }}},
-         .collections = {{"Stack", [](Builder& b) { return b.makeCollectionOfType("array"); }}},
-         .texts = {{"Note", [](Builder&) { return id("a note"); }}},
-         .objects = {{"Strict", [](Builder&) { return id(std::make_shared<Strict>()); }}},
-         .elementAdders = {{"Stack", [](Builder&, const id& element, const id& collection) {
-                              collection.as<NSMutableArray>()->insertObject(element, 0);
-                            }}}});
-    return words;
-  }
-  using Builder = ORLFXMLParserPropertyBuilder;
-};
-
-class Object : public ORLFXMLParserObjectBuilder {
- public:
-  id made = std::make_shared<NSMutableDictionary>();
-  bool isAccepted = true;
-  std::vector<std::string> finalized;
-  id makeBuiltObjectForElement(std::string_view, const std::shared_ptr<NSDictionary>&) override {
-    return made;
-  }
-  bool finalizeBuiltObject(const id& object, std::string_view forElement) override {
-    EXPECT_TRUE(object.isIdenticalTo(made));
-    finalized.emplace_back(forElement);
-    return isAccepted;
-  }
-};
-
-class Parser : public ORLFXMLParser {
- public:
-  const std::shared_ptr<Object> object = std::make_shared<Object>();
-  std::function<Handler()> makeProperty = [] {
-    return std::make_shared<ORLFXMLParserPropertyBuilder>();
-  };
-  Handler fragmentHandlerForElementName(std::string_view name) override {
-    if (name == "o") return object;
-    if (name == "p") return makeProperty();
-    return nullptr;
-  }
-};
-
-class Properties : public testing::Test {
- protected:
-  const std::shared_ptr<Parser> parser_ = std::make_shared<Parser>();
-  std::shared_ptr<const NSError> error_;
-  LogCapture log_;
-
-  void useWiderBuilder() {
-    parser_->makeProperty = [] { return std::make_shared<WiderBuilder>(); };
-  }
-  bool parse(std::string_view inside) {
-    error_ = nullptr;
-    const std::string text = "<o>" + std::string(inside) + "</o>";
-    return parser_->parseData(NSData(std::string_view(text)), &error_);
-  }
-  [[nodiscard]] id built(std::string_view key) const {
-    return parser_->object->made.valueForKey(key);
-  }
-  /// Code 86 of the domain, without user information.
-  [[nodiscard]] bool isRefused() const {
-    return error_ && error_->domain() == NSXMLParserErrorDomain && error_->code() == 86 &&
-           error_->userInfo()->count() == 0;
-  }
-};
-
-TEST_F(Properties, TypesAreMadeByName) {
-  struct Row {
-    std::string_view attributes;
-    id value;
-  };
-  const Row rows[] = {
-      {"type='integer' value='3'", 3},
-      {"integer='3'", 3},
-      {"type='int' value='-4x'", -4},
-      {"Integer='12abc'", 12},
-      {"integer='abc'", 0},
-      {"string='a b'", "a b"},
-      {"string=''", ""},
-      {"type='string' value='v' text='x'", "v"},
-      {"bool='yes'", true},
-      {"bool='No'", false},
-      {"type='bool' value='NO' object='x' collection='array'", false},
-  };
-  for (const Row& row : rows) {
-    EXPECT_TRUE(parse("<p key='k' " + std::string(row.attributes) + "/>")) << row.attributes;
-    EXPECT_EQ(built("k"), row.value) << row.attributes;
-  }
-}
-
-const std::string_view kUnmade[] = {
-    "key='k' type='bogus' value='1'",
-    "key='k' x='1' y='2'",
-    "key='k'",
-    "key='k' bool='maybe'",
-    "integer='1'",
-    "",
-    "key='k' INTEGER='1'",
-    "key='k' collection='ARRAY'",
-    "key='k' text='any'",
-    "key='k' object='any'",
-    "key='k' type='integer'",
-    "key='k' type='string'",
-    "key='k' type='bogus' collection='array'",
-    "key='k' value='1' other='2'",
-};
-
-TEST_F(Properties, OfWhichNothingIsMadeAreRefused) {
-  for (const std::string_view attributes : kUnmade) {
-    EXPECT_FALSE(parse("<p " + std::string(attributes) + "/>")) << attributes;
-    EXPECT_TRUE(isRefused()) << attributes;
-    while (parser_->popFragmentHandler()) {
-    }
-  }
-}
-
-TEST_F(Properties, OfWhichNothingIsMadeAreDroppedUnderOtherBehaviors) {
-  for (const std::int32_t behavior : {1, 2, 9}) {
-    parser_->setUnhandledElementBehavior(behavior);
-    for (const std::string_view attributes : kUnmade) {
-      EXPECT_TRUE(parse("<p " + std::string(attributes) + "/>")) << attributes;
-      EXPECT_EQ(parser_->object->made.as<NSDictionary>()->count(), 0U) << attributes;
-    }
-  }
-  EXPECT_TRUE(log_.lines().empty());
-}
-
-TEST_F(Properties, ATypeWithoutANameRaises) {
-  for (const std::string_view attribute : {"type", "collection", "text", "object"}) {
-    EXPECT_THROW(parse("<p key='k' " + std::string(attribute) + "=''/>"), NSException) << attribute;
-    while (parser_->popFragmentHandler()) {
-    }
-  }
-  ORLFXMLParserPropertyBuilder builder;
-  try {
-    static_cast<void>(builder.convertToCamelCase(""));
-    FAIL();
-  } catch (const NSException& raised) {
-    EXPECT_EQ(raised.name(), NSRangeException);
-  }
-}
-
-TEST_F(Properties, NamesOfTypesGetACapital) {
-  struct Row {
-    std::string_view name;
-    std::string_view camel;
-  };
-  const Row rows[] = {{"integer", "Integer"},
-                      {"integerX", "IntegerX"},
-                      {"ARRAY", "ARRAY"},
-                      {"a", "A"},
-                      {"\u00E9t\u00E9", "\u00C9t\u00E9"},
-                      {"\u00DFx", "Ssx"},
-                      {"1x", "1x"},
-                      {"\U00010428x", "\U00010428x"},
-                      {"a b", "A b"}};
-  const ORLFXMLParserPropertyBuilder builder;
-  for (const Row& row : rows) EXPECT_EQ(builder.convertToCamelCase(row.name), row.camel);
-}
 
 TEST_F(Properties, CollectionsAreFilledByTheirElements) {
   EXPECT_TRUE(
@@ -269,7 +74,7 @@ TEST_F(Properties, KeysOfTheObjectBuilderComeBeforeThoseOfItsObject) {
 }
 
 TEST_F(Properties, AnUnknownKeyOfAStrictTargetIsRefused) {
-  const auto strict = std::make_shared<Strict>();
+  const auto strict = std::make_shared<StrictTarget>();
   parser_->object->made = strict;
   EXPECT_TRUE(parse("<p key='limit' integer='3'/>"));
   EXPECT_EQ(strict->limit(), 3);
@@ -280,56 +85,6 @@ TEST_F(Properties, AnUnknownKeyOfAStrictTargetIsRefused) {
   }
   EXPECT_FALSE(parse("<p key='limit' string='x'/>")) << "a value of another kind";
   EXPECT_TRUE(isRefused());
-}
-
-TEST_F(Properties, AVocabularyIsWidened) {
-  useWiderBuilder();
-  EXPECT_TRUE(
-      parse("<p key='a' twice='ab'/><p key='b' int='1'/><p key='c' integer='1'/>"
-            "<p key='d' text='note'/><p key='e' object='strict'><p key='limit' integer='5'/>"
-            "<p key='element' string='x'/></p>"
-            "<p key='f' collection='stack'><p key='element' string='1'/>"
-            "<p key='element' string='2'/></p>"));
-  EXPECT_EQ(built("a"), id("abab"));
-  EXPECT_EQ(built("b"), id("another"));
-  EXPECT_EQ(built("c"), id(1));
-  EXPECT_EQ(built("d"), id("a note"));
-  EXPECT_EQ(built("e").valueForKey("limit"), id(5));
-  EXPECT_EQ(built("e").as<Strict>()->elements(), std::vector<id>{"x"});
-  EXPECT_EQ(built("f"), id(NSArray::arrayWithObjects({"2", "1"})));
-}
-
-TEST_F(Properties, NullDeclaresAValueThatStaysNil) {
-  useWiderBuilder();
-  EXPECT_TRUE(parse("<p key='a' string='x'/><p key='a' null='1'/>"));
-  EXPECT_TRUE(built("a").isNil()) << "nil took the entry away";
-  EXPECT_FALSE(parse("<p key='l' collection='array'><p key='element' null='1'/></p>"))
-      << "a list takes no nil";
-  EXPECT_TRUE(isRefused());
-}
-
-TEST_F(Properties, KnowWhatTheyDeclared) {
-  class Watching : public WiderBuilder {
-   public:
-    std::vector<std::string>* seen = nullptr;
-    Error endElement(std::string_view name) override {
-      seen->push_back(std::to_string(kind()) + " " + type().value_or("nil") + " " +
-                      key().value_or("nil") + " " + value().description());
-      return WiderBuilder::endElement(name);
-    }
-  };
-  std::vector<std::string> seen;
-  parser_->makeProperty = [&] {
-    const auto builder = std::make_shared<Watching>();
-    builder->seen = &seen;
-    return builder;
-  };
-  parser_->setUnhandledElementBehavior(1);
-  EXPECT_TRUE(
-      parse("<p key='a' type='string' value='v'/><p key='b' string='w'/>"
-            "<p key='c' text='note'/><p key='d' Null='1'/><p key='e'/>"));
-  EXPECT_THAT(seen, ElementsAre("1 string a v", "1 string b w", "3 note c a note",
-                                "1 Null d (null)", "0 nil nil (null)"));
 }
 
 TEST_F(Properties, AreSetEvenWhenTheContentIsRefused) {

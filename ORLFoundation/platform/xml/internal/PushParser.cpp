@@ -2,6 +2,8 @@
 
 #include <ORLFoundation/platform/xml/NSXMLParser.h>
 #include <ORLFoundation/platform/xml/internal/AttributeDictionary.h>
+#include <ORLFoundation/platform/xml/internal/LineEndKeeper.h>
+#include <ORLFoundation/platform/xml/internal/QuietThread.h>
 #include <libxml/SAX2.h>
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
@@ -22,8 +24,6 @@ namespace {
 constexpr std::string_view kBlanks = " \t\r\n";
 /// What libxml2 is given at a time: an abort is heeded after so much at most.
 constexpr std::size_t kPiece = 65'536;
-/// Both halves of a line end in the widest encoding.
-constexpr std::size_t kLongestLineEnd = 8;
 /// What a reference costs beside the text that takes its place, so that empty entities end too.
 constexpr NSUInteger kReferenceCost = 16;
 
@@ -40,35 +40,6 @@ struct FreeContext {
     context->myDoc = nullptr;
     xmlFreeParserCtxt(context);
   }
-};
-
-// NOLINTNEXTLINE(cert-dcl50-cpp): the type is libxml2's.
-void passOver(void* /*data*/, const char* /*format*/, ...) {}
-
-/// libxml2 tells faults of conversion to a function of the thread, not to the parser, and would
-/// print them.
-class QuietThread {
- public:
-  QuietThread()
-      : generic_(xmlGenericError),
-        genericData_(xmlGenericErrorContext),
-        structured_(xmlStructuredError),
-        structuredData_(xmlStructuredErrorContext) {
-    xmlSetGenericErrorFunc(nullptr, passOver);
-    xmlSetStructuredErrorFunc(nullptr, [](void*, xmlErrorPtr) {});
-  }
-  ~QuietThread() {
-    xmlSetGenericErrorFunc(genericData_, generic_);
-    xmlSetStructuredErrorFunc(structuredData_, structured_);
-  }
-  QuietThread(const QuietThread&) = delete;
-  QuietThread& operator=(const QuietThread&) = delete;
-
- private:
-  xmlGenericErrorFunc generic_;
-  void* genericData_;
-  xmlStructuredErrorFunc structured_;
-  void* structuredData_;
 };
 
 const std::shared_ptr<NSDictionary>& noAttributes() {
@@ -99,7 +70,7 @@ class PushParser::Session {
     if (isBehindDocument_ && !std::ranges::all_of(bytes, isZero)) stopBehindDocument();
     while (!bytes.empty() && !isOver_) {
       const auto piece = bytes.first(std::min(bytes.size(), kPiece));
-      feedButLineEnd(piece);
+      feed(lineEnds_.completed(piece), false);
       bytes = bytes.subspan(piece.size());
       const auto waiting = context_->input->end - context_->input->cur;
       if (!isOver_ && static_cast<NSUInteger>(waiting) > limits_.textLength)
@@ -109,7 +80,7 @@ class PushParser::Session {
   }
 
   bool finish() {
-    if (!isOver_) feed(std::exchange(lineEnd_, {}), false);
+    if (!isOver_) feed(lineEnds_.kept(), false);
     if (!isOver_) feed({}, true);
     return !fault_;
   }
@@ -155,30 +126,6 @@ class PushParser::Session {
       session.thrown_ = std::current_exception();
       session.end();
     }
-  }
-
-  /// Keeps what may be half of a line end for the next piece: libxml2 would take a carriage return
-  /// that ends a piece in UTF-16 for a line end of its own.
-  void feedButLineEnd(std::span<const std::uint8_t> piece) {
-    std::vector<std::uint8_t> joined;
-    if (!lineEnd_.empty()) {
-      joined = std::exchange(lineEnd_, {});
-      joined.insert(joined.end(), piece.begin(), piece.end());
-      piece = joined;
-    }
-    const std::size_t kept = lengthOfLineEnd(piece);
-    lineEnd_.assign(piece.end() - static_cast<std::ptrdiff_t>(kept), piece.end());
-    feed(piece.first(piece.size() - kept), false);
-  }
-  /// How many of the last bytes are a carriage return with zeros and line feeds alone behind it.
-  static std::size_t lengthOfLineEnd(std::span<const std::uint8_t> bytes) noexcept {
-    const std::size_t most = std::min(bytes.size(), kLongestLineEnd);
-    for (std::size_t length = 1; length <= most; ++length) {
-      const std::uint8_t byte = bytes[bytes.size() - length];
-      if (byte == '\r') return length;
-      if (byte != 0 && byte != '\n') break;
-    }
-    return 0;
   }
 
   void feed(std::span<const std::uint8_t> bytes, bool isLast) {
@@ -359,7 +306,7 @@ class PushParser::Session {
   bool isBehindDocument_ = false;  // zeros have come, and may go on
   NSInteger line_ = 0;             // where it was over
   NSInteger column_ = 0;
-  std::vector<std::uint8_t> lineEnd_;  // the bytes that wait for the next piece
+  LineEndKeeper lineEnds_;
   std::optional<Fault> fault_;
   std::exception_ptr thrown_;
 
