@@ -21,11 +21,11 @@ namespace {
 
 using orlftest::PinnedWorld;
 
-NSDate at(const char* text) { return *orlftest::dateFromVector(text); }
+NSDate dateAt(const char* text) { return *orlftest::dateFromVector(text); }
 
 class DateFields : public testing::Test {
  protected:
-  PinnedWorld world_{"en_US", "UTC", at("2021-02-10T12:00:00Z")};
+  PinnedWorld world_{"en_US", "UTC", dateAt("2021-02-10T12:00:00Z")};
   std::shared_ptr<ORLFDateFormatter> formatter_ = std::make_shared<ORLFDateFormatter>();
 };
 
@@ -47,11 +47,11 @@ TEST_F(DateFields, BeginInTheShortStyle) {
 }
 
 TEST_F(DateFields, TakeTheClassesMinimumWhenTheyAreMade) {
-  ORLFDateFormatter::setDefaultMinimunDate(at("2000-01-01T00:00:00Z"));
-  EXPECT_EQ(ORLFDateFormatter::defaultMinimunDate(), at("2000-01-01T00:00:00Z"));
+  ORLFDateFormatter::setDefaultMinimunDate(dateAt("2000-01-01T00:00:00Z"));
+  EXPECT_EQ(ORLFDateFormatter::defaultMinimunDate(), dateAt("2000-01-01T00:00:00Z"));
   const ORLFDateFormatter fresh;
   ORLFDateFormatter::setDefaultMinimunDate(std::nullopt);
-  EXPECT_EQ(fresh.minimunDate(), at("2000-01-01T00:00:00Z"));
+  EXPECT_EQ(fresh.minimunDate(), dateAt("2000-01-01T00:00:00Z"));
   EXPECT_FALSE(formatter_->minimunDate());
 }
 
@@ -91,7 +91,7 @@ TEST_F(DateFields, LookAtNoShortFormatWithoutADateStyle) {
 }
 
 TEST_F(DateFields, PrintWidePartsAndKeepTheirFormat) {
-  const NSDate date = at("2024-03-05T00:00:00Z");
+  const NSDate date = dateAt("2024-03-05T00:00:00Z");
   formatter_->setForceWideMonth(true);
   EXPECT_EQ(formatter_->stringFromDate(date), "03/5/24");
   EXPECT_EQ(formatter_->dateFormat(), "M/d/yy");
@@ -104,7 +104,9 @@ TEST_F(DateFields, PrintWidePartsAndKeepTheirFormat) {
 }
 
 TEST_F(DateFields, PrintTheYearWideOutsideItsHundredYears) {
-  const auto printed = [this](const char* date) { return formatter_->stringFromDate(at(date)); };
+  const auto printed = [this](const char* date) {
+    return formatter_->stringFromDate(dateAt(date));
+  };
   EXPECT_EQ(printed("1949-12-31T23:59:59Z"), "12/31/1949");
   EXPECT_EQ(printed("1950-01-01T00:00:00Z"), "1/1/50");
   EXPECT_EQ(printed("2049-12-31T23:59:59Z"), "12/31/49");
@@ -112,7 +114,7 @@ TEST_F(DateFields, PrintTheYearWideOutsideItsHundredYears) {
   formatter_->setTwoDigitStartDate(std::nullopt);
   EXPECT_EQ(printed("2050-01-01T00:00:00Z"), "1/1/50");
   // A hundred years after 29 February of 2000 is 28 February.
-  formatter_->setTwoDigitStartDate(at("2000-02-29T00:00:00Z"));
+  formatter_->setTwoDigitStartDate(dateAt("2000-02-29T00:00:00Z"));
   EXPECT_EQ(printed("2100-02-27T00:00:00Z"), "2/27/00");
   EXPECT_EQ(printed("2100-02-28T00:00:00Z"), "2/28/2100");
 }
@@ -125,12 +127,12 @@ TEST_F(DateFields, LeaveToTheBaseClassWhatIsNotWidened) {
   EXPECT_FALSE(formatter_->stringForObjectValue(
       NSDate::dateWithTimeIntervalSince1970(std::numeric_limits<double>::infinity())));
   formatter_->setDoesRelativeDateFormatting(true);
-  EXPECT_EQ(formatter_->stringFromDate(at("2024-03-05T00:00:00Z")), "3/5/24");
-  EXPECT_EQ(formatter_->stringFromDate(at("2021-02-10T00:00:00Z")), "Today");
+  EXPECT_EQ(formatter_->stringFromDate(dateAt("2024-03-05T00:00:00Z")), "3/5/24");
+  EXPECT_EQ(formatter_->stringFromDate(dateAt("2021-02-10T00:00:00Z")), "Today");
   formatter_->setDoesRelativeDateFormatting(false);
   formatter_->setDateStyle(NSDateFormatterNoStyle);
   formatter_->setDateFormat("M/d/yy");
-  EXPECT_EQ(formatter_->stringFromDate(at("2024-03-05T00:00:00Z")), "3/5/24");
+  EXPECT_EQ(formatter_->stringFromDate(dateAt("2024-03-05T00:00:00Z")), "3/5/24");
 }
 
 TEST_F(DateFields, ReadTheTestingDefaultOnce) {
@@ -145,7 +147,7 @@ TEST_F(DateFields, AreCopiedAndUnderstandTheShortFormatAnew) {
   formatter_->setForceWideYear(true);
   formatter_->setForceWideMonth(true);
   formatter_->setForceWideDay(true);
-  formatter_->setMinimunDate(at("2000-01-01T00:00:00Z"));
+  formatter_->setMinimunDate(dateAt("2000-01-01T00:00:00Z"));
   formatter_->setDateFormat("d M y");
   NSLocale::setCurrentLocale(std::make_shared<NSLocale>("de_DE"));
   const auto copy = copyOf(formatter_);
@@ -155,7 +157,7 @@ TEST_F(DateFields, AreCopiedAndUnderstandTheShortFormatAnew) {
   EXPECT_TRUE(copy->forceWideYear());
   EXPECT_TRUE(copy->forceWideMonth());
   EXPECT_TRUE(copy->forceWideDay());
-  EXPECT_EQ(copy->minimunDate(), at("2000-01-01T00:00:00Z"));
+  EXPECT_EQ(copy->minimunDate(), dateAt("2000-01-01T00:00:00Z"));
   EXPECT_EQ(copy->dateFormat(), "d M y");
   EXPECT_EQ(copy->locale()->localeIdentifier(), "en_US");
   EXPECT_FALSE(copy->monthFirst());
@@ -181,24 +183,24 @@ std::shared_ptr<Class> archived(const std::shared_ptr<ORLFDateFormatter>& format
 TEST_F(DateFields, AreArchivedWithoutFormatAndFields) {
   formatter_->setLocale(std::make_shared<NSLocale>("de_DE"));
   formatter_->setTimeZone(NSTimeZone::timeZoneWithName("Asia/Tokyo"));
-  formatter_->setTwoDigitStartDate(at("2000-01-01T00:00:00Z"));
+  formatter_->setTwoDigitStartDate(dateAt("2000-01-01T00:00:00Z"));
   formatter_->setTimeStyle(NSDateFormatterMediumStyle);
   formatter_->setDateFormat("yyyy");
   formatter_->setAllowNilDates(true);
   formatter_->setForceWideYear(true);
   formatter_->setForceWideMonth(true);
   formatter_->setForceWideDay(true);
-  formatter_->setMinimunDate(at("1990-01-01T00:00:00Z"));
-  ORLFDateFormatter::setDefaultMinimunDate(at("2000-01-01T00:00:00Z"));
+  formatter_->setMinimunDate(dateAt("1990-01-01T00:00:00Z"));
+  ORLFDateFormatter::setDefaultMinimunDate(dateAt("2000-01-01T00:00:00Z"));
   const auto read = archived<ORLFDateFormatter>(formatter_);
   ORLFDateFormatter::setDefaultMinimunDate(std::nullopt);
   ASSERT_TRUE(read);
-  EXPECT_EQ(read->minimunDate(), at("2000-01-01T00:00:00Z"));
+  EXPECT_EQ(read->minimunDate(), dateAt("2000-01-01T00:00:00Z"));
   EXPECT_EQ(read->dateStyle(), NSDateFormatterShortStyle);
   EXPECT_EQ(read->timeStyle(), NSDateFormatterMediumStyle);
   EXPECT_EQ(read->dateFormat(), "dd.MM.yy, HH:mm:ss");
   EXPECT_EQ(read->timeZone()->name(), "Asia/Tokyo");
-  EXPECT_EQ(read->twoDigitStartDate(), at("2000-01-01T00:00:00Z"));
+  EXPECT_EQ(read->twoDigitStartDate(), dateAt("2000-01-01T00:00:00Z"));
   EXPECT_FALSE(read->allowNilDates());
   EXPECT_FALSE(read->forceWideYear());
   EXPECT_FALSE(read->forceWideMonth());
@@ -222,8 +224,8 @@ TEST_F(DateFields, HaveKeysAndObservers) {
     formatter_->setValueForKey(true, key);
     EXPECT_EQ(formatter_->valueForKey(key), id(true)) << key;
   }
-  formatter_->setValueForKey(at("2000-01-01T00:00:00Z"), "minimunDate");
-  EXPECT_EQ(formatter_->minimunDate(), at("2000-01-01T00:00:00Z"));
+  formatter_->setValueForKey(dateAt("2000-01-01T00:00:00Z"), "minimunDate");
+  EXPECT_EQ(formatter_->minimunDate(), dateAt("2000-01-01T00:00:00Z"));
   EXPECT_EQ(formatter_->valueForKey("recognized"), id(true));
   EXPECT_EQ(formatter_->valueForKey("monthFirst"), id(true));
 }
@@ -236,11 +238,11 @@ TEST_F(DateFields, KnowTheDaysOfAMonth) {
 
 // What one of the threads does to the one formatter; every answer is one of a whole setting.
 void useFormatter(ORLFDateFormatter& formatter, int turn, std::atomic<int>& faults) {
-  const NSDate date = at("2024-03-05T00:00:00Z");
+  const NSDate date = dateAt("2024-03-05T00:00:00Z");
   const auto expect = [&faults](bool holds) { faults += holds ? 0 : 1; };
   switch (turn % 8) {
     case 0:
-      expect(formatter.dateFromString("13/2/2021") == at("2021-02-13T00:00:00Z"));
+      expect(formatter.dateFromString("13/2/2021") == dateAt("2021-02-13T00:00:00Z"));
       break;
     case 1: {
       const std::string text = formatter.stringFromDate(date);
@@ -266,7 +268,7 @@ void useFormatter(ORLFDateFormatter& formatter, int turn, std::atomic<int>& faul
       formatter.setDateStyle(NSDateFormatterLongStyle);
       break;
     default:
-      formatter.setMinimunDate(at("2000-01-01T00:00:00Z"));
+      formatter.setMinimunDate(dateAt("2000-01-01T00:00:00Z"));
       expect(formatter.recognized() && formatter.monthFirst());
   }
 }
@@ -274,7 +276,7 @@ void useFormatter(ORLFDateFormatter& formatter, int turn, std::atomic<int>& faul
 TEST_F(DateFields, AreUsedByEightThreadsAtOnce) {
   formatter_->setForceWideYear(true);
   formatter_->setForceWideMonth(true);
-  formatter_->setMinimunDate(at("2000-01-01T00:00:00Z"));
+  formatter_->setMinimunDate(dateAt("2000-01-01T00:00:00Z"));
   std::atomic<int> faults = 0;
   constexpr int kThreads = 8;
   std::vector<std::thread> threads;

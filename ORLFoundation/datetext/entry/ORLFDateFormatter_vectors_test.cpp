@@ -34,7 +34,7 @@ std::string text(std::optional<NSDate> date) {
   return date ? orlftest::vectorFromDate(*date) : "nil";
 }
 
-std::optional<std::string> textUnder(const NSError& error, std::string_view key) {
+std::optional<std::string> textIfUnder(const NSError& error, std::string_view key) {
   return error.userInfo()->objectForKey(key).as<std::string>();
 }
 
@@ -53,12 +53,12 @@ std::string differencesOfError(const TsvRow& row, const std::shared_ptr<const NS
       {{"domain", orlftest::disagreement(std::string(NSCocoaErrorDomain), error->domain())},
        {"code", orlftest::disagreement(row.integer("code"), error->code())},
        {"description",
-        orlftest::disagreement(row["description"], textUnder(*error, NSLocalizedDescriptionKey))},
+        orlftest::disagreement(row["description"], textIfUnder(*error, NSLocalizedDescriptionKey))},
        {"suggestion",
         orlftest::disagreement(row["suggestion"],
-                               textUnder(*error, NSLocalizedRecoverySuggestionErrorKey))},
+                               textIfUnder(*error, NSLocalizedRecoverySuggestionErrorKey))},
        {"reason", orlftest::disagreement(row["reason"],
-                                         textUnder(*error, NSLocalizedFailureReasonErrorKey))}});
+                                         textIfUnder(*error, NSLocalizedFailureReasonErrorKey))}});
 }
 
 // What a range over all of the text, or the row's, becomes.

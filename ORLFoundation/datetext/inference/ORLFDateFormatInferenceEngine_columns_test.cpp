@@ -40,7 +40,7 @@ std::vector<Column> readColumns() {
 
 bool isNumeric(const Column& column) { return column.order != "text" && column.order != "packed"; }
 
-const std::map<std::string, NSInteger> kFormats{{"dmy", 1}, {"mdy", 2}, {"ymd", 3}};
+const std::map<std::string, NSInteger> kFormatsOfNames{{"dmy", 1}, {"mdy", 2}, {"ymd", 3}};
 
 TEST(ORLFDateFormatInferenceEngine, FindsTheOrderOfRealColumns) {
   const std::vector<Column> columns = readColumns();
@@ -48,7 +48,7 @@ TEST(ORLFDateFormatInferenceEngine, FindsTheOrderOfRealColumns) {
   for (const Column& column : columns) {
     if (!isNumeric(column)) continue;
     SCOPED_TRACE(column.source);
-    const NSInteger known = kFormats.at(column.order.substr(0, 3));
+    const NSInteger known = kFormatsOfNames.at(column.order.substr(0, 3));
     ORLFDateFormatInferenceEngine engine;
     engine.setCurrentYear(2026);
     for (const std::string& date : column.dates)

@@ -8,7 +8,7 @@ namespace {
 
 constexpr NSInteger kMostFractionDigits = 3;
 
-const NSKnownCodingClass<ORLFPercentNumberFormatter> kFormattersAreKnown;
+const NSKnownCodingClass<ORLFPercentNumberFormatter> kPercentFormattersAreKnown;
 
 }  // namespace
 

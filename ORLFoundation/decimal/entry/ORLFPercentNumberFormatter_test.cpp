@@ -13,14 +13,14 @@
 namespace ORLFoundation {
 namespace {
 
-std::shared_ptr<ORLFPercentNumberFormatter> americanFormatter() {
+std::shared_ptr<ORLFPercentNumberFormatter> americanPercentFormatter() {
   auto formatter = std::make_shared<ORLFPercentNumberFormatter>();
   formatter->setLocale(std::make_shared<NSLocale>("en_US"));
   return formatter;
 }
 
 TEST(ORLFPercentNumberFormatter, BeginsWithPercentsOfThreePlaces) {
-  const auto formatter = americanFormatter();
+  const auto formatter = americanPercentFormatter();
   EXPECT_EQ(formatter->numberStyle(), NSNumberFormatterPercentStyle);
   EXPECT_EQ(formatter->maximumFractionDigits(), 3);
   EXPECT_FALSE(formatter->isLenient());
@@ -28,7 +28,7 @@ TEST(ORLFPercentNumberFormatter, BeginsWithPercentsOfThreePlaces) {
 }
 
 TEST(ORLFPercentNumberFormatter, TakesABareNumberForAPercentage) {
-  const auto formatter = americanFormatter();
+  const auto formatter = americanPercentFormatter();
   for (const char* text : {"5", "5%"}) EXPECT_EQ(formatter->numberFromString(text), NSNumber(0.05));
   std::optional<NSNumber> value;
   EXPECT_TRUE(formatter->getObjectValue(&value, "5"));
@@ -43,7 +43,7 @@ TEST(ORLFPercentNumberFormatter, TakesABareNumberForAPercentage) {
 }
 
 TEST(ORLFPercentNumberFormatter, TellsARangeOneLonger) {
-  const auto formatter = americanFormatter();
+  const auto formatter = americanPercentFormatter();
   NSRange range{1, 2};
   std::optional<NSNumber> value;
   EXPECT_TRUE(formatter->getObjectValue(&value, "x12", &range));
@@ -55,7 +55,7 @@ TEST(ORLFPercentNumberFormatter, TellsARangeOneLonger) {
 }
 
 TEST(ORLFPercentNumberFormatter, ALocaleWithABlankBeforeTheSignReadsNoBareNumber) {
-  const auto formatter = americanFormatter();
+  const auto formatter = americanPercentFormatter();
   formatter->setLocale(std::make_shared<NSLocale>("de_DE"));
   EXPECT_EQ(formatter->numberFromString("5"), std::nullopt);
   EXPECT_EQ(formatter->numberFromString("5\u00A0%"), NSNumber(0.05));
@@ -64,7 +64,7 @@ TEST(ORLFPercentNumberFormatter, ALocaleWithABlankBeforeTheSignReadsNoBareNumber
 TEST(ORLFPercentNumberFormatter, AwakesWithTheSeparatorsOfTheCurrentLocale) {
   const Replaced current(NSLocale::setCurrentLocale, std::make_shared<NSLocale>("de_DE"));
   for (const bool localizes : {false, true}) {
-    const auto formatter = americanFormatter();
+    const auto formatter = americanPercentFormatter();
     formatter->setLocalizesFormat(localizes);
     formatter->awakeFromNib();
     EXPECT_EQ(formatter->decimalSeparator(), localizes ? "," : ".");
@@ -73,7 +73,7 @@ TEST(ORLFPercentNumberFormatter, AwakesWithTheSeparatorsOfTheCurrentLocale) {
 }
 
 TEST(ORLFPercentNumberFormatter, CopiesAndArchivesKeepItsClassAndSettings) {
-  const auto formatter = americanFormatter();
+  const auto formatter = americanPercentFormatter();
   formatter->setMaximumFractionDigits(1);
   const auto copy = copyOf(formatter);
   EXPECT_EQ(copy->className(), "ORLFPercentNumberFormatter");

@@ -12,7 +12,7 @@ namespace {
 
 using orlftest::WrittenQIF;
 
-const NSDate kDay = orlftest::date("2024-03-05T00:00:00Z");
+const NSDate kEncodedDay = orlftest::date("2024-03-05T00:00:00Z");
 
 struct EncodingRow {
   std::string_view name;
@@ -46,7 +46,7 @@ std::string recordOf(const std::string& memo) { return "D3/5/24\nT1.00\nM" + mem
 
 bool write(WrittenQIF& qif, const std::string& memo, NSErrorSlot error = nullptr) {
   return qif.writer.writeRawNonInvestmentTransactionAmount(
-      {.amount = 1, .date = kDay, .memo = memo}, error);
+      {.amount = 1, .date = kEncodedDay, .memo = memo}, error);
 }
 
 TEST(ORLFQIFDataWriterEncoding, WritesNoByteOfARecordWithACharacterThatItLacks) {

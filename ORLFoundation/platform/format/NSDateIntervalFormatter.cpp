@@ -36,15 +36,15 @@ std::shared_ptr<NSCalendar> calendarOf(const std::string& locale,
 }
 
 // Part of stored archives: they never change.
-constexpr std::string_view kDateStyleKey = "dateStyle";
-constexpr std::string_view kTimeStyleKey = "timeStyle";
-constexpr std::string_view kTemplateKey = "dateTemplate";
-constexpr std::string_view kLocaleKey = "locale";
-constexpr std::string_view kTimeZoneKey = "timeZone";
-constexpr std::string_view kCalendarKey = "calendar";
-constexpr std::string_view kCalendarZoneKey = "calendarTimeZone";
-constexpr std::string_view kFirstWeekdayKey = "firstWeekday";
-constexpr std::string_view kMinimumDaysKey = "minimumDaysInFirstWeek";
+constexpr std::string_view kIntervalDateStyleKey = "dateStyle";
+constexpr std::string_view kIntervalTimeStyleKey = "timeStyle";
+constexpr std::string_view kIntervalTemplateKey = "dateTemplate";
+constexpr std::string_view kIntervalLocaleKey = "locale";
+constexpr std::string_view kIntervalTimeZoneKey = "timeZone";
+constexpr std::string_view kIntervalCalendarKey = "calendar";
+constexpr std::string_view kIntervalCalendarZoneKey = "calendarTimeZone";
+constexpr std::string_view kIntervalFirstWeekdayKey = "firstWeekday";
+constexpr std::string_view kIntervalMinimumDaysKey = "minimumDaysInFirstWeek";
 
 }  // namespace
 
@@ -217,16 +217,16 @@ const NSCodingClass& NSDateIntervalFormatter::codingClass() {
 void NSDateIntervalFormatter::encodeWithCoder(NSCoder& coder) const {
   const std::lock_guard guard(lock_);
   const NSDateIntervalFormatterState::Settings& settings = state_->settings;
-  coder.encodeInteger(static_cast<NSInteger>(settings.dateStyle), kDateStyleKey);
-  coder.encodeInteger(static_cast<NSInteger>(settings.timeStyle), kTimeStyleKey);
-  coder.encodeObject(settings.letters, kTemplateKey);
-  coder.encodeObject(settings.locale->localeIdentifier(), kLocaleKey);
-  coder.encodeObject(settings.zone->name(), kTimeZoneKey);
+  coder.encodeInteger(static_cast<NSInteger>(settings.dateStyle), kIntervalDateStyleKey);
+  coder.encodeInteger(static_cast<NSInteger>(settings.timeStyle), kIntervalTimeStyleKey);
+  coder.encodeObject(settings.letters, kIntervalTemplateKey);
+  coder.encodeObject(settings.locale->localeIdentifier(), kIntervalLocaleKey);
+  coder.encodeObject(settings.zone->name(), kIntervalTimeZoneKey);
   if (!settings.calendar) return;
-  coder.encodeObject(settings.calendar->calendarIdentifier(), kCalendarKey);
-  coder.encodeObject(settings.calendar->timeZone()->name(), kCalendarZoneKey);
-  coder.encodeInteger(settings.calendar->firstWeekday(), kFirstWeekdayKey);
-  coder.encodeInteger(settings.calendar->minimumDaysInFirstWeek(), kMinimumDaysKey);
+  coder.encodeObject(settings.calendar->calendarIdentifier(), kIntervalCalendarKey);
+  coder.encodeObject(settings.calendar->timeZone()->name(), kIntervalCalendarZoneKey);
+  coder.encodeInteger(settings.calendar->firstWeekday(), kIntervalFirstWeekdayKey);
+  coder.encodeInteger(settings.calendar->minimumDaysInFirstWeek(), kIntervalMinimumDaysKey);
 }
 
 void NSDateIntervalFormatter::readSettings(NSCoder& coder) {
@@ -238,20 +238,20 @@ void NSDateIntervalFormatter::readSettings(NSCoder& coder) {
   const std::lock_guard guard(lock_);
   NSDateIntervalFormatterState::Settings& settings = state_->change();
   settings.dateStyle =
-      static_cast<NSDateIntervalFormatterStyle>(coder.decodeInteger(kDateStyleKey));
+      static_cast<NSDateIntervalFormatterStyle>(coder.decodeInteger(kIntervalDateStyleKey));
   settings.timeStyle =
-      static_cast<NSDateIntervalFormatterStyle>(coder.decodeInteger(kTimeStyleKey));
-  settings.letters = coder.decodeObjectOfClass<std::string>(kTemplateKey);
-  if (const auto locale = coder.decodeObjectOfClass<std::string>(kLocaleKey))
+      static_cast<NSDateIntervalFormatterStyle>(coder.decodeInteger(kIntervalTimeStyleKey));
+  settings.letters = coder.decodeObjectOfClass<std::string>(kIntervalTemplateKey);
+  if (const auto locale = coder.decodeObjectOfClass<std::string>(kIntervalLocaleKey))
     settings.locale = std::make_shared<NSLocale>(*locale);
-  settings.zone = zoneUnder(kTimeZoneKey);
-  const auto identifier = coder.decodeObjectOfClass<std::string>(kCalendarKey);
+  settings.zone = zoneUnder(kIntervalTimeZoneKey);
+  const auto identifier = coder.decodeObjectOfClass<std::string>(kIntervalCalendarKey);
   settings.calendar = identifier ? NSCalendar::initWithCalendarIdentifier(*identifier) : nullptr;
   if (!settings.calendar) return;
   settings.calendar->setLocaleIdentifier(settings.locale->localeIdentifier());
-  settings.calendar->setTimeZone(zoneUnder(kCalendarZoneKey));
-  settings.calendar->setFirstWeekday(coder.decodeInteger(kFirstWeekdayKey));
-  settings.calendar->setMinimumDaysInFirstWeek(coder.decodeInteger(kMinimumDaysKey));
+  settings.calendar->setTimeZone(zoneUnder(kIntervalCalendarZoneKey));
+  settings.calendar->setFirstWeekday(coder.decodeInteger(kIntervalFirstWeekdayKey));
+  settings.calendar->setMinimumDaysInFirstWeek(coder.decodeInteger(kIntervalMinimumDaysKey));
 }
 
 std::shared_ptr<NSDateIntervalFormatter> NSDateIntervalFormatter::initWithCoder(NSCoder& coder) {

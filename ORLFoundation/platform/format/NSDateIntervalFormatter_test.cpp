@@ -45,7 +45,7 @@ std::string spanText(const char* zone, NSUInteger dateStyle, NSUInteger timeStyl
 }
 
 /// ICU 72 has its own words for some; those of one day are told by the style's own format.
-std::string expectedOf(const Json& row) {
+std::string expectedSpan(const Json& row) {
   if (row.at("same").get<bool>()) return row.at("out").get<std::string>();
   const Json& in = row.at("in");
   const auto from = in.at("from").get<std::string>();
@@ -70,7 +70,7 @@ TEST(NSDateIntervalFormatter, AgreesWithVectorsOfSpans) {
                                                dateOf(in.at("to").get<std::string>()));
     if (!text) return "nil";
     if (row.at("same").get<bool>() || !row.at("icu72").is_null())
-      return orlftest::disagreement(expectedOf(row), *text);
+      return orlftest::disagreement(expectedSpan(row), *text);
     ++untold;
     if (*text == row.at("out").get<std::string>()) ++untoldAgreeing;
     return text->empty() ? "no text" : "";
@@ -152,12 +152,12 @@ TEST(NSDateIntervalFormatter, TellsSpansOverClockChanges) {
         << row.zone << ' ' << row.from;
 }
 
-struct CalendarCase {
+struct SpanCalendarCase {
   std::string_view locale;
   NSUInteger dateStyle;
   std::string_view text;
 };
-const CalendarCase kCalendarCases[] = {
+const SpanCalendarCase kCalendarCases[] = {
     {"th_TH", 1, "31/1/2567 – 2/2/2567"},
     {"th_TH", 4, "วันพุธที่ 31 มกราคม – วันศุกร์ที่ 2 กุมภาพันธ์ 2567"},
     {"fa_IR", 1, "۱۴۰۲/۱۱/۱۱ تا ۱۴۰۲/۱۱/۱۳"},
@@ -168,7 +168,7 @@ const CalendarCase kCalendarCases[] = {
 };
 
 TEST(NSDateIntervalFormatter, TellsSpansInTheCalendarOfTheLocale) {
-  for (const CalendarCase& row : kCalendarCases)
+  for (const SpanCalendarCase& row : kCalendarCases)
     EXPECT_EQ(spanText("UTC", row.dateStyle, 0, "2024-01-31T15:00:05Z", "2024-02-02T20:30:45Z",
                        std::string(row.locale)),
               row.text)

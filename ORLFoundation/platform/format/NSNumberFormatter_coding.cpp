@@ -15,13 +15,13 @@ namespace {
 
 // Part of stored archives: they never change.
 constexpr std::string_view kStyleKey = "NS.numberStyle";
-constexpr std::string_view kLocaleKey = "NS.locale";
+constexpr std::string_view kNumberLocaleKey = "NS.locale";
 constexpr std::string_view kMinimumFractionDigitsKey = "NS.minimumFractionDigits";
 constexpr std::string_view kMaximumFractionDigitsKey = "NS.maximumFractionDigits";
 constexpr std::string_view kUsesGroupingKey = "NS.usesGroupingSeparator";
 constexpr std::string_view kDecimalSeparatorKey = "NS.decimalSeparator";
 constexpr std::string_view kGroupingSeparatorKey = "NS.groupingSeparator";
-constexpr std::string_view kLenientKey = "NS.lenient";
+constexpr std::string_view kNumberLenientKey = "NS.lenient";
 constexpr std::string_view kGeneratesDecimalsKey = "NS.generatesDecimalNumbers";
 constexpr std::string_view kLocalizesFormatKey = "NS.localizesFormat";
 constexpr std::string_view kValidatesPartialStringsKey = "NS.partialStringValidation";
@@ -51,13 +51,13 @@ std::shared_ptr<NSNumberFormatter> NSNumberFormatter::initWithCoder(NSCoder& cod
 void NSNumberFormatter::encodeWithCoder(NSCoder& coder) const {
   const auto& settings = format_->settings;
   coder.encodeInteger(static_cast<NSInteger>(settings.style), kStyleKey);
-  coder.encodeObject(settings.locale, kLocaleKey);
+  coder.encodeObject(settings.locale, kNumberLocaleKey);
   coder.encodeObject(settings.minimumFractionDigits, kMinimumFractionDigitsKey);
   coder.encodeObject(settings.maximumFractionDigits, kMaximumFractionDigitsKey);
   coder.encodeObject(settings.usesGrouping, kUsesGroupingKey);
   coder.encodeObject(settings.decimalSeparator, kDecimalSeparatorKey);
   coder.encodeObject(settings.groupingSeparator, kGroupingSeparatorKey);
-  coder.encodeBool(settings.isLenient, kLenientKey);
+  coder.encodeBool(settings.isLenient, kNumberLenientKey);
   coder.encodeBool(settings.generatesDecimals, kGeneratesDecimalsKey);
   coder.encodeBool(settings.localizesFormat, kLocalizesFormatKey);
   coder.encodeBool(settings.validatesPartialStrings, kValidatesPartialStringsKey);
@@ -68,13 +68,13 @@ void NSNumberFormatter::encodeWithCoder(NSCoder& coder) const {
 void NSNumberFormatter::decodeWithCoder(NSCoder& coder) {
   auto& settings = format_->settings;
   settings.style = static_cast<NSNumberFormatterStyle>(coder.decodeInteger(kStyleKey));
-  if (auto locale = coder.decodeObjectOfClass<NSLocale>(kLocaleKey)) settings.locale = locale;
+  if (auto locale = coder.decodeObjectOfClass<NSLocale>(kNumberLocaleKey)) settings.locale = locale;
   settings.minimumFractionDigits = decodeNumber<NSInteger>(coder, kMinimumFractionDigitsKey);
   settings.maximumFractionDigits = decodeNumber<NSInteger>(coder, kMaximumFractionDigitsKey);
   settings.usesGrouping = decodeNumber<bool>(coder, kUsesGroupingKey);
   settings.decimalSeparator = coder.decodeObjectOfClass<std::string>(kDecimalSeparatorKey);
   settings.groupingSeparator = coder.decodeObjectOfClass<std::string>(kGroupingSeparatorKey);
-  settings.isLenient = coder.decodeBool(kLenientKey);
+  settings.isLenient = coder.decodeBool(kNumberLenientKey);
   settings.generatesDecimals = coder.decodeBool(kGeneratesDecimalsKey);
   settings.localizesFormat = coder.decodeBool(kLocalizesFormatKey);
   settings.validatesPartialStrings = coder.decodeBool(kValidatesPartialStringsKey);

@@ -14,7 +14,7 @@ namespace civil = base::civil;
 
 namespace {
 
-constexpr double kMilliseconds = 1000;
+constexpr double kMillisecondsOfSecond = 1000;
 constexpr double kSecondsOfDay = 86400;
 constexpr NSInteger kSecondsOfHour = 3600;
 // Longer than any offset of a zone, in seconds.
@@ -112,14 +112,14 @@ icu::TimeZoneTransition ZoneBridge::changeAt(double seconds) const {
     return icu::InitialTimeZoneRule(icu::UnicodeString(), millisecondsOf(parts.standard),
                                     millisecondsOf(parts.saving));
   };
-  return {seconds * kMilliseconds, ruleAt(seconds - 1), ruleAt(seconds)};
+  return {seconds * kMillisecondsOfSecond, ruleAt(seconds - 1), ruleAt(seconds)};
 }
 
 UBool ZoneBridge::getNextTransition(UDate base, UBool inclusive,
                                     icu::TimeZoneTransition& result) const {
   const NSTimeZone::OffsetStretch stretch =
-      zone_->offsetStretchForDate(dateOf(base / kMilliseconds));
-  const bool isChange = inclusive != 0 && stretch.begin * kMilliseconds == base;
+      zone_->offsetStretchForDate(dateOf(base / kMillisecondsOfSecond));
+  const bool isChange = inclusive != 0 && stretch.begin * kMillisecondsOfSecond == base;
   const double change = isChange ? stretch.begin : stretch.end;
   if (!std::isfinite(change) || stretch.begin == stretch.end) return 0;
   result = changeAt(change);
@@ -128,8 +128,9 @@ UBool ZoneBridge::getNextTransition(UDate base, UBool inclusive,
 
 UBool ZoneBridge::getPreviousTransition(UDate base, UBool inclusive,
                                         icu::TimeZoneTransition& result) const {
-  NSTimeZone::OffsetStretch stretch = zone_->offsetStretchForDate(dateOf(base / kMilliseconds));
-  if (inclusive == 0 && stretch.begin * kMilliseconds == base)
+  NSTimeZone::OffsetStretch stretch =
+      zone_->offsetStretchForDate(dateOf(base / kMillisecondsOfSecond));
+  if (inclusive == 0 && stretch.begin * kMillisecondsOfSecond == base)
     stretch = zone_->offsetStretchForDate(dateOf(stretch.begin - 1));
   if (!std::isfinite(stretch.begin) || stretch.begin == stretch.end) return 0;
   result = changeAt(stretch.begin);
@@ -163,8 +164,8 @@ std::int32_t ZoneBridge::getOffset(std::uint8_t era, std::int32_t year, std::int
       static_cast<double>(civil::dayFromDate(era == 0 ? 1 - year : year, month + 1, day));
   std::int32_t standard = 0;
   std::int32_t saving = 0;
-  getOffset(days * kSecondsOfDay * kMilliseconds + milliseconds - getRawOffset(), 0, standard,
-            saving, status);
+  getOffset(days * kSecondsOfDay * kMillisecondsOfSecond + milliseconds - getRawOffset(), 0,
+            standard, saving, status);
   return standard + saving;
 }
 
@@ -172,7 +173,7 @@ void ZoneBridge::getOffset(UDate date, UBool local, std::int32_t& standard, std:
                            UErrorCode& status) const {
   standard = saving = 0;
   if (U_FAILURE(status)) return;
-  const double seconds = std::floor(date / kMilliseconds);
+  const double seconds = std::floor(date / kMillisecondsOfSecond);
   const Parts parts = local != 0 ? partsAtLocal(seconds) : partsAt(seconds);
   standard = millisecondsOf(parts.standard);
   saving = millisecondsOf(parts.saving);
@@ -200,7 +201,7 @@ UBool ZoneBridge::useDaylightTime() const {
 
 UBool ZoneBridge::inDaylightTime(UDate date, UErrorCode& status) const {
   if (U_FAILURE(status)) return 0;
-  return partsAt(std::floor(date / kMilliseconds)).saving != 0 ? 1 : 0;
+  return partsAt(std::floor(date / kMillisecondsOfSecond)).saving != 0 ? 1 : 0;
 }
 
 UBool ZoneBridge::hasSameRules(const icu::TimeZone& other) const {
