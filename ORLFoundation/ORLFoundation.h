@@ -70,7 +70,6 @@
 #include <ORLFoundation/platform/image/CGColor.h>
 #include <ORLFoundation/platform/image/CGDataProvider.h>
 #include <ORLFoundation/platform/image/CGImage.h>
-#include <ORLFoundation/platform/image/CGImageDrawing.h>
 #include <ORLFoundation/platform/image/CGValues.h>
 #include <ORLFoundation/platform/language/NLTagger.h>
 #include <ORLFoundation/platform/language/NSDataDetector.h>

@@ -47,6 +47,9 @@ for amount in '$1,000.50' '1.234,56' '(12.50)' '3 1/2' '1,23,456' '12%' '5 USD';
   printf '  %-12s %s\n' "$amount" "$("$orlf" amount -- "$amount")"
 done
 
+say "Dates as people type them"
+run date 2/13/21 13/2/2021 2021-02-13 'Feb 3, 2021' 3/4 5 --today 2021-02-10
+
 say "A sum in a German field of amounts"
 run calc '1.234,50 + zwei*[3-1]' --locale de_DE --steps
 
@@ -56,6 +59,10 @@ run ofx2xml "$here/statement.ofx" --pretty
 say "Is 03/04/24 in March or in April? A later date of the same column tells"
 printf 'Date;Amount\n03/04/24;-5.00\n03/14/24;12.50\n' >"$output/dates.csv"
 run infer-dates "$output/dates.csv" --column 1
+
+say "A bank's statement as QIF: the dates tell their order, or the job asks"
+run qif "$here/../tests/data/csv/csv2ofx/schwab-checking.csv" --account Checking -o "$output/statement.qif"
+sed -n '1,12p' "$output/statement.qif"
 
 say "Spans of dates, up to an end that is no part of them"
 run span 2024-01-01 2025-01-01 --compact

@@ -66,8 +66,7 @@ std::optional<NSDecimalNumber> ORLFDecimalNumberHandler::exceptionDuringOperatio
 }
 
 std::shared_ptr<NSObject> ORLFDecimalNumberHandler::copy() {
-  if (auto self = weak_from_this().lock()) return self;
-  return std::make_shared<ORLFDecimalNumberHandler>(fields_);
+  return receiverOr([this] { return std::make_shared<ORLFDecimalNumberHandler>(fields_); });
 }
 
 std::shared_ptr<NSObject> ORLFDecimalNumberHandler::mutableCopy() {

@@ -70,11 +70,12 @@ NSUInteger ORLFDateRecurrenceDayOfWeek::hash() const {
 }
 
 std::shared_ptr<NSObject> ORLFDateRecurrenceDayOfWeek::copy() {
-  if (auto self = weak_from_this().lock()) return self;
-  auto copy = newObjectAs<ORLFDateRecurrenceDayOfWeek>();
-  copy->dayOfTheWeek_ = dayOfTheWeek_;
-  copy->weekNumber_ = weekNumber_;
-  return copy;
+  return receiverOr([this] {
+    auto copy = newObjectAs<ORLFDateRecurrenceDayOfWeek>();
+    copy->dayOfTheWeek_ = dayOfTheWeek_;
+    copy->weekNumber_ = weekNumber_;
+    return copy;
+  });
 }
 
 std::shared_ptr<NSObject> ORLFDateRecurrenceDayOfWeek::newObjectOfReceiversClass() const {

@@ -64,11 +64,12 @@ NSUInteger ORLFDateRecurrenceEnd::hash() const {
 }
 
 std::shared_ptr<NSObject> ORLFDateRecurrenceEnd::copy() {
-  if (auto self = weak_from_this().lock()) return self;
-  auto copy = newObjectAs<ORLFDateRecurrenceEnd>();
-  copy->endDate_ = endDate_;
-  copy->occurrenceCount_ = occurrenceCount_;
-  return copy;
+  return receiverOr([this] {
+    auto copy = newObjectAs<ORLFDateRecurrenceEnd>();
+    copy->endDate_ = endDate_;
+    copy->occurrenceCount_ = occurrenceCount_;
+    return copy;
+  });
 }
 
 std::shared_ptr<NSObject> ORLFDateRecurrenceEnd::newObjectOfReceiversClass() const {

@@ -75,13 +75,15 @@ std::string ORLFDateRecurrencePeriod::description() const {
 }
 
 std::shared_ptr<NSObject> ORLFDateRecurrencePeriod::copy() {
+  const auto newPeriod = [this] {
+    auto copy = newObjectAs<ORLFDateRecurrencePeriod>();
+    copy->frequency_ = frequency_;
+    copy->interval_ = interval_;
+    return copy;
+  };
   const NSObject& receiver = *this;
-  if (typeid(receiver) == typeid(ORLFDateRecurrencePeriod))
-    if (auto self = weak_from_this().lock()) return self;
-  auto copy = newObjectAs<ORLFDateRecurrencePeriod>();
-  copy->frequency_ = frequency_;
-  copy->interval_ = interval_;
-  return copy;
+  if (typeid(receiver) != typeid(ORLFDateRecurrencePeriod)) return newPeriod();
+  return receiverOr(newPeriod);
 }
 
 std::shared_ptr<NSObject> ORLFDateRecurrencePeriod::newObjectOfReceiversClass() const {

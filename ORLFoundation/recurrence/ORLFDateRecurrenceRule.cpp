@@ -105,8 +105,7 @@ std::shared_ptr<ORLFDateRecurrenceRule> ORLFDateRecurrenceRule::copySimpleRecurr
 
 /// The receiver as its owners hold it; for a rule on the stack, which nobody else holds, a copy.
 std::shared_ptr<ORLFDateRecurrenceRule> ORLFDateRecurrenceRule::receiver() {
-  const auto self = weak_from_this().lock();
-  return std::static_pointer_cast<Rule>(self ? self : copy());
+  return std::static_pointer_cast<Rule>(receiverOr([this] { return copy(); }));
 }
 
 const NSKeyTable& ORLFDateRecurrenceRule::keyTable() const {

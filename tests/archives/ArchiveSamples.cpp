@@ -1,5 +1,6 @@
 #include <ORLFoundation/amortization/ORLFAmortizationPlan.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
+#include <ORLFoundation/platform/base/Base64.h>
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSSet.h>
@@ -95,22 +96,6 @@ std::vector<std::string> sampleNames() {
 }
 
 namespace {
-
-std::string base64Of(const NSData& data) {
-  constexpr std::string_view kDigits =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string text;
-  const auto bytes = data.bytes();
-  for (std::size_t at = 0; at < bytes.size(); at += 3) {
-    const std::size_t count = std::min<std::size_t>(3, bytes.size() - at);
-    unsigned group = 0;
-    for (std::size_t byte = 0; byte < 3; ++byte)
-      group = group << 8 | (byte < count ? bytes[at + byte] : 0U);
-    for (std::size_t digit = 0; digit < 4; ++digit)
-      text += digit <= count ? kDigits[group >> (18 - 6 * digit) & 0x3F] : '=';
-  }
-  return text;
-}
 
 Json jsonFromDate(const std::optional<NSDate>& date) {
   return date ? Json(vectorFromDate(date)) : Json();
@@ -231,7 +216,8 @@ Json jsonFromObject(const id& object) {
   if (const auto* date = object.get<NSDate>()) return jsonFromDate(*date);
   if (const auto* url = object.get<NSURL>()) return url->absoluteString();
   if (const auto* uuid = object.get<NSUUID>()) return uuid->UUIDString();
-  if (const auto* data = object.get<NSData>()) return {{"base64", base64Of(*data)}};
+  if (const auto* data = object.get<NSData>())
+    return {{"base64", internal::base::base64Text(data->text())}};
   if (const auto set = object.as<NSSet>()) return jsonFromSet(*set);
   if (const auto dictionary = object.as<NSDictionary>()) return jsonFromDictionary(*dictionary);
   if (const auto array = object.as<NSArray>()) {

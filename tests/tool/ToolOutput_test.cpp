@@ -30,9 +30,10 @@ Json jsonOf(std::vector<std::string> arguments) {
 class ToolOutput : public orlftest::TemporaryFolderTest {};
 
 TEST_F(ToolOutput, EveryCommandHasHelp) {
-  for (const char* command : {"dates", "describe", "schedule", "fiscal", "plan", "loan", "irr",
-                              "axis", "amount", "round", "decimal", "link", "title", "email",
-                              "template-image", "csv", "ofx2xml", "xml-escape", "xml-unescape"}) {
+  for (const char* command :
+       {"dates",          "describe", "schedule", "fiscal",     "plan",         "loan",  "irr",
+        "axis",           "amount",   "round",    "decimal",    "link",         "title", "email",
+        "template-image", "csv",      "ofx2xml",  "xml-escape", "xml-unescape", "qif",   "txf"}) {
     const ToolRun run = runTool({command, "--help"});
     EXPECT_EQ(run.exitCode, 0) << command;
     EXPECT_EQ(run.err, "") << command;

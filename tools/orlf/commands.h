@@ -21,6 +21,8 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareFiscalCommand(Options& options);
 /// `orlf infer-dates`  The order of day, month and year in a file's dates.
 [[nodiscard]] Job declareInferDatesCommand(Options& options);
+/// `orlf date`  Dates as people type them.
+[[nodiscard]] Job declareDateCommand(Options& options);
 /// `orlf span`  A span of dates in words.
 [[nodiscard]] Job declareSpanCommand(Options& options);
 /// `orlf plan`  Balances and contributions of a plan file.
@@ -57,5 +59,11 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareXmlEscapeCommand(Options& options);
 /// `orlf xml-unescape`  Texts without entities.
 [[nodiscard]] Job declareXmlUnescapeCommand(Options& options);
+/// `orlf qif`  A bank's table as QIF.
+[[nodiscard]] Job declareQifCommand(Options& options);
+/// `orlf txf`  A table of sales or tax amounts as TXF.
+[[nodiscard]] Job declareTxfCommand(Options& options);
+/// `orlf xml-events`  The events of an XML document.
+[[nodiscard]] Job declareXmlEventsCommand(Options& options);
 
 }  // namespace orlftool

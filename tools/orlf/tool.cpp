@@ -28,6 +28,7 @@ constexpr std::array kCommands{
     Command{"schedule", &declareScheduleCommand},
     Command{"fiscal", &declareFiscalCommand},
     Command{"infer-dates", &declareInferDatesCommand},
+    Command{"date", &declareDateCommand},
     Command{"span", &declareSpanCommand},
     Command{"plan", &declarePlanCommand},
     Command{"loan", &declareLoanCommand},
@@ -41,10 +42,13 @@ constexpr std::array kCommands{
     Command{"link", &declareLinkCommand},
     Command{"title", &declareTitleCommand},
     Command{"email", &declareEmailCommand},
+    Command{"qif", &declareQifCommand},
+    Command{"txf", &declareTxfCommand},
     Command{"csv", &declareCsvCommand},
     Command{"ofx2xml", &declareOfxToXmlCommand},
     Command{"xml-escape", &declareXmlEscapeCommand},
     Command{"xml-unescape", &declareXmlUnescapeCommand},
+    Command{"xml-events", &declareXmlEventsCommand},
     Command{"template-image", &declareTemplateImageCommand},
 };
 

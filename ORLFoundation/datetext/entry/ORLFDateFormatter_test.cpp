@@ -276,8 +276,10 @@ TEST_F(DateFields, AreUsedByEightThreadsAtOnce) {
   formatter_->setForceWideMonth(true);
   formatter_->setMinimunDate(at("2000-01-01T00:00:00Z"));
   std::atomic<int> faults = 0;
+  constexpr int kThreads = 8;
   std::vector<std::thread> threads;
-  for (int thread = 0; thread < 8; ++thread) {
+  threads.reserve(kThreads);
+  for (int thread = 0; thread < kThreads; ++thread) {
     threads.emplace_back([this, thread, &faults] {
       for (int turn = 0; turn < 200; ++turn) useFormatter(*formatter_, thread + turn, faults);
     });

@@ -54,7 +54,7 @@ std::optional<std::string> compactText(NSDate start, NSDate end, NSDate shownEnd
     if (span.year() >= 2) return yearText(start) + " - " + yearText(shownEnd);
   }
   if (span.year() != 0 || span.month() < 1) return std::nullopt;
-  const std::optional<std::string> last = monthAndYearText(shownEnd, calendar);
+  std::optional<std::string> last = monthAndYearText(shownEnd, calendar);
   if (span.month() == 1 || !last) return last;
   const std::optional<std::string> begin = monthAndYearText(start, calendar);
   return begin ? std::optional(*begin + " - " + *last) : std::nullopt;

@@ -32,9 +32,13 @@ const std::string& statement() {
     std::string made = "<OFX>\n";
     for (int i = 0; i < kTransactions; ++i) {
       const std::string number = std::to_string(i);
-      made += "<STMTTRN>\n<TRNTYPE>DEBIT\n<DTPOSTED>20240229120000[-5:EST]\n<TRNAMT>-" + number +
-              ".25\n<FITID>F" + number + "\n<NAME>SMITH &amp; SONS " + number +
-              "\n<MEMO>CARD 42 TERMINAL 1013 AUTH 99991\n</STMTTRN>\n";
+      made.append("<STMTTRN>\n<TRNTYPE>DEBIT\n<DTPOSTED>20240229120000[-5:EST]\n<TRNAMT>-")
+          .append(number)
+          .append(".25\n<FITID>F")
+          .append(number)
+          .append("\n<NAME>SMITH &amp; SONS ")
+          .append(number)
+          .append("\n<MEMO>CARD 42 TERMINAL 1013 AUTH 99991\n</STMTTRN>\n");
     }
     return made + "</OFX>\n";
   }());

@@ -129,7 +129,7 @@ TEST(ORLFTabularRowReader, ReadsLongSourcesAsTheirText) {
     const auto choice = random() % 12;
     text += choice < 6    ? "abc"
             : choice < 9  ? ","
-            : choice < 10 ? "\"x,\"\"y\""
+            : choice < 10 ? R"("x,""y")"
             : choice < 11 ? "\r\n"
                           : "é";
   }
@@ -195,7 +195,7 @@ TEST(ORLFTabularRowReader, ReadsAHundredThousandColumns) {
   constexpr std::size_t kColumns = 100'000;
   std::string text;
   for (std::size_t column = 0; column < kColumns; ++column)
-    text += column % 2 == 0 ? "x," : "\"y\"\"z\",";
+    text += column % 2 == 0 ? "x," : R"("y""z",)";
   Rows rows;
   EXPECT_TRUE(orlfEnumerateTabularRowsOfSource(piecesOf(text, 4096), ',', keepIn(rows)));
   ASSERT_EQ(rows.size(), 1U);
@@ -233,14 +233,14 @@ std::size_t heldBytes() {
 TEST(ORLFTabularRowReader, HoldsNoMoreThanItsLimitAllows) {
   constexpr std::size_t kLimit = std::size_t{1} << 20;
   constexpr std::size_t kRows = 100;
-  const std::string longField = "\"" + std::string(kLimit / 2, 'x') + "\"\"\"";
+  const std::string longField = R"(")" + std::string(kLimit / 2, 'x') + R"(""")";
   const std::size_t before = heldBytes();
   std::size_t made = 0;
   std::size_t most = 0;
   std::string row;
   const auto source = [&](std::span<char> buffer) {
     if (row.empty() && made < kRows) {
-      for (std::size_t field = 0; field < made; ++field) row += "\"a\"\"\",";
+      for (std::size_t field = 0; field < made; ++field) row += R"("a""",)";
       row += longField + "\n";
       ++made;
     }

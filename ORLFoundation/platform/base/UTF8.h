@@ -47,6 +47,11 @@ struct UTF8Character {
   return {codePoint, static_cast<std::uint8_t>(length), false};
 }
 
+/// Whether a byte goes on with a character that an earlier byte began.
+[[nodiscard]] constexpr bool continuesUTF8Character(char byte) noexcept {
+  return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
 /// Whether bytes are UTF-8 throughout.
 [[nodiscard]] constexpr bool isUTF8(std::string_view bytes) noexcept {
   while (!bytes.empty()) {

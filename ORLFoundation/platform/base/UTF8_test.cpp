@@ -34,6 +34,11 @@ TEST(UTF8, EachCharacterComesBackWithItsLength) {
   }
 }
 
+TEST(UTF8, TellsTheBytesThatGoOnWithACharacter) {
+  for (int byte = 0; byte < 256; ++byte)
+    EXPECT_EQ(continuesUTF8Character(static_cast<char>(byte)), byte >= 0x80 && byte < 0xC0) << byte;
+}
+
 TEST(UTF8, WritesTheReplacementCharacterForWhatIsNoCharacter) {
   for (const char32_t code : {0xD800U, 0xDBFFU, 0xDC00U, 0xDFFFU, 0x110000U, 0xFFFFFFFFU}) {
     std::string text;

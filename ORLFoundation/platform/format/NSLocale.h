@@ -73,7 +73,9 @@ class NSLocale : public NSObject, public NSSecureCoding {
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
   [[nodiscard]] NSUInteger hash() const override;
   [[nodiscard]] std::string description() const override { return identifier_; }
-  [[nodiscard]] std::shared_ptr<NSObject> copy() override { return shared_from_this(); }
+  [[nodiscard]] std::shared_ptr<NSObject> copy() override {
+    return receiverOr([this] { return std::make_shared<NSLocale>(identifier_); });
+  }
 
  private:
   std::string identifier_;

@@ -7,6 +7,7 @@
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
+#include <ORLFoundation/platform/object/NSObject_testing.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorFile.h>
 
@@ -97,6 +98,13 @@ TEST(NSLocale, AgreesWithVectorsOfSeparators) {
     return orlftest::disagreement(out.dump(), got.dump());
   };
   orlftest::runJsonVectors("formats_locale", {{"locale", check}});
+}
+
+TEST(NSLocale, CopiesToItselfAndOneOnTheStackToAnEqualOne) {
+  const auto owned = std::make_shared<NSLocale>("de_DE");
+  EXPECT_EQ(owned->copy(), owned);
+  NSLocale locale("de_DE");
+  orlftest::expectEqualCopyOfUnowned(locale);
 }
 
 }  // namespace

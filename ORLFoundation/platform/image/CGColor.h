@@ -29,7 +29,9 @@ class CGColor final : public NSObject {
   /// Equal components.
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
   [[nodiscard]] NSUInteger hash() const override;
-  [[nodiscard]] std::shared_ptr<NSObject> copy() override { return shared_from_this(); }
+  [[nodiscard]] std::shared_ptr<NSObject> copy() override {
+    return receiverOr([this] { return std::make_shared<CGColor>(components_); });
+  }
 
  private:
   const std::vector<double> components_;

@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/image/CGColor.h>
 
+#include <ORLFoundation/platform/object/NSObject_testing.h>
 #include <gtest/gtest.h>
 
 namespace ORLFoundation {
@@ -20,6 +21,11 @@ TEST(CGColor, EqualsByItsComponents) {
   EXPECT_FALSE(color->isEqual(CGColor::colorWithGray(0, 0.5).get()));
   EXPECT_FALSE(color->isEqual(CGColor::colorWithRed(0, 0, 0, 1).get()));
   EXPECT_FALSE(color->isEqual(nullptr));
+}
+
+TEST(CGColor, CopiesOneOnTheStackToAnEqualOne) {
+  CGColor color({0.5, 1});
+  orlftest::expectEqualCopyOfUnowned(color);
 }
 
 }  // namespace

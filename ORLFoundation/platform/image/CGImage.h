@@ -87,7 +87,9 @@ class CGImage final : public NSObject {
   }
 
   [[nodiscard]] std::string className() const override { return "CGImage"; }
-  [[nodiscard]] std::shared_ptr<NSObject> copy() override { return shared_from_this(); }
+  [[nodiscard]] std::shared_ptr<NSObject> copy() override {
+    return receiverOr([this] { return std::make_shared<CGImage>(Passkey(), fields_); });
+  }
 
  private:
   struct Passkey {};

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace ORLFoundation {
+namespace ORLFoundation::internal::image {
 namespace {
 
 enum class Mixing { kOpaque, kPremultiplied, kStraight };
@@ -34,8 +34,7 @@ void drawRow(std::span<const std::uint8_t> from, std::uint8_t* to) {
 
 }  // namespace
 
-void CGImageDrawRowOverWhite(const CGImage& image, std::size_t row,
-                             std::span<std::uint8_t> pixels) {
+void drawRowOverWhite(const CGImage& image, std::size_t row, std::span<std::uint8_t> pixels) {
   const std::span<const std::uint8_t> from = image.row(row);
   std::uint8_t* to = pixels.first(from.size()).data();
   switch (image.alphaInfo()) {
@@ -55,4 +54,4 @@ void CGImageDrawRowOverWhite(const CGImage& image, std::size_t row,
   }
 }
 
-}  // namespace ORLFoundation
+}  // namespace ORLFoundation::internal::image

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace ORLFoundation {
+namespace ORLFoundation::internal::image {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
@@ -19,7 +19,7 @@ Bytes drawn(CGImageAlphaInfo info, const Bytes& pixels) {
                                             .bitmapInfo = info,
                                             .provider = CGDataProvider::providerWithBytes(pixels)});
   Bytes row(pixels.size());
-  CGImageDrawRowOverWhite(*image, 0, row);
+  drawRowOverWhite(*image, 0, row);
   return row;
 }
 
@@ -66,4 +66,4 @@ TEST(CGImageDrawing, MixesToTheNearestWholeNumber) {
 }
 
 }  // namespace
-}  // namespace ORLFoundation
+}  // namespace ORLFoundation::internal::image

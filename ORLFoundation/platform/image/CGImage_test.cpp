@@ -84,5 +84,16 @@ TEST(CGImage, RefusesRowsThatItsBytesDoNotHold) {
   EXPECT_EQ(faultOf(fields), "0 bytes, which is less than 2 rows take");
 }
 
+TEST(CGImage, CopiesToItselfAndOneOnTheStackToOneOfTheSamePixels) {
+  CGImage image({}, fieldsOf(3, 2, 24));
+  const auto copy = std::dynamic_pointer_cast<CGImage>(image.copy());
+  ASSERT_TRUE(copy);
+  EXPECT_NE(copy.get(), &image);
+  EXPECT_EQ(copy->width(), 3U);
+  EXPECT_EQ(copy->height(), 2U);
+  EXPECT_EQ(copy->row(1).data(), image.row(1).data());
+  EXPECT_EQ(copy->copy(), copy);
+}
+
 }  // namespace
 }  // namespace ORLFoundation

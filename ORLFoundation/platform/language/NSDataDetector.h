@@ -52,7 +52,9 @@ class NSDataDetector final : public NSObject {
   [[nodiscard]] std::vector<NSTextCheckingResult> matchesInString(std::string_view string) const;
 
   [[nodiscard]] std::string className() const override { return "NSDataDetector"; }
-  [[nodiscard]] std::shared_ptr<NSObject> copy() override { return shared_from_this(); }
+  [[nodiscard]] std::shared_ptr<NSObject> copy() override {
+    return receiverOr([] { return std::make_shared<NSDataDetector>(); });
+  }
 };
 
 }  // namespace ORLFoundation

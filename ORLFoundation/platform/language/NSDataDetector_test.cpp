@@ -76,5 +76,14 @@ TEST(NSDataDetector, StopsWhenToldTo) {
   EXPECT_EQ(matches, 2);
 }
 
+TEST(NSDataDetector, CopiesToItselfAndOneOnTheStackToAnother) {
+  NSDataDetector detector;
+  const auto copy = std::dynamic_pointer_cast<NSDataDetector>(detector.copy());
+  ASSERT_TRUE(copy);
+  EXPECT_NE(copy.get(), &detector);
+  EXPECT_EQ(copy->matchesInString("a@b.de").size(), 1U);
+  EXPECT_EQ(copy->copy(), copy);
+}
+
 }  // namespace
 }  // namespace ORLFoundation

@@ -29,7 +29,10 @@ class NSNotification final : public NSObject {
   /// Null when the poster gave none.
   [[nodiscard]] const std::shared_ptr<NSDictionary>& userInfo() const noexcept { return userInfo_; }
   [[nodiscard]] std::string className() const override { return "NSNotification"; }
-  [[nodiscard]] std::shared_ptr<NSObject> copy() override { return shared_from_this(); }
+  [[nodiscard]] std::shared_ptr<NSObject> copy() override {
+    return receiverOr(
+        [this] { return std::make_shared<NSNotification>(name_, object_, userInfo_); });
+  }
 
  private:
   const std::string name_;

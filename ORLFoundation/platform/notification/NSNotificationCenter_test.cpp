@@ -118,5 +118,16 @@ TEST_F(NSNotificationCenterTest, TakesPostsAndRegistrationsFromManyThreads) {
   EXPECT_EQ(calls, 800);
 }
 
+TEST(NSNotification, CopiesToItselfAndOneOnTheStackToOneThatTellsTheSame) {
+  NSNotification posted("n", 7, NSDictionary::dictionaryWithEntries({{"key", "value"}}));
+  const auto copy = std::dynamic_pointer_cast<NSNotification>(posted.copy());
+  ASSERT_TRUE(copy);
+  EXPECT_NE(copy.get(), &posted);
+  EXPECT_EQ(copy->name(), "n");
+  EXPECT_EQ(copy->object(), id(7));
+  EXPECT_EQ(copy->userInfo(), posted.userInfo());
+  EXPECT_EQ(copy->copy(), copy);
+}
+
 }  // namespace
 }  // namespace ORLFoundation

@@ -88,7 +88,9 @@ bool NSArray::isPropertyList() const {
   return std::ranges::all_of(members_, [](const id& member) { return member.isPropertyList(); });
 }
 
-std::shared_ptr<NSObject> NSArray::copy() { return shared_from_this(); }
+std::shared_ptr<NSObject> NSArray::copy() {
+  return receiverOr([this] { return std::make_shared<NSArray>(members_); });
+}
 
 std::shared_ptr<NSObject> NSArray::mutableCopy() {
   return std::make_shared<NSMutableArray>(members_);

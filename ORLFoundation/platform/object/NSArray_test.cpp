@@ -4,6 +4,7 @@
 #include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSIndexSet.h>
 #include <ORLFoundation/platform/object/NSKeyValueObserving.h>
+#include <ORLFoundation/platform/object/NSObject_testing.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <ORLFoundation/platform/value/NSException_testing.h>
 #include <gtest/gtest.h>
@@ -290,6 +291,11 @@ TEST(NSMutableArray, MayBeChangedByASetterOfItsMembers) {
                          [&](const NSKeyValueChange&) { array->removeAllObjects(); });
   array->setValueForKey(1, "key");
   EXPECT_EQ(array->count(), 0U);
+}
+
+TEST(NSArray, CopiesOneOnTheStackToAnEqualOne) {
+  NSArray array({1, "two"});
+  orlftest::expectEqualCopyOfUnowned(array);
 }
 
 }  // namespace

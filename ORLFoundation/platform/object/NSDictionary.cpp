@@ -115,7 +115,9 @@ bool NSDictionary::isPropertyList() const {
   });
 }
 
-std::shared_ptr<NSObject> NSDictionary::copy() { return shared_from_this(); }
+std::shared_ptr<NSObject> NSDictionary::copy() {
+  return receiverOr([this] { return std::make_shared<NSDictionary>(entries()); });
+}
 
 std::shared_ptr<NSObject> NSDictionary::mutableCopy() {
   return std::make_shared<NSMutableDictionary>(entries());

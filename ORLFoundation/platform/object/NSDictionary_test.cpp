@@ -2,6 +2,7 @@
 #include <ORLFoundation/platform/object/NSDictionary.h>
 
 #include <ORLFoundation/platform/object/NSArray.h>
+#include <ORLFoundation/platform/object/NSObject_testing.h>
 #include <ORLFoundation/platform/object/NSSet.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <ORLFoundation/platform/value/NSException_testing.h>
@@ -173,6 +174,11 @@ TEST(NSDictionary, IsWholeWhileAValueIsDestroyed) {
   set.addObject(fresh());
   set.removeAllObjects();
   EXPECT_EQ(Leaver::departures, 5);
+}
+
+TEST(NSDictionary, CopiesOneOnTheStackToAnEqualOne) {
+  NSDictionary values({{"one", 1}, {2, "two"}});
+  orlftest::expectEqualCopyOfUnowned(values);
 }
 
 }  // namespace

@@ -56,7 +56,9 @@ class NSError final : public NSObject {
   [[nodiscard]] NSUInteger hash() const override;
   /// "Error Domain=ORLFErrorDomain Code=1 "text" UserInfo={key=value}".
   [[nodiscard]] std::string description() const override;
-  [[nodiscard]] std::shared_ptr<NSObject> copy() override { return shared_from_this(); }
+  [[nodiscard]] std::shared_ptr<NSObject> copy() override {
+    return receiverOr([this] { return std::make_shared<NSError>(domain_, code_, userInfo_); });
+  }
   [[nodiscard]] const NSKeyTable& keyTable() const override;
 
  private:

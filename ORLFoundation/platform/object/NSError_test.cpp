@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/object/NSError.h>
 
+#include <ORLFoundation/platform/object/NSObject_testing.h>
 #include <gtest/gtest.h>
 
 namespace ORLFoundation {
@@ -54,6 +55,11 @@ TEST(NSError, FillsASlotWhereThereIsOne) {
   EXPECT_EQ(slot->code(), 2);
   EXPECT_EQ(slot->localizedDescription(), "kept");
   EXPECT_EQ(id(slot).as<NSError>(), slot);
+}
+
+TEST(NSError, CopiesOneOnTheStackToAnEqualOne) {
+  NSError error("d", 7, info("x"));
+  orlftest::expectEqualCopyOfUnowned(error);
 }
 
 }  // namespace

@@ -46,7 +46,9 @@ class NSIndexSet : public NSObject {
   [[nodiscard]] NSUInteger hash() const override;
   /// "<NSIndexSet: 0x55d0c8>[number of indexes: 4 (in 2 ranges), indexes: (1 3-5)]".
   [[nodiscard]] std::string description() const override;
-  [[nodiscard]] std::shared_ptr<NSObject> copy() override { return shared_from_this(); }
+  [[nodiscard]] std::shared_ptr<NSObject> copy() override {
+    return receiverOr([this] { return std::make_shared<NSIndexSet>(*this); });
+  }
   [[nodiscard]] std::shared_ptr<NSObject> mutableCopy() override;
 
  protected:

@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/object/NSIndexSet.h>
 
+#include <ORLFoundation/platform/object/NSObject_testing.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 
@@ -130,6 +131,11 @@ TEST(NSMutableIndexSet, RemovesRangesThatReachBeyondTheEnd) {
   EXPECT_EQ(set.count(), 4U);
   set.removeIndexesInRange({2, NSUIntegerMax});
   EXPECT_EQ(indexesOf(set), (std::vector<NSUInteger>{0, 1}));
+}
+
+TEST(NSIndexSet, CopiesOneOnTheStackToAnEqualOne) {
+  NSIndexSet set(NSRange{3, 4});
+  orlftest::expectEqualCopyOfUnowned(set);
 }
 
 }  // namespace

@@ -50,6 +50,12 @@ NSUInteger NSObject::hash() const { return std::hash<const NSObject*>{}(this); }
 
 std::string NSObject::description() const { return plainDescription(*this); }
 
+std::shared_ptr<NSObject> NSObject::receiverOrReference() const {
+  auto& receiver = const_cast<NSObject&>(*this);
+  if (auto self = receiver.weak_from_this().lock()) return self;
+  return {std::shared_ptr<NSObject>(), &receiver};
+}
+
 std::shared_ptr<NSObject> NSObject::copy() {
   throw NSException(NSInvalidArgumentException,
                     "-[" + className() + " copyWithZone:]: not copyable");
@@ -84,7 +90,7 @@ const NSKeyTable& NSObject::keyTable() const {
 
 id NSObject::valueForKey(std::string_view key) const {
   if (const NSKey* found = keyTable().find(key)) return found->get(*this);
-  if (key == "self") return std::const_pointer_cast<NSObject>(shared_from_this());
+  if (key == "self") return receiverOrReference();
   return valueForUndefinedKey(key);
 }
 

@@ -49,15 +49,19 @@ class NSObject : public std::enable_shared_from_this<NSObject> {
   [[nodiscard]] virtual NSUInteger hash() const;
   /// `description`  "<ClassName: 0x55d0c8>" unless a class says otherwise.
   [[nodiscard]] virtual std::string description() const;
-  /// `copy`  The receiver itself for immutable classes; raises for classes that do not copy.
+  /// The receiver as its owners hold it; where no shared pointer owns it, as on the stack, a
+  /// pointer that owns nothing and must not outlive it.
+  [[nodiscard]] std::shared_ptr<NSObject> receiverOrReference() const;
+  /// `copy`  The receiver itself for immutable classes, an equal object where that is on the stack;
+  /// raises for classes that do not copy.
   [[nodiscard]] virtual std::shared_ptr<NSObject> copy();
   /// `mutableCopy`
   [[nodiscard]] virtual std::shared_ptr<NSObject> mutableCopy();
 
   /// The keys of the object's class, those of its base classes included.
   [[nodiscard]] virtual const NSKeyTable& keyTable() const;
-  /// `valueForKey:`  The value under a key of the class; "self" is the object. Any other key goes
-  /// to `valueForUndefinedKey`.
+  /// `valueForKey:`  The value under a key of the class; "self" is the object, for one on the stack
+  /// by a pointer that does not keep it alive. Any other key goes to `valueForUndefinedKey`.
   [[nodiscard]] virtual id valueForKey(std::string_view key) const;
   /// `setValue:forKey:`  Observers of the key are told once, whether or not the setter tells them
   /// too. A value of the wrong kind, and nil for a number, raise `NSInvalidArgumentException`; a
@@ -120,6 +124,13 @@ class NSObject : public std::enable_shared_from_this<NSObject> {
   }
 
  protected:
+  /// The copy of what never changes: the receiver as its owners hold it, or, where no shared
+  /// pointer owns it, as on the stack, the equal object that `make` gives.
+  template <class Make>
+  [[nodiscard]] std::shared_ptr<NSObject> receiverOr(const Make& make) {
+    if (auto self = weak_from_this().lock()) return self;
+    return make();
+  }
   /// A new object of the receiver's class, in any state: the hook by which a base class makes
   /// copies that keep their class. The base class sets what it copies; the rest is as the hook left
   /// it. Each class that copies to new objects has one, and so does every subclass of it:

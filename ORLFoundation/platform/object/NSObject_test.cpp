@@ -168,5 +168,33 @@ TEST(NSObject, CostsAPointerUntilItIsUsed) {
   EXPECT_EQ(sizeof(NSObject), sizeof(Bare) + sizeof(void*));
 }
 
+class Fixed final : public NSObject {
+ public:
+  [[nodiscard]] std::shared_ptr<NSObject> copy() override {
+    return receiverOr([] { return std::make_shared<Fixed>(); });
+  }
+};
+
+TEST(NSObject, CopiesOneThatNeverChangesToItselfWhileAPointerOwnsIt) {
+  const auto owned = std::make_shared<Fixed>();
+  EXPECT_EQ(owned->copy(), owned);
+  Fixed unowned;
+  const auto copy = unowned.copy();
+  EXPECT_TRUE(std::dynamic_pointer_cast<Fixed>(copy));
+  EXPECT_NE(copy.get(), &unowned);
+}
+
+TEST(NSObject, AnswersItselfUnderItsKeyWhetherOrNotAPointerOwnsIt) {
+  const auto owned = std::make_shared<const Thing>();
+  EXPECT_EQ(owned->valueForKey("self").object(), owned);
+  EXPECT_EQ(owned->receiverOrReference(), owned);
+  EXPECT_EQ(owned->receiverOrReference().use_count(), 2);
+
+  const Thing unowned;
+  EXPECT_EQ(unowned.valueForKey("self").object().get(), &unowned);
+  EXPECT_EQ(unowned.valueForKeyPath("self.className"), id("Thing"));
+  EXPECT_EQ(unowned.receiverOrReference().use_count(), 0);
+}
+
 }  // namespace
 }  // namespace ORLFoundation

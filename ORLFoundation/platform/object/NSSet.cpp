@@ -74,7 +74,9 @@ std::string NSSet::descriptionWithIndent(NSUInteger indent) const {
   return margin + "{(\n" + members + (members.empty() ? "" : "\n") + margin + ")}";
 }
 
-std::shared_ptr<NSObject> NSSet::copy() { return shared_from_this(); }
+std::shared_ptr<NSObject> NSSet::copy() {
+  return receiverOr([this] { return std::make_shared<NSSet>(allObjects()); });
+}
 
 std::shared_ptr<NSObject> NSSet::mutableCopy() {
   return std::make_shared<NSMutableSet>(allObjects());

@@ -2,6 +2,7 @@
 #include <ORLFoundation/platform/object/NSSet.h>
 
 #include <ORLFoundation/platform/object/NSArray.h>
+#include <ORLFoundation/platform/object/NSObject_testing.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 
@@ -51,6 +52,11 @@ TEST(NSSet, AnswersKeysOfItsMembers) {
   EXPECT_EQ(set->valueForKey("self"), id(set));
   EXPECT_EQ(set->valueForKey("@count"), id(2));
   EXPECT_EQ(set->valueForKeyPath("@sum.self"), id(3));
+}
+
+TEST(NSSet, CopiesOneOnTheStackToAnEqualOne) {
+  NSSet set({1, "two"});
+  orlftest::expectEqualCopyOfUnowned(set);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <ORLFoundation/platform/object/NSString.h>
 
 #include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/object/NSObject.h>
 #include <ORLFoundation/platform/object/internal/DescriptionText.h>
 
@@ -151,7 +152,7 @@ Form formOf(const Conversion& conversion, Arguments& arguments) {
 std::string placed(std::string text, const Form& form) {
   if (form.precision >= 0 && static_cast<std::size_t>(form.precision) < text.size()) {
     auto end = static_cast<std::size_t>(form.precision);
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0) == 0x80) --end;
+    while (end > 0 && internal::base::continuesUTF8Character(text[end])) --end;
     text.resize(end);
   }
   const auto width = static_cast<std::size_t>(form.width);

@@ -22,7 +22,9 @@ class NSPropertyListUID final : public NSObject {
   [[nodiscard]] NSUInteger hash() const override { return value_; }
   /// "UID 12".
   [[nodiscard]] std::string description() const override;
-  [[nodiscard]] std::shared_ptr<NSObject> copy() override { return shared_from_this(); }
+  [[nodiscard]] std::shared_ptr<NSObject> copy() override {
+    return receiverOr([this] { return std::make_shared<NSPropertyListUID>(value_); });
+  }
 
  private:
   const std::uint32_t value_;

@@ -68,7 +68,9 @@ class NSPredicate final : public NSObject {
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
   [[nodiscard]] NSUInteger hash() const override;
   [[nodiscard]] std::string description() const override { return predicateFormat(); }
-  [[nodiscard]] std::shared_ptr<NSObject> copy() override { return shared_from_this(); }
+  [[nodiscard]] std::shared_ptr<NSObject> copy() override {
+    return receiverOr([this] { return std::make_shared<NSPredicate>(root_); });
+  }
 
  private:
   const std::shared_ptr<const internal::predicate::PredicateNode> root_;

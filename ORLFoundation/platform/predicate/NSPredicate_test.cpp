@@ -3,7 +3,9 @@
 
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
+#include <ORLFoundation/platform/object/NSObject_testing.h>
 #include <ORLFoundation/platform/object/NSSet.h>
+#include <ORLFoundation/platform/predicate/internal/PredicateNode.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 
@@ -364,6 +366,11 @@ TEST(NSPredicate, JoinsAnyNumberOfConditions) {
   EXPECT_FALSE(NSPredicate::predicateWithFormat(format)->evaluateWithObject(nullptr));
   EXPECT_TRUE(
       NSPredicate::predicateWithFormat(format + " OR TRUEPREDICATE")->evaluateWithObject(nullptr));
+}
+
+TEST(NSPredicate, CopiesOneOnTheStackToAnEqualOne) {
+  NSPredicate predicate(std::make_shared<internal::predicate::ConstantPredicate>(true));
+  orlftest::expectEqualCopyOfUnowned(predicate);
 }
 
 }  // namespace

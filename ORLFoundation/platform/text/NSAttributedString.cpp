@@ -127,7 +127,9 @@ std::string NSAttributedString::description() const {
   return text;
 }
 
-std::shared_ptr<NSObject> NSAttributedString::copy() { return shared_from_this(); }
+std::shared_ptr<NSObject> NSAttributedString::copy() {
+  return receiverOr([this] { return NSMutableAttributedString(*this).copy(); });
+}
 
 std::shared_ptr<NSObject> NSAttributedString::mutableCopy() {
   return std::make_shared<NSMutableAttributedString>(*this);

@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/text/NSAttributedString.h>
 
+#include <ORLFoundation/platform/object/NSObject_testing.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 
@@ -162,6 +163,11 @@ TEST(NSMutableAttributedString, AgreesWithAListOfValues) {
     for (NSUInteger at = 0; at < kLength; ++at)
       ASSERT_EQ(text.attribute("color", at).as<NSInteger>().value_or(0), values[at]) << round;
   }
+}
+
+TEST(NSAttributedString, CopiesOneOnTheStackToAnEqualOne) {
+  NSAttributedString text("ab", attributes({{"color", "red"}}));
+  orlftest::expectEqualCopyOfUnowned(text);
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Calendars beyond the Gregorian one: known dates, ICU's own answers on every so many days, and the
-// laws that hold in all of them.
+// Calendars beyond the Gregorian one: ICU's own answers on every so many days, and the laws that
+// hold in all of them.
 #include <ORLFoundation/platform/time/NSCalendar_testing.h>
 #include <ORLFoundation/platform/time/NSDateComponents_testing.h>
 #include <ORLFoundation/platform/value/NSDate_testing.h>
@@ -13,10 +13,10 @@
 namespace ORLFoundation {
 namespace {
 
+using orlftest::calendarOf;
+using orlftest::date;
 using orlftest::vectorFromComponents;
 using orlftest::vectorFromDate;
-
-using orlftest::date;
 
 constexpr NSUInteger kDate =
     NSCalendarUnitEra | NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay;
@@ -26,84 +26,6 @@ constexpr std::string_view kIdentifiers[] = {
     NSCalendarIdentifierBuddhist, NSCalendarIdentifierChinese, NSCalendarIdentifierCoptic,
     NSCalendarIdentifierHebrew,   NSCalendarIdentifierIndian,  NSCalendarIdentifierIslamicUmmAlQura,
     NSCalendarIdentifierJapanese, NSCalendarIdentifierPersian, NSCalendarIdentifierRepublicOfChina};
-
-std::shared_ptr<NSCalendar> otherIn(std::string_view identifier, const char* zone,
-                                    NSInteger firstWeekday = 1, NSInteger minimumDays = 1) {
-  const auto calendar = NSCalendar::initWithCalendarIdentifier(identifier);
-  calendar->setTimeZone(NSTimeZone::timeZoneWithName(zone));
-  calendar->setFirstWeekday(firstWeekday);
-  calendar->setMinimumDaysInFirstWeek(minimumDays);
-  return calendar;
-}
-
-struct KnownDate {
-  std::string_view identifier;
-  const char* date;
-  const char* components;
-};
-constexpr KnownDate kKnownDates[] = {
-    {NSCalendarIdentifierBuddhist, "2024-02-29", "era=0 year=2567 month=2 day=29"},
-    {NSCalendarIdentifierChinese, "2024-02-10", "era=78 year=41 month=1 day=1"},
-    {NSCalendarIdentifierCoptic, "2024-09-11", "era=1 year=1741 month=1 day=1"},
-    {NSCalendarIdentifierHebrew, "2024-10-03", "era=0 year=5785 month=1 day=1"},
-    {NSCalendarIdentifierIndian, "2024-03-21", "era=0 year=1946 month=1 day=1"},
-    {NSCalendarIdentifierIslamicUmmAlQura, "2024-07-07", "era=0 year=1446 month=1 day=1"},
-    {NSCalendarIdentifierJapanese, "2019-04-30", "era=235 year=31 month=4 day=30"},
-    {NSCalendarIdentifierJapanese, "2019-05-01", "era=236 year=1 month=5 day=1"},
-    {NSCalendarIdentifierPersian, "2024-03-20", "era=0 year=1403 month=1 day=1"},
-    {NSCalendarIdentifierRepublicOfChina, "2024-12-31", "era=1 year=113 month=12 day=31"},
-    {NSCalendarIdentifierRepublicOfChina, "1911-12-31", "era=0 year=1 month=12 day=31"},
-    // Gregorian years before 1582 too, as the Gregorian calendar counts them.
-    {NSCalendarIdentifierBuddhist, "1500-03-01", "era=0 year=2043 month=3 day=1"},
-};
-
-TEST(OtherCalendarsOf, ShowAndResolveKnownDates) {
-  for (const KnownDate& row : kKnownDates) {
-    const auto calendar = otherIn(row.identifier, "UTC");
-    const NSDate midnight = date(std::string(row.date) + "T00:00:00Z");
-    EXPECT_EQ(vectorFromComponents(calendar->components(kDate, midnight)), row.components);
-    EXPECT_EQ(calendar->dateFromComponents(orlftest::componentsFromVector(row.components)),
-              midnight)
-        << row.identifier << ' ' << row.date;
-  }
-}
-
-struct NamedYear {
-  std::string_view identifier;
-  NSInteger year;
-  const char* date;  // the 3rd day of the 2nd month
-};
-// Farther from 2023 than one walk goes; no era is named.
-constexpr NamedYear kNamedYears[] = {
-    {NSCalendarIdentifierBuddhist, 2700, "2157-02-03"},
-    {NSCalendarIdentifierBuddhist, 2400, "1857-02-03"},
-    {NSCalendarIdentifierCoptic, 1900, "2183-10-15"},
-    {NSCalendarIdentifierHebrew, 5990, "2229-10-21"},
-    {NSCalendarIdentifierHebrew, 5600, "1839-10-11"},
-    {NSCalendarIdentifierPersian, 1540, "2161-04-22"},
-    {NSCalendarIdentifierJapanese, 120, "2138-02-03"},
-    {NSCalendarIdentifierRepublicOfChina, 250, "2161-02-03"},
-};
-
-TEST(OtherCalendarsOf, SearchGoesToANamedYearInBothDirections) {
-  constexpr NSUInteger kBackwards = NSCalendarMatchStrictly | NSCalendarSearchBackwards;
-  const NSDate origin = date("2023-11-14T22:13:20Z");
-  for (const NamedYear& row : kNamedYears) {
-    const auto calendar = otherIn(row.identifier, "UTC");
-    const NSDate wanted = date(std::string(row.date) + "T00:00:00Z");
-    NSDateComponents fields;
-    fields.setYear(row.year);
-    fields.setMonth(2);
-    fields.setDay(3);
-    const bool isBefore = wanted.compare(origin) == NSOrderedAscending;
-    const NSUInteger toward = isBefore ? kBackwards : NSUInteger{NSCalendarMatchStrictly};
-    const NSUInteger away = isBefore ? NSUInteger{NSCalendarMatchStrictly} : kBackwards;
-    EXPECT_EQ(calendar->nextDateAfterDate(origin, fields, toward), wanted)
-        << row.identifier << ' ' << row.year;
-    EXPECT_EQ(calendar->nextDateAfterDate(origin, fields, away), std::nullopt)
-        << row.identifier << ' ' << row.year;
-  }
-}
 
 class OtherCalendars : public testing::TestWithParam<std::string_view> {
  protected:
@@ -175,7 +97,8 @@ constexpr FieldOfUnit kFieldsOfUnits[] = {
 
 TEST_P(OtherCalendars, ShowTheFieldsThatICUShowsAtTheZonesLocalTime) {
   for (const NSInteger firstWeekday : {1, 2}) {
-    const auto calendar = otherIn(GetParam(), "Africa/Cairo", firstWeekday, firstWeekday * 2 - 1);
+    const auto calendar =
+        calendarOf(GetParam(), "Africa/Cairo", firstWeekday, firstWeekday * 2 - 1);
     for (const NSDate shown : dates(firstWeekday == 1 ? 29 : 61)) {
       const auto peer = peerAt(*calendar, shown);
       for (const FieldOfUnit& row : kFieldsOfUnits)
@@ -186,7 +109,7 @@ TEST_P(OtherCalendars, ShowTheFieldsThatICUShowsAtTheZonesLocalTime) {
 }
 
 TEST_P(OtherCalendars, ResolveWhatTheyShow) {
-  const auto calendar = otherIn(GetParam(), "Asia/Kathmandu");
+  const auto calendar = calendarOf(GetParam(), "Asia/Kathmandu");
   constexpr NSUInteger kByPlace =
       NSCalendarUnitEra | NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitWeekday | kTime;
   constexpr NSUInteger kByWeek =
@@ -206,7 +129,7 @@ TEST_P(OtherCalendars, ResolveWhatTheyShow) {
 }
 
 TEST_P(OtherCalendars, AddMonthsAndYearsAsICUDoes) {
-  const auto calendar = otherIn(GetParam(), "Asia/Kolkata");
+  const auto calendar = calendarOf(GetParam(), "Asia/Kolkata");
   for (const NSDate from : dates(331)) {
     for (const int count : {-25, -12, -1, 1, 2, 13, 100}) {
       for (const FieldOfUnit& row : {kFieldsOfUnits[1], kFieldsOfUnits[2]}) {
@@ -223,7 +146,7 @@ TEST_P(OtherCalendars, AddMonthsAndYearsAsICUDoes) {
 }
 
 TEST_P(OtherCalendars, CountTheMostStepsThatDoNotPass) {
-  const auto calendar = otherIn(GetParam(), "America/New_York");
+  const auto calendar = calendarOf(GetParam(), "America/New_York");
   const auto all = dates(1201);
   for (const NSCalendarUnit unit :
        {NSCalendarUnitYear, NSCalendarUnitMonth, NSCalendarUnitWeekOfYear, NSCalendarUnitDay}) {
@@ -243,7 +166,7 @@ TEST_P(OtherCalendars, CountTheMostStepsThatDoNotPass) {
 }
 
 TEST_P(OtherCalendars, DifferencesAddUpAgain) {
-  const auto calendar = otherIn(GetParam(), "Europe/Vienna");
+  const auto calendar = calendarOf(GetParam(), "Europe/Vienna");
   const auto all = dates(1201);
   constexpr NSUInteger kAll = NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay | kTime;
   for (std::size_t index = 0; index + 1 < all.size(); ++index) {
@@ -254,7 +177,7 @@ TEST_P(OtherCalendars, DifferencesAddUpAgain) {
 }
 
 TEST_P(OtherCalendars, UnitsHoldTheirDatesAndMeetWithoutGap) {
-  const auto calendar = otherIn(GetParam(), "America/Sao_Paulo");
+  const auto calendar = calendarOf(GetParam(), "America/Sao_Paulo");
   for (const NSDate shown : dates(307)) {
     for (const NSCalendarUnit unit :
          {NSCalendarUnitDay, NSCalendarUnitWeekOfYear, NSCalendarUnitMonth, NSCalendarUnitYear,
@@ -290,7 +213,7 @@ TEST_P(OtherCalendars, UnitsHoldTheirDatesAndMeetWithoutGap) {
 }
 
 TEST_P(OtherCalendars, SearchFindsTheNearestOfAllDays) {
-  const auto calendar = otherIn(GetParam(), "Europe/Vienna", 2, 4);
+  const auto calendar = calendarOf(GetParam(), "Europe/Vienna", 2, 4);
   constexpr NSUInteger kMasks[] = {
       NSCalendarUnitDay, NSCalendarUnitMonth | NSCalendarUnitDay,
       NSCalendarUnitMonth | NSCalendarUnitWeekday | NSCalendarUnitWeekdayOrdinal,
@@ -318,7 +241,7 @@ TEST_P(OtherCalendars, SearchFindsTheNearestOfAllDays) {
 }
 
 TEST_P(OtherCalendars, SearchGivesTheStartOfTheSmallestUnit) {
-  const auto calendar = otherIn(GetParam(), "UTC");
+  const auto calendar = calendarOf(GetParam(), "UTC");
   const NSDate shown = date("2023-11-17T15:00:00Z");
   NSDateComponents month;
   month.setMonth(2);
@@ -334,7 +257,7 @@ TEST_P(OtherCalendars, SearchGivesTheStartOfTheSmallestUnit) {
 }
 
 TEST_P(OtherCalendars, SetADayOrTheDayAfterTheMonthsEnd) {
-  const auto calendar = otherIn(GetParam(), "UTC");
+  const auto calendar = calendarOf(GetParam(), "UTC");
   for (const NSDate shown : dates(1777)) {
     for (const NSInteger day : {1, 15, 29, 30, 31, 32}) {
       const auto set =
@@ -353,7 +276,7 @@ TEST_P(OtherCalendars, SetADayOrTheDayAfterTheMonthsEnd) {
 }
 
 TEST_P(OtherCalendars, WrapWithinTheLargerUnit) {
-  const auto calendar = otherIn(GetParam(), "UTC");
+  const auto calendar = calendarOf(GetParam(), "UTC");
   for (const NSDate shown : dates(1777)) {
     const auto wrapped =
         calendar->dateByAddingUnit(NSCalendarUnitDay, 20, shown, NSCalendarWrapComponents);
@@ -365,7 +288,7 @@ TEST_P(OtherCalendars, WrapWithinTheLargerUnit) {
 }
 
 TEST_P(OtherCalendars, HaveNothingToSayOfDatesTooFarAway) {
-  const auto calendar = otherIn(GetParam(), "UTC");
+  const auto calendar = calendarOf(GetParam(), "UTC");
   for (const double seconds : {std::numeric_limits<double>::quiet_NaN(), 1e300, 4e11, -4e11}) {
     const NSDate far = NSDate::dateWithTimeIntervalSinceReferenceDate(seconds);
     EXPECT_EQ(calendar->components(kDate | kTime, far), NSDateComponents());
@@ -385,7 +308,7 @@ TEST_P(OtherCalendars, HaveNothingToSayOfDatesTooFarAway) {
 }
 
 TEST_P(OtherCalendars, HaveQuartersWhereEveryYearHasTwelveMonths) {
-  const auto calendar = otherIn(GetParam(), "UTC");
+  const auto calendar = calendarOf(GetParam(), "UTC");
   const bool has = calendar->maximumRangeOfUnit(NSCalendarUnitMonth).length == 12 &&
                    GetParam() != NSCalendarIdentifierChinese;
   const NSDate shown = date("2024-05-06T00:00:00Z");

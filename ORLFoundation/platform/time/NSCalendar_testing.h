@@ -1,4 +1,4 @@
-/// What tests of dates share: a pinned Gregorian calendar in a zone, dates by its clock, and
+/// What tests of dates share: a pinned calendar in a zone, dates by its clock, and
 /// calendars in the forms that vector files write them.
 #pragma once
 
@@ -13,15 +13,21 @@
 
 namespace orlftest {
 
-inline std::shared_ptr<ORLFoundation::NSCalendar> calendarIn(
-    std::string_view zone, ORLFoundation::NSInteger firstWeekday = 1,
+inline std::shared_ptr<ORLFoundation::NSCalendar> calendarOf(
+    std::string_view identifier, std::string_view zone, ORLFoundation::NSInteger firstWeekday = 1,
     ORLFoundation::NSInteger minimumDays = 1) {
   using namespace ORLFoundation;
-  const auto calendar = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian);
+  const auto calendar = NSCalendar::initWithCalendarIdentifier(identifier);
   calendar->setTimeZone(NSTimeZone::timeZoneWithName(zone));
   calendar->setFirstWeekday(firstWeekday);
   calendar->setMinimumDaysInFirstWeek(minimumDays);
   return calendar;
+}
+
+inline std::shared_ptr<ORLFoundation::NSCalendar> calendarIn(
+    std::string_view zone, ORLFoundation::NSInteger firstWeekday = 1,
+    ORLFoundation::NSInteger minimumDays = 1) {
+  return calendarOf(ORLFoundation::NSCalendarIdentifierGregorian, zone, firstWeekday, minimumDays);
 }
 
 /// Year, month, day, hour, minute and second on the calendar's clock.

@@ -217,6 +217,8 @@ NSUInteger NSTimeZone::hash() const { return std::hash<std::string>{}(name_); }
 
 std::string NSTimeZone::description() const { return name_; }
 
-std::shared_ptr<NSObject> NSTimeZone::copy() { return shared_from_this(); }
+std::shared_ptr<NSObject> NSTimeZone::copy() {
+  return receiverOr([this] { return std::make_shared<NSTimeZone>(name_, table_); });
+}
 
 }  // namespace ORLFoundation

@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/time/NSTimeZone.h>
 
+#include <ORLFoundation/platform/object/NSObject_testing.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -151,6 +152,14 @@ TEST(NSTimeZone, LeavesAStretchOpenThatNoClockChangeBounds) {
 TEST(NSTimeZone, ReadsATableOncePerZone) {
   const auto first = NSTimeZone::timeZoneWithName("Asia/Tokyo");
   EXPECT_EQ(&first->table(), &NSTimeZone::timeZoneWithName("Asia/Tokyo")->table());
+}
+
+TEST(NSTimeZone, CopiesOneOnTheStackToAnEqualOne) {
+  const auto owned = NSTimeZone::timeZoneForSecondsFromGMT(3600);
+  NSTimeZone zone(owned->name(), {owned, &owned->table()});
+  orlftest::expectEqualCopyOfUnowned(zone);
+  const auto copy = std::static_pointer_cast<NSTimeZone>(zone.copy());
+  EXPECT_EQ(copy->secondsFromGMTForDate(since1970(0)), 3600);
 }
 
 }  // namespace

@@ -49,7 +49,9 @@ class UTType final : public NSObject {
   [[nodiscard]] NSUInteger hash() const override;
   /// The identifier.
   [[nodiscard]] std::string description() const override { return identifier(); }
-  [[nodiscard]] std::shared_ptr<NSObject> copy() override { return shared_from_this(); }
+  [[nodiscard]] std::shared_ptr<NSObject> copy() override {
+    return receiverOr([this] { return std::make_shared<UTType>(Passkey(), record_, catalog_); });
+  }
 
  private:
   struct Passkey {};

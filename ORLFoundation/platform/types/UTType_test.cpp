@@ -3,6 +3,7 @@
 
 #include <ORLFoundation/platform/base/Replaced.h>
 
+#include <ORLFoundation/platform/object/NSObject_testing.h>
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -72,6 +73,13 @@ TEST(UTType, KnowsTheTypesOfTheSystem) {
     EXPECT_TRUE(csv->conformsToType(*UTType::typeWithIdentifier(above))) << above;
   EXPECT_FALSE(csv->conformsToType(*UTType::typeWithIdentifier("public.image")));
   EXPECT_FALSE(UTType::typeWithFilenameExtension("no such extension"));
+}
+
+TEST(UTType, CopiesOneOnTheStackToAnEqualOne) {
+  UTType type({}, {"a.leaf", {"leaf"}, {"x/leaf"}, {}}, nullptr);
+  orlftest::expectEqualCopyOfUnowned(type);
+  const auto copy = std::static_pointer_cast<UTType>(type.copy());
+  EXPECT_EQ(copy->preferredMIMEType(), "x/leaf");
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <ORLFoundation/platform/value/NSDate.h>
 
+#include <ORLFoundation/platform/base/CivilDays.h>
 #include <ORLFoundation/platform/base/Replaceable.h>
 
 #include <chrono>
@@ -13,6 +14,8 @@
 namespace ORLFoundation {
 namespace {
 
+namespace civil = internal::base::civil;
+
 constinit internal::base::ReplaceableFunction<std::function<NSDate()>> clocks;
 
 NSDate systemNow() {
@@ -20,7 +23,8 @@ NSDate systemNow() {
   return NSDate::dateWithTimeIntervalSince1970(std::chrono::duration<double>(sinceEpoch).count());
 }
 
-/// Beyond this many seconds from the reference date years no longer fit the calendar type.
+/// Beyond this many seconds from the reference date, some 28,500 years, a date is written as a
+/// number.
 constexpr double kPrintable = 9.0e11;
 
 }  // namespace
@@ -42,15 +46,11 @@ std::string NSDate::description() const {
     std::snprintf(text, sizeof text, "%g", seconds_);
     return text;
   }
-  const std::chrono::sys_seconds whole{std::chrono::seconds(
-      static_cast<std::int64_t>(std::floor(seconds_ + NSTimeIntervalSince1970)))};
-  const auto day = std::chrono::floor<std::chrono::days>(whole);
-  const std::chrono::year_month_day civil(day);
-  const std::chrono::hh_mm_ss time(whole - day);
-  std::snprintf(text, sizeof text, "%04d-%02u-%02u %02d:%02d:%02d +0000",
-                static_cast<int>(civil.year()), static_cast<unsigned>(civil.month()),
-                static_cast<unsigned>(civil.day()), static_cast<int>(time.hours().count()),
-                static_cast<int>(time.minutes().count()), static_cast<int>(time.seconds().count()));
+  const auto [day, second] = civil::splitSeconds(
+      static_cast<std::int64_t>(std::floor(seconds_ + NSTimeIntervalSince1970)));
+  const civil::Date date = civil::dateFromDay(day);
+  std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d +0000", date.year, date.month,
+                date.day, second / 3600, second / 60 % 60, second % 60);
   return text;
 }
 

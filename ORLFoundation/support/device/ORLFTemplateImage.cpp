@@ -35,7 +35,7 @@ Lightness lightnessOf(const CGImage& image) {
   std::vector<std::uint8_t> row(width * 4);
   std::uint8_t* out = lightness.pixels.data();
   for (std::size_t y = 0; y < image.height(); ++y, out += width) {
-    CGImageDrawRowOverWhite(image, y, row);
+    internal::image::drawRowOverWhite(image, y, row);
     const std::uint8_t* in = row.data();
     std::uint8_t darkest = lightness.darkest;
     for (std::size_t x = 0; x < width; ++x) {

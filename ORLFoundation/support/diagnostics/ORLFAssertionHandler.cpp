@@ -110,9 +110,6 @@ std::shared_ptr<NSAssertionHandler> customHandler() {
   return sharedHandler();
 }
 
-id ORLFFailingObject(const NSObject& object) {
-  if (auto held = object.weak_from_this().lock()) return held;
-  return std::shared_ptr<const NSObject>(std::shared_ptr<const NSObject>(), &object);
-}
+id ORLFFailingObject(const NSObject& object) { return object.receiverOrReference(); }
 
 }  // namespace ORLFoundation

@@ -28,15 +28,15 @@ struct ORLFXMLPropertyVocabulary {
   using Family = std::map<std::string, std::function<Operation>, std::less<>>;
 
   /// `make%@TypeWithValue:`  From the text of an attribute, nil when there is none.
-  Family<id(Builder& builder, const std::optional<std::string>& value)> basicTypes;
+  Family<id(Builder& builder, const std::optional<std::string>& value)> basicTypes = {};
   /// `makeCollectionOfType%@`
-  Family<id(Builder& builder)> collections;
+  Family<id(Builder& builder)> collections = {};
   /// `makeTextOfType%@`
-  Family<id(Builder& builder)> texts;
+  Family<id(Builder& builder)> texts = {};
   /// `makeObjectOfType%@`
-  Family<id(Builder& builder)> objects;
+  Family<id(Builder& builder)> objects = {};
   /// `addElement:to%@:`  By the type of the collection.
-  Family<void(Builder& builder, const id& element, const id& collection)> elementAdders;
+  Family<void(Builder& builder, const id& element, const id& collection)> elementAdders = {};
 
   /// These with more; of two under one name, that of `more`.
   [[nodiscard]] ORLFXMLPropertyVocabulary extendedBy(ORLFXMLPropertyVocabulary more) const;

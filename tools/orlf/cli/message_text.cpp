@@ -41,6 +41,15 @@ std::string oneLine(std::string_view text) {
   return line;
 }
 
+std::string joinedWithAnd(const std::vector<std::string>& words) {
+  std::string text;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    if (i > 0) text += i + 1 == words.size() ? " and " : ", ";
+    text += words[i];
+  }
+  return text;
+}
+
 void failAtField(const std::string& name, std::size_t line, const std::string& field,
                  std::string_view expected, std::string_view got) {
   std::string message = name + ":" + std::to_string(line) + ": ";

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace orlftool {
 
@@ -13,6 +14,8 @@ namespace orlftool {
 [[nodiscard]] std::string quotedForMessage(std::string_view text);
 /// A message without line ends and other control characters, whatever it quotes.
 [[nodiscard]] std::string oneLine(std::string_view text);
+/// "A", "A and B", "A, B and C".
+[[nodiscard]] std::string joinedWithAnd(const std::vector<std::string>& words);
 /// Throws JobFailure "name:line: field: expected ..., got ..."; an empty field is left out.
 [[noreturn]] void failAtField(const std::string& name, std::size_t line, const std::string& field,
                               std::string_view expected, std::string_view got);

@@ -21,6 +21,13 @@ TEST(MessageText, KeepsAMessageInOneLine) {
   EXPECT_EQ(oneLine("a\nb\r\tc\x7F\u00FC"), "a b  c \u00FC");
 }
 
+TEST(MessageText, JoinsWords) {
+  EXPECT_EQ(orlftool::joinedWithAnd({}), "");
+  EXPECT_EQ(orlftool::joinedWithAnd({"A"}), "A");
+  EXPECT_EQ(orlftool::joinedWithAnd({"A", "B"}), "A and B");
+  EXPECT_EQ(orlftool::joinedWithAnd({"A", "B", "C"}), "A, B and C");
+}
+
 TEST(MessageText, NamesFileLineAndFieldOfAFault) {
   const auto failure = [](const std::string& field) -> std::string {
     try {

@@ -1,14 +1,16 @@
 #include "cli/table.h"
 
+#include <ORLFoundation/platform/base/UTF8.h>
+
 #include <algorithm>
 #include <ostream>
 
 namespace orlftool {
 
 std::size_t characterCount(std::string_view text) {
-  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
-  }));
+  using ORLFoundation::internal::base::continuesUTF8Character;
+  const auto continued = std::count_if(text.begin(), text.end(), continuesUTF8Character);
+  return text.size() - static_cast<std::size_t>(continued);
 }
 
 Table::Table(std::vector<Column> columns) : columns_(std::move(columns)) {

@@ -2,20 +2,12 @@
 
 #include <optional>
 
+#include "cli/message_text.h"
+
 namespace orlftool {
 namespace {
 
 using namespace ORLFoundation;
-
-/// "A", "A and B", "A, B and C".
-std::string joined(const std::vector<std::string>& words) {
-  std::string text;
-  for (std::size_t i = 0; i < words.size(); ++i) {
-    if (i > 0) text += i + 1 == words.size() ? " and " : ", ";
-    text += words[i];
-  }
-  return text;
-}
 
 bool isAfter(NSDate left, NSDate right) { return left.compare(right) == NSOrderedDescending; }
 
@@ -27,7 +19,8 @@ std::string countedFromTheEnd(const ORLFDateRecurrenceRule::Integers& numbers, c
   for (const NSInteger number : numbers.value_or(std::vector<NSInteger>()))
     if (number < 0) found.push_back(std::to_string(number));
   if (found.empty()) return "";
-  return what + std::string(found.size() == 1 ? " " : "s ") + joined(found) + " of the " + whole;
+  return what + std::string(found.size() == 1 ? " " : "s ") + joinedWithAnd(found) + " of the " +
+         whole;
 }
 
 /// What of the rule can never match; empty for nothing.
@@ -37,7 +30,7 @@ std::string neverMatching(const ORLFDateRecurrenceRule& rule) {
                                   countedFromTheEnd(rule.daysOfTheYear(), "day", "year"),
                                   countedFromTheEnd(rule.weeksOfTheYear(), "week", "year")})
     if (!text.empty()) found.push_back(text);
-  return found.empty() ? "" : joined(found) + " can never match";
+  return found.empty() ? "" : joinedWithAnd(found) + " can never match";
 }
 
 /// The bounds leave no time between them.
@@ -72,7 +65,7 @@ std::vector<std::string> notesOnDates(const DatesRequest& request, bool areNone)
   std::vector<std::string> notes;
   const std::vector<std::string>& keys = request.passedOver;
   if (!keys.empty())
-    notes.push_back("--rule: " + joined(keys) +
+    notes.push_back("--rule: " + joinedWithAnd(keys) +
                     (keys.size() == 1 ? " is passed over" : " are passed over"));
   const std::string never = neverMatching(*request.rule);
   if (areNone) {

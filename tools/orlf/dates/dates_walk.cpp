@@ -1,5 +1,7 @@
 #include "dates/dates_walk.h"
 
+#include <ORLFoundation/platform/base/Replaced.h>
+#include <ORLFoundation/platform/log/NSLog.h>
 #include <ORLFoundation/recurrence/ORLFCalendarRecurrence.h>
 
 #include <vector>
@@ -129,10 +131,28 @@ void walkOn(DateTaker& taker, const DatesRequest& request) {
   }
 }
 
+/// Keeps back the conditions that walks log for patterns that no date fits, such as 31 February:
+/// they are no faults of whoever asks for dates.
+class QuietConditions {
+ private:
+  Replaced<NSLogSink> sink_{NSSetLogSink, [this](std::string_view message) {
+                              if (!message.starts_with("Condition Failed: ")) passOn(message);
+                            }};
+
+  /// A line that is logged while a sink runs reaches standard error.
+  void passOn(std::string_view message) const {
+    if (const NSLogSink& before = sink_.before())
+      before(message);
+    else
+      NSLog(message);
+  }
+};
+
 }  // namespace
 
 void walkDates(const DatesRequest& request, const std::function<void(NSDate)>& give) {
   refuseLongWalk(request);
+  const QuietConditions quiet;
   DateTaker taker(request, give);
   if (request.asksForRange()) {
     walkRange(taker, request);

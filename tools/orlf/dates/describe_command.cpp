@@ -1,11 +1,14 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "cli/command_line.h"
 #include "cli/json_output.h"
+#include "cli/message_text.h"
 #include "commands.h"
 #include "dates/rule_options.h"
+#include "dates/rule_text.h"
 #include "session.h"
 #include "values/whole_number.h"
 
@@ -25,6 +28,10 @@ void printDescription(Session& session, const RuleArguments& arguments) {
   const auto rule = readRule(arguments, "RULE");
   checkMonths(*rule);
   const std::string sentence = rule->humanReadableDescription();
+  const std::vector<std::string> untold =
+      arguments.rule ? keysWithoutWords(*arguments.rule) : std::vector<std::string>();
+  if (!untold.empty())
+    printNote(session, "RULE: the sentence does not tell of " + joinedWithAnd(untold));
   if (!session.options.json) {
     session.out << sentence << '\n';
     return;

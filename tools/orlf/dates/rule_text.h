@@ -22,8 +22,11 @@ struct RuleText {
 
 /// Looks at the parts of a text that the library takes for a rule. `name` is what messages call the
 /// text: "--rule". Throws UsageFailure for numbers that the options do not take either, such as
-/// month 13, a negative interval and "15x".
+/// month 13, a negative interval and "15x", and for a second COUNT or UNTIL.
 [[nodiscard]] RuleText readRuleText(const std::string& text, const std::string& name);
+/// The keys of a rule's text that its sentence tells nothing of, such as COUNT, each once, in their
+/// order.
+[[nodiscard]] std::vector<std::string> keysWithoutWords(const std::string& text);
 /// The line of the rule alone: further lines, which would spoil its last value, are cut off.
 [[nodiscard]] std::string ruleLine(const std::string& text);
 

@@ -73,8 +73,10 @@ std::string statementOf(const Layout& layout, int firstDay, int days, std::mt199
     std::snprintf(date.data(), date.size(), layout.dateFormat, day, 3, 2024);
     const int amount = static_cast<int>(random() % 300'000) - 150'000;
     balance += amount;
-    text += date.data() + separator + "\"Shop " + std::to_string(random() % 90) + ", Main; St\"" +
-            separator;
+    text += date.data();
+    text += separator;
+    text += "\"Shop " + std::to_string(random() % 90) + ", Main; St\"";
+    text += separator;
     if (hasColumns)
       text += (amount < 0 ? amountText(-amount, layout) + separator
                           : separator + amountText(amount, layout));

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <memory>
 #include <ostream>
 #include <span>
@@ -39,6 +40,30 @@ std::string withoutLineEnds(std::string_view value) {
   return result;
 }
 
+/// Drops the first lines of a text that comes in pieces.
+class LineSkipper {
+ public:
+  explicit LineSkipper(std::uint64_t lines) : left_(lines) {}
+
+  /// Moves what is kept of a piece to its front and tells its length.
+  std::size_t keep(std::span<char> piece) {
+    std::size_t at = 0;
+    while (at < piece.size() && (left_ != 0 || isAfterReturn_)) {
+      const char c = piece[at];
+      const bool endsReturn = std::exchange(isAfterReturn_, c == '\r' && left_ != 0) && c == '\n';
+      if (left_ == 0 && !endsReturn) break;
+      if (!endsReturn && (c == '\n' || c == '\r')) --left_;
+      ++at;
+    }
+    std::copy(piece.begin() + static_cast<std::ptrdiff_t>(at), piece.end(), piece.begin());
+    return piece.size() - at;
+  }
+
+ private:
+  std::uint64_t left_;
+  bool isAfterReturn_ = false;
+};
+
 }  // namespace
 
 std::optional<char> separatorNamed(std::string_view name) {
@@ -55,15 +80,26 @@ std::optional<char> readSeparatorOption(const std::optional<std::string>& name) 
 }
 
 void readTable(TextInput& input, std::optional<char> separator, Session& session,
-               const ORLFTabularRowBlock& usingBlock) {
+               const ORLFTabularRowBlock& usingBlock, std::uint64_t skipLines) {
   ProgressLine progress(session.err, input.size());
+  LineSkipper skipper(skipLines);
   const auto source = [&](std::span<char> buffer) {
-    progress.update(input.position());
-    return input.read(buffer);
+    for (;;) {
+      progress.update(input.position());
+      const std::size_t count = input.read(buffer);
+      const std::size_t kept = skipper.keep(buffer.first(count));
+      if (kept != 0 || count == 0) return kept;
+    }
+  };
+  const auto block = [&](const ORLFTabularRow& row, bool& stop) {
+    ORLFTabularRow counted = row;
+    counted.lineNumber += skipLines;
+    usingBlock(counted, stop);
   };
   std::shared_ptr<const NSError> error;
-  if (!orlfEnumerateTabularRowsOfSource(source, separator, usingBlock, {}, &error))
-    throw JobFailure(input.name() + ": " + error->localizedDescription());
+  if (!orlfEnumerateTabularRowsOfSource(source, separator, block, {}, &error))
+    throw JobFailure(input.name() + ": " + error->localizedDescription() +
+                     (skipLines == 0 ? "" : " (of those behind the lines that are skipped)"));
 }
 
 RowPrinter::RowPrinter(Session& session, std::string name, std::int64_t delimiterType)

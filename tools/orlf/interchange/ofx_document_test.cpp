@@ -26,7 +26,7 @@ using Notes = std::vector<std::string>;
 constexpr const char* kDeclaration =
     "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\"?>\n";
 constexpr const char* kHeader =
-    "<?OFX OFXHEADER=\"200\" VERSION=\"200\" SECURITY=\"NONE\" OLDFILEUID=\"NONE\" "
+    R"(<?OFX OFXHEADER="200" VERSION="200" SECURITY="NONE" OLDFILEUID="NONE" )"
     "NEWFILEUID=\"NONE\"?>\n";
 
 struct OfxCase {
@@ -46,7 +46,7 @@ const OfxCase kCases[] = {
     {"HeaderOnOneLine",
      "OFXHEADER:100DATA:OFXSGMLVERSION:102ENCODING:USASCIICHARSET:8859-1"
      "NEWFILEUID:ab-1<OFX><A>\xE9</OFX>",
-     "<?OFX OFXHEADER=\"200\" VERSION=\"200\" SECURITY=\"NONE\" OLDFILEUID=\"NONE\" "
+     R"(<?OFX OFXHEADER="200" VERSION="200" SECURITY="NONE" OLDFILEUID="NONE" )"
      "NEWFILEUID=\"ab-1\"?>\n",
      "<OFX><A>é</A></OFX>",
      {}},
@@ -62,20 +62,20 @@ const OfxCase kCases[] = {
      {}},
     {"Declaration",
      "<?xml version=\"1.0\" encoding='ISO-8859-1'?>\n<?OFX OFXHEADER=\"200\" "
-     "VERSION=\"211\" SECURITY=\"TYPE1\" OLDFILEUID=\"a\" NEWFILEUID=\"b\"?> "
+     R"(VERSION="211" SECURITY="TYPE1" OLDFILEUID="a" NEWFILEUID="b"?> )"
      "\n<OFX><A>\xE9</A></OFX>",
-     "<?OFX OFXHEADER=\"200\" VERSION=\"211\" SECURITY=\"TYPE1\" OLDFILEUID=\"a\" "
+     R"(<?OFX OFXHEADER="200" VERSION="211" SECURITY="TYPE1" OLDFILEUID="a" )"
      "NEWFILEUID=\"b\"?>\n",
      "<OFX><A>é</A></OFX>",
      {}},
     {"DeclarationOfOtherXml",
-     "<?xml version=\"1.0\"?><note><A>x</note>",
+     R"(<?xml version="1.0"?><note><A>x</note>)",
      "",
      "<note><A>x</A></note>",
      {"no header and no root of OFX"}},
     {"ValuesThatCouldEndTheHeader",
      "OFXHEADER:100\nNEWFILEUID:a\"?>b\n<OFX><A>1</OFX>",
-     "<?OFX OFXHEADER=\"200\" VERSION=\"200\" SECURITY=\"NONE\" OLDFILEUID=\"NONE\" "
+     R"(<?OFX OFXHEADER="200" VERSION="200" SECURITY="NONE" OLDFILEUID="NONE" )"
      "NEWFILEUID=\"ab\"?>\n",
      "<OFX><A>1</A></OFX>",
      {}},
@@ -103,7 +103,7 @@ const OfxCase kCases[] = {
      {"no header and no root of OFX"}},
     {"UnmarkedUTF16", "\0<\0A\0>\0<\0/\0A\0>"sv, "", "<A></A>", {"no header and no root of OFX"}},
     {"UTF16InName",
-     "<?xml version=\"1.0\" encoding=\"UTF-16\"?><OFX><A>1</A></OFX>",
+     R"(<?xml version="1.0" encoding="UTF-16"?><OFX><A>1</A></OFX>)",
      kHeader,
      "<OFX><A>1</A></OFX>",
      {"the file says utf-16, its bytes do not: read as utf-8", "no header of OFX"}},
@@ -130,7 +130,7 @@ const OfxCase kCases[] = {
      {"the header's CHARSET is unknown: '437'",
       "the file does not tell its encoding: read as windows-1252"}},
     {"UnknownDeclaration",
-     "<?xml version=\"1.0\" encoding=\"KOI8-R\"?><OFX><A>1</OFX>",
+     R"(<?xml version="1.0" encoding="KOI8-R"?><OFX><A>1</OFX>)",
      kHeader,
      "<OFX><A>1</A></OFX>",
      {"the declaration's encoding is unknown: 'KOI8-R'", "no header of OFX"}},

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -22,6 +23,7 @@ namespace {
 using namespace ORLFoundation;
 
 constexpr std::int64_t kFewestSteps = 2, kMostSteps = 1000;
+constexpr double kFinestStep = 0.2;
 
 struct AxisArguments {
   std::string min, max;
@@ -44,6 +46,9 @@ std::shared_ptr<ORLFMathematicalAxis> makeAxis(const AxisArguments& arguments) {
       readWholeArgument("--steps", arguments.steps, kFewestSteps, kMostSteps);
   const double min = readBound("MIN", arguments.min);
   const double max = readBound("MAX", arguments.max);
+  // One step would hold the whole range. Equal bounds span ten.
+  if (min != max && std::fabs(max - min) < kFinestStep)
+    throw JobFailure("the range is narrower than 0.2, the finest step of an axis");
   auto axis = std::make_shared<ORLFMathematicalAxis>(min, max, static_cast<NSUInteger>(steps));
   if (axis->stepCount() == 0)
     throw JobFailure("the bounds are equal or too close together for their size");

@@ -9,6 +9,7 @@
 #include "commands.h"
 #include "plan/loan_table.h"
 #include "session.h"
+#include "values/decimal_behavior.h"
 #include "values/decimal_text.h"
 #include "values/whole_number.h"
 
@@ -27,29 +28,40 @@ struct LoanArguments {
   bool schedule = false;
 };
 
-/// Throws UsageFailure unless the number is on the right side of zero.
-void requireFromZero(std::string_view option, const NSDecimalNumber& number, bool zeroToo,
-                     const std::string& text) {
-  const NSComparisonResult order = number.compare(NSDecimalNumber::zero());
-  if (order == NSOrderedDescending || (zeroToo && order == NSOrderedSame)) return;
-  throw UsageFailure(std::string(option) + ": expected a number " +
-                     (zeroToo ? "from 0 on" : "above 0") + ", got '" + text + "'");
+bool isAboveZero(const NSDecimalNumber& number) {
+  return number.compare(NSDecimalNumber::zero()) == NSOrderedDescending;
+}
+
+std::string placesText(int places) {
+  return std::to_string(places) + (places == 1 ? " place" : " places");
 }
 
 /// A rate of 1 or more without a percent sign is a percentage whose sign was forgotten.
 NSDecimalNumber readLoanRate(const std::string& text) {
   const NSDecimalNumber rate = readRateArgument("--rate", text);
-  requireFromZero("--rate", rate, true, text);
+  if (rate.compare(NSDecimalNumber::zero()) == NSOrderedAscending)
+    throw UsageFailure("--rate: expected a number from 0 on, got '" + text + "'");
   if (!text.ends_with('%') && rate.compare(NSDecimalNumber::one()) != NSOrderedAscending)
     throw UsageFailure("--rate: expected a rate below 1 or one with a percent sign, " + text +
                        "%, got '" + text + "'");
   return rate;
 }
 
+/// As typed, then rounded: what is left of it must be borrowed money still.
+NSDecimalNumber readPrincipal(const std::string& text, const DecimalRules& rounding) {
+  const NSDecimalNumber typed = readDecimalArgument("--principal", text);
+  if (!isAboveZero(typed))
+    throw UsageFailure("--principal: expected a number above 0, got '" + text + "'");
+  const NSDecimalNumber principal =
+      *typed.decimalNumberByRoundingAccordingToBehavior(makeBehavior(rounding).get());
+  if (!isAboveZero(principal))
+    throw UsageFailure("--principal: expected a number that is above 0 when it is rounded to " +
+                       placesText(rounding.scale) + ", got '" + text + "'");
+  return principal;
+}
+
 LoanTerms readTerms(const LoanArguments& arguments) {
   LoanTerms terms;
-  terms.principal = readDecimalArgument("--principal", arguments.principal);
-  requireFromZero("--principal", terms.principal, false, arguments.principal);
   terms.rate = readLoanRate(arguments.rate);
   const auto number = [](std::string_view option, const std::string& text, std::int64_t most) {
     return static_cast<std::int32_t>(readWholeArgument(option, text, 1, most));
@@ -59,9 +71,7 @@ LoanTerms readTerms(const LoanArguments& arguments) {
   terms.periods = number("--periods", arguments.periods, kMostPeriods);
   (void)readWholeArgument("--scale", arguments.scale, 0, kMostPlaces);
   terms.rounding = readDecimalRules({.scale = arguments.scale, .mode = arguments.mode});
-  terms.principal = *terms.principal.decimalNumberByRoundingAccordingToBehavior(
-      makeBehavior(terms.rounding).get());
-  requireFromZero("--principal", terms.principal, false, arguments.principal);
+  terms.principal = readPrincipal(arguments.principal, terms.rounding);
   return terms;
 }
 
@@ -122,9 +132,8 @@ void printText(Session& session, const LoanArguments& arguments, const LoanTerms
               << "Paid in all:    " << money.text(table.paid) << '\n'
               << "Interest:       " << money.text(table.interest) << '\n'
               << "Period's rate:  " << rateText(table.ratePerPeriod, locale) << '\n'
-              << "Rounding:       payment and interest to " << places
-              << (places == 1 ? " place, " : " places, ") << arguments.mode
-              << "; the last payment clears the balance\n";
+              << "Rounding:       payment and interest to " << placesText(places) << ", "
+              << arguments.mode << "; the last payment clears the balance\n";
   if (!arguments.schedule) return;
   session.out << '\n';
   printTable(session.out, table, money);

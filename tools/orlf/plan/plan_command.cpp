@@ -50,6 +50,17 @@ NSCalendarUnit usualSpacing(NSDate from, NSDate to) {
   return to.timeIntervalSinceDate(from) > kThreeYears ? NSCalendarUnitYear : NSCalendarUnitMonth;
 }
 
+/// The first date lies after the last: names the one that was typed.
+[[noreturn]] void refuseOrder(const PlanArguments& arguments, const PlanDates& dates,
+                              const NSCalendar& calendar) {
+  if (!arguments.from && arguments.to)
+    throw UsageFailure("--to: expected a date that is not before " +
+                       shortDateText(dates.from, calendar) + ", got '" + *arguments.to + "'");
+  throw UsageFailure("--from: expected a date that is not after " +
+                     shortDateText(dates.to, calendar) + ", got '" +
+                     arguments.from.value_or(shortDateText(dates.from, calendar)) + "'");
+}
+
 PlanDates readDates(const PlanArguments& arguments, const PlanModel& model) {
   const NSCalendar& calendar = model.calendar();
   PlanDates dates;
@@ -60,10 +71,7 @@ PlanDates readDates(const PlanArguments& arguments, const PlanModel& model) {
   const std::optional<NSDate> end = model.file.end;
   if (end && dates.to.compare(*end) == NSOrderedDescending) dates.to = *end;
   dates.closes = end == dates.to;
-  if (dates.from.compare(dates.to) == NSOrderedDescending)
-    throw UsageFailure("--from: expected a date that is not after " +
-                       shortDateText(dates.to, calendar) + ", got " +
-                       shortDateText(dates.from, calendar));
+  if (dates.from.compare(dates.to) == NSOrderedDescending) refuseOrder(arguments, dates, calendar);
   if (arguments.every) {
     dates.every = unitNamed(*arguments.every);
     if (!dates.every)

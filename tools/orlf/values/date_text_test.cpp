@@ -1,5 +1,6 @@
 #include "values/date_text.h"
 
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -11,12 +12,9 @@
 namespace {
 
 using namespace ORLFoundation;
+using orlftest::calendarIn;
 using orlftool::dateTimeText;
 using orlftool::readDate;
-
-std::shared_ptr<NSCalendar> calendarIn(const std::string& zone) {
-  return orlftool::makeCalendar(zone, "en_US");
-}
 
 struct ReadRow {
   std::string name, zone, text, printed;

@@ -46,7 +46,7 @@ std::size_t endWithoutLineBreaks(std::string_view text) {
   while (!text.empty()) {
     if (isASCII(text.back()) && text.back() > '\r') break;
     std::size_t last = text.size() - 1;
-    while (last > 0 && (static_cast<unsigned char>(text[last]) & 0xC0U) == 0x80U) --last;
+    while (last > 0 && continuesUTF8Character(text[last])) --last;
     const UTF8Character character = firstUTF8Character(text.substr(last));
     if (!lineBreaks.longCharacterIsMember(character.codePoint)) break;
     text = text.substr(0, last);

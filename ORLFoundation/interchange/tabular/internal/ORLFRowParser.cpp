@@ -60,6 +60,10 @@ void ORLFRowParser::setText(std::string_view text, bool last) {
 ORLFRowParser::Outcome ORLFRowParser::read() {
   beginRow();
   for (;;) {
+    if (passPlainField()) {
+      if (!beginsPlainly() && passBlanks() == Step::kMore) return Outcome::kMore;
+      continue;
+    }
     const std::size_t stop = stops_.find(at_);
     switch (step(stop)) {
       case Step::kOn:
@@ -88,6 +92,27 @@ void ORLFRowParser::beginRow() {
   field_ = {};
   fields_.clear();
   piecedCount_ = 0;
+}
+
+/// Most fields stand in one piece, marks around them or none, with a separator behind. Any other is
+/// left to the steps.
+bool ORLFRowParser::passPlainField() {
+  if (isQuoted_ || holdsField() || fields_.size() == mostFields_) return false;
+  std::size_t start = at_;
+  std::size_t stop = stops_.find(start);
+  if (stop == text_.size()) return false;
+  const bool isMarked = stop == start && text_[stop] == '"';
+  if (isMarked) {
+    ++start;
+    do stop = stops_.find(stop + 1);
+    while (stop < text_.size() && text_[stop] == separator_);
+    if (stop + 1 >= text_.size() || text_[stop] != '"') return false;
+  }
+  const std::size_t end = isMarked ? stop + 1 : stop;
+  if (text_[end] != separator_) return false;
+  fields_.push_back(text_.substr(start, stop - start));
+  at_ = end + 1;
+  return true;
 }
 
 ORLFRowParser::Step ORLFRowParser::step(std::size_t stop) {
@@ -138,6 +163,10 @@ ORLFRowParser::Step ORLFRowParser::passSeparator() {
   if (fields_.size() == mostFields_) return Step::kWide;
   endField();
   ++at_;
+  return passBlanks();
+}
+
+ORLFRowParser::Step ORLFRowParser::passBlanks() {
   for (;;) {
     const std::string_view next = ahead();
     const std::size_t blank = next.starts_with(separator_) ? 0 : lengthOfWhitespace(next);

@@ -59,6 +59,12 @@ class ORLFRowParser {
   Step passMark();
   Step passSeparator();
   void beginRow();
+  bool passPlainField();
+  Step passBlanks();
+  /// Whether no white space, and nothing that may be some, stands here.
+  [[nodiscard]] bool beginsPlainly() const noexcept {
+    return at_ < text_.size() && text_[at_] > ' ';
+  }
   void append(std::string_view piece);
   void endField();
   void endRow();

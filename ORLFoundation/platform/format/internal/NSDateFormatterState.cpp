@@ -90,7 +90,7 @@ std::optional<NSDate> NSDateFormatterState::dayFromToday(NSInteger days) {
 
 std::optional<std::string> NSDateFormatterState::relativeText(NSDate date) {
   const auto days = daysFromToday(date);
-  const auto word = days ? wordOfDay(icuLocale(), *days) : std::nullopt;
+  auto word = days ? wordOfDay(icuLocale(), *days) : std::nullopt;
   if (!word || settings.timeStyle == NSDateFormatterNoStyle) return word;
   const std::string format =
       patternWithWord(icuLocale(), settings.dateStyle, settings.timeStyle, *word);

@@ -1,0 +1,328 @@
+// Tables turned into QIF and TXF files by the tool.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <tests/support/TemporaryFolder.h>
+#include <tests/tool/RunTool.h>
+
+namespace {
+
+using orlftest::runTool;
+using orlftest::ToolRun;
+using Words = std::vector<std::string>;
+
+class RecordFiles : public orlftest::TemporaryFolderTest {
+ protected:
+  /// Runs a command over a table. What it writes is in `written()`.
+  ToolRun run(const std::string& command, std::string_view table, const Words& options) {
+    write("in.csv", table);
+    Words words{command, path("in.csv"), "-o", path("out")};
+    words.insert(words.end(), options.begin(), options.end());
+    return runTool(words);
+  }
+  ToolRun qif(std::string_view table, Words options = {}) {
+    options.insert(options.begin(), {"--account", "Main"});
+    return run("qif", table, options);
+  }
+  /// A run that succeeds, and the file that it writes without its first five lines.
+  std::string transactions(std::string_view table, const Words& options = {}) {
+    const ToolRun ran = qif(table, options);
+    EXPECT_EQ(ran.exitCode, 0) << ran.err;
+    const std::string head = "!Account\nNMain\nTBank\n^\n!Type:Bank\n";
+    EXPECT_TRUE(written().starts_with(head)) << written();
+    return written().substr(head.size());
+  }
+  /// A run that fails and leaves no file; the last line of its errors, without the path.
+  std::string fault(const ToolRun& ran, int exitCode = 1) {
+    EXPECT_EQ(ran.exitCode, exitCode);
+    EXPECT_EQ(names(), Words{"in.csv"});
+    EXPECT_EQ(ran.out, "");
+    std::string text = ran.err;
+    if (text.ends_with('\n')) text.pop_back();
+    text = text.substr(text.rfind('\n') + 1);
+    const std::string file = path("in.csv");
+    const std::size_t at = text.find(file);
+    return at == text.npos ? text : text.replace(at, file.size(), "in.csv");
+  }
+  [[nodiscard]] std::string written() const { return read("out"); }
+};
+
+constexpr std::string_view kStatement =
+    "Date,Description,Amount,Category,Memo\n"
+    "12/24/2023,Grocer,\"-1,234.50\",Food/Out,weekly\n"
+    "12/25/2023,Employer,2000,Pay:Main,\n";
+
+TEST_F(RecordFiles, TurnsAStatementIntoQif) {
+  const ToolRun ran = qif(kStatement);
+  EXPECT_EQ(ran.exitCode, 0);
+  EXPECT_EQ(ran.out, path("out") + ": 2 records\n");
+  EXPECT_EQ(ran.err, "orlf qif: dates are read as mdy: line 2, '12/24/2023', decides\n");
+  EXPECT_EQ(written(),
+            "!Account\nNMain\nTBank\n^\n!Type:Bank\n"
+            "D12/24/2023\nT-1234.50\nPGrocer\nMweekly\nLFood-Out\n^\n"
+            "D12/25/2023\nT2000.00\nPEmployer\nLPay:Main\n^\n");
+}
+
+TEST_F(RecordFiles, TellsItsCountsAsJson) {
+  const ToolRun ran = qif(kStatement, {"--json"});
+  EXPECT_EQ(nlohmann::json::parse(ran.out),
+            (nlohmann::json{{"file", path("out")}, {"records", 2}, {"skipped", 0}}));
+}
+
+TEST_F(RecordFiles, WritesTheSameInEveryLocaleAndZone) {
+  const std::string usual = transactions(kStatement);
+  for (const char* locale : {"de_DE", "ar_EG", "hi_IN", "fr_CH", "th_TH"})
+    EXPECT_EQ(transactions(kStatement, {"--locale", locale}), usual) << locale;
+  for (const char* zone : {"Pacific/Kiritimati", "America/Sao_Paulo", "Africa/Cairo"})
+    EXPECT_EQ(transactions(kStatement, {"--tz", zone}), usual) << zone;
+}
+
+TEST_F(RecordFiles, MapsColumnsByNumberAndByHeading) {
+  const std::string_view table = "13.5.2023;a;12,50;b\n14.5.2023;c;-1.000,00;d\n";
+  const std::string expected =
+      "D05/13/2023\nT12.50\nPb\nMa\n^\nD05/14/2023\nT-1000.00\nPd\nMc\n^\n";
+  EXPECT_EQ(transactions(table, {"--map", "date=1,amount=3,payee=4,memo=2"}), expected);
+  const std::string headed = "Tag;Grund;Summe;Wer\n" + std::string(table);
+  EXPECT_EQ(transactions(headed, {"--map", "date=tag,amount=3,payee=WER,memo=Grund"}), expected);
+  EXPECT_EQ(transactions(headed, {"--map", "date=1,amount=3,payee=4,memo=2"}), expected);
+}
+
+TEST_F(RecordFiles, TakesDebitsAndCredits) {
+  const std::string map = "date=1,debit=2,credit=3";
+  EXPECT_EQ(transactions("2023-01-31,5,\n2023-01-31,,6\n2023-01-31,0,0\n2023-01-31,7.5,0.00\n",
+                         {"--map", map}),
+            "D01/31/2023\nT-5.00\n^\nD01/31/2023\nT6.00\n^\nD01/31/2023\nT0.00\n^\n"
+            "D01/31/2023\nT-7.50\n^\n");
+  EXPECT_EQ(transactions("2023-01-31,-5,\n2023-01-31,,6\n", {"--map", map, "--negate"}),
+            "D01/31/2023\nT5.00\n^\nD01/31/2023\nT-6.00\n^\n");
+}
+
+TEST_F(RecordFiles, RefusesDebitsAndCreditsThatContradict) {
+  const Words map{"--map", "date=1,debit=2,credit=3"};
+  EXPECT_EQ(fault(qif("2023-01-31,5,6\n", map)),
+            "orlf qif: in.csv:1: debit: expected a debit or a credit, of which one is empty or 0, "
+            "got '5'");
+  EXPECT_EQ(fault(qif("2023-01-31,5,\n2023-01-31,-5,\n", map)),
+            "orlf qif: in.csv:2: debit: expected debits of one sign in the column, got '-5'");
+  EXPECT_EQ(fault(qif("2023-01-31,,\n", map)),
+            "orlf qif: in.csv:1: amount: expected an amount, got ''");
+}
+
+TEST_F(RecordFiles, WritesTransfersNumbersAndClearedStates) {
+  EXPECT_EQ(transactions("date,amount,category,transfer,number,cleared\n"
+                         "2023-01-31,1,Lost,Savings,17,R\n2023-01-31,2,Kept,,,c\n",
+                         {}),
+            "D01/31/2023\nT1.00\nCR\nN17\nL[Savings]\n^\nD01/31/2023\nT2.00\nCc\nLKept\n^\n");
+}
+
+TEST_F(RecordFiles, KeepsAFieldToItsLine) {
+  EXPECT_EQ(transactions("2023-01-31,1,\"Shop\n^\nD01/01/2000\r\nT-999\u2028x\ty\"\n",
+                         {"--map", "date=1,amount=2,payee=3"}),
+            "D01/31/2023\nT1.00\nPShop ^ D01/01/2000 T-999 x y\n^\n");
+}
+
+TEST_F(RecordFiles, SkipsLinesAtTheBeginning) {
+  const std::string_view table = "My bank\r\n\"open\r\n2023-01-31;1,5\r\n2023-01-32;2\r\n";
+  const Words options{"--skip-lines", "2", "--map", "date=1,amount=2", "--skip-bad"};
+  const ToolRun ran = qif(table, options);
+  EXPECT_EQ(ran.exitCode, 0) << ran.err;
+  EXPECT_TRUE(written().ends_with("!Type:Bank\nD01/31/2023\nT1.50\n^\n")) << written();
+  EXPECT_NE(ran.err.find(":4: date: expected"), std::string::npos) << ran.err;
+}
+
+TEST_F(RecordFiles, NamesABadRowAndWritesNothing) {
+  const std::string_view table =
+      "2023-01-31,1\n2023-02-30,2\nTotal,3\n2023-02-01,x\n2023-02-28,4\n";
+  const Words map{"--map", "date=1,amount=2"};
+  EXPECT_EQ(fault(qif(table, map)),
+            "orlf qif: in.csv:2: date: expected a date of the column's format, got '2023-02-30'");
+  const ToolRun ran = qif(table, {"--map", "date=1,amount=2", "--skip-bad"});
+  EXPECT_EQ(ran.exitCode, 0);
+  EXPECT_EQ(ran.out, path("out") + ": 2 records, 3 rows left out\n");
+  for (const char* part : {":2: date: ", ":3: date: ", ":4: amount: "})
+    EXPECT_NE(ran.err.find(part), std::string::npos) << part;
+  EXPECT_TRUE(written().ends_with("T1.00\n^\nD02/28/2023\nT4.00\n^\n")) << written();
+}
+
+TEST_F(RecordFiles, LeavesTheTargetAsItWasWhereTheJobFails) {
+  write("out", "old");
+  EXPECT_EQ(qif("2023-01-31,1\n2023-01-31,x\n", {"--map", "date=1,amount=2"}).exitCode, 1);
+  EXPECT_EQ(written(), "old");
+  EXPECT_EQ(names(), (Words{"in.csv", "out"}));
+}
+
+TEST_F(RecordFiles, AsksWhereTheOrderOfDatesIsOpen) {
+  const std::string_view table = "03/04/2021,1\n05/04/2021,2\n";
+  const ToolRun ran = qif(table, {"--map", "date=1,amount=2"});
+  EXPECT_EQ(fault(ran),
+            "orlf qif: in.csv: the dates fit more than one order: --date-format dmy or mdy tells "
+            "which");
+  EXPECT_NE(ran.err.find("dmy: 2021-04-03 to 2021-04-05, ascending"), std::string::npos);
+  EXPECT_NE(ran.err.find("mdy: 2021-03-04 to 2021-05-04, ascending"), std::string::npos);
+  EXPECT_EQ(transactions(table, {"--map", "date=1,amount=2", "--date-format", "dmy"}),
+            "D04/03/2021\nT1.00\n^\nD04/05/2021\nT2.00\n^\n");
+}
+
+TEST_F(RecordFiles, AsksWhereTheDecimalMarkIsOpen) {
+  const std::string_view table = "2021-04-30;1.234\n2021-04-30;5\n";
+  const std::string map = "date=1,amount=2";
+  EXPECT_EQ(fault(qif(table, {"--map", map})),
+            "orlf qif: in.csv: nothing tells whether line 1, '1.234', has a decimal mark or groups "
+            "of three: --decimal point or comma does");
+  EXPECT_EQ(transactions(table, {"--map", map, "--decimal", "comma"}),
+            "D04/30/2021\nT1234.00\n^\nD04/30/2021\nT5.00\n^\n");
+  EXPECT_EQ(transactions(table, {"--map", map, "--decimal", "point"}),
+            "D04/30/2021\nT1.234\n^\nD04/30/2021\nT5.00\n^\n");
+}
+
+TEST_F(RecordFiles, ReadsAndWritesEncodings) {
+  const std::string_view latin = "2023-01-31,1,caf\xE9\n";
+  const std::string map = "date=1,amount=2,payee=3";
+  EXPECT_EQ(transactions(latin, {"--map", map, "--encoding", "latin-1"}),
+            "D01/31/2023\nT1.00\nPcafé\n^\n");
+  EXPECT_EQ(transactions(latin,
+                         {"--map", map, "--encoding", "latin-1", "--output-encoding", "mac-roman"}),
+            "D01/31/2023\nT1.00\nPcaf\x8E\n^\n");
+}
+
+TEST_F(RecordFiles, NamesARowThatTheEncodingCannotHold) {
+  const std::string_view table = "2023-01-31,1,ok\n2023-01-31,2,日本\n";
+  const Words options{"--map", "date=1,amount=2,payee=3", "--output-encoding", "latin-1"};
+  EXPECT_EQ(fault(qif(table, options)),
+            "orlf qif: in.csv:2: record: expected characters of the output's encoding, got others");
+}
+
+TEST_F(RecordFiles, RefusesLongAmountsAndOpenMarks) {
+  const Words map{"--map", "date=1,amount=2"};
+  EXPECT_EQ(fault(qif("2023-01-31,1234567890123456.7\n", map)),
+            "orlf qif: in.csv:1: amount: expected an amount of at most 15 digits, got "
+            "'1234567890123456.7'");
+  EXPECT_EQ(fault(qif("2023-01-31,1\n2023-01-31,\"2\n", map)),
+            "orlf qif: in.csv:2: expected a closing quotation mark, got the end of the file");
+  EXPECT_EQ(fault(qif("\n\n", map)), "orlf qif: in.csv: expected rows, got none");
+}
+
+TEST_F(RecordFiles, WritesInvestments) {
+  const ToolRun ran = run("qif",
+                          "date,action,security,price,quantity,amount,commission,transfer,"
+                          "transfer amount\n"
+                          "2023-01-31,buyx,Acme,12.5,100,1259.95,9.95,Checking,1259.95\n"
+                          "2023-02-01,StkSplit,Acme,,20,,,,\n2023-02-02,Div,Acme,,,3,,,\n",
+                          {"--account", "Broker", "--kind", "investments"});
+  EXPECT_EQ(ran.exitCode, 0) << ran.err;
+  EXPECT_EQ(written(),
+            "!Account\nNBroker\nTInvst\n^\n!Type:Invst\n"
+            "D01/31/2023\nNBuyX\nYAcme\nI12.50\nQ100.00\nT1259.95\nO9.95\nL[Checking]\n$1259.95\n"
+            "^\nD02/01/2023\nNStkSplit\nYAcme\nQ20.00\n^\nD02/02/2023\nNDiv\nYAcme\nT3.00\n^\n");
+  EXPECT_EQ(
+      run("qif", "date,action\n2023-01-31,Borrow\n", {"--account", "B", "--kind", "investments"})
+          .exitCode,
+      1);
+}
+
+TEST_F(RecordFiles, WritesSecuritiesPricesAndCategories) {
+  EXPECT_EQ(run("qif", "name,symbol,type,risk\nAcme,ACM,stock,growth\nBonds,,,\n",
+                {"--kind", "securities"})
+                .exitCode,
+            0);
+  EXPECT_EQ(written(), "!Type:Security\nNAcme\nSACM\nTStock\nGGrowth\n^\nNBonds\nS\nT\nG\n^\n^\n");
+  EXPECT_EQ(
+      run("qif", "symbol,price,date\nACM,\"1,234.5\",2023-01-31\n", {"--kind", "prices"}).exitCode,
+      0);
+  EXPECT_EQ(written(), "!Type:Prices\n\"ACM\",1234.50,\"01/31/2023\"\n^\n");
+  EXPECT_EQ(run("qif", "name,type,description,tax,tax code\nPay,income,Work,yes,460\nFood,,,,\n",
+                {"--kind", "categories"})
+                .exitCode,
+            0);
+  EXPECT_EQ(written(), "!Type:Cat\nNPay\nI\nDWork\nT\nR460\n^\nNFood\nE\n^\n");
+}
+
+TEST_F(RecordFiles, WritesAllKindsOfAccounts) {
+  const std::pair<const char*, const char*> types[] = {{"bank", "Bank\n^\n!Type:Bank"},
+                                                       {"cash", "Cash\n^\n!Type:Cash"},
+                                                       {"card", "CCard\n^\n!Type:CCard"},
+                                                       {"asset", "Oth A\n^\n!Type:Oth A"},
+                                                       {"Oth L", "Oth L\n^\n!Type:Oth L"}};
+  for (const auto& [type, lines] : types) {
+    EXPECT_EQ(qif(kStatement, {"--type", type}).exitCode, 0) << type;
+    EXPECT_TRUE(written().starts_with("!Account\nNMain\nT" + std::string(lines))) << type;
+  }
+}
+
+TEST_F(RecordFiles, RefusesWordsThatMakeNoSense) {
+  const Words given[] = {{"--kind", "loans"},
+                         {"--type", "invst"},
+                         {"--type", "wallet"},
+                         {"--decimal", "dot"},
+                         {"--date-format", "ddmm"},
+                         {"--skip-lines", "-1"},
+                         {"--encoding", "ebcdic"},
+                         {"--separator", "pipe"},
+                         {"--map", "colour=1"},
+                         {"--map", "date=1,payee=2"},
+                         {"--map", "date=1,amount=3,debit=3"}};
+  for (const Words& words : given) fault(qif(kStatement, words), 2);
+  fault(run("qif", kStatement, {}), 2);
+  fault(run("qif", kStatement, {"--account", "A", "--kind", "prices"}), 2);
+  fault(run("txf", kStatement, {"--kind", "losses"}), 2);
+}
+
+TEST_F(RecordFiles, RefusesAPipe) {
+  ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
+  const ToolRun ran = runTool({"qif", path("pipe"), "-o", path("out"), "--account", "A"});
+  EXPECT_EQ(ran.exitCode, 1);
+  EXPECT_NE(ran.err.find("can be read twice"), std::string::npos) << ran.err;
+}
+
+std::string header(const std::string& text) { return text.substr(0, text.find("^\n") + 2); }
+
+TEST_F(RecordFiles, TurnsSalesIntoTxf) {
+  const ToolRun ran = run("txf",
+                          "security,shares,bought,sold,cost,proceeds,copy,line\n"
+                          "Acme,1000.5,2023-01-15,2024-01-15,\"1,000\",1250.255,,\n"
+                          "Acme,1,2023-01-15,2024-01-16,1,2,2,3\n"
+                          "Leap,1,2020-02-29,2021-02-28,1,2,,\n"
+                          "Leap,1,2020-02-29,2021-03-01,1,2,,\n",
+                          {"--export-date", "2024-12-31"});
+  EXPECT_EQ(ran.exitCode, 0) << ran.err;
+  const std::string text = written();
+  EXPECT_TRUE(header(text).starts_with("V042\nAorlf ")) << text;
+  EXPECT_TRUE(header(text).ends_with("\nD12/31/2024\n^\n")) << text;
+  EXPECT_EQ(text.substr(header(text).size()),
+            "TD\nN321\nC1\nL1\nP1000.5 Acme\nD01/15/2023\nD01/15/2024\n$1000.00\n$1250.255\n^\n"
+            "TD\nN323\nC2\nL3\nP1 Acme\nD01/15/2023\nD01/16/2024\n$1.00\n$2.00\n^\n"
+            "TD\nN321\nC1\nL1\nP1 Leap\nD02/29/2020\nD02/28/2021\n$1.00\n$2.00\n^\n"
+            "TD\nN323\nC1\nL1\nP1 Leap\nD02/29/2020\nD03/01/2021\n$1.00\n$2.00\n^\n");
+}
+
+TEST_F(RecordFiles, TurnsAmountsIntoTxf) {
+  EXPECT_EQ(
+      run("txf", "reference,amount,copy,line\n287,-12.5,1,2\n", {"--kind", "summary"}).exitCode, 0);
+  EXPECT_EQ(written().substr(header(written()).size()), "TS\nN287\nC1\nL2\n$-12.50\n^\n");
+  EXPECT_EQ(run("txf", "reference,amount,date,account,check,payee\n287,1,2024-01-31,Main,12,Shop\n",
+                {"--kind", "detail"})
+                .exitCode,
+            0);
+  EXPECT_EQ(written().substr(header(written()).size()),
+            "TD\nN287\nC1\nL1\n$1.00\nX01/31/2024 Main 12     Shop" +
+                std::string(36 + 1 + 40 + 1 + 15, ' ') + "\n^\n");
+}
+
+TEST_F(RecordFiles, NamesBadRowsOfTaxTables) {
+  const std::string head = "security,shares,bought,sold,cost,proceeds,copy\n";
+  EXPECT_EQ(fault(run("txf", head + "Acme,1,2023-01-15,2024-01-15,1,2,0\n", {})),
+            "orlf txf: in.csv:2: copy: expected a whole number from 1 on, got '0'");
+  EXPECT_EQ(fault(run("txf", head + "Acme,,2023-01-15,2024-01-15,1,2,1\n", {})),
+            "orlf txf: in.csv:2: shares: expected an amount such as -1,250.75, (12.50), $5 or 5 "
+            "EUR, got ''");
+  EXPECT_EQ(fault(run("txf", "reference,amount\nabc,1\n", {"--kind", "summary"})),
+            "orlf txf: in.csv:2: reference: expected the number of a tax line such as 287, got "
+            "'abc'");
+}
+
+}  // namespace

@@ -1,0 +1,99 @@
+#include "interchange/number_column.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "cli/failure.h"
+
+namespace orlftool {
+namespace {
+
+using ORLFoundation::NSDecimalNumber;
+
+std::string read(std::string_view text, DecimalMark mark = DecimalMark::Point) {
+  const std::optional<NSDecimalNumber> number = readColumnNumber(text, mark);
+  return number ? number->stringValue() : "nil";
+}
+
+struct Row {
+  std::string_view text, underPoint, underComma;
+};
+
+TEST(NumberColumn, ReadsAmountsUnderTheMarkOfTheColumn) {
+  const Row rows[] = {{"12", "12", "12"},
+                      {"1,234.50", "1234.5", "nil"},
+                      {"1.234,50", "nil", "1234.5"},
+                      {"1.234", "1.234", "1234"},
+                      {"1,234", "1234", "1.234"},
+                      {"-$1,750.06", "-1750.06", "nil"},
+                      {"$-5.00", "-5", "nil"},
+                      {"- $21.59", "-21.59", "nil"},
+                      {"($85.00)", "-85", "nil"},
+                      {"£20.00", "20", "nil"},
+                      {"12,50 EUR", "nil", "12.5"},
+                      {"CHF 12'345.60", "12345.6", "nil"},
+                      {"1 234,5", "nil", "1234.5"},
+                      {"1\u00A0234,5", "nil", "1234.5"},
+                      {"100.00-", "-100", "nil"},
+                      {"\u2212"
+                       "3,5",
+                       "nil", "-3.5"},
+                      {"+120,00", "nil", "120"},
+                      {"1,23,456.7", "123456.7", "nil"},
+                      {".5", "0.5", "nil"},
+                      {"5.", "5", "nil"},
+                      {"50 1/2", "50.5", "50.5"},
+                      {"12,5 kr", "nil", "12.5"},
+                      {"1234.567.890", "nil", "nil"},
+                      {"1,23", "nil", "1.23"},
+                      {"5 DR", "nil", "nil"},
+                      {"12%", "nil", "nil"},
+                      {"--5", "nil", "nil"},
+                      {"(-5)", "nil", "nil"},
+                      {"1e5", "nil", "nil"},
+                      {"$5 EUR", "nil", "nil"},
+                      {"", "nil", "nil"},
+                      {"-", "nil", "nil"},
+                      {"EUR", "nil", "nil"},
+                      {"1 2", "nil", "nil"},
+                      {"1234567890123456789012345678901234567890", "nil", "nil"}};
+  for (const Row& row : rows) {
+    EXPECT_EQ(read(row.text), row.underPoint) << row.text;
+    EXPECT_EQ(read(row.text, DecimalMark::Comma), row.underComma) << row.text;
+  }
+  EXPECT_EQ(read(std::string(100'000, '1')), "nil");
+}
+
+std::string markOf(std::initializer_list<std::string_view> texts) {
+  DecimalMarkJudge judge;
+  std::uint64_t line = 0;
+  for (const std::string_view text : texts) judge.add(text, ++line);
+  try {
+    const DecimalMarkJudge::Finding finding = judge.finding("f");
+    return (finding.mark == DecimalMark::Point ? "point " : "comma ") + finding.reason;
+  } catch (const JobFailure& failure) {
+    return failure.what();
+  }
+}
+
+TEST(NumberColumn, FindsTheMarkOrAsks) {
+  EXPECT_EQ(markOf({}), "point ");
+  EXPECT_EQ(markOf({"12", "x", "5"}), "point ");
+  EXPECT_EQ(markOf({"1,234", "12.50"}), "point line 2, '12.50'");
+  EXPECT_EQ(markOf({"1.234", "12,50"}), "comma line 2, '12,50'");
+  EXPECT_EQ(markOf({"1.234.567"}), "comma line 1, '1.234.567'");
+  EXPECT_EQ(markOf({"1,234,567"}), "point line 1, '1,234,567'");
+  EXPECT_EQ(markOf({"1,234.5"}), "point line 1, '1,234.5'");
+  EXPECT_EQ(markOf({"1234,567"}), "comma line 1, '1234,567'");
+  EXPECT_EQ(markOf({"0.125"}), "point line 1, '0.125'");
+  EXPECT_EQ(markOf({"5", "1,234"}),
+            "f: nothing tells whether line 2, '1,234', has a decimal mark or groups of three: "
+            "--decimal point or comma does");
+  EXPECT_EQ(markOf({"1.5", "2,25"}),
+            "f: amounts have a point as the decimal mark (line 1, '1.5') and a comma (line 2, "
+            "'2,25'): --decimal tells which holds");
+}
+
+}  // namespace
+}  // namespace orlftool
