@@ -197,6 +197,41 @@ TEST_F(RecordFiles, NamesARowThatTheEncodingCannotHold) {
             "orlf qif: in.csv:2: record: expected characters of the output's encoding, got others");
 }
 
+TEST_F(RecordFiles, RefusesAnAccountThatTheEncodingCannotHold) {
+  EXPECT_EQ(fault(run("qif", kStatement, {"--account", "日本", "--output-encoding", "latin-1"}), 2),
+            "orlf qif: --account: expected characters of the output's encoding, got '日本'");
+  EXPECT_EQ(fault(run("qif", "date,action\n2023-01-31,Div\n",
+                      {"--account", "日本", "--kind", "investments", "--output-encoding", "ascii"}),
+                  2),
+            "orlf qif: --account: expected characters of the output's encoding, got '日本'");
+}
+
+TEST_F(RecordFiles, KeepsAnAccountToItsLine) {
+  EXPECT_EQ(run("qif", kStatement, {"--account", " A\n^\u2028!\u0085B\t"}).exitCode, 0);
+  EXPECT_TRUE(written().starts_with("!Account\nNA ^ ! B\nTBank\n^\n")) << written();
+  for (const char* account : {"", " ", "\n", "\u2028"})
+    EXPECT_EQ(run("qif", kStatement, {"--account", account}).exitCode, 2) << account;
+}
+
+TEST_F(RecordFiles, BeginsUTF16WithOneByteOrderMark) {
+  const auto inUTF16 = [](std::string_view text) {
+    std::string bytes = "\xFF\xFE";
+    for (const char c : text) bytes.append({c, '\0'});
+    return bytes;
+  };
+  EXPECT_EQ(
+      qif("2023-01-31,1\n", {"--map", "date=1,amount=2", "--output-encoding", "utf-16"}).exitCode,
+      0);
+  EXPECT_EQ(written(), inUTF16("!Account\nNMain\nTBank\n^\n!Type:Bank\nD01/31/2023\nT1.00\n^\n"));
+  EXPECT_EQ(
+      run("txf", "reference,amount\n287,1\n", {"--kind", "summary", "--output-encoding", "utf-16"})
+          .exitCode,
+      0);
+  const std::string text = written();
+  EXPECT_TRUE(text.starts_with(inUTF16("V042\nAorlf "))) << text;
+  EXPECT_EQ(text.find("\xFF\xFE", 1), std::string::npos);
+}
+
 TEST_F(RecordFiles, RefusesLongAmountsAndOpenMarks) {
   const Words map{"--map", "date=1,amount=2"};
   EXPECT_EQ(fault(qif("2023-01-31,1234567890123456.7\n", map)),
@@ -223,6 +258,12 @@ TEST_F(RecordFiles, WritesInvestments) {
       run("qif", "date,action\n2023-01-31,Borrow\n", {"--account", "B", "--kind", "investments"})
           .exitCode,
       1);
+}
+
+TEST_F(RecordFiles, LosesNoAmountOfATransfer) {
+  EXPECT_EQ(fault(run("qif", "date,action,transfer,transfer amount\n2023-01-31,BuyX,,12\n",
+                      {"--account", "B", "--kind", "investments"})),
+            "orlf qif: in.csv:2: transfer: expected the account of the transfer, got ''");
 }
 
 TEST_F(RecordFiles, WritesSecuritiesPricesAndCategories) {
@@ -269,7 +310,33 @@ TEST_F(RecordFiles, RefusesWordsThatMakeNoSense) {
   for (const Words& words : given) fault(qif(kStatement, words), 2);
   fault(run("qif", kStatement, {}), 2);
   fault(run("qif", kStatement, {"--account", "A", "--kind", "prices"}), 2);
+  EXPECT_EQ(fault(qif(kStatement, {"--kind", "loans"}), 2),
+            "orlf qif: --kind: expected transactions, investments, securities, prices or "
+            "categories, got 'loans'");
+  EXPECT_EQ(fault(qif(kStatement, {"--map", "amount=3"}), 2),
+            "orlf qif: --map: expected a column for date, got none");
+  const std::string encodings =
+      "--output-encoding: expected utf-8, utf-16, utf-16be, utf-16le, ascii, latin-1, windows-1252 "
+      "or mac-roman, got 'ebcdic'";
+  EXPECT_EQ(fault(qif(kStatement, {"--output-encoding", "ebcdic"}), 2), "orlf qif: " + encodings);
+  EXPECT_EQ(fault(run("txf", kStatement, {"--output-encoding", "ebcdic"}), 2),
+            "orlf txf: " + encodings);
   fault(run("txf", kStatement, {"--kind", "losses"}), 2);
+}
+
+TEST_F(RecordFiles, RefusesStandardInputAndOutput) {
+  for (const char* command : {"qif", "txf"}) {
+    Words words{command, "-", "-o", path("out")};
+    if (words.front() == "qif") words.insert(words.end(), {"--account", "A"});
+    const ToolRun ran = runTool(words);
+    EXPECT_EQ(ran.exitCode, 1);
+    EXPECT_EQ(ran.err, "orlf " + words.front() +
+                           ": standard input: expected a file that can be read twice\n");
+    EXPECT_EQ(names(), Words{});
+  }
+  write("in.csv", kStatement);
+  const ToolRun ran = runTool({"qif", path("in.csv"), "-o", "-", "--account", "A"});
+  EXPECT_EQ(fault(ran, 2), "orlf qif: --output: expected the name of a file, got '-'");
 }
 
 TEST_F(RecordFiles, RefusesAPipe) {

@@ -9,7 +9,7 @@
 ///     formatter.dateFromString("5");             // the 5th of this month
 ///
 /// Where the format begins with the day, 13/2/2021 and 2/13/2021 are read alike, since 13 is no
-/// month. One digit at the end gets a "0" before it, so that 1/2/5 is in 2005.
+/// month. One digit at the end, of any script, gets a "0" before it, so that 1/2/5 is in 2005.
 ///
 /// Safe on any thread: one recursive lock stands around each operation. A text is looked at as far
 /// as `NSDateFormatter::kLongestText` by formats; the scan of numbers reads it in place.
@@ -78,12 +78,13 @@ class ORLFDateFormatter : public NSDateFormatter {
   /// is forced, and the year of a date outside the hundred years from `twoDigitStartDate`, where
   /// two digits would read as another. The format stays as it is.
   [[nodiscard]] std::optional<std::string> stringForObjectValue(const id& object) const override;
-  /// `getObjectValue:forString:range:error:`  As told above; a range counts UTF-16 units and keeps
-  /// its length unless the format itself read the text. Errors are of `NSCocoaErrorDomain` with
-  /// code 2048, in the words of the main bundle: "This field requires a date." for an empty text,
-  /// "Invalid date format" with a recovery suggestion, "Invalid date" with a failure reason for a
-  /// date before the minimum. An empty text gives nil whatever the answer; otherwise the value is
-  /// left as it was on failure.
+  /// `getObjectValue:forString:range:error:`  As told above; a range counts UTF-16 units. Its
+  /// length becomes what the format, or the short style, took of it, and stays where the numbers
+  /// were scanned or nothing was read. Errors are of `NSCocoaErrorDomain` with code 2048, in the
+  /// words of the main bundle: "This field requires a date." for an empty text, "Invalid date
+  /// format" with a recovery suggestion, "Invalid date" with a failure reason for a date before the
+  /// minimum. An empty text gives nil whatever the answer; otherwise the value is left as it was on
+  /// failure.
   bool getObjectValue(std::optional<NSDate>* object, std::string_view forString,
                       NSRange* range = nullptr, NSErrorSlot error = nullptr) const override;
   /// `dayRangeForMonth:year:calendar:`  Location `NSNotFound` where there is no such month.

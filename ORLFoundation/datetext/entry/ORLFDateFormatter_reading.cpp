@@ -4,11 +4,13 @@
 
 #include <ORLFoundation/datetext/entry/internal/DateScan.h>
 #include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/format/NSFormattingError.h>
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSString.h>
 #include <ORLFoundation/platform/process/NSBundle.h>
+#include <ORLFoundation/platform/text/NSCharacterSet.h>
 #include <ORLFoundation/platform/text/UTF16Range.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 
@@ -45,11 +47,28 @@ bool fill(NSErrorSlot error, std::string_view description, std::string_view key,
       error, NSError::errorWithDomain(NSCocoaErrorDomain, NSFormattingError, information));
 }
 
+// The place of the digit, of any script, at the end of the text; npos where none stands there.
+std::size_t placeOfLastDigit(std::string_view text) {
+  if (text.empty()) return std::string_view::npos;
+  std::size_t place = text.size() - 1;
+  if (base::isASCII(text[place]))
+    return base::isDigit(text[place]) ? place : std::string_view::npos;
+  constexpr std::size_t kLongestCharacter = 4;
+  while (place > 0 && text.size() - place < kLongestCharacter &&
+         base::continuesUTF8Character(text[place]))
+    --place;
+  const base::UTF8Character last = base::firstUTF8Character(text.substr(place));
+  const bool isLast = !last.isBroken && last.length == text.size() - place;
+  const auto& digits = NSCharacterSet::decimalDigitCharacterSet();
+  return isLast && digits->longCharacterIsMember(last.codePoint) ? place : std::string_view::npos;
+}
+
 // The place of the only digit at the end of the text; npos where none or several stand there.
 std::size_t placeOfLoneDigit(std::string_view text) {
-  if (text.empty() || !base::isDigit(text.back())) return std::string_view::npos;
-  if (text.size() > 1 && base::isDigit(text[text.size() - 2])) return std::string_view::npos;
-  return text.size() - 1;
+  const std::size_t place = placeOfLastDigit(text);
+  const bool isLone = place != std::string_view::npos &&
+                      placeOfLastDigit(text.substr(0, place)) == std::string_view::npos;
+  return isLone ? place : std::string_view::npos;
 }
 
 }  // namespace
@@ -90,7 +109,7 @@ std::optional<NSDate> ORLFDateFormatter::readUnderFormat(std::string_view text,
   if (lone != std::string_view::npos && text.size() <= kLongestText) {
     std::string padded(text.substr(0, lone));
     padded += '0';
-    padded += text[lone];
+    padded += text.substr(lone);
     NSRange taken{0, kLongestText};
     if (NSDateFormatter::getObjectValue(&date, padded, range != nullptr ? &taken : nullptr)) {
       if (range != nullptr) range->length = taken.length - 1;

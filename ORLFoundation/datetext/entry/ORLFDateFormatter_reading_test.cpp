@@ -64,6 +64,18 @@ TEST_F(ReadingDates, PutsAZeroBeforeALoneDigitAtTheEnd) {
   EXPECT_EQ(range, (NSRange{1, 5}));
   EXPECT_EQ(read("1/2/5"), "2005-01-02");
   EXPECT_EQ(read("1/2/15"), "2015-01-02");
+  // Digits of other scripts too, but no byte that only looks like the end of one.
+  EXPECT_EQ(read("١/٢/٥"), "2005-01-02");
+  EXPECT_EQ(read("١/٢/١٥"), "2015-01-02");
+  EXPECT_EQ(read("1/2/१5"), "2015-01-02");
+  range = {0, 5};
+  EXPECT_TRUE(formatter_->getObjectValue(&date, "१/२/५", &range));
+  EXPECT_EQ(date, at("2005-01-02T00:00:00Z"));
+  EXPECT_EQ(range, (NSRange{0, 5}));
+  range = {0, 6};
+  EXPECT_TRUE(formatter_->getObjectValue(&date, "1/2/5\x80", &range));
+  EXPECT_EQ(date, at("0005-01-02T00:00:00Z"));
+  EXPECT_EQ(range, (NSRange{0, 5}));
   // Blanks behind the digit, and it is read as it stands.
   EXPECT_EQ(read("1/2/5 "), "0005-01-02");
 }
@@ -83,6 +95,12 @@ TEST_F(ReadingDates, LeavesTheRangeUnlessAFormatTookSome) {
   range = {3, 100};
   EXPECT_TRUE(formatter_->getObjectValue(&date, "on 2/13/2021 ok", &range));
   EXPECT_EQ(range, (NSRange{3, 9}));
+  // The short style takes some too.
+  formatter_->setDateFormat("'on' yyyy");
+  range = {0, 9};
+  EXPECT_TRUE(formatter_->getObjectValue(&date, "2/13/21 x", &range));
+  EXPECT_EQ(date, at("2021-02-13T00:00:00Z"));
+  EXPECT_EQ(range, (NSRange{0, 7}));
 }
 
 TEST_F(ReadingDates, TakesAnEmptyTextForNoDate) {

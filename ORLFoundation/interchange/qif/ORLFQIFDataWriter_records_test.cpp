@@ -3,6 +3,7 @@
 #include <ORLFoundation/platform/value/NSDecimal_testing.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <optional>
 #include <random>
@@ -92,6 +93,29 @@ TEST(ORLFQIFDataWriter, WritesFifteenDigitsOfADecimal) {
   qif.writer.writeRawNonInvestmentTransactionAmount(
       {.amount = NSDecimal::notANumber(), .date = kDay});
   EXPECT_EQ(qif.added(), "D3/5/24\nTNaN\n");
+}
+
+TEST(ORLFQIFDataWriter, WritesTheLargestAmounts) {
+  const std::string nines(38, '9');
+  std::string text = "1";
+  for (int group = 0; group < 55; ++group) text += ",000";
+  WrittenQIF qif;
+  for (const char* sign : {"", "-"}) {
+    qif.writer.writeRawNonInvestmentTransactionAmount(
+        {.amount = decimal(sign + nines + "e+127"), .date = kDay});
+    EXPECT_EQ(qif.added(), std::string("D3/5/24\nT") + sign + text + ".00\n");
+  }
+}
+
+TEST(ORLFQIFDataWriter, WritesALineForEveryDate) {
+  WrittenQIF qif;
+  for (const double seconds : {std::numeric_limits<double>::quiet_NaN(), HUGE_VAL, -HUGE_VAL, 1e300,
+                               -1e300, 9.3e15, -9.3e15}) {
+    EXPECT_TRUE(qif.writer.writeRawNonInvestmentTransactionAmount(
+        {.date = NSDate::dateWithTimeIntervalSinceReferenceDate(seconds)}));
+    const std::string record = qif.added();
+    EXPECT_TRUE(record.starts_with("D") && record.ends_with("\nT0.00\n")) << record;
+  }
 }
 
 TEST(ORLFQIFDataWriter, WritesTheClearedStatesThatItKnows) {

@@ -132,6 +132,47 @@ TEST(ORLFQIFDataWriter, FailsAtTheFirstWriteThatFails) {
   }
 }
 
+TEST(ORLFQIFDataWriter, WritesEachRecordInOneCall) {
+  const std::function<bool(Writer&, NSErrorSlot)> records[] = {
+      [](Writer& w, NSErrorSlot e) { return w.writeAccountName({.name = "n", .balance = 1}, e); },
+      [](Writer& w, NSErrorSlot e) { return w.writeCategoryName({.taxible = true}, e); },
+      [](Writer& w, NSErrorSlot e) { return w.beginTransactionListAccountName("n", 4, e); },
+      [](Writer& w, NSErrorSlot e) {
+        return w.writeRawNonInvestmentTransactionAmount({.payee = "p", .tags = {"t", "u"}}, e);
+      },
+      [](Writer& w, NSErrorSlot e) { return w.writeNonInvestmentTransactionAmount({}, e); },
+      [](Writer& w, NSErrorSlot e) { return w.writeNonInvestmentTransferAmount({}, e); },
+      [](Writer& w, NSErrorSlot e) { return w.writeNonInvestmentSplitTransactionAmount({}, e); },
+      [](Writer& w, NSErrorSlot e) {
+        return w.writeRawNonInvestmentSplitItemAmount({.memo = "m", .tags = {"t"}}, e);
+      },
+      [](Writer& w, NSErrorSlot e) { return w.writeNonInvestmentSplitItemAmount({}, e); },
+      [](Writer& w, NSErrorSlot e) { return w.writeNonInvestmentSplitTransferItemAmount({}, e); },
+      [](Writer& w, NSErrorSlot e) {
+        return w.writeRawInvestmentTransactionType({.price = 1, .memo = "m"}, e);
+      },
+      [](Writer& w, NSErrorSlot e) { return w.writeInvestmentTransactionType({}, e); },
+      [](Writer& w, NSErrorSlot e) { return w.writeInvestmentSplitSecurity({}, e); },
+      [](Writer& w, NSErrorSlot e) { return w.writeInvestmentTransferType({}, e); },
+      [](Writer& w, NSErrorSlot e) { return w.writeRawSecurityName("n", "s", 0, 0, e); },
+      [](Writer& w, NSErrorSlot e) { return w.writeSecurityName("n", "s", 0, 0, e); },
+      [](Writer& w, NSErrorSlot e) { return w.writeRawSecurityPriceSymbol("s", 1, {}, e); },
+      [](Writer& w, NSErrorSlot e) { return w.writeSecurityPriceSymbol("s", 1, {}, e); }};
+  for (std::size_t at = 0; at < std::size(records); ++at) {
+    for (const NSInteger answer : {NSInteger{-1}, NSInteger{0}, NSInteger{3}, NSInteger{-2}}) {
+      Writer writer;
+      const bool isDone = answer != -1;
+      const auto stream =
+          std::make_shared<CallStream>(answer, isDone ? CallStream::kNever : std::size_t{0});
+      writer.setStream(stream);
+      std::shared_ptr<const NSError> error;
+      EXPECT_EQ(records[at](writer, &error), isDone) << at << ' ' << answer;
+      EXPECT_EQ(error, isDone ? nullptr : stream->failure_) << at << ' ' << answer;
+      EXPECT_EQ(stream->calls_.size(), 1U) << at << ' ' << answer;
+    }
+  }
+}
+
 TEST(ORLFQIFDataWriter, HeadsTransactionListsWithTheAccount) {
   struct Row {
     std::int32_t type;

@@ -18,13 +18,17 @@ bool hasFifteenDigits(const NSDecimal& number) {
   return number.isNaN() || (number.isShort() && number.shortMantissa() < kFirstLongMantissa);
 }
 
-/// What a formatter takes of a decimal: the double nearest to it, of which 15 digits hold.
-NSDecimal asTaken(const NSDecimal& number) {
+/// What a formatter takes of a decimal: the double nearest to it, of which 15 digits hold. The
+/// largest decimals round up to a double that no decimal holds.
+NSNumber asTaken(const NSDecimal& number) {
   if (hasFifteenDigits(number) || hasFifteenDigits(number.compacted())) return number;
   std::array<char, 32> digits{};
   const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number.doubleValue(),
                                  std::chars_format::scientific, 14);
-  return NSDecimal::parse({digits.data(), static_cast<std::size_t>(end.ptr - digits.data())});
+  const NSDecimal taken =
+      NSDecimal::parse({digits.data(), static_cast<std::size_t>(end.ptr - digits.data())});
+  if (taken.isNaN()) return number.doubleValue();
+  return taken;
 }
 
 }  // namespace

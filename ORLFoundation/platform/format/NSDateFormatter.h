@@ -9,9 +9,9 @@
 /// Reading is lenient about the text, whether the formatter is lenient or not: other marks and
 /// widths than the format's and a month's name for its number are taken. It is strict about the
 /// calendar: month 13, 30 February and a time that a clock change leaves out are refused. A day
-/// whose midnight is left out begins at the change. Two digits of a year under "y" and "yy" lie in
-/// the hundred years from `twoDigitStartDate`. What the format does not ask for is that of 1
-/// January 2000, midnight.
+/// whose midnight is left out begins at the change, and one that is left out whole is the next. Two
+/// digits of a year under "y" and "yy" lie in the hundred years from `twoDigitStartDate`. What the
+/// format does not ask for is that of 1 January 2000, midnight.
 ///
 /// Safe on any thread; one lock stands around each operation.
 #pragma once

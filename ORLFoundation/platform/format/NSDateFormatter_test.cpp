@@ -1,12 +1,10 @@
 #include <ORLFoundation/platform/format/NSDateFormatter.h>
 
-#include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
-#include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
 #include <ORLFoundation/platform/base/Replaced.h>
+#include <ORLFoundation/platform/format/NSDateFormatter_testing.h>
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 #include <ORLFoundation/platform/value/NSDate_testing.h>
-#include <ORLFoundation/platform/value/NSException.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -15,18 +13,12 @@
 namespace ORLFoundation {
 namespace {
 
+using orlftest::formatterOf;
 using testing::ElementsAre;
 
 NSDate at(const char* text) { return *orlftest::dateFromVector(text); }
 
 std::string text(std::optional<NSDate> date) { return orlftest::vectorFromDate(date); }
-
-std::shared_ptr<NSDateFormatter> formatterOf(const char* locale, const char* zone = "UTC") {
-  auto formatter = std::make_shared<NSDateFormatter>();
-  formatter->setLocale(std::make_shared<NSLocale>(locale));
-  formatter->setTimeZone(NSTimeZone::timeZoneWithName(zone));
-  return formatter;
-}
 
 std::shared_ptr<NSDateFormatter> shortFormatter(const char* zone = "UTC") {
   auto formatter = formatterOf("en_US", zone);
@@ -126,6 +118,11 @@ TEST(NSDateFormatter, BeginsADayWithoutMidnightAtTheClockChange) {
   for (const char* format : {"M/d/yy", "MMM d, y"}) {
     const auto formatter = formatted(format, "America/Sao_Paulo");
     EXPECT_EQ(text(formatter->dateFromString("11/4/2018")), "2018-11-04T03:00:00Z") << format;
+    // Samoa went from the 29th to the 31st of December of 2011.
+    const auto skipping = formatted(format, "Pacific/Apia");
+    EXPECT_EQ(text(skipping->dateFromString("12/29/2011")), "2011-12-29T10:00:00Z") << format;
+    EXPECT_EQ(text(skipping->dateFromString("12/30/2011")), "2011-12-30T10:00:00Z") << format;
+    EXPECT_EQ(text(skipping->dateFromString("12/31/2011")), "2011-12-30T10:00:00Z") << format;
   }
 }
 
@@ -369,65 +366,6 @@ TEST(NSDateFormatter, CutsFractionsButNotWhatADoubleLacks) {
             "22:13:20.123");
   EXPECT_EQ(formatter->stringFromDate(NSDate::dateWithTimeIntervalSince1970(59.9996)),
             "00:00:59.999");
-}
-
-void expectSameSettings(const NSDateFormatter& left, const NSDateFormatter& right) {
-  EXPECT_EQ(left.dateStyle(), right.dateStyle());
-  EXPECT_EQ(left.timeStyle(), right.timeStyle());
-  EXPECT_EQ(left.dateFormat(), right.dateFormat());
-  EXPECT_EQ(left.locale()->localeIdentifier(), right.locale()->localeIdentifier());
-  EXPECT_EQ(left.timeZone(), right.timeZone());
-  EXPECT_TRUE(left.calendar()->isEqual(right.calendar().get()));
-  EXPECT_EQ(left.isLenient(), right.isLenient());
-  EXPECT_EQ(left.twoDigitStartDate(), right.twoDigitStartDate());
-  EXPECT_EQ(left.doesRelativeDateFormatting(), right.doesRelativeDateFormatting());
-}
-
-std::shared_ptr<NSDateFormatter> unusualFormatter() {
-  const auto formatter = formatterOf("de_AT", "America/New_York");
-  formatter->setDateStyle(NSDateFormatterLongStyle);
-  formatter->setTimeStyle(NSDateFormatterMediumStyle);
-  formatter->setLenient(true);
-  formatter->setTwoDigitStartDate(std::nullopt);
-  formatter->setDoesRelativeDateFormatting(true);
-  const auto calendar = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierPersian);
-  calendar->setFirstWeekday(3);
-  calendar->setMinimumDaysInFirstWeek(5);
-  formatter->setCalendar(calendar);
-  return formatter;
-}
-
-std::shared_ptr<NSDateFormatter> archived(const std::shared_ptr<NSDateFormatter>& formatter) {
-  std::shared_ptr<const NSError> error;
-  const auto data = NSKeyedArchiver::archivedDataWithRootObject(formatter, true, &error);
-  if (!data) return nullptr;
-  return NSKeyedUnarchiver::unarchivedObjectOfClass<NSDateFormatter>(*data, &error);
-}
-
-TEST(NSDateFormatter, IsArchived) {
-  const auto formatter = unusualFormatter();
-  for (const char* format : {"", "yyyy 'x'"}) {
-    if (*format != '\0') formatter->setDateFormat(format);
-    const auto read = archived(formatter);
-    ASSERT_TRUE(read);
-    expectSameSettings(*formatter, *read);
-    read->setTimeStyle(NSDateFormatterNoStyle);
-    formatter->setTimeStyle(NSDateFormatterNoStyle);
-    EXPECT_EQ(read->dateFormat(), formatter->dateFormat());
-  }
-}
-
-TEST(NSDateFormatter, IsCopiedWithAllSettings) {
-  const auto formatter = unusualFormatter();
-  const auto copy = copyOf(formatter);
-  expectSameSettings(*formatter, *copy);
-  copy->setDateFormat("yyyy");
-  EXPECT_NE(formatter->dateFormat(), "yyyy");
-}
-
-TEST(NSDateFormatter, DoesNotCopyToAnotherClassInSilence) {
-  struct Careless : NSDateFormatter {};
-  EXPECT_THROW(static_cast<void>(std::make_shared<Careless>()->copy()), NSException);
 }
 
 }  // namespace

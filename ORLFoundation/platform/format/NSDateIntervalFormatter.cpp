@@ -43,6 +43,8 @@ constexpr std::string_view kLocaleKey = "locale";
 constexpr std::string_view kTimeZoneKey = "timeZone";
 constexpr std::string_view kCalendarKey = "calendar";
 constexpr std::string_view kCalendarZoneKey = "calendarTimeZone";
+constexpr std::string_view kFirstWeekdayKey = "firstWeekday";
+constexpr std::string_view kMinimumDaysKey = "minimumDaysInFirstWeek";
 
 }  // namespace
 
@@ -223,6 +225,8 @@ void NSDateIntervalFormatter::encodeWithCoder(NSCoder& coder) const {
   if (!settings.calendar) return;
   coder.encodeObject(settings.calendar->calendarIdentifier(), kCalendarKey);
   coder.encodeObject(settings.calendar->timeZone()->name(), kCalendarZoneKey);
+  coder.encodeInteger(settings.calendar->firstWeekday(), kFirstWeekdayKey);
+  coder.encodeInteger(settings.calendar->minimumDaysInFirstWeek(), kMinimumDaysKey);
 }
 
 void NSDateIntervalFormatter::readSettings(NSCoder& coder) {
@@ -246,6 +250,8 @@ void NSDateIntervalFormatter::readSettings(NSCoder& coder) {
   if (!settings.calendar) return;
   settings.calendar->setLocaleIdentifier(settings.locale->localeIdentifier());
   settings.calendar->setTimeZone(zoneUnder(kCalendarZoneKey));
+  settings.calendar->setFirstWeekday(coder.decodeInteger(kFirstWeekdayKey));
+  settings.calendar->setMinimumDaysInFirstWeek(coder.decodeInteger(kMinimumDaysKey));
 }
 
 std::shared_ptr<NSDateIntervalFormatter> NSDateIntervalFormatter::initWithCoder(NSCoder& coder) {

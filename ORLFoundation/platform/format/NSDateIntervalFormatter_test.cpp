@@ -267,6 +267,8 @@ void expectSameSettings(const NSDateIntervalFormatter& left, const NSDateInterva
   if (!left.calendar()) return;
   EXPECT_EQ(left.calendar()->calendarIdentifier(), right.calendar()->calendarIdentifier());
   EXPECT_EQ(left.calendar()->timeZone()->name(), right.calendar()->timeZone()->name());
+  EXPECT_EQ(left.calendar()->firstWeekday(), right.calendar()->firstWeekday());
+  EXPECT_EQ(left.calendar()->minimumDaysInFirstWeek(), right.calendar()->minimumDaysInFirstWeek());
 }
 
 /// Two formatters with every setting changed: one with styles, one with a template.
@@ -275,6 +277,8 @@ std::vector<std::shared_ptr<NSDateIntervalFormatter>> changedFormatters() {
   setUp(*styled, "fr_FR", "Europe/Paris", 4, 3);
   const auto calendar = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierBuddhist);
   calendar->setTimeZone(NSTimeZone::timeZoneWithName("Asia/Tokyo"));
+  calendar->setFirstWeekday(5);
+  calendar->setMinimumDaysInFirstWeek(3);
   styled->setCalendar(calendar);
   const auto lettered = std::make_shared<NSDateIntervalFormatter>();
   setUp(*lettered, "ja_JP", "Asia/Tokyo", 1, 1);

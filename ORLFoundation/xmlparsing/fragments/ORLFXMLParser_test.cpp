@@ -1,108 +1,26 @@
 #include <ORLFoundation/xmlparsing/fragments/ORLFXMLParser.h>
 
 #include <ORLFoundation/platform/base/Replaced.h>
-#include <ORLFoundation/platform/defaults/NSUserDefaults.h>
-#include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
 #include <ORLFoundation/platform/format/NSLocale.h>
-#include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/stream/NSInputStream.h>
 #include <ORLFoundation/platform/value/NSData.h>
 #include <ORLFoundation/platform/value/NSURL.h>
 #include <ORLFoundation/platform/xml/NSXMLParser.h>
 #include <ORLFoundation/platform/xml/NSXMLParserLoader.h>
-#include <ORLFoundation/xmlparsing/fragments/ORLFXMLParserContentHandler.h>
-#include <ORLFoundation/xmlparsing/fragments/ORLFXMLParserIgnoreFragmentHandler.h>
+#include <ORLFoundation/xmlparsing/fragments/ORLFXMLParser_testing.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <tests/support/TemporaryFolder.h>
 
 #include <cerrno>
 #include <functional>
-#include <map>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 namespace ORLFoundation {
 namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-
-NSData dataOf(std::string_view text) { return NSData(text); }
-
-/// Calls functions that a test gives, and claims the elements that it names.
-class ScriptedHandler : public ORLFXMLParserContentHandler {
- public:
-  std::map<std::string, std::shared_ptr<ORLFXMLParserFragmentHandler>, std::less<>> claims;
-  std::function<Error(std::string_view)> onStart;
-  std::function<Error(std::string_view)> onEnd;
-  std::function<Error(std::string_view)> onWillStart;
-  std::function<Error(std::string_view)> onDidFinish;
-  std::function<Error(std::string_view)> onWhitespace;
-  std::string lastContent;
-  std::vector<std::string> unhandled;
-
-  std::shared_ptr<ORLFXMLParserFragmentHandler> subFragmentHandlerForElementName(
-      std::string_view name) override {
-    const auto found = claims.find(name);
-    return found == claims.end() ? nullptr : found->second;
-  }
-  Error startElement(std::string_view name, const std::shared_ptr<NSDictionary>&) override {
-    return onStart ? onStart(name) : nullptr;
-  }
-  Error endElement(std::string_view name) override {
-    if (auto error = ORLFXMLParserContentHandler::endElement(name)) return error;
-    return onEnd ? onEnd(name) : nullptr;
-  }
-  Error willStartSubElement(std::string_view name) override {
-    return onWillStart ? onWillStart(name) : nullptr;
-  }
-  Error didFinishSubElement(std::string_view name) override {
-    return onDidFinish ? onDidFinish(name) : nullptr;
-  }
-  Error foundIgnorableWhitespace(std::string_view text) override {
-    if (onWhitespace) return onWhitespace(text);
-    return ORLFXMLParserContentHandler::foundIgnorableWhitespace(text);
-  }
-  bool finalizeContent(std::string_view content, std::string_view) override {
-    lastContent = content;
-    return true;
-  }
-  void unhandledSubElementFoundCharacters(std::string_view name, std::string_view text) override {
-    unhandled.push_back(std::string(name) + ":" + std::string(text));
-    ORLFXMLParserContentHandler::unhandledSubElementFoundCharacters(name, text);
-  }
-};
-
-class ScriptedParser : public ORLFXMLParser {
- public:
-  std::map<std::string, Handler, std::less<>> handlers;
-  std::vector<std::string> asked;
-  int started = 0;
-  int ended = 0;
-
-  Handler fragmentHandlerForElementName(std::string_view name) override {
-    asked.emplace_back(name);
-    const auto found = handlers.find(name);
-    return found == handlers.end() ? nullptr : found->second;
-  }
-  void didStartDocument() override { ++started; }
-  void didEndDocument() override { ++ended; }
-};
-
-class Fragments : public orlftest::TemporaryFolderTest {
- protected:
-  const std::shared_ptr<ScriptedParser> parser_ = std::make_shared<ScriptedParser>();
-  const std::shared_ptr<ScriptedHandler> root_ = std::make_shared<ScriptedHandler>();
-  const std::shared_ptr<ScriptedHandler> inner_ = std::make_shared<ScriptedHandler>();
-  std::shared_ptr<const NSError> error_;
-  LogCapture log_;
-
-  Fragments() { parser_->handlers["r"] = root_; }
-  bool parse(std::string_view text) { return parser_->parseData(dataOf(text), &error_); }
-  [[nodiscard]] NSInteger code() const { return error_ ? error_->code() : 0; }
-};
 
 std::shared_ptr<const NSError> failure(NSInteger code) {
   return NSError::errorWithDomain("test", code);
@@ -126,105 +44,6 @@ TEST_F(Fragments, AskTheHandlerBeforeTheParser) {
   EXPECT_THAT(parser_->asked, ElementsAre("r", "r", "c"));
 }
 
-TEST_F(Fragments, RefuseAnUnknownElementWithoutAWordMore) {
-  EXPECT_FALSE(parse("<x/>"));
-  EXPECT_EQ(error_->domain(), NSXMLParserErrorDomain);
-  EXPECT_EQ(code(), 86);
-  EXPECT_EQ(error_->userInfo()->count(), 0U);
-  EXPECT_TRUE(parser_->fragmentHandlerStack().empty());
-  EXPECT_THAT(log_.lines(), ElementsAre("fragementErrorOccurred: " + error_->description()));
-}
-
-TEST_F(Fragments, LogSkippedElementsWhereADefaultAsksForIt) {
-  parser_->setUnhandledElementBehavior(1);
-  EXPECT_TRUE(parse("<r><x/></r>"));
-  EXPECT_TRUE(log_.lines().empty());
-  const NSStandardUserDefaultsInMemory defaults;
-  NSUserDefaults::standardUserDefaults()->setBool(true, "ORLFXMLParserLogging");
-  EXPECT_TRUE(parse("<r><x><y/></x></r>"));
-  EXPECT_THAT(log_.lines(), ElementsAre("Unhandled element: x")) << "y is the skipping one's";
-}
-
-TEST_F(Fragments, SkipWholeElements) {
-  for (const std::int32_t behavior : {1, 3, -1, 77}) {
-    root_->unhandled.clear();
-    root_->claims["b"] = inner_;
-    parser_->setUnhandledElementBehavior(behavior);
-    std::shared_ptr<ORLFXMLParserFragmentHandler> above;
-    EXPECT_TRUE(parse("<r><x>1<b>2</b>3</x></r>")) << behavior;
-    EXPECT_THAT(root_->unhandled, ElementsAre("x:1", "b:2", "x:3")) << behavior;
-  }
-}
-
-TEST_F(Fragments, SkipTagsAlone) {
-  root_->claims["b"] = inner_;
-  parser_->setUnhandledElementBehavior(2);
-  std::shared_ptr<ORLFXMLParserFragmentHandler> above;
-  inner_->onStart = [&](std::string_view) {
-    above = inner_->parent();
-    EXPECT_EQ(parser_->fragmentHandlerStack().size(), 4U);
-    const auto& skipping = parser_->fragmentHandlerStack()[2];
-    EXPECT_EQ(skipping->className(), "ORLFXMLParserIgnoreFragmentHandler");
-    EXPECT_EQ(parser_->parentFragmentHandlerForHandler(skipping), root_);
-    EXPECT_EQ(parser_->parentFragmentHandlerForHandler(inner_), root_);
-    return nullptr;
-  };
-  EXPECT_TRUE(parse("<r><x><y><b>2</b></y></x></r>"));
-  EXPECT_EQ(above, root_);
-  EXPECT_EQ(inner_->lastContent, "2");
-}
-
-TEST_F(Fragments, SkipRootsWithoutAParent) {
-  parser_->setUnhandledElementBehavior(1);
-  EXPECT_TRUE(parse("<x>1<y>2</y></x>"));
-  parser_->setUnhandledElementBehavior(2);
-  EXPECT_TRUE(parse("<x>1<r>2</r></x>"));
-  EXPECT_EQ(root_->lastContent, "2");
-}
-
-struct WhitespaceCase {
-  const char* name;
-  bool ignorable;
-  bool unhandled;
-  std::string own;      // of an element's own whitespace
-  std::string skipped;  // of a skipped sub-element's
-};
-const WhitespaceCase kWhitespace[] = {
-    {"Neither", false, false, "", ""},
-    {"Ignorable", true, false, "\n", ""},
-    // Whitespace of a skipped element crosses over to characters.
-    {"Unhandled", false, true, "", "\t"},
-    {"Both", true, true, "\n", "\t"},
-};
-
-TEST_F(Fragments, TellWhitespaceAndItsCrossing) {
-  constexpr std::string_view own = "<!DOCTYPE r [<!ELEMENT r (b)>]><r>\n</r>";
-  constexpr std::string_view skipped =
-      "<!DOCTYPE r [<!ELEMENT r (x)><!ELEMENT x (y)>]><r><x>\t<y/></x></r>";
-  parser_->setUnhandledElementBehavior(1);
-  for (const WhitespaceCase& row : kWhitespace) {
-    root_->setIncludeIgnorableWhitespace(row.ignorable);
-    root_->setIncludeUnhandledSubElementContent(row.unhandled);
-    EXPECT_TRUE(parse(own));
-    EXPECT_EQ(root_->lastContent, row.own) << row.name;
-    root_->unhandled.clear();
-    EXPECT_TRUE(parse(skipped));
-    EXPECT_EQ(root_->lastContent, row.skipped) << row.name;
-    EXPECT_THAT(root_->unhandled, ElementsAre("x:\t")) << row.name;
-  }
-}
-
-TEST_F(Fragments, WhitespaceOperationOfAContentHandlerNeedsBothFlags) {
-  for (const WhitespaceCase& row : kWhitespace) {
-    ORLFXMLParserContentHandler handler;
-    handler.setIncludeIgnorableWhitespace(row.ignorable);
-    handler.setIncludeUnhandledSubElementContent(row.unhandled);
-    handler.beginFragmentWithParent(nullptr, nullptr);
-    handler.unhandledSubElementFoundIgnorableWhitespace("x", "\t");
-    EXPECT_EQ(handler.content(), row.ignorable && row.unhandled ? "\t" : "") << row.name;
-  }
-}
-
 TEST_F(Fragments, StopAtAnErrorOfEveryOperation) {
   using Hook = std::function<std::shared_ptr<const NSError>(std::string_view)> ScriptedHandler::*;
   struct Row {
@@ -245,7 +64,7 @@ TEST_F(Fragments, StopAtAnErrorOfEveryOperation) {
     parser->handlers["r"] = root;
     (*root).*row.hook = [](std::string_view) { return failure(7); };
     std::shared_ptr<const NSError> error;
-    EXPECT_FALSE(parser->parseData(dataOf(document), &error)) << row.name;
+    EXPECT_FALSE(parser->parseData(NSData(document), &error)) << row.name;
     ASSERT_NE(error, nullptr) << row.name;
     EXPECT_EQ(error->domain(), "test") << row.name;
     EXPECT_EQ(error->code(), 7) << row.name;
@@ -273,7 +92,8 @@ TEST_F(Fragments, TellErrorsOfTheDocument) {
   EXPECT_EQ(error_->domain(), NSXMLParserErrorDomain);
   EXPECT_EQ(code(), 76);
   EXPECT_THAT(log_.lines(), ElementsAre(HasSubstr("parseErrorOccurred: Error Domain=")));
-  EXPECT_FALSE(parser_->parseData(dataOf("<r></x>"))) << "a slot need not be given";
+  EXPECT_FALSE(parser_->parseData(NSData(std::string_view("<r></x>"))))
+      << "a slot need not be given";
 }
 
 TEST_F(Fragments, AreReusedAfterAFailureWithTheirStack) {
@@ -353,46 +173,6 @@ TEST_F(Fragments, StackFindsHandlersByPlace) {
   EXPECT_EQ(parser_->parentFragmentHandlerForHandler(root_), nullptr) << "the first place counts";
 }
 
-TEST_F(Fragments, ASkippingHandlerIsNobodysParent) {
-  const auto skipping = std::make_shared<ORLFXMLParserIgnoreFragmentHandler>(true);
-  skipping->beginFragmentWithParent(root_, parser_);
-  const auto second = std::make_shared<ORLFXMLParserIgnoreFragmentHandler>(true);
-  second->beginFragmentWithParent(skipping, parser_);
-  EXPECT_EQ(second->logicalParent(), root_);
-  parser_->pushFragmentHandler(root_);
-  parser_->pushFragmentHandler(skipping);
-  EXPECT_EQ(parser_->parentFragmentHandlerForHandler(inner_), root_);
-  EXPECT_EQ(parser_->parentFragmentHandlerForHandler(skipping), root_);
-  skipping->endFragment();
-  EXPECT_EQ(skipping->logicalParent(), nullptr);
-  EXPECT_EQ(parser_->parentFragmentHandlerForHandler(skipping), root_) << "by its place then";
-  EXPECT_EQ(parser_->parentFragmentHandlerForHandler(inner_), nullptr);
-  EXPECT_EQ(skipping->subFragmentHandlerForElementName("b"), nullptr);
-  EXPECT_EQ(skipping->foundCharacters("x"), nullptr);
-  EXPECT_EQ(skipping->foundIgnorableWhitespace(" "), nullptr);
-}
-
-TEST_F(Fragments, ASkippingHandlerAsksWhatItsParentTakes) {
-  class Deaf : public ORLFXMLParserFragmentHandlerBase {
-   public:
-    bool hears = false;
-    std::vector<std::string> texts;
-    [[nodiscard]] bool takesUnhandledCharacters() const override { return hears; }
-    void unhandledSubElementFoundCharacters(std::string_view, std::string_view text) override {
-      texts.emplace_back(text);
-    }
-  };
-  const auto deaf = std::make_shared<Deaf>();
-  parser_->handlers["d"] = deaf;
-  parser_->setUnhandledElementBehavior(1);
-  constexpr std::string_view document = "<!DOCTYPE d [<!ELEMENT x (y)>]><d><x> <y/>1</x></d>";
-  EXPECT_TRUE(parse(document));
-  EXPECT_TRUE(deaf->texts.empty());
-  deaf->hears = true;
-  EXPECT_TRUE(parse(document));
-  EXPECT_THAT(deaf->texts, ElementsAre("1")) << "no whitespace without its own operation";
-}
-
 TEST_F(Fragments, AreReadFromFilesStreamsAndAddresses) {
   const std::string file = write("r.xml", "<r>x</r>");
   EXPECT_TRUE(parser_->parseContentsOfURL(NSURL::fileURLWithPath(file), &error_));
@@ -408,15 +188,16 @@ TEST_F(Fragments, AreReadFromFilesStreamsAndAddresses) {
   const NSURL url = *NSURL::URLWithString("https://example.com/r.xml");
   EXPECT_FALSE(parser_->parseContentsOfURL(url, &error_));
   EXPECT_EQ(error_->domain(), NSURLErrorDomain);
-  const Replaced loader(NSSetXMLParserLoader, NSXMLParserLoader([](const NSURL&, NSErrorSlot) {
-                          return NSInputStream::initWithData(dataOf("<r>loaded</r>"));
-                        }));
+  const Replaced loader(
+      NSSetXMLParserLoader, NSXMLParserLoader([](const NSURL&, NSErrorSlot) {
+        return NSInputStream::initWithData(NSData(std::string_view("<r>loaded</r>")));
+      }));
   EXPECT_TRUE(parser_->parseContentsOfURL(url, &error_));
   EXPECT_EQ(root_->lastContent, "loaded");
 }
 
 TEST_F(Fragments, TakeAReadyParser) {
-  const auto ready = std::make_shared<NSXMLParser>(dataOf("<r><b/></r>"));
+  const auto ready = std::make_shared<NSXMLParser>(NSData(std::string_view("<r><b/></r>")));
   root_->claims["b"] = inner_;
   ready->setLimits({.elementDepth = 1});
   EXPECT_FALSE(parser_->parse(ready, &error_));

@@ -15,6 +15,7 @@
 #include "cli/json_output.h"
 #include "cli/message_text.h"
 #include "cli/scoped_locale.h"
+#include "cli/scoped_zone.h"
 #include "commands.h"
 #include "io/text_lines.h"
 #include "session.h"
@@ -28,17 +29,6 @@ using namespace ORLFoundation;
 struct DateArguments {
   std::vector<std::string> texts;
   std::optional<std::string> today;
-};
-
-/// The zone of formatters that were given none, for as long as an object lives.
-class ScopedZone {
- public:
-  explicit ScopedZone(const std::shared_ptr<NSTimeZone>& zone) {
-    NSTimeZone::setDefaultTimeZone(zone);
-  }
-  ScopedZone(const ScopedZone&) = delete;
-  ScopedZone& operator=(const ScopedZone&) = delete;
-  ~ScopedZone() { NSTimeZone::setDefaultTimeZone(nullptr); }
 };
 
 /// Text of the error's user information, empty where there is none.
@@ -76,6 +66,7 @@ void printDates(Session& session, const DateArguments& arguments) {
                            ? readDateOption("--today", *arguments.today, *session.calendar)
                            : NSDate::date();
   const std::vector<std::string> texts = textsOfWords(arguments.texts);
+  if (texts.empty()) throw JobFailure("the input holds no line");
   const ScopedLocale locale(session.options.locale);
   const ScopedZone zone(session.calendar->timeZone());
   const Replaced<std::function<NSDate()>> clock(NSDate::setClock, [today] { return today; });

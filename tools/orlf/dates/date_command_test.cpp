@@ -66,4 +66,15 @@ TEST(DateCommand, ReadsALineForEachText) {
   EXPECT_EQ(run.exitCode, 1);
 }
 
+TEST(DateCommand, IsNotSilentAboutAnEmptyInput) {
+  const orlftest::TemporaryFolder folder;
+  const auto path = folder.path() / "empty";
+  std::ofstream(path).flush();
+  ASSERT_NE(std::freopen(path.c_str(), "r", stdin), nullptr);
+  const auto run = orlftest::runTool({"date", "-"});
+  EXPECT_EQ(run.out, "");
+  EXPECT_EQ(run.err, "orlf date: the input holds no line\n");
+  EXPECT_EQ(run.exitCode, 1);
+}
+
 }  // namespace

@@ -16,6 +16,7 @@
 #include "cli/json_output.h"
 #include "cli/message_text.h"
 #include "cli/scoped_locale.h"
+#include "cli/scoped_zone.h"
 #include "commands.h"
 #include "session.h"
 #include "values/date_text.h"
@@ -32,17 +33,6 @@ struct SpanArguments {
   std::optional<std::string> timeStyle;
   bool isCompact = false;
   bool includesEnd = false;
-};
-
-/// The zone in which the library makes formatters, for as long as an object lives.
-class ScopedZone {
- public:
-  explicit ScopedZone(std::shared_ptr<NSTimeZone> zone) {
-    NSTimeZone::setDefaultTimeZone(std::move(zone));
-  }
-  ~ScopedZone() { NSTimeZone::setDefaultTimeZone(nullptr); }
-  ScopedZone(const ScopedZone&) = delete;
-  ScopedZone& operator=(const ScopedZone&) = delete;
 };
 
 constexpr std::string_view kStyleWords = "none, short, medium, long or full";

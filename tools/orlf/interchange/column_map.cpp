@@ -62,8 +62,16 @@ std::string_view trimmed(std::string_view text) {
 ColumnMap::ColumnMap(std::span<const FieldRule> rules, const std::optional<std::string>& map)
     : rules_(rules), headings_(rules.size()), columns_(rules.size()), isMapped_(map.has_value()) {
   needsHeadings_ = !isMapped_;
-  if (map)
-    forEachPart(*map, ',', [this](std::string_view word) { takeWord(std::string(trimmed(word))); });
+  if (!map) return;
+  forEachPart(*map, ',', [this](std::string_view word) { takeWord(std::string(trimmed(word))); });
+  requireFields();
+}
+
+void ColumnMap::requireFields() const {
+  for (std::size_t field = 0; field < rules_.size(); ++field)
+    if (rules_[field].isRequired && !columns_[field] && headings_[field].empty())
+      throw UsageFailure("--map: expected a column for " + std::string(rules_[field].name) +
+                         ", got none");
 }
 
 std::size_t ColumnMap::fieldNamed(const std::string& name) const {

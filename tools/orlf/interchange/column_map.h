@@ -26,7 +26,8 @@ class ColumnMap {
  public:
   /// "date=1,payee=Description": columns count from 1, headings count without regard to the case
   /// of ASCII letters and to blanks around them. Without a map the rules' own headings hold. Throws
-  /// UsageFailure for an unknown field, one named twice, and for column 0.
+  /// UsageFailure for an unknown field, one named twice, one that is needed and not named, and for
+  /// column 0.
   ColumnMap(std::span<const FieldRule> rules, const std::optional<std::string>& map);
 
   /// Whether only the row of headings tells the columns.
@@ -41,6 +42,7 @@ class ColumnMap {
 
  private:
   void takeWord(const std::string& word);
+  void requireFields() const;
   [[nodiscard]] std::size_t fieldNamed(const std::string& name) const;
 
   std::span<const FieldRule> rules_;

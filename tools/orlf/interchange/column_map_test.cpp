@@ -54,6 +54,12 @@ TEST(ColumnMap, KnowsHeadingsWithoutAMap) {
   EXPECT_FALSE(columns.has(2));
 }
 
+TEST(ColumnMap, NeedsAColumnForEachRequiredField) {
+  EXPECT_EQ(faultOf("date=1,memo=2", {}), "--map: expected a column for amount, got none");
+  EXPECT_EQ(faultOf("amount=1", {}), "--map: expected a column for date, got none");
+  EXPECT_EQ(faultOf("amount=Sum,date=Day", {"Day", "Sum"}), "none");
+}
+
 TEST(ColumnMap, NamesWhatItCannotTake) {
   EXPECT_EQ(faultOf("day=1", {}), "--map: expected fields of date, amount, memo, got 'day'");
   EXPECT_EQ(faultOf("date=1,date=2", {}), "--map: date is named twice");
@@ -62,9 +68,9 @@ TEST(ColumnMap, NamesWhatItCannotTake) {
   EXPECT_EQ(faultOf("date", {}),
             "--map: expected a list such as date=1,payee=Description, got 'date'");
   EXPECT_EQ(faultOf("", {}), "--map: expected a list such as date=1,payee=Description, got ''");
-  EXPECT_EQ(faultOf("date=Day", {"A", "B"}),
+  EXPECT_EQ(faultOf("date=Day,amount=2", {"A", "B"}),
             "f: no column has the heading 'Day'; there are 'A', 'B'");
-  EXPECT_EQ(faultOf("date=A", {"a", "A"}),
+  EXPECT_EQ(faultOf("date=A,amount=2", {"a", "A"}),
             "f: two columns have the heading 'A': --map takes numbers, too");
   EXPECT_EQ(faultOf(std::nullopt, {"date", "x"}),
             "f: no column is known for amount; there are 'date', 'x': --map names columns");

@@ -120,6 +120,31 @@ std::optional<Body> bodyOf(std::string_view text) {
   return body;
 }
 
+std::string_view takeDigits(std::string_view& text) {
+  const std::string_view digits =
+      text.substr(0, std::min(text.find_first_not_of("0123456789"), text.size()));
+  text.remove_prefix(digits.size());
+  return digits;
+}
+
+/// Whether a text is "1/2", "-50 1/2" or "$7/8": the reader of typed amounts passes over brackets
+/// and other signs, drops improper fractions behind a number and takes a missing divisor for 1.
+bool isFraction(std::string_view text) {
+  constexpr std::size_t kMostDigits = 9;
+  trim(text);
+  if (!takePrefix(text, "-")) takePrefix(text, "+");
+  takePrefix(text, "$");
+  std::string_view over = takeDigits(text);
+  const bool hasWhole = takePrefix(text, " ");
+  if (hasWhole && over.empty()) return false;
+  if (hasWhole) over = takeDigits(text);
+  if (!takePrefix(text, "/") || over.empty() || over.size() > kMostDigits) return false;
+  const std::string_view under = takeDigits(text);
+  if (!text.empty() || under.empty() || under.size() > kMostDigits) return false;
+  const int divisor = std::stoi(std::string(under));
+  return divisor > 1 && (!hasWhole || std::stoi(std::string(over)) < divisor);
+}
+
 /// The digits of groups that one mark parts, "" for other text.
 std::string joinedGroups(std::string_view whole, char decimal) {
   const std::size_t firstMark = whole.find_first_not_of("0123456789");
@@ -165,7 +190,9 @@ Evidence evidenceOf(std::string_view text) {
 std::optional<NSDecimalNumber> readColumnNumber(std::string_view text, DecimalMark mark) {
   const char decimal = mark == DecimalMark::Point ? '.' : ',';
   if (text.find('/') != text.npos)
-    return text.size() > kLongestNumber ? std::nullopt : orlfDecimalNumberWithFormattedString(text);
+    return text.size() <= kLongestNumber && isFraction(text)
+               ? orlfDecimalNumberWithFormattedString(text)
+               : std::nullopt;
   const std::optional<Body> body = bodyOf(text);
   if (!body || body->text.find_first_of("0123456789") == std::string::npos) return std::nullopt;
   const std::string_view number = body->text;

@@ -44,9 +44,8 @@ QifRequest readRequest(const QifArguments& arguments) {
       throw UsageFailure("--account, --type and --negate do not go with --kind " + arguments.kind);
     return request;
   }
-  if (!arguments.account || trimmed(*arguments.account).empty())
-    throw UsageFailure("--account: expected the name of the account");
-  request.account = oneLine(*arguments.account);
+  request.account = inOneLine(arguments.account.value_or(""));
+  if (request.account.empty()) throw UsageFailure("--account: expected the name of the account");
   if (!arguments.type) return request;
   const std::optional<std::int32_t> type = accountTypeNamed(*arguments.type);
   if (!type)
@@ -63,7 +62,7 @@ TypedTable::Counts writeRecords(Session& session, TypedTable& table, const QifRe
                                 NSUInteger encoding) {
   ORLFQIFDataWriter writer;
   writer.setStream(stream);
-  writer.setEncoding(encoding);
+  writer.setEncoding(beginText(*stream, encoding));
   writer.setDateFormatter(newRecordDateFormatter(*session.calendar));
   writer.setAmountFormatter(newRecordNumberFormatter(kCents));
   writer.beginWriting();
@@ -76,13 +75,13 @@ TypedTable::Counts writeRecords(Session& session, TypedTable& table, const QifRe
 }
 
 void runQif(Session& session, const QifArguments& arguments) {
-  const QifRequest request = readRequest(arguments);
-  const std::unique_ptr<QifRecords> records = makeQifRecords(arguments.kind, request);
-  if (!records)
+  if (!makeQifRecords(arguments.kind, {}))
     throw UsageFailure("--kind: expected " + std::string(kQifKindNames) + ", got " +
                        quotedForMessage(arguments.kind));
-  const NSUInteger encoding =
-      readEncodingOption(arguments.outputEncoding).value_or(NSUTF8StringEncoding);
+  const std::unique_ptr<QifRecords> records =
+      makeQifRecords(arguments.kind, readRequest(arguments));
+  const NSUInteger encoding = readEncodingOption(arguments.outputEncoding, "--output-encoding")
+                                  .value_or(NSUTF8StringEncoding);
   TypedTable table(session, arguments.table, records->rules());
   table.judge();
   records->check(table);

@@ -7,6 +7,7 @@
 #include <array>
 
 #include "cli/failure.h"
+#include "cli/message_text.h"
 
 namespace orlftool {
 namespace {
@@ -70,6 +71,13 @@ void require(bool isWritten) {
   if (!isWritten) throw BadRow{"record", "characters of the output's encoding", "others"};
 }
 
+/// The head of an account's list, for the same reason.
+void beginList(ORLFQIFDataWriter& writer, const QifRequest& request) {
+  if (!writer.beginTransactionListAccountName(request.account, request.accountType))
+    throw UsageFailure("--account: expected characters of the output's encoding, got " +
+                       quotedForMessage(request.account));
+}
+
 /// nil stays nil: an amount negated where that is asked for.
 std::optional<NSDecimalNumber> signedAmount(std::optional<NSDecimalNumber> amount,
                                             const QifRequest& request) {
@@ -91,9 +99,7 @@ class Transactions final : public QifRecords {
       throw UsageFailure("--map: expected a column of amounts, or of debits and credits, got none");
   }
 
-  void begin(ORLFQIFDataWriter& writer) const override {
-    writer.beginTransactionListAccountName(request_.account, request_.accountType);
-  }
+  void begin(ORLFQIFDataWriter& writer) const override { beginList(writer, request_); }
 
   void write(ORLFQIFDataWriter& writer, const TypedRow& row) const override {
     const auto refNum = row.textIfAny(kNumber), payee = row.textIfAny(kPayee);
@@ -173,9 +179,7 @@ class Investments final : public QifRecords {
   [[nodiscard]] std::span<const FieldRule> rules() const override { return kRules; }
   void check(const TypedTable& /*table*/) const override {}
 
-  void begin(ORLFQIFDataWriter& writer) const override {
-    writer.beginTransactionListAccountName(request_.account, request_.accountType);
-  }
+  void begin(ORLFQIFDataWriter& writer) const override { beginList(writer, request_); }
 
   void write(ORLFQIFDataWriter& writer, const TypedRow& row) const override {
     const std::int32_t action = actionOf(row);
@@ -190,6 +194,8 @@ class Investments final : public QifRecords {
                                                    .cleared = cleared,
                                                    .memo = memo}));
     } else {
+      const auto transferAmount = row.number(kTransferAmount);
+      if (transferAmount && !transfer) row.refuse(kTransfer, "the account of the transfer");
       const ORLFQIFInvestment investment{
           .type = action,
           .security = security,
@@ -202,7 +208,7 @@ class Investments final : public QifRecords {
           .payee = payee,
           .memo = memo,
           .account = transfer,
-          .transferAmount = row.number(kTransferAmount)};
+          .transferAmount = transferAmount};
       require(transfer ? writer.writeInvestmentTransferType(investment)
                        : writer.writeInvestmentTransactionType(investment));
     }

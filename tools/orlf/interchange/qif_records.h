@@ -19,7 +19,8 @@ struct QifRequest {
   bool isNegated = false;
 };
 
-/// Writes the records of one kind. What the writer's encoding lacks is thrown as BadRow.
+/// Writes the records of one kind. What the writer's encoding lacks is thrown: BadRow in a record,
+/// UsageFailure in the account's name.
 class QifRecords {
  public:
   virtual ~QifRecords() = default;

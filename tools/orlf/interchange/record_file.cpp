@@ -1,5 +1,8 @@
 #include "interchange/record_file.h"
 
+#include <ORLFoundation/platform/text/NSStringEncoding.h>
+
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -41,12 +44,20 @@ class GatheredStream final : public NSOutputStream {
 
 void writeRecordFile(const std::string& path,
                      const std::function<void(const std::shared_ptr<NSOutputStream>&)>& write) {
+  if (path == "-") throw UsageFailure("--output: expected the name of a file, got '-'");
   writeFileAtomically(path, [&](const std::string& temporaryPath) {
     const auto stream = std::make_shared<GatheredStream>(temporaryPath, path);
     stream->open();
     write(stream);
     stream->finish();
   });
+}
+
+NSUInteger beginText(NSOutputStream& stream, NSUInteger encoding) {
+  if (encoding != NSUTF16StringEncoding) return encoding;
+  constexpr std::array<std::uint8_t, 2> kLittleEndianMark{0xFF, 0xFE};
+  stream.write(kLittleEndianMark);
+  return NSUTF16LittleEndianStringEncoding;
 }
 
 }  // namespace orlftool

@@ -1,11 +1,15 @@
 #include "interchange/record_file.h"
 
+#include <ORLFoundation/platform/object/Id.h>
+#include <ORLFoundation/platform/text/NSStringEncoding.h>
+#include <ORLFoundation/platform/value/NSData.h>
 #include <gtest/gtest.h>
 #include <tests/support/TemporaryFolder.h>
 
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "cli/failure.h"
@@ -47,6 +51,26 @@ TEST_F(RecordFile, StaysAsItWasWhereTheJobFails) {
 
 TEST_F(RecordFile, FailsWhereThereIsNoFolder) {
   EXPECT_THROW(writeRecordFile(path("none/out.qif"), [](const auto&) {}), JobFailure);
+}
+
+TEST_F(RecordFile, HasAName) {
+  EXPECT_THROW(writeRecordFile("-", [](const auto&) { FAIL(); }), UsageFailure);
+}
+
+TEST_F(RecordFile, BeginsWithOneByteOrderMark) {
+  using namespace ORLFoundation;
+  const std::pair<NSUInteger, std::string_view> marks[] = {{NSUTF16StringEncoding, "\xFF\xFE"},
+                                                           {NSUTF16LittleEndianStringEncoding, ""},
+                                                           {NSUTF16BigEndianStringEncoding, ""},
+                                                           {NSUTF8StringEncoding, ""}};
+  for (const auto& [encoding, mark] : marks) {
+    const auto stream = NSOutputStream::initToMemory();
+    stream->open();
+    EXPECT_EQ(beginText(*stream, encoding),
+              encoding == NSUTF16StringEncoding ? NSUTF16LittleEndianStringEncoding : encoding);
+    const id bytes = stream->propertyForKey(NSStreamDataWrittenToMemoryStreamKey);
+    EXPECT_EQ(bytes.as<NSData>().value().text(), mark) << encoding;
+  }
 }
 
 }  // namespace

@@ -161,8 +161,7 @@ const Kind& kindNamed(const std::string& name) {
   throw UsageFailure("--kind: expected gains, summary or detail, got " + quotedForMessage(name));
 }
 
-void prepare(ORLFTXFDataWriter& writer, const TxfArguments& arguments, const NSCalendar& calendar) {
-  writer.setEncoding(readEncodingOption(arguments.outputEncoding).value_or(NSUTF8StringEncoding));
+void prepare(ORLFTXFDataWriter& writer, const NSCalendar& calendar) {
   writer.setDateFormatter(newRecordDateFormatter(calendar));
   writer.setAmountFormatter(newRecordNumberFormatter(kCents));
   writer.setSecuritySharesFormatter(newRecordNumberFormatter(0));
@@ -174,13 +173,16 @@ void runTxf(Session& session, const TxfArguments& arguments) {
   const NSDate exported = arguments.exportDate
                               ? readDateOption("--export-date", *arguments.exportDate, calendar)
                               : NSDate::date();
+  const NSUInteger encoding = readEncodingOption(arguments.outputEncoding, "--output-encoding")
+                                  .value_or(NSUTF8StringEncoding);
   ORLFTXFDataWriter writer;
-  prepare(writer, arguments, calendar);
+  prepare(writer, calendar);
   TypedTable table(session, arguments.table, kind.rules);
   table.judge();
   TypedTable::Counts counts;
   writeRecordFile(arguments.output, [&](const std::shared_ptr<NSOutputStream>& stream) {
     writer.setStream(stream);
+    writer.setEncoding(beginText(*stream, encoding));
     writer.beginWriting();
     writer.writeForHeaderAppName("orlf " + std::string(kToolVersion), exported);
     counts = table.forEach([&](const TypedRow& row) { kind.write(writer, row, calendar); });

@@ -32,6 +32,7 @@ DecimalMark markNamed(const std::string& name) {
 
 /// The file is read twice, which a pipe does not stand.
 void requirePlainFile(const std::string& path) {
+  if (path == "-") throw JobFailure("standard input: expected a file that can be read twice");
   struct stat status {};
   if (::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode))
     throw JobFailure(path + ": expected a file that can be read twice");
@@ -49,7 +50,15 @@ std::size_t lengthOfControl(std::string_view text) {
   return 0;
 }
 
-/// Records keep a field to a line: a line end in it would begin another.
+/// The writers' formatters keep 15 digits.
+bool isTooLong(const NSDecimalNumber& number) {
+  NSDecimal::Mantissa limit = 1;
+  for (int digit = 0; digit < kMostDigits; ++digit) limit *= 10;
+  return number.decimalValue().compacted().mantissa() >= limit;
+}
+
+}  // namespace
+
 std::string inOneLine(std::string_view text) {
   std::string line;
   while (!text.empty()) {
@@ -59,15 +68,6 @@ std::string inOneLine(std::string_view text) {
   }
   return std::string(trimmed(line));
 }
-
-/// The writers' formatters keep 15 digits.
-bool isTooLong(const NSDecimalNumber& number) {
-  NSDecimal::Mantissa limit = 1;
-  for (int digit = 0; digit < kMostDigits; ++digit) limit *= 10;
-  return number.decimalValue().compacted().mantissa() >= limit;
-}
-
-}  // namespace
 
 void declareTableOptions(Options& options, TableRequest& request) {
   options.required("FILE", request.file, "The table, separated text");

@@ -40,6 +40,10 @@ struct TableRequest {
 /// Declares the options of a table.
 void declareTableOptions(Options& options, TableRequest& request);
 
+/// A text as records hold it: line ends and other control characters, which would begin another
+/// line, are blanks, and none stand around it.
+[[nodiscard]] std::string inOneLine(std::string_view text);
+
 /// What is wrong with a row. Thrown, it refuses the row.
 struct BadRow {
   std::string field;
@@ -51,7 +55,7 @@ struct BadRow {
 class TypedRow {
  public:
   [[nodiscard]] std::uint64_t line() const noexcept { return line_; }
-  /// Without blanks around it; line ends and other control characters are blanks.
+  /// As `inOneLine` gives it.
   [[nodiscard]] std::string text(std::size_t field) const;
   /// The same, nil for an empty one.
   [[nodiscard]] std::optional<std::string> textIfAny(std::size_t field) const;

@@ -74,10 +74,11 @@ std::optional<NSStringEncoding> encodingNamed(std::string_view name) {
   return found == kEncodings.end() ? std::nullopt : std::optional(found->encoding);
 }
 
-std::optional<NSStringEncoding> readEncodingOption(const std::optional<std::string>& name) {
+std::optional<NSStringEncoding> readEncodingOption(const std::optional<std::string>& name,
+                                                   std::string_view option) {
   if (!name) return std::nullopt;
   if (const auto encoding = encodingNamed(*name)) return encoding;
-  throw UsageFailure("--encoding: expected " + std::string(kEncodingNames) + ", got " +
+  throw UsageFailure(std::string(option) + ": expected " + std::string(kEncodingNames) + ", got " +
                      quotedForMessage(*name));
 }
 

@@ -26,7 +26,7 @@ inline constexpr std::string_view kEncodingNames =
 [[nodiscard]] std::optional<ORLFoundation::NSStringEncoding> encodingNamed(std::string_view name);
 /// The encoding that the value of an option names; nil where it was not given. Throws UsageFailure.
 [[nodiscard]] std::optional<ORLFoundation::NSStringEncoding> readEncodingOption(
-    const std::optional<std::string>& name);
+    const std::optional<std::string>& name, std::string_view option = "--encoding");
 [[nodiscard]] std::string_view nameOfEncoding(ORLFoundation::NSUInteger encoding);
 
 class TextInput {

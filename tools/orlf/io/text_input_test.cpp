@@ -142,6 +142,12 @@ TEST(EncodingNamed, KnowsTheNamesOfItsMessage) {
   EXPECT_EQ(orlftool::readEncodingOption(std::nullopt), std::nullopt);
   EXPECT_EQ(orlftool::readEncodingOption("latin1"), NSISOLatin1StringEncoding);
   EXPECT_THROW((void)orlftool::readEncodingOption("ebcdic"), orlftool::UsageFailure);
+  try {
+    (void)orlftool::readEncodingOption("ebcdic", "--to");
+    FAIL();
+  } catch (const orlftool::UsageFailure& failure) {
+    EXPECT_TRUE(std::string_view(failure.what()).starts_with("--to: expected utf-8, "));
+  }
 }
 
 TEST(LineEndsIn, CountsThreeKinds) {

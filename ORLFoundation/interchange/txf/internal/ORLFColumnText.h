@@ -22,7 +22,7 @@ namespace ORLFoundation::internal::txf {
 
 /// 31 units and more are cut to 29. Shorter texts are not padded; this is required.
 [[nodiscard]] std::optional<std::string> accountColumn(std::string_view text);
-/// Fewer than 7 units are padded to 6; of a longer number the units from the fifth on stay.
+/// Fewer than 7 units are padded to 6; of a longer number the units behind the fifth stay.
 [[nodiscard]] std::optional<std::string> checkNumberColumn(std::string_view text);
 /// Padded to the width; a longer text is cut to one unit less.
 [[nodiscard]] std::optional<std::string> textColumn(std::string_view text, std::size_t width);

@@ -79,7 +79,7 @@ NumericDate::Answer NumericDate::read(std::string_view text, std::int32_t window
     date.year = digits.value;
     if (digits.count != 2 || part.width > 2) continue;
     const std::int32_t century = windowStart - windowStart % 100;
-    if (digits.value == windowStart % 100) return Answer::kUnknown;
+    if (windowStart < 1 || digits.value == windowStart % 100) return Answer::kUnknown;
     date.year += century + (digits.value < windowStart % 100 ? 100 : 0);
   }
   if (!text.empty() || date.year == 0) return Answer::kUnknown;

@@ -24,7 +24,7 @@ class NumericDate {
     kUnknown,  // for ICU to decide
   };
   /// Takes all of a text that has the format's own marks. `windowStart` is the first year to which
-  /// a year of two digits may belong; that year itself is left to ICU.
+  /// a year of two digits may belong; that year itself, and a start before year 1, are left to ICU.
   [[nodiscard]] Answer read(std::string_view text, std::int32_t windowStart,
                             base::civil::Date& date) const;
   /// nil for a year before 1 or after 9999.

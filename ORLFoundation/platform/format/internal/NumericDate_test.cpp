@@ -97,6 +97,21 @@ TEST(NumericDate, ReadsAsIcuDoes) {
   }
 }
 
+TEST(NumericDate, ReadsYearsOfTwoDigitsAsIcuDoes) {
+  for (const double start : {-631152000.0, 951782400.0, -62135596800.0, -62200000000.0, -7.2e10,
+                             -1e11, 2e11, 1e300, std::numeric_limits<double>::quiet_NaN()}) {
+    DateSettings settings = settingsOf("en_US", "M/d/yy", "UTC", false);
+    settings.twoDigitStart = NSDate::dateWithTimeIntervalSince1970(start);
+    const DateEngine ours(settings);
+    settings.icuAlone = true;
+    const DateEngine peer(settings);
+    for (int year = 0; year < 100; ++year) {
+      const std::string text = (year < 10 ? "1/2/0" : "1/2/") + std::to_string(year);
+      ASSERT_EQ(shown(ours.read(text, true)), shown(peer.read(text, true))) << start << " " << text;
+    }
+  }
+}
+
 TEST(NumericDate, PrintsAsIcuDoes) {
   std::mt19937 random(7);
   std::uniform_real_distribution<double> seconds(-7e10, 3e11);
