@@ -31,13 +31,19 @@ constinit internal::base::Replaceable<const Languages> languages([] {
 // Part of stored archives: it never changes.
 constexpr std::string_view kIdentifierKey = "NS.identifier";
 
+std::optional<std::string> symbolOf(const icu::Locale& locale,
+                                    icu::DecimalFormatSymbols::ENumberFormatSymbol which) {
+  UErrorCode status = U_ZERO_ERROR;
+  const icu::DecimalFormatSymbols symbols(locale, status);
+  if (U_FAILURE(status)) return std::nullopt;
+  std::string text;
+  return symbols.getSymbol(which).toUTF8String(text);
+}
+
 std::string symbol(const std::string& identifier,
                    icu::DecimalFormatSymbols::ENumberFormatSymbol which) {
-  UErrorCode status = U_ZERO_ERROR;
-  const icu::DecimalFormatSymbols symbols(icu::Locale(identifier.c_str()), status);
-  std::string text;
-  if (U_SUCCESS(status)) symbols.getSymbol(which).toUTF8String(text);
-  return text;
+  const auto text = symbolOf(icu::Locale(identifier.c_str()), which);
+  return text ? *text : symbolOf(icu::Locale::getRoot(), which).value_or("");
 }
 
 }  // namespace

@@ -28,8 +28,8 @@ inline constexpr std::string_view NSLocaleGroupingSeparator = "NSLocaleGroupingS
 
 class NSLocale : public NSObject, public NSSecureCoding {
  public:
-  /// `initWithLocaleIdentifier:`  Any text is taken; marks and words of an unknown language are
-  /// those of the root locale.
+  /// `initWithLocaleIdentifier:`  Any text is taken; the marks of numbers and the words for them
+  /// are those of the root locale where the language, or a keyword behind "@", is unknown.
   explicit NSLocale(std::string_view localeIdentifier);
   /// `localeWithLocaleIdentifier:`
   [[nodiscard]] static std::shared_ptr<NSLocale> localeWithLocaleIdentifier(

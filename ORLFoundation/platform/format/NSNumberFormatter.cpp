@@ -4,14 +4,38 @@
 #include <ORLFoundation/platform/format/internal/NumberFormats.h>
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/text/UTF16.h>
+#include <unicode/fieldpos.h>
+#include <unicode/fmtable.h>
 #include <unicode/numfmt.h>
 #include <unicode/unistr.h>
 
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
 #include <utility>
 
 namespace ORLFoundation {
 
 using namespace internal::text;
+
+namespace {
+
+// From here on all doubles are whole, and ICU spells out doubles as less than they are.
+constexpr double kFirstLarge = 9007199254740992.0;
+
+// A large whole number in words, in digits where the words for it are missing.
+std::string spelledOut(const icu::NumberFormat& format, const std::string& digits) {
+  UErrorCode status = U_ZERO_ERROR;
+  icu::Formattable number;
+  number.setDecimalNumber(digits, status);
+  icu::UnicodeString text;
+  icu::FieldPosition everywhere(icu::FieldPosition::DONT_CARE);
+  format.format(number, text, everywhere, status);
+  return U_SUCCESS(status) ? utf8Of(text) : digits;
+}
+
+}  // namespace
 
 NSNumberFormatter::NSNumberFormatter()
     : format_(std::make_unique<internal::format::NumberFormats>()) {}
@@ -145,14 +169,26 @@ std::optional<std::string> NSNumberFormatter::stringForObjectValue(const id& val
 }
 
 std::string NSNumberFormatter::stringFromDouble(double number) const {
+  if (std::isfinite(number) && format_->spellsOut() && std::abs(number) >= kFirstLarge) {
+    std::array<char, std::numeric_limits<double>::max_exponent10 + 3> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number,
+                                   std::chars_format::fixed, 0)
+                         .ptr;
+    return spelledOut(format_->current(), std::string(digits.data(), end));
+  }
   icu::UnicodeString text;
   return utf8Of(format_->current().format(number, text));
 }
 
 std::string NSNumberFormatter::stringFromDecimal(const NSDecimal& number) const {
-  // ICU writes decimals in digits alone.
-  if (format_->readsWords()) return stringFromDouble(number.doubleValue());
   const std::string digits = number.description();
+  // ICU writes decimals in digits alone.
+  if (format_->readsWords()) {
+    const double nearest = number.doubleValue();
+    return format_->spellsOut() && std::abs(nearest) >= kFirstLarge
+               ? spelledOut(format_->current(), digits.substr(0, digits.find('.')))
+               : stringFromDouble(nearest);
+  }
   icu::UnicodeString text;
   UErrorCode status = U_ZERO_ERROR;
   format_->current().format(icu::StringPiece(digits), text, nullptr, status);

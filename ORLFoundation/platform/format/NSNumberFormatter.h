@@ -71,10 +71,11 @@ class NSNumberFormatter : public NSObject, public NSSecureCoding {
   /// `setLocale:`  nil is the process's current locale.
   void setLocale(std::shared_ptr<NSLocale> locale);
   [[nodiscard]] NSInteger minimumFractionDigits() const noexcept;
-  /// `setMinimumFractionDigits:`  Raises the maximum with it where needed.
+  /// `setMinimumFractionDigits:`  Raises the maximum with it where needed: one that was set for
+  /// good, that of the style only while the minimum is above it.
   void setMinimumFractionDigits(NSInteger digits);
   [[nodiscard]] NSInteger maximumFractionDigits() const noexcept;
-  /// `setMaximumFractionDigits:`  Lowers the minimum with it where needed.
+  /// `setMaximumFractionDigits:`  Lowers the minimum in the same way.
   void setMaximumFractionDigits(NSInteger digits);
   /// `usesGroupingSeparator`  As the style has it until set.
   [[nodiscard]] bool usesGroupingSeparator() const noexcept;
@@ -110,10 +111,12 @@ class NSNumberFormatter : public NSObject, public NSSecureCoding {
       const std::optional<NSNumber>& number) const;
   /// `stringForObjectValue:`  nil for what is no number.
   [[nodiscard]] virtual std::optional<std::string> stringForObjectValue(const id& value) const;
-  /// `stringFromNumber:`  Of a double. Not-a-number and infinities are written by their symbols.
+  /// `stringFromNumber:`  Of a double. Not-a-number and infinities are written by their symbols;
+  /// numbers that the language has no words for are spelled out in digits.
   [[nodiscard]] std::string stringFromDouble(double number) const;
   /// `stringFromNumber:`  Of a decimal, exactly, rounded to the fraction digits only; in words, of
-  /// the nearest double. At most 127 fraction digits are written.
+  /// the nearest double, or from 2^53 on of its whole digits. At most 127 fraction digits are
+  /// written.
   [[nodiscard]] std::string stringFromDecimal(const NSDecimal& number) const;
 
   /// `numberFromString:`  nil unless all of the text is a number, within the limits. White space

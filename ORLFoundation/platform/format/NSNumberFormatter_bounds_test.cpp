@@ -79,6 +79,18 @@ TEST(NSNumberFormatter, LooksAtSoManyUnitsOfATextAsWords) {
   EXPECT_FALSE(formatter.getObjectValue(nullptr, short_));
 }
 
+TEST(NSNumberFormatter, DigitsThatAreWordsSpendThemToo) {
+  NSNumberFormatter formatter;
+  formatter.setLocale(std::make_shared<NSLocale>("en_US@numbers=roman"));
+  formatter.setNumberStyle(NSNumberFormatterDecimalStyle);
+  EXPECT_EQ(formatter.stringFromDouble(12), "XII");
+  EXPECT_EQ(formatter.numberFromString("XII"), NSNumber(12));
+  NSNumberText text("XII");
+  ASSERT_TRUE(text.spendUnitsInWords(NSNumberText::kMostUnitsInWords - 3));
+  EXPECT_TRUE(formatter.getObjectValue(nullptr, text));
+  EXPECT_FALSE(formatter.getObjectValue(nullptr, text));
+}
+
 TEST(NSNumberFormatter, EndsWordsBeforeTheMarksOfSums) {
   NSNumberFormatter formatter;
   american(formatter, NSNumberFormatterSpellOutStyle);

@@ -9,6 +9,9 @@
 #include <ORLFoundation/platform/object/Id.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdint>
+#include <limits>
 #include <memory>
 #include <string>
 
@@ -137,6 +140,73 @@ TEST(NSNumberFormatter, TakesWildSettings) {
   EXPECT_EQ(formatter->stringFromDouble(0.5), "0.5");
   formatter->setLocale(nullptr);
   EXPECT_EQ(formatter->locale(), NSLocale::currentLocale());
+}
+
+TEST(NSNumberFormatter, DigitsOnceSetLeaveNothingBehind) {
+  const auto formatter = americanFormatter();
+  formatter->setNumberStyle(NSNumberFormatterCurrencyStyle);
+  EXPECT_EQ(formatter->stringFromDouble(5), "$5.00");
+  formatter->setMaximumFractionDigits(0);
+  EXPECT_EQ(formatter->stringFromDouble(5), "$5");
+  formatter->setMaximumFractionDigits(4);
+  EXPECT_EQ(formatter->stringFromDouble(5), "$5.00");
+  EXPECT_EQ(copyOf(formatter)->stringFromDouble(5), "$5.00") << "whenever it was written with";
+  formatter->setNumberStyle(NSNumberFormatterDecimalStyle);
+  const auto raised = americanFormatter();
+  for (const NSInteger digits : {5, 0}) {
+    raised->setMinimumFractionDigits(digits);
+    EXPECT_EQ(raised->maximumFractionDigits(), std::max<NSInteger>(digits, 3));
+    EXPECT_EQ(copyOf(raised)->maximumFractionDigits(), raised->maximumFractionDigits());
+  }
+}
+
+TEST(NSNumberFormatter, WritesAndReadsAsTheRootLocaleWhereTheLocaleIsNone) {
+  const auto root = americanFormatter();
+  root->setLocale(std::make_shared<NSLocale>(""));
+  const auto formatter = americanFormatter();
+  for (const std::string& identifier :
+       {std::string("en_US@numbers=bogus"), "en_US@currency=" + std::string(3000, 'X'),
+        "en_" + std::string(300, 'V'), std::string(400, 'a')}) {
+    formatter->setLocale(std::make_shared<NSLocale>(identifier));
+    EXPECT_EQ(formatter->decimalSeparator(), ".") << identifier;
+    EXPECT_EQ(formatter->groupingSeparator(), ",") << identifier;
+    for (NSUInteger style = 0; style < 8; ++style) {
+      for (const auto& each : {root, formatter})
+        each->setNumberStyle(static_cast<NSNumberFormatterStyle>(style));
+      EXPECT_EQ(formatter->stringFromDouble(1234.5), root->stringFromDouble(1234.5)) << identifier;
+      EXPECT_EQ(formatter->maximumFractionDigits(), root->maximumFractionDigits()) << identifier;
+      EXPECT_EQ(formatter->numberFromString("12"), root->numberFromString("12")) << identifier;
+    }
+  }
+}
+
+struct WordsCase {
+  NSNumber number;
+  const char* text;
+};
+const WordsCase kLargeWords[] = {
+    {9007199254740991.0,
+     "nine quadrillion seven trillion one hundred ninety-nine billion two hundred fifty-four "
+     "million seven hundred forty thousand nine hundred ninety-one"},
+    {NSDecimal::parse("-10000000000000001"), "minus ten quadrillion one"},
+    {std::int64_t{10000000000000003}, "ten quadrillion three"},
+    {NSDecimal::parse("500000000000000000.5"), "five hundred quadrillion"},
+    {3e17, "three hundred quadrillion"},
+    {9223372036854775807, "9,223,372,036,854,775,807"},
+    {1e19, "10,000,000,000,000,000,000"},
+    {NSDecimal::parse("-1e20"), "-100,000,000,000,000,000,000"},
+    {std::numeric_limits<double>::infinity(), "infinity"},
+    {NSDecimal::notANumber(), "not a number"},
+};
+
+TEST(NSNumberFormatter, SpellsOutLargeNumbersAsLargeAsTheyAre) {
+  const auto formatter = americanFormatter();
+  formatter->setNumberStyle(NSNumberFormatterSpellOutStyle);
+  for (const WordsCase& row : kLargeWords)
+    EXPECT_EQ(formatter->stringFromNumber(row.number), row.text);
+  EXPECT_EQ(formatter->stringFromDouble(-std::numeric_limits<double>::max()).size(), 412U);
+  formatter->setNumberStyle(NSNumberFormatterOrdinalStyle);
+  EXPECT_EQ(formatter->stringFromDouble(1e19), "10,000,000,000,000,000,000th");
 }
 
 TEST(NSNumberFormatter, WritesEveryKindOfNumberAndNoOther) {

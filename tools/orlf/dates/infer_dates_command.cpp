@@ -231,10 +231,12 @@ class Inference {
     unknownDays_.print(session_, "no date of the calendar under an order that is left");
     if (orders_.empty()) {
       printNote(session_, "no order fits all dates");
-    } else if (orders_.size() > 1 && !wantsAll_) {
-      printNote(session_, "several orders fit: name the right one with --orders, or take --all");
-    } else if (!isAnswer_ && !wantsAll_) {
-      printNote(session_, "no order that was asked for fits all dates");
+    } else if (!wantsAll_ && !isAnswer_) {
+      // Where one that was asked for fits, no other is left.
+      const bool isAskedFor = asked_.empty() || contains(asked_, orders_.front());
+      printNote(session_,
+                isAskedFor ? "several orders fit: name the right one with --orders, or take --all"
+                           : "no order that was asked for fits all dates");
     }
   }
 

@@ -129,8 +129,10 @@ TypedSum SumReader::read(std::string_view text) {
     Cutter failed(typed);
     static_cast<void>(failed.until(*formatter_->failedAt));
     sum.fault = "no number begins at " + quotedForMessage(failed.rest());
-  } else if (isRead) {
-    sum.fault = value ? "there is more than a sum" : "there is no number";
+  } else if (isRead && value) {
+    sum.fault = "there is more than a sum";
+  } else if (isRead && sum.numbers.empty()) {
+    sum.fault = "there is no number";
   } else if (error && !error->userInfo()->objectForKey("NSInvalidValue").isNil()) {
     sum.fault = limitFault(*error);
   } else if (error) {

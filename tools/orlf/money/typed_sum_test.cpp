@@ -29,6 +29,8 @@ const SumCase kSums[] = {
     {"5+3x", "no: a sign is missing between two parts"},
     {"[5]6", "no: a sign is missing between two parts"},
     {"5/0", "no: it divides by zero, or a number is missing"},
+    {"5/0]", "no: it divides by zero, or a number is missing"},
+    {"1e100*1e100]", "no: The result is too large for a decimal."},
     {"5+abc", "no: no number begins at 'abc'"},
     {"\xF0\x9F\x98\x80+1", "no: no number begins at '\xF0\x9F\x98\x80+1'"},
     {"1e100*1e100", "no: The result is too large for a decimal."},

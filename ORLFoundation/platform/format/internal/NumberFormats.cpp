@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace ORLFoundation::internal::format {
 namespace {
@@ -47,6 +48,13 @@ constexpr Maker kMakers[] = {
     words<icu::URBNF_ORDINAL>,
 };
 
+// null where ICU makes nothing of the locale, a numbering system of no name among it.
+std::unique_ptr<icu::NumberFormat> formatOf(std::size_t style, const icu::Locale& locale) {
+  UErrorCode status = U_ZERO_ERROR;
+  std::unique_ptr<icu::NumberFormat> format(kMakers[style](locale, status));
+  return U_SUCCESS(status) ? std::move(format) : nullptr;
+}
+
 // The symbol where it is one UTF-16 unit, else 0.
 char16_t unitOf(const icu::UnicodeString& symbol) {
   return symbol.length() == 1 ? symbol.charAt(0) : u'\0';
@@ -58,14 +66,16 @@ std::size_t NumberFormats::index() const noexcept {
   return settings.style < kStyles ? static_cast<std::size_t>(settings.style) : 0;
 }
 
-bool NumberFormats::readsWords() const noexcept {
-  return index() >= NSNumberFormatterSpellOutStyle;
+bool NumberFormats::readsWords() const { return entry().readsWords; }
+
+bool NumberFormats::spellsOut() const {
+  return readsWords() && index() != NSNumberFormatterOrdinalStyle;
 }
 
 NumberFormats::Entry& NumberFormats::entry() const {
   Entry& entry = entries_[index()];
   if (!entry.format) {
-    entry.format = make(index());
+    entry = make(index());
     apply(entry, index());
   }
   return entry;
@@ -84,15 +94,18 @@ void NumberFormats::changedDetails() {
     if (entries_[style].format) apply(entries_[style], style);
 }
 
-std::unique_ptr<icu::NumberFormat> NumberFormats::make(std::size_t style) const {
-  UErrorCode status = U_ZERO_ERROR;
-  const icu::Locale locale(settings.locale->localeIdentifier().c_str());
-  std::unique_ptr<icu::NumberFormat> format(kMakers[style](locale, status));
-  if (U_FAILURE(status) || !format) throw std::runtime_error("no number format data");
-  auto* decimal = dynamic_cast<icu::DecimalFormat*>(format.get());
-  if (decimal == nullptr) return format;
+NumberFormats::Entry NumberFormats::make(std::size_t style) const {
+  Entry entry;
+  entry.format = formatOf(style, icu::Locale(settings.locale->localeIdentifier().c_str()));
+  if (!entry.format) entry.format = formatOf(style, icu::Locale::getRoot());
+  if (!entry.format) throw std::runtime_error("no number format data");
+  entry.minimumFractionDigits = entry.format->getMinimumFractionDigits();
+  entry.maximumFractionDigits = entry.format->getMaximumFractionDigits();
+  entry.readsWords = dynamic_cast<icu::RuleBasedNumberFormat*>(entry.format.get()) != nullptr;
+  auto* decimal = dynamic_cast<icu::DecimalFormat*>(entry.format.get());
+  if (decimal == nullptr) return entry;
   decimal->setRoundingMode(icu::NumberFormat::kRoundHalfEven);
-  if (!settings.decimalSeparator && !settings.groupingSeparator) return format;
+  if (!settings.decimalSeparator && !settings.groupingSeparator) return entry;
   Symbols symbols(*decimal->getDecimalFormatSymbols());
   const auto set = [&symbols](const std::optional<std::string>& text, auto plain, auto monetary) {
     if (!text) return;
@@ -104,13 +117,16 @@ std::unique_ptr<icu::NumberFormat> NumberFormats::make(std::size_t style) const 
   set(settings.groupingSeparator, Symbols::kGroupingSeparatorSymbol,
       Symbols::kMonetaryGroupingSeparatorSymbol);
   decimal->setDecimalFormatSymbols(symbols);
-  return format;
+  return entry;
 }
 
 void NumberFormats::apply(Entry& entry, std::size_t style) const {
   icu::NumberFormat& format = *entry.format;
   format.setLenient(settings.isLenient);
   if (settings.usesGrouping) format.setGroupingUsed(*settings.usesGrouping);
+  // Each bound moves the other, so that what was set before would show through.
+  format.setMaximumFractionDigits(entry.maximumFractionDigits);
+  format.setMinimumFractionDigits(entry.minimumFractionDigits);
   if (settings.minimumFractionDigits)
     format.setMinimumFractionDigits(fractionDigits(*settings.minimumFractionDigits));
   if (settings.maximumFractionDigits)

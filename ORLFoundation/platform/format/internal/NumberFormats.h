@@ -8,6 +8,7 @@
 #include <unicode/numfmt.h>
 
 #include <array>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -53,8 +54,10 @@ class NumberFormats {
   /// ICU's format of the style.
   [[nodiscard]] icu::NumberFormat& current() const;
   [[nodiscard]] const PlainMarks& plainMarks() const;
-  /// Numbers of the style are read from words.
-  [[nodiscard]] bool readsWords() const noexcept;
+  /// Numbers of the style are read from words: also where the locale's digits are such (roman).
+  [[nodiscard]] bool readsWords() const;
+  /// Such, but no ordinals: these are digits with an ending.
+  [[nodiscard]] bool spellsOut() const;
 
   /// The locale or a separator: formats are made anew.
   void changedLocale() noexcept;
@@ -65,12 +68,15 @@ class NumberFormats {
   struct Entry {
     std::unique_ptr<icu::NumberFormat> format;
     PlainMarks plain;
+    bool readsWords = false;
+    // As the style has them in the locale.
+    std::int32_t minimumFractionDigits = 0, maximumFractionDigits = 0;
   };
   static constexpr std::size_t kStyles = 7;
 
   [[nodiscard]] std::size_t index() const noexcept;
   [[nodiscard]] Entry& entry() const;
-  [[nodiscard]] std::unique_ptr<icu::NumberFormat> make(std::size_t style) const;
+  [[nodiscard]] Entry make(std::size_t style) const;
   void apply(Entry& entry, std::size_t style) const;
   [[nodiscard]] PlainMarks marksOf(const icu::NumberFormat& format, std::size_t style) const;
 
