@@ -87,7 +87,7 @@ std::optional<NSDecimalNumber> signedAmount(std::optional<NSDecimalNumber> amoun
 
 class Transactions final : public QifRecords {
  public:
-  explicit Transactions(const QifRequest& request) : request_(request) {}
+  explicit Transactions(QifRequest request) : request_(std::move(request)) {}
 
   [[nodiscard]] std::span<const FieldRule> rules() const override { return kRules; }
 
@@ -174,7 +174,7 @@ class Transactions final : public QifRecords {
 
 class Investments final : public QifRecords {
  public:
-  explicit Investments(const QifRequest& request) : request_(request) {}
+  explicit Investments(QifRequest request) : request_(std::move(request)) {}
 
   [[nodiscard]] std::span<const FieldRule> rules() const override { return kRules; }
   void check(const TypedTable& /*table*/) const override {}

@@ -117,7 +117,7 @@ void writeGains(ORLFTXFDataWriter& writer, const TypedRow& row, const NSCalendar
 }
 
 std::string referenceOf(const TypedRow& row) {
-  const std::string text = row.text(kReference);
+  std::string text = row.text(kReference);
   const std::optional<std::int64_t> number = readWholeNumber(text);
   if (!number || *number < 1) row.refuse(kReference, "the number of a tax line such as 287");
   return text;
