@@ -123,6 +123,18 @@ TEST(ORLFCalendarArithmetic, CountsNothingToADateThatNoCalendarPlaces) {
   EXPECT_EQ(orlfCountOfCalendarUnit(*calendar, NSCalendarUnitMonth, NSDate(), never), 0.0);
 }
 
+// A side that no calendar places has no boundary: its fraction and the whole units are left out.
+TEST(ORLFCalendarArithmetic, CountsTheFractionOfTheOneSideThatTheCalendarPlaces) {
+  const auto calendar = calendarIn("UTC");
+  const NSDate far = NSDate::dateWithTimeIntervalSinceReferenceDate(1e15);
+  EXPECT_EQ(
+      orlfCountOfCalendarUnit(*calendar, NSCalendarUnitMonth, at(*calendar, 2024, 1, 15), far),
+      17.0 / 31);
+  EXPECT_EQ(
+      orlfCountOfCalendarUnit(*calendar, NSCalendarUnitMonth, far, at(*calendar, 2024, 2, 15)),
+      14.0 / 29);
+}
+
 TEST(ORLFCalendarArithmetic, CountsWholeMonthsThroughAddingOnEveryDayOfFourYears) {
   for (const char* zone : {"America/New_York", "Asia/Kathmandu", "Australia/Lord_Howe"}) {
     const auto calendar = calendarIn(zone);
@@ -175,6 +187,10 @@ TEST(ORLFCalendarArithmetic, AddsNothingToNilAndNothingBeyondTheCalendar) {
     EXPECT_EQ(orlfDateByAddingInterval(*calendar, NSIntegerMax - 1, unit, NSDate()), std::nullopt);
     EXPECT_EQ(orlfDateByAddingInterval(*calendar, NSIntegerMin, unit, NSDate()), std::nullopt);
   }
+  // Three times as many months would be 2 where the product wraps.
+  EXPECT_EQ(
+      orlfDateByAddingInterval(*calendar, 6148914691236517206, NSCalendarUnitQuarter, NSDate()),
+      std::nullopt);
 }
 
 TEST(ORLFCalendarArithmetic, ComparesDaysBeforeInstants) {

@@ -128,6 +128,21 @@ TEST(OrlfComponents, CountsFromTheFirstOfJuly) {
   }
 }
 
+// It ends with 1 January of the next year.
+TEST(OrlfComponents, NameAYearFromTheSecondOfJanuaryAfterTheDayOnWhichItEnds) {
+  EXPECT_EQ(orlfComponents(utcCalendar(), NSCalendarUnitYear, day("2020-06-15"), 1, 2).year(),
+            2021);
+}
+
+// Months go by the clock, whatever days it left out: Apia had no 30 December in 2011.
+TEST(OrlfComponents, CountMonthsOverASkippedDay) {
+  const auto calendar = orlftest::calendarIn("Pacific/Apia");
+  EXPECT_EQ(
+      orlfComponents(*calendar, NSCalendarUnitMonth, orlftest::at(*calendar, 2012, 1, 1), 7, 1)
+          .month(),
+      7);
+}
+
 struct WeekCase {
   const char* name;
   const char* date;
@@ -192,10 +207,11 @@ TEST(OrlfDateByRoundingDateToFiscalUnit, MatchesTable) {
 }
 
 TEST(OrlfDateByRoundingDateToFiscalUnit, NilGivesNil) {
-  EXPECT_FALSE(orlfDateByRoundingDateDownToCalendarUnit(utcCalendar(), std::nullopt,
-                                                        NSCalendarUnitYear, 7, 1));
-  EXPECT_FALSE(orlfDateByRoundingDateUpToCalendarUnit(utcCalendar(), std::nullopt,
-                                                      NSCalendarUnitMonth, 7, 1));
+  for (const NSCalendarUnit unit :
+       {NSCalendarUnitYear, NSCalendarUnitQuarter, NSCalendarUnitMonth, NSCalendarUnitDay}) {
+    EXPECT_FALSE(orlfDateByRoundingDateUpToCalendarUnit(utcCalendar(), std::nullopt, unit, 7, 1));
+    EXPECT_FALSE(orlfDateByRoundingDateDownToCalendarUnit(utcCalendar(), std::nullopt, unit, 7, 1));
+  }
 }
 
 TEST(OrlfDateByRoundingDateToFiscalUnit, QuarterUpIsQuarterDownOnEveryDayOfAYear) {

@@ -156,5 +156,21 @@ TEST(NumberOfIntervals, TruncatesTowardZero) {
             0);
 }
 
+TEST(DateByAddingInterval, GivesNothingForCountsThatWouldWrap) {
+  // Two weeks so often would be -2 weeks, and a quarter 2 months.
+  EXPECT_FALSE(dateByAddingInterval(utcCalendar(), ORLFCalendarIntervalTwoWeeks, NSIntegerMax,
+                                    day("2024-05-15")));
+  EXPECT_FALSE(dateByAddingInterval(utcCalendar(), ORLFCalendarIntervalQuarter, 6148914691236517206,
+                                    day("2024-05-15")));
+}
+
+// Apia had no 30 December in 2011: its clock tells two days from the 29th to the 31st.
+TEST(NumberOfIntervals, CountsDaysByTheClock) {
+  const auto calendar = orlftest::calendarIn("Pacific/Apia");
+  const NSDate from = orlftest::at(*calendar, 2011, 12, 29);
+  const NSDate to = orlftest::at(*calendar, 2011, 12, 31);
+  EXPECT_EQ(numberOfIntervals(*calendar, ORLFCalendarIntervalDay, from, to), 2);
+}
+
 }  // namespace
 }  // namespace ORLFoundation

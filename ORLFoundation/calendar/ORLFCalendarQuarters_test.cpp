@@ -36,6 +36,12 @@ TEST(ORLFCalendarQuarters, CountFrom1970TruncatedTowardZero) {
   EXPECT_EQ(orlfQuartersForDateSince1970(*calendar, at(*calendar, 1969, 10, 1)), -1);
 }
 
+// Months go by the clock, whatever days it left out: Apia had no 30 December in 2011.
+TEST(ORLFCalendarQuarters, CountOverASkippedDay) {
+  const auto calendar = calendarIn("Pacific/Apia");
+  EXPECT_EQ(orlfQuartersForDateSince1970(*calendar, at(*calendar, 2012, 1, 1)), 168);
+}
+
 struct QuarterCase {
   const char* name;
   int from[3], to[3];

@@ -35,6 +35,7 @@ const ValueCase kValues[] = {
     {"YearsInAYear", NSCalendarUnitYear, NSCalendarUnitYear, 1},
     {"ErasWhoseLengthTheCalendarDoesNotTell", NSCalendarUnitEra, NSCalendarUnitYear, 0},
     {"SecondsInAnHour", NSCalendarUnitSecond, NSCalendarUnitHour, 3600},
+    {"SecondsInASecond", NSCalendarUnitSecond, NSCalendarUnitSecond, 1},
     {"NanosecondsHaveNoLength", NSCalendarUnitNanosecond, NSCalendarUnitYear, 0},
     {"WeekdaysHaveNoLength", NSCalendarUnitWeekdayOrdinal, NSCalendarUnitYear, 0},
     {"MasksHaveNoLength", NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay,

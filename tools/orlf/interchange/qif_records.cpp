@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "cli/failure.h"
 #include "cli/message_text.h"

@@ -25,8 +25,9 @@ bool isInReach(NSDate date, bool isGregorian) noexcept {
 
 UDate millisecondsOf(NSDate date) noexcept {
   constexpr double kMicroseconds = 1e6;
-  constexpr double kMilliseconds = 1e3;
-  return std::floor(std::round(date.timeIntervalSince1970() * kMicroseconds) / kMilliseconds);
+  constexpr double kMicrosecondsOfMillisecond = 1e3;
+  return std::floor(std::round(date.timeIntervalSince1970() * kMicroseconds) /
+                    kMicrosecondsOfMillisecond);
 }
 
 }  // namespace ORLFoundation::internal::format
