@@ -16,7 +16,7 @@ namespace {
 using orlftest::WrittenQIF;
 using Text = std::optional<std::string_view>;
 
-const NSDate kDay = orlftest::date("2024-03-05T00:00:00Z");
+const NSDate kRecordDay = orlftest::date("2024-03-05T00:00:00Z");
 
 NSDecimalNumber decimal(std::string_view text) { return NSDecimalNumber(orlftest::decimal(text)); }
 
@@ -60,7 +60,7 @@ TEST(ORLFQIFDataWriter, WritesCategories) {
 TEST(ORLFQIFDataWriter, WritesTransactionsWithTheLinesThatArePresent) {
   WrittenQIF qif;
   EXPECT_TRUE(qif.writer.writeRawNonInvestmentTransactionAmount({.amount = decimal("-1234.5"),
-                                                                 .date = kDay,
+                                                                 .date = kRecordDay,
                                                                  .cleared = ORLFQIFReconciled,
                                                                  .refNum = "17",
                                                                  .payee = "Müller & Co",
@@ -69,7 +69,7 @@ TEST(ORLFQIFDataWriter, WritesTransactionsWithTheLinesThatArePresent) {
                                                                  .category = "Food"}));
   EXPECT_EQ(qif.added(), "D3/5/24\nT-1,234.50\nCR\nN17\nPMüller & Co\nMnote\nLFood\n");
   EXPECT_TRUE(qif.writer.writeRawNonInvestmentTransactionAmount(
-      {.date = kDay, .refNum = "", .payee = "", .memo = "", .category = ""}));
+      {.date = kRecordDay, .refNum = "", .payee = "", .memo = "", .category = ""}));
   EXPECT_EQ(qif.added(), "D3/5/24\nT0.00\nN\nP\nM\nL\n");
   EXPECT_TRUE(qif.writer.writeRawNonInvestmentTransactionAmount({.address = "Street"}));
   EXPECT_EQ(qif.added(), "D(null)\nT0.00\n");
@@ -87,11 +87,12 @@ TEST(ORLFQIFDataWriter, WritesFifteenDigitsOfADecimal) {
       {"1.0000000000000000000", "1.00"}};
   WrittenQIF qif;
   for (const auto& [amount, text] : amounts) {
-    qif.writer.writeRawNonInvestmentTransactionAmount({.amount = decimal(amount), .date = kDay});
+    qif.writer.writeRawNonInvestmentTransactionAmount(
+        {.amount = decimal(amount), .date = kRecordDay});
     EXPECT_EQ(qif.added(), "D3/5/24\nT" + std::string(text) + "\n");
   }
   qif.writer.writeRawNonInvestmentTransactionAmount(
-      {.amount = NSDecimal::notANumber(), .date = kDay});
+      {.amount = NSDecimal::notANumber(), .date = kRecordDay});
   EXPECT_EQ(qif.added(), "D3/5/24\nTNaN\n");
 }
 
@@ -102,7 +103,7 @@ TEST(ORLFQIFDataWriter, WritesTheLargestAmounts) {
   WrittenQIF qif;
   for (const char* sign : {"", "-"}) {
     qif.writer.writeRawNonInvestmentTransactionAmount(
-        {.amount = decimal(sign + nines + "e+127"), .date = kDay});
+        {.amount = decimal(sign + nines + "e+127"), .date = kRecordDay});
     EXPECT_EQ(qif.added(), std::string("D3/5/24\nT") + sign + text + ".00\n");
   }
 }
@@ -130,9 +131,9 @@ TEST(ORLFQIFDataWriter, WritesTheClearedStatesThatItKnows) {
       {std::numeric_limits<std::int32_t>::min(), ""},
       {std::numeric_limits<std::int32_t>::max(), ""}};
   for (const auto& [cleared, line] : states) {
-    qif.writer.writeRawNonInvestmentTransactionAmount({.date = kDay, .cleared = cleared});
+    qif.writer.writeRawNonInvestmentTransactionAmount({.date = kRecordDay, .cleared = cleared});
     EXPECT_EQ(qif.added(), "D3/5/24\nT0.00\n" + std::string(line)) << cleared;
-    qif.writer.writeRawInvestmentTransactionType({.date = kDay, .cleared = cleared});
+    qif.writer.writeRawInvestmentTransactionType({.date = kRecordDay, .cleared = cleared});
     EXPECT_EQ(qif.added(), "D3/5/24\nNCash\n" + std::string(line)) << cleared;
   }
 }
@@ -166,7 +167,7 @@ TEST(ORLFQIFDataWriter, TellsWhereAnAmountGoes) {
   for (const TargetRow& row : targets()) {
     WrittenQIF qif;
     EXPECT_TRUE(qif.writer.writeRawNonInvestmentTransactionAmount(
-        {.date = kDay, .account = row.account, .category = row.category, .tags = row.tags}));
+        {.date = kRecordDay, .account = row.account, .category = row.category, .tags = row.tags}));
     EXPECT_EQ(qif.added(), "D3/5/24\nT0.00\n" + std::string(row.line)) << row.name;
     EXPECT_TRUE(qif.writer.writeRawNonInvestmentSplitItemAmount(
         {.account = row.account, .category = row.category, .tags = row.tags}));
@@ -178,7 +179,7 @@ TEST(ORLFQIFDataWriter, TellsWhereAnAmountGoes) {
 
 TEST(ORLFQIFDataWriter, LeavesOutWhatAFormOfTransactionLacks) {
   const ORLFQIFTransaction all{.amount = 1,
-                               .date = kDay,
+                               .date = kRecordDay,
                                .cleared = ORLFQIFCleared,
                                .refNum = "r",
                                .payee = "p",
@@ -222,7 +223,7 @@ TEST(ORLFQIFDataWriter, WritesInvestments) {
   WrittenQIF qif;
   EXPECT_TRUE(qif.writer.writeRawInvestmentTransactionType({.type = 2,
                                                             .security = "Acme",
-                                                            .date = kDay,
+                                                            .date = kRecordDay,
                                                             .price = decimal("12.5"),
                                                             .qField = 1000,
                                                             .commission = decimal("9.95"),
@@ -237,15 +238,19 @@ TEST(ORLFQIFDataWriter, WritesInvestments) {
             "Mfirst\nLany\n$1234.5\n");
   EXPECT_TRUE(qif.writer.writeRawInvestmentTransactionType({}));
   EXPECT_EQ(qif.added(), "D(null)\nNCash\n");
-  EXPECT_TRUE(qif.writer.writeRawInvestmentTransactionType(
-      {.security = "", .date = kDay, .payee = "", .memo = "", .lField = "", .lFieldAmount = ""}));
+  EXPECT_TRUE(qif.writer.writeRawInvestmentTransactionType({.security = "",
+                                                            .date = kRecordDay,
+                                                            .payee = "",
+                                                            .memo = "",
+                                                            .lField = "",
+                                                            .lFieldAmount = ""}));
   EXPECT_EQ(qif.added(), "D3/5/24\nNCash\nY\nP\nM\nL\n$\n");
 }
 
 TEST(ORLFQIFDataWriter, DropsTheCategoryOfInvestments) {
   const ORLFQIFInvestment all{.type = 4,
                               .security = "Acme",
-                              .date = kDay,
+                              .date = kRecordDay,
                               .price = 1,
                               .quantity = 2,
                               .commission = 3,
@@ -262,14 +267,14 @@ TEST(ORLFQIFDataWriter, DropsTheCategoryOfInvestments) {
   EXPECT_EQ(qif.added(), lines);
   EXPECT_TRUE(qif.writer.writeInvestmentTransferType(all));
   EXPECT_EQ(qif.added(), lines + "L[Checking]\n$1234.5\n");
-  EXPECT_TRUE(qif.writer.writeInvestmentTransferType({.date = kDay}));
+  EXPECT_TRUE(qif.writer.writeInvestmentTransferType({.date = kRecordDay}));
   EXPECT_EQ(qif.added(), "D3/5/24\nNCash\nL[(null)]\n");
 }
 
 TEST(ORLFQIFDataWriter, WritesSplitsOfSecurities) {
   WrittenQIF qif;
   EXPECT_TRUE(qif.writer.writeInvestmentSplitSecurity({.security = "Acme",
-                                                       .date = kDay,
+                                                       .date = kRecordDay,
                                                        .ratio = 20,
                                                        .cleared = ORLFQIFCleared,
                                                        .memo = "2 for 1"}));
@@ -288,12 +293,12 @@ TEST(ORLFQIFDataWriter, WritesSecurities) {
 
 TEST(ORLFQIFDataWriter, WritesPricesAsTheirLocaleGroupsThem) {
   WrittenQIF qif;
-  EXPECT_TRUE(qif.writer.writeRawSecurityPriceSymbol("ACM", decimal("1234.5"), kDay));
+  EXPECT_TRUE(qif.writer.writeRawSecurityPriceSymbol("ACM", decimal("1234.5"), kRecordDay));
   EXPECT_EQ(qif.added(), "\"ACM\",1,234.50,\"3/5/24\"\n");
   EXPECT_TRUE(qif.writer.writeSecurityPriceSymbol(std::nullopt, std::nullopt, std::nullopt));
   EXPECT_EQ(qif.added(), "\"\",(null),\"(null)\"\n");
   WrittenQIF german("de_DE");
-  EXPECT_TRUE(german.writer.writeSecurityPriceSymbol("ACM", decimal("1234.5"), kDay));
+  EXPECT_TRUE(german.writer.writeSecurityPriceSymbol("ACM", decimal("1234.5"), kRecordDay));
   EXPECT_EQ(german.added(), "\"ACM\",1.234,50,\"05.03.24\"\n");
 }
 
@@ -333,7 +338,7 @@ TEST(ORLFQIFDataWriter, AgreesWithTheTablesOfLinesOnRandomTransactions) {
   };
   WrittenQIF qif;
   for (int round = 0; round < 5000; ++round) {
-    ORLFQIFTransaction given{.date = kDay,
+    ORLFQIFTransaction given{.date = kRecordDay,
                              .cleared = static_cast<std::int32_t>(random() % 5) - 1,
                              .refNum = text(),
                              .payee = text(),
