@@ -97,27 +97,6 @@ TEST(FiscalYears, HaveNoQuartersWhereTheCalendarHasNone) {
         orlfDateByRoundingDateDownToCalendarUnit(*calendar, date, NSCalendarUnitQuarter, month, 1));
 }
 
-// The first days that the calendar places: a week may begin before them.
-TEST(DateByRoundingDownDate, GivesNoWeekThatBeginsBeforeTheCalendar) {
-  const auto calendar = calendarIn("UTC");
-  constexpr double kDay = 86400;
-  double seconds = -500'000'010 * kDay;
-  const auto date = [&] { return NSDate::dateWithTimeIntervalSince1970(seconds); };
-  while (calendar->component(NSCalendarUnitDay, date()) == NSDateComponentUndefined)
-    seconds += kDay;
-  const NSInteger first = calendar->component(NSCalendarUnitWeekday, date());
-  for (NSInteger day = 0; day < 14; ++day, seconds += kDay) {
-    const NSInteger intoWeek = (first + day - 1) % 7;
-    const auto sunday = dateByRoundingDownDate(*calendar, date(), ORLFCalendarIntervalWeek);
-    if (intoWeek > day) {
-      EXPECT_FALSE(sunday) << day;
-    } else {
-      EXPECT_EQ(sunday, date().dateByAddingTimeInterval(static_cast<double>(-intoWeek) * kDay))
-          << day;
-    }
-  }
-}
-
 struct LeapDayYear {
   int year, month, day;
   int startYear, startMonth, startDay;

@@ -6,6 +6,7 @@
 #include <ORLFoundation/platform/xml/NSXMLParser_testing.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <tests/support/ProcessorTime.h>
 
 #include <algorithm>
 #include <chrono>
@@ -189,7 +190,8 @@ TEST(NSXMLParserLimits, EndBombsSoonAndInLittleMemory) {
     const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
     EXPECT_LT(seconds.count(), 5) << row.name;
   }
-  EXPECT_LT(peak() - before, 200'000);
+  // A sanitizer holds on to memory that was given back.
+  EXPECT_LT(peak() - before, orlftest::kSlowdown > 1 ? 800'000 : 200'000);
 }
 
 }  // namespace
