@@ -104,8 +104,8 @@ void readByICU(benchmark::State& state) {
   check(state, sum, read);
 }
 
-BENCHMARK(inferAndRead)->Name("a million dates/inferred and read")->Unit(benchmark::kMillisecond);
-BENCHMARK(readByStrptime)->Name("a million dates/read by strptime")->Unit(benchmark::kMillisecond);
-BENCHMARK(readByICU)->Name("a million dates/read by ICU")->Unit(benchmark::kMillisecond);
+BENCHMARK(inferAndRead)->Name("a million dates/ours")->Unit(benchmark::kMillisecond);
+BENCHMARK(readByStrptime)->Name("a million dates/strptime")->Unit(benchmark::kMillisecond);
+BENCHMARK(readByICU)->Name("a million dates/icu")->Unit(benchmark::kMillisecond);
 
 }  // namespace
