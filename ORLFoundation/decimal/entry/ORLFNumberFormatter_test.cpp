@@ -209,5 +209,12 @@ TEST(ORLFNumberFormatter, AskEachStyleForANumberAndTellTheFirstError) {
   EXPECT_FALSE(formatter->getExpressionValue(nullptr, "xyz"));
 }
 
+TEST(ORLFNumberFormatter, ABlankExpressionClearsTheValueThatStoodThere) {
+  ORLFNumberFormatter formatter;
+  std::optional<NSNumber> value = NSNumber(5);
+  EXPECT_TRUE(formatter.getExpressionValue(&value, " "));
+  EXPECT_FALSE(value);
+}
+
 }  // namespace
 }  // namespace ORLFoundation
