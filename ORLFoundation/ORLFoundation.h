@@ -60,6 +60,7 @@
 #include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
 #include <ORLFoundation/platform/dispatch/NSThread.h>
 #include <ORLFoundation/platform/files/NSDataReading.h>
+#include <ORLFoundation/platform/files/NSURLRelationship.h>
 #include <ORLFoundation/platform/format/NSDateFormatter.h>
 #include <ORLFoundation/platform/format/NSDateIntervalFormatter.h>
 #include <ORLFoundation/platform/format/NSFormattingError.h>
