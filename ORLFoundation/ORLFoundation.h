@@ -57,8 +57,16 @@
 #include <ORLFoundation/platform/defaults/NSUserDefaults.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaultsFile.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
-#include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
+#include <ORLFoundation/platform/dispatch/NSDelayedPerforming.h>
+#include <ORLFoundation/platform/dispatch/NSMainQueue.h>
+#include <ORLFoundation/platform/dispatch/NSMonotonicClock.h>
+#include <ORLFoundation/platform/dispatch/NSRunLoop.h>
+#include <ORLFoundation/platform/dispatch/NSSelector.h>
 #include <ORLFoundation/platform/dispatch/NSThread.h>
+#include <ORLFoundation/platform/dispatch/NSTimer.h>
+#include <ORLFoundation/platform/dispatch/dispatch_queue.h>
+#include <ORLFoundation/platform/dispatch/dispatch_semaphore.h>
+#include <ORLFoundation/platform/dispatch/dispatch_time.h>
 #include <ORLFoundation/platform/files/NSDataReading.h>
 #include <ORLFoundation/platform/format/NSDateFormatter.h>
 #include <ORLFoundation/platform/format/NSDateIntervalFormatter.h>
