@@ -104,6 +104,7 @@
 #include <ORLFoundation/platform/object/NSString.h>
 #include <ORLFoundation/platform/object/NSValue.h>
 #include <ORLFoundation/platform/object/NSValueTransformer.h>
+#include <ORLFoundation/platform/operation/NSProgress.h>
 #include <ORLFoundation/platform/plist/NSPropertyListSerialization.h>
 #include <ORLFoundation/platform/plist/NSPropertyListUID.h>
 #include <ORLFoundation/platform/predicate/NSPredicate.h>
