@@ -57,8 +57,16 @@
 #include <ORLFoundation/platform/defaults/NSUserDefaults.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaultsFile.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
-#include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
+#include <ORLFoundation/platform/dispatch/NSDelayedPerforming.h>
+#include <ORLFoundation/platform/dispatch/NSMainQueue.h>
+#include <ORLFoundation/platform/dispatch/NSMonotonicClock.h>
+#include <ORLFoundation/platform/dispatch/NSRunLoop.h>
+#include <ORLFoundation/platform/dispatch/NSSelector.h>
 #include <ORLFoundation/platform/dispatch/NSThread.h>
+#include <ORLFoundation/platform/dispatch/NSTimer.h>
+#include <ORLFoundation/platform/dispatch/dispatch_queue.h>
+#include <ORLFoundation/platform/dispatch/dispatch_semaphore.h>
+#include <ORLFoundation/platform/dispatch/dispatch_time.h>
 #include <ORLFoundation/platform/files/NSDataReading.h>
 #include <ORLFoundation/platform/files/NSURLRelationship.h>
 #include <ORLFoundation/platform/format/NSDateFormatter.h>
@@ -97,6 +105,7 @@
 #include <ORLFoundation/platform/object/NSString.h>
 #include <ORLFoundation/platform/object/NSValue.h>
 #include <ORLFoundation/platform/object/NSValueTransformer.h>
+#include <ORLFoundation/platform/operation/NSProgress.h>
 #include <ORLFoundation/platform/plist/NSPropertyListSerialization.h>
 #include <ORLFoundation/platform/plist/NSPropertyListUID.h>
 #include <ORLFoundation/platform/predicate/NSPredicate.h>
