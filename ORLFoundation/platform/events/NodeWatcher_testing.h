@@ -59,7 +59,7 @@ class WatchedNode {
     watch_ = watcher.watch({.descriptor = descriptor_,
                             .flags = flags,
                             .openedAt = std::move(openedAt),
-                            .report = [this](std::uint64_t word) { words_.push_back(word); }});
+                            .report = [this](std::uint64_t word, events::NodeTurn&) { words_.push_back(word); }});
   }
 
   int descriptor_;
