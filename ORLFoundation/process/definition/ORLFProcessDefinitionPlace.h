@@ -13,8 +13,10 @@ struct ORLFProcessDefinitionPlace {
 
   friend bool operator==(const ORLFProcessDefinitionPlace&,
                          const ORLFProcessDefinitionPlace&) = default;
-  friend auto operator<=>(const ORLFProcessDefinitionPlace&,
-                          const ORLFProcessDefinitionPlace&) = default;
+  friend bool operator<(const ORLFProcessDefinitionPlace& left,
+                        const ORLFProcessDefinitionPlace& right) noexcept {
+    return left.line != right.line ? left.line < right.line : left.column < right.column;
+  }
 };
 
 }  // namespace ORLFoundation

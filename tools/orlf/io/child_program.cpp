@@ -83,6 +83,7 @@ ChildRun runProgram(const std::vector<std::string>& words, std::string_view inpu
   const Streams streams(::fileno(in.get()), ::fileno(errors.get()));
   std::vector<std::string> copies = words;
   std::vector<char*> arguments;
+  arguments.reserve(copies.size() + 1);
   for (std::string& word : copies) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   pid_t child = 0;
