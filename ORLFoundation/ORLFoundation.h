@@ -66,6 +66,7 @@
 #include <ORLFoundation/platform/dispatch/NSTimer.h>
 #include <ORLFoundation/platform/dispatch/dispatch_queue.h>
 #include <ORLFoundation/platform/dispatch/dispatch_semaphore.h>
+#include <ORLFoundation/platform/dispatch/dispatch_source.h>
 #include <ORLFoundation/platform/dispatch/dispatch_time.h>
 #include <ORLFoundation/platform/files/NSDataReading.h>
 #include <ORLFoundation/platform/format/NSDateFormatter.h>
