@@ -184,6 +184,9 @@
 #include <ORLFoundation/support/strings/ORLFAttributedStringUtilities.h>
 #include <ORLFoundation/support/strings/ORLFPredicateUtilities.h>
 #include <ORLFoundation/support/strings/ORLFStringUtilities.h>
+#include <ORLFoundation/tasks/progress/ORLFProgressIndicator.h>
+#include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
+#include <ORLFoundation/tasks/progress/ORLFProgressObservation.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLParserObjectBuilder.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLParserPropertyBuilder.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLPropertyVocabulary.h>

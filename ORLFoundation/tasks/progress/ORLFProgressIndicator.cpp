@@ -13,7 +13,7 @@
 namespace ORLFoundation {
 namespace {
 
-using internal::tasks::ProgressTreeGuard;
+using internal::progress::ProgressTreeGuard;
 
 constexpr NSTimeInterval kDisplayInterval = 0.01;
 constexpr std::int64_t kHoldNanoseconds = 250'000'000;
@@ -141,9 +141,9 @@ bool ORLFProgressIndicator::isDisplayingProgressItem(const Item& item) const {
   const ProgressTreeGuard guard;
   bool isListed = false;
   onSharedQueue([&] {
-    isListed = item && progressItems_ &&
-               std::find(progressItems_->begin(), progressItems_->end(), item) !=
-                   progressItems_->end();
+    isListed =
+        item && progressItems_ &&
+        std::find(progressItems_->begin(), progressItems_->end(), item) != progressItems_->end();
   });
   return isListed;
 }

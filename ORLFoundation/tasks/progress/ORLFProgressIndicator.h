@@ -1,7 +1,7 @@
-/// The model behind a progress display. It lists root items, of which the one added last is on show,
-/// and copies what that one shows at a pace for eyes: at most once in 0.01 second, and not for 0.25
-/// second after the thing shown has changed. One delegate is told after each copy, on the main
-/// thread. Items may be updated on any thread, as often as one likes.
+/// The model behind a progress display. It lists root items, of which the one added last is on
+/// show, and copies what that one shows at a pace for eyes: at most once in 0.01 second, and not
+/// for 0.25 second after the thing shown has changed. One delegate is told after each copy, on the
+/// main thread. Items may be updated on any thread, as often as one likes.
 ///
 ///     struct Bar : ORLFProgressIndicatorDelegate {
 ///       void progressIndicatorDidChange(const std::shared_ptr<ORLFProgressIndicator>& indicator)
@@ -15,10 +15,10 @@
 ///     indicator->displayProgressItem(item);
 ///     while (!job->isFinished()) pumpMainQueue(0.1);
 ///
-/// Any thread may call everything, but the display belongs to the main thread: `updateDisplayValues`
-/// and `updateDisplayValuesWithItem` run there. Under the tree's lock (ORLFProgressItem.h) the
-/// indicator enters `sharedProgressIndicatorQueue`, never the other way round: work on that queue
-/// takes no other lock, and nothing is destroyed there.
+/// Any thread may call everything, but the display belongs to the main thread:
+/// `updateDisplayValues` and `updateDisplayValuesWithItem` run there. Under the tree's lock
+/// (ORLFProgressItem.h) the indicator enters `sharedProgressIndicatorQueue`, never the other way
+/// round: work on that queue takes no other lock, and nothing is destroyed there.
 #pragma once
 
 #include <ORLFoundation/platform/dispatch/dispatch_queue.h>
@@ -59,8 +59,8 @@ class ORLFProgressIndicator : public NSObject, public ORLFProgressObservation {
   /// "com.orlsoftware.foundation.ORLFProgressIndicator".
   [[nodiscard]] static const dispatch_queue_t& sharedProgressIndicatorQueue();
 
-  /// `visible`, `indeterminate`, `currentValue`, `minValue`, `maxValue`, `message`  What to draw, as
-  /// of the last update: false, 0 and nil before the first. `visible` says whether there is
+  /// `visible`, `indeterminate`, `currentValue`, `minValue`, `maxValue`, `message`  What to draw,
+  /// as of the last update: false, 0 and nil before the first. `visible` says whether there is
   /// something to draw; without an item the indicator is indeterminate.
   [[nodiscard]] bool visible() const noexcept { return visible_; }
   void setVisible(bool value);
@@ -90,11 +90,11 @@ class ORLFProgressIndicator : public NSObject, public ORLFProgressObservation {
   [[nodiscard]] std::int64_t displayTimerCounter() const;
 
   /// `displayProgressItem:`  Lists the item on top of the others, with the next update; leaves it
-  /// where its `currentIndicator` is the receiver. It leaves its old place first: another indicator,
-  /// or its parent's children, to which it goes on reporting.
+  /// where its `currentIndicator` is the receiver. It leaves its old place first: another
+  /// indicator, or its parent's children, to which it goes on reporting.
   void displayProgressItem(const Item& item);
-  /// `removeProgressItem:`  Takes it off; its last values stay on show for 0.25 second if they were.
-  /// Ignores an item whose `currentIndicator` is another.
+  /// `removeProgressItem:`  Takes it off; its last values stay on show for 0.25 second if they
+  /// were. Ignores an item whose `currentIndicator` is another.
   void removeProgressItem(const Item& item);
   /// `isDisplayingProgressItem:`, `isProgressItemVisible:`  Whether the list holds the item, and
   /// whether it is the last there; false for nil.

@@ -20,11 +20,11 @@ namespace {
 
 using orlftest::disagreement;
 using orlftest::Json;
+using orlftest::kMillisecond;
 using orlftest::RecordingIndicator;
 using orlftest::scriptOfReal;
 using orlftest::scriptOfText;
 
-constexpr std::int64_t kMillisecond = 1'000'000;
 using Item = std::shared_ptr<ORLFProgressItem>;
 using Indicator = std::shared_ptr<ORLFProgressIndicator>;
 
@@ -47,7 +47,8 @@ struct BlockDelegate final : ORLFProgressIndicatorDelegate {
 
 /// The values that an indicator sets, in order, for as long as it lives.
 std::vector<std::shared_ptr<NSKeyValueObservation>> observeSets(
-    ORLFProgressIndicator& indicator, std::function<void(const std::string& key, Json value)> told) {
+    ORLFProgressIndicator& indicator,
+    std::function<void(const std::string& key, Json value)> told) {
   constexpr std::array kKeys{"visible",  "indeterminate", "currentValue",
                              "minValue", "maxValue",      "message"};
   const auto json = [](const id& value) -> Json {
@@ -57,14 +58,15 @@ std::vector<std::shared_ptr<NSKeyValueObservation>> observeSets(
   };
   std::vector<std::shared_ptr<NSKeyValueObservation>> tokens;
   for (const char* key : kKeys) {
-    const bool isFlag = std::string_view(key) == "visible" || std::string_view(key) == "indeterminate";
-    tokens.push_back(indicator.addObserver(
-        key, NSKeyValueObservingOptionNew | NSKeyValueObservingOptionOld,
-        [=](const NSKeyValueChange& change) {
-          const Json value = json(change.newValue);
-          if (value == json(change.oldValue)) return;
-          told(key, isFlag ? Json(value != 0) : value);
-        }));
+    const bool isFlag =
+        std::string_view(key) == "visible" || std::string_view(key) == "indeterminate";
+    tokens.push_back(
+        indicator.addObserver(key, NSKeyValueObservingOptionNew | NSKeyValueObservingOptionOld,
+                              [=](const NSKeyValueChange& change) {
+                                const Json value = json(change.newValue);
+                                if (value == json(change.oldValue)) return;
+                                told(key, isFlag ? Json(value != 0) : value);
+                              }));
   }
   return tokens;
 }
@@ -87,8 +89,10 @@ class Player {
           record(own, {"set", at(), key, std::move(value)});
         }));
     }
-    for (const Json& name : script.value("items", Json::array())) addItem(name, std::make_shared<ORLFProgressItem>());
-    for (const Json& name : script.value("delegates", Json::array())) delegateNamed(name.get<std::string>());
+    for (const Json& name : script.value("items", Json::array()))
+      addItem(name, std::make_shared<ORLFProgressItem>());
+    for (const Json& name : script.value("delegates", Json::array()))
+      delegateNamed(name.get<std::string>());
   }
 
   ~Player() {
@@ -219,8 +223,9 @@ class Player {
     } else if (operation == "busy") {
       loop_.stayBusy(step.at(1).get<std::int64_t>() * kMillisecond);
     } else if (operation == "child") {
-      addItem(step.at(2), itemNamed(step.at(1))->childProgressItemWithTotalCount(
-                              orlftest::realOfScript(step.at(3))));
+      addItem(step.at(2),
+              itemNamed(step.at(1))
+                  ->childProgressItemWithTotalCount(orlftest::realOfScript(step.at(3))));
     } else if (operation == "drop") {
       const auto name = step.at(1).get<std::string>();
       items_.erase(name);
@@ -232,8 +237,8 @@ class Player {
       itemNamed(step.at(1))->makeChildCurrent(itemNamed(step.at(2)));
     } else if (operation == "setCurrentIndicator:") {
       const Json& name = step.at(2);
-      itemNamed(step.at(1))->setCurrentIndicator(
-          name.is_null() ? nullptr : indicatorNamed(name.get<std::string>()));
+      itemNamed(step.at(1))
+          ->setCurrentIndicator(name.is_null() ? nullptr : indicatorNamed(name.get<std::string>()));
     } else {
       return false;
     }

@@ -15,9 +15,9 @@
 namespace ORLFoundation {
 namespace {
 
-using internal::tasks::kProgressScale;
-using internal::tasks::ProgressTreeGuard;
-using internal::tasks::wholeUnits;
+using internal::progress::kProgressScale;
+using internal::progress::ProgressTreeGuard;
+using internal::progress::wholeUnits;
 
 /// Tells our observations from others by its address.
 constexpr char kBoundProgressContext[] = "NSBoundProgressContext";
@@ -28,14 +28,14 @@ constexpr NSUInteger kBoundOptions =
 
 }  // namespace
 
-namespace internal::tasks {
+namespace internal::progress {
 
 std::recursive_mutex& progressTreeLock() noexcept {
   static std::recursive_mutex lock;
   return lock;
 }
 
-}  // namespace internal::tasks
+}  // namespace internal::progress
 
 ORLFProgressItem::ORLFProgressItem()
     : observerProgress_(NSProgress::discreteProgressWithTotalUnitCount(kProgressScale)) {}

@@ -90,8 +90,8 @@ class ORLFProgressItem : public NSObject, public ORLFProgressObservation {
   /// `parent`, `currentChild`  Held weakly. A child that was removed keeps its parent.
   [[nodiscard]] Item parent() const;
   [[nodiscard]] Item currentChild() const;
-  /// `childProgressItemWithTotalCount:`, `childProgressItemWithTotalCount:pendingPercentage:`  A new
-  /// child at 0 of the count, 0 for less; not current yet. It counts for the whole of
+  /// `childProgressItemWithTotalCount:`, `childProgressItemWithTotalCount:pendingPercentage:`  A
+  /// new child at 0 of the count, 0 for less; not current yet. It counts for the whole of
   /// `observerProgress`, whatever the percentage: this is required.
   [[nodiscard]] Item childProgressItemWithTotalCount(double count);
   [[nodiscard]] Item childProgressItemWithTotalCount(double count, double pendingPercentage);
@@ -126,7 +126,8 @@ class ORLFProgressItem : public NSObject, public ORLFProgressObservation {
   [[nodiscard]] std::shared_ptr<NSProgress> boundProgress() const;
   /// `bindToProgress:`  From the progress's next change on its fraction is the value, of a maximum
   /// of 1; its description and whether it is indeterminate come with it. Until then the item stands
-  /// at 0 of 1. An item that is bound ignores any other progress. It must be unbound before it goes.
+  /// at 0 of 1. An item that is bound ignores any other progress. It must be unbound before it
+  /// goes.
   void bindToProgress(const std::shared_ptr<NSProgress>& progress);
   /// `unbindFromProgress:`  Ignores a progress that the item is not bound to.
   void unbindFromProgress(const std::shared_ptr<NSProgress>& progress);

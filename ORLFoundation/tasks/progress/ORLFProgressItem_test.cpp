@@ -1,6 +1,7 @@
 #include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
 
 #include <ORLFoundation/platform/dispatch/NSMainQueue_testing.h>
+#include <ORLFoundation/platform/value/NSException.h>
 #include <ORLFoundation/tasks/progress/ORLFProgress_testing.h>
 #include <gmock/gmock.h>
 
@@ -225,14 +226,16 @@ TEST_F(ORLFProgressItemTest, BecomesIndeterminateUntilTheNextUpdateInItsProgress
 
 TEST_F(ORLFProgressItemTest, TellsTheOldIndicatorBeforeAndTheNewOneAfterAChange) {
   std::vector<std::string> others;
-  const auto other = std::make_shared<RecordingIndicator>(
-      [&](RecordingIndicator&, const char* operation, const auto&) { others.push_back(operation); });
+  const auto other =
+      std::make_shared<RecordingIndicator>([&](RecordingIndicator&, const char* operation,
+                                               const auto&) { others.push_back(operation); });
   root->setCurrentIndicator(indicator);
   EXPECT_THAT(take(), IsEmpty());
   root->setCurrentIndicator(other);
   EXPECT_THAT(take(), ElementsAre("values will"));
   EXPECT_THAT(others, ElementsAre("progressValuesDidChangeForItem:"));
   EXPECT_EQ(root->currentIndicator(), other);
+  root->setCurrentIndicator(nullptr);
 }
 
 TEST_F(ORLFProgressItemTest, ShowsItsCurrentChildAllTheWayDown) {

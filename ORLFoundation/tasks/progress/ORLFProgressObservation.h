@@ -1,10 +1,6 @@
 /// How a node of progress hears of changes below it. There are two channels, each with a moment
-/// before and one after a change: the values that a node shows, and which child it shows. Items pass
-/// on what their current child reports; an indicator listens at the top.
-///
-///     void ORLFProgressIndicator::progressValuesDidChangeForItem(const Item& item) {
-///       if (isProgressItemVisible(item)) updateDisplayTimer();
-///     }
+/// before and one after a change: the values that a node shows, and which child it shows. Items
+/// pass on what their current child reports; an indicator listens at the top.
 ///
 /// All four are called on the thread that makes the change, while it holds the lock of the tree
 /// (ORLFProgressItem.h).

@@ -5,14 +5,19 @@
 #include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
 
 #include <cmath>
+#include <cstdint>
 #include <functional>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
 
 namespace orlftest {
+
+/// In nanoseconds.
+inline constexpr std::int64_t kMillisecond = 1'000'000;
 
 /// Calls a block at the start of each of the four observation operations, before it acts on it.
 class RecordingIndicator final : public ORLFoundation::ORLFProgressIndicator {

@@ -4,7 +4,7 @@
 
 #include <mutex>
 
-namespace ORLFoundation::internal::tasks {
+namespace ORLFoundation::internal::progress {
 
 [[nodiscard]] std::recursive_mutex& progressTreeLock() noexcept;
 
@@ -17,4 +17,4 @@ class ProgressTreeGuard {
   const std::lock_guard<std::recursive_mutex> guard_;
 };
 
-}  // namespace ORLFoundation::internal::tasks
+}  // namespace ORLFoundation::internal::progress

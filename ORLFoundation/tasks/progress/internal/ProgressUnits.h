@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <limits>
 
-namespace ORLFoundation::internal::tasks {
+namespace ORLFoundation::internal::progress {
 
 /// The units in which an item counts what is done.
 inline constexpr std::int64_t kProgressScale = 1000;
@@ -18,4 +18,4 @@ inline constexpr std::int64_t kProgressScale = 1000;
   return value == value ? static_cast<std::int64_t>(value) : 0;
 }
 
-}  // namespace ORLFoundation::internal::tasks
+}  // namespace ORLFoundation::internal::progress
