@@ -35,6 +35,10 @@
 #include <ORLFoundation/decimal/entry/ORLFNumberFormatterOperator.h>
 #include <ORLFoundation/decimal/entry/ORLFNumberFormattingLocale.h>
 #include <ORLFoundation/decimal/entry/ORLFPercentNumberFormatter.h>
+#include <ORLFoundation/files/operations/ORLFDirectoryReplacement.h>
+#include <ORLFoundation/files/operations/ORLFFileUtilities.h>
+#include <ORLFoundation/files/operations/ORLFURLAccess.h>
+#include <ORLFoundation/files/repair/ORLFPersistentStoreRepair.h>
 #include <ORLFoundation/interchange/qif/ORLFQIFDataWriter.h>
 #include <ORLFoundation/interchange/qif/ORLFQIFRecords.h>
 #include <ORLFoundation/interchange/sgml/ORLFSGMLConversion.h>
@@ -68,7 +72,12 @@
 #include <ORLFoundation/platform/dispatch/dispatch_semaphore.h>
 #include <ORLFoundation/platform/dispatch/dispatch_time.h>
 #include <ORLFoundation/platform/files/NSDataReading.h>
+#include <ORLFoundation/platform/files/NSDirectoryEnumerator.h>
+#include <ORLFoundation/platform/files/NSFileCoordinator.h>
+#include <ORLFoundation/platform/files/NSFileErrors.h>
+#include <ORLFoundation/platform/files/NSFileManager.h>
 #include <ORLFoundation/platform/files/NSURLRelationship.h>
+#include <ORLFoundation/platform/files/NSURLResourceValues.h>
 #include <ORLFoundation/platform/format/NSDateFormatter.h>
 #include <ORLFoundation/platform/format/NSDateIntervalFormatter.h>
 #include <ORLFoundation/platform/format/NSFormattingError.h>
@@ -116,6 +125,7 @@
 #include <ORLFoundation/platform/process/NSBundle.h>
 #include <ORLFoundation/platform/process/NSProcessInfo.h>
 #include <ORLFoundation/platform/process/NSUserActivity.h>
+#include <ORLFoundation/platform/store/NSPersistentStoreCoordinator.h>
 #include <ORLFoundation/platform/stream/NSInputStream.h>
 #include <ORLFoundation/platform/stream/NSOutputStream.h>
 #include <ORLFoundation/platform/stream/NSStream.h>
@@ -190,6 +200,9 @@
 #include <ORLFoundation/support/strings/ORLFStringUtilities.h>
 #include <ORLFoundation/tasks/operations/ORLFOperationBarrier.h>
 #include <ORLFoundation/tasks/operations/ORLFOperationQueue.h>
+#include <ORLFoundation/tasks/progress/ORLFProgressIndicator.h>
+#include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
+#include <ORLFoundation/tasks/progress/ORLFProgressObservation.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLParserObjectBuilder.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLParserPropertyBuilder.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLPropertyVocabulary.h>
