@@ -64,8 +64,8 @@ class Drawing {
         places_.push_back(step);
       }
       if (!isGroup(*step)) continue;
-      text_ += indent + "subgraph cluster_" + name + " {\n" + indent + "  label=" + labelOf(*step) +
-               ";\n";
+      text_.append(indent).append("subgraph cluster_").append(name).append(" {\n");
+      text_.append(indent).append("  label=").append(labelOf(*step)).append(";\n");
       ++depth;
       open.push_back(nullptr);
       const auto& children = *step->childStepMap(false);
