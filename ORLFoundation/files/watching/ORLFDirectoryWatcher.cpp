@@ -56,8 +56,8 @@ bool ORLFDirectoryWatcher::openQueue(const std::string& path) {
                        .filterFlags = internal::watching::kWritten});
 }
 
-void ORLFDirectoryWatcher::KQCallback(const CFFileDescriptorRef& kqRef,
-                                      CFOptionFlags callBackTypes, void* info) {
+void ORLFDirectoryWatcher::KQCallback(const CFFileDescriptorRef& kqRef, CFOptionFlags callBackTypes,
+                                      void* info) {
   auto* const obj = dynamic_cast<ORLFDirectoryWatcher*>(static_cast<NSObject*>(info));
   ORLF_WATCHER_ASSERT(obj != nullptr, "[obj isKindOfClass:[ORLFDirectoryWatcher class]]");
   ORLF_WATCHER_ASSERT(kqRef == obj->dirKQRef_, "kqRef == obj->dirKQRef");

@@ -5,8 +5,8 @@
 ///     if (!watcher) report("there is no such folder");
 ///
 /// What is written inside the files is not told, nor which name it was. All that happens before the
-/// run loop turns is one action. The watcher lives on the run loop of the thread that made it; it is
-/// used and dropped on that thread.
+/// run loop turns is one action. The watcher lives on the run loop of the thread that made it; it
+/// is used and dropped on that thread.
 #pragma once
 
 #include <ORLFoundation/platform/dispatch/NSSelector.h>
@@ -63,8 +63,7 @@ class ORLFDirectoryWatcher final : public NSObject {
   /// `kqueueFired`
   void kqueueFired();
   /// Ends the process unless a watcher is called for its own queue, which can be read.
-  static void KQCallback(const CFFileDescriptorRef& kqRef, CFOptionFlags callBackTypes,
-                         void* info);
+  static void KQCallback(const CFFileDescriptorRef& kqRef, CFOptionFlags callBackTypes, void* info);
 
   std::weak_ptr<NSObject> target_;
   std::optional<NSSelector> action_;

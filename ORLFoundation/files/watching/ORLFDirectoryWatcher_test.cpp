@@ -150,9 +150,8 @@ TEST_F(DirectoryWatcher, NeedsAllItsArguments) {
   EXPECT_EQ(ORLFDirectoryWatcher::watchFolderWithPath(path, ledger_, std::nullopt), nullptr);
   EXPECT_EQ(ORLFDirectoryWatcher::watchFolderWithPath(path, nullptr, action), nullptr);
   EXPECT_EQ(ORLFDirectoryWatcher::watchFolderWithPath(std::nullopt, ledger_, action), nullptr);
-  for (const std::string& nowhere :
-       {std::string(), path + "/nothing", path + "/file/below", path + std::string("\0x", 2),
-        "/" + std::string(4096, 'a')})
+  for (const std::string& nowhere : {std::string(), path + "/nothing", path + "/file/below",
+                                     path + std::string("\0x", 2), "/" + std::string(4096, 'a')})
     EXPECT_EQ(ORLFDirectoryWatcher::watchFolderWithPath(nowhere, ledger_, action), nullptr);
 }
 

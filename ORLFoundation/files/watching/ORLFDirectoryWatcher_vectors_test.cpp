@@ -108,9 +108,9 @@ struct Target : NSObject {
   ORLFDirectoryWatcher* expected = nullptr;
 };
 
-class Player {
+class WatcherPlayer {
  public:
-  explicit Player(const Json& in) : in_(in) { events_->failing = in.value("fail", ""); }
+  explicit WatcherPlayer(const Json& in) : in_(in) { events_->failing = in.value("fail", ""); }
 
   Json play(const Json& step) {
     const auto name = step.at(0).get<std::string>();
@@ -123,7 +123,9 @@ class Player {
     if (name == "destroy") watcher_ = nullptr;
     Json held = Json::array();
     for (const auto& [kind, isHeld] : events_->held.items()) held.push_back(kind);
-    return {{"result", result}, {"held", held}, {"trace", std::exchange(events_->trace, Json::array())}};
+    return {{"result", result},
+            {"held", held},
+            {"trace", std::exchange(events_->trace, Json::array())}};
   }
 
  private:
@@ -157,8 +159,8 @@ class Player {
   std::shared_ptr<ORLFDirectoryWatcher> watcher_;
 };
 
-std::string watch(const Json& in, const Json& out) {
-  Player player(in);
+std::string playWatcher(const Json& in, const Json& out) {
+  WatcherPlayer player(in);
   const Json& steps = in.at("steps");
   if (steps.size() != out.size()) return "as many results as steps are expected";
   for (std::size_t i = 0; i < steps.size(); ++i) {
@@ -169,7 +171,7 @@ std::string watch(const Json& in, const Json& out) {
 }
 
 TEST(ORLFDirectoryWatcher, AgreesWithVectors) {
-  orlftest::runJsonVectors("files_watcher", {{"watcher", watch}});
+  orlftest::runJsonVectors("files_watcher", {{"watcher", playWatcher}});
 }
 
 /// A watcher over scripted calls, for what no run loop does.

@@ -68,7 +68,8 @@ bool ORLFFileSystemObserver::startObserving() {
   const std::string path = url_.path();
   const std::int32_t descriptor = FileEvents::current()->open(path);
   if (descriptor < 0) return false;
-  if (observe({descriptor, path}, DISPATCH_VNODE_WRITE | kEnds, nullptr, [this] { deliverStart(); }))
+  if (observe({descriptor, path}, DISPATCH_VNODE_WRITE | kEnds, nullptr,
+              [this] { deliverStart(); }))
     return true;
   FileEvents::current()->close(descriptor);
   return false;

@@ -74,9 +74,8 @@ struct ByObserver : Watched {
 struct ByReading : Watched {
   explicit ByReading(bool isSettledAsked)
       : queue(::inotify_init1(IN_CLOEXEC)),
-        watch(::inotify_add_watch(
-            queue, path.c_str(),
-            isSettledAsked ? IN_MODIFY | IN_CLOSE_WRITE : IN_MODIFY)),
+        watch(::inotify_add_watch(queue, path.c_str(),
+                                  isSettledAsked ? IN_MODIFY | IN_CLOSE_WRITE : IN_MODIFY)),
         reader([this] { read(); }) {}
   ~ByReading() {
     ::inotify_rm_watch(queue, watch);  // ends the reader

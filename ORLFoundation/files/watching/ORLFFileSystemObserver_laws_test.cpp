@@ -63,8 +63,8 @@ class RandomChanges {
 
   void change() {
     static constexpr std::array<Change, 6> kChanges = {
-        &RandomChanges::append, &RandomChanges::overwrite, &RandomChanges::save,
-        &RandomChanges::truncate, &RandomChanges::move, &RandomChanges::remove};
+        &RandomChanges::append,   &RandomChanges::overwrite, &RandomChanges::save,
+        &RandomChanges::truncate, &RandomChanges::move,      &RandomChanges::remove};
     if (!fs::exists(file_)) return create();
     (this->*kChanges[random_() % kChanges.size()])();
   }

@@ -229,8 +229,7 @@ TEST_F(FileSystemObserver, TakesTheGlobalQueueForNone) {
   const auto observer = std::make_shared<ORLFFileSystemObserver>(
       NSURL::fileURLWithPath(path("file")), nullptr,
       [&](NSInteger event, const std::optional<NSURL>&) { started.set_value(event); });
-  EXPECT_EQ(observer->eventQueue(),
-            dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0));
+  EXPECT_EQ(observer->eventQueue(), dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0));
   ASSERT_TRUE(observer->startObserving());
   EXPECT_EQ(started.get_future().get(), 1);
   observer->stopObserving();

@@ -64,8 +64,8 @@ struct World : FileEvents {
   }
   void close(std::int32_t descriptor) override { closed.insert(descriptor); }
   [[nodiscard]] dispatch_vnode_source_t makeSource(std::int32_t descriptor, std::uint64_t mask,
-                                             const dispatch_queue_t& queue,
-                                             const std::optional<std::string>& path) override;
+                                                   const dispatch_queue_t& queue,
+                                                   const std::optional<std::string>& path) override;
   [[nodiscard]] std::optional<std::string> pathOf(std::int32_t descriptor) override {
     const auto place = places.find(files.at(descriptor));
     const auto path = place == places.end() ? std::nullopt : place->second;
@@ -139,8 +139,8 @@ class World::Source final : public DispatchVNodeSource {
 };
 
 dispatch_vnode_source_t World::makeSource(std::int32_t descriptor, std::uint64_t mask,
-                                    const dispatch_queue_t& queue,
-                                    const std::optional<std::string>& path) {
+                                          const dispatch_queue_t& queue,
+                                          const std::optional<std::string>& path) {
   const bool isMade = !std::exchange(refusesNext, false);
   EXPECT_TRUE(!path || *path == kPath);
   note({"source", nameOf(descriptor), mask, isMade});
@@ -148,9 +148,9 @@ dispatch_vnode_source_t World::makeSource(std::int32_t descriptor, std::uint64_t
   return isMade ? std::make_shared<Source>(*this, descriptor, queue) : nullptr;
 }
 
-class Player {
+class ObserverPlayer {
  public:
-  explicit Player(const Json& in) {
+  explicit ObserverPlayer(const Json& in) {
     world_->standing = textOf(in.at("file"));
     const Json inHandler = in.value("inHandler", Json::object());
     ORLFFileSystemObserver::EventHandler handler;
@@ -162,12 +162,12 @@ class Player {
                                                          queue_.queue, std::move(handler));
     weak_ = observer_;
   }
-  ~Player() {
+  ~ObserverPlayer() {
     if (const auto observer = weak_.lock()) observer->stopObserving();
     queue_.runUntilEmpty();
   }
-  Player(const Player&) = delete;
-  Player& operator=(const Player&) = delete;
+  ObserverPlayer(const ObserverPlayer&) = delete;
+  ObserverPlayer& operator=(const ObserverPlayer&) = delete;
 
   Json play(const Json& step) {
     const auto name = step.at(0).get<std::string>();
@@ -243,8 +243,8 @@ class Player {
   std::weak_ptr<ORLFFileSystemObserver> weak_;
 };
 
-std::string observe(const Json& in, const Json& out) {
-  Player player(in);
+std::string playObserver(const Json& in, const Json& out) {
+  ObserverPlayer player(in);
   const Json& steps = in.at("steps");
   if (steps.size() != out.size()) return "as many results as steps are expected";
   for (std::size_t i = 0; i < steps.size(); ++i) {
@@ -255,7 +255,7 @@ std::string observe(const Json& in, const Json& out) {
 }
 
 TEST(ORLFFileSystemObserver, AgreesWithVectorsOfObservers) {
-  orlftest::runJsonVectors("files_observer", {{"observer", observe}});
+  orlftest::runJsonVectors("files_observer", {{"observer", playObserver}});
 }
 
 TEST(ORLFFileSystemObserver, AgreesWithVectorsOfFlags) {

@@ -13,9 +13,9 @@ using orlftest::Json;
 using orlftest::ObservedFile;
 
 /// A real file in a real folder, another folder, and the steps of a row.
-class Player {
+class RealFilePlayer {
  public:
-  Player() {
+  RealFilePlayer() {
     fs::create_directory(elsewhere_);
     std::ofstream(file_) << "content";
   }
@@ -32,7 +32,8 @@ class Player {
       const Json told = {event, place ? nameOf(*place) : Json()};
       if (events.empty() || events.back() != told) events.push_back(told);
     }
-    return {{"result", result}, {"observing", observed_.observer->isObserving()}, {"events", events}};
+    return {
+        {"result", result}, {"observing", observed_.observer->isObserving()}, {"events", events}};
   }
 
  private:
@@ -43,9 +44,7 @@ class Player {
     moved_ = folder / ("moved" + std::to_string(++moves_));
     fs::rename(file_, moved_);
   }
-  void overwrite() const {
-    std::fstream(file_, std::ios::in | std::ios::out) << "C";
-  }
+  void overwrite() const { std::fstream(file_, std::ios::in | std::ios::out) << "C"; }
   void backupAndWrite() {
     dispatch_sync(observed_.queue, [this] {
       fs::rename(file_, file_.string() + ".backup");
@@ -80,8 +79,8 @@ class Player {
   };
 };
 
-std::string watch(const Json& in, const Json& out) {
-  Player player;
+std::string playRealFile(const Json& in, const Json& out) {
+  RealFilePlayer player;
   const Json& steps = in.at("steps");
   if (steps.size() != out.size()) return "as many results as steps are expected";
   for (std::size_t i = 0; i < steps.size(); ++i) {
@@ -93,7 +92,7 @@ std::string watch(const Json& in, const Json& out) {
 
 TEST(ORLFFileSystemObserver, AgreesWithVectorsOfRealFiles) {
   orlftest::trashFolder();
-  orlftest::runJsonVectors("files_watch", {{"watch", watch}});
+  orlftest::runJsonVectors("files_watch", {{"watch", playRealFile}});
 }
 
 }  // namespace

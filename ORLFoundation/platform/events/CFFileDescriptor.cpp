@@ -49,7 +49,8 @@ void CFFileDescriptor::listen(Place& place) {
   const auto self = std::static_pointer_cast<CFFileDescriptor>(shared_from_this());
   place.token = loop->addDescriptor(descriptor_, events, place.mode,
                                     [weak = std::weak_ptr(self)](short ready) {
-                                      if (const auto reference = weak.lock()) reference->fire(ready);
+                                      if (const auto reference = weak.lock())
+                                        reference->fire(ready);
                                     });
 }
 

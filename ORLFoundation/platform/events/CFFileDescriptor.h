@@ -18,13 +18,17 @@
 namespace ORLFoundation {
 
 class CFFileDescriptor;
+/// A counted reference; nil is null.
 using CFFileDescriptorRef = std::shared_ptr<CFFileDescriptor>;
+/// Bits of options.
 using CFOptionFlags = unsigned long;
 /// Gets the reference, what is ready, and the context that the reference was made with.
 using CFFileDescriptorCallBack = void (*)(const CFFileDescriptorRef& reference,
                                           CFOptionFlags callBackTypes, void* info);
 
+/// The descriptor can be read, has hung up, or has failed.
 inline constexpr CFOptionFlags kCFFileDescriptorReadCallBack = 1;
+/// The descriptor takes bytes.
 inline constexpr CFOptionFlags kCFFileDescriptorWriteCallBack = 2;
 
 /// The state behind the functions below; they may be called on any thread.
@@ -72,6 +76,7 @@ class CFFileDescriptor final : public NSObject {
 struct CFRunLoopSource {
   CFFileDescriptorRef reference;
 };
+/// A counted reference; nil is null.
 using CFRunLoopSourceRef = std::shared_ptr<CFRunLoopSource>;
 
 /// The name of the default mode.

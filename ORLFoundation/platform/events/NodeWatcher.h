@@ -135,8 +135,8 @@ class NodeWatcher {
 
   const std::unique_ptr<KernelQueue> queue_;
   const std::unique_ptr<MountTable> mountTable_;
-  /// Held while reports are made, so that who pumps or ends can rely on them; before lock_. A report
-  /// may end watches.
+  /// Held while reports are made, so that who pumps or ends can rely on them; before lock_. A
+  /// report may end watches.
   std::recursive_mutex reportLock_;
   mutable std::mutex lock_;
   std::unordered_map<int, Users> nodes_;

@@ -13,7 +13,7 @@ namespace ORLFoundation::internal::events {
 /// to something else by the time the source begins, it tells of `DISPATCH_VNODE_RENAME` at once.
 /// The mask may ask for `kNodeSettled`.
 [[nodiscard]] dispatch_vnode_source_t makeVNodeSource(int descriptor, std::uint64_t mask,
-                                                const dispatch_queue_t& queue,
-                                                std::optional<std::string> openedAt);
+                                                      const dispatch_queue_t& queue,
+                                                      std::optional<std::string> openedAt);
 
 }  // namespace ORLFoundation::internal::events

@@ -13,8 +13,9 @@ static_assert(DISPATCH_VNODE_DELETE == kNodeDelete && DISPATCH_VNODE_WRITE == kN
               DISPATCH_VNODE_LINK == kNodeLink && DISPATCH_VNODE_RENAME == kNodeRename &&
               DISPATCH_VNODE_REVOKE == kNodeRevoke);
 
-dispatch_vnode_source_t makeVNodeSource(int descriptor, std::uint64_t mask, const dispatch_queue_t& queue,
-                                  std::optional<std::string> openedAt) {
+dispatch_vnode_source_t makeVNodeSource(int descriptor, std::uint64_t mask,
+                                        const dispatch_queue_t& queue,
+                                        std::optional<std::string> openedAt) {
   NodeWatcher* const watcher = NodeWatcher::shared();
   if (watcher == nullptr) return nullptr;
   const auto source = std::make_shared<NodeSource>(
@@ -24,18 +25,22 @@ dispatch_vnode_source_t makeVNodeSource(int descriptor, std::uint64_t mask, cons
 
 }  // namespace internal::events
 
-dispatch_vnode_source_t dispatch_source_create(dispatch_source_vnode_type_t, int handle, std::uint64_t mask,
-                                         const dispatch_queue_t& queue) {
+dispatch_vnode_source_t dispatch_source_create(dispatch_source_vnode_type_t, int handle,
+                                               std::uint64_t mask, const dispatch_queue_t& queue) {
   return internal::events::makeVNodeSource(handle, mask, queue, std::nullopt);
 }
 
-std::uint64_t dispatch_source_get_data(const dispatch_vnode_source_t& source) { return source->data(); }
+std::uint64_t dispatch_source_get_data(const dispatch_vnode_source_t& source) {
+  return source->data();
+}
 
-void dispatch_source_set_event_handler(const dispatch_vnode_source_t& source, dispatch_block_t handler) {
+void dispatch_source_set_event_handler(const dispatch_vnode_source_t& source,
+                                       dispatch_block_t handler) {
   source->setEventHandler(std::move(handler));
 }
 
-void dispatch_source_set_cancel_handler(const dispatch_vnode_source_t& source, dispatch_block_t handler) {
+void dispatch_source_set_cancel_handler(const dispatch_vnode_source_t& source,
+                                        dispatch_block_t handler) {
   source->setCancelHandler(std::move(handler));
 }
 

@@ -3,7 +3,7 @@
 ///     const int descriptor = open("/home/ann/plan.json", O_PATH | O_CLOEXEC);
 ///     const auto source = dispatch_source_create(DISPATCH_SOURCE_TYPE_VNODE, descriptor,
 ///                                                DISPATCH_VNODE_WRITE, queue);
-///     if (!source) return close(descriptor);
+///     if (!source) return void(close(descriptor));
 ///     dispatch_source_set_event_handler(source, [=] { use(dispatch_source_get_data(source)); });
 ///     dispatch_source_set_cancel_handler(source, [=] { close(descriptor); });
 ///     dispatch_resume(source);
@@ -48,6 +48,7 @@ class DispatchVNodeSource : public NSObject {
 
   [[nodiscard]] std::string className() const override { return "DispatchVNodeSource"; }
 };
+/// A counted reference; nil is null.
 using dispatch_vnode_source_t = std::shared_ptr<DispatchVNodeSource>;
 
 /// A source of the flags of `mask` that befall what the descriptor stands for, wherever that is
@@ -58,16 +59,18 @@ using dispatch_vnode_source_t = std::shared_ptr<DispatchVNodeSource>;
 /// `DISPATCH_VNODE_REVOKE` stands for the lazy unmounting of the file system that the descriptor
 /// was opened in: the descriptor hinders a plain one. A file whose end came before the source tells
 /// of it at once.
-[[nodiscard]] dispatch_vnode_source_t dispatch_source_create(dispatch_source_vnode_type_t type, int handle,
-                                                       std::uint64_t mask,
-                                                       const dispatch_queue_t& queue);
+[[nodiscard]] dispatch_vnode_source_t dispatch_source_create(dispatch_source_vnode_type_t type,
+                                                             int handle, std::uint64_t mask,
+                                                             const dispatch_queue_t& queue);
 /// In the event handler: the flags that came since the last call of it, joined into one word.
 [[nodiscard]] std::uint64_t dispatch_source_get_data(const dispatch_vnode_source_t& source);
 /// Runs on the queue when flags have come, once for all that came while the queue was busy.
-void dispatch_source_set_event_handler(const dispatch_vnode_source_t& source, dispatch_block_t handler);
+void dispatch_source_set_event_handler(const dispatch_vnode_source_t& source,
+                                       dispatch_block_t handler);
 /// Runs on the queue once after the source was cancelled, behind the event handler if that runs:
 /// the place to close the descriptor.
-void dispatch_source_set_cancel_handler(const dispatch_vnode_source_t& source, dispatch_block_t handler);
+void dispatch_source_set_cancel_handler(const dispatch_vnode_source_t& source,
+                                        dispatch_block_t handler);
 void dispatch_resume(const dispatch_vnode_source_t& source);
 /// No event handler begins from here on. Both blocks are dropped behind the cancel handler.
 void dispatch_source_cancel(const dispatch_vnode_source_t& source);

@@ -32,16 +32,14 @@ class DispatchVNodeSourceTest : public orlftest::TemporaryFolderTest {
   DispatchVNodeSourceTest() : descriptor_(openForEvents(write("file", "content"))) {}
 
   dispatch_vnode_source_t make(std::uint64_t mask) {
-    auto source =
-        dispatch_source_create(DISPATCH_SOURCE_TYPE_VNODE, descriptor_, mask, queue_);
+    auto source = dispatch_source_create(DISPATCH_SOURCE_TYPE_VNODE, descriptor_, mask, queue_);
     set(source);
     return source;
   }
   void set(const dispatch_vnode_source_t& source) {
-    dispatch_source_set_event_handler(
-        source, [this, weak = std::weak_ptr(source), held = held_] {
-          words_.push_back(dispatch_source_get_data(weak.lock()));
-        });
+    dispatch_source_set_event_handler(source, [this, weak = std::weak_ptr(source), held = held_] {
+      words_.push_back(dispatch_source_get_data(weak.lock()));
+    });
     dispatch_source_set_cancel_handler(source, [this, held = held_] {
       ++cancels_;
       ::close(descriptor_);
@@ -72,8 +70,8 @@ TEST_F(DispatchVNodeSourceTest, JoinsTheFlagsThatCameWhileItsQueueWasBusy) {
     NodeWatcher::shared()->pump();
     fs::rename(path("file"), path("moved"));
   });
-  EXPECT_THAT(words(), ElementsAre(DISPATCH_VNODE_WRITE | DISPATCH_VNODE_ATTRIB |
-                                   DISPATCH_VNODE_RENAME));
+  EXPECT_THAT(words(),
+              ElementsAre(DISPATCH_VNODE_WRITE | DISPATCH_VNODE_ATTRIB | DISPATCH_VNODE_RENAME));
   append(path("moved"));
   EXPECT_THAT(words(), ElementsAre(DISPATCH_VNODE_WRITE));
   dispatch_source_cancel(source);

@@ -16,9 +16,9 @@ class MachineFileEvents final : public FileEvents {
     return events::openForEvents(path);
   }
   void close(std::int32_t descriptor) override { ::close(descriptor); }
-  [[nodiscard]] dispatch_vnode_source_t makeSource(std::int32_t descriptor, std::uint64_t mask,
-                                             const dispatch_queue_t& queue,
-                                             const std::optional<std::string>& path) override {
+  [[nodiscard]] dispatch_vnode_source_t makeSource(
+      std::int32_t descriptor, std::uint64_t mask, const dispatch_queue_t& queue,
+      const std::optional<std::string>& path) override {
     return events::makeVNodeSource(descriptor, mask, queue, path);
   }
   [[nodiscard]] std::optional<std::string> pathOf(std::int32_t descriptor) override {

@@ -22,9 +22,9 @@ class FileEvents {
   [[nodiscard]] virtual std::int32_t open(const std::string& path) = 0;
   virtual void close(std::int32_t descriptor) = 0;
   /// nil where the descriptor cannot be watched. A path is the one that it was just opened by.
-  [[nodiscard]] virtual dispatch_vnode_source_t makeSource(std::int32_t descriptor, std::uint64_t mask,
-                                                     const dispatch_queue_t& queue,
-                                                     const std::optional<std::string>& path) = 0;
+  [[nodiscard]] virtual dispatch_vnode_source_t makeSource(
+      std::int32_t descriptor, std::uint64_t mask, const dispatch_queue_t& queue,
+      const std::optional<std::string>& path) = 0;
   /// Where the descriptor's file is now; nil where that is not known.
   [[nodiscard]] virtual std::optional<std::string> pathOf(std::int32_t descriptor) = 0;
   /// How the Trash stands to an item; nil where that cannot be told.

@@ -9,12 +9,13 @@ namespace ORLFoundation::internal::events {
 bool NodeSource::watch(NodeWatcher& watcher, int descriptor, std::uint64_t flags,
                        std::optional<std::string> openedAt) {
   const auto self = shared();
-  auto watch = watcher.watch({.descriptor = descriptor,
-                              .flags = flags,
-                              .openedAt = std::move(openedAt),
-                              .report = [weak = std::weak_ptr(self)](std::uint64_t found, NodeTurn& turn) {
-                                if (const auto source = weak.lock()) source->note(found, turn);
-                              }});
+  auto watch =
+      watcher.watch({.descriptor = descriptor,
+                     .flags = flags,
+                     .openedAt = std::move(openedAt),
+                     .report = [weak = std::weak_ptr(self)](std::uint64_t found, NodeTurn& turn) {
+                       if (const auto source = weak.lock()) source->note(found, turn);
+                     }});
   const std::lock_guard guard(lock_);
   watch_ = std::move(watch);
   return watch_ != nullptr;
