@@ -162,6 +162,8 @@
 #include <ORLFoundation/platform/xml/NSXMLParserDelegate.h>
 #include <ORLFoundation/platform/xml/NSXMLParserLimits.h>
 #include <ORLFoundation/platform/xml/NSXMLParserLoader.h>
+#include <ORLFoundation/process/definition/ORLFProcessDefinitionCheck.h>
+#include <ORLFoundation/process/definition/ORLFProcessDefinitionPlace.h>
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilder.h>
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilderDelegate.h>
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilderStepData.h>
