@@ -65,6 +65,7 @@
 #include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
 #include <ORLFoundation/platform/dispatch/NSDelayedPerforming.h>
 #include <ORLFoundation/platform/dispatch/NSMainQueue.h>
+#include <ORLFoundation/platform/dispatch/NSMainQueuePollBridge.h>
 #include <ORLFoundation/platform/dispatch/NSMonotonicClock.h>
 #include <ORLFoundation/platform/dispatch/NSRunLoop.h>
 #include <ORLFoundation/platform/dispatch/NSSelector.h>
