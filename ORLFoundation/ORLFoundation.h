@@ -60,6 +60,9 @@
 #include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
 #include <ORLFoundation/platform/archive/NSSecureCoding.h>
 #include <ORLFoundation/platform/base/Replaced.h>
+#include <ORLFoundation/platform/crypto/CommonCrypto.h>
+#include <ORLFoundation/platform/crypto/SecKey.h>
+#include <ORLFoundation/platform/crypto/SecRandom.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaults.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaultsFile.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
@@ -181,6 +184,15 @@
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceFrequency.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+#include <ORLFoundation/security/primitives/Blowfish.h>
+#include <ORLFoundation/security/primitives/NewBase64.h>
+#include <ORLFoundation/security/primitives/ORLFCryptography.h>
+#include <ORLFoundation/security/primitives/ORLFDataBase64.h>
+#include <ORLFoundation/security/primitives/ORLFDataBlowfish.h>
+#include <ORLFoundation/security/primitives/ORLFDataCompression.h>
+#include <ORLFoundation/security/primitives/ORLFDataHashing.h>
+#include <ORLFoundation/security/primitives/ORLFDataSignature.h>
+#include <ORLFoundation/security/primitives/ORLFMD5.h>
 #include <ORLFoundation/support/collections/ORLFArrayUtilities.h>
 #include <ORLFoundation/support/collections/ORLFMutableArrayUtilities.h>
 #include <ORLFoundation/support/collections/ORLFNonretainingMutableCollection.h>

@@ -22,6 +22,8 @@ class NSMutableData : public NSObject {
   [[nodiscard]] NSUInteger length() const noexcept { return bytes_.size(); }
   /// Valid until the next change.
   [[nodiscard]] std::span<const std::uint8_t> bytes() const noexcept { return bytes_; }
+  /// The same, to be written to.
+  [[nodiscard]] std::span<std::uint8_t> mutableBytes() noexcept { return bytes_; }
   /// The same bytes as text; nothing is checked or decoded. Valid until the next change.
   [[nodiscard]] std::string_view text() const noexcept {
     return {reinterpret_cast<const char*>(bytes_.data()), bytes_.size()};
