@@ -8,6 +8,7 @@
 #include <ORLFoundation/platform/xml/internal/PieceKeeper.h>
 #include <ORLFoundation/platform/xml/internal/PushContext.h>
 #include <ORLFoundation/platform/xml/internal/QuietThread.h>
+#include <ORLFoundation/platform/xml/internal/QuotedLineEnds.h>
 #include <ORLFoundation/platform/xml/internal/TagAttributes.h>
 #include <ORLFoundation/platform/xml/internal/UnfinishedTag.h>
 #include <libxml/SAX2.h>
@@ -121,11 +122,18 @@ class PushParser::Session {
                     static_cast<int>(bytes.size()), isLast ? 1 : 0);
     }
     if (thrown_) std::rethrow_exception(std::exchange(thrown_, nullptr));
-    // Bytes that cannot be converted halt the parser without a fault of the document.
-    if (!isOver_ && !isLast && context_->disableSAX != 0)
-      stop(NSXMLParserInvalidEncodingError, "The bytes do not fit the document's encoding.");
     if (!isOver_ && isLast && context_->wellFormed == 0)
       stop(context_->errNo, "The document is not well-formed.");
+    // Bytes that cannot be converted halt the parser, or stay behind, without a fault.
+    if (!isOver_ && (context_->disableSAX != 0 || (isLast && !areZeros(unconverted()))))
+      stop(NSXMLParserInvalidEncodingError, "The bytes do not fit the document's encoding.");
+  }
+
+  /// What libxml2 has taken of the document and not made characters of.
+  [[nodiscard]] std::span<const std::uint8_t> unconverted() const noexcept {
+    const xmlParserInputBuffer* const buffer = documentInput().buf;
+    if (buffer == nullptr || buffer->raw == nullptr) return {};
+    return {xmlBufContent(buffer->raw), xmlBufUse(buffer->raw)};
   }
 
   /// What has come of a tag, a text or a declaration that goes on in the next piece.
@@ -252,6 +260,14 @@ class PushParser::Session {
     textLength_ = 0;
     textHasBegun_ = !open_.holdsElementsAlone();
   }
+  void quotedCharacters(std::string_view text) {
+    // A piece of a section lies in the input right behind the one before; another section does not.
+    const xmlParserInput& input = *context_->input;
+    const auto* const begin = reinterpret_cast<const xmlChar*>(text.data());
+    const bool follows =
+        quotedLineEnds_.isOpen() && begin > input.base && begin <= input.end && begin[-1] == '\r';
+    characters(quotedLineEnds_.told(text, follows), true);
+  }
   void characters(std::string_view text, bool isQuoted) {
     textLength_ += text.size();
     if (textLength_ > limits_.textLength)
@@ -296,7 +312,7 @@ class PushParser::Session {
   [[nodiscard]] bool onlyZerosRemain() const {
     const xmlParserInput& input = documentInput();
     return context_->instate == XML_PARSER_EPILOG && input.cur < input.end &&
-           areZeros({input.cur, input.end});
+           areZeros({input.cur, input.end}) && areZeros(unconverted());
   }
   void stopBehindDocument() {
     if (!fault_)
@@ -320,6 +336,7 @@ class PushParser::Session {
   OpenElements open_;
   TagAttributes attributes_;
   UnfinishedTag unfinishedTag_;
+  QuotedLineEnds quotedLineEnds_;
   bool textHasBegun_ = true;  // else blanks here are ignorable
   NSUInteger textLength_ = 0;
   std::string name_;
@@ -385,7 +402,7 @@ xmlSAXHandler PushParser::Session::handlers() {
     run(data, [&](Session& session) { session.characters(viewOf(text, text + length), false); });
   };
   handler.cdataBlock = [](void* data, const xmlChar* text, int length) {
-    run(data, [&](Session& session) { session.characters(viewOf(text, text + length), true); });
+    run(data, [&](Session& session) { session.quotedCharacters(viewOf(text, text + length)); });
   };
   // Its parameter is constant in newer releases.
   handler.serror = [](void* data, auto error) {
