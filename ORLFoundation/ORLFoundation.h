@@ -63,6 +63,7 @@
 #include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
 #include <ORLFoundation/platform/dispatch/NSDelayedPerforming.h>
 #include <ORLFoundation/platform/dispatch/NSMainQueue.h>
+#include <ORLFoundation/platform/dispatch/NSMainQueuePollBridge.h>
 #include <ORLFoundation/platform/dispatch/NSMonotonicClock.h>
 #include <ORLFoundation/platform/dispatch/NSRunLoop.h>
 #include <ORLFoundation/platform/dispatch/NSSelector.h>
@@ -161,6 +162,8 @@
 #include <ORLFoundation/platform/xml/NSXMLParserDelegate.h>
 #include <ORLFoundation/platform/xml/NSXMLParserLimits.h>
 #include <ORLFoundation/platform/xml/NSXMLParserLoader.h>
+#include <ORLFoundation/process/definition/ORLFProcessDefinitionCheck.h>
+#include <ORLFoundation/process/definition/ORLFProcessDefinitionPlace.h>
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilder.h>
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilderDelegate.h>
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilderStepData.h>
