@@ -37,6 +37,7 @@
 #include <ORLFoundation/decimal/entry/ORLFPercentNumberFormatter.h>
 #include <ORLFoundation/interchange/qif/ORLFQIFDataWriter.h>
 #include <ORLFoundation/interchange/qif/ORLFQIFRecords.h>
+#include <ORLFoundation/interchange/qif/ORLFRecordWriter.h>
 #include <ORLFoundation/interchange/sgml/ORLFSGMLConversion.h>
 #include <ORLFoundation/interchange/sgml/ORLFXMLEntities.h>
 #include <ORLFoundation/interchange/tabular/ORLFScannerUtilities.h>
