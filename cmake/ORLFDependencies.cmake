@@ -7,6 +7,7 @@ find_package(ICU 72 REQUIRED COMPONENTS uc i18n)        # ICU::uc ICU::i18n
 find_package(Boost 1.74 REQUIRED)                       # Boost::headers
 find_package(CCTZ REQUIRED)                             # CCTZ::cctz
 find_package(LibXml2 2.9 REQUIRED)                      # LibXml2::LibXml2
+find_package(SQLite3 3.37 REQUIRED)                     # SQLite::SQLite3
 find_package(nlohmann_json 3.11 REQUIRED)               # nlohmann_json::nlohmann_json
 if(ORLF_BUILD_TOOL)
   find_package(CLI11 2.1 REQUIRED)                      # CLI11::CLI11

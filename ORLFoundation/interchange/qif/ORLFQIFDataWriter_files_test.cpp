@@ -14,7 +14,7 @@ using orlftest::date;
 
 using QIF = ORLFQIFDataWriter;
 
-NSDecimalNumber decimal(const std::string& text) {
+NSDecimalNumber number(const std::string& text) {
   return NSDecimalNumber::decimalNumberWithString(text);
 }
 
@@ -23,9 +23,9 @@ void writeAccounts(QIF& qif) {
   qif.writeAccountName({.name = "Checking", .type = 0, .description = "Everyday account"});
   qif.writeAccountName({.name = "Wallet", .type = 1});
   qif.writeAccountName(
-      {.name = "Card", .type = 2, .description = "Plastic", .creditLimit = decimal("5000")});
-  qif.writeAccountName({.name = "Broker", .type = 3, .balance = decimal("12.5")});
-  qif.writeAccountName({.name = "House", .type = 6, .salesTaxRate = decimal("7.5")});
+      {.name = "Card", .type = 2, .description = "Plastic", .creditLimit = number("5000")});
+  qif.writeAccountName({.name = "Broker", .type = 3, .balance = number("12.5")});
+  qif.writeAccountName({.name = "House", .type = 6, .salesTaxRate = number("7.5")});
   qif.writeAccountName({.name = "Mortgage", .type = 7, .description = ""});
   qif.endAccountList();
 }
@@ -40,13 +40,13 @@ void writeCategories(QIF& qif) {
 
 void writeChecking(QIF& qif) {
   qif.beginTransactionListAccountName("Checking", 0);
-  qif.writeNonInvestmentTransactionAmount({.amount = decimal("2500"),
+  qif.writeNonInvestmentTransactionAmount({.amount = number("2500"),
                                            .date = date("2024-01-31T00:00:00Z"),
                                            .cleared = ORLFQIFReconciled,
                                            .payee = "Employer",
                                            .category = "Salary"});
   qif.endTransaction();
-  qif.writeNonInvestmentTransactionAmount({.amount = decimal("-1234.56"),
+  qif.writeNonInvestmentTransactionAmount({.amount = number("-1234.56"),
                                            .date = date("2024-02-29T00:00:00Z"),
                                            .cleared = ORLFQIFCleared,
                                            .refNum = "1017",
@@ -55,20 +55,20 @@ void writeChecking(QIF& qif) {
                                            .category = "Food/Out",
                                            .tags = {"a:b", "c"}});
   qif.endTransaction();
-  qif.writeNonInvestmentTransferAmount({.amount = decimal("-300"),
+  qif.writeNonInvestmentTransferAmount({.amount = number("-300"),
                                         .date = date("1999-12-31T00:00:00Z"),
                                         .payee = "To the wallet",
                                         .account = "Wallet"});
   qif.endTransaction();
-  qif.writeNonInvestmentSplitTransactionAmount({.amount = decimal("-150.25"),
+  qif.writeNonInvestmentSplitTransactionAmount({.amount = number("-150.25"),
                                                 .date = date("2024-03-01T00:00:00Z"),
                                                 .refNum = "1018",
                                                 .payee = "Hotel",
                                                 .memo = "in three parts"});
-  qif.writeNonInvestmentSplitItemAmount({.amount = decimal("100"), .category = "Travel:Hotel"});
+  qif.writeNonInvestmentSplitItemAmount({.amount = number("100"), .category = "Travel:Hotel"});
   qif.writeNonInvestmentSplitItemAmount(
-      {.amount = decimal("60.25"), .category = "Food", .tags = {"trip"}});
-  qif.writeNonInvestmentSplitTransferItemAmount({.amount = decimal("-10"), .account = "Card"});
+      {.amount = number("60.25"), .category = "Food", .tags = {"trip"}});
+  qif.writeNonInvestmentSplitTransferItemAmount({.amount = number("-10"), .account = "Card"});
   qif.endTransaction();
   qif.writeNonInvestmentTransactionAmount({.date = date("2024-03-02T00:00:00Z"), .payee = "Void"});
   qif.endTransaction();
@@ -85,7 +85,7 @@ void writeOtherLists(QIF& qif) {
        {List{"Wallet", 1, "-4.5"}, List{"Card", 2, "-80"}, List{"House", 6, "250000"},
         List{"Mortgage", 7, "-1999.99"}}) {
     qif.beginTransactionListAccountName(account, type);
-    qif.writeNonInvestmentTransactionAmount({.amount = decimal(amount),
+    qif.writeNonInvestmentTransactionAmount({.amount = number(amount),
                                              .date = date("2024-04-15T00:00:00Z"),
                                              .payee = account,
                                              .category = "Food"});
@@ -104,10 +104,10 @@ void writeInvestment(QIF& qif, std::int32_t action) {
   qif.writeInvestmentTransactionType({.type = action,
                                       .security = "Acme",
                                       .date = date("2024-05-06T00:00:00Z"),
-                                      .price = decimal("12.5"),
-                                      .quantity = decimal(std::to_string(action + 1)),
-                                      .commission = decimal("1.25"),
-                                      .transactionAmount = decimal("101.25"),
+                                      .price = number("12.5"),
+                                      .quantity = number(std::to_string(action + 1)),
+                                      .commission = number("1.25"),
+                                      .transactionAmount = number("101.25"),
                                       .cleared = action % 3,
                                       .payee = "Floor",
                                       .memo = "order"});
@@ -120,11 +120,11 @@ void writeBroker(QIF& qif) {
   qif.writeInvestmentTransferType({.type = 2,
                                    .security = "Acme",
                                    .date = date("2024-06-07T00:00:00Z"),
-                                   .price = decimal("10"),
-                                   .quantity = decimal("100"),
-                                   .transactionAmount = decimal("1000"),
+                                   .price = number("10"),
+                                   .quantity = number("100"),
+                                   .transactionAmount = number("1000"),
                                    .account = "Checking",
-                                   .transferAmount = decimal("1000")});
+                                   .transferAmount = number("1000")});
   qif.endTransaction();
   qif.endTransactionList();
 }
@@ -149,9 +149,9 @@ void writeLedger(QIF& qif) {
 void writePrices(QIF& qif) {
   qif.beginSecurityPriceList();
   qif.beginSecurityPrices();
-  qif.writeSecurityPriceSymbol("ACM", decimal("1234.5"), date("2024-02-29T00:00:00Z"));
-  qif.writeSecurityPriceSymbol("ACM", decimal("0.125"), date("1999-12-31T00:00:00Z"));
-  qif.writeSecurityPriceSymbol(std::nullopt, decimal("7"), date("2024-03-01T00:00:00Z"));
+  qif.writeSecurityPriceSymbol("ACM", number("1234.5"), date("2024-02-29T00:00:00Z"));
+  qif.writeSecurityPriceSymbol("ACM", number("0.125"), date("1999-12-31T00:00:00Z"));
+  qif.writeSecurityPriceSymbol(std::nullopt, number("7"), date("2024-03-01T00:00:00Z"));
   qif.endSecurityPrices();
   qif.endSecurityPriceList();
 }
@@ -161,7 +161,7 @@ void writeStockSplits(QIF& qif) {
   for (const std::int32_t cleared : {0, 1, 2}) {
     qif.writeInvestmentSplitSecurity({.security = "Acme",
                                       .date = date("2024-05-06T00:00:00Z"),
-                                      .ratio = decimal("20"),
+                                      .ratio = number("20"),
                                       .cleared = cleared,
                                       .memo = "two for one"});
     qif.endTransaction();
@@ -191,10 +191,10 @@ void writeActions(QIF& qif) {
 void writeSplitMemos(QIF& qif) {
   qif.beginTransactionListAccountName("Checking", 0);
   qif.writeNonInvestmentSplitTransactionAmount(
-      {.amount = decimal("-30"), .date = date("2024-03-01T00:00:00Z"), .payee = "Shop"});
+      {.amount = number("-30"), .date = date("2024-03-01T00:00:00Z"), .payee = "Shop"});
   qif.writeNonInvestmentSplitItemAmount(
-      {.amount = decimal("10"), .memo = "first", .category = "Food"});
-  qif.writeNonInvestmentSplitItemAmount({.amount = decimal("20"), .memo = ""});
+      {.amount = number("10"), .memo = "first", .category = "Food"});
+  qif.writeNonInvestmentSplitItemAmount({.amount = number("20"), .memo = ""});
   qif.writeNonInvestmentSplitTransferItemAmount({.memo = "last", .account = "Card"});
   qif.endTransaction();
   qif.endTransactionList();

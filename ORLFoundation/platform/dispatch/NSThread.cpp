@@ -1,7 +1,7 @@
 
 #include <ORLFoundation/platform/dispatch/NSThread.h>
 
-#include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
+#include <ORLFoundation/platform/dispatch/internal/MainThread.h>
 #include <cxxabi.h>
 #include <dlfcn.h>
 #include <execinfo.h>
@@ -69,7 +69,7 @@ std::shared_ptr<NSThread> NSThread::currentThread() {
   return slot.thread;
 }
 
-bool NSThread::isMainThread() { return NSCurrentMainThreadExecutor()->isMainThread(); }
+bool NSThread::isMainThread() { return internal::dispatch::isMainThread(); }
 
 [[gnu::noinline]] std::vector<std::string> NSThread::callStackSymbols() {
   std::array<void*, kMostFrames> frames{};

@@ -14,14 +14,16 @@
 
 namespace ORLFoundation {
 
+class NSRunLoop;
+
 class NSThread final : public NSObject {
  public:
   NSThread();
   /// `currentThread`  One for each thread, made at first use and dropped when the thread ends. A
   /// thread that is already ending gets a new one with each call.
   [[nodiscard]] static std::shared_ptr<NSThread> currentThread();
-  /// `isMainThread`  As the main executor tells (NSMainThreadExecutor.h): without a host's own, the
-  /// process's first thread, and any thread while it performs work of the main thread.
+  /// `isMainThread`  The process's first thread is the main one, unless an `NSMainQueueThread` has
+  /// taken its part.
   [[nodiscard]] static bool isMainThread();
   /// `callStackSymbols`  A line for each call that has not returned yet, the caller's own first:
   /// its place in the list, the file that holds the code, the address, and the function with the
@@ -36,6 +38,9 @@ class NSThread final : public NSObject {
   [[nodiscard]] std::string className() const override { return "NSThread"; }
 
  private:
+  friend class NSRunLoop;
+
+  std::shared_ptr<NSRunLoop> runLoop_;
   const std::shared_ptr<NSMutableDictionary> dictionary_;
 };
 

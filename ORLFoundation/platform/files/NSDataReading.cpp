@@ -1,10 +1,11 @@
 #include <ORLFoundation/platform/files/NSDataReading.h>
 
+#include <ORLFoundation/platform/files/FileFailure.h>
+
 #include <array>
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <string>
 #include <utility>
@@ -21,44 +22,17 @@ struct Close {
   void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
 };
 
-NSInteger codeOf(int number) {
-  switch (number) {
-    case ENOENT:
-    case ENOTDIR:
-      return NSFileReadNoSuchFileError;
-    case EACCES:
-    case EPERM:
-      return NSFileReadNoPermissionError;
-    case EFBIG:
-      return NSFileReadTooLargeError;
-    default:
-      return NSFileReadUnknownError;
-  }
-}
-
 std::nullopt_t fail(NSErrorSlot slot, const NSURL& url, int number) {
-  const std::string path = url.path();
-  const auto cause = NSError::errorWithDomain(
-      NSPOSIXErrorDomain, number,
-      NSDictionary::dictionaryWithEntries({{NSLocalizedDescriptionKey, std::strerror(number)}}));
-  const auto userInfo = NSDictionary::dictionaryWithEntries(
-      {{NSLocalizedDescriptionKey, path + ": " + std::strerror(number)},
-       {NSFilePathErrorKey, path},
-       {NSURLErrorKey, url},
-       {NSUnderlyingErrorKey, cause}});
-  NSFillErrorSlot(slot, NSError::errorWithDomain(NSCocoaErrorDomain, codeOf(number), userInfo));
+  internal::files::fillErrorSlot(slot, {internal::files::FileWork::Read, number, url.path()});
   return std::nullopt;
 }
 
 }  // namespace
 
 std::optional<NSData> dataWithContentsOfURL(const NSURL& url, NSUInteger, NSErrorSlot error) {
-  if (!url.isFileURL()) {
-    NSFillErrorSlot(error, NSCocoaErrorDomain, NSFileReadUnsupportedSchemeError,
-                    url.absoluteString() + ": not the address of a file");
-    return std::nullopt;
-  }
-  const std::unique_ptr<std::FILE, Close> file(std::fopen(url.path().c_str(), "rbe"));
+  const auto path = internal::files::pathOfFileURL(url, internal::files::FileWork::Read, error);
+  if (!path) return std::nullopt;
+  const std::unique_ptr<std::FILE, Close> file(std::fopen(path->c_str(), "rbe"));
   if (!file) return fail(error, url, errno);
   std::vector<std::uint8_t> bytes;
   while (true) {

@@ -5,6 +5,7 @@
 ///     if (!data) show(error->localizedDescription());
 #pragma once
 
+#include <ORLFoundation/platform/files/NSFileErrors.h>
 #include <ORLFoundation/platform/object/NSError.h>
 #include <ORLFoundation/platform/value/NSData.h>
 #include <ORLFoundation/platform/value/NSTypes.h>
@@ -16,15 +17,6 @@ namespace ORLFoundation {
 
 enum NSDataReadingOptions : NSUInteger {
   NSDataReadingMappedIfSafe = 1,  ///< A wish; data here holds its bytes in any case.
-};
-
-/// Codes of `NSCocoaErrorDomain`.
-enum NSFileReadError : NSInteger {
-  NSFileReadUnknownError = 256,
-  NSFileReadNoPermissionError = 257,
-  NSFileReadNoSuchFileError = 260,
-  NSFileReadTooLargeError = 263,
-  NSFileReadUnsupportedSchemeError = 262,
 };
 
 /// `dataWithContentsOfURL:options:error:`  All of a file. nil, and an error of `NSCocoaErrorDomain`

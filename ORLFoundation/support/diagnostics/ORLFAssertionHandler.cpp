@@ -2,7 +2,7 @@
 
 #include <ORLFoundation/platform/alert/NSAlert.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaults.h>
-#include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
+#include <ORLFoundation/platform/dispatch/NSMainQueue.h>
 #include <ORLFoundation/platform/dispatch/NSThread.h>
 #include <ORLFoundation/platform/log/NSLog.h>
 #include <ORLFoundation/platform/object/NSArray.h>
@@ -96,9 +96,8 @@ void ORLFAssertionHandler::handleFailureInFunction(std::string_view function, st
   logCalls(NSThread::callStackSymbols());
   if (IsDebugging()) return ORLFCurrentProcessDoor()->trap();
   const std::shared_ptr<NSError> error = errorWithAssertion(message, context);
-  const bool shown = NSPerformOnMainThread([&] { presentModalAlert(*error); }, true);
-  // A main loop that has ended shows nothing any more.
-  if (!shown) presentModalAlert(*error);
+  // A main thread that nobody serves shows nothing: the failure is then told in place.
+  if (!NSTryOnMainThread([&] { presentModalAlert(*error); })) presentModalAlert(*error);
 }
 
 std::shared_ptr<NSAssertionHandler> customHandler() {

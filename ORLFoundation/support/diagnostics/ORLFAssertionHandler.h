@@ -41,8 +41,9 @@ class ORLFAssertionHandler : public NSAssertionHandler {
 
   /// `handleFailureInMethod:object:file:lineNumber:description:`  Logs the failure with its place,
   /// "[A run] at y.m:7", and the calls that led to it, all but the first two. Then a debugger stops
-  /// here; without one the alert is shown on the main thread while this thread waits. When it
-  /// returns, the code that failed goes on.
+  /// here; without one the alert is shown on the main thread while this thread waits, or on this
+  /// one where nobody serves the main thread (`NSTryOnMainThread`). When it returns, the code that
+  /// failed goes on.
   void handleFailureInMethod(const NSMethodFailure& failure) override;
   /// `handleFailureInFunction:file:lineNumber:description:`  The same with the place "run at
   /// y.m:7".

@@ -4,7 +4,8 @@
 #include <ORLFoundation/platform/alert/NSAlertPresenter.h>
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaults.h>
-#include <ORLFoundation/platform/dispatch/NSMainThreadExecutor.h>
+#include <ORLFoundation/platform/dispatch/NSMainQueue.h>
+#include <ORLFoundation/platform/dispatch/NSMainQueue_testing.h>
 #include <ORLFoundation/platform/dispatch/NSThread.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/object/NSArray.h>
@@ -14,6 +15,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <string>
 #include <thread>
 
@@ -181,24 +183,25 @@ class MainThreadHandler final : public ORLFAssertionHandler {
 TEST_F(ORLFAssertionHandlerTest, PresentsOnTheMainThreadWhileTheFailingThreadWaits) {
   use(kNotTraced, {kContinue});
   const auto handler = std::make_shared<MainThreadHandler>();
+  pumpMainQueue(0);  // From here on the main thread counts as served.
+  std::thread failing([&] {
+    handler->handleFailureInMethod(failureOfA());
+    EXPECT_THAT(door_->calls(), ElementsAre("trap"));
+  });
+  EXPECT_TRUE(pumpMainQueue(10));
+  failing.join();
+  EXPECT_TRUE(handler->presentedOnMain);
+}
+
+TEST_F(ORLFAssertionHandlerTest, PresentsInPlaceWhereNobodyServesTheMainThread) {
+  use(kNotTraced, {kContinue});
+  const auto handler = std::make_shared<MainThreadHandler>();
+  const orlftest::MainThreadPatience impatient(std::chrono::milliseconds(10));
   std::thread([&] {
     handler->handleFailureInMethod(failureOfA());
     EXPECT_THAT(door_->calls(), ElementsAre("trap"));
   }).join();
-  EXPECT_TRUE(handler->presentedOnMain);
-}
-
-class EndedLoop final : public NSMainThreadExecutor {
- public:
-  [[nodiscard]] bool isMainThread() const override { return false; }
-  void execute(std::function<void()>) override {}
-};
-
-TEST_F(ORLFAssertionHandlerTest, PresentsInPlaceWhereTheMainLoopHasEnded) {
-  use(kNotTraced, {kContinue});
-  const Replaced ended(NSSetMainThreadExecutor, std::make_shared<EndedLoop>());
-  handler_->handleFailureInMethod(failureOfA());
-  EXPECT_THAT(door_->calls(), ElementsAre("trap"));
+  EXPECT_FALSE(handler->presentedOnMain);
 }
 
 /// Meets another failure while it presents the first.
@@ -222,6 +225,7 @@ TEST_F(ORLFAssertionHandlerTest, AFailureDuringAnAlertNests) {
 
 TEST_F(ORLFAssertionHandlerTest, FailuresOfManyThreadsAreAllShown) {
   use(kNotTraced, {});
+  const orlftest::MainThreadPatience impatient(std::chrono::milliseconds(10));
   std::vector<std::thread> threads;
   for (int t = 0; t < 4; ++t)
     threads.emplace_back([&] {

@@ -150,8 +150,8 @@ Finding AmountColumns::sign(const std::set<std::size_t>& balances) const {
 
 BalanceSearch::BalanceSearch(std::vector<std::size_t> columns, DecimalMark mark)
     : columns_(std::move(columns)), mark_(mark) {
-  constexpr std::size_t kMostColumns = 32;
-  if (columns_.size() > kMostColumns) columns_.clear();
+  constexpr std::size_t kMostBalances = 32;
+  if (columns_.size() > kMostBalances) columns_.clear();
   steps_.resize(columns_.size() * columns_.size());
 }
 

@@ -13,7 +13,7 @@ using namespace ORLFoundation;
 
 namespace {
 
-constexpr std::size_t kMostColumns = 1000;
+constexpr std::size_t kMostColumnsJudged = 1000;
 
 }  // namespace
 
@@ -22,7 +22,7 @@ void CsvText::forEachRow(char separator, const ORLFTabularRowBlock& block) const
   const auto source = [&input](std::span<char> buffer) { return input.read(buffer); };
   const auto taken = [&block](const ORLFTabularRow& row, bool& stop) {
     ORLFTabularRow judged = row;
-    judged.fields = row.fields.first(std::min(row.fields.size(), kMostColumns));
+    judged.fields = row.fields.first(std::min(row.fields.size(), kMostColumnsJudged));
     block(judged, stop);
   };
   std::shared_ptr<const NSError> error;

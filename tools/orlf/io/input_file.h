@@ -1,4 +1,4 @@
-/// Files that the tool reads whole.
+/// Files that the tool reads.
 #pragma once
 
 #include <string>

@@ -1,0 +1,44 @@
+/// The thread that minds what belongs to no queue's own threads: delayed items, descriptors of
+/// sources, and pools whose threads are all busy. It runs only while there is something to mind.
+#pragma once
+
+#include <ORLFoundation/platform/dispatch/internal/Loop.h>
+
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace ORLFoundation::internal::dispatch {
+
+class WorkerPool;
+
+class Keeper {
+ public:
+  /// Never destroyed.
+  [[nodiscard]] static Keeper& shared();
+
+  /// Runs the call at an instant of the clock in use. It is to be short: it holds up all others.
+  void schedule(const std::shared_ptr<TimedCall>& call, std::int64_t due);
+  void watch(const std::shared_ptr<Watch>& watch);
+  void unwatch(const std::shared_ptr<Watch>& watch);
+  /// Looks after a pool until no work waits in it.
+  void lookAfter(WorkerPool& pool);
+  /// Whether the thread is there.
+  [[nodiscard]] bool isRunning() const;
+  void stop();
+
+ private:
+  Keeper() = default;
+  void start();
+  void serve();
+  [[nodiscard]] bool lookAfterPools();
+  [[nodiscard]] bool mayEnd();
+
+  mutable std::mutex lock_;
+  bool isRunning_ = false;
+  bool isStopped_ = false;
+  std::vector<WorkerPool*> pools_;
+  Loop loop_;
+};
+
+}  // namespace ORLFoundation::internal::dispatch

@@ -1,0 +1,52 @@
+#include <ORLFoundation/platform/events/EventDescriptor.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstddef>
+#include <string_view>
+
+namespace ORLFoundation::internal::events {
+namespace {
+
+// What the kernel writes behind the path of a name that is gone; a name may end so too.
+constexpr std::string_view kGone = " (deleted)";
+
+std::string linkOfDescriptor(int descriptor) {
+  const std::string link = "/proc/self/fd/" + std::to_string(descriptor);
+  std::array<char, PATH_MAX> text{};
+  const ssize_t length = ::readlink(link.c_str(), text.data(), text.size());
+  return length <= 0 ? std::string() : std::string(text.data(), static_cast<std::size_t>(length));
+}
+
+bool leadsTo(const std::string& path, const struct stat& file) {
+  struct stat found {};
+  return ::lstat(path.c_str(), &found) == 0 && found.st_dev == file.st_dev &&
+         found.st_ino == file.st_ino;
+}
+
+}  // namespace
+
+int openForEvents(const std::string& path) {
+  if (path.find('\0') == std::string::npos) return ::open(path.c_str(), O_PATH | O_CLOEXEC);
+  errno = ENOENT;
+  return -1;
+}
+
+std::optional<std::string> pathOfDescriptor(int descriptor) {
+  struct stat file {};
+  if (::fstat(descriptor, &file) != 0) return std::nullopt;
+  std::string path = linkOfDescriptor(descriptor);
+  if (path.empty() || path.front() != '/') return std::nullopt;
+  if (leadsTo(path, file)) return path;
+  // A name that was taken away and given again is a new one to the kernel.
+  if (!std::string_view(path).ends_with(kGone)) return std::nullopt;
+  path.resize(path.size() - kGone.size());
+  return leadsTo(path, file) ? std::optional(path) : std::nullopt;
+}
+
+}  // namespace ORLFoundation::internal::events

@@ -1,0 +1,110 @@
+#include <ORLFoundation/platform/events/KernelEvents.h>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/inotify.h>
+#include <unistd.h>
+
+#include <array>
+#include <climits>
+#include <cstddef>
+#include <cstring>
+#include <fstream>
+#include <limits>
+
+namespace ORLFoundation::internal::events {
+namespace {
+
+constexpr std::size_t kBytesAtATime = std::size_t{1} << 16;
+constexpr std::size_t kLongestEvent = sizeof(inotify_event) + NAME_MAX + 1;
+constexpr int kMostReads = 64;
+
+class Inotify final : public KernelQueue {
+ public:
+  explicit Inotify(int descriptor) : descriptor_(descriptor) {}
+  ~Inotify() override { ::close(descriptor_); }
+  Inotify(const Inotify&) = delete;
+  Inotify& operator=(const Inotify&) = delete;
+
+  [[nodiscard]] int descriptor() const override { return descriptor_; }
+  [[nodiscard]] int add(const std::string& path, std::uint32_t mask) override {
+    return ::inotify_add_watch(descriptor_, path.c_str(), mask | IN_MASK_ADD);
+  }
+  void set(const std::string& path, std::uint32_t mask) override {
+    static_cast<void>(::inotify_add_watch(descriptor_, path.c_str(), mask));
+  }
+  void remove(int watch) override { static_cast<void>(::inotify_rm_watch(descriptor_, watch)); }
+
+  [[nodiscard]] std::vector<KernelEvent> read() override {
+    std::vector<KernelEvent> events;
+    // A writer that never pauses is left for the next call.
+    for (int times = 0; times < kMostReads && readSome(events); ++times) {
+    }
+    return events;
+  }
+
+ private:
+  /// Answers whether more may wait.
+  [[nodiscard]] bool readSome(std::vector<KernelEvent>& events) const {
+    alignas(inotify_event) std::array<char, kBytesAtATime> bytes;  // NOLINT: filled by the kernel
+    const ssize_t count = ::read(descriptor_, bytes.data(), bytes.size());
+    if (count <= 0) return false;
+    const auto end = static_cast<std::size_t>(count);
+    for (std::size_t at = 0; at < end;) {
+      inotify_event event{};
+      std::memcpy(&event, bytes.data() + at, sizeof event);
+      events.push_back({event.wd, event.mask, event.len > 0});
+      at += sizeof event + event.len;
+    }
+    return end + kLongestEvent > bytes.size();
+  }
+
+  int descriptor_;
+};
+
+/// Lines of "36 35 98:0 /root /place ...", the mount's number first. The kernel tells each open
+/// file of a change once: one is for who waits and one for who asks.
+class ProcessMounts final : public MountTable {
+ public:
+  [[nodiscard]] int descriptor() const override { return waitedFor_.number; }
+  [[nodiscard]] bool hasChanged() override {
+    pollfd table{asked_.number, POLLPRI, 0};
+    return ::poll(&table, 1, 0) > 0 && (table.revents & POLLPRI) != 0;
+  }
+  [[nodiscard]] std::set<std::uint64_t> mounts() override {
+    std::set<std::uint64_t> numbers;
+    std::ifstream lines(kMounts);
+    for (std::uint64_t number = 0; lines >> number;) {
+      numbers.insert(number);
+      lines.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+    }
+    return numbers;
+  }
+
+ private:
+  static constexpr const char* kMounts = "/proc/self/mountinfo";
+
+  struct File {
+    File() : number(::open(kMounts, O_RDONLY | O_CLOEXEC)) {}
+    ~File() {
+      if (number >= 0) ::close(number);
+    }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+    const int number;
+  };
+
+  File waitedFor_;
+  File asked_;
+};
+
+}  // namespace
+
+std::unique_ptr<KernelQueue> KernelQueue::make() {
+  const int descriptor = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+  return descriptor < 0 ? nullptr : std::make_unique<Inotify>(descriptor);
+}
+
+std::unique_ptr<MountTable> MountTable::make() { return std::make_unique<ProcessMounts>(); }
+
+}  // namespace ORLFoundation::internal::events

@@ -1,0 +1,54 @@
+/// Where the events of watched files come from: the kernel's one queue for the whole process and
+/// its table of mounts. Tests put others in their place.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace ORLFoundation::internal::events {
+
+struct KernelEvent {
+  int watch = -1;
+  std::uint32_t mask = 0;
+  /// Whether it tells of a name in the watched folder rather than of what is watched.
+  bool isOfName = false;
+};
+
+class KernelQueue {
+ public:
+  virtual ~KernelQueue() = default;
+
+  /// Readable while events wait; -1 for a queue that must be asked.
+  [[nodiscard]] virtual int descriptor() const = 0;
+  /// Watches what a path leads to for the events of inotify's mask, beside those that it is watched
+  /// for already; the same number for each path to it. -1, with errno, where that cannot be.
+  [[nodiscard]] virtual int add(const std::string& path, std::uint32_t mask) = 0;
+  /// The same for these events and no others.
+  virtual void set(const std::string& path, std::uint32_t mask) = 0;
+  virtual void remove(int watch) = 0;
+  /// The events that wait, in their order, without waiting; at most some thousands.
+  [[nodiscard]] virtual std::vector<KernelEvent> read() = 0;
+
+  /// nullptr, with errno, where the kernel gives no queue.
+  [[nodiscard]] static std::unique_ptr<KernelQueue> make();
+};
+
+class MountTable {
+ public:
+  virtual ~MountTable() = default;
+
+  /// Its state changes (POLLPRI) when the table does; -1 for a table that must be asked.
+  [[nodiscard]] virtual int descriptor() const = 0;
+  /// Whether the table has changed since the last call.
+  [[nodiscard]] virtual bool hasChanged() = 0;
+  /// The numbers of all mounts.
+  [[nodiscard]] virtual std::set<std::uint64_t> mounts() = 0;
+
+  /// Of the process, or of nothing where there is no /proc.
+  [[nodiscard]] static std::unique_ptr<MountTable> make();
+};
+
+}  // namespace ORLFoundation::internal::events

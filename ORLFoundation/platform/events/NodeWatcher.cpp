@@ -1,0 +1,237 @@
+#include <ORLFoundation/platform/events/NodeWatcher.h>
+
+#include <ORLFoundation/platform/events/EventDescriptor.h>
+#include <ORLFoundation/platform/events/internal/NodeState.h>
+#include <ORLFoundation/platform/events/internal/NodeUser.h>
+#include <poll.h>
+#include <sys/inotify.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace ORLFoundation::internal::events {
+namespace {
+
+/// What a name in a folder tells of the folder.
+constexpr std::uint32_t kNamesCameOrWent = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
+
+/// Starts a thread that takes no signals, as the host's handlers are not to run there.
+void startThread(NodeWatcher& watcher) {
+  sigset_t all;
+  sigset_t before;
+  sigfillset(&all);
+  pthread_sigmask(SIG_SETMASK, &all, &before);
+  try {
+    std::thread([&watcher] {
+      while (true) {
+        watcher.wait();
+        watcher.pump();
+      }
+    }).detach();
+  } catch (...) {
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    throw;
+  }
+  pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+}  // namespace
+
+NodeWatch::~NodeWatch() { watcher_.end(user_); }
+
+NodeWatcher* NodeWatcher::shared() {
+  static std::mutex lock;
+  static NodeWatcher* watcher = nullptr;  // its thread never ends
+  const std::lock_guard guard(lock);
+  if (watcher != nullptr) return watcher;
+  auto queue = KernelQueue::make();
+  if (queue == nullptr) return nullptr;
+  auto made = std::make_unique<NodeWatcher>(std::move(queue), MountTable::make());
+  try {
+    startThread(*made);
+  } catch (const std::system_error& error) {
+    errno = error.code().value();
+    return nullptr;
+  }
+  return watcher = made.release();
+}
+
+NodeWatcher::NodeWatcher(std::unique_ptr<KernelQueue> queue, std::unique_ptr<MountTable> mounts)
+    : queue_(std::move(queue)), mountTable_(std::move(mounts)) {}
+
+NodeWatcher::~NodeWatcher() = default;
+
+std::unique_ptr<NodeWatch> NodeWatcher::watch(NodeRequest request) {
+  const auto user = std::make_shared<NodeUser>(std::move(request));
+  const auto state = stateOfDescriptor(user->request.descriptor);
+  if (!state) return nullptr;
+  user->state = *state;
+
+  const std::lock_guard reporting(reportLock_);
+  Touched touched;
+  {
+    const std::lock_guard guarding(lock_);
+    touched = collect();  // what happened before is not the new user's
+    if (!add(user, user->handle())) {
+      const int error = errno;
+      report(touched);
+      errno = error;
+      return nullptr;
+    }
+    if (user->state.isFolder()) guard(user);
+    noteStart(*user);
+    if (user->due != 0) touched.push_back(user);
+  }
+  report(touched);
+  return std::make_unique<NodeWatch>(*this, user);
+}
+
+void NodeWatcher::pump() {
+  const std::lock_guard reporting(reportLock_);
+  Touched touched;
+  {
+    const std::lock_guard guarding(lock_);
+    touched = collect();
+  }
+  report(touched);
+}
+
+void NodeWatcher::wait() const {
+  std::array<pollfd, 2> sources{
+      {{queue_->descriptor(), POLLIN, 0}, {mountTable_->descriptor(), POLLPRI, 0}}};
+  static_cast<void>(::poll(sources.data(), sources.size(), -1));
+}
+
+std::size_t NodeWatcher::nodes() const {
+  const std::lock_guard guarding(lock_);
+  return nodes_.size();
+}
+
+void NodeWatcher::end(const std::shared_ptr<NodeUser>& user) {
+  user->isEnded = true;
+  const std::lock_guard guarding(lock_);
+  if (user->guard) remove(user->guard);
+  remove(user);
+}
+
+void NodeWatcher::report(const Touched& touched) {
+  for (const auto& user : touched) {
+    const std::uint64_t flags = std::exchange(user->due, 0);
+    if (flags != 0 && !user->isEnded) user->request.report(flags);
+  }
+}
+
+NodeWatcher::Touched NodeWatcher::collect() {
+  Touched touched;
+  for (const KernelEvent& event : queue_->read()) take(event, touched);
+  takeMounts(touched);
+  for (const auto& user : touched) {
+    if ((user->events & IN_MOVE_SELF) != 0 && user->guard) guard(user);
+    user->due |= user->flagsSinceLook();
+  }
+  return touched;
+}
+
+void NodeWatcher::take(const KernelEvent& event, Touched& touched) {
+  if ((event.mask & IN_Q_OVERFLOW) != 0) return takeLostEvents(touched);
+  const auto node = nodes_.find(event.watch);
+  if (node == nodes_.end()) return;
+  if ((event.mask & IN_IGNORED) != 0) {
+    for (const auto& user : node->second) user->watch = -1;
+    nodes_.erase(node);
+    return;
+  }
+  // What befalls the files in a folder is theirs.
+  const std::uint32_t mask =
+      event.isOfName ? event.mask & (kNamesCameOrWent | IN_ISDIR) : event.mask;
+  if ((mask & ~std::uint32_t{IN_ISDIR}) == 0) return;
+  constexpr std::uint32_t kFolderWent = IN_DELETE | IN_ISDIR;
+  for (const auto& user : node->second) {
+    if (!user->isGuard())
+      touch(user, mask, touched);
+    else if ((mask & kFolderWent) == kFolderWent)
+      if (const auto folder = user->guarded.lock()) touch(folder, 0, touched);
+  }
+}
+
+void NodeWatcher::touch(const std::shared_ptr<NodeUser>& user, std::uint32_t mask,
+                        Touched& touched) {
+  if (!user->isTouched) touched.push_back(user);
+  user->touch(mask);
+}
+
+void NodeWatcher::takeLostEvents(Touched& touched) {
+  for (const auto& [watch, users] : nodes_)
+    for (const auto& user : users) {
+      if (user->isGuard()) continue;
+      touch(user, 0, touched);
+      user->hasLostEvents = true;
+    }
+}
+
+void NodeWatcher::takeMounts(Touched& touched) {
+  if (!mountTable_->hasChanged()) return;
+  mounts_ = mountTable_->mounts();
+  for (const auto& [watch, users] : nodes_)
+    for (const auto& user : users) {
+      if (!user->isMounted || mounts_.contains(user->state.mount)) continue;
+      user->isMounted = false;
+      touch(user, 0, touched);
+      user->noted |= kNodeRevoke;
+    }
+}
+
+bool NodeWatcher::add(const std::shared_ptr<NodeUser>& user, const std::string& path) {
+  user->watch = queue_->add(path, user->mask());
+  if (user->watch < 0) return false;
+  nodes_[user->watch].push_back(user);
+  return true;
+}
+
+void NodeWatcher::guard(const std::shared_ptr<NodeUser>& user) {
+  if (user->guard) remove(std::exchange(user->guard, nullptr));
+  const auto guard = std::make_shared<NodeUser>(NodeRequest{});
+  guard->guarded = user;
+  // Where the folder around is not to be read, the end of this one stays unknown.
+  if (add(guard, user->handle() + "/..")) user->guard = guard;
+}
+
+void NodeWatcher::remove(const std::shared_ptr<NodeUser>& user) {
+  const auto node = nodes_.find(std::exchange(user->watch, -1));
+  if (node == nodes_.end()) return;
+  auto& users = node->second;
+  users.erase(std::remove(users.begin(), users.end(), user), users.end());
+  if (users.empty()) {
+    queue_->remove(node->first);
+    nodes_.erase(node);
+    return;
+  }
+  std::uint32_t mask = 0;
+  const NodeUser* holder = nullptr;
+  for (const auto& other : users) {
+    mask |= other->mask();
+    if (!other->isGuard()) holder = other.get();
+  }
+  if (holder != nullptr) queue_->set(holder->handle(), mask);
+}
+
+void NodeWatcher::noteStart(NodeUser& user) {
+  // Looked at once it is watched: what changes from here on brings an event.
+  if (const auto state = stateOfDescriptor(user.request.descriptor)) user.state = *state;
+  user.name = pathOfDescriptor(user.request.descriptor);
+  if (!mounts_.contains(user.state.mount)) mounts_ = mountTable_->mounts();
+  user.isMounted = mounts_.contains(user.state.mount);
+  if (user.state.links == 0) user.due |= kNodeDelete;
+  if (const auto& path = user.request.openedAt) {
+    const auto found = stateOfPath(*path);
+    if (!found || !found->isSameNode(user.state)) user.due |= kNodeRename;
+  }
+  user.due &= user.request.flags;
+}
+
+}  // namespace ORLFoundation::internal::events

@@ -1,0 +1,88 @@
+#include <ORLFoundation/platform/events/NodeWatcher_testing.h>
+#include <ORLFoundation/platform/events/internal/NodeState.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <tests/support/TemporaryFolder.h>
+
+#include <cstdlib>
+#include <fstream>
+
+namespace ORLFoundation::internal::events {
+namespace {
+
+using orlftest::kAllNodeFlags;
+using orlftest::ScriptedMounts;
+using orlftest::WatchedNode;
+using testing::ExitedWithCode;
+
+class MountedNode : public orlftest::TemporaryFolderTest {
+ protected:
+  MountedNode() {
+    write("a", "text");
+    mount_ = stateOfPath(path("a"))->mount;
+  }
+
+  std::uint64_t mount_ = 0;
+};
+
+TEST_F(MountedNode, IsRevokedOnceWhenItsMountLeavesTheTable) {
+  ASSERT_NE(mount_, 0U);
+  auto* const mounts = new ScriptedMounts({1, mount_});
+  NodeWatcher watcher(KernelQueue::make(), std::unique_ptr<MountTable>(mounts));
+  WatchedNode node(watcher, path("a"));
+  WatchedNode unasked(watcher, path("a"), kNodeWrite);
+  mounts->change({mount_, mount_ + 1});
+  watcher.pump();
+  EXPECT_EQ(node.flags(), 0U) << "another mount went";
+  mounts->change({1});
+  watcher.pump();
+  EXPECT_EQ(node.flags(), kNodeRevoke);
+  EXPECT_EQ(unasked.flags(), 0U);
+  mounts->change({});
+  watcher.pump();
+  EXPECT_EQ(node.flags(), 0U) << "told once";
+}
+
+TEST_F(MountedNode, IsNotRevokedWhereTheTableNeverHadItsMount) {
+  auto* const mounts = new ScriptedMounts({1});
+  NodeWatcher watcher(KernelQueue::make(), std::unique_ptr<MountTable>(mounts));
+  WatchedNode node(watcher, path("a"));
+  mounts->change({2});
+  watcher.pump();
+  EXPECT_EQ(node.flags(), 0U);
+}
+
+TEST_F(MountedNode, StandsInTheTableOfTheProcess) {
+  EXPECT_TRUE(MountTable::make()->mounts().contains(mount_));
+}
+
+/// Ends the process with 0 when a real mount's end was told as it should be, with 1 when not, and
+/// with 77 where the machine lets nobody mount.
+[[noreturn]] void runUnderARealMount(const std::string& place) {
+  if (::unshare(CLONE_NEWNS) != 0 && ::unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) std::_Exit(77);
+  if (::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) std::_Exit(77);
+  if (::mount("none", place.c_str(), "tmpfs", 0, nullptr) != 0) std::_Exit(77);
+  std::ofstream(place + "/a") << "text";
+  NodeWatcher watcher(KernelQueue::make(), MountTable::make());
+  WatchedNode node(watcher, place + "/a");
+  WatchedNode around(watcher, place + "/..");
+  const bool isHindered = ::umount2(place.c_str(), 0) != 0 && errno == EBUSY;
+  watcher.pump();
+  const bool isQuiet = node.flags() == 0;
+  if (::umount2(place.c_str(), MNT_DETACH) != 0) std::_Exit(1);
+  watcher.wait();
+  watcher.pump();
+  const bool isTold = node.flags() == kNodeRevoke && around.flags() == 0;
+  std::_Exit(isHindered && isQuiet && isTold ? 0 : 1);
+}
+
+TEST_F(MountedNode, IsRevokedByARealUnmounting) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto hasEndedWell = [](int status) {
+    return ExitedWithCode(0)(status) || ExitedWithCode(77)(status);
+  };
+  EXPECT_EXIT(runUnderARealMount(folder_), hasEndedWell, "");
+}
+
+}  // namespace
+}  // namespace ORLFoundation::internal::events

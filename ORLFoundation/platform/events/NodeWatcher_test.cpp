@@ -1,0 +1,345 @@
+#include <ORLFoundation/platform/events/NodeWatcher.h>
+
+#include <ORLFoundation/platform/events/NodeWatcher_testing.h>
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <tests/support/TemporaryFolder.h>
+
+#include <array>
+#include <cerrno>
+#include <deque>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <random>
+
+namespace ORLFoundation::internal::events {
+namespace {
+
+namespace fs = std::filesystem;
+using orlftest::kAllNodeFlags;
+using orlftest::WatchedNode;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+void append(const std::string& path, const std::string& text = "more") {
+  std::ofstream(path, std::ios::app) << text;
+}
+
+/// A file "a" and an empty folder "d" in a folder, all beneath a fresh one.
+class NodeWatcherTest : public orlftest::TemporaryFolderTest {
+ protected:
+  NodeWatcherTest() {
+    write("a", "text");
+    fs::create_directory(path("d"));
+  }
+  std::uint64_t flagsAfterPump(WatchedNode& node) {
+    watcher_.pump();
+    return node.flags();
+  }
+
+  NodeWatcher watcher_{KernelQueue::make(), MountTable::make()};
+};
+
+struct FlagCase {
+  std::string name;
+  std::function<void(const fs::path& folder)> act;
+  std::uint64_t file;    // the flags of the file "a"
+  std::uint64_t folder;  // the flags of the folder that holds it
+};
+
+const FlagCase kFlagCases[] = {
+    {"Append", [](const fs::path& at) { append(at / "a"); }, kNodeWrite | kNodeExtend, 0},
+    {"Overwrite",
+     [](const fs::path& at) { std::fstream(at / "a", std::ios::in | std::ios::out) << "T"; },
+     kNodeWrite, 0},
+    {"Truncate", [](const fs::path& at) { fs::resize_file(at / "a", 1); }, kNodeWrite, 0},
+    {"TruncateToItsSize", [](const fs::path& at) { std::ofstream(at / "a", std::ios::trunc); },
+     kNodeWrite, 0},
+    {"Read",
+     [](const fs::path& at) {
+       std::string text;
+       std::ifstream(at / "a") >> text;
+       EXPECT_EQ(text, "text");
+     },
+     0, 0},
+    {"Rights", [](const fs::path& at) { fs::permissions(at / "a", fs::perms::owner_read); },
+     kNodeAttribute, 0},
+    {"Times",
+     [](const fs::path& at) {
+       const std::array<timespec, 2> times{{{1, 0}, {1, 0}}};
+       ASSERT_EQ(::utimensat(AT_FDCWD, (at / "a").c_str(), times.data(), 0), 0);
+     },
+     kNodeAttribute, 0},
+    // To the kernel the time of writing alone is set by writing.
+    {"TimeOfWriting",
+     [](const fs::path& at) {
+       fs::last_write_time(at / "a", fs::file_time_type::clock::now() - std::chrono::hours(1));
+     },
+     kNodeWrite, 0},
+    {"ExtendedAttribute",
+     [](const fs::path& at) {
+       ASSERT_EQ(::setxattr((at / "a").c_str(), "user.mark", "1", 1, 0), 0);
+     },
+     kNodeAttribute, 0},
+    {"SecondName", [](const fs::path& at) { fs::create_hard_link(at / "a", at / "b"); }, kNodeLink,
+     kNodeWrite},
+    {"RightsAndSecondName",
+     [](const fs::path& at) {
+       fs::permissions(at / "a", fs::perms::owner_read);
+       fs::create_hard_link(at / "a", at / "b");
+     },
+     kNodeLink | kNodeAttribute, kNodeWrite},
+    {"Rename", [](const fs::path& at) { fs::rename(at / "a", at / "b"); }, kNodeRename, kNodeWrite},
+    {"RenameAndBack",
+     [](const fs::path& at) {
+       fs::rename(at / "a", at / "b");
+       fs::rename(at / "b", at / "a");
+     },
+     kNodeRename, kNodeWrite},
+    {"MoveIntoFolder", [](const fs::path& at) { fs::rename(at / "a", at / "d/a"); }, kNodeRename,
+     kNodeWrite},
+    {"Delete", [](const fs::path& at) { fs::remove(at / "a"); }, kNodeDelete | kNodeLink,
+     kNodeWrite},
+    {"AtomicSave",
+     [](const fs::path& at) {
+       append(at / "new");
+       fs::rename(at / "new", at / "a");
+     },
+     kNodeDelete | kNodeLink, kNodeWrite},
+    {"Exchange",
+     [](const fs::path& at) {
+       append(at / "new");
+       ASSERT_EQ(::renameat2(AT_FDCWD, (at / "a").c_str(), AT_FDCWD, (at / "new").c_str(),
+                             RENAME_EXCHANGE),
+                 0);
+     },
+     kNodeRename, kNodeWrite},
+    {"WriteThenDelete",
+     [](const fs::path& at) {
+       fs::resize_file(at / "a", 2);
+       fs::remove(at / "a");
+     },
+     kNodeWrite | kNodeDelete | kNodeLink, kNodeWrite},
+    {"OtherFile", [](const fs::path& at) { append(at / "other"); }, 0, kNodeWrite},
+    {"FolderAround",
+     [](const fs::path& at) {
+       fs::rename(at, at.string() + "x");
+       fs::rename(at.string() + "x", at);
+     },
+     0, kNodeRename},
+    {"SubfolderIsMade", [](const fs::path& at) { fs::create_directory(at / "e"); }, 0,
+     kNodeWrite | kNodeLink},
+};
+
+class NodeFlags : public NodeWatcherTest, public testing::WithParamInterface<FlagCase> {};
+
+TEST_P(NodeFlags, TellTheFileAndTheFolderThatHoldsIt) {
+  WatchedNode file(watcher_, path("a"));
+  WatchedNode folder(watcher_, folder_);
+  GetParam().act(folder_);
+  EXPECT_EQ(flagsAfterPump(file), GetParam().file);
+  // Whether a folder grows by a name is the file system's matter.
+  EXPECT_EQ(folder.flags() & ~std::uint64_t{kNodeExtend}, GetParam().folder);
+  EXPECT_EQ(flagsAfterPump(file), 0U) << "told once";
+}
+
+INSTANTIATE_TEST_SUITE_P(Acts, NodeFlags, testing::ValuesIn(kFlagCases),
+                         [](const auto& row) { return row.param.name; });
+
+TEST_F(NodeWatcherTest, TellsWhatIsAskedAndNoMore) {
+  for (std::uint64_t asked = 0; asked <= kAllNodeFlags; ++asked) {
+    write("each", "text");
+    WatchedNode node(watcher_, path("each"), asked);
+    append(path("each"));
+    fs::permissions(path("each"), fs::perms::owner_all);
+    fs::create_hard_link(path("each"), path("other"));
+    fs::rename(path("each"), path("moved"));
+    fs::remove(path("other"));
+    fs::remove(path("moved"));
+    EXPECT_EQ(flagsAfterPump(node), asked & ~std::uint64_t{kNodeRevoke}) << asked;
+  }
+}
+
+TEST_F(NodeWatcherTest, JoinsWhatCameTogether) {
+  WatchedNode node(watcher_, path("a"));
+  append(path("a"));
+  fs::rename(path("a"), path("b"));
+  watcher_.pump();
+  append(path("b"));
+  watcher_.pump();
+  watcher_.pump();
+  EXPECT_THAT(node.words(),
+              ElementsAre(kNodeWrite | kNodeExtend | kNodeRename, kNodeWrite | kNodeExtend));
+}
+
+TEST_F(NodeWatcherTest, GivesEachUserOfAFileItsOwnFlagsAndOutlivesTheOthers) {
+  fs::create_hard_link(path("a"), path("b"));
+  WatchedNode writes(watcher_, path("a"), kNodeWrite);
+  WatchedNode rights(watcher_, path("b"), kNodeAttribute);
+  WatchedNode both(watcher_, path("a"), kNodeWrite | kNodeAttribute);
+  EXPECT_EQ(watcher_.nodes(), 1U);
+  const auto change = [&] {
+    append(path("a"));
+    fs::permissions(path("a"), fs::perms::owner_write, fs::perm_options::replace);
+    fs::permissions(path("a"), fs::perms::owner_all, fs::perm_options::replace);
+    watcher_.pump();
+  };
+  change();
+  EXPECT_EQ(writes.flags(), kNodeWrite);
+  EXPECT_EQ(rights.flags(), kNodeAttribute);
+  EXPECT_EQ(both.flags(), kNodeWrite | kNodeAttribute);
+  writes.stop();
+  change();
+  EXPECT_THAT(writes.words(), IsEmpty());
+  EXPECT_EQ(rights.flags(), kNodeAttribute);
+  EXPECT_EQ(both.flags(), kNodeWrite | kNodeAttribute);
+  both.stop();
+  change();
+  EXPECT_EQ(rights.flags(), kNodeAttribute);
+  EXPECT_THAT(both.words(), IsEmpty());
+  rights.stop();
+  EXPECT_EQ(watcher_.nodes(), 0U);
+}
+
+TEST_F(NodeWatcherTest, TellsOfTwoNamesEachOfItsOwn) {
+  fs::create_hard_link(path("a"), path("b"));
+  WatchedNode first(watcher_, path("a"));
+  WatchedNode second(watcher_, path("b"));
+  fs::rename(path("a"), path("c"));
+  EXPECT_EQ(flagsAfterPump(first), kNodeRename);
+  EXPECT_EQ(second.flags(), 0U);
+  fs::remove(path("b"));
+  EXPECT_EQ(flagsAfterPump(second), kNodeDelete | kNodeLink);
+  EXPECT_EQ(first.flags(), kNodeLink);
+  fs::remove(path("c"));
+  EXPECT_EQ(flagsAfterPump(first), kNodeDelete | kNodeLink);
+}
+
+TEST_F(NodeWatcherTest, TellsOfTheEndOfAFolder) {
+  fs::create_directory(path("e"));
+  WatchedNode folder(watcher_, path("d"));
+  WatchedNode other(watcher_, path("e"));
+  WatchedNode around(watcher_, folder_, kNodeRename);
+  append(path("d/x"));
+  EXPECT_EQ(flagsAfterPump(folder) & ~std::uint64_t{kNodeExtend}, kNodeWrite);
+  fs::rename(path("d"), path("e/d"));
+  EXPECT_EQ(flagsAfterPump(folder), kNodeRename);
+  EXPECT_NE(other.flags() & kNodeWrite, 0U);
+  fs::remove(path("e/d/x"));
+  fs::remove(path("e/d"));
+  EXPECT_EQ(flagsAfterPump(folder) & (kNodeDelete | kNodeWrite), kNodeDelete | kNodeWrite);
+  EXPECT_EQ(other.flags() & (kNodeDelete | kNodeWrite), kNodeWrite);
+  EXPECT_THAT(around.words(), IsEmpty()) << "guards are nobody else's matter";
+}
+
+TEST_F(NodeWatcherTest, TellsOfAFolderThatIsReplaced) {
+  WatchedNode folder(watcher_, path("d"));
+  fs::create_directory(path("e"));
+  fs::rename(path("e"), path("d"));
+  EXPECT_EQ(flagsAfterPump(folder) & kNodeDelete, kNodeDelete);
+  folder.stop();
+  EXPECT_EQ(watcher_.nodes(), 0U) << "the guard went with it";
+}
+
+TEST_F(NodeWatcherTest, NeverTellsAFolderOfWritesInsideItsFiles) {
+  WatchedNode folder(watcher_, folder_, kAllNodeFlags);
+  append(path("a"));
+  fs::permissions(path("a"), fs::perms::owner_read);
+  fs::create_directory(path("d/inner"));
+  EXPECT_EQ(flagsAfterPump(folder), 0U);
+}
+
+TEST_F(NodeWatcherTest, TellsALateUserNothingOfBefore) {
+  WatchedNode early(watcher_, path("a"));
+  append(path("a"));
+  WatchedNode late(watcher_, path("a"));
+  EXPECT_EQ(early.flags(), kNodeWrite | kNodeExtend) << "what waited was reported";
+  EXPECT_EQ(flagsAfterPump(late), 0U);
+}
+
+TEST_F(NodeWatcherTest, TellsAtOnceOfWhatEndedBeforeItBegan) {
+  const int deleted = openForEvents(path("a"));
+  fs::remove(path("a"));
+  WatchedNode gone(watcher_, deleted, kAllNodeFlags, std::nullopt);
+  EXPECT_THAT(gone.words(), ElementsAre(kNodeDelete));
+
+  const int moved = openForEvents(write("b", ""));
+  fs::rename(path("b"), path("c"));
+  WatchedNode elsewhere(watcher_, moved, kAllNodeFlags, path("b"));
+  EXPECT_THAT(elsewhere.words(), ElementsAre(kNodeRename));
+  WatchedNode unasked(watcher_, openForEvents(path("c")), kNodeWrite, path("b"));
+  EXPECT_THAT(unasked.words(), IsEmpty());
+  write("b", "another");
+  WatchedNode replaced(watcher_, openForEvents(path("c")), kAllNodeFlags, path("b"));
+  EXPECT_THAT(replaced.words(), ElementsAre(kNodeRename));
+  WatchedNode inPlace(watcher_, path("c"), kAllNodeFlags, true);
+  EXPECT_THAT(inPlace.words(), IsEmpty());
+}
+
+TEST_F(NodeWatcherTest, RefusesWhatCannotBeWatched) {
+  const auto errorOf = [&](int descriptor) {
+    NodeRequest request;
+    request.descriptor = descriptor;
+    errno = 0;
+    return watcher_.watch(std::move(request)) == nullptr ? errno : 0;
+  };
+  EXPECT_EQ(errorOf(-1), EBADF);
+  EXPECT_EQ(errorOf(1'000'000), EBADF);
+  EXPECT_EQ(watcher_.nodes(), 0U);
+}
+
+TEST_F(NodeWatcherTest, WatchesAFileThroughALinkAndTheRoot) {
+  fs::create_symlink(path("a"), path("link"));
+  WatchedNode node(watcher_, path("link"));
+  WatchedNode root(watcher_, "/");
+  append(path("a"));
+  EXPECT_EQ(flagsAfterPump(node), kNodeWrite | kNodeExtend);
+  fs::remove(path("link"));
+  EXPECT_EQ(flagsAfterPump(node), 0U) << "the link is another file";
+}
+
+TEST_F(NodeWatcherTest, TellsWhenWritersHaveFinished) {
+  WatchedNode node(watcher_, path("a"), kNodeWrite | kNodeSettled);
+  std::ofstream first(path("a"), std::ios::app);
+  std::ofstream second(path("a"), std::ios::app);
+  first << "1" << std::flush;
+  second << "2" << std::flush;
+  EXPECT_EQ(flagsAfterPump(node), kNodeWrite);
+  first.close();
+  EXPECT_EQ(flagsAfterPump(node), kNodeSettled);
+  second.close();
+  EXPECT_EQ(flagsAfterPump(node), kNodeSettled);
+  std::ofstream(path("a"), std::ios::app).close();
+  std::ifstream(path("a")).close();
+  EXPECT_EQ(flagsAfterPump(node), 0U) << "nobody wrote";
+  append(path("a"));
+  EXPECT_EQ(flagsAfterPump(node), kNodeWrite | kNodeSettled);
+}
+
+/// The watch that is left when its owners come and go in any order tells what its flags ask.
+TEST_F(NodeWatcherTest, KeepsMasksThroughRandomComingAndGoing) {
+  std::mt19937 random(7);
+  std::deque<std::unique_ptr<WatchedNode>> users;
+  std::deque<std::uint64_t> asked;
+  for (int round = 0; round < 500; ++round) {
+    if (users.empty() || random() % 2 == 0) {
+      asked.push_back(random() % 2 == 0 ? kNodeWrite : kNodeAttribute);
+      users.push_back(std::make_unique<WatchedNode>(watcher_, path("a"), asked.back()));
+    } else {
+      const auto at = static_cast<std::ptrdiff_t>(random() % users.size());
+      users.erase(users.begin() + at);
+      asked.erase(asked.begin() + at);
+    }
+    append(path("a"), "x");
+    fs::permissions(path("a"), round % 2 == 0 ? fs::perms::owner_all : fs::perms::owner_read);
+    watcher_.pump();
+    for (std::size_t i = 0; i < users.size(); ++i) ASSERT_EQ(users[i]->flags(), asked[i]) << round;
+    ASSERT_EQ(watcher_.nodes(), users.empty() ? 0U : 1U);
+  }
+}
+
+}  // namespace
+}  // namespace ORLFoundation::internal::events

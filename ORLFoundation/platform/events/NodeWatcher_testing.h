@@ -1,0 +1,110 @@
+/// What tests of watched files share: files held for watching, a watcher that is pumped by hand,
+/// and a kernel and a mount table that play a script.
+#pragma once
+
+#include <ORLFoundation/platform/events/EventDescriptor.h>
+#include <ORLFoundation/platform/events/NodeWatcher.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace orlftest {
+
+namespace events = ORLFoundation::internal::events;
+
+inline constexpr std::uint64_t kAllNodeFlags = 0x7f;
+
+/// A file that is held and watched, and the words that came.
+class WatchedNode {
+ public:
+  WatchedNode(events::NodeWatcher& watcher, const std::string& path,
+              std::uint64_t flags = kAllNodeFlags, bool isOpenedNow = false)
+      : descriptor_(events::openForEvents(path)) {
+    EXPECT_GE(descriptor_, 0) << path;
+    begin(watcher, flags, isOpenedNow ? std::optional(path) : std::nullopt);
+  }
+  /// Takes a descriptor over.
+  WatchedNode(events::NodeWatcher& watcher, int descriptor, std::uint64_t flags,
+              std::optional<std::string> openedAt)
+      : descriptor_(descriptor) {
+    begin(watcher, flags, std::move(openedAt));
+  }
+  ~WatchedNode() {
+    watch_ = nullptr;
+    if (descriptor_ >= 0) ::close(descriptor_);
+  }
+  WatchedNode(const WatchedNode&) = delete;
+  WatchedNode& operator=(const WatchedNode&) = delete;
+
+  [[nodiscard]] int descriptor() const { return descriptor_; }
+  [[nodiscard]] bool isWatched() const { return watch_ != nullptr; }
+  void stop() { watch_ = nullptr; }
+  /// The words since the last call.
+  [[nodiscard]] std::vector<std::uint64_t> words() { return std::exchange(words_, {}); }
+  /// Those words as one.
+  [[nodiscard]] std::uint64_t flags() {
+    std::uint64_t flags = 0;
+    for (const std::uint64_t word : words()) flags |= word;
+    return flags;
+  }
+
+ private:
+  void begin(events::NodeWatcher& watcher, std::uint64_t flags,
+             std::optional<std::string> openedAt) {
+    watch_ = watcher.watch({.descriptor = descriptor_,
+                            .flags = flags,
+                            .openedAt = std::move(openedAt),
+                            .report = [this](std::uint64_t word) { words_.push_back(word); }});
+  }
+
+  int descriptor_;
+  std::vector<std::uint64_t> words_;
+  std::unique_ptr<events::NodeWatch> watch_;
+};
+
+/// The kernel's own queue, which loses what it is told to lose as if it had been too long.
+class LossyQueue final : public events::KernelQueue {
+ public:
+  [[nodiscard]] int descriptor() const override { return queue_->descriptor(); }
+  [[nodiscard]] int add(const std::string& path, std::uint32_t mask) override {
+    return queue_->add(path, mask);
+  }
+  void set(const std::string& path, std::uint32_t mask) override { queue_->set(path, mask); }
+  void remove(int watch) override { queue_->remove(watch); }
+  [[nodiscard]] std::vector<events::KernelEvent> read() override {
+    auto found = queue_->read();
+    if (!std::exchange(losesNext_, false)) return found;
+    constexpr std::uint32_t kOverflow = 0x4000;
+    return {{-1, kOverflow, false}};
+  }
+  void loseNext() { losesNext_ = true; }
+
+ private:
+  const std::unique_ptr<events::KernelQueue> queue_ = events::KernelQueue::make();
+  bool losesNext_ = false;
+};
+
+/// A table of mounts that a test fills.
+class ScriptedMounts final : public events::MountTable {
+ public:
+  explicit ScriptedMounts(std::set<std::uint64_t> mounts) : mounts_(std::move(mounts)) {}
+
+  [[nodiscard]] int descriptor() const override { return -1; }
+  [[nodiscard]] bool hasChanged() override { return std::exchange(hasChanged_, false); }
+  [[nodiscard]] std::set<std::uint64_t> mounts() override { return mounts_; }
+  void change(std::set<std::uint64_t> mounts) {
+    mounts_ = std::move(mounts);
+    hasChanged_ = true;
+  }
+
+ private:
+  std::set<std::uint64_t> mounts_;
+  bool hasChanged_ = false;
+};
+
+}  // namespace orlftest
