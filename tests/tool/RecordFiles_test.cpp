@@ -227,6 +227,8 @@ TEST_F(RecordFiles, RefusesLongAmountsAndOpenMarks) {
   EXPECT_EQ(fault(qif("2023-01-31,1\n2023-01-31,\"2\n", map)),
             "orlf qif: in.csv:2: expected a closing quotation mark, got the end of the file");
   EXPECT_EQ(fault(qif("\n\n", map)), "orlf qif: in.csv: expected rows, got none");
+  EXPECT_EQ(fault(qif("date,amount\n")), "orlf qif: in.csv: expected rows, got headings alone");
+  EXPECT_EQ(fault(qif("a,b\n", map)), "orlf qif: in.csv: expected rows, got headings alone");
 }
 
 TEST_F(RecordFiles, RefusesWordsThatMakeNoSense) {

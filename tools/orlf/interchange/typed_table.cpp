@@ -166,6 +166,7 @@ bool TypedTable::isHeading(const TypedRow& row) const {
 
 void TypedTable::judge() {
   bool isFirst = true;
+  bool hasData = false;
   readRows([&](const TypedRow& row) {
     if (std::exchange(isFirst, false)) {
       if (map_.needsHeadings()) map_.takeHeadings(row.fields_, request_.file);
@@ -174,6 +175,7 @@ void TypedTable::judge() {
         return;
       }
     }
+    hasData = true;
     for (std::size_t field = 0; field < rules_.size(); ++field) {
       const std::string text = rules_[field].type == FieldType::Text ? "" : row.text(field);
       if (text.empty()) continue;
@@ -183,6 +185,7 @@ void TypedTable::judge() {
     }
   });
   if (isFirst) throw JobFailure(request_.file + ": expected rows, got none");
+  if (!hasData) throw JobFailure(request_.file + ": expected rows, got headings alone");
   settle();
 }
 
