@@ -107,7 +107,7 @@ class ActingParser final : public ORLFXMLParser {
   Act act_;
 };
 
-constexpr std::string_view kDocument =
+constexpr std::string_view kActedDocument =
     "<!DOCTYPE r [<!ELEMENT r (b)>]><r> <b>1<c/></b><x>2</x></r>";
 // Every operation that a parse of that document calls; "begin" and "endFragment" of the root.
 const std::string kSteps[] = {"start r",      "whitespace ", "claim b",      "begin ",
@@ -129,7 +129,7 @@ TEST_F(HostileHandlers, AbortInEveryOperation) {
       running.abortParsing();
     });
     std::shared_ptr<const NSError> error;
-    EXPECT_FALSE(parser->parseData(NSData(kDocument), &error)) << step;
+    EXPECT_FALSE(parser->parseData(NSData(kActedDocument), &error)) << step;
     EXPECT_GE(acts, 1) << step;
     ASSERT_NE(error, nullptr) << step;
     EXPECT_EQ(error->code(), NSXMLParserDelegateAbortedParseError) << step;
@@ -140,7 +140,7 @@ TEST_F(HostileHandlers, ThrowInEveryOperation) {
   for (const std::string& step : kSteps) {
     const auto parser = std::make_shared<ActingParser>(
         step, [](ORLFXMLParser&) { throw std::domain_error("from a handler"); });
-    EXPECT_THROW(parser->parseData(NSData(kDocument)), std::domain_error) << step;
+    EXPECT_THROW(parser->parseData(NSData(kActedDocument)), std::domain_error) << step;
     EXPECT_EQ(parser->parser(), nullptr) << step;
     EXPECT_EQ(parser->parserError(), nullptr) << step;
   }
@@ -149,7 +149,7 @@ TEST_F(HostileHandlers, ThrowInEveryOperation) {
 TEST_F(HostileHandlers, LetGoOfTheParserInEveryOperation) {
   for (const std::string& step : kSteps) {
     std::shared_ptr<ORLFXMLParser> parser;
-    auto events = std::make_shared<NSXMLParser>(NSData(kDocument));
+    auto events = std::make_shared<NSXMLParser>(NSData(kActedDocument));
     const std::weak_ptr<NSXMLParser> watched = events;
     std::weak_ptr<ORLFXMLParser> watchedParser;
     parser = std::make_shared<ActingParser>(step, [&](ORLFXMLParser&) {
@@ -171,7 +171,7 @@ TEST_F(HostileHandlers, EmptyTheStackInEveryOperation) {
     });
     std::shared_ptr<const NSError> error;
     // What is left has nobody, and the parser takes what comes as if it stood at the top.
-    EXPECT_TRUE(parser->parseData(NSData(kDocument), &error)) << step;
+    EXPECT_TRUE(parser->parseData(NSData(kActedDocument), &error)) << step;
     EXPECT_EQ(error, nullptr) << step;
     EXPECT_TRUE(parser->fragmentHandlerStack().empty()) << step;
   }
@@ -187,14 +187,14 @@ TEST_F(HostileHandlers, ParseAnotherDocumentMeanwhile) {
       EXPECT_NE(running.parserError(), nullptr) << step;
     });
     // The handlers that the broken one left take part in what comes: any end will do.
-    static_cast<void>(parser->parseData(NSData(kDocument)));
+    static_cast<void>(parser->parseData(NSData(kActedDocument)));
     EXPECT_TRUE(isInnerParsed) << step;
     EXPECT_FALSE(isBrokenParsed) << step;
   }
 }
 
 TEST_F(HostileHandlers, ParseTheSameDocumentMeanwhile) {
-  const auto events = std::make_shared<NSXMLParser>(NSData(kDocument));
+  const auto events = std::make_shared<NSXMLParser>(NSData(kActedDocument));
   bool isInnerParsed = true;
   const auto parser = std::make_shared<ActingParser>(
       "start r", [&](ORLFXMLParser& running) { isInnerParsed = running.parse(events); });
@@ -203,7 +203,7 @@ TEST_F(HostileHandlers, ParseTheSameDocumentMeanwhile) {
 }
 
 TEST_F(HostileHandlers, MayChangeTheFileThatIsRead) {
-  const std::string file = write("r.xml", std::string(kDocument) + std::string(100'000, ' '));
+  const std::string file = write("r.xml", std::string(kActedDocument) + std::string(100'000, ' '));
   const auto parser = std::make_shared<ActingParser>(
       "start r", [&](ORLFXMLParser&) { std::ofstream(file) << "<broken"; });
   EXPECT_TRUE(parser->parseContentsOfURL(NSURL::fileURLWithPath(file)));
