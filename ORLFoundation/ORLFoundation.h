@@ -70,6 +70,7 @@
 #include <ORLFoundation/platform/dispatch/NSTimer.h>
 #include <ORLFoundation/platform/dispatch/dispatch_queue.h>
 #include <ORLFoundation/platform/dispatch/dispatch_semaphore.h>
+#include <ORLFoundation/platform/dispatch/dispatch_source.h>
 #include <ORLFoundation/platform/dispatch/dispatch_time.h>
 #include <ORLFoundation/platform/files/NSDataReading.h>
 #include <ORLFoundation/platform/files/NSDirectoryEnumerator.h>
@@ -160,6 +161,8 @@
 #include <ORLFoundation/platform/xml/NSXMLParserDelegate.h>
 #include <ORLFoundation/platform/xml/NSXMLParserLimits.h>
 #include <ORLFoundation/platform/xml/NSXMLParserLoader.h>
+#include <ORLFoundation/process/definition/ORLFProcessDefinitionCheck.h>
+#include <ORLFoundation/process/definition/ORLFProcessDefinitionPlace.h>
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilder.h>
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilderDelegate.h>
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilderStepData.h>

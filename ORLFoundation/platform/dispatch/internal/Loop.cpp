@@ -28,13 +28,17 @@ bool isIn(const Modes& modes, std::string_view mode) {
   return std::find(modes.begin(), modes.end(), mode) != modes.end();
 }
 
-/// How long poll may wait, null for ever.
+/// How long poll may wait, null for ever. Another clock than the system's wakes the loop when it
+/// moves.
 const timespec* spanUntil(Deadline deadline, std::int64_t due, timespec& span) {
   const bool isSystem = NSMonotonicClock::isSystemClock();
+  const std::int64_t now = NSMonotonicClock::now();
   std::int64_t left = kNever;
-  if (deadline.at != kNever && (deadline.isReal || isSystem))
+  if (deadline.isReal && deadline.at != kNever)
     left = std::max<std::int64_t>(deadline.at - realNow(), 0);
-  if (due != kNever && isSystem) left = std::min(left, std::max<std::int64_t>(due - realNow(), 0));
+  for (const std::int64_t instant : {due, deadline.isReal ? kNever : deadline.at})
+    if (instant <= now || (isSystem && instant != kNever))
+      left = std::min(left, std::max<std::int64_t>(instant - now, 0));
   if (left == kNever) return nullptr;
   constexpr std::int64_t kSecond = 1'000'000'000;
   span.tv_sec = static_cast<std::time_t>(left / kSecond);
