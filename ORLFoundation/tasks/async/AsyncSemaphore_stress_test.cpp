@@ -21,8 +21,9 @@ using orlftest::SteppedExecutor;
 constexpr int kScale = orlftest::kSlowdown > 1 ? 10 : 1;
 
 std::size_t threadCount() {
-  return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator("/proc/self/task"),
-                                                std::filesystem::directory_iterator()));
+  return static_cast<std::size_t>(
+      std::distance(std::filesystem::directory_iterator("/proc/self/task"),
+                    std::filesystem::directory_iterator()));
 }
 
 CooperativeTask<> pass(AsyncSemaphore& semaphore, std::atomic<int>& passed) {

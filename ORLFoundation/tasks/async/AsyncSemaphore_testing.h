@@ -150,10 +150,14 @@ class SemaphorePlayer {
   [[nodiscard]] static std::string nameOf(ORLFoundation::AsyncSemaphore::State state) {
     using State = ORLFoundation::AsyncSemaphore::State;
     switch (state) {
-      case State::suspendedUnlessCancelled: return "suspendedUnlessCancelled";
-      case State::suspended: return "suspended";
-      case State::pending: return "pending";
-      case State::cancelled: return "cancelled";
+      case State::suspendedUnlessCancelled:
+        return "suspendedUnlessCancelled";
+      case State::suspended:
+        return "suspended";
+      case State::pending:
+        return "pending";
+      case State::cancelled:
+        return "cancelled";
     }
     return "no state";
   }

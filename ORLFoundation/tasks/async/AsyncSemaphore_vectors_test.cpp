@@ -22,9 +22,9 @@ TEST(AsyncSemaphore, AgreesWithVectors) {
 
 /// The semaphore's algorithms written out word for word, for tasks that end as soon as they are
 /// resumed.
-class Model {
+class SemaphoreModel {
  public:
-  explicit Model(std::int64_t value) : value_(value) {}
+  explicit SemaphoreModel(std::int64_t value) : value_(value) {}
 
   [[nodiscard]] bool isParked(const std::string& task) const {
     return std::ranges::any_of(suspensions_, [&](const auto& each) { return each.task == task; });
@@ -99,10 +99,10 @@ class Model {
 };
 
 /// A random script and what is expected of it.
-std::pair<Json, Json> randomScript(std::mt19937& random) {
+std::pair<Json, Json> randomSemaphoreScript(std::mt19937& random) {
   const std::int64_t values[] = {0, 0, 1, 2, 3, std::numeric_limits<std::int64_t>::max() - 1};
   const std::int64_t value = values[random() % std::size(values)];
-  Model model(value);
+  SemaphoreModel model(value);
   Json steps = Json::array();
   Json states = Json::array();
   const auto add = [&](const Json& step, const Json& state) {
@@ -134,7 +134,7 @@ TEST(AsyncSemaphore, DoesWhatItsAlgorithmsSayWordForWord) {
   std::mt19937 random(11);
   int trapped = 0;
   for (int i = 0; i < 1'000; ++i) {
-    auto [in, out] = randomScript(random);
+    auto [in, out] = randomSemaphoreScript(random);
     // A trap takes a process of its own: a few do.
     const bool ends = out["steps"].back().contains("trap");
     if (ends && ++trapped > 20) {

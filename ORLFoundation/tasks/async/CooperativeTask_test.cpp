@@ -108,8 +108,8 @@ TEST(CooperativeTask, SharesItsContextWithTheTasksThatItAwaits) {
   const auto executor = std::make_shared<SteppedExecutor>();
   const auto shared = CooperativeJob<bool>::start(sharesItsContext(), executor);
   const auto context = std::make_shared<CooperativeContext>(executor);
-  const auto inside = CooperativeJob<std::shared_ptr<CooperativeContext>>::start(contextInside(),
-                                                                                 context);
+  const auto inside =
+      CooperativeJob<std::shared_ptr<CooperativeContext>>::start(contextInside(), context);
   executor->runAll();
   EXPECT_TRUE(shared->result());
   EXPECT_EQ(inside->context(), context);
@@ -138,7 +138,9 @@ TEST(CooperativeContext, RunsHandlersOnTheCancellingThreadOrAtOnce) {
   int dropped = 0;
   int late = 0;
   const std::stop_callback installed(context.stopToken(), [&] { ++early; });
-  { const std::stop_callback gone(context.stopToken(), [&] { ++dropped; }); }
+  {
+    const std::stop_callback gone(context.stopToken(), [&] { ++dropped; });
+  }
   EXPECT_EQ(early, 0);
   context.cancel();
   EXPECT_EQ(early, 1);
@@ -171,12 +173,12 @@ CooperativeTask<std::thread::id> threadOf() { co_return std::this_thread::get_id
 
 TEST(CooperativeJob, RunsOnAQueueAndBlocksWhoAsksForItsResult) {
   const auto here = std::this_thread::get_id();
-  using Job = CooperativeJob<std::thread::id>;
-  EXPECT_NE(Job::start(threadOf(), CooperativeExecutorOnGlobalQueue())->result(), here);
+  using ThreadJob = CooperativeJob<std::thread::id>;
+  EXPECT_NE(ThreadJob::start(threadOf(), CooperativeExecutorOnGlobalQueue())->result(), here);
   const auto queue = dispatch_queue_create("steps", DISPATCH_QUEUE_SERIAL);
   const auto gate = dispatch_semaphore_create(0);
   dispatch_async(queue, [gate] { dispatch_semaphore_wait(gate, DISPATCH_TIME_FOREVER); });
-  const auto job = Job::start(threadOf(), CooperativeExecutorOnQueue(queue));
+  const auto job = ThreadJob::start(threadOf(), CooperativeExecutorOnQueue(queue));
   EXPECT_FALSE(job->isFinished());
   dispatch_semaphore_signal(gate);
   EXPECT_NE(job->result(), here);

@@ -17,7 +17,6 @@
 #include <thread>
 #include <utility>
 
-
 namespace ORLFoundation {
 namespace {
 
@@ -192,14 +191,14 @@ class TaskPlayer {
   Json seen_ = Json::array();
 };
 
-std::string tasks(const Json& in, const Json& out) { return TaskPlayer(in).play(out); }
+std::string playTasks(const Json& in, const Json& out) { return TaskPlayer(in).play(out); }
 
 TEST(ORLFAsyncTaskBase, AgreesWithVectors) {
-  orlftest::runJsonVectors("queue_tasks", {{"tasks", tasks}});
+  orlftest::runJsonVectors("queue_tasks", {{"tasks", playTasks}});
 }
 
 /// The task's algorithms written out word for word, and a random script with what is expected.
-std::pair<Json, Json> randomScript(std::mt19937& random) {
+std::pair<Json, Json> randomTaskScript(std::mt19937& random) {
   std::int64_t state = -1;
   bool canceled = false;
   int runs = 0;
@@ -256,8 +255,8 @@ std::pair<Json, Json> randomScript(std::mt19937& random) {
 TEST(ORLFAsyncTaskBase, DoesWhatItsAlgorithmsSayWordForWord) {
   std::mt19937 random(3);
   for (int i = 0; i < 100; ++i) {
-    const auto [in, out] = randomScript(random);
-    ASSERT_EQ(tasks(in, out), "") << in.dump() << '\n' << out.dump();
+    const auto [in, out] = randomTaskScript(random);
+    ASSERT_EQ(playTasks(in, out), "") << in.dump() << '\n' << out.dump();
   }
 }
 

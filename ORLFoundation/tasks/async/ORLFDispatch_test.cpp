@@ -51,11 +51,15 @@ TEST(ORLFDispatch, LetsGoOfTheWorkBeforeItContinues) {
 TEST(ORLFDispatch, WithoutAContinuationOrAQueueForItTheWorkRunsAlone) {
   const auto queue = dispatch_queue_create("work", DISPATCH_QUEUE_SERIAL);
   int runs = 0;
-  orlfDispatch_async_continue(queue, [&] { ++runs; }, nullptr, [] { ADD_FAILURE(); });
-  orlfDispatch_async_continue(queue, [&] { ++runs; }, queue, nullptr);
-  orlfDispatch_async_continue(nullptr, [] { ADD_FAILURE(); }, queue, [] { ADD_FAILURE(); });
+  orlfDispatch_async_continue(
+      queue, [&] { ++runs; }, nullptr, [] { ADD_FAILURE(); });
+  orlfDispatch_async_continue(
+      queue, [&] { ++runs; }, queue, nullptr);
+  orlfDispatch_async_continue(
+      nullptr, [] { ADD_FAILURE(); }, queue, [] { ADD_FAILURE(); });
   orlfDispatch_async_continue(queue, nullptr, queue, [] { ADD_FAILURE(); });
-  orlfDispatch_async_continue_main(queue, [&] { ++runs; }, nullptr);
+  orlfDispatch_async_continue_main(
+      queue, [&] { ++runs; }, nullptr);
   dispatch_sync(queue, [] {});
   EXPECT_EQ(runs, 3);
 }
@@ -76,9 +80,8 @@ TEST(ORLFDispatch, CallsAtOnceWithinTheMainQueueOnly) {
   orlfDispatch_main_queue_check_and_dispatch_if_needed([&] { ++calls; });
   EXPECT_EQ(calls, 1) << "on the main thread, outside of all items";
   orlfDispatch_main_queue_check_and_dispatch_if_needed(nullptr);
-  dispatch_sync(queue, [&] {
-    orlfDispatch_main_queue_check_and_dispatch_if_needed([&] { ++calls; });
-  });
+  dispatch_sync(queue,
+                [&] { orlfDispatch_main_queue_check_and_dispatch_if_needed([&] { ++calls; }); });
   EXPECT_EQ(calls, 1) << "on the main thread, but within another queue";
   runMainQueueOnce();
   EXPECT_EQ(calls, 2);

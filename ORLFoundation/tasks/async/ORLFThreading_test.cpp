@@ -31,7 +31,9 @@ class ORLFThreadingTest : public testing::Test {
 
 TEST_F(ORLFThreadingTest, ANilBlockAndANilReceiverScheduleNothing) {
   EXPECT_EQ(orlfPerformBlockOnMainThread(object_, nullptr, 1), 0);
-  EXPECT_EQ(orlfPerformBlockOnMainThread(nullptr, [] { ADD_FAILURE(); }, 0), 0);
+  EXPECT_EQ(orlfPerformBlockOnMainThread(
+                nullptr, [] { ADD_FAILURE(); }, 0),
+            0);
   EXPECT_EQ(requestsOf(*object_), nullptr);
   orlfCancelPreviousPerformBlockRequestsWithTarget(nullptr);
   orlfCancelPreviousPerformBlockRequestsWithTarget(nullptr, 1);
@@ -44,10 +46,15 @@ TEST_F(ORLFThreadingTest, ANilBlockAndANilReceiverScheduleNothing) {
 
 TEST_F(ORLFThreadingTest, ReceiptsIncreaseAcrossAllObjects) {
   const auto other = std::make_shared<NSObject>();
-  const auto first = orlfPerformBlockOnMainThread(object_, [] {}, 1);
-  EXPECT_EQ(orlfPerformBlockOnMainThread(other, [] {}, 1), first + 1);
+  const auto first = orlfPerformBlockOnMainThread(
+      object_, [] {}, 1);
+  EXPECT_EQ(orlfPerformBlockOnMainThread(
+                other, [] {}, 1),
+            first + 1);
   EXPECT_EQ(ORLFDelayedBlock::delayedBlock(nullptr)->receiptID(), first + 2);
-  EXPECT_EQ(orlfPerformBlockOnMainThread(object_, [] {}, 1), first + 3);
+  EXPECT_EQ(orlfPerformBlockOnMainThread(
+                object_, [] {}, 1),
+            first + 3);
   EXPECT_GT(first, 0);
   loop_.advance(kSecond);
 }
@@ -75,8 +82,10 @@ TEST_F(ORLFThreadingTest, RunsAfterItsDelayAndFindsItsOwnEntry) {
 
 TEST_F(ORLFThreadingTest, ACancelByReceiptPreventsTheBlockAndASecondDoesNothing) {
   std::string order;
-  const auto first = orlfPerformBlockOnMainThread(object_, [&] { order += "1"; }, 0.1);
-  orlfPerformBlockOnMainThread(object_, [&] { order += "2"; }, 0.2);
+  const auto first = orlfPerformBlockOnMainThread(
+      object_, [&] { order += "1"; }, 0.1);
+  orlfPerformBlockOnMainThread(
+      object_, [&] { order += "2"; }, 0.2);
   for (int i = 0; i < 2; ++i) {
     orlfCancelPreviousPerformBlockRequestsWithTarget(object_, first);
     EXPECT_EQ(requestsOf(*object_)->count(), 1U);
@@ -89,9 +98,12 @@ TEST_F(ORLFThreadingTest, ACancelByReceiptPreventsTheBlockAndASecondDoesNothing)
 TEST_F(ORLFThreadingTest, ACancelOfAllReachesOneTargetOnly) {
   const auto other = std::make_shared<NSObject>();
   std::string order;
-  orlfPerformBlockOnMainThread(object_, [&] { order += "1"; }, 0.1);
-  orlfPerformBlockOnMainThread(object_, [&] { order += "2"; }, 0.2);
-  orlfPerformBlockOnMainThread(other, [&] { order += "3"; }, 0.3);
+  orlfPerformBlockOnMainThread(
+      object_, [&] { order += "1"; }, 0.1);
+  orlfPerformBlockOnMainThread(
+      object_, [&] { order += "2"; }, 0.2);
+  orlfPerformBlockOnMainThread(
+      other, [&] { order += "3"; }, 0.3);
   orlfCancelPreviousPerformBlockRequestsWithTarget(object_);
   orlfCancelPreviousPerformBlockRequestsWithTarget(std::make_shared<NSObject>());
   EXPECT_EQ(requestsOf(*object_)->count(), 0U);
@@ -103,7 +115,8 @@ TEST_F(ORLFThreadingTest, HoldsItsTargetUntilTheBlockHasRunOrWasCancelled) {
   for (const bool isCancelled : {false, true}) {
     auto target = std::make_shared<NSObject>();
     const std::weak_ptr<NSObject> weak = target;
-    orlfPerformBlockOnMainThread(target, [] {}, 1);
+    orlfPerformBlockOnMainThread(
+        target, [] {}, 1);
     if (isCancelled) orlfCancelPreviousPerformBlockRequestsWithTarget(target);
     target = nullptr;
     EXPECT_EQ(weak.expired(), isCancelled);
@@ -117,8 +130,9 @@ TEST_F(ORLFThreadingTest, WithoutADictionaryItLogsAndGoesOn) {
   int runs = 0;
   orlfPerformDelayedBlock_(object_, ORLFDelayedBlock::delayedBlock([&] { ++runs; }));
   EXPECT_EQ(runs, 1);
-  EXPECT_EQ(log.lines(), std::vector<std::string>{"Condition Failed: delayedBlockRequests != nil No "
-                                                  "delayed block requests dictionary!"});
+  EXPECT_EQ(log.lines(),
+            std::vector<std::string>{"Condition Failed: delayedBlockRequests != nil No "
+                                     "delayed block requests dictionary!"});
 }
 
 TEST_F(ORLFThreadingTest, OffTheMainThreadACallWaitsUntilThatThreadHasTakenIt) {
@@ -130,7 +144,8 @@ TEST_F(ORLFThreadingTest, OffTheMainThreadACallWaitsUntilThatThreadHasTakenIt) {
     receipt = orlfPerformBlockOnMainThread(
         object_, [&] { ranOnMainThread = NSThread::isMainThread(); }, 0.1);
     none = orlfPerformBlockOnMainThread(object_, nullptr, 0.1);
-    orlfPerformBlockOnMainThread(object_, [] { ADD_FAILURE(); }, 0.2);
+    orlfPerformBlockOnMainThread(
+        object_, [] { ADD_FAILURE(); }, 0.2);
     orlfCancelPreviousPerformBlockRequestsWithTarget(object_, receipt + 1);
     isDone = true;
   });
@@ -141,7 +156,8 @@ TEST_F(ORLFThreadingTest, OffTheMainThreadACallWaitsUntilThatThreadHasTakenIt) {
   loop_.advance(kSecond);
   EXPECT_TRUE(ranOnMainThread);
   std::thread cancelling([&] {
-    orlfPerformBlockOnMainThread(object_, [] { ADD_FAILURE(); }, 0.1);
+    orlfPerformBlockOnMainThread(
+        object_, [] { ADD_FAILURE(); }, 0.1);
     orlfCancelPreviousPerformBlockRequestsWithTarget(object_);
     isDone = false;
   });

@@ -42,7 +42,8 @@ class DeferredPlayer {
       : blocks_(in.value("blocks", Json::object())), steps_(in.at("steps")) {
     for (const Json& name : in.at("objects"))
       objects_[name] = std::make_shared<Mortal>([this, name = name.get<std::string>()] {
-        gone_.insert(ORLFoundation::NSThread::isMainThread() ? name : name + " off the main thread");
+        gone_.insert(ORLFoundation::NSThread::isMainThread() ? name
+                                                             : name + " off the main thread");
       });
   }
   /// What is left would call into the player.
@@ -112,7 +113,7 @@ class DeferredPlayer {
       throw std::runtime_error("unknown step " + what);
     }
   }
-  /// The step on another thread, which the main thread serves.
+  /// The step on another thread, whose calls the main thread takes, and nothing else.
   Result doOff(const Json& step) {
     Result result;
     std::atomic<bool> isDone{false};
@@ -120,7 +121,10 @@ class DeferredPlayer {
       result = doStep(step);
       isDone = true;
     });
-    while (!isDone) ORLFoundation::pumpMainQueue(0.001);
+    while (!isDone) {
+      loop_.runItems();
+      std::this_thread::yield();
+    }
     thread.join();
     return result;
   }
@@ -150,7 +154,8 @@ class DeferredPlayer {
       const Object receiver = receiver_.expired() ? made->receiver.lock() : receiver_.lock();
       const auto requests = receiver ? requestsOf(*receiver) : nullptr;
       const bool hasEntry = requests && !requests->objectForKey(made->receipt).isNil();
-      ran_.push_back({ORLFoundation::NSThread::isMainThread() ? name : name + " off main", hasEntry});
+      ran_.push_back(
+          {ORLFoundation::NSThread::isMainThread() ? name : name + " off main", hasEntry});
       receiver_.reset();
       for (const Json& deed : blocks_.value(name, Json::array()))
         if (const Result receipt = doStep(deed)) inside_.push_back(*receipt);

@@ -6,12 +6,12 @@
 namespace ORLFoundation {
 namespace {
 
-std::string deferred(const orlftest::Json& in, const orlftest::Json& out) {
+std::string playDeferred(const orlftest::Json& in, const orlftest::Json& out) {
   return orlftest::DeferredPlayer(in).play(out.at("steps"));
 }
 
 TEST(ORLFThreading, AgreesWithVectors) {
-  orlftest::runJsonVectors("queue_deferred", {{"deferred", deferred}});
+  orlftest::runJsonVectors("queue_deferred", {{"deferred", playDeferred}});
 }
 
 }  // namespace
