@@ -4,7 +4,7 @@
 #include <ORLFoundation/platform/dispatch/NSMainQueue.h>
 #include <ORLFoundation/platform/dispatch/NSMainQueue_testing.h>
 #include <ORLFoundation/platform/dispatch/NSThread.h>
-#include <ORLFoundation/platform/dispatch/dispatch_semaphore.h>
+#include <ORLFoundation/platform/dispatch/dispatch_semaphore_testing.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -20,14 +20,8 @@
 namespace ORLFoundation {
 namespace {
 
+using orlftest::comes;
 using testing::ElementsAre;
-
-constexpr dispatch_time_t kLong = 20 * NSEC_PER_SEC;
-
-/// Waits for a signal, at most for a long time.
-bool comes(const dispatch_semaphore_t& signal) {
-  return dispatch_semaphore_wait(signal, dispatch_time(DISPATCH_TIME_NOW, kLong)) == 0;
-}
 
 /// Returns when all that was given to a serial queue so far has run.
 void waitFor(const dispatch_queue_t& queue) {
@@ -140,6 +134,16 @@ TEST(dispatch_queue, LivesUntilItsItemsHaveRun) {
       });
     queue = nullptr;
     for (int i = 0; i < 20; ++i) EXPECT_TRUE(comes(done));
+  }
+}
+
+TEST(dispatch_queue, LivesWhileItIsEntered) {
+  for (const auto attributes : {DISPATCH_QUEUE_SERIAL, DISPATCH_QUEUE_CONCURRENT}) {
+    auto queue = dispatch_queue_create("short", attributes);
+    dispatch_sync(queue, [&] {
+      queue = nullptr;
+      EXPECT_STREQ(dispatch_queue_get_label(nullptr), "short");
+    });
   }
 }
 
