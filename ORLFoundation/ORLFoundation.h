@@ -39,6 +39,8 @@
 #include <ORLFoundation/files/operations/ORLFFileUtilities.h>
 #include <ORLFoundation/files/operations/ORLFURLAccess.h>
 #include <ORLFoundation/files/repair/ORLFPersistentStoreRepair.h>
+#include <ORLFoundation/files/watching/ORLFDirectoryWatcher.h>
+#include <ORLFoundation/files/watching/ORLFFileSystemObserver.h>
 #include <ORLFoundation/interchange/qif/ORLFQIFDataWriter.h>
 #include <ORLFoundation/interchange/qif/ORLFQIFRecords.h>
 #include <ORLFoundation/interchange/sgml/ORLFSGMLConversion.h>
@@ -63,6 +65,7 @@
 #include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
 #include <ORLFoundation/platform/dispatch/NSDelayedPerforming.h>
 #include <ORLFoundation/platform/dispatch/NSMainQueue.h>
+#include <ORLFoundation/platform/dispatch/NSMainQueuePollBridge.h>
 #include <ORLFoundation/platform/dispatch/NSMonotonicClock.h>
 #include <ORLFoundation/platform/dispatch/NSRunLoop.h>
 #include <ORLFoundation/platform/dispatch/NSSelector.h>
@@ -72,6 +75,8 @@
 #include <ORLFoundation/platform/dispatch/dispatch_semaphore.h>
 #include <ORLFoundation/platform/dispatch/dispatch_source.h>
 #include <ORLFoundation/platform/dispatch/dispatch_time.h>
+#include <ORLFoundation/platform/events/CFFileDescriptor.h>
+#include <ORLFoundation/platform/events/dispatch_vnode_source.h>
 #include <ORLFoundation/platform/files/NSDataReading.h>
 #include <ORLFoundation/platform/files/NSDirectoryEnumerator.h>
 #include <ORLFoundation/platform/files/NSFileCoordinator.h>

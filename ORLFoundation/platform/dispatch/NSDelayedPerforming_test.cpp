@@ -17,7 +17,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr std::int64_t kSecond = 1'000'000'000;
+constexpr std::int64_t kOneSecond = 1'000'000'000;
 
 class Notes : public NSObject {
  public:
@@ -48,7 +48,7 @@ TEST_F(NSDelayedPerformingTest, CallsOnceAfterTheDelay) {
   loop_.runReady();
   EXPECT_THAT(notes_->texts, ElementsAre("now", "late", "no number"));
   notes_->clear();
-  loop_.advance(2 * kSecond);
+  loop_.advance(2 * kOneSecond);
   EXPECT_THAT(notes_->texts, ElementsAre("one", "two"));
   cancelPreviousPerformRequestsWithTarget(notes_);
 }
@@ -58,7 +58,7 @@ TEST_F(NSDelayedPerformingTest, IsNeitherATimerNorAnItem) {
   EXPECT_THAT(loop_.timers(), IsEmpty());
   EXPECT_THAT(loop_.later(), IsEmpty());
   NSRunLoop::mainRunLoop()->runMode("other", NSDate::date());
-  loop_.stayBusy(kSecond);
+  loop_.stayBusy(kOneSecond);
   NSRunLoop::mainRunLoop()->runMode("other", NSDate::date());
   EXPECT_THAT(notes_->texts, IsEmpty()) << "it waits for the default mode";
   loop_.runReady();
@@ -73,7 +73,7 @@ TEST_F(NSDelayedPerformingTest, IsCancelledByTargetOperationAndEqualArgument) {
   cancelPreviousPerformRequestsWithTarget(notes_, NSSelectorOf<&Notes::clear>("clear"), "b");
   cancelPreviousPerformRequestsWithTarget(notes_, noteSelector(), std::string("a"));
   cancelPreviousPerformRequestsWithTarget(notes_, noteSelector(), nullptr);
-  loop_.advance(kSecond);
+  loop_.advance(kOneSecond);
   EXPECT_THAT(notes_->texts, ElementsAre("b"));
   EXPECT_THAT(other->texts, ElementsAre("a"));
 }
@@ -85,7 +85,7 @@ TEST_F(NSDelayedPerformingTest, IsCancelledForATarget) {
   performSelector(other, noteSelector(), "a", 1);
   cancelPreviousPerformRequestsWithTarget(notes_);
   cancelPreviousPerformRequestsWithTarget(nullptr);
-  loop_.advance(kSecond);
+  loop_.advance(kOneSecond);
   EXPECT_THAT(notes_->texts, IsEmpty());
   EXPECT_THAT(other->texts, ElementsAre("a"));
 }
@@ -102,7 +102,7 @@ TEST_F(NSDelayedPerformingTest, HoldsItsTargetUntilItHasRunOrIsCancelled) {
     if (isCancelled) cancelPreviousPerformRequestsWithTarget(target);
     target = nullptr;
     EXPECT_EQ(weakTarget.expired(), isCancelled);
-    loop_.advance(kSecond);
+    loop_.advance(kOneSecond);
     EXPECT_TRUE(weakTarget.expired());
     EXPECT_TRUE(weakArgument.expired());
   }
@@ -116,7 +116,7 @@ TEST_F(NSDelayedPerformingTest, BelongsToTheThreadThatAsks) {
     cancelPreviousPerformRequestsWithTarget(notes_, noteSelector(), "cancelled");
     NSRunLoop::currentRunLoop()->run();
   }).join();
-  loop_.advance(kSecond);
+  loop_.advance(kOneSecond);
   EXPECT_THAT(notes_->texts, ElementsAre("theirs"));
 }
 

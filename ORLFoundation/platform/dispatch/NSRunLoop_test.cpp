@@ -22,18 +22,18 @@ using testing::IsEmpty;
 
 NSDate inSeconds(double seconds) { return NSDate::date().dateByAddingTimeInterval(seconds); }
 
-class Notes : public NSObject {
+class Notebook : public NSObject {
  public:
   void note(const id& text) { texts.push_back(text.description()); }
   std::vector<std::string> texts;
 };
 
-NSSelector noteSelector() { return NSSelectorOf<&Notes::note>("note:"); }
+NSSelector notingSelector() { return NSSelectorOf<&Notebook::note>("note:"); }
 
 class NSRunLoopTest : public testing::Test {
  protected:
   void perform(const char* text, NSUInteger order, std::vector<std::string> modes) {
-    loop_->performSelector({.selector = noteSelector(),
+    loop_->performSelector({.selector = notingSelector(),
                             .target = notes_,
                             .argument = text,
                             .order = order,
@@ -42,7 +42,7 @@ class NSRunLoopTest : public testing::Test {
 
   orlftest::VirtualMainLoop clock_;
   std::shared_ptr<NSRunLoop> loop_ = NSRunLoop::mainRunLoop();
-  std::shared_ptr<Notes> notes_ = std::make_shared<Notes>();
+  std::shared_ptr<Notebook> notes_ = std::make_shared<Notebook>();
 };
 
 TEST_F(NSRunLoopTest, IsOneForEachThread) {
@@ -87,14 +87,14 @@ TEST_F(NSRunLoopTest, LeavesWhatPerformsAddToTheNextTurn) {
 }
 
 TEST_F(NSRunLoopTest, CancelsPerformsByOperationTargetAndArgument) {
-  const auto other = std::make_shared<Notes>();
+  const auto other = std::make_shared<Notebook>();
   for (const char* text : {"a", "b", "a"}) perform(text, 0, {NSRunLoopCommonModes});
-  loop_->performSelector({.selector = noteSelector(),
+  loop_->performSelector({.selector = notingSelector(),
                           .target = other,
                           .argument = "a",
                           .modes = {NSRunLoopCommonModes}});
   loop_->cancelPerformSelector(NSSelector("other:", {}), notes_, "b");
-  loop_->cancelPerformSelector(noteSelector(), notes_, "a");
+  loop_->cancelPerformSelector(notingSelector(), notes_, "a");
   clock_.runReady();
   EXPECT_THAT(notes_->texts, ElementsAre("b"));
   EXPECT_THAT(other->texts, ElementsAre("a"));
@@ -102,7 +102,7 @@ TEST_F(NSRunLoopTest, CancelsPerformsByOperationTargetAndArgument) {
 
 class Cancelling : public NSObject {
  public:
-  void cancel(const std::shared_ptr<Notes>& target) {
+  void cancel(const std::shared_ptr<Notebook>& target) {
     NSRunLoop::mainRunLoop()->cancelPerformSelectorsWithTarget(target);
   }
 };
@@ -118,7 +118,7 @@ TEST_F(NSRunLoopTest, APerformMayCancelALaterOneOfItsTurn) {
 }
 
 TEST_F(NSRunLoopTest, LetsGoOfTheTargetAfterThePerform) {
-  const std::weak_ptr<Notes> weak = notes_;
+  const std::weak_ptr<Notebook> weak = notes_;
   perform("a", 0, {NSRunLoopCommonModes});
   notes_ = nullptr;
   EXPECT_FALSE(weak.expired());
@@ -214,7 +214,7 @@ TEST(NSRunLoopOnTheSystemsClock, RunsUntilItsTimersAreDone) {
 }
 
 TEST(NSRunLoopOnTheSystemsClock, WakesForAPerformOfAnotherThread) {
-  const auto notes = std::make_shared<Notes>();
+  const auto notes = std::make_shared<Notebook>();
   std::shared_ptr<NSRunLoop> loop;
   std::atomic<bool> isThere = false;
   std::thread waiting([&] {
@@ -224,7 +224,7 @@ TEST(NSRunLoopOnTheSystemsClock, WakesForAPerformOfAnotherThread) {
     EXPECT_TRUE(loop->runMode(NSDefaultRunLoopMode, inSeconds(50)));
   });
   while (!isThere) std::this_thread::yield();
-  loop->performSelector({.selector = noteSelector(),
+  loop->performSelector({.selector = notingSelector(),
                          .target = notes,
                          .argument = "a",
                          .modes = {NSDefaultRunLoopMode}});

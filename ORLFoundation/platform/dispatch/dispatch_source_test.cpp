@@ -1,7 +1,7 @@
 
 #include <ORLFoundation/platform/dispatch/dispatch_source.h>
 
-#include <ORLFoundation/platform/dispatch/dispatch_semaphore.h>
+#include <ORLFoundation/platform/dispatch/dispatch_semaphore_testing.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -15,10 +15,7 @@
 namespace ORLFoundation {
 namespace {
 
-bool comes(const dispatch_semaphore_t& signal) {
-  const auto limit = dispatch_time(DISPATCH_TIME_NOW, 20 * static_cast<std::int64_t>(NSEC_PER_SEC));
-  return dispatch_semaphore_wait(signal, limit) == 0;
-}
+using orlftest::comes;
 
 /// A pipe, whose reading end a source follows and its cancel handler closes.
 class dispatch_sourceTest : public testing::Test {

@@ -90,6 +90,11 @@ void Loop::clearWake() {
   static_cast<void>(!::read(wakeDescriptor_, &count, sizeof count));
 }
 
+/// Before each call out of the loop.
+void Loop::beginCall() {
+  if (isBridged_) wake();
+}
+
 void Loop::post(std::function<void()> item) {
   {
     const std::lock_guard guard(lock_);
@@ -236,6 +241,7 @@ bool Loop::runDue(std::string_view mode) {
   bool ran = false;
   while (const std::shared_ptr<TimedCall> call = takeDue(mode, now, before)) {
     ran = true;
+    beginCall();
     if (call->kind == TimedKind::item) {
       const InQueue inside(queue_);
       call->run();
@@ -257,6 +263,7 @@ bool Loop::runPerforms(std::string_view mode) {
   for (const auto& call : ready) {
     if (takePerform(call) == nullptr) continue;  // One before it cancelled it.
     ran = true;
+    beginCall();
     call->request->selector.perform(call->request->target, call->request->argument);
   }
   return ran;
@@ -272,6 +279,7 @@ bool Loop::runItems(std::string_view mode) {
     items_.pop_front();
     guard.unlock();
     ran = true;
+    beginCall();
     {
       const InQueue inside(queue_);
       item();
@@ -311,6 +319,7 @@ bool Loop::serveDescriptors(std::string_view mode, Deadline deadline, bool mayWa
     const short events = descriptors[i + 1].revents;
     if (events == 0 || !watches[i]->isOn) continue;
     ran = true;
+    beginCall();
     const CalledWatch called(*watches[i]);
     watches[i]->ready(events);
   }
