@@ -43,6 +43,7 @@
 #include <ORLFoundation/files/watching/ORLFFileSystemObserver.h>
 #include <ORLFoundation/interchange/qif/ORLFQIFDataWriter.h>
 #include <ORLFoundation/interchange/qif/ORLFQIFRecords.h>
+#include <ORLFoundation/interchange/qif/ORLFRecordWriter.h>
 #include <ORLFoundation/interchange/sgml/ORLFSGMLConversion.h>
 #include <ORLFoundation/interchange/sgml/ORLFXMLEntities.h>
 #include <ORLFoundation/interchange/tabular/ORLFScannerUtilities.h>
