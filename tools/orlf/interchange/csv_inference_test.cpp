@@ -242,6 +242,22 @@ TEST(InferTable, NamesTheRowThatDecided) {
   }
 }
 
+// Bytes come in pieces; line ends of two bytes lie across their edges, too.
+TEST(InferTable, FindsTheRowOfTheEncodingBehindManyPieces) {
+  constexpr std::size_t kRows = 30'000;
+  for (std::size_t shift = 0; shift < 6; ++shift) {
+    std::string text(shift + 1, 'a');
+    for (std::size_t row = 0; row < kRows; ++row) text += ",b\r\na";
+    text += "caf\xC3\xA9,d\r\n";
+    for (const Finding& finding : findingsOf(text)) {
+      if (finding.question != "encoding") continue;
+      EXPECT_EQ(finding.answer, "utf-8");
+      EXPECT_EQ(finding.line, kRows + 1) << shift;
+      EXPECT_EQ(finding.reason, "'acafé,d'");
+    }
+  }
+}
+
 struct RealFile {
   const char* name;
   // Of the questions below, as the banks' pages and the rows of the file tell; empty for what the
