@@ -204,6 +204,8 @@ const FindingCase kFindings[] = {
      "each row fills one of them"},
     {"TwoColumnsWithZeros", "2024-01-02,1.50,0.00\n2024-01-02,0.00,2.50\n", "sign",
      "columns 2 and 3", 1, "each row fills one of them"},
+    {"TwoColumnsInOneRow", "2024-01-02,1.50,2.50\n2024-01-03\n", "sign", "", 0,
+     "no amount is below zero, and no two columns share the rows"},
     {"WordsForSigns", "2024-01-02,1.50,DEBIT\n2024-01-02,2.50,CREDIT\n", "sign", "", 0,
      "no amount is below zero, and no two columns share the rows"},
     // The amounts are unsigned, and the balance fell below zero.
