@@ -174,6 +174,20 @@ TEST(ORLFProcessStepBuilderReferences, TheLimitHoldsForAllThatABuilderMakes) {
   EXPECT_EQ(reading.reasonOfReading(another), "");
 }
 
+TEST(ORLFProcessStepBuilderReferences, AllStepsOfAFileAreCountedBeforeTheFirstIsMade) {
+  const std::string definition = process(
+      "<step id='r' firststep='a'><step id='a'/></step><step id='s' firststep='a'>"
+      "<step id='a'/></step>");
+  Reading tooFew;
+  tooFew.builder.setStepLimit(3);
+  EXPECT_NE(tooFew.reasonOfReading(definition), "");
+  EXPECT_TRUE(tooFew.maker->calls.empty());
+  EXPECT_TRUE(tooFew.builder.rootStepInstances().empty());
+  Reading enough;
+  enough.builder.setStepLimit(4);
+  EXPECT_EQ(enough.reasonOfReading(definition), "");
+}
+
 TEST(ORLFProcessStepBuilderReferences, ADefinitionOfAnyDepthIsBuilt) {
   constexpr int kDepth = 100'000;
   auto limits = NSXMLParserCurrentLimits();
