@@ -204,6 +204,8 @@ const FindingCase kFindings[] = {
      "each row fills one of them"},
     {"TwoColumnsWithZeros", "2024-01-02,1.50,0.00\n2024-01-02,0.00,2.50\n", "sign",
      "columns 2 and 3", 1, "each row fills one of them"},
+    {"TwoColumnsInOneRow", "2024-01-02,1.50,2.50\n2024-01-03\n", "sign", "", 0,
+     "no amount is below zero, and no two columns share the rows"},
     {"WordsForSigns", "2024-01-02,1.50,DEBIT\n2024-01-02,2.50,CREDIT\n", "sign", "", 0,
      "no amount is below zero, and no two columns share the rows"},
     // The amounts are unsigned, and the balance fell below zero.
@@ -238,6 +240,22 @@ TEST(InferTable, NamesTheRowThatDecided) {
       EXPECT_EQ(finding.answer, each.answer) << each.name;
       EXPECT_EQ(finding.line, each.line) << each.name;
       EXPECT_EQ(finding.reason, each.reason) << each.name;
+    }
+  }
+}
+
+// Bytes come in pieces; line ends of two bytes lie across their edges, too.
+TEST(InferTable, FindsTheRowOfTheEncodingBehindManyPieces) {
+  constexpr std::size_t kRows = 30'000;
+  for (std::size_t shift = 0; shift < 6; ++shift) {
+    std::string text(shift + 1, 'a');
+    for (std::size_t row = 0; row < kRows; ++row) text += ",b\r\na";
+    text += "caf\xC3\xA9,d\r\n";
+    for (const Finding& finding : findingsOf(text)) {
+      if (finding.question != "encoding") continue;
+      EXPECT_EQ(finding.answer, "utf-8");
+      EXPECT_EQ(finding.line, kRows + 1) << shift;
+      EXPECT_EQ(finding.reason, "'acafé,d'");
     }
   }
 }
