@@ -50,6 +50,7 @@ constexpr std::array kCommands{
     Command{"xml-unescape", &declareXmlUnescapeCommand},
     Command{"xml-events", &declareXmlEventsCommand},
     Command{"process", &declareProcessCommand},
+    Command{"watch", &declareWatchCommand},
     Command{"template-image", &declareTemplateImageCommand},
 };
 

@@ -119,7 +119,7 @@ TEST(ORLFProcessStepBuilderReferences, ALongCycleIsNamedInPart) {
   Reading reading;
   const std::string reason = reading.reasonOfReading(process(steps));
   EXPECT_EQ(reason.find("Steps refer to themselves over 3000 references: s0 > s1 > s2 > "), 0U);
-  EXPECT_NE(reason.find(" > ... > s0"), std::string::npos);
+  EXPECT_NE(reason.find("s38 > s39 > ... > s0"), std::string::npos);
   EXPECT_LT(reason.size(), 1000U);
 }
 

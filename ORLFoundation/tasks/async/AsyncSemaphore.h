@@ -85,13 +85,15 @@ class AsyncSemaphore {
 
 /// A waiter. It lives in the waiting coroutine, so that parking costs no memory of its own.
 class AsyncSemaphore::Suspension {
+ public:
+  Suspension(const Suspension&) = delete;
+  Suspension& operator=(const Suspension&) = delete;
+
  protected:
   friend AsyncSemaphore;
 
   explicit Suspension(AsyncSemaphore& semaphore, State state) noexcept
       : semaphore_(semaphore), state_(state) {}
-  Suspension(const Suspension&) = delete;
-  Suspension& operator=(const Suspension&) = delete;
   ~Suspension() = default;
 
   AsyncSemaphore& semaphore_;
