@@ -50,6 +50,9 @@ constexpr std::array kCommands{
     Command{"xml-unescape", &declareXmlUnescapeCommand},
     Command{"xml-events", &declareXmlEventsCommand},
     Command{"template-image", &declareTemplateImageCommand},
+    Command{"mirror", &declareMirrorCommand},
+    Command{"store-info", &declareStoreInfoCommand},
+    Command{"same-file", &declareSameFileCommand},
 };
 
 constexpr const char* kFooter =

@@ -1,5 +1,7 @@
 #include <ORLFoundation/platform/files/ItemChange.h>
 
+#include <ORLFoundation/platform/value/NSUUID.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <optional>
@@ -14,12 +16,21 @@ FileOutcome failed(FileWork work, const HeldFolder& root, const std::string& ite
   return FileFailure{work, errno, root.pathOf(item)};
 }
 
+/// Brings a folder whose path has grown too long to the root, where it has a short one.
+FileOutcome removeDeep(HeldFolder& root, const std::string& item) {
+  const std::string name = ".deep-" + NSUUID::UUID().UUIDString();
+  if (auto failure = moveItem(root, item, root, name, 0)) return failure;
+  return removeItem(root, name, RemoveByForce::Yes);
+}
+
 FileOutcome removeFolder(HeldFolder& root, const std::string& item, RemoveByForce force) {
   const int holder = root.folderOf(item);
   if (holder < 0) return failed(FileWork::Remove, root, item);
   if (force == RemoveByForce::Yes && !root.calls().setMode(holder, nameOfPath(item), kOwnerAll))
     return failed(FileWork::Remove, root, item);
   const auto entries = root.list(item);
+  if (!entries && errno == ENAMETOOLONG && force == RemoveByForce::Yes)
+    return removeDeep(root, item);
   if (!entries) return failed(FileWork::Remove, root, item);
   for (const FolderEntry& entry : *entries)
     if (auto failure = removeItem(root, joinedPath(item, entry.name), force)) return failure;
@@ -86,14 +97,14 @@ FileOutcome moveItem(HeldFolder& from, const std::string& item, HeldFolder& to,
                      const std::string& toItem, unsigned flags) {
   if (renameItem(from, item, to, toItem, flags)) return std::nullopt;
   if (errno != EACCES) return failed(FileWork::Write, to, toItem);
-  const auto refusal = failed(FileWork::Write, to, toItem);
+  auto refusal = failed(FileWork::Write, to, toItem);
   OpenedUp moved(from, item), displaced(to, toItem);
   if (!moved.isDone() && !displaced.isDone()) return refusal;
   if (renameItem(from, item, to, toItem, flags)) {
     moved.undoAt(to, toItem);
     return std::nullopt;
   }
-  const auto failure = failed(FileWork::Write, to, toItem);
+  auto failure = failed(FileWork::Write, to, toItem);
   moved.undo();
   displaced.undo();
   return failure;
