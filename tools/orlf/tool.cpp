@@ -49,6 +49,7 @@ constexpr std::array kCommands{
     Command{"xml-escape", &declareXmlEscapeCommand},
     Command{"xml-unescape", &declareXmlUnescapeCommand},
     Command{"xml-events", &declareXmlEventsCommand},
+    Command{"process", &declareProcessCommand},
     Command{"template-image", &declareTemplateImageCommand},
     Command{"mirror", &declareMirrorCommand},
     Command{"store-info", &declareStoreInfoCommand},

@@ -1,0 +1,422 @@
+#include <ORLFoundation/tasks/progress/ORLFProgressIndicator.h>
+
+#include <ORLFoundation/platform/dispatch/NSMainQueue_testing.h>
+#include <ORLFoundation/platform/dispatch/NSRunLoop.h>
+#include <ORLFoundation/platform/dispatch/NSThread.h>
+#include <ORLFoundation/platform/dispatch/NSTimer.h>
+#include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
+#include <ORLFoundation/tasks/progress/ORLFProgress_testing.h>
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <cmath>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace ORLFoundation {
+namespace {
+
+using orlftest::kMillisecond;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Item = std::shared_ptr<ORLFProgressItem>;
+
+/// Writes down what it was shown.
+struct Watching final : ORLFProgressIndicatorDelegate {
+  void progressIndicatorDidChange(
+      const std::shared_ptr<ORLFProgressIndicator>& indicator) override {
+    EXPECT_TRUE(NSThread::isMainThread());
+    shown.push_back(indicator->visible() ? indicator->currentValue() : -1);
+    if (then) then();
+  }
+  std::vector<double> take() { return std::exchange(shown, {}); }
+  std::vector<double> shown;
+  std::function<void()> then;
+};
+
+class ORLFProgressIndicatorTest : public testing::Test {
+ protected:
+  ORLFProgressIndicatorTest() { indicator->setDelegate(delegate); }
+  ~ORLFProgressIndicatorTest() override {
+    delegate->then = nullptr;
+    for (const Item& item : all_) item->setCurrentIndicator(nullptr);
+    advance(2000);
+  }
+
+  Item item(double value, double max) {
+    all_.push_back(std::make_shared<ORLFProgressItem>());
+    all_.back()->updateValue(value, max);
+    return all_.back();
+  }
+  void advance(std::int64_t milliseconds) { loop.advance(milliseconds * kMillisecond); }
+
+  orlftest::VirtualMainLoop loop;
+  std::shared_ptr<Watching> delegate = std::make_shared<Watching>();
+  std::shared_ptr<ORLFProgressIndicator> indicator = std::make_shared<ORLFProgressIndicator>();
+
+ private:
+  std::vector<Item> all_;
+};
+
+TEST_F(ORLFProgressIndicatorTest, BeginsWithNothing) {
+  EXPECT_FALSE(indicator->visible());
+  EXPECT_FALSE(indicator->indeterminate());
+  EXPECT_EQ(indicator->currentValue(), 0);
+  EXPECT_EQ(indicator->minValue(), 0);
+  EXPECT_EQ(indicator->maxValue(), 0);
+  EXPECT_EQ(indicator->message(), std::nullopt);
+  EXPECT_EQ(indicator->displayTimer(), nullptr);
+  EXPECT_EQ(indicator->displayTimerCounter(), 0);
+  EXPECT_EQ(indicator->progressItems(), std::nullopt);
+  EXPECT_EQ(ORLFProgressIndicator().delegate(), nullptr);
+}
+
+TEST_F(ORLFProgressIndicatorTest, HasOneQueueForAll) {
+  const auto& queue = ORLFProgressIndicator::sharedProgressIndicatorQueue();
+  EXPECT_STREQ(dispatch_queue_get_label(queue), "com.orlsoftware.foundation.ORLFProgressIndicator");
+  EXPECT_EQ(queue, ORLFProgressIndicator::sharedProgressIndicatorQueue());
+}
+
+TEST_F(ORLFProgressIndicatorTest, ShowsTheNewestItemAHundredthOfASecondLater) {
+  const Item root = item(3, 10);
+  indicator->displayProgressItem(root);
+  EXPECT_FALSE(indicator->visible());
+  advance(9);
+  EXPECT_THAT(delegate->take(), IsEmpty());
+  EXPECT_TRUE(indicator->displayTimer());
+  advance(1);
+  EXPECT_THAT(delegate->take(), ElementsAre(3));
+  EXPECT_TRUE(indicator->visible());
+  EXPECT_EQ(indicator->maxValue(), 10);
+  EXPECT_EQ(indicator->displayTimer(), nullptr);
+  advance(1000);
+  EXPECT_THAT(delegate->take(), IsEmpty());
+}
+
+TEST_F(ORLFProgressIndicatorTest, ShowsAStormOfChangesOnceInAHundredthOfASecond) {
+  const Item root = item(0, 1000);
+  indicator->displayProgressItem(root);
+  for (int millisecond = 0; millisecond < 1000; ++millisecond) {
+    root->updateValueByIncrement(0.5);
+    root->updateValueByIncrement(0.5);
+    advance(1);
+  }
+  EXPECT_EQ(delegate->shown.size(), 100U);
+  EXPECT_EQ(delegate->shown.back(), 1000);
+}
+
+TEST_F(ORLFProgressIndicatorTest, CopiesAllThatAnItemShows) {
+  const Item root = item(3, 10);
+  root->setMinValue(2);
+  root->setMessage("Reading");
+  root->setIndeterminate(true);
+  indicator->displayProgressItem(root);
+  advance(10);
+  EXPECT_EQ(indicator->currentValue(), 3);
+  EXPECT_EQ(indicator->minValue(), 2);
+  EXPECT_EQ(indicator->maxValue(), 10);
+  EXPECT_EQ(indicator->message(), "Reading");
+  EXPECT_TRUE(indicator->indeterminate());
+  EXPECT_EQ(indicator->normalizedValue(), 0.375);
+}
+
+TEST_F(ORLFProgressIndicatorTest, IsIdleAndIndeterminateWithoutAnItem) {
+  indicator->setVisible(true);
+  indicator->setMessage("left");
+  indicator->setMinValue(1);
+  indicator->setMaxValue(2);
+  indicator->setCurrentValue(3);
+  indicator->updateDisplayTimer();
+  advance(10);
+  EXPECT_THAT(delegate->take(), ElementsAre(-1));
+  EXPECT_FALSE(indicator->visible());
+  EXPECT_TRUE(indicator->indeterminate());
+  EXPECT_EQ(indicator->message(), std::nullopt);
+  EXPECT_EQ(indicator->minValue(), 0);
+  EXPECT_EQ(indicator->maxValue(), 0);
+  EXPECT_EQ(indicator->currentValue(), 0);
+  EXPECT_EQ(indicator->progressItems(), std::nullopt);
+}
+
+TEST_F(ORLFProgressIndicatorTest, ArmsForTheLastItemOnly) {
+  const Item older = item(1, 10);
+  const Item newer = item(2, 10);
+  indicator->displayProgressItem(older);
+  indicator->displayProgressItem(newer);
+  EXPECT_THAT(*indicator->progressItems(), ElementsAre(older, newer));
+  EXPECT_TRUE(indicator->isProgressItemVisible(newer));
+  EXPECT_FALSE(indicator->isProgressItemVisible(older));
+  EXPECT_TRUE(indicator->isDisplayingProgressItem(older));
+  advance(10);
+  EXPECT_THAT(delegate->take(), ElementsAre(2));
+  older->updateValue(5);
+  EXPECT_EQ(indicator->displayTimer(), nullptr);
+  advance(1000);
+  EXPECT_THAT(delegate->take(), IsEmpty());
+}
+
+TEST_F(ORLFProgressIndicatorTest, ShowsTheItemBelowWhenTheHoldAfterTheLastOneEnds) {
+  const Item older = item(1, 10);
+  const Item newer = item(2, 10);
+  indicator->displayProgressItem(older);
+  indicator->displayProgressItem(newer);
+  advance(10);
+  delegate->take();
+  indicator->removeProgressItem(newer);
+  EXPECT_EQ(indicator->displayTimerCounter(), -1);
+  EXPECT_THAT(delegate->take(), IsEmpty());
+  advance(0);
+  EXPECT_THAT(delegate->take(), ElementsAre(2));  // its last values stay
+  older->updateValue(5);
+  advance(249);
+  EXPECT_THAT(delegate->take(), IsEmpty());
+  EXPECT_EQ(indicator->displayTimerCounter(), -1);
+  advance(1);
+  EXPECT_EQ(indicator->displayTimerCounter(), 0);
+  EXPECT_TRUE(indicator->displayTimer());
+  advance(9);
+  EXPECT_THAT(delegate->take(), IsEmpty());
+  advance(1);
+  EXPECT_THAT(delegate->take(), ElementsAre(5));
+}
+
+TEST_F(ORLFProgressIndicatorTest, GoesIdleWhenTheHoldAfterTheOnlyItemEnds) {
+  const Item root = item(4, 10);
+  indicator->displayProgressItem(root);
+  advance(10);
+  indicator->removeProgressItem(root);
+  advance(259);
+  EXPECT_THAT(delegate->take(), ElementsAre(4, 4));
+  EXPECT_TRUE(indicator->visible());
+  advance(1);
+  EXPECT_THAT(delegate->take(), ElementsAre(-1));
+}
+
+TEST_F(ORLFProgressIndicatorTest, HoldsNothingForAnItemThatDoesNotShow) {
+  const Item older = item(1, 10);
+  const Item newer = item(2, 10);
+  indicator->displayProgressItem(older);
+  indicator->displayProgressItem(newer);
+  advance(10);
+  delegate->take();
+  indicator->removeProgressItem(older);
+  EXPECT_EQ(indicator->displayTimerCounter(), 0);
+  EXPECT_EQ(loop.waiting(), 0U);
+  advance(1000);
+  EXPECT_THAT(delegate->take(), IsEmpty());
+  EXPECT_THAT(*indicator->progressItems(), ElementsAre(newer));
+}
+
+TEST_F(ORLFProgressIndicatorTest, HoldsWhatIsNewOnShowForAQuarterOfASecond) {
+  const Item root = item(1, 10);
+  indicator->displayProgressItem(root);
+  const Item child = root->childProgressItemWithTotalCount(20);
+  child->updateValue(7);
+  advance(10);
+  delegate->take();
+  child->addToIndicator();
+  advance(0);
+  EXPECT_THAT(delegate->take(), ElementsAre(7));
+  for (int value = 8; value < 18; ++value) {
+    child->updateValue(value);
+    EXPECT_EQ(indicator->displayTimer(), nullptr);
+    advance(20);
+  }
+  advance(49);
+  EXPECT_THAT(delegate->take(), IsEmpty());
+  advance(11);
+  EXPECT_THAT(delegate->take(), ElementsAre(17));
+}
+
+TEST_F(ORLFProgressIndicatorTest, CountsTheHoldFromTheEndOfTheDisplay) {
+  const Item root = item(1, 10);
+  indicator->displayProgressItem(root);
+  advance(10);
+  delegate->take();
+  delegate->then = [&] { loop.stayBusy(100 * kMillisecond); };
+  root->currentProgressWillChange();
+  advance(0);
+  delegate->then = nullptr;
+  EXPECT_THAT(loop.later(), ElementsAre(360 * kMillisecond));
+}
+
+TEST_F(ORLFProgressIndicatorTest, ShowsAgainWhenTheLastOfNestedHoldsEnds) {
+  indicator->stopDisplayTimer();
+  indicator->stopDisplayTimer();
+  EXPECT_EQ(indicator->displayTimerCounter(), -2);
+  indicator->updateDisplayTimer();
+  EXPECT_EQ(indicator->displayTimer(), nullptr);
+  indicator->startDisplayTimer();
+  EXPECT_EQ(indicator->displayTimerCounter(), -1);
+  EXPECT_EQ(indicator->displayTimer(), nullptr);
+  indicator->startDisplayTimer();
+  EXPECT_EQ(indicator->displayTimerCounter(), 0);
+  EXPECT_TRUE(indicator->displayTimer());
+}
+
+TEST_F(ORLFProgressIndicatorTest, NeedsAHoldToEndOne) {
+  indicator->startDisplayTimer();
+  EXPECT_EQ(indicator->displayTimerCounter(), 0);
+  EXPECT_EQ(indicator->displayTimer(), nullptr);
+}
+
+TEST_F(ORLFProgressIndicatorTest, DropsTheArmedUpdateWithAHold) {
+  indicator->updateDisplayTimer();
+  const auto timer = indicator->displayTimer();
+  indicator->stopDisplayTimer();
+  EXPECT_FALSE(timer->isValid());
+  advance(100);
+  EXPECT_THAT(delegate->take(), IsEmpty());
+}
+
+TEST_F(ORLFProgressIndicatorTest, FiresInModesAddedToTheCommonOnes) {
+  NSRunLoop::mainRunLoop()->addCommonMode("tracking");
+  const Item root = item(3, 10);
+  indicator->displayProgressItem(root);
+  loop.stayBusy(10 * kMillisecond);
+  NSRunLoop::mainRunLoop()->runMode("tracking", NSDate::date());
+  EXPECT_THAT(delegate->take(), ElementsAre(3));
+}
+
+TEST_F(ORLFProgressIndicatorTest, ListsAnItemOnce) {
+  const Item root = item(3, 10);
+  indicator->displayProgressItem(root);
+  indicator->displayProgressItem(root);
+  indicator->displayProgressItem(nullptr);
+  EXPECT_THAT(*indicator->progressItems(), ElementsAre(root));
+}
+
+TEST_F(ORLFProgressIndicatorTest, TakesAnItemFromAnother) {
+  const auto other = std::make_shared<ORLFProgressIndicator>();
+  const Item root = item(3, 10);
+  other->displayProgressItem(root);
+  indicator->removeProgressItem(root);
+  EXPECT_TRUE(other->isDisplayingProgressItem(root));
+  indicator->displayProgressItem(root);
+  EXPECT_EQ(root->currentIndicator(), indicator);
+  EXPECT_THAT(*other->progressItems(), IsEmpty());
+  EXPECT_THAT(*indicator->progressItems(), ElementsAre(root));
+}
+
+TEST_F(ORLFProgressIndicatorTest, TakesAnItemFromItsParentToWhichItGoesOnReporting) {
+  const Item root = item(3, 10);
+  const Item child = root->childProgressItemWithTotalCount(5);
+  root->makeChildCurrent(child);
+  indicator->displayProgressItem(child);
+  EXPECT_THAT(root->children(), IsEmpty());
+  EXPECT_EQ(root->currentChild(), nullptr);
+  EXPECT_EQ(child->parent(), root);
+  advance(10);
+  delegate->take();
+  child->updateValue(2);
+  advance(1000);
+  EXPECT_THAT(delegate->take(), IsEmpty());
+  child->addToIndicator();
+  EXPECT_EQ(root->currentChild(), nullptr);
+}
+
+TEST_F(ORLFProgressIndicatorTest, AnswersNoForNil) {
+  EXPECT_FALSE(indicator->isProgressItemVisible(nullptr));
+  EXPECT_FALSE(indicator->isDisplayingProgressItem(nullptr));
+  indicator->displayProgressItem(item(1, 2));
+  EXPECT_FALSE(indicator->isProgressItemVisible(nullptr));
+  EXPECT_FALSE(indicator->isDisplayingProgressItem(nullptr));
+  indicator->removeProgressItem(nullptr);
+}
+
+TEST_F(ORLFProgressIndicatorTest, NormalizesWithoutTakingTheMinimumOff) {
+  indicator->setMinValue(10);
+  indicator->setMaxValue(20);
+  indicator->setCurrentValue(15);
+  EXPECT_EQ(indicator->normalizedValue(), 1.5);
+  indicator->setMaxValue(10);
+  EXPECT_EQ(indicator->normalizedValue(), 0);
+  indicator->setMaxValue(std::nan(""));
+  EXPECT_TRUE(std::isnan(indicator->normalizedValue()));
+}
+
+TEST_F(ORLFProgressIndicatorTest, ClearsTheIndicatorOfItsItemsWhenItGoes) {
+  auto leaving = std::make_shared<ORLFProgressIndicator>();
+  const std::weak_ptr<ORLFProgressIndicator> weak = leaving;
+  const Item root = item(1, 2);
+  leaving->displayProgressItem(root);
+  root->setCurrentIndicator(indicator);
+  leaving.reset();
+  EXPECT_FALSE(weak.expired());  // the armed update holds it
+  advance(10);
+  EXPECT_TRUE(weak.expired());
+  EXPECT_EQ(root->currentIndicator(), nullptr);
+}
+
+TEST_F(ORLFProgressIndicatorTest, EndsAHoldInSilenceWhenItIsGone) {
+  auto leaving = std::make_shared<ORLFProgressIndicator>();
+  leaving->setDelegate(delegate);
+  const Item root = item(1, 2);
+  leaving->displayProgressItem(root);
+  leaving->removeProgressItem(root);
+  leaving.reset();
+  EXPECT_EQ(loop.waiting(), 1U);
+  advance(1000);
+  EXPECT_THAT(delegate->take(), IsEmpty());
+  EXPECT_THAT(loop.later(), IsEmpty());
+}
+
+TEST_F(ORLFProgressIndicatorTest, DestroysNothingInsideItsQueue) {
+  struct Dying final : ORLFProgressItem {
+    explicit Dying(int& count) : outside(count) {}
+    ~Dying() override {
+      const char* label = dispatch_queue_get_label(DISPATCH_CURRENT_QUEUE_LABEL);
+      if (label != dispatch_queue_get_label(ORLFProgressIndicator::sharedProgressIndicatorQueue()))
+        ++outside;
+    }
+    int& outside;
+  };
+  int outside = 0;
+  for (int round = 0; round < 3; ++round) {
+    auto dying = std::make_shared<Dying>(outside);
+    indicator->displayProgressItem(dying);
+    if (round == 1) advance(20);
+    std::weak_ptr<Dying> weak = dying;
+    dying.reset();
+    if (const auto held = weak.lock()) indicator->removeProgressItem(held);
+    advance(300);
+    EXPECT_TRUE(weak.expired());
+  }
+  EXPECT_EQ(outside, 3);
+}
+
+TEST_F(ORLFProgressIndicatorTest, ReadsAndSetsByName) {
+  indicator->setValueForKey(4.0, "maxValue");
+  indicator->setValueForKey(1.0, "currentValue");
+  indicator->setValueForKey("text", "message");
+  EXPECT_EQ(indicator->valueForKey("normalizedValue"), id(0.25));
+  EXPECT_EQ(indicator->message(), "text");
+  EXPECT_EQ(indicator->className(), "ORLFProgressIndicator");
+}
+
+/// On the clock of the world.
+TEST(ORLFProgressIndicatorOnTheRealClock, ShowsAHundredthAndHoldsAQuarterOfASecond) {
+  using Clock = std::chrono::steady_clock;
+  const auto delegate = std::make_shared<Watching>();
+  const auto indicator = std::make_shared<ORLFProgressIndicator>();
+  indicator->setDelegate(delegate);
+  const auto root = std::make_shared<ORLFProgressItem>();
+  const auto waitFor = [&](std::size_t count, Clock::duration atMost) {
+    const auto start = Clock::now();
+    while (delegate->shown.size() < count && Clock::now() - start < atMost) pumpMainQueue(0.05);
+    return Clock::now() - start;
+  };
+  root->updateValue(3, 10);
+  indicator->displayProgressItem(root);
+  EXPECT_GE(waitFor(1, std::chrono::seconds(5)), std::chrono::milliseconds(9));
+  EXPECT_THAT(delegate->shown, ElementsAre(3));
+  indicator->removeProgressItem(root);
+  EXPECT_GE(waitFor(3, std::chrono::seconds(5)), std::chrono::milliseconds(250));
+  EXPECT_THAT(delegate->shown, ElementsAre(3, 3, -1));
+}
+
+}  // namespace
+}  // namespace ORLFoundation
