@@ -1,16 +1,22 @@
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <ostream>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/command_line.h"
 #include "cli/failure.h"
 #include "cli/json_output.h"
 #include "cli/message_text.h"
+#include "cli/progress_line.h"
 #include "cli/table.h"
 #include "commands.h"
 #include "interchange/csv_inference.h"
 #include "interchange/csv_rows.h"
+#include "io/byte_source.h"
 #include "io/input_file.h"
 #include "io/text_input.h"
 #include "session.h"
@@ -19,6 +25,8 @@ namespace orlftool {
 namespace {
 
 using namespace ORLFoundation;
+
+constexpr std::string_view kKind = "separated text";
 
 struct CsvArguments {
   std::string file;
@@ -62,9 +70,28 @@ Json jsonOf(const std::vector<Finding>& findings) {
   return rows;
 }
 
+/// A file with a line of progress on a terminal.
+ByteSource openWatched(const std::string& path, std::ostream& err) {
+  ByteSource source = openBytes(path, kKind);
+  const auto progress = std::make_shared<ProgressLine>(err, source.size);
+  source.read = [progress, read = source.read,
+                 position = std::uint64_t{0}](std::span<char> buffer) mutable {
+    const std::size_t count = read(buffer);
+    progress->update(position += count);
+    return count;
+  };
+  return source;
+}
+
+/// Of a file, which can be read again, and of anything else, which is kept in memory.
+std::vector<Finding> findingsOf(Session& session, const std::string& path) {
+  if (path != "-" && openBytes(path, kKind).size)
+    return inferTable([&] { return openWatched(path, session.err); }, session.calendar);
+  return inferTable(readInputFile(path, kKind), session.calendar);
+}
+
 void printFindings(Session& session, const CsvArguments& arguments) {
-  const std::vector<Finding> findings =
-      inferTable(readInputFile(arguments.file, "separated text"), session.calendar);
+  const std::vector<Finding> findings = findingsOf(session, arguments.file);
   if (session.options.json) {
     printJson(session.out, jsonOf(findings));
     return;
