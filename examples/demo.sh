@@ -79,7 +79,6 @@ echo 'Rent;-700' >"$output/backup/2022/may.csv"
 run mirror "$output/books" "$output/backup" --dry-run
 run mirror "$output/books" "$output/backup"
 
-printf '\nThe chart is in %s\n' "$output/mortgage.svg"
 say "The application for a loan as a process: checked, drawn, and walked by commands from a pipe"
 run process check "$here/loan_application.xml"
 run process graph "$here/loan_application.xml" -o "$output/loan_application.dot"

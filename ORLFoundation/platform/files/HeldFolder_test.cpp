@@ -17,7 +17,6 @@ namespace {
 namespace fs = std::filesystem;
 using namespace internal::files;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::SizeIs;
 
 class Held : public orlftest::TemporaryFolderTest {
