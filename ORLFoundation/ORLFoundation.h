@@ -207,6 +207,15 @@
 #include <ORLFoundation/support/strings/ORLFAttributedStringUtilities.h>
 #include <ORLFoundation/support/strings/ORLFPredicateUtilities.h>
 #include <ORLFoundation/support/strings/ORLFStringUtilities.h>
+#include <ORLFoundation/tasks/async/AsyncSemaphore.h>
+#include <ORLFoundation/tasks/async/CooperativeContext.h>
+#include <ORLFoundation/tasks/async/CooperativeTask.h>
+#include <ORLFoundation/tasks/async/ORLFAsyncBlockTask.h>
+#include <ORLFoundation/tasks/async/ORLFAsyncTask.h>
+#include <ORLFoundation/tasks/async/ORLFAsyncTaskBase.h>
+#include <ORLFoundation/tasks/async/ORLFDelayedBlock.h>
+#include <ORLFoundation/tasks/async/ORLFDispatch.h>
+#include <ORLFoundation/tasks/async/ORLFThreading.h>
 #include <ORLFoundation/tasks/operations/ORLFOperationBarrier.h>
 #include <ORLFoundation/tasks/operations/ORLFOperationQueue.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressIndicator.h>
