@@ -69,6 +69,16 @@ run span 2024-01-01 2025-01-01 --compact
 run span 2024-11-01 2025-03-01 --compact
 run span 2024-01-05 2024-01-08 --locale de_DE
 
+say "A backup brought into line with its books: first what that would do"
+rm -rf "$output/books" "$output/backup"
+mkdir -p "$output/books/2024" "$output/backup/2022"
+echo 'Rent;-800' >"$output/books/2024/may.csv"
+echo 'Cash;Savings' >"$output/books/accounts.csv"
+echo 'Cash' >"$output/backup/accounts.csv"
+echo 'Rent;-700' >"$output/backup/2022/may.csv"
+run mirror "$output/books" "$output/backup" --dry-run
+run mirror "$output/books" "$output/backup"
+
 say "The application for a loan as a process: checked, drawn, and walked by commands from a pipe"
 run process check "$here/loan_application.xml"
 run process graph "$here/loan_application.xml" -o "$output/loan_application.dot"

@@ -1,6 +1,7 @@
 #include <tests/support/TemporaryFolder.h>
 
 #include <tests/support/Files.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -11,8 +12,15 @@
 
 namespace orlftest {
 
-TemporaryFolder::TemporaryFolder() {
-  std::string pattern = testing::TempDir() + "/orlfXXXXXX";
+std::string parentInMemory() {
+  constexpr const char* kMemory = "/dev/shm";
+  return ::access(kMemory, W_OK | X_OK) == 0 ? kMemory : testing::TempDir();
+}
+
+TemporaryFolder::TemporaryFolder() : TemporaryFolder(testing::TempDir()) {}
+
+TemporaryFolder::TemporaryFolder(const std::string& parent) {
+  std::string pattern = parent + "/orlfXXXXXX";
   if (::mkdtemp(pattern.data()) == nullptr)
     throw std::system_error(errno, std::generic_category(), pattern);
   path_ = pattern;

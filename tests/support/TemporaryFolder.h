@@ -18,10 +18,14 @@
 
 namespace orlftest {
 
+/// Where a folder for thousands of small changes is made: in memory, where the system offers that.
+[[nodiscard]] std::string parentInMemory();
+
 class TemporaryFolder {
  public:
   /// Throws where no folder can be made.
   TemporaryFolder();
+  explicit TemporaryFolder(const std::string& parent);
   ~TemporaryFolder();
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
@@ -40,6 +44,8 @@ class TemporaryFolder {
 
 class TemporaryFolderTest : public testing::Test {
  protected:
+  TemporaryFolderTest() = default;
+  explicit TemporaryFolderTest(const std::string& parent) : temporary_(parent) {}
   [[nodiscard]] std::string path(const std::string& name) const { return folder_ / name; }
   std::string write(const std::string& name, std::string_view content) const {
     return temporary_.write(name, content);

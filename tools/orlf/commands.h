@@ -31,6 +31,12 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareLoanCommand(Options& options);
 /// `orlf irr`  The internal rate of return of dated cash flows.
 [[nodiscard]] Job declareIrrCommand(Options& options);
+/// `orlf mirror`  A folder brought into line with another one.
+[[nodiscard]] Job declareMirrorCommand(Options& options);
+/// `orlf store-info`  The metadata of a store file.
+[[nodiscard]] Job declareStoreInfoCommand(Options& options);
+/// `orlf same-file`  Whether two paths lead to one file.
+[[nodiscard]] Job declareSameFileCommand(Options& options);
 /// `orlf axis`  The scale of a chart axis.
 [[nodiscard]] Job declareAxisCommand(Options& options);
 /// `orlf amount`  Amounts as people type them.

@@ -52,6 +52,9 @@ constexpr std::array kCommands{
     Command{"process", &declareProcessCommand},
     Command{"watch", &declareWatchCommand},
     Command{"template-image", &declareTemplateImageCommand},
+    Command{"mirror", &declareMirrorCommand},
+    Command{"store-info", &declareStoreInfoCommand},
+    Command{"same-file", &declareSameFileCommand},
 };
 
 constexpr const char* kFooter =

@@ -232,7 +232,7 @@ Json questionsOf(const Json& calls) {
 
 std::string checkOnDisk(const Json& in, const Json& out) {
   if (in.contains("fail")) return "";
-  const orlftest::TemporaryFolder folder;
+  const orlftest::TemporaryFolder folder(orlftest::parentInMemory());
   const auto destination = folder.path() / "destination", source = folder.path() / "source";
   makeTree(destination, in.at("destination"));
   makeTree(source, in.at("source"));
@@ -262,11 +262,11 @@ std::string checkOnDisk(const Json& in, const Json& out) {
                              {"result", result}});
 }
 
-TEST(ORLFDirectoryReplacement, AgreesWithTheVectors) {
+TEST(ORLFDirectoryReplacementVectors, AgreesWithTheVectors) {
   orlftest::runJsonVectors("files_replace", {{"replaceContents", &checkInMemory}});
 }
 
-TEST(ORLFDirectoryReplacement, AgreesWithTheVectorsOnDisk) {
+TEST(ORLFDirectoryReplacementVectors, AgreesWithTheVectorsOnDisk) {
   orlftest::runJsonVectors("files_replace", {{"replaceContents", &checkOnDisk}});
 }
 

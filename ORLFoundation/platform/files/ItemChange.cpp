@@ -1,5 +1,7 @@
 #include <ORLFoundation/platform/files/ItemChange.h>
 
+#include <ORLFoundation/platform/value/NSUUID.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <optional>
@@ -7,27 +9,36 @@
 namespace ORLFoundation::internal::files {
 namespace {
 
-constexpr mode_t kRightBits = 07777;
+constexpr mode_t kModeOfFolder = 07777;
 constexpr mode_t kOwnerWrites = 0200, kOwnerAll = 0700;
 
-FileOutcome failed(FileWork work, const HeldFolder& root, const std::string& item) {
+FileOutcome failedAt(FileWork work, const HeldFolder& root, const std::string& item) {
   return FileFailure{work, errno, root.pathOf(item)};
+}
+
+/// Brings a folder whose path has grown too long to the root, where it has a short one.
+FileOutcome removeDeep(HeldFolder& root, const std::string& item) {
+  const std::string name = ".deep-" + NSUUID::UUID().UUIDString();
+  if (auto failure = moveItem(root, item, root, name, 0)) return failure;
+  return removeItem(root, name, RemoveByForce::Yes);
 }
 
 FileOutcome removeFolder(HeldFolder& root, const std::string& item, RemoveByForce force) {
   const int holder = root.folderOf(item);
-  if (holder < 0) return failed(FileWork::Remove, root, item);
+  if (holder < 0) return failedAt(FileWork::Remove, root, item);
   if (force == RemoveByForce::Yes && !root.calls().setMode(holder, nameOfPath(item), kOwnerAll))
-    return failed(FileWork::Remove, root, item);
+    return failedAt(FileWork::Remove, root, item);
   const auto entries = root.list(item);
-  if (!entries) return failed(FileWork::Remove, root, item);
+  if (!entries && errno == ENAMETOOLONG && force == RemoveByForce::Yes)
+    return removeDeep(root, item);
+  if (!entries) return failedAt(FileWork::Remove, root, item);
   for (const FolderEntry& entry : *entries)
     if (auto failure = removeItem(root, joinedPath(item, entry.name), force)) return failure;
   root.forgetLastFolder();
   const int emptied = root.folderOf(item);
   if (emptied >= 0 && root.calls().remove(emptied, nameOfPath(item), AT_REMOVEDIR))
     return std::nullopt;
-  return failed(FileWork::Remove, root, item);
+  return failedAt(FileWork::Remove, root, item);
 }
 
 /// Lets the owner write to a folder for as long as it is moved.
@@ -36,7 +47,7 @@ class OpenedUp {
   OpenedUp(HeldFolder& root, const std::string& item) : root_(root), item_(item) {
     struct stat status {};
     if (!root.status(item, status) || !S_ISDIR(status.st_mode)) return;
-    mode_ = status.st_mode & kRightBits;
+    mode_ = status.st_mode & kModeOfFolder;
     isDone_ = (mode_ & kOwnerWrites) == 0 && set(root, item, mode_ | kOwnerWrites);
   }
   [[nodiscard]] bool isDone() const noexcept { return isDone_; }
@@ -76,24 +87,24 @@ bool renameItem(HeldFolder& from, const std::string& item, HeldFolder& to,
 
 FileOutcome removeItem(HeldFolder& root, const std::string& item, RemoveByForce force) {
   const int holder = root.folderOf(item);
-  if (holder < 0) return failed(FileWork::Remove, root, item);
+  if (holder < 0) return failedAt(FileWork::Remove, root, item);
   if (root.calls().remove(holder, nameOfPath(item))) return std::nullopt;
   if (errno == EISDIR) return removeFolder(root, item, force);
-  return failed(FileWork::Remove, root, item);
+  return failedAt(FileWork::Remove, root, item);
 }
 
 FileOutcome moveItem(HeldFolder& from, const std::string& item, HeldFolder& to,
                      const std::string& toItem, unsigned flags) {
   if (renameItem(from, item, to, toItem, flags)) return std::nullopt;
-  if (errno != EACCES) return failed(FileWork::Write, to, toItem);
-  const auto refusal = failed(FileWork::Write, to, toItem);
+  if (errno != EACCES) return failedAt(FileWork::Write, to, toItem);
+  auto refusal = failedAt(FileWork::Write, to, toItem);
   OpenedUp moved(from, item), displaced(to, toItem);
   if (!moved.isDone() && !displaced.isDone()) return refusal;
   if (renameItem(from, item, to, toItem, flags)) {
     moved.undoAt(to, toItem);
     return std::nullopt;
   }
-  const auto failure = failed(FileWork::Write, to, toItem);
+  auto failure = failedAt(FileWork::Write, to, toItem);
   moved.undo();
   displaced.undo();
   return failure;

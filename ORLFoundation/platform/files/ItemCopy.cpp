@@ -15,8 +15,8 @@ constexpr std::size_t kBufferBytes = std::size_t{1} << 17;
 /// From this size on the kernel copies, which may share the blocks instead.
 constexpr off_t kLargeBytes = off_t{1} << 20;
 constexpr off_t kBlockBytes = 512;  // the unit of st_blocks
-constexpr mode_t kPrivateFile = 0600, kPrivateFolder = 0700;
-constexpr mode_t kRightBits = 07777;
+constexpr mode_t kNewFile = 0600, kNewFolder = 0700;
+constexpr mode_t kModeBitsOfCopy = 07777;
 /// The rights to run a file as its owner or its group.
 constexpr mode_t kIdentityBits = 06000;
 
@@ -63,7 +63,7 @@ FileOutcome ItemCopy::copyFile(const std::string& from, const std::string& to) {
   if (!original.isOpen() || !calls_.status(original.number(), status)) return unreadable();
   if (kindOf(status) != FileKind::File) errno = EAGAIN;
   if (kindOf(status) != FileKind::File) return unreadable();
-  const mode_t mode = (status.st_mode & 0777) | kPrivateFile;
+  const mode_t mode = (status.st_mode & 0777) | kNewFile;
   OpenFile made = target_.open(to, O_WRONLY | O_CREAT | O_EXCL, mode);
   if (!made.isOpen()) return unwritable();
   if (auto failure = copyBytes(original.number(), made.number(), status)) return failure;
@@ -89,7 +89,7 @@ FileOutcome ItemCopy::copyLink(const std::string& from, const std::string& to,
 
 FileOutcome ItemCopy::copyFolder(const std::string& from, const std::string& to) {
   const int target = target_.folderOf(to);
-  if (target < 0 || !calls_.makeFolder(target, nameOfPath(to), kPrivateFolder)) return unwritable();
+  if (target < 0 || !calls_.makeFolder(target, nameOfPath(to), kNewFolder)) return unwritable();
   const auto entries = source_.list(from);
   if (!entries) return unreadable();
   for (const FolderEntry& entry : *entries)
@@ -147,7 +147,7 @@ FileOutcome ItemCopy::copyPart(int from, int to, off_t begin, off_t end) {
 FileOutcome ItemCopy::keepTraits(int from, int to, const struct stat& original) {
   struct stat made {};
   if (!calls_.status(to, made)) return unwritable();
-  mode_t mode = original.st_mode & kRightBits;
+  mode_t mode = original.st_mode & kModeBitsOfCopy;
   const bool isOwned = made.st_uid == original.st_uid && made.st_gid == original.st_gid;
   if (!isOwned && !calls_.setOwner(to, original.st_uid, original.st_gid)) {
     if (errno != EPERM) return unwritable();
@@ -155,7 +155,7 @@ FileOutcome ItemCopy::keepTraits(int from, int to, const struct stat& original) 
   }
   if (auto failure = keepAttributes(from, to)) return failure;
   // Giving a file away took the identity bits.
-  const bool hasMode = isOwned && (made.st_mode & kRightBits) == mode;
+  const bool hasMode = isOwned && (made.st_mode & kModeBitsOfCopy) == mode;
   if (!hasMode && !calls_.setMode(to, mode)) return unwritable();
   return calls_.setTimes(to, original) ? std::nullopt : unwritable();
 }

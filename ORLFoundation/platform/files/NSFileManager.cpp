@@ -18,9 +18,9 @@ namespace {
 
 using namespace internal::files;
 
-constexpr mode_t kRightBits = 07777;
+constexpr mode_t kPermissionBits = 07777;
 constexpr mode_t kSharedFile = 0666;  // of which the process's mask takes away
-constexpr mode_t kPrivateFile = 0600, kPrivateFolder = 0700;
+constexpr mode_t kUnsharedFile = 0600, kTemporaryFolder = 0700;
 
 /// An item by the folder that it stands in, which is held open, and its name there.
 struct Place {
@@ -46,7 +46,7 @@ std::optional<Place> placeOf(FileCalls& calls, const NSURL& url, FileWork work, 
 std::optional<mode_t> permissionsIn(const std::shared_ptr<NSDictionary>& attributes) {
   if (!attributes) return std::nullopt;
   const auto mode = attributes->objectForKey(NSFilePosixPermissions).as<NSUInteger>();
-  return mode ? std::optional<mode_t>(static_cast<mode_t>(*mode) & kRightBits) : std::nullopt;
+  return mode ? std::optional<mode_t>(static_cast<mode_t>(*mode) & kPermissionBits) : std::nullopt;
 }
 
 std::string_view textOf(const std::optional<NSData>& contents) {
@@ -113,7 +113,7 @@ std::shared_ptr<NSDictionary> NSFileManager::attributesOfItemAtPath(const std::s
        {NSFileSystemFileNumber, std::uint64_t{status.st_ino}},
        {NSFileSize, std::int64_t{status.st_size}},
        {NSFileModificationDate, date},
-       {NSFilePosixPermissions, std::uint64_t{status.st_mode & kRightBits}}});
+       {NSFilePosixPermissions, std::uint64_t{status.st_mode & kPermissionBits}}});
 }
 
 bool NSFileManager::createFileAtPath(const std::string& path, const std::optional<NSData>& contents,
@@ -133,7 +133,7 @@ bool NSFileManager::createNewFileAtPath(const std::string& path,
   if (!isNameOfFile(path)) return false;
   const auto mode = permissionsIn(attributes);
   OpenFile file(*calls_, calls_->open(AT_FDCWD, path, O_WRONLY | O_CREAT | O_EXCL,
-                                      mode ? kPrivateFile : kSharedFile));
+                                      mode ? kUnsharedFile : kSharedFile));
   if (!file.isOpen()) return false;
   if (writeNew(*calls_, std::move(file), textOf(contents), mode)) return true;
   static_cast<void>(calls_->remove(AT_FDCWD, path));
@@ -202,7 +202,7 @@ std::optional<NSURL> NSFileManager::URLForDirectory(NSUInteger directory, NSUInt
   const std::string made = joinedPath(isFolder ? *path : holderOf(*path),
                                       ".orlf-temporary-" + NSUUID::UUID().UUIDString());
   errno = EINVAL;
-  if (isKnown && calls_->makeFolder(AT_FDCWD, made, kPrivateFolder))
+  if (isKnown && calls_->makeFolder(AT_FDCWD, made, kTemporaryFolder))
     return NSURL::fileURLWithPath(made);
   fillErrorSlot(error, {FileWork::Write, errno, made});
   return std::nullopt;

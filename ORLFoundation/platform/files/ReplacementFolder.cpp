@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::string_view kPrefix = ".orlf-replacing-";
 constexpr std::size_t kDigits = 8;
-constexpr mode_t kPrivateFolder = 0700;
+constexpr mode_t kOwnFolder = 0700;
 constexpr int kMostTries = 8;
 
 bool isDigitOfName(char c) { return base::isDigit(c) || (c >= 'A' && c <= 'F'); }
@@ -41,7 +41,7 @@ std::unique_ptr<ReplacementFolder> ReplacementFolder::make(HeldFolder& root, Fil
   // Another process may take a new folder for an abandoned one until it is locked.
   for (int tries = 0; tries < kMostTries; ++tries) {
     name = std::string(kPrefix) + NSUUID::UUID().UUIDString().substr(0, kDigits);
-    if (!root.calls().makeFolder(root.number(), name, kPrivateFolder)) break;
+    if (!root.calls().makeFolder(root.number(), name, kOwnFolder)) break;
     OpenFile folder = lockedFolder(root, name);
     if (folder.isOpen())
       return std::unique_ptr<ReplacementFolder>(

@@ -1,0 +1,133 @@
+#include <ORLFoundation/files/operations/ORLFDirectoryReplacement.h>
+#include <ORLFoundation/platform/files/NSURLResourceValues.h>
+
+#include <cstddef>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "cli/command_line.h"
+#include "cli/failure.h"
+#include "cli/json_output.h"
+#include "cli/message_text.h"
+#include "commands.h"
+#include "files/file_argument.h"
+#include "session.h"
+
+namespace orlftool {
+namespace {
+
+using namespace ORLFoundation;
+
+struct MirrorArguments {
+  std::string source, destination;
+  bool isDryRun = false, keepsRemoved = false, bringsToDisk = false;
+};
+
+/// What is to be done, as the handler hears of it.
+class MirrorPlan {
+ public:
+  struct Line {
+    const char* action;
+    std::string item;
+  };
+
+  MirrorPlan(const MirrorArguments& arguments, const std::string& destination)
+      : isDryRun_(arguments.isDryRun),
+        keepsRemoved_(arguments.keepsRemoved),
+        prefixLength_(stringByResolvingSymlinksInPath(destination).size() + 1) {}
+
+  bool operator()(const NSURL& url, ORLFDirectoryReplacementAction action) {
+    const std::string path = url.path();
+    const std::string item = path.size() > prefixLength_ ? path.substr(prefixLength_) : path;
+    switch (action) {
+      case ORLFDirectoryReplacementActionDescend:
+        return true;
+      case ORLFDirectoryReplacementActionAdd:
+        return note("add", item, added_);
+      case ORLFDirectoryReplacementActionReplace:
+        return note("replace", item, replaced_);
+      default:
+        return remove(item);
+    }
+  }
+
+  void print(Session& session) const {
+    if (session.options.json) {
+      Json actions = Json::array();
+      for (const Line& line : lines_)
+        actions.push_back({{"action", line.action}, {"item", line.item}});
+      printJson(session.out, {{"dryRun", isDryRun_},
+                              {"added", added_},
+                              {"replaced", replaced_},
+                              {"removed", removed_},
+                              {"kept", kept_},
+                              {"actions", std::move(actions)}});
+      return;
+    }
+    if (isDryRun_)
+      for (const Line& line : lines_)
+        session.out << line.action << ' ' << oneLine(line.item) << '\n';
+    session.out << (isDryRun_ ? "To add: " : "Added: ") << added_
+                << (isDryRun_ ? ", to replace: " : ", replaced: ") << replaced_
+                << (isDryRun_ ? ", to remove: " : ", removed: ") << removed_;
+    if (keepsRemoved_) session.out << (isDryRun_ ? ", to keep: " : ", kept: ") << kept_;
+    session.out << '\n';
+  }
+
+ private:
+  bool note(const char* action, const std::string& item, std::size_t& count) {
+    ++count;
+    lines_.push_back({action, item});
+    return !isDryRun_;
+  }
+  /// What a folder holds that stays is asked about too, and goes without saying.
+  bool remove(const std::string& item) {
+    const bool isInside = !last_.empty() && item.starts_with(last_);
+    if (isInside) return false;
+    if (isDryRun_ || keepsRemoved_) last_ = item + "/";
+    if (!keepsRemoved_) return note("remove", item, removed_);
+    static_cast<void>(note("keep", item, kept_));
+    return false;
+  }
+
+  const bool isDryRun_, keepsRemoved_;
+  const std::size_t prefixLength_;
+  std::vector<Line> lines_;
+  std::size_t added_ = 0, replaced_ = 0, removed_ = 0, kept_ = 0;
+  std::string last_;
+};
+
+void runMirror(Session& session, const MirrorArguments& arguments) {
+  const std::string destination = absolutePathOfArgument("DESTINATION", arguments.destination);
+  const NSURL source = fileURLOfArgument("SOURCE", arguments.source);
+  MirrorPlan plan(arguments, destination);
+  NSFileManager manager;
+  manager.setBringsCopiesToDisk(arguments.bringsToDisk);
+  std::shared_ptr<const NSError> error;
+  if (!orlfReplaceContentsOfDirectoryAtURL(manager, NSURL::fileURLWithPath(destination), source, 0,
+                                           std::ref(plan), &error))
+    throw JobFailure(error->localizedDescription());
+  plan.print(session);
+}
+
+}  // namespace
+
+Job declareMirrorCommand(Options& options) {
+  options.describe(
+      "Bring a folder into line with another one: add what it lacks, replace every file that both\n"
+      "have, remove what the source does not have. Each item changes in one step. Both folders\n"
+      "must be there.");
+  auto arguments = std::make_shared<MirrorArguments>();
+  options.required("SOURCE", arguments->source, "The folder to take from");
+  options.required("DESTINATION", arguments->destination, "The folder to change");
+  options.flag("--dry-run", arguments->isDryRun, "Only print what would be done");
+  options.flag("--keep-removed", arguments->keepsRemoved,
+               "Leave what only the destination has where it is");
+  options.flag("--fsync", arguments->bringsToDisk,
+               "Bring each file to the disk before it takes its place");
+  return [arguments](Session& session) { runMirror(session, *arguments); };
+}
+
+}  // namespace orlftool
