@@ -33,7 +33,8 @@ class Trees {
     for (int i = 0; i < count_; ++i) {
       const fs::path folder = source() / ("folder" + std::to_string(i / kFilesOfFolder));
       if (i % kFilesOfFolder == 0) fs::create_directories(folder);
-      std::ofstream(folder / ("file" + std::to_string(i))) << std::string(static_cast<std::size_t>(200 + i % 1000), 'x');
+      std::ofstream(folder / ("file" + std::to_string(i)))
+          << std::string(static_cast<std::size_t>(200 + i % 1000), 'x');
     }
   }
   ~Trees() { fs::remove_all(root_); }
