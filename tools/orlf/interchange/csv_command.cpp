@@ -41,7 +41,7 @@ void printRows(Session& session, const CsvArguments& arguments) {
   RowPrinter printer(session, input.name(), delimiterType);
   bool isFirst = true;
   bool hasTabs = false;
-  readTable(input, separator, session, [&](const ORLFTabularRow& row, bool&) {
+  readTable(input, separator, [&](const ORLFTabularRow& row, bool&) {
     if (isFirst && row.fields.size() == 1)
       hasTabs = row.fields.front().find('\t') != row.fields.front().npos;
     isFirst = false;

@@ -7,8 +7,10 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <optional>
 
 #include "cli/failure.h"
+#include "progress/work_progress.h"
 
 namespace orlftool {
 namespace {
@@ -28,10 +30,16 @@ std::string readInputFile(const std::string& path, std::string_view kind) {
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
       isInput ? stdin : std::fopen(path.c_str(), "rb"), isInput ? &closeNothing : &std::fclose);
   if (!file) throw JobFailure(name + ": cannot be read: " + std::strerror(errno));
+  const bool isPlain = !isInput && S_ISREG(status.st_mode);
+  const WorkProgress progress(
+      "Reading " + name,
+      isPlain ? std::optional(static_cast<double>(status.st_size)) : std::nullopt,
+      ProgressUnit::bytes);
   std::string bytes;
   std::array<char, 65536> buffer{};
   while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), file.get())) {
     bytes.append(buffer.data(), count);
+    progress.update(static_cast<double>(bytes.size()));
     if (bytes.size() > kMostBytes)
       throw JobFailure(name + ": expected " + std::string(kind) + " of at most 64 MB, got more");
   }

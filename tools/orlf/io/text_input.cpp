@@ -13,6 +13,7 @@
 
 #include "cli/failure.h"
 #include "cli/message_text.h"
+#include "progress/work_progress.h"
 
 namespace orlftool {
 namespace {
@@ -109,9 +110,12 @@ TextInput::TextInput(const std::string& path, std::optional<NSStringEncoding> en
     if (S_ISDIR(status.st_mode)) throw JobFailure(name_ + ": expected a file, got a directory");
     if (S_ISREG(status.st_mode)) size_ = static_cast<std::uint64_t>(status.st_size);
   }
+  progress_ = std::make_unique<WorkProgress>("Reading " + name_, size_, ProgressUnit::bytes);
   while (raw_.size() < 3 && !isAtEnd_) readRaw();
   detectEncoding();
 }
+
+TextInput::~TextInput() = default;
 
 void TextInput::readRaw() {
   const std::size_t before = raw_.size();
@@ -119,6 +123,7 @@ void TextInput::readRaw() {
   const std::size_t count = std::fread(raw_.data() + before, 1, kPiece, file_.get());
   raw_.resize(before + count);
   position_ += count;
+  progress_->update(static_cast<double>(position_));
   if (std::ferror(file_.get()) != 0)
     throw JobFailure(name_ + ": cannot be read: " + std::strerror(errno));
   isAtEnd_ = count == 0;

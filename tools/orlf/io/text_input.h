@@ -1,4 +1,5 @@
-/// Text files read from front to back as UTF-8, however long they are.
+/// Text files read from front to back as UTF-8, however long they are; how far is shown as
+/// progress.
 ///
 ///     TextInput input("bank.csv", std::nullopt);
 ///     while (const std::size_t count = input.read(buffer)) use(buffer, count);
@@ -16,6 +17,8 @@
 #include <string_view>
 
 namespace orlftool {
+
+class WorkProgress;
 
 /// The names of encodings on the command line, for messages.
 inline constexpr std::string_view kEncodingNames =
@@ -35,6 +38,7 @@ class TextInput {
   /// or UTF-16, and without a mark it is UTF-8. Throws JobFailure for a file that cannot be read
   /// and for a directory.
   TextInput(const std::string& path, std::optional<ORLFoundation::NSStringEncoding> encoding);
+  ~TextInput();
 
   /// For messages: the path, or "standard input".
   [[nodiscard]] const std::string& name() const noexcept { return name_; }
@@ -60,6 +64,7 @@ class TextInput {
   std::string name_;
   File file_;
   std::optional<std::uint64_t> size_;
+  std::unique_ptr<WorkProgress> progress_;
   std::optional<ORLFoundation::NSStringEncoding> encoding_;
   bool isTold_ = false;  // whether the encoding was given
   bool isAtEnd_ = false;
