@@ -63,6 +63,7 @@
 #include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
 #include <ORLFoundation/platform/dispatch/NSDelayedPerforming.h>
 #include <ORLFoundation/platform/dispatch/NSMainQueue.h>
+#include <ORLFoundation/platform/dispatch/NSMainQueuePollBridge.h>
 #include <ORLFoundation/platform/dispatch/NSMonotonicClock.h>
 #include <ORLFoundation/platform/dispatch/NSRunLoop.h>
 #include <ORLFoundation/platform/dispatch/NSSelector.h>
@@ -70,6 +71,7 @@
 #include <ORLFoundation/platform/dispatch/NSTimer.h>
 #include <ORLFoundation/platform/dispatch/dispatch_queue.h>
 #include <ORLFoundation/platform/dispatch/dispatch_semaphore.h>
+#include <ORLFoundation/platform/dispatch/dispatch_source.h>
 #include <ORLFoundation/platform/dispatch/dispatch_time.h>
 #include <ORLFoundation/platform/files/NSDataReading.h>
 #include <ORLFoundation/platform/files/NSDirectoryEnumerator.h>
@@ -114,7 +116,11 @@
 #include <ORLFoundation/platform/object/NSString.h>
 #include <ORLFoundation/platform/object/NSValue.h>
 #include <ORLFoundation/platform/object/NSValueTransformer.h>
+#include <ORLFoundation/platform/operation/NSBlockOperation.h>
+#include <ORLFoundation/platform/operation/NSOperation.h>
+#include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <ORLFoundation/platform/operation/NSProgress.h>
+#include <ORLFoundation/platform/operation/NSQualityOfService.h>
 #include <ORLFoundation/platform/plist/NSPropertyListSerialization.h>
 #include <ORLFoundation/platform/plist/NSPropertyListUID.h>
 #include <ORLFoundation/platform/predicate/NSPredicate.h>
@@ -156,6 +162,8 @@
 #include <ORLFoundation/platform/xml/NSXMLParserDelegate.h>
 #include <ORLFoundation/platform/xml/NSXMLParserLimits.h>
 #include <ORLFoundation/platform/xml/NSXMLParserLoader.h>
+#include <ORLFoundation/process/definition/ORLFProcessDefinitionCheck.h>
+#include <ORLFoundation/process/definition/ORLFProcessDefinitionPlace.h>
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilder.h>
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilderDelegate.h>
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilderStepData.h>
@@ -194,6 +202,8 @@
 #include <ORLFoundation/support/strings/ORLFAttributedStringUtilities.h>
 #include <ORLFoundation/support/strings/ORLFPredicateUtilities.h>
 #include <ORLFoundation/support/strings/ORLFStringUtilities.h>
+#include <ORLFoundation/tasks/operations/ORLFOperationBarrier.h>
+#include <ORLFoundation/tasks/operations/ORLFOperationQueue.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressIndicator.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressObservation.h>

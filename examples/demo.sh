@@ -69,4 +69,16 @@ run span 2024-01-01 2025-01-01 --compact
 run span 2024-11-01 2025-03-01 --compact
 run span 2024-01-05 2024-01-08 --locale de_DE
 
-printf '\nThe chart is in %s\n' "$output/mortgage.svg"
+say "The application for a loan as a process: checked, drawn, and walked by commands from a pipe"
+run process check "$here/loan_application.xml"
+run process graph "$here/loan_application.xml" -o "$output/loan_application.dot"
+if command -v dot >/dev/null; then
+  run process graph "$here/loan_application.xml" -o "$output/loan_application.svg"
+fi
+printf '%s\n' begin next back forward next retired next next alone other cancel |
+  run process run "$here/loan_application.xml" >"$output/walk.txt"
+sed -n '1,14p' "$output/walk.txt"
+echo '...'
+tail -n 2 "$output/walk.txt"
+
+printf '\nThe chart is in %s, the process in %s\n' "$output/mortgage.svg" "$output/loan_application.dot"

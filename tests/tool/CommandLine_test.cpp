@@ -59,7 +59,7 @@ std::vector<Case> readCases(const std::string& name) {
     } else if (text.starts_with("? ")) {
       cases.back().exitCode = std::stoi(text.substr(2));
     } else {
-      cases.back().out += text + '\n';
+      cases.back().out += withFolders(text) + '\n';
     }
   }
   return cases;

@@ -67,5 +67,7 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareTxfCommand(Options& options);
 /// `orlf xml-events`  The events of an XML document.
 [[nodiscard]] Job declareXmlEventsCommand(Options& options);
+/// `orlf process`  Checks, draws and walks a process definition.
+[[nodiscard]] Job declareProcessCommand(Options& options);
 
 }  // namespace orlftool

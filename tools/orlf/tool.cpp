@@ -55,6 +55,7 @@ constexpr std::array kCommands{
     Command{"xml-escape", &declareXmlEscapeCommand, Length::mayBeLong},
     Command{"xml-unescape", &declareXmlUnescapeCommand, Length::mayBeLong},
     Command{"xml-events", &declareXmlEventsCommand, Length::mayBeLong},
+    Command{"process", &declareProcessCommand},
     Command{"template-image", &declareTemplateImageCommand, Length::mayBeLong},
 };
 

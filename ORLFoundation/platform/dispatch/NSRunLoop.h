@@ -62,10 +62,10 @@ class NSRunLoopDescriptor {
 /// The arguments of `performSelector:target:argument:order:modes:`.
 struct NSOrderedPerform {
   NSSelector selector;
-  std::shared_ptr<NSObject> target;
-  id argument;
+  std::shared_ptr<NSObject> target = nullptr;
+  id argument = nullptr;
   NSUInteger order = 0;
-  std::vector<std::string> modes;
+  std::vector<std::string> modes = {};
 };
 
 /// What adds and cancels may be called on any thread, what runs the loop on its own.

@@ -68,8 +68,10 @@ NSSelector selectorOf(std::string name, Result (Class::*operation)(Arguments...)
 
 /// A member of a class as an operation: of no argument, of an `id`, or of a shared pointer, null
 /// for an argument of another class. A target of another class gets nothing.
+// Always inline: GCC 12 gives the instances for classes of one name in the unnamed namespaces of
+// two sources one symbol, and the linker would keep one of them for both.
 template <auto Member>
-[[nodiscard]] NSSelector NSSelectorOf(std::string name) {
+[[nodiscard, gnu::always_inline]] inline NSSelector NSSelectorOf(std::string name) {
   return internal::dispatch::selectorOf(std::move(name), Member);
 }
 

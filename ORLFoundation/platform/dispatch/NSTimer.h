@@ -30,9 +30,9 @@ using NSTimerBlock = std::function<void(NSTimer& timer)>;
 /// The arguments of the operations that name a target. The selector's argument is the timer.
 struct NSTimerArguments {
   NSTimeInterval timeInterval = 0;
-  std::shared_ptr<NSObject> target;
+  std::shared_ptr<NSObject> target = nullptr;
   NSSelector selector;
-  id userInfo;
+  id userInfo = nullptr;
   bool repeats = false;
 };
 

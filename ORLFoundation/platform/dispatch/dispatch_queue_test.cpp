@@ -4,7 +4,7 @@
 #include <ORLFoundation/platform/dispatch/NSMainQueue.h>
 #include <ORLFoundation/platform/dispatch/NSMainQueue_testing.h>
 #include <ORLFoundation/platform/dispatch/NSThread.h>
-#include <ORLFoundation/platform/dispatch/dispatch_semaphore.h>
+#include <ORLFoundation/platform/dispatch/dispatch_semaphore_testing.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -20,14 +20,8 @@
 namespace ORLFoundation {
 namespace {
 
+using orlftest::comes;
 using testing::ElementsAre;
-
-constexpr dispatch_time_t kLong = 20 * NSEC_PER_SEC;
-
-/// Waits for a signal, at most for a long time.
-bool comes(const dispatch_semaphore_t& signal) {
-  return dispatch_semaphore_wait(signal, dispatch_time(DISPATCH_TIME_NOW, kLong)) == 0;
-}
 
 /// Returns when all that was given to a serial queue so far has run.
 void waitFor(const dispatch_queue_t& queue) {

@@ -117,6 +117,14 @@ NSXMLParser::Place NSXMLParser::place() const {
 NSInteger NSXMLParser::lineNumber() const { return place().line; }
 NSInteger NSXMLParser::columnNumber() const { return place().column; }
 
+NSXMLParser::Place NSXMLParser::startTagPlace() const {
+  if (running_ == nullptr) return lastPlace_;
+  const internal::xml::TagPlace tag = running_->startTag();
+  return {tag.line, tag.column};
+}
+NSInteger NSXMLParser::startTagLineNumber() const { return startTagPlace().line; }
+NSInteger NSXMLParser::startTagColumnNumber() const { return startTagPlace().column; }
+
 void NSXMLParser::readSource(PushParser& parser) {
   if (const auto* data = std::get_if<NSData>(&source_)) {
     static_cast<void>(parser.push(data->bytes()));

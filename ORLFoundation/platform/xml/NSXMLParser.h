@@ -88,6 +88,10 @@ class NSXMLParser : public NSObject {
   /// reference.
   [[nodiscard]] NSInteger lineNumber() const;
   [[nodiscard]] NSInteger columnNumber() const;
+  /// Where the tag begins that `parserDidStartElement` tells of, during that call; at other times
+  /// they mean nothing. Of a tag in an entity's text, the place behind the reference.
+  [[nodiscard]] NSInteger startTagLineNumber() const;
+  [[nodiscard]] NSInteger startTagColumnNumber() const;
 
   /// Not held, but for a parse that runs: whoever is set meanwhile hears of the next one.
   [[nodiscard]] std::shared_ptr<NSXMLParserDelegate> delegate() const { return delegate_.lock(); }
@@ -111,6 +115,7 @@ class NSXMLParser : public NSObject {
   void readAddress(const NSURL& url, internal::xml::PushParser& parser);
   [[nodiscard]] std::shared_ptr<const NSError> errorOf(const internal::xml::Fault& fault) const;
   [[nodiscard]] Place place() const;
+  [[nodiscard]] Place startTagPlace() const;
 
   std::variant<NSData, std::shared_ptr<NSInputStream>, NSURL> source_;
   std::weak_ptr<NSXMLParserDelegate> delegate_;

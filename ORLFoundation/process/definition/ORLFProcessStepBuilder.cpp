@@ -29,10 +29,15 @@ std::string present(std::optional<std::string> value, std::string_view element,
   return *std::move(value);
 }
 
+ORLFProcessDefinitionPlace placeOfTag(const NSXMLParser& parser) {
+  return {parser.startTagLineNumber(), parser.startTagColumnNumber()};
+}
+
 }  // namespace
 
 ORLFProcessStepBuilder::Step ORLFProcessStepBuilder::readStepFromURL(const NSURL& url,
                                                                      NSErrorSlot error) {
+  const auto held = weak_from_this().lock();  // a delegate may let go of the builder
   const auto data = dataWithContentsOfURL(url, NSDataReadingMappedIfSafe, error);
   if (!data) return nullptr;
   // Not held: the builder outlives the parser, and need not be held by a pointer itself.
@@ -108,6 +113,7 @@ void ORLFProcessStepBuilder::openRecord(const StepData& record) {
 
 void ORLFProcessStepBuilder::startStep(NSXMLParser& parser, const NSDictionary& attributes) {
   const auto record = std::make_shared<ORLFProcessStepBuilderStepData>();
+  record->setPlace(placeOfTag(parser));
   record->setIdentifier(attribute(attributes, "id"));
   record->setFirstStep(attribute(attributes, "firststep"));
   record->setGroup(record->firstStep().has_value());
@@ -126,6 +132,7 @@ void ORLFProcessStepBuilder::startStepReference(NSXMLParser& parser,
   test(parser, !currentStepData_ || currentStepData_->group(), "self.currentStepData.group",
        "The <stepref> element should only occure in a step group");
   const auto record = std::make_shared<ORLFProcessStepBuilderStepData>();
+  record->setPlace(placeOfTag(parser));
   record->setReference(true);
   record->setIdentifier(attribute(attributes, "id"));
   openRecord(record);
@@ -136,6 +143,7 @@ void ORLFProcessStepBuilder::startTransition(NSXMLParser& parser, const NSDictio
        "We should only get a <transition> element inside a <step> or <stepref> tag.");
   if (!currentStepData_) return;
   auto transition = present(attribute(attributes, "value"), "transition", "value");
+  currentStepData_->transitionPlaces().insert_or_assign(transition, placeOfTag(parser));
   if (auto sibling = attribute(attributes, "stepid")) {
     currentStepData_->transitionMap().insert_or_assign(std::move(transition), *std::move(sibling));
     return;

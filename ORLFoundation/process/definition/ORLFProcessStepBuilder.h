@@ -23,7 +23,10 @@
 /// a property without "key"; a step without "id" inside of another; a reference to no step.
 ///
 /// A builder is meant for one file: a second one is merged into the first, and steps that were
-/// made are not made anew. One thread at a time.
+/// made are not made anew. A delegate may let go of the builder, change its records and ask it for
+/// other steps. One thread at a time.
+///
+/// ORLFProcessDefinitionCheck.h finds what is wrong in a definition, with the places.
 #pragma once
 
 #include <ORLFoundation/platform/object/NSDictionary.h>
@@ -87,7 +90,7 @@ class ORLFProcessStepBuilder : public NSObject, public NSXMLParserDelegate {
   }
 
   /// `fillStep:withData:`  Gives the step what the record tells of it, and the children that stand
-  /// in the record.
+  /// in the record. Raises `NSInvalidArgumentException` without a step.
   void fillStepWithData(const Step& step, const StepData& data);
   /// `fillStep:withTransitionsFromData:`  Transitions, responses and the represented object; the
   /// last stays as it is for a reference that names no type.
@@ -109,6 +112,9 @@ class ORLFProcessStepBuilder : public NSObject, public NSXMLParserDelegate {
   /// A rule of the file that does not hold. Logs "Condition Failed: " with both.
   virtual void ruleIsBroken(NSXMLParser& parser, std::string_view condition,
                             std::string_view message);
+  /// The steps that the records and their references come to. Raises where they lead back to
+  /// themselves or are more than this builder may still make.
+  [[nodiscard]] NSUInteger countOfSteps(const std::vector<StepData>& records) const;
 
  private:
   void startProcess(NSXMLParser& parser, const NSDictionary& attributes);
@@ -120,8 +126,7 @@ class ORLFProcessStepBuilder : public NSObject, public NSXMLParserDelegate {
   void test(NSXMLParser& parser, bool holds, std::string_view condition, std::string_view message);
   void openRecord(const StepData& record);
   [[nodiscard]] StepData targetOf(const StepData& record) const;
-  /// Raises where that would be too many.
-  [[nodiscard]] NSUInteger countOfSteps(const std::vector<StepData>& records) const;
+  [[nodiscard]] Step newStep(const std::string& identifier);
   void makeSteps(const Step& step, const StepData& data);
 
   std::map<std::string, Step, std::less<>> rootStepInstances_;

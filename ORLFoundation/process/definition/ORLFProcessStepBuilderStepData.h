@@ -4,8 +4,11 @@
 
 #include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSObject.h>
+#include <ORLFoundation/process/definition/ORLFProcessDefinitionPlace.h>
 #include <ORLFoundation/process/engine/ORLFProcessStep.h>
 
+#include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -59,6 +62,13 @@ class ORLFProcessStepBuilderStepData : public NSObject {
   /// What the parent gets as its transition, under names of the step's own.
   [[nodiscard]] ORLFProcessStep::ResponseMap& responseMap() noexcept { return responseMap_; }
 
+  /// Where the record's tag begins. An addition to the format's own fields, as is the next one.
+  [[nodiscard]] ORLFProcessDefinitionPlace place() const noexcept { return place_; }
+  void setPlace(ORLFProcessDefinitionPlace value) noexcept { place_ = value; }
+  /// Where the tags of the transitions begin, under their names.
+  using TransitionPlaces = std::map<std::string, ORLFProcessDefinitionPlace, std::less<>>;
+  [[nodiscard]] TransitionPlaces& transitionPlaces() noexcept { return transitionPlaces_; }
+
   [[nodiscard]] std::string className() const override { return "ORLFProcessStepBuilderStepData"; }
   [[nodiscard]] const NSKeyTable& keyTable() const override;
 
@@ -73,6 +83,8 @@ class ORLFProcessStepBuilderStepData : public NSObject {
   std::vector<std::shared_ptr<ORLFProcessStepBuilderStepData>> childSteps_;
   ORLFProcessStep::TransitionMap transitionMap_;
   ORLFProcessStep::ResponseMap responseMap_;
+  ORLFProcessDefinitionPlace place_;
+  TransitionPlaces transitionPlaces_;
 };
 
 }  // namespace ORLFoundation

@@ -22,11 +22,11 @@ struct Task {
   std::shared_ptr<ORLFProcessStep> child;
 };
 
-[[noreturn]] void raiseNoIdentifier(const ORLFProcessStepBuilderStepData& record,
+[[noreturn]] void raiseNoIdentifier(const ORLFProcessStepBuilder::StepData& record,
                                     const ORLFProcessStep& parent) {
   const std::string what =
-      record.reference()
-          ? "<stepref id=\"" + record.identifier().value_or("") + "\"> refers to no step"
+      record && record->reference()
+          ? "<stepref id=\"" + record->identifier().value_or("") + "\"> refers to no step"
           : "<step> has no id";
   throw NSException(NSInvalidArgumentException, "In \"" + parent.identifier() + "\", a " + what);
 }
@@ -42,26 +42,37 @@ void ORLFProcessStepBuilder::parserDidEndDocument(NSXMLParser&) {
   for (const auto& entry : StepDataMap(rootStepDatas_)) rootStepInstanceWithIdentifier(entry.first);
 }
 
+/// The limit holds for what is made, too: whoever is asked for objects may change the records.
+ORLFProcessStepBuilder::Step ORLFProcessStepBuilder::newStep(const std::string& identifier) {
+  if (stepCount_ >= stepLimit_)
+    throw NSException(NSGenericException, "A definition came to more than " +
+                                              std::to_string(stepLimit_) +
+                                              " steps while they were made, at " + identifier);
+  ++stepCount_;
+  return std::make_shared<ORLFProcessStep>(identifier);
+}
+
 ORLFProcessStepBuilder::Step ORLFProcessStepBuilder::rootStepInstanceWithIdentifier(
     const std::string& identifier) {
   const auto known = rootStepInstances_.find(identifier);
   if (known != rootStepInstances_.end()) return known->second;
   const auto entry = rootStepDatas_.find(identifier);
   const StepData data = entry == rootStepDatas_.end() ? nullptr : entry->second;
-  stepCount_ += countOfSteps({data});
-  auto step = std::make_shared<ORLFProcessStep>(identifier);
+  static_cast<void>(countOfSteps({data}));
+  auto step = newStep(identifier);
   rootStepInstances_.emplace(identifier, step);
   makeSteps(step, data);
   return step;
 }
 
 void ORLFProcessStepBuilder::fillStepWithData(const Step& step, const StepData& data) {
-  stepCount_ += countOfSteps({data});
+  if (!step) throw NSException(NSInvalidArgumentException, "There is no step to fill");
+  static_cast<void>(countOfSteps({data}));
   makeSteps(step, data);
 }
 
 NSUInteger ORLFProcessStepBuilder::countOfSteps(const std::vector<StepData>& records) const {
-  ReferenceCensus census(rootStepDatas_);
+  ReferenceCensus census(rootStepDatas_, stepLimit_);
   StepData costliest;
   NSUInteger total = 0;
   for (const StepData& data : records) {
@@ -71,15 +82,15 @@ NSUInteger ORLFProcessStepBuilder::countOfSteps(const std::vector<StepData>& rec
     const NSUInteger left = stepLimit_ - std::min(stepLimit_, stepCount_ + total);
     if (count > left)
       throw NSException(NSGenericException,
-                        "References ask for more than " + std::to_string(stepLimit_) +
-                            " steps, most of all " + census.costliestChain(costliest));
+                        "The definition comes to more than " + std::to_string(stepLimit_) +
+                            " steps, most of all by " + census.costliestChain(costliest));
     total += count;
   }
   return total;
 }
 
 ORLFProcessStepBuilder::StepData ORLFProcessStepBuilder::targetOf(const StepData& record) const {
-  if (!record->reference()) return record;
+  if (!record || !record->reference()) return record;
   if (!record->identifier()) return nullptr;
   const auto target = rootStepDatas_.find(*record->identifier());
   return target == rootStepDatas_.end() ? nullptr : target->second;
@@ -96,8 +107,8 @@ void ORLFProcessStepBuilder::makeSteps(const Step& step, const StepData& data) {
       task.step->addChildStep(task.child);
     } else if (task.kind == Task::kMakeChild) {
       const StepData target = targetOf(task.data);
-      if (!target || !target->identifier()) raiseNoIdentifier(*task.data, *task.step);
-      const auto child = std::make_shared<ORLFProcessStep>(*target->identifier());
+      if (!target || !target->identifier()) raiseNoIdentifier(task.data, *task.step);
+      const auto child = newStep(*target->identifier());
       tasks.push_back({Task::kAddChild, task.step, nullptr, child});
       if (target != task.data) tasks.push_back({Task::kFill, child, task.data, nullptr});
       tasks.push_back({Task::kFill, child, target, nullptr});

@@ -3,6 +3,7 @@
 #include <ORLFoundation/platform/log/NSLog.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <ORLFoundation/platform/xml/NSXMLParser.h>
+#include <ORLFoundation/process/definition/ORLFProcessDefinitionCheck.h>
 #include <ORLFoundation/process/engine/ORLFProcess.h>
 
 #include <cstdint>
@@ -24,17 +25,27 @@ std::size_t countOfTree(ORLFProcessStep& step) {
 
 }  // namespace
 
-// Whatever is read is a tree within the bound, and can be walked.
+// Whatever is read is a tree within the bound, and can be walked. A definition in which nothing is
+// wrong is read in silence, and has a step to begin with.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  NSSetLogSink([](std::string_view) {});
+  static bool isSilent;
+  isSilent = true;
+  NSSetLogSink([](std::string_view) { isSilent = false; });
+  const NSData definition(std::string_view(reinterpret_cast<const char*>(data), size));
   const auto builder = std::make_shared<ORLFProcessStepBuilder>();
   builder->setStepLimit(kMostSteps);
-  NSXMLParser parser{NSData(std::string_view(reinterpret_cast<const char*>(data), size))};
+  NSXMLParser parser(definition);
   parser.setDelegate(builder);
+  bool isRead = false;
   try {
-    static_cast<void>(parser.parse());
+    isRead = parser.parse();
   } catch (const NSException&) {
   }
+  const bool isInOrder =
+      isRead && isSilent && builder->rootStepId() &&
+      builder->rootStepInstanceWithIdentifier(*builder->rootStepId())->initialStep() != nullptr;
+  if (ORLFProcessDefinitionCheck::findingsOfData(definition, kMostSteps).empty() && !isInOrder)
+    std::abort();
   std::size_t count = 0;
   for (const auto& entry : builder->rootStepInstances()) {
     count += countOfTree(*entry.second);

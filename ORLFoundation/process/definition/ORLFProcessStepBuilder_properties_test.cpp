@@ -86,6 +86,10 @@ const LocaleCase kLocales[] = {
     {"de_DE", "1.5", std::nullopt}, {"de_DE", "-7", -7.0},
     {"fr_FR", "1,5", 1.5},          {"fr_FR", "1.5", std::nullopt},
     {"fr_FR", "-7", -7.0},          {"ar_EG", "\u0661\u066b\u0665", 1.5},
+    {"ar_EG", "1.5", std::nullopt}, {"ar_EG", "1,5", 1.5},
+    {"ar_EG", "-7", -7.0},          {"ar_EG", "\u061c-\u0667", -7.0},
+    {"ar_EG", "\u0667", 7.0},       {"ar_EG", "\u0661\u066c\u0662\u0663\u0664", std::nullopt},
+    {"de_DE", "\u0667", 7.0},       {"en_US", "-\u0667", -7.0},
 };
 
 TEST(ORLFProcessProperty, NumbersFollowTheCurrentLocale) {
@@ -108,9 +112,10 @@ TEST(ORLFProcessProperty, NumbersAreThoseOfAFormatterThatWasToldNothing) {
     for (const char* text : {"1,234", "1.234", "1 234", " 1", "1 ", "1e3", "+5", "", "\u0667",
                              "\u22125", "99999999999999999999", "0x10", "NaN", "\u221e", "--1"}) {
       NSNumberFormatter plain;
-      EXPECT_EQ(described(valueOf({{"int", text}}, locale)),
-                described(id(plain.numberFromString(text))))
-          << locale << " " << text;
+      for (const char* name : {"int", "real", "bool"})
+        EXPECT_EQ(described(valueOf({{name, text}}, locale)),
+                  described(id(plain.numberFromString(text))))
+            << locale << " " << name << " " << text;
       NSNumberFormatter decimal;
       decimal.setGeneratesDecimalNumbers(true);
       EXPECT_EQ(described(valueOf({{"decimal", text}}, locale)),

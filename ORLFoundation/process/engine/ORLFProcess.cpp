@@ -41,7 +41,11 @@ void ORLFProcess::record(const Step& step, const id& data) {
   addStateFullIdentifier(std::move(fullIdentifier), data, historyTypeForStep(step));
 }
 
+// A delegate may let go of the process that calls it: each move holds the process, where anybody
+// does, to its end.
+
 ORLFProcess::Step ORLFProcess::run() {
+  const auto held = weak_from_this().lock();
   if (!currentStep_) {
     setCurrentStep(rootStep_ ? rootStep_->initialStep() : nullptr);
     record(Step(currentStep_), nullptr);
@@ -50,6 +54,7 @@ ORLFProcess::Step ORLFProcess::run() {
 }
 
 ORLFProcess::Step ORLFProcess::advanceWithTransition(Transition transition, const id& contextData) {
+  const auto held = weak_from_this().lock();
   if (!canLeaveCurrentStep()) return nullptr;
   const Step from = currentStep_;
   std::int32_t result = kFailed;
@@ -93,6 +98,7 @@ void ORLFProcess::tellOfAdvance(const Step& from, Transition transition, const i
 }
 
 ORLFProcess::Step ORLFProcess::jumpToStep(std::string_view identifierPath, const id& contextData) {
+  const auto held = weak_from_this().lock();
   Step step = rootStep_ ? rootStep_->childStepWithIdentifierPath(identifierPath) : nullptr;
   if (!step) return nullptr;
   setCurrentStep(step);
@@ -107,10 +113,13 @@ bool ORLFProcess::canBack() const {
 }
 
 ORLFProcess::Step ORLFProcess::back() {
+  const auto held = weak_from_this().lock();
   if (!canBack() || !canLeaveCurrentStep()) return nullptr;
   const Step from = currentStep_;
-  if (isCurrentStepInHistory()) --historyIndex_;
-  Step to = moveToStepForHistoryIndex(historyIndex_ - 1);
+  const NSUInteger index = historyIndex_ - (isCurrentStepInHistory() ? 1 : 0);
+  if (index == 0 || index > history_.size()) raiseBeyondHistory("back", index, history_.size());
+  historyIndex_ = index;
+  Step to = moveToStepForHistoryIndex(index - 1);
   if (const auto listener = delegate()) listener->orlfProcessDidLeaveStep(*this, from);
   if (!to) return nullptr;
   if (const auto listener = delegate()) listener->orlfProcessDidBackToStep(*this, to, nullptr);
@@ -120,11 +129,14 @@ ORLFProcess::Step ORLFProcess::back() {
 bool ORLFProcess::canForward() const { return historyIndex_ < history_.size(); }
 
 ORLFProcess::Step ORLFProcess::forward() {
+  const auto held = weak_from_this().lock();
   if (!canForward() || !canLeaveCurrentStep()) return nullptr;
+  if (!canForward()) raiseBeyondHistory("forward", historyIndex_, history_.size());
   return moveToStepForHistoryIndex(historyIndex_++);
 }
 
 void ORLFProcess::clearHistory() {
+  const auto held = weak_from_this().lock();
   if (history_.empty()) return;
   history_.clear();
   historyIndex_ = 0;

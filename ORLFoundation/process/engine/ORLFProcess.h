@@ -8,7 +8,10 @@
 ///     if (process.canBack()) process.back();
 ///     process.advanceWithTransition("quit", nullptr);  // null: the process has ended
 ///
-/// There are no errors: a move that failed answers null. One thread at a time.
+/// There are no errors: a move that failed answers null. A delegate may move the process from
+/// within a call, replace itself, and let go of the process; where it empties the history in the
+/// middle of `back` or `forward`, that move raises `NSRangeException` and changes nothing. One
+/// thread at a time.
 #pragma once
 
 #include <ORLFoundation/platform/object/NSError.h>
@@ -117,8 +120,9 @@ class ORLFProcess : public NSObject {
                                                                  const id& data);
   /// `advanceFromStep:withTransition:contextData:result:`  Finds the next step. The result is 0 for
   /// a step that was found, 1 for a failure, 2 for the end; it comes in as 1. A step that leaves
-  /// its parent hands on its response, nil too, as the parent's transition. After any other result
-  /// of an override, the process ends and nobody is asked.
+  /// its parent hands on its response, nil too, as the parent's transition; an override is called
+  /// once for each advance, not for each group that is left. After any other result of an override,
+  /// the process ends and nobody is asked.
   [[nodiscard]] virtual Step advanceFromStep(const Step& step, Transition transition,
                                              const id& contextData, std::int32_t& result);
   /// `moveToStepForHistoryIndex:`  Makes the step of that entry current, null when the tree has

@@ -217,6 +217,26 @@ TEST(ORLFProcessDeriving, TheSearchDecidesByItsCode) {
   }
 }
 
+TEST(ORLFProcessDeriving, TheSearchIsAskedOnceHoweverManyGroupsAreLeft) {
+  class Counting final : public ORLFProcess {
+   public:
+    using ORLFProcess::ORLFProcess;
+    int searches = 0;
+    Step advanceFromStep(const Step& step, Transition transition, const id& data,
+                         std::int32_t& result) override {
+      ++searches;
+      return ORLFProcess::advanceFromStep(step, transition, data, result);
+    }
+  };
+  Counting process(stepFromDefinition(R"(
+    <step id="root" firststep="g"><step id="g" firststep="h"><transition value="up" stepid="b"/>
+      <step id="h" firststep="a"><transition value="up" end="up"/>
+        <step id="a"><transition value="out" end="up"/></step></step></step><step id="b"/></step>)"));
+  process.run();
+  EXPECT_EQ(nameOfStep(process.advanceWithTransition("out", nullptr)), "root.b");
+  EXPECT_EQ(process.searches, 1);
+}
+
 TEST(ORLFProcessDeriving, AnyOtherCodeEndsTheProcessAndNobodyIsAsked) {
   for (const std::int32_t code : {3, -1, 2'147'483'647}) {
     Derived process;

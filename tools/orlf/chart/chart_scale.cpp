@@ -27,12 +27,6 @@ namespace {
 
 using namespace ORLFoundation;
 
-std::string utf8(const icu::UnicodeString& text) {
-  std::string bytes;
-  text.toUTF8String(bytes);
-  return bytes;
-}
-
 /// A spacing of date marks: so many units, aligned to the unit's count since year 0.
 struct DateStep {
   NSCalendarUnit unit;

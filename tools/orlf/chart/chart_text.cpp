@@ -3,7 +3,6 @@
 #include <unicode/brkiter.h>
 #include <unicode/locid.h>
 #include <unicode/uchar.h>
-#include <unicode/unistr.h>
 
 #include <array>
 #include <cstddef>
@@ -16,12 +15,6 @@ namespace orlftool {
 namespace {
 
 constexpr std::string_view kEllipsis = "\u2026", kTrueMinus = "\u2212";
-
-std::string utf8(const icu::UnicodeString& text) {
-  std::string bytes;
-  text.toUTF8String(bytes);
-  return bytes;
-}
 
 bool isHidden(UChar32 character) {
   const auto type = static_cast<UCharCategory>(u_charType(character));
@@ -94,6 +87,12 @@ std::string withTrueMinus(std::string_view number) {
     }
   }
   return text;
+}
+
+std::string utf8(const icu::UnicodeString& text) {
+  std::string bytes;
+  text.toUTF8String(bytes);
+  return bytes;
 }
 
 }  // namespace orlftool

@@ -1,6 +1,8 @@
 /// Texts as a chart shows them: visible, short enough, with the minus sign of typography.
 #pragma once
 
+#include <unicode/unistr.h>
+
 #include <string>
 #include <string_view>
 
@@ -16,5 +18,6 @@ namespace orlftool {
                                      const TextRuler& ruler);
 /// "-5" with U+2212, which is as wide as a plus sign and no hyphen.
 [[nodiscard]] std::string withTrueMinus(std::string_view number);
+[[nodiscard]] std::string utf8(const icu::UnicodeString& text);
 
 }  // namespace orlftool

@@ -14,31 +14,31 @@ using namespace ORLFoundation;
 
 constexpr std::int64_t kDefaultCount = 20, kMostDates = 1000000;
 
-struct Given {
+struct GivenOption {
   bool isGiven;
   const char* name;
 };
 
-void refuseTogether(const Given& first, const Given& second) {
+void refuseTogether(const GivenOption& first, const GivenOption& second) {
   if (first.isGiven && second.isGiven)
     throw UsageFailure(std::string(first.name) + " does not go together with " + second.name);
 }
 
 void checkCombinations(const DatesArguments& arguments) {
-  const Given range{arguments.from || arguments.to, "--from"}, older{arguments.older, "--older"},
-      exact{arguments.exact, "--exact"}, until{arguments.until.has_value(), "--until"},
-      backwards{arguments.backwards, "--backwards"},
+  const GivenOption range{arguments.from || arguments.to, "--from"},
+      older{arguments.older, "--older"}, exact{arguments.exact, "--exact"},
+      until{arguments.until.has_value(), "--until"}, backwards{arguments.backwards, "--backwards"},
       reference{arguments.reference.has_value(), "--reference"};
   if (arguments.from.has_value() != arguments.to.has_value())
     throw UsageFailure("--from and --to are given together or not at all");
-  for (const Given& other : {until, backwards, exact, older}) refuseTogether(range, other);
+  for (const GivenOption& other : {until, backwards, exact, older}) refuseTogether(range, other);
   refuseTogether(older, exact);
   refuseTogether(reference, exact);
   if (arguments.inclusive && !range.isGiven && !until.isGiven)
     throw UsageFailure("--inclusive needs --to or --until");
-  for (const Given& ofOlder :
-       {Given{!arguments.setPositions.empty(), "--set-pos"},
-        Given{arguments.anchor.has_value(), "--anchor"}, Given{arguments.absolute, "--absolute"}})
+  for (const GivenOption& ofOlder : {GivenOption{!arguments.setPositions.empty(), "--set-pos"},
+                                     GivenOption{arguments.anchor.has_value(), "--anchor"},
+                                     GivenOption{arguments.absolute, "--absolute"}})
     if (ofOlder.isGiven && !arguments.older)
       throw UsageFailure(std::string(ofOlder.name) + " needs --older");
 }
@@ -69,10 +69,10 @@ DateBound readRuleEnd(const std::string& until, const NSCalendar& calendar) {
 /// What the text says beside its rule. A count is one from the start on.
 void takeRuleText(const DatesArguments& arguments, DatesRequest& request) {
   const RuleText text = readRuleText(*arguments.rule, "--rule");
-  const Given count{text.count.has_value(), "COUNT"};
-  for (const Given& other :
-       {Given{arguments.from.has_value(), "--from"}, Given{arguments.backwards, "--backwards"},
-        Given{arguments.reference.has_value(), "--reference"}})
+  const GivenOption count{text.count.has_value(), "COUNT"};
+  for (const GivenOption& other : {GivenOption{arguments.from.has_value(), "--from"},
+                                   GivenOption{arguments.backwards, "--backwards"},
+                                   GivenOption{arguments.reference.has_value(), "--reference"}})
     refuseTogether(count, other);
   if (text.count) request.count = std::min(*text.count, request.count.value_or(*text.count));
   if (text.until) request.ruleEnd = readRuleEnd(*text.until, *request.calendar);

@@ -14,7 +14,7 @@ namespace {
 
 using namespace ORLFoundation;
 
-constexpr std::int64_t kDefaultCount = 12, kMostDates = 1000000, kLastFirstOfTwoDays = 17;
+constexpr std::int64_t kDefaultEvents = 12, kMostEvents = 1000000, kLastFirstOfTwoDays = 17;
 
 /// The dates of --including and --and.
 struct IncludedDates {
@@ -192,7 +192,7 @@ DatesRequest readScheduleRequest(const ScheduleArguments& arguments,
   checkOptions(arguments, pattern);
   const Arguments options = readArguments(arguments);
   if (arguments.count)
-    request.count = readWholeArgument("--count", *arguments.count, 1, kMostDates);
+    request.count = readWholeArgument("--count", *arguments.count, 1, kMostEvents);
   const auto date = [&](std::string_view option, const std::optional<std::string>& text) {
     return text ? std::optional(readDateOption(option, *text, *calendar)) : std::nullopt;
   };
@@ -205,7 +205,7 @@ DatesRequest readScheduleRequest(const ScheduleArguments& arguments,
   request.wholeDays = true;
   request.start = startOfDay(start ? *start : *including, *calendar);
   if (const auto until = date("--until", arguments.until)) request.until = DateBound{*until};
-  if (!request.count && !request.until) request.count = kDefaultCount;
+  if (!request.count && !request.until) request.count = kDefaultEvents;
   request.older = including ? pattern.isOlderWalkIncluding : pattern.isOlderWalk;
   if (request.older) request.reference = yearBefore(request.start, *calendar);
   request.eachOnce = true;

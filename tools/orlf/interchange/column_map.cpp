@@ -6,6 +6,7 @@
 
 #include "cli/failure.h"
 #include "cli/message_text.h"
+#include "values/trimmed.h"
 #include "values/whole_number.h"
 
 namespace orlftool {
@@ -51,13 +52,6 @@ std::string listOf(std::span<const std::string_view> headings) {
 }
 
 }  // namespace
-
-std::string_view trimmed(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t";
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == text.npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
 
 ColumnMap::ColumnMap(std::span<const FieldRule> rules, const std::optional<std::string>& map)
     : rules_(rules), headings_(rules.size()), columns_(rules.size()), isMapped_(map.has_value()) {

@@ -52,7 +52,4 @@ class ColumnMap {
   bool needsHeadings_ = false;
 };
 
-/// A text without blanks around it.
-[[nodiscard]] std::string_view trimmed(std::string_view text);
-
 }  // namespace orlftool

@@ -87,13 +87,13 @@ std::string statementOf(const Layout& layout, int firstDay, int days, std::mt199
   return text;
 }
 
-constexpr std::array<std::array<const char*, 2>, 7> kDates{{{"dmy", "%1$02d/%2$02d/%3$d"},
-                                                            {"dmy", "%1$02d.%2$02d.%3$d"},
-                                                            {"mdy", "%2$d/%1$d/%3$d"},
-                                                            {"ymd", "%3$d-%2$02d-%1$02d"},
-                                                            {"ymd", "%3$d%2$02d%1$02d"},
-                                                            {"dmy", "%1$d Mar %3$d"},
-                                                            {"mdy", "%2$02d-%1$02d-%3$d"}}};
+constexpr std::array<std::array<const char*, 2>, 7> kDateOrders{{{"dmy", "%1$02d/%2$02d/%3$d"},
+                                                                 {"dmy", "%1$02d.%2$02d.%3$d"},
+                                                                 {"mdy", "%2$d/%1$d/%3$d"},
+                                                                 {"ymd", "%3$d-%2$02d-%1$02d"},
+                                                                 {"ymd", "%3$d%2$02d%1$02d"},
+                                                                 {"dmy", "%1$d Mar %3$d"},
+                                                                 {"mdy", "%2$02d-%1$02d-%3$d"}}};
 
 // Every separator, kind of date, mark, sign and header: 504 layouts, each over a whole month and
 // over its first week, whose dates leave the order open.
@@ -103,7 +103,7 @@ TEST(InferTable, IsRightOrAsksOnGeneratedLayouts) {
   std::map<std::string, std::size_t> asked;
   for (const auto& [separator, character] :
        {std::pair{"comma", ','}, std::pair{"semicolon", ';'}, std::pair{"tab", '\t'}}) {
-    for (const auto& date : kDates) {
+    for (const auto& date : kDateOrders) {
       for (const char* mark : {"point", "comma"}) {
         for (const char* sign : {"minus", "trailing minus", "brackets", "columns 3 and 4"}) {
           for (const char* header : {"none", "line 1", "line 3"}) {
@@ -139,7 +139,7 @@ TEST(InferTable, IsRightOrAsksOnGeneratedLayouts) {
 TEST(InferTable, MisdatesNoStatementOfAMonth) {
   std::mt19937 random(3);
   std::size_t told = 0;
-  for (const auto& date : kDates) {
+  for (const auto& date : kDateOrders) {
     const Layout layout{"comma", ',', date[0], date[1], "point", "minus", "none"};
     for (int days = 1; days <= 31; ++days) {
       for (int first = 1; first + days <= 32; first += 5) {

@@ -34,8 +34,6 @@ std::shared_ptr<NSDateFormatter> formatterOf(const std::string& pattern, const N
   return formatter;
 }
 
-bool isEarlier(NSDate left, NSDate right) { return left.compare(right) == NSOrderedAscending; }
-
 }  // namespace
 
 DateReading::DateReading(const std::string& format, bool allOrders,

@@ -21,7 +21,6 @@ namespace {
 
 using namespace ORLFoundation;
 
-constexpr int kCents = 2;
 constexpr std::int32_t kInvestmentAccount = 3;
 
 struct QifArguments {
@@ -64,7 +63,7 @@ TypedTable::Counts writeRecords(Session& session, TypedTable& table, const QifRe
   writer.setStream(stream);
   writer.setEncoding(beginText(*stream, encoding));
   writer.setDateFormatter(newRecordDateFormatter(*session.calendar));
-  writer.setAmountFormatter(newRecordNumberFormatter(kCents));
+  writer.setAmountFormatter(newRecordNumberFormatter(kCurrencyDigits));
   writer.beginWriting();
   records.begin(writer);
   const TypedTable::Counts counts =

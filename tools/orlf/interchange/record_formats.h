@@ -13,6 +13,9 @@ class NSNumberFormatter;
 
 namespace orlftool {
 
+/// The fraction digits that an amount of money is written with at least.
+inline constexpr int kCurrencyDigits = 2;
+
 [[nodiscard]] std::shared_ptr<ORLFoundation::NSDateFormatter> newRecordDateFormatter(
     const ORLFoundation::NSCalendar& calendar);
 /// No digit is rounded away.

@@ -25,8 +25,6 @@ namespace {
 
 using namespace ORLFoundation;
 
-constexpr int kCents = 2;
-
 struct TxfArguments {
   TableRequest table;
   std::string kind = "gains";
@@ -95,7 +93,7 @@ bool isHeldLong(const ORLFTXFCapitalGains& gains, const NSCalendar& calendar) {
   return year && gains.saleDate->compare(*year) == NSOrderedDescending;
 }
 
-void require(bool isWritten) {
+void requireTaxRecord(bool isWritten) {
   if (!isWritten)
     throw BadRow{"record", "characters of the output's encoding, none cut in half by a column",
                  "others"};
@@ -112,8 +110,9 @@ void writeGains(ORLFTXFDataWriter& writer, const TypedRow& row, const NSCalendar
                                   .grossProceeds = row.number(kProceeds),
                                   .purchaseDate = row.date(kBought),
                                   .saleDate = row.date(kSold)};
-  require(isHeldLong(gains, calendar) ? writer.writeCapitalGainsLongForSecurityName(gains)
-                                      : writer.writeCapitalGainsShortForSecurityName(gains));
+  requireTaxRecord(isHeldLong(gains, calendar)
+                       ? writer.writeCapitalGainsLongForSecurityName(gains)
+                       : writer.writeCapitalGainsShortForSecurityName(gains));
 }
 
 std::string referenceOf(const TypedRow& row) {
@@ -125,51 +124,51 @@ std::string referenceOf(const TypedRow& row) {
 
 void writeSummary(ORLFTXFDataWriter& writer, const TypedRow& row, const NSCalendar& /*calendar*/) {
   const std::string reference = referenceOf(row);
-  require(writer.writeSummaryForTaxFormCopy(placeOf(row, kCopy), placeOf(row, kLine), reference,
-                                            row.number(kAmount)));
+  requireTaxRecord(writer.writeSummaryForTaxFormCopy(placeOf(row, kCopy), placeOf(row, kLine),
+                                                     reference, row.number(kAmount)));
 }
 
 void writeDetail(ORLFTXFDataWriter& writer, const TypedRow& row, const NSCalendar& /*calendar*/) {
   const std::string account = row.text(kAccount), check = row.text(kCheck);
   const std::string payee = row.text(kPayee), memo = row.text(kMemo);
   const std::string category = row.text(kCategory), reference = referenceOf(row);
-  require(writer.writeDetailForTaxFormCopy({.taxFormCopy = placeOf(row, kCopy),
-                                            .lineNumber = placeOf(row, kLine),
-                                            .refNumber = reference,
-                                            .amount = row.number(kAmount),
-                                            .detailDate = row.date(kDate),
-                                            .detailAccount = account,
-                                            .detailCheckNumber = check,
-                                            .detailPayee = payee,
-                                            .detailMemo = memo,
-                                            .detailCategory = category}));
+  requireTaxRecord(writer.writeDetailForTaxFormCopy({.taxFormCopy = placeOf(row, kCopy),
+                                                     .lineNumber = placeOf(row, kLine),
+                                                     .refNumber = reference,
+                                                     .amount = row.number(kAmount),
+                                                     .detailDate = row.date(kDate),
+                                                     .detailAccount = account,
+                                                     .detailCheckNumber = check,
+                                                     .detailPayee = payee,
+                                                     .detailMemo = memo,
+                                                     .detailCategory = category}));
 }
 
-struct Kind {
+struct RecordKind {
   std::string_view name;
   std::span<const FieldRule> rules;
   void (*write)(ORLFTXFDataWriter& writer, const TypedRow& row, const NSCalendar& calendar);
 };
-const std::array<Kind, 3> kKinds{
+const std::array<RecordKind, 3> kKinds{
     {{"gains", kGainsRules, writeGains},
      {"summary", std::span<const FieldRule>(kDetailRules).first(kSummaryFields), writeSummary},
      {"detail", kDetailRules, writeDetail}}};
 
-const Kind& kindNamed(const std::string& name) {
-  for (const Kind& kind : kKinds)
+const RecordKind& kindNamed(const std::string& name) {
+  for (const RecordKind& kind : kKinds)
     if (kind.name == name) return kind;
   throw UsageFailure("--kind: expected gains, summary or detail, got " + quotedForMessage(name));
 }
 
 void prepare(ORLFTXFDataWriter& writer, const NSCalendar& calendar) {
   writer.setDateFormatter(newRecordDateFormatter(calendar));
-  writer.setAmountFormatter(newRecordNumberFormatter(kCents));
+  writer.setAmountFormatter(newRecordNumberFormatter(kCurrencyDigits));
   writer.setSecuritySharesFormatter(newRecordNumberFormatter(0));
 }
 
 void runTxf(Session& session, const TxfArguments& arguments) {
   const NSCalendar& calendar = *session.calendar;
-  const Kind& kind = kindNamed(arguments.kind);
+  const RecordKind& kind = kindNamed(arguments.kind);
   const NSDate exported = arguments.exportDate
                               ? readDateOption("--export-date", *arguments.exportDate, calendar)
                               : NSDate::date();

@@ -14,6 +14,7 @@
 #include "cli/message_text.h"
 #include "interchange/csv_rows.h"
 #include "io/text_input.h"
+#include "values/trimmed.h"
 #include "values/whole_number.h"
 
 namespace orlftool {

@@ -4,9 +4,7 @@
 
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
-#include <memory>
 #include <optional>
 
 #include "cli/failure.h"
@@ -21,14 +19,18 @@ int closeNothing(std::FILE*) { return 0; }
 
 }  // namespace
 
+InputFile openInputFile(const std::string& path) {
+  if (path == "-") return {stdin, &closeNothing};
+  return {std::fopen(path.c_str(), "rb"), &std::fclose};
+}
+
 std::string readInputFile(const std::string& path, std::string_view kind) {
   const bool isInput = path == "-";
   const std::string name = isInput ? "standard input" : path;
   struct stat status {};
   if (!isInput && ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
     throw JobFailure(name + ": expected " + std::string(kind) + ", got a directory");
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
-      isInput ? stdin : std::fopen(path.c_str(), "rb"), isInput ? &closeNothing : &std::fclose);
+  const InputFile file = openInputFile(path);
   if (!file) throw JobFailure(name + ": cannot be read: " + std::strerror(errno));
   const bool isPlain = !isInput && S_ISREG(status.st_mode);
   const WorkProgress progress(

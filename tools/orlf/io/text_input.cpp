@@ -58,13 +58,6 @@ bool fits(std::string_view bytes, NSStringEncoding encoding) {
   return stringWithData(NSData(bytes), encoding).has_value();
 }
 
-/// What opens a file, or the standard input; the reason stands in `errno` when it fails.
-std::FILE* opened(const std::string& path) {
-  return path == "-" ? stdin : std::fopen(path.c_str(), "rb");
-}
-
-int closeNothing(std::FILE*) { return 0; }
-
 }  // namespace
 
 std::optional<NSStringEncoding> encodingNamed(std::string_view name) {
@@ -101,7 +94,7 @@ std::uint64_t lineEndsIn(std::string_view text, char before) {
 
 TextInput::TextInput(const std::string& path, std::optional<NSStringEncoding> encoding)
     : name_(path == "-" ? "standard input" : path),
-      file_(opened(path), path == "-" ? &closeNothing : &std::fclose),
+      file_(openInputFile(path)),
       encoding_(encoding),
       isTold_(encoding.has_value()) {
   if (!file_) throw JobFailure(name_ + ": cannot be read: " + std::strerror(errno));

@@ -9,12 +9,12 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+
+#include "io/input_file.h"
 
 namespace orlftool {
 
@@ -52,8 +52,6 @@ class TextInput {
   std::size_t read(std::span<char> buffer);
 
  private:
-  using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
-
   void decodeMore();
   void readRaw();
   void detectEncoding();
@@ -62,7 +60,7 @@ class TextInput {
   [[noreturn]] void failInside(std::string_view bytes) const;
 
   std::string name_;
-  File file_;
+  InputFile file_;
   std::optional<std::uint64_t> size_;
   std::unique_ptr<WorkProgress> progress_;
   std::optional<ORLFoundation::NSStringEncoding> encoding_;

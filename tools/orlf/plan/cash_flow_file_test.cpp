@@ -59,12 +59,12 @@ TEST(CashFlowFile, ReadsFlows) {
   for (const ReadCase& row : kReads) EXPECT_EQ(flowsOf(row.text), row.flows) << row.name;
 }
 
-struct FaultCase {
+struct FlowFault {
   const char* name;
   const char* text;
   const char* message;
 };
-const FaultCase kFaults[] = {
+const FlowFault kFlowFaults[] = {
     {"DateThatDoesNotExist", "2024-02-30,5",
      "flows.csv:1: date: expected an ISO 8601 date or date-time such as 2024-01-31 or "
      "2024-01-31T09:30:00-05:00, got '2024-02-30'"},
@@ -99,7 +99,7 @@ const FaultCase kFaults[] = {
 };
 
 TEST(CashFlowFile, TellsFileLineAndFieldOfWhatItCannotRead) {
-  for (const FaultCase& row : kFaults) {
+  for (const FlowFault& row : kFlowFaults) {
     try {
       (void)flowsOf(row.text);
       ADD_FAILURE() << row.name;

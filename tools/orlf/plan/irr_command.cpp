@@ -32,8 +32,6 @@ struct IrrArguments {
   std::optional<std::string> discountRate;
 };
 
-bool isEarlier(NSDate left, NSDate right) { return left.compare(right) == NSOrderedAscending; }
-
 /// The flows of a file, with those of one time summed, in years from the earliest of them.
 class DatedFlows {
  public:

@@ -10,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+#include "values/date_text.h"
+
 namespace orlftool {
 namespace {
 
@@ -19,8 +21,6 @@ constexpr double kMostPointsOfLine = 480;
 /// Of a whole chart, so that all of its segments are drawn in one manner: beyond them a stair is
 /// too narrow to be seen.
 constexpr double kMostStairs = 80;
-
-bool isEarlier(NSDate left, NSDate right) { return left.compare(right) == NSOrderedAscending; }
 
 double valueOf(const std::optional<NSDecimalNumber>& number) {
   return number ? number->doubleValue() : std::numeric_limits<double>::quiet_NaN();

@@ -93,11 +93,11 @@ void checkArguments(const PlanArguments& arguments) {
     throw UsageFailure("--solve-principal goes together with --on alone");
 }
 
-constexpr int kMostPlaces = 38;
+constexpr int kMostPlacesShown = 38;
 
 /// The digits after the point that amounts of the plan have at least.
 int placesOf(const PlanModel& model) {
-  return std::clamp<int>(model.file.rounding ? model.file.rounding->scale : 2, 0, kMostPlaces);
+  return std::clamp<int>(model.file.rounding ? model.file.rounding->scale : 2, 0, kMostPlacesShown);
 }
 
 /// Prints a column of a report with as many digits after the point as its longest number has.
@@ -107,7 +107,7 @@ DecimalPrinter columnPrinter(const PlanReport& report,
   int places = leastPlaces;
   for (const PlanRow& row : report.rows)
     if (row.*column) places = std::max(places, placesAfterPoint(*(row.*column)));
-  return DecimalPrinter(locale, std::min(places, kMostPlaces));
+  return DecimalPrinter(locale, std::min(places, kMostPlacesShown));
 }
 
 Json jsonOf(const std::optional<NSDecimalNumber>& number) {

@@ -12,8 +12,6 @@
 namespace orlftool {
 namespace {
 
-using Json = nlohmann::json;
-
 std::string_view lastLineOf(std::string_view token);
 
 /// How far the JSON reader has come. It reads one character past a number.
@@ -72,7 +70,7 @@ class PlanFieldsReader {
   bool number_unsigned(std::uint64_t value) { return number(std::to_string(value)); }
   bool number_float(double, const std::string& text) { return number(text); }
   bool string(std::string& text) { return store(text, true, position_.line); }
-  bool binary(Json::binary_t&) { fail(expected(), "bytes"); }
+  bool binary(nlohmann::json::binary_t&) { fail(expected(), "bytes"); }
   bool start_object(std::size_t);
   bool key(std::string& name);
   bool end_object();
@@ -256,8 +254,8 @@ PlanFields readPlanFields(std::string_view text, const std::string& name) {
   Position position;
   PlanFieldsReader reader(name, position);
   const char* begin = text.data();
-  Json::sax_parse(LineCountingIterator(begin, &position),
-                  LineCountingIterator(begin + text.size(), &position), &reader);
+  nlohmann::json::sax_parse(LineCountingIterator(begin, &position),
+                            LineCountingIterator(begin + text.size(), &position), &reader);
   return reader.take();
 }
 

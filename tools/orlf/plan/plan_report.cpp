@@ -13,8 +13,6 @@ using namespace ORLFoundation;
 
 constexpr std::size_t kMostRows = 200000;
 
-bool isEarlier(NSDate left, NSDate right) { return left.compare(right) == NSOrderedAscending; }
-
 /// Dates are counted from the first one, so that month ends do not creep.
 void appendRegularDates(const PlanDates& dates, const NSCalendar& calendar,
                         std::vector<NSDate>& list) {

@@ -11,9 +11,9 @@
 namespace ORLFoundation::internal::dispatch {
 namespace {
 
-constexpr std::int64_t kLookNanoseconds = 4'000'000;
+constexpr std::int64_t kLookNanoseconds = 2'000'000;
 /// How long the thread stays with nothing to mind.
-constexpr std::int64_t kIdleNanoseconds = 2'000'000'000;
+constexpr std::int64_t kIdleNanoseconds = 500'000'000;
 
 }  // namespace
 

@@ -28,13 +28,17 @@ bool isIn(const Modes& modes, std::string_view mode) {
   return std::find(modes.begin(), modes.end(), mode) != modes.end();
 }
 
-/// How long poll may wait, null for ever.
+/// How long poll may wait, null for ever. Another clock than the system's wakes the loop when it
+/// moves.
 const timespec* spanUntil(Deadline deadline, std::int64_t due, timespec& span) {
   const bool isSystem = NSMonotonicClock::isSystemClock();
+  const std::int64_t now = NSMonotonicClock::now();
   std::int64_t left = kNever;
-  if (deadline.at != kNever && (deadline.isReal || isSystem))
+  if (deadline.isReal && deadline.at != kNever)
     left = std::max<std::int64_t>(deadline.at - realNow(), 0);
-  if (due != kNever && isSystem) left = std::min(left, std::max<std::int64_t>(due - realNow(), 0));
+  for (const std::int64_t instant : {due, deadline.isReal ? kNever : deadline.at})
+    if (instant <= now || (isSystem && instant != kNever))
+      left = std::min(left, std::max<std::int64_t>(instant - now, 0));
   if (left == kNever) return nullptr;
   constexpr std::int64_t kSecond = 1'000'000'000;
   span.tv_sec = static_cast<std::time_t>(left / kSecond);
@@ -84,6 +88,11 @@ void Loop::clearWake() {
   if (!isWoken_.exchange(false)) return;
   std::uint64_t count = 0;
   static_cast<void>(!::read(wakeDescriptor_, &count, sizeof count));
+}
+
+/// Before each call out of the loop.
+void Loop::beginCall() {
+  if (isBridged_) wake();
 }
 
 void Loop::post(std::function<void()> item) {
@@ -232,6 +241,7 @@ bool Loop::runDue(std::string_view mode) {
   bool ran = false;
   while (const std::shared_ptr<TimedCall> call = takeDue(mode, now, before)) {
     ran = true;
+    beginCall();
     if (call->kind == TimedKind::item) {
       const InQueue inside(queue_);
       call->run();
@@ -253,6 +263,7 @@ bool Loop::runPerforms(std::string_view mode) {
   for (const auto& call : ready) {
     if (takePerform(call) == nullptr) continue;  // One before it cancelled it.
     ran = true;
+    beginCall();
     call->request->selector.perform(call->request->target, call->request->argument);
   }
   return ran;
@@ -268,6 +279,7 @@ bool Loop::runItems(std::string_view mode) {
     items_.pop_front();
     guard.unlock();
     ran = true;
+    beginCall();
     {
       const InQueue inside(queue_);
       item();
@@ -307,6 +319,7 @@ bool Loop::serveDescriptors(std::string_view mode, Deadline deadline, bool mayWa
     const short events = descriptors[i + 1].revents;
     if (events == 0 || !watches[i]->isOn) continue;
     ran = true;
+    beginCall();
     const CalledWatch called(*watches[i]);
     watches[i]->ready(events);
   }

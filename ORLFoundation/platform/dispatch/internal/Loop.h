@@ -126,8 +126,15 @@ class Loop {
   /// Ends the waits of all loops, which look at the clock anew.
   static void wakeAll();
 
-  /// Readable after `wake` until `runOnce`.
+  /// A host's loop waits in this one's place: every call that the loop makes is preceded by a wake,
+  /// so that a loop of the host's within the call goes on with the rest. Answers false for a second
+  /// bridge.
+  bool setBridged(bool isBridged) noexcept { return isBridged_.exchange(isBridged) != isBridged; }
+  [[nodiscard]] bool isBridged() const noexcept { return isBridged_; }
+
+  /// Readable after `wake` until `clearWake`, with which each turn begins.
   [[nodiscard]] int wakeDescriptor() const noexcept { return wakeDescriptor_; }
+  void clearWake();
   /// The descriptors that are watched in a mode, with their events.
   [[nodiscard]] std::vector<pollfd> watchedDescriptors(std::string_view mode) const;
 
@@ -143,7 +150,7 @@ class Loop {
   bool runPerforms(std::string_view mode);
   bool runItems(std::string_view mode);
   bool serveDescriptors(std::string_view mode, Deadline deadline, bool mayWait);
-  void clearWake();
+  void beginCall();
   [[nodiscard]] std::int64_t nextDueLocked(std::string_view mode) const;
 
   mutable std::mutex lock_;
@@ -156,6 +163,7 @@ class Loop {
   std::uint64_t sequence_ = 0;
   std::atomic<const Queue*> queue_{nullptr};
   std::atomic<bool> isWoken_{false};
+  std::atomic<bool> isBridged_{false};
   int wakeDescriptor_ = -1;
 };
 

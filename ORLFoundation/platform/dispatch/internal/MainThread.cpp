@@ -128,6 +128,8 @@ ServingMain::ServingMain() noexcept { ++serving; }
 ServingMain::~ServingMain() {
   lastServed = realNow();
   --serving;
+  // What a pump has seen and not run is not lost to a bridge.
+  if (mainLoop()->isBridged()) mainLoop()->wake();
 }
 
 std::int64_t setMainThreadPatience(std::int64_t nanoseconds) noexcept {

@@ -96,6 +96,12 @@ class PushParser::Session {
   [[nodiscard]] NSInteger column() const noexcept {
     return isOver_ ? column_ : documentInput().col;
   }
+  [[nodiscard]] TagPlace startTag() const noexcept {
+    if (isOver_) return {line_, column_};
+    const xmlParserInput& input = documentInput();
+    return beginningOfTag(viewOf(input.base, input.cur), input.consumed == 0,
+                          {input.line, input.col});
+  }
 
  private:
   static xmlSAXHandler handlers();
@@ -395,5 +401,6 @@ void PushParser::stop(NSInteger code, std::string_view message) { session_->stop
 const std::optional<Fault>& PushParser::fault() const noexcept { return session_->fault(); }
 NSInteger PushParser::line() const noexcept { return session_->line(); }
 NSInteger PushParser::column() const noexcept { return session_->column(); }
+TagPlace PushParser::startTag() const noexcept { return session_->startTag(); }
 
 }  // namespace ORLFoundation::internal::xml

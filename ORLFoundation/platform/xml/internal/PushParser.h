@@ -4,6 +4,7 @@
 
 #include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/xml/NSXMLParserLimits.h>
+#include <ORLFoundation/platform/xml/internal/TagPlace.h>
 
 #include <cstdint>
 #include <memory>
@@ -55,6 +56,8 @@ class PushParser {
   /// How far the document was read.
   [[nodiscard]] NSInteger line() const noexcept;
   [[nodiscard]] NSInteger column() const noexcept;
+  /// The beginning of the start tag whose event is told.
+  [[nodiscard]] TagPlace startTag() const noexcept;
 
  private:
   class Session;

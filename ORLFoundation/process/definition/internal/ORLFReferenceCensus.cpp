@@ -28,16 +28,22 @@ void append(std::string& chain, const ReferenceCensus::StepData& record) {
 ReferenceCensus::Entry& ReferenceCensus::enter(const StepData& record) {
   Entry& entry = entries_[record.get()];
   std::vector<ORLFProcessStepBuilderStepData*> open = {record.get()};
+  NSUInteger records = 0;
   while (!open.empty()) {
     ORLFProcessStepBuilderStepData* const around = open.back();
     open.pop_back();
     for (const StepData& child : around->childSteps()) {
+      if (!child) continue;
+      if (++records > limit_) {
+        entry.total = kMost;
+        return entry;
+      }
       open.push_back(child.get());
       const auto target = child->reference() && child->identifier()
                               ? roots_.find(*child->identifier())
                               : roots_.end();
-      if (target != roots_.end()) {
-        entry.targets.push_back(target->second);
+      if (target != roots_.end() && target->second) {
+        entry.targets.push_back({child, target->second});
       } else {
         entry.total = sum(entry.total, 1);
       }
@@ -55,13 +61,14 @@ NSUInteger ReferenceCensus::count(const StepData& record) {
     Visit& visit = open.back();
     Entry& entry = entries_.at(visit.record.get());
     if (visit.next < entry.targets.size()) {
-      const StepData target = entry.targets[visit.next++];
-      const auto counted = entries_.find(target.get());
+      const Target target = entry.targets[visit.next++];
+      const auto counted = entries_.find(target.record.get());
       if (counted == entries_.end()) {
-        enter(target);
-        open.push_back({target, 0});
+        enter(target.record);
+        open.push_back({target.record, 0});
       } else if (counted->second.isOpen) {
-        raiseCycle(open, target);
+        meetCycle(open, target);
+        entry.total = sum(entry.total, 1);
       } else {
         entry.total = sum(entry.total, counted->second.total);
       }
@@ -75,9 +82,9 @@ NSUInteger ReferenceCensus::count(const StepData& record) {
   }
 }
 
-void ReferenceCensus::raiseCycle(const std::vector<Visit>& open, const StepData& target) {
-  const auto start = std::find_if(open.begin(), open.end(),
-                                  [&](const Visit& visit) { return visit.record == target; });
+void ReferenceCensus::meetCycle(const std::vector<Visit>& open, const Target& target) {
+  const auto start = std::find_if(
+      open.begin(), open.end(), [&](const Visit& visit) { return visit.record == target.record; });
   const auto length = static_cast<std::size_t>(open.end() - start);
   std::string chain;
   for (auto visit = start; visit != open.end(); ++visit) {
@@ -85,10 +92,11 @@ void ReferenceCensus::raiseCycle(const std::vector<Visit>& open, const StepData&
     if (number < kNamesInAChain) append(chain, visit->record);
     if (number == kNamesInAChain) chain += " > ...";
   }
-  append(chain, target);
-  throw NSException(NSGenericException, "Steps refer to themselves over " + std::to_string(length) +
-                                            (length == 1 ? " reference: " : " references: ") +
-                                            chain);
+  append(chain, target.record);
+  const std::string way =
+      "over " + std::to_string(length) + (length == 1 ? " reference: " : " references: ") + chain;
+  if (!cycleBlock_) throw NSException(NSGenericException, "Steps refer to themselves " + way);
+  cycleBlock_(target.reference, way);
 }
 
 std::string ReferenceCensus::costliestChain(const StepData& record) const {
@@ -99,11 +107,11 @@ std::string ReferenceCensus::costliestChain(const StepData& record) const {
     append(chain, step);
     StepData costliest;
     NSUInteger most = 0;
-    for (const StepData& target : entries_.at(step.get()).targets) {
-      const NSUInteger total = entries_.at(target.get()).total;
+    for (const Target& target : entries_.at(step.get()).targets) {
+      const NSUInteger total = entries_.at(target.record.get()).total;
       if (total <= most) continue;
       most = total;
-      costliest = target;
+      costliest = target.record;
     }
     step = costliest;
   }

@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace ORLFoundation::internal::definition {
@@ -19,7 +20,15 @@ class ReferenceCensus {
   using StepData = std::shared_ptr<ORLFProcessStepBuilderStepData>;
   using StepDataMap = std::map<std::string, StepData, std::less<>>;
 
-  explicit ReferenceCensus(const StepDataMap& roots) : roots_(roots) {}
+  /// Records that come to more than `limit` by themselves are not counted to their end: made by
+  /// hand, they may hold themselves.
+  ReferenceCensus(const StepDataMap& roots, NSUInteger limit) : roots_(roots), limit_(limit) {}
+
+  /// Is told of each reference that leads back to a record around it, with the way: "over 2
+  /// references: a > b > a".
+  using CycleBlock = std::function<void(const StepData& reference, const std::string& way)>;
+  /// In place of raising; such references count as steps without children.
+  void setCycleBlock(CycleBlock block) { cycleBlock_ = std::move(block); }
 
   /// The steps of the record's tree, the record's own among them; the largest number where they
   /// are more than a number tells. Raises `NSGenericException` for a reference that leads back to a
@@ -29,9 +38,13 @@ class ReferenceCensus {
   [[nodiscard]] std::string costliestChain(const StepData& record) const;
 
  private:
+  struct Target {
+    StepData reference;
+    StepData record;
+  };
   struct Entry {
     NSUInteger total = 1;
-    std::vector<StepData> targets;  // one for each reference
+    std::vector<Target> targets;  // one for each reference
     bool isOpen = true;
   };
   struct Visit {
@@ -40,9 +53,11 @@ class ReferenceCensus {
   };
 
   Entry& enter(const StepData& record);
-  [[noreturn]] static void raiseCycle(const std::vector<Visit>& open, const StepData& target);
+  void meetCycle(const std::vector<Visit>& open, const Target& target);
 
   const StepDataMap& roots_;
+  const NSUInteger limit_;
+  CycleBlock cycleBlock_;
   std::map<const ORLFProcessStepBuilderStepData*, Entry> entries_;
 };
 

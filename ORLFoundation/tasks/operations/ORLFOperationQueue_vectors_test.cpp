@@ -1,0 +1,48 @@
+#include <ORLFoundation/tasks/operations/ORLFOperationQueue.h>
+
+#include <ORLFoundation/platform/object/Id.h>
+#include <ORLFoundation/tasks/operations/ORLFOperationQueue_testing.h>
+#include <gtest/gtest.h>
+#include <tests/support/VectorFile.h>
+
+namespace ORLFoundation {
+namespace {
+
+using orlftest::Json;
+
+Json attachedState(const NSOperation& operation) {
+  const id group = operation.attachedValue(ORLFOperationGroupIDKey);
+  const id barrier = operation.attachedValue(ORLFOperationBarrierKey);
+  return {{"ORLFOperationGroupIDKey", orlftest::jsonOf(group.as<std::string>())},
+          {"ORLFOperationBarrierKey", barrier ? Json(*barrier.as<bool>()) : Json(nullptr)},
+          {"orlfGroupID", orlftest::jsonOf(orlfGroupID(operation))},
+          {"orlfIsBarrierOperation", orlfIsBarrierOperation(operation)}};
+}
+
+std::string attached(const Json& in, const Json& out) {
+  NSOperation operation;
+  Json states = {attachedState(operation)};
+  for (const Json& step : in.at("steps")) {
+    if (step[0] == "orlfSetGroupID:") {
+      orlfSetGroupID(operation, orlftest::textOrNil(step[1]));
+    } else if (step[0] == "orlfSetIsBarrierOperation:") {
+      orlfSetIsBarrierOperation(operation, step[1]);
+    } else {
+      throw std::runtime_error("unknown step");
+    }
+    states.push_back(attachedState(operation));
+  }
+  return orlftest::disagreement(out, states);
+}
+
+std::string operations(const Json& in, const Json& out) {
+  return orlftest::OperationPlayer::playScript(in, out);
+}
+
+TEST(ORLFOperationQueue, AgreesWithVectors) {
+  orlftest::runJsonVectors("queue_operations",
+                           {{"attached", attached}, {"operations", operations}});
+}
+
+}  // namespace
+}  // namespace ORLFoundation
