@@ -39,8 +39,11 @@
 #include <ORLFoundation/files/operations/ORLFFileUtilities.h>
 #include <ORLFoundation/files/operations/ORLFURLAccess.h>
 #include <ORLFoundation/files/repair/ORLFPersistentStoreRepair.h>
+#include <ORLFoundation/files/watching/ORLFDirectoryWatcher.h>
+#include <ORLFoundation/files/watching/ORLFFileSystemObserver.h>
 #include <ORLFoundation/interchange/qif/ORLFQIFDataWriter.h>
 #include <ORLFoundation/interchange/qif/ORLFQIFRecords.h>
+#include <ORLFoundation/interchange/qif/ORLFRecordWriter.h>
 #include <ORLFoundation/interchange/sgml/ORLFSGMLConversion.h>
 #include <ORLFoundation/interchange/sgml/ORLFXMLEntities.h>
 #include <ORLFoundation/interchange/tabular/ORLFScannerUtilities.h>
@@ -73,6 +76,8 @@
 #include <ORLFoundation/platform/dispatch/dispatch_semaphore.h>
 #include <ORLFoundation/platform/dispatch/dispatch_source.h>
 #include <ORLFoundation/platform/dispatch/dispatch_time.h>
+#include <ORLFoundation/platform/events/CFFileDescriptor.h>
+#include <ORLFoundation/platform/events/dispatch_vnode_source.h>
 #include <ORLFoundation/platform/files/NSDataReading.h>
 #include <ORLFoundation/platform/files/NSDirectoryEnumerator.h>
 #include <ORLFoundation/platform/files/NSFileCoordinator.h>

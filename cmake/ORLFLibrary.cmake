@@ -39,6 +39,13 @@ target_sources(ORLFoundation PUBLIC
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/ORLFoundation)
 install(TARGETS ORLFoundation ORLFoundation_static EXPORT ORLFoundationTargets
   FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+# Bridges to the loops of libraries that this one does not link: headers alone.
+install(
+  FILES ${PROJECT_SOURCE_DIR}/ORLFoundation/bridges/glib/NSMainQueueGLibBridge.h
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ORLFoundation/bridges/glib)
+install(
+  FILES ${PROJECT_SOURCE_DIR}/ORLFoundation/bridges/qt/NSMainQueueQtBridge.h
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ORLFoundation/bridges/qt)
 install(EXPORT ORLFoundationTargets NAMESPACE ORLFoundation:: DESTINATION ${package_folder})
 configure_package_config_file(cmake/ORLFoundationConfig.cmake.in
   ${PROJECT_BINARY_DIR}/ORLFoundationConfig.cmake INSTALL_DESTINATION ${package_folder})

@@ -1,61 +1,21 @@
 // Tables turned into QIF and TXF files by the tool.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
-#include <vector>
 
-#include <tests/support/TemporaryFolder.h>
-#include <tests/tool/RunTool.h>
+#include <tests/tool/RecordFiles.h>
 
 namespace {
 
+using orlftest::kStatement;
+using orlftest::RecordFiles;
 using orlftest::runTool;
 using orlftest::ToolRun;
-using Words = std::vector<std::string>;
-
-class RecordFiles : public orlftest::TemporaryFolderTest {
- protected:
-  /// Runs a command over a table. What it writes is in `written()`.
-  ToolRun run(const std::string& command, std::string_view table, const Words& options) {
-    write("in.csv", table);
-    Words words{command, path("in.csv"), "-o", path("out")};
-    words.insert(words.end(), options.begin(), options.end());
-    return runTool(words);
-  }
-  ToolRun qif(std::string_view table, Words options = {}) {
-    options.insert(options.begin(), {"--account", "Main"});
-    return run("qif", table, options);
-  }
-  /// A run that succeeds, and the file that it writes without its first five lines.
-  std::string transactions(std::string_view table, const Words& options = {}) {
-    const ToolRun ran = qif(table, options);
-    EXPECT_EQ(ran.exitCode, 0) << ran.err;
-    const std::string head = "!Account\nNMain\nTBank\n^\n!Type:Bank\n";
-    EXPECT_TRUE(written().starts_with(head)) << written();
-    return written().substr(head.size());
-  }
-  /// A run that fails and leaves no file; the last line of its errors, without the path.
-  std::string fault(const ToolRun& ran, int exitCode = 1) {
-    EXPECT_EQ(ran.exitCode, exitCode);
-    EXPECT_EQ(names(), Words{"in.csv"});
-    EXPECT_EQ(ran.out, "");
-    std::string text = ran.err;
-    if (text.ends_with('\n')) text.pop_back();
-    text = text.substr(text.rfind('\n') + 1);
-    const std::string file = path("in.csv");
-    const std::size_t at = text.find(file);
-    return at == text.npos ? text : text.replace(at, file.size(), "in.csv");
-  }
-  [[nodiscard]] std::string written() const { return read("out"); }
-};
-
-constexpr std::string_view kStatement =
-    "Date,Description,Amount,Category,Memo\n"
-    "12/24/2023,Grocer,\"-1,234.50\",Food/Out,weekly\n"
-    "12/25/2023,Employer,2000,Pay:Main,\n";
+using orlftest::Words;
 
 TEST_F(RecordFiles, TurnsAStatementIntoQif) {
   const ToolRun ran = qif(kStatement);
@@ -118,6 +78,33 @@ TEST_F(RecordFiles, WritesTransfersNumbersAndClearedStates) {
                          "2023-01-31,1,Lost,Savings,17,R\n2023-01-31,2,Kept,,,c\n",
                          {}),
             "D01/31/2023\nT1.00\nCR\nN17\nL[Savings]\n^\nD01/31/2023\nT2.00\nCc\nLKept\n^\n");
+}
+
+TEST_F(RecordFiles, TellsOfCategoriesThatATransferTakesThePlaceOf) {
+  const std::string_view table =
+      "date,amount,category,transfer\n2023-01-31,1,Lost,Savings\n2023-01-31,1,Kept,\n"
+      "2023-01-31,1,Too,Savings\n";
+  const ToolRun ran = qif(table);
+  EXPECT_EQ(ran.exitCode, 0);
+  EXPECT_NE(ran.err.find("in.csv:2 and in 1 more: category is left out: a transfer has no place "
+                         "for it\n"),
+            std::string::npos)
+      << ran.err;
+}
+
+// Readers take what stands in brackets for an account.
+TEST_F(RecordFiles, RefusesCategoriesThatReadAsAccounts) {
+  const Words map{"--map", "date=1,amount=2,category=3,transfer=4"};
+  EXPECT_EQ(fault(qif("2023-01-31,1,[Savings],\n", map)),
+            "orlf qif: in.csv:1: category: expected a category, which does not begin with a "
+            "bracket as an account does, got '[Savings]'");
+  EXPECT_EQ(fault(qif("2023-01-31,1,,Sav]ings\n", map)),
+            "orlf qif: in.csv:1: transfer: expected an account without a closing bracket in its "
+            "name, got 'Sav]ings'");
+  EXPECT_EQ(fault(run("qif", "name\n[X]\n", {"--kind", "categories"})),
+            "orlf qif: in.csv:2: name: expected a category, which does not begin with a bracket as "
+            "an account does, got '[X]'");
+  EXPECT_EQ(transactions("2023-01-31,1,Food [x],[Sav\n", map), "D01/31/2023\nT1.00\nL[[Sav]\n^\n");
 }
 
 TEST_F(RecordFiles, KeepsAFieldToItsLine) {
@@ -240,59 +227,8 @@ TEST_F(RecordFiles, RefusesLongAmountsAndOpenMarks) {
   EXPECT_EQ(fault(qif("2023-01-31,1\n2023-01-31,\"2\n", map)),
             "orlf qif: in.csv:2: expected a closing quotation mark, got the end of the file");
   EXPECT_EQ(fault(qif("\n\n", map)), "orlf qif: in.csv: expected rows, got none");
-}
-
-TEST_F(RecordFiles, WritesInvestments) {
-  const ToolRun ran = run("qif",
-                          "date,action,security,price,quantity,amount,commission,transfer,"
-                          "transfer amount\n"
-                          "2023-01-31,buyx,Acme,12.5,100,1259.95,9.95,Checking,1259.95\n"
-                          "2023-02-01,StkSplit,Acme,,20,,,,\n2023-02-02,Div,Acme,,,3,,,\n",
-                          {"--account", "Broker", "--kind", "investments"});
-  EXPECT_EQ(ran.exitCode, 0) << ran.err;
-  EXPECT_EQ(written(),
-            "!Account\nNBroker\nTInvst\n^\n!Type:Invst\n"
-            "D01/31/2023\nNBuyX\nYAcme\nI12.50\nQ100.00\nT1259.95\nO9.95\nL[Checking]\n$1259.95\n"
-            "^\nD02/01/2023\nNStkSplit\nYAcme\nQ20.00\n^\nD02/02/2023\nNDiv\nYAcme\nT3.00\n^\n");
-  EXPECT_EQ(
-      run("qif", "date,action\n2023-01-31,Borrow\n", {"--account", "B", "--kind", "investments"})
-          .exitCode,
-      1);
-}
-
-TEST_F(RecordFiles, LosesNoAmountOfATransfer) {
-  EXPECT_EQ(fault(run("qif", "date,action,transfer,transfer amount\n2023-01-31,BuyX,,12\n",
-                      {"--account", "B", "--kind", "investments"})),
-            "orlf qif: in.csv:2: transfer: expected the account of the transfer, got ''");
-}
-
-TEST_F(RecordFiles, WritesSecuritiesPricesAndCategories) {
-  EXPECT_EQ(run("qif", "name,symbol,type,risk\nAcme,ACM,stock,growth\nBonds,,,\n",
-                {"--kind", "securities"})
-                .exitCode,
-            0);
-  EXPECT_EQ(written(), "!Type:Security\nNAcme\nSACM\nTStock\nGGrowth\n^\nNBonds\nS\nT\nG\n^\n^\n");
-  EXPECT_EQ(
-      run("qif", "symbol,price,date\nACM,\"1,234.5\",2023-01-31\n", {"--kind", "prices"}).exitCode,
-      0);
-  EXPECT_EQ(written(), "!Type:Prices\n\"ACM\",1234.50,\"01/31/2023\"\n^\n");
-  EXPECT_EQ(run("qif", "name,type,description,tax,tax code\nPay,income,Work,yes,460\nFood,,,,\n",
-                {"--kind", "categories"})
-                .exitCode,
-            0);
-  EXPECT_EQ(written(), "!Type:Cat\nNPay\nI\nDWork\nT\nR460\n^\nNFood\nE\n^\n");
-}
-
-TEST_F(RecordFiles, WritesAllKindsOfAccounts) {
-  const std::pair<const char*, const char*> types[] = {{"bank", "Bank\n^\n!Type:Bank"},
-                                                       {"cash", "Cash\n^\n!Type:Cash"},
-                                                       {"card", "CCard\n^\n!Type:CCard"},
-                                                       {"asset", "Oth A\n^\n!Type:Oth A"},
-                                                       {"Oth L", "Oth L\n^\n!Type:Oth L"}};
-  for (const auto& [type, lines] : types) {
-    EXPECT_EQ(qif(kStatement, {"--type", type}).exitCode, 0) << type;
-    EXPECT_TRUE(written().starts_with("!Account\nNMain\nT" + std::string(lines))) << type;
-  }
+  EXPECT_EQ(fault(qif("date,amount\n")), "orlf qif: in.csv: expected rows, got headings alone");
+  EXPECT_EQ(fault(qif("a,b\n", map)), "orlf qif: in.csv: expected rows, got headings alone");
 }
 
 TEST_F(RecordFiles, RefusesWordsThatMakeNoSense) {
@@ -339,57 +275,28 @@ TEST_F(RecordFiles, RefusesStandardInputAndOutput) {
   EXPECT_EQ(fault(ran, 2), "orlf qif: --output: expected the name of a file, got '-'");
 }
 
+TEST_F(RecordFiles, RefusesToTakeThePlaceOfTheTable) {
+  write("in.csv", kStatement);
+  ASSERT_EQ(::symlink(path("in.csv").c_str(), path("link").c_str()), 0);
+  for (const char* command : {"qif", "txf"}) {
+    for (const std::string& output : {path("in.csv"), path("link"), path("./in.csv")}) {
+      Words words{command, path("in.csv"), "-o", output};
+      if (words.front() == "qif") words.insert(words.end(), {"--account", "A"});
+      const ToolRun ran = runTool(words);
+      EXPECT_EQ(ran.exitCode, 2);
+      EXPECT_TRUE(ran.err.starts_with("orlf " + words.front() +
+                                      ": --output: expected another file than the table, got '"))
+          << ran.err;
+      EXPECT_EQ(read("in.csv"), kStatement);
+    }
+  }
+}
+
 TEST_F(RecordFiles, RefusesAPipe) {
   ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
   const ToolRun ran = runTool({"qif", path("pipe"), "-o", path("out"), "--account", "A"});
   EXPECT_EQ(ran.exitCode, 1);
   EXPECT_NE(ran.err.find("can be read twice"), std::string::npos) << ran.err;
-}
-
-std::string header(const std::string& text) { return text.substr(0, text.find("^\n") + 2); }
-
-TEST_F(RecordFiles, TurnsSalesIntoTxf) {
-  const ToolRun ran = run("txf",
-                          "security,shares,bought,sold,cost,proceeds,copy,line\n"
-                          "Acme,1000.5,2023-01-15,2024-01-15,\"1,000\",1250.255,,\n"
-                          "Acme,1,2023-01-15,2024-01-16,1,2,2,3\n"
-                          "Leap,1,2020-02-29,2021-02-28,1,2,,\n"
-                          "Leap,1,2020-02-29,2021-03-01,1,2,,\n",
-                          {"--export-date", "2024-12-31"});
-  EXPECT_EQ(ran.exitCode, 0) << ran.err;
-  const std::string text = written();
-  EXPECT_TRUE(header(text).starts_with("V042\nAorlf ")) << text;
-  EXPECT_TRUE(header(text).ends_with("\nD12/31/2024\n^\n")) << text;
-  EXPECT_EQ(text.substr(header(text).size()),
-            "TD\nN321\nC1\nL1\nP1000.5 Acme\nD01/15/2023\nD01/15/2024\n$1000.00\n$1250.255\n^\n"
-            "TD\nN323\nC2\nL3\nP1 Acme\nD01/15/2023\nD01/16/2024\n$1.00\n$2.00\n^\n"
-            "TD\nN321\nC1\nL1\nP1 Leap\nD02/29/2020\nD02/28/2021\n$1.00\n$2.00\n^\n"
-            "TD\nN323\nC1\nL1\nP1 Leap\nD02/29/2020\nD03/01/2021\n$1.00\n$2.00\n^\n");
-}
-
-TEST_F(RecordFiles, TurnsAmountsIntoTxf) {
-  EXPECT_EQ(
-      run("txf", "reference,amount,copy,line\n287,-12.5,1,2\n", {"--kind", "summary"}).exitCode, 0);
-  EXPECT_EQ(written().substr(header(written()).size()), "TS\nN287\nC1\nL2\n$-12.50\n^\n");
-  EXPECT_EQ(run("txf", "reference,amount,date,account,check,payee\n287,1,2024-01-31,Main,12,Shop\n",
-                {"--kind", "detail"})
-                .exitCode,
-            0);
-  EXPECT_EQ(written().substr(header(written()).size()),
-            "TD\nN287\nC1\nL1\n$1.00\nX01/31/2024 Main 12     Shop" +
-                std::string(36 + 1 + 40 + 1 + 15, ' ') + "\n^\n");
-}
-
-TEST_F(RecordFiles, NamesBadRowsOfTaxTables) {
-  const std::string head = "security,shares,bought,sold,cost,proceeds,copy\n";
-  EXPECT_EQ(fault(run("txf", head + "Acme,1,2023-01-15,2024-01-15,1,2,0\n", {})),
-            "orlf txf: in.csv:2: copy: expected a whole number from 1 on, got '0'");
-  EXPECT_EQ(fault(run("txf", head + "Acme,,2023-01-15,2024-01-15,1,2,1\n", {})),
-            "orlf txf: in.csv:2: shares: expected an amount such as -1,250.75, (12.50), $5 or 5 "
-            "EUR, got ''");
-  EXPECT_EQ(fault(run("txf", "reference,amount\nabc,1\n", {"--kind", "summary"})),
-            "orlf txf: in.csv:2: reference: expected the number of a tax line such as 287, got "
-            "'abc'");
 }
 
 }  // namespace

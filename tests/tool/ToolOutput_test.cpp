@@ -33,7 +33,8 @@ TEST_F(ToolOutput, EveryCommandHasHelp) {
   for (const char* command :
        {"dates",          "describe", "schedule", "fiscal",     "plan",         "loan",  "irr",
         "axis",           "amount",   "round",    "decimal",    "link",         "title", "email",
-        "template-image", "csv",      "ofx2xml",  "xml-escape", "xml-unescape", "qif",   "txf"}) {
+        "template-image", "csv",      "ofx2xml",  "xml-escape", "xml-unescape", "qif",   "txf",
+        "xml-events"}) {
     const ToolRun run = runTool({command, "--help"});
     EXPECT_EQ(run.exitCode, 0) << command;
     EXPECT_EQ(run.err, "") << command;

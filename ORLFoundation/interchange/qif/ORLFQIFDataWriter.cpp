@@ -3,8 +3,6 @@
 #include <ORLFoundation/interchange/qif/ORLFRecordText.h>
 #include <ORLFoundation/platform/format/NSDateFormatter.h>
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
-#include <ORLFoundation/platform/stream/EncodedText.h>
-#include <ORLFoundation/platform/stream/NSOutputStream.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 
 #include <utility>
@@ -19,14 +17,6 @@ constexpr std::int32_t kInvestmentAccount = 3;
 constexpr std::int32_t kMutualFundAccount = 4;
 constexpr std::int32_t kRetirementAccount = 5;
 
-std::shared_ptr<NSDateFormatter> newDateFormatter() {
-  auto formatter = std::make_shared<NSDateFormatter>();
-  formatter->setCalendar(NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian));
-  formatter->setDateStyle(NSDateFormatterShortStyle);
-  formatter->setTimeStyle(NSDateFormatterNoStyle);
-  return formatter;
-}
-
 /// The type under which an account's transactions are listed.
 std::int32_t typeOfList(std::int32_t accountType) {
   const bool holdsSecurities =
@@ -36,31 +26,12 @@ std::int32_t typeOfList(std::int32_t accountType) {
 
 }  // namespace
 
-const std::shared_ptr<NSOutputStream>& ORLFQIFDataWriter::stream() {
-  if (!stream_) stream_ = NSOutputStream::initToMemory();
-  return stream_;
-}
-
-void ORLFQIFDataWriter::setStream(std::shared_ptr<NSOutputStream> value) {
-  stream_ = std::move(value);
-}
-
-const std::shared_ptr<NSDateFormatter>& ORLFQIFDataWriter::dateFormatter() {
-  if (!dateFormatter_) dateFormatter_ = newDateFormatter();
-  return dateFormatter_;
-}
-
-void ORLFQIFDataWriter::setDateFormatter(std::shared_ptr<NSDateFormatter> value) {
-  dateFormatter_ = std::move(value);
-}
-
-const std::shared_ptr<NSNumberFormatter>& ORLFQIFDataWriter::amountFormatter() {
-  if (!amountFormatter_) amountFormatter_ = newAmountFormatter();
-  return amountFormatter_;
-}
-
-void ORLFQIFDataWriter::setAmountFormatter(std::shared_ptr<NSNumberFormatter> value) {
-  amountFormatter_ = std::move(value);
+std::shared_ptr<NSDateFormatter> ORLFQIFDataWriter::newDateFormatter() const {
+  auto formatter = std::make_shared<NSDateFormatter>();
+  formatter->setCalendar(NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian));
+  formatter->setDateStyle(NSDateFormatterShortStyle);
+  formatter->setTimeStyle(NSDateFormatterNoStyle);
+  return formatter;
 }
 
 const std::shared_ptr<NSNumberFormatter>& ORLFQIFDataWriter::securityAmountFormatter() {
@@ -71,20 +42,11 @@ void ORLFQIFDataWriter::setSecurityAmountFormatter(std::shared_ptr<NSNumberForma
   securityAmountFormatter_ = std::move(value);
 }
 
-bool ORLFQIFDataWriter::writeStringToStream(std::string_view string, NSErrorSlot error) {
-  return internal::stream::writeText(*stream(), string, encoding_, error);
-}
-
 bool ORLFQIFDataWriter::writeExportHeaderName(std::string_view name, std::string_view type,
                                               NSErrorSlot error) {
   ORLFRecordText header;
   header.add("!").add(name).add(":").add(type).add("\n");
   return writeStringToStream(header.text(), error);
-}
-
-bool ORLFQIFDataWriter::beginWriting(NSErrorSlot /*error*/) {
-  if (stream()->streamStatus() == NSStreamStatusNotOpen) stream()->open();
-  return true;
 }
 
 bool ORLFQIFDataWriter::endWriting(NSErrorSlot /*error*/) { return true; }

@@ -11,18 +11,11 @@
 ///     writer.stream()->propertyForKey(NSStreamDataWrittenToMemoryStreamKey);
 ///
 /// The last record reads "D3/5/24", "T12.50", "PGrocer", "LFood/trip", "^", a line each. The writer
-/// keeps no data and does not check the order of its calls. Each record is one write to the stream.
-/// A record fails, with `NSFileWriteInapplicableStringEncodingError` and no byte written, when the
-/// encoding lacks one of its characters, and with the stream's error when the stream answers -1;
-/// what was written before stays. Texts are written as they stand: a line end in one would begin a
-/// line of its own. One thread at a time.
+/// does not check the order of its calls.
 #pragma once
 
 #include <ORLFoundation/interchange/qif/ORLFQIFRecords.h>
-#include <ORLFoundation/platform/object/NSError.h>
-#include <ORLFoundation/platform/object/NSObject.h>
-#include <ORLFoundation/platform/text/NSStringEncoding.h>
-#include <ORLFoundation/platform/value/NSTypes.h>
+#include <ORLFoundation/interchange/qif/ORLFRecordWriter.h>
 
 #include <cstdint>
 #include <memory>
@@ -32,27 +25,9 @@
 
 namespace ORLFoundation {
 
-class NSDateFormatter;
-class NSNumberFormatter;
-class NSOutputStream;
-
-class ORLFQIFDataWriter : public NSObject {
+/// Its `dateFormatter` has a Gregorian calendar and the short style without a time.
+class ORLFQIFDataWriter : public ORLFRecordWriter {
  public:
-  /// `stream`  One to memory, made on the first read, until set; nil lets a new one be made.
-  [[nodiscard]] const std::shared_ptr<NSOutputStream>& stream();
-  void setStream(std::shared_ptr<NSOutputStream> value);
-  /// `encoding`  The number of an `NSStringEncoding`, UTF-8 at first. Each write in
-  /// `NSUTF16StringEncoding` begins with a byte-order mark.
-  [[nodiscard]] NSUInteger encoding() const noexcept { return encoding_; }
-  void setEncoding(NSUInteger value) noexcept { encoding_ = value; }
-  /// `dateFormatter`  Made on the first read: a Gregorian calendar, the short style without a time,
-  /// the current locale and zone.
-  [[nodiscard]] const std::shared_ptr<NSDateFormatter>& dateFormatter();
-  void setDateFormatter(std::shared_ptr<NSDateFormatter> value);
-  /// `amountFormatter`  Made on the first read: the decimal style of the current locale with at
-  /// least two fraction digits.
-  [[nodiscard]] const std::shared_ptr<NSNumberFormatter>& amountFormatter();
-  void setAmountFormatter(std::shared_ptr<NSNumberFormatter> value);
   /// `securityAmountFormatter`  Gives the `amountFormatter`; what is set is never read. This is
   /// required.
   [[nodiscard]] const std::shared_ptr<NSNumberFormatter>& securityAmountFormatter();
@@ -68,14 +43,10 @@ class ORLFQIFDataWriter : public NSObject {
   /// `securityRiskNameFromRiskType:`  0 is "Growth"; "" otherwise.
   [[nodiscard]] static std::string securityRiskNameFromRiskType(std::int64_t riskType);
 
-  /// `writeStringToStream:error:`
-  bool writeStringToStream(std::string_view string, NSErrorSlot error = nullptr);
   /// `writeExportHeaderName:type:error:`  "!Name:Type".
   bool writeExportHeaderName(std::string_view name, std::string_view type,
                              NSErrorSlot error = nullptr);
 
-  /// `beginWriting:`  Opens the stream when it was never opened. Always true.
-  bool beginWriting(NSErrorSlot error = nullptr);
   /// `endWriting:`  Writes nothing and leaves the stream open. Always true.
   bool endWriting(NSErrorSlot error = nullptr);
   /// `beginAccountList:`  "!Option:AutoSwitch", then "!Account" in a write of its own.
@@ -175,10 +146,8 @@ class ORLFQIFDataWriter : public NSObject {
   [[nodiscard]] std::string className() const override { return "ORLFQIFDataWriter"; }
 
  private:
-  std::shared_ptr<NSOutputStream> stream_;
-  NSUInteger encoding_ = NSUTF8StringEncoding;
-  std::shared_ptr<NSDateFormatter> dateFormatter_;
-  std::shared_ptr<NSNumberFormatter> amountFormatter_;
+  [[nodiscard]] std::shared_ptr<NSDateFormatter> newDateFormatter() const override;
+
   std::shared_ptr<NSNumberFormatter> securityAmountFormatter_;
 };
 

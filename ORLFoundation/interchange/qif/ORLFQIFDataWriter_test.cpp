@@ -16,6 +16,7 @@ namespace ORLFoundation {
 namespace {
 
 using orlftest::date;
+using CallStream = orlftest::ScriptedOutputStream;
 using orlftest::WrittenQIF;
 using Writer = ORLFQIFDataWriter;
 
@@ -84,27 +85,6 @@ const std::vector<BoundaryRow>& boundaries() {
       {"EndSecurityPriceList", &Writer::endSecurityPriceList, {}}};
   return rows;
 }
-
-/// Takes what is written call by call, and fails from a call on.
-class CallStream : public NSOutputStream {
- public:
-  static constexpr std::size_t kNever = static_cast<std::size_t>(-1);
-
-  explicit CallStream(NSInteger answer = 0, std::size_t failsFrom = kNever)
-      : answer_(answer), failsFrom_(failsFrom) {}
-  NSInteger write(std::span<const std::uint8_t> buffer) override {
-    calls_.emplace_back(buffer.begin(), buffer.end());
-    if (calls_.size() <= failsFrom_) return answer_;
-    setStreamError(failure_);
-    return -1;
-  }
-  const std::shared_ptr<const NSError> failure_ = NSError::errorWithDomain(NSPOSIXErrorDomain, 28);
-  std::vector<std::string> calls_;
-
- private:
-  const NSInteger answer_;
-  const std::size_t failsFrom_;
-};
 
 TEST(ORLFQIFDataWriter, WritesTheBoundariesOfLists) {
   for (const BoundaryRow& row : boundaries()) {

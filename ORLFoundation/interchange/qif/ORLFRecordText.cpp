@@ -11,7 +11,6 @@ namespace ORLFoundation::internal::qif {
 namespace {
 
 constexpr std::size_t kUsualLength = 1024;
-constexpr NSInteger kLeastFractionDigits = 2;
 constexpr std::uint64_t kFirstLongMantissa = 1'000'000'000'000'000;
 
 bool hasFifteenDigits(const NSDecimal& number) {
@@ -32,13 +31,6 @@ NSNumber asTaken(const NSDecimal& number) {
 }
 
 }  // namespace
-
-std::shared_ptr<NSNumberFormatter> newAmountFormatter() {
-  auto formatter = std::make_shared<NSNumberFormatter>();
-  formatter->setNumberStyle(NSNumberFormatterDecimalStyle);
-  formatter->setMinimumFractionDigits(kLeastFractionDigits);
-  return formatter;
-}
 
 std::string dateText(const NSDateFormatter& formatter, const std::optional<NSDate>& date) {
   return date ? formatter.stringFromDate(*date) : std::string(kNilText);

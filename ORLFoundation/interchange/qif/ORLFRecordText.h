@@ -6,7 +6,6 @@
 #include <ORLFoundation/platform/object/NSNumber.h>
 #include <ORLFoundation/platform/value/NSDate.h>
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,9 +19,6 @@ namespace ORLFoundation::internal::qif {
 
 /// What stands in a line for nil.
 inline constexpr std::string_view kNilText = "(null)";
-
-/// The decimal style with at least two fraction digits, in the current locale.
-[[nodiscard]] std::shared_ptr<NSNumberFormatter> newAmountFormatter();
 
 /// A date by its formatter; nil as `kNilText`.
 [[nodiscard]] std::string dateText(const NSDateFormatter& formatter,

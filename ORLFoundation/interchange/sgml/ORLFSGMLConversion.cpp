@@ -17,21 +17,25 @@ using namespace internal::sgml;
 /// One tag as the scan for orphans sees it.
 struct Tag {
   std::string_view name;
+  /// Whether the last tag of its name leaves it open; nil where no tag did.
+  bool* isOpen = nullptr;
   /// What stands behind the name, or the name itself where the tag ends with it.
   std::string_view text;
   bool isEnd = false;
 };
 
+using OpenTags = ORLFTagTable<bool>;
+
 /// The next tag, with white space passed over before each of its parts. Its name is empty where
 /// none stands.
-Tag nextTag(ORLFTagScanner& scanner) {
+Tag nextTag(ORLFTagScanner& scanner, OpenTags& tags) {
   scanner.scanUpTo('<');
   scanner.scan('<');
   scanner.skipBlanks();
   Tag tag;
   tag.isEnd = scanner.scan('/');
   scanner.skipBlanks();
-  tag.name = scanner.scanUpToEndOfName();
+  tag.isOpen = tags.scanName(scanner, tag.name);
   if (tag.name.empty()) return tag;
   scanner.skipBlanks();
   tag.text = scanner.scan('>') ? tag.name : scanner.scanUpTo('>');
@@ -70,7 +74,7 @@ class Converter {
   }
 
   void endOrphan() {
-    scanner_.scan(*endTag_);
+    scanner_.scanEndTag(*endTag_);
     result_.insert(endWithoutLineBreaks(result_), *endTag_);
   }
 
@@ -78,7 +82,8 @@ class Converter {
     endTag_ = nullptr;
     const std::size_t start = scanner_.place();
     if (!scanner_.scan('<')) return;
-    if (!scanner_.scan('/')) endTag_ = endTags_.find(scanner_.scanUpToEndOfName());
+    std::string_view name;
+    if (!scanner_.scan('/')) endTag_ = endTags_.scanName(scanner_, name);
     scanner_.scanUpTo('>');
     const bool isClosed = scanner_.scan('>');
     result_ += scanner_.passedSince(start);
@@ -108,20 +113,19 @@ const std::shared_ptr<NSCharacterSet>& orlfXMLStringConvertEndTagNameCharacterSe
 }
 
 ORLFTagNames orlfXMLStringConvertBuildOrphanedTagSet(std::string_view string) {
-  // Whether the last tag of a name leaves it open.
-  ORLFTagTable<bool> isOpen;
+  OpenTags tags;
   ORLFTagScanner scanner(string);
   for (scanner.skipBlanks(); !scanner.isAtEnd(); scanner.skipBlanks()) {
-    const Tag tag = nextTag(scanner);
+    const Tag tag = nextTag(scanner, tags);
     if (tag.name.empty()) continue;
     const bool leavesOpen = !tag.isEnd && !tag.text.ends_with('/');
-    if (bool* const known = isOpen.find(tag.name))
-      *known = leavesOpen;
+    if (tag.isOpen != nullptr)
+      *tag.isOpen = leavesOpen;
     else if (leavesOpen && beginsName(tag.name))
-      isOpen.add(tag.name, true);
+      tags.add(tag.name, true);
   }
   ORLFTagNames orphans;
-  isOpen.forEach([&orphans](std::string_view name, bool isOrphan) {
+  tags.forEach([&orphans](std::string_view name, bool isOrphan) {
     if (isOrphan) orphans.emplace(name);
   });
   return orphans;

@@ -5,7 +5,6 @@
 #include <ORLFoundation/platform/format/NSDateFormatter.h>
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
 #include <ORLFoundation/platform/stream/EncodedText.h>
-#include <ORLFoundation/platform/stream/NSOutputStream.h>
 
 #include <array>
 #include <utility>
@@ -30,34 +29,10 @@ void addPlace(ORLFRecordText& record, std::string_view refNumber, NSInteger copy
 
 }  // namespace
 
-const std::shared_ptr<NSOutputStream>& ORLFTXFDataWriter::stream() {
-  if (!stream_) stream_ = NSOutputStream::initToMemory();
-  return stream_;
-}
-
-void ORLFTXFDataWriter::setStream(std::shared_ptr<NSOutputStream> value) {
-  stream_ = std::move(value);
-}
-
-const std::shared_ptr<NSDateFormatter>& ORLFTXFDataWriter::dateFormatter() {
-  if (!dateFormatter_) {
-    dateFormatter_ = std::make_shared<NSDateFormatter>();
-    dateFormatter_->setDateFormat("MM/dd/yyyy");
-  }
-  return dateFormatter_;
-}
-
-void ORLFTXFDataWriter::setDateFormatter(std::shared_ptr<NSDateFormatter> value) {
-  dateFormatter_ = std::move(value);
-}
-
-const std::shared_ptr<NSNumberFormatter>& ORLFTXFDataWriter::amountFormatter() {
-  if (!amountFormatter_) amountFormatter_ = newAmountFormatter();
-  return amountFormatter_;
-}
-
-void ORLFTXFDataWriter::setAmountFormatter(std::shared_ptr<NSNumberFormatter> value) {
-  amountFormatter_ = std::move(value);
+std::shared_ptr<NSDateFormatter> ORLFTXFDataWriter::newDateFormatter() const {
+  auto formatter = std::make_shared<NSDateFormatter>();
+  formatter->setDateFormat("MM/dd/yyyy");
+  return formatter;
 }
 
 const std::shared_ptr<NSNumberFormatter>& ORLFTXFDataWriter::securitySharesFormatter() {
@@ -70,15 +45,6 @@ const std::shared_ptr<NSNumberFormatter>& ORLFTXFDataWriter::securitySharesForma
 
 void ORLFTXFDataWriter::setSecuritySharesFormatter(std::shared_ptr<NSNumberFormatter> value) {
   securitySharesFormatter_ = std::move(value);
-}
-
-bool ORLFTXFDataWriter::writeStringToStream(std::string_view string, NSErrorSlot error) {
-  return internal::stream::writeText(*stream(), string, encoding_, error);
-}
-
-bool ORLFTXFDataWriter::beginWriting(NSErrorSlot /*error*/) {
-  if (stream()->streamStatus() == NSStreamStatusNotOpen) stream()->open();
-  return true;
 }
 
 std::string ORLFTXFDataWriter::padString(std::string_view string, NSUInteger toLength) {
@@ -119,7 +85,7 @@ std::optional<std::string> ORLFTXFDataWriter::columnsOf(const ORLFTXFDetail& det
 
 bool ORLFTXFDataWriter::writeDetailForTaxFormCopy(const ORLFTXFDetail& detail, NSErrorSlot error) {
   const std::optional<std::string> columns = columnsOf(detail);
-  if (!columns) return internal::stream::refuseEncoding(encoding_, error);
+  if (!columns) return internal::stream::refuseEncoding(encoding(), error);
   ORLFRecordText record;
   addPlace(record.add("TD\n"), detail.refNumber.description(), detail.taxFormCopy,
            detail.lineNumber);

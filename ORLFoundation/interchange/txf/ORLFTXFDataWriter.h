@@ -5,18 +5,11 @@
 ///     writer.writeForHeaderAppName("App", day);               // V042, AApp, D12/31/2024, ^
 ///     writer.writeSummaryForTaxFormCopy(1, 2, "287", price);  // TS, N287, C1, L2, $12.50, ^
 ///
-/// The writer keeps no data and checks none: nil prints what the formatter gives for nil, else
-/// "(null)". Each record is one write to the stream. A record fails, with
-/// `NSFileWriteInapplicableStringEncodingError` and no byte written, when the encoding lacks one of
-/// its characters, and with the stream's error when the stream answers -1; what was written before
-/// stays. One thread at a time.
+/// The writer checks nothing: nil prints what the formatter gives for nil, else "(null)".
 #pragma once
 
+#include <ORLFoundation/interchange/qif/ORLFRecordWriter.h>
 #include <ORLFoundation/interchange/txf/ORLFTXFRecords.h>
-#include <ORLFoundation/platform/object/NSError.h>
-#include <ORLFoundation/platform/object/NSObject.h>
-#include <ORLFoundation/platform/text/NSStringEncoding.h>
-#include <ORLFoundation/platform/value/NSTypes.h>
 
 #include <memory>
 #include <optional>
@@ -25,34 +18,13 @@
 
 namespace ORLFoundation {
 
-class NSDateFormatter;
-class NSNumberFormatter;
-class NSOutputStream;
-
-class ORLFTXFDataWriter : public NSObject {
+/// Its `dateFormatter` has the format "MM/dd/yyyy".
+class ORLFTXFDataWriter : public ORLFRecordWriter {
  public:
-  /// `stream`  One to memory, made on the first read, until set; nil lets a new one be made.
-  /// Nothing closes it.
-  [[nodiscard]] const std::shared_ptr<NSOutputStream>& stream();
-  void setStream(std::shared_ptr<NSOutputStream> value);
-  /// `encoding`  The number of an `NSStringEncoding`, UTF-8 at first.
-  [[nodiscard]] NSUInteger encoding() const noexcept { return encoding_; }
-  void setEncoding(NSUInteger value) noexcept { encoding_ = value; }
-  /// `dateFormatter`  Made on the first read: "MM/dd/yyyy" in the current locale and zone.
-  [[nodiscard]] const std::shared_ptr<NSDateFormatter>& dateFormatter();
-  void setDateFormatter(std::shared_ptr<NSDateFormatter> value);
-  /// `amountFormatter`  Made on the first read: the decimal style of the current locale with at
-  /// least two fraction digits.
-  [[nodiscard]] const std::shared_ptr<NSNumberFormatter>& amountFormatter();
-  void setAmountFormatter(std::shared_ptr<NSNumberFormatter> value);
   /// `securitySharesFormatter`  Made on the first read: the decimal style of the current locale.
   [[nodiscard]] const std::shared_ptr<NSNumberFormatter>& securitySharesFormatter();
   void setSecuritySharesFormatter(std::shared_ptr<NSNumberFormatter> value);
 
-  /// `writeStringToStream:error:`
-  bool writeStringToStream(std::string_view string, NSErrorSlot error = nullptr);
-  /// `beginWriting:`  Opens the stream when it was never opened. Always true.
-  bool beginWriting(NSErrorSlot error = nullptr);
   /// `padString:toLength:`  The text with blanks behind it up to so many UTF-16 units; a longer one
   /// as it is.
   [[nodiscard]] static std::string padString(std::string_view string, NSUInteger toLength);
@@ -82,15 +54,12 @@ class ORLFTXFDataWriter : public NSObject {
   [[nodiscard]] std::string className() const override { return "ORLFTXFDataWriter"; }
 
  private:
+  [[nodiscard]] std::shared_ptr<NSDateFormatter> newDateFormatter() const override;
   bool writeCapitalGains(std::string_view refNumber, const ORLFTXFCapitalGains& gains,
                          NSErrorSlot error);
   /// The columns of a detail; nil when a cut went through a character.
   [[nodiscard]] std::optional<std::string> columnsOf(const ORLFTXFDetail& detail);
 
-  std::shared_ptr<NSOutputStream> stream_;
-  NSUInteger encoding_ = NSUTF8StringEncoding;
-  std::shared_ptr<NSDateFormatter> dateFormatter_;
-  std::shared_ptr<NSNumberFormatter> amountFormatter_;
   std::shared_ptr<NSNumberFormatter> securitySharesFormatter_;
 };
 

@@ -15,6 +15,7 @@ namespace ORLFoundation {
 namespace {
 
 using orlftest::decimal;
+using CallStream = orlftest::ScriptedOutputStream;
 using orlftest::WrittenTXF;
 
 const NSDate kDay = orlftest::date("2024-12-31T00:00:00Z");
@@ -153,22 +154,6 @@ TEST(ORLFTXFDataWriter, MakesItsStreamOnTheFirstReadAndLeavesItOpen) {
   writer.setStream(nullptr);
   EXPECT_NE(writer.stream(), stream);
 }
-
-/// Takes a record in one call, and answers as it is told.
-class CallStream : public NSOutputStream {
- public:
-  explicit CallStream(NSInteger answer) : answer_(answer) {}
-  NSInteger write(std::span<const std::uint8_t> buffer) override {
-    calls_.emplace_back(buffer.begin(), buffer.end());
-    if (answer_ == -1) setStreamError(failure_);
-    return answer_;
-  }
-  const std::shared_ptr<const NSError> failure_ = NSError::errorWithDomain(NSPOSIXErrorDomain, 28);
-  std::vector<std::string> calls_;
-
- private:
-  const NSInteger answer_;
-};
 
 TEST(ORLFTXFDataWriter, WritesEachRecordInOneCall) {
   for (const NSInteger answer : {NSInteger{-1}, NSInteger{0}, NSInteger{3}, NSInteger{1000}}) {

@@ -29,19 +29,18 @@ bool ORLFXMLWriter::appendBytes(std::span<const std::uint8_t> bytes, NSErrorSlot
 }
 
 bool ORLFXMLWriter::appendString(std::string_view string, bool allowLossy, NSErrorSlot error) {
-  if (string.empty()) return true;
+  // Bytes that stay as they are go straight into the buffer.
+  const std::size_t kept = orlfLengthOfKeptBytes(string, encoding_);
+  if (!appendBytes(bytesOf(string.substr(0, kept)), error)) return false;
+  return kept == string.size() || appendPieces(string.substr(kept), allowLossy, error);
+}
+
+bool ORLFXMLWriter::appendPieces(std::string_view string, bool allowLossy, NSErrorSlot error) {
   const bool isFirst = outputData_ == nullptr || outputData_->length() == 0;
   const NSUInteger options =
       (isFirst ? NSStringEncodingConversionExternalRepresentation : NSUInteger{0}) |
       (allowLossy ? NSStringEncodingConversionAllowLossy : NSUInteger{0});
   NSStringBytes pieces(string, encoding_, options);
-  // Bytes that stay as they are go straight into the buffer.
-  const std::string_view kept = pieces.takeKeptBytes();
-  if (!appendBytes(bytesOf(kept), error)) return false;
-  return pieces.remaining().empty() || appendPieces(pieces, error);
-}
-
-bool ORLFXMLWriter::appendPieces(NSStringBytes& pieces, NSErrorSlot error) {
   std::array<std::uint8_t, kPiece> buffer;  // NOLINT: filled below as far as it is read
   while (!pieces.remaining().empty()) {
     const std::optional<std::size_t> used = pieces.getBytes(buffer);

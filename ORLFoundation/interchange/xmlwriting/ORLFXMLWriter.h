@@ -29,8 +29,6 @@
 
 namespace ORLFoundation {
 
-class NSStringBytes;
-
 class ORLFXMLWriter : public NSObject {
  public:
   /// `initForWritingWithMutableData:`  The buffer is shared with the caller.
@@ -91,7 +89,8 @@ class ORLFXMLWriter : public NSObject {
   [[nodiscard]] std::string className() const override { return "ORLFXMLWriter"; }
 
  private:
-  bool appendPieces(NSStringBytes& pieces, NSErrorSlot error);
+  /// Converted by way of a buffer.
+  bool appendPieces(std::string_view string, bool allowLossy, NSErrorSlot error);
   /// What is written together is joined first, with the end of a start tag in progress, which then
   /// counts as ended.
   void beginJoining();

@@ -19,37 +19,9 @@ namespace ORLFoundation {
 
 using internal::dispatch::kDefaultMode;
 using internal::dispatch::kNever;
-using internal::dispatch::Loop;
 using internal::dispatch::mainLoop;
 
 namespace {
-
-/// A descriptor that is closed with it.
-class Owned {
- public:
-  explicit Owned(int descriptor) : descriptor_(descriptor) {
-    if (descriptor < 0) throw NSException(NSGenericException, "no descriptor for a bridge");
-  }
-  ~Owned() { ::close(descriptor_); }
-  Owned(const Owned&) = delete;
-  Owned& operator=(const Owned&) = delete;
-  [[nodiscard]] int get() const noexcept { return descriptor_; }
-
- private:
-  const int descriptor_;
-};
-
-/// The one bridge that there may be.
-class OnlyBridge {
- public:
-  OnlyBridge() {
-    if (!mainLoop()->setBridged(true))
-      throw NSException(NSGenericException, "the main queue has a bridge already");
-  }
-  ~OnlyBridge() { mainLoop()->setBridged(false); }
-  OnlyBridge(const OnlyBridge&) = delete;
-  OnlyBridge& operator=(const OnlyBridge&) = delete;
-};
 
 epoll_event eventOf(const pollfd& watched) {
   epoll_event event{};
@@ -62,6 +34,33 @@ epoll_event eventOf(const pollfd& watched) {
 }  // namespace
 
 struct NSMainQueuePollBridge::State {
+  /// A descriptor that is closed with it.
+  class Owned {
+   public:
+    explicit Owned(int descriptor) : descriptor_(descriptor) {
+      if (descriptor < 0) throw NSException(NSGenericException, "no descriptor for a bridge");
+    }
+    ~Owned() { ::close(descriptor_); }
+    Owned(const Owned&) = delete;
+    Owned& operator=(const Owned&) = delete;
+    [[nodiscard]] int get() const noexcept { return descriptor_; }
+
+   private:
+    const int descriptor_;
+  };
+
+  /// The one bridge that there may be.
+  class OnlyBridge {
+   public:
+    OnlyBridge() {
+      if (!mainLoop()->setBridged(true))
+        throw NSException(NSGenericException, "the main queue has a bridge already");
+    }
+    ~OnlyBridge() { mainLoop()->setBridged(false); }
+    OnlyBridge(const OnlyBridge&) = delete;
+    OnlyBridge& operator=(const OnlyBridge&) = delete;
+  };
+
   OnlyBridge only;
   std::optional<internal::dispatch::MainThreadClaim> claim;
   internal::dispatch::ServingMain serving;

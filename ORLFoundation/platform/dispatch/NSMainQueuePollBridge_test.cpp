@@ -42,9 +42,9 @@ class HostLoop {
     return condition();
   }
   /// Waits for the bridge, for so many milliseconds, and answers whether there was work.
-  bool turn(int milliseconds) {
+  bool turn(int timeout) {
     pollfd descriptor{bridge_.descriptor(), POLLIN, 0};
-    if (::poll(&descriptor, 1, milliseconds) != 1) return false;
+    if (::poll(&descriptor, 1, timeout) != 1) return false;
     ++turns;
     bridge_.dispatch();
     return true;

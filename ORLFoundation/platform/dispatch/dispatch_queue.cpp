@@ -134,9 +134,10 @@ void ConcurrentQueue::run(void (*call)(void*), void* argument) {
   call(argument);
 }
 
-void runOnQueue(Queue* queue, void (*call)(void*), void* argument) {
-  if (queue == nullptr) ORLFFatalError("work for a queue that is nil", __FILE__, __LINE__);
-  queue->run(call, argument);
+void runOnQueue(const dispatch_queue_t& queue, void (*call)(void*), void* argument) {
+  const dispatch_queue_t held = queue;
+  if (!held) ORLFFatalError("work for a queue that is nil", __FILE__, __LINE__);
+  held->run(call, argument);
 }
 
 }  // namespace internal::dispatch

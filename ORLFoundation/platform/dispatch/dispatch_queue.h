@@ -83,8 +83,9 @@ void dispatch_async(const dispatch_queue_t& queue, dispatch_block_t block);
 void dispatch_after(dispatch_time_t when, const dispatch_queue_t& queue, dispatch_block_t block);
 
 namespace internal::dispatch {
-/// Runs the call on the queue before it returns.
-void runOnQueue(Queue* queue, void (*call)(void*), void* argument);
+/// Runs the call on the queue before it returns. The queue is held meanwhile, whatever the call
+/// lets go of.
+void runOnQueue(const dispatch_queue_t& queue, void (*call)(void*), void* argument);
 }  // namespace internal::dispatch
 
 /// Runs the block on the queue and gives back what it returns, or throws what it throws. On a queue
@@ -99,7 +100,7 @@ std::invoke_result_t<Block&> dispatch_sync(const dispatch_queue_t& queue, Block&
   if constexpr (std::is_void_v<Result>) {
     using Plain = std::remove_reference_t<Block>;
     internal::dispatch::runOnQueue(
-        queue.get(), [](void* plain) { (*static_cast<Plain*>(plain))(); },
+        queue, [](void* plain) { (*static_cast<Plain*>(plain))(); },
         const_cast<void*>(static_cast<const void*>(std::addressof(block))));
   } else {
     std::optional<Result> result;

@@ -137,6 +137,16 @@ TEST(dispatch_queue, LivesUntilItsItemsHaveRun) {
   }
 }
 
+TEST(dispatch_queue, LivesWhileItIsEntered) {
+  for (const auto attributes : {DISPATCH_QUEUE_SERIAL, DISPATCH_QUEUE_CONCURRENT}) {
+    auto queue = dispatch_queue_create("short", attributes);
+    dispatch_sync(queue, [&] {
+      queue = nullptr;
+      EXPECT_STREQ(dispatch_queue_get_label(nullptr), "short");
+    });
+  }
+}
+
 TEST(dispatch_queue, DropsABlockWhenItHasRun) {
   for (const auto attributes : {DISPATCH_QUEUE_SERIAL, DISPATCH_QUEUE_CONCURRENT}) {
     const auto queue = dispatch_queue_create("queue", attributes);

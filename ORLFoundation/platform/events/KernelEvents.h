@@ -29,7 +29,7 @@ class KernelQueue {
   /// The same for these events and no others.
   virtual void set(const std::string& path, std::uint32_t mask) = 0;
   virtual void remove(int watch) = 0;
-  /// The events that wait, in their order, without waiting; at most some thousands.
+  /// All events that wait, in their order, without waiting.
   [[nodiscard]] virtual std::vector<KernelEvent> read() = 0;
 
   /// nullptr, with errno, where the kernel gives no queue.

@@ -2,16 +2,12 @@
 
 #include <ORLFoundation/platform/events/EventDescriptor.h>
 #include <ORLFoundation/platform/events/internal/NodeState.h>
+#include <ORLFoundation/platform/events/internal/NodeThreads.h>
 #include <ORLFoundation/platform/events/internal/NodeUser.h>
-#include <poll.h>
 #include <sys/inotify.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
-#include <csignal>
-#include <system_error>
-#include <thread>
 #include <utility>
 
 namespace ORLFoundation::internal::events {
@@ -19,26 +15,6 @@ namespace {
 
 /// What a name in a folder tells of the folder.
 constexpr std::uint32_t kNamesCameOrWent = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
-
-/// Starts a thread that takes no signals, as the host's handlers are not to run there.
-void startThread(NodeWatcher& watcher) {
-  sigset_t all;
-  sigset_t before;
-  sigfillset(&all);
-  pthread_sigmask(SIG_SETMASK, &all, &before);
-  try {
-    std::thread([&watcher] {
-      while (true) {
-        watcher.wait();
-        watcher.pump();
-      }
-    }).detach();
-  } catch (...) {
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    throw;
-  }
-  pthread_sigmask(SIG_SETMASK, &before, nullptr);
-}
 
 }  // namespace
 
@@ -52,12 +28,7 @@ NodeWatcher* NodeWatcher::shared() {
   auto queue = KernelQueue::make();
   if (queue == nullptr) return nullptr;
   auto made = std::make_unique<NodeWatcher>(std::move(queue), MountTable::make());
-  try {
-    startThread(*made);
-  } catch (const std::system_error& error) {
-    errno = error.code().value();
-    return nullptr;
-  }
+  if (!serveWithThreads(*made)) return nullptr;
   return watcher = made.release();
 }
 
@@ -73,13 +44,14 @@ std::unique_ptr<NodeWatch> NodeWatcher::watch(NodeRequest request) {
   user->state = *state;
 
   const std::lock_guard reporting(reportLock_);
+  NodeTurn none(false);
   Touched touched;
   {
     const std::lock_guard guarding(lock_);
     touched = collect();  // what happened before is not the new user's
     if (!add(user, user->handle())) {
       const int error = errno;
-      report(touched);
+      report(touched, none);
       errno = error;
       return nullptr;
     }
@@ -87,24 +59,23 @@ std::unique_ptr<NodeWatch> NodeWatcher::watch(NodeRequest request) {
     noteStart(*user);
     if (user->due != 0) touched.push_back(user);
   }
-  report(touched);
+  report(touched, none);
   return std::make_unique<NodeWatch>(*this, user);
 }
 
 void NodeWatcher::pump() {
+  NodeTurn none(false);
+  pump(none, true);
+}
+
+void NodeWatcher::pump(NodeTurn& turn, bool looksAtMounts) {
   const std::lock_guard reporting(reportLock_);
   Touched touched;
   {
     const std::lock_guard guarding(lock_);
-    touched = collect();
+    touched = collect(looksAtMounts);
   }
-  report(touched);
-}
-
-void NodeWatcher::wait() const {
-  std::array<pollfd, 2> sources{
-      {{queue_->descriptor(), POLLIN, 0}, {mountTable_->descriptor(), POLLPRI, 0}}};
-  static_cast<void>(::poll(sources.data(), sources.size(), -1));
+  report(touched, turn);
 }
 
 std::size_t NodeWatcher::nodes() const {
@@ -113,23 +84,24 @@ std::size_t NodeWatcher::nodes() const {
 }
 
 void NodeWatcher::end(const std::shared_ptr<NodeUser>& user) {
+  const std::lock_guard reporting(reportLock_);
   user->isEnded = true;
   const std::lock_guard guarding(lock_);
   if (user->guard) remove(user->guard);
   remove(user);
 }
 
-void NodeWatcher::report(const Touched& touched) {
+void NodeWatcher::report(const Touched& touched, NodeTurn& turn) {
   for (const auto& user : touched) {
     const std::uint64_t flags = std::exchange(user->due, 0);
-    if (flags != 0 && !user->isEnded) user->request.report(flags);
+    if (flags != 0 && !user->isEnded) user->request.report(flags, turn);
   }
 }
 
-NodeWatcher::Touched NodeWatcher::collect() {
+NodeWatcher::Touched NodeWatcher::collect(bool looksAtMounts) {
   Touched touched;
   for (const KernelEvent& event : queue_->read()) take(event, touched);
-  takeMounts(touched);
+  if (looksAtMounts) takeMounts(touched);
   for (const auto& user : touched) {
     if ((user->events & IN_MOVE_SELF) != 0 && user->guard) guard(user);
     user->due |= user->flagsSinceLook();

@@ -6,7 +6,7 @@
 ///         {.descriptor = descriptor,
 ///          .flags = kNodeWrite | kNodeDelete,
 ///          .openedAt = std::nullopt,
-///          .report = [](std::uint64_t flags) { note(flags); }});
+///          .report = [](std::uint64_t flags, NodeTurn&) { note(flags); }});
 ///
 /// What the kernel does not tell: writes through a mapping of the file, and writes on other
 /// machines to a file system of the network. A child that the process forks without `exec` has no
@@ -16,7 +16,6 @@
 #include <ORLFoundation/platform/events/KernelEvents.h>
 #include <ORLFoundation/platform/events/NodeFlags.h>
 
-#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -25,6 +24,7 @@
 #include <set>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace ORLFoundation::internal::events {
@@ -32,9 +32,31 @@ namespace ORLFoundation::internal::events {
 class NodeWatcher;
 struct NodeUser;
 
+/// What a thread that reports may do itself when it has reported all, where another thread goes on
+/// waiting for the kernel meanwhile.
+class NodeTurn {
+ public:
+  explicit NodeTurn(bool isFree) : isFree_(isFree) {}
+
+  [[nodiscard]] bool isFree() const noexcept { return isFree_; }
+  /// Of a free turn.
+  void take(std::function<void()> work) {
+    isFree_ = false;
+    work_ = std::move(work);
+  }
+  /// Does what the turn was taken for, if it was.
+  void run() {
+    if (const auto work = std::exchange(work_, nullptr)) work();
+  }
+
+ private:
+  bool isFree_;
+  std::function<void()> work_;
+};
+
 /// Gets the asked flags that came together. Called on whichever thread finds them, under a lock of
-/// the watcher: it notes them and comes back, and asks for no watch.
-using NodeReport = std::function<void(std::uint64_t flags)>;
+/// the watcher: it notes them, may take the thread's turn, and comes back; it asks for no watch.
+using NodeReport = std::function<void(std::uint64_t flags, NodeTurn& turn)>;
 
 struct NodeRequest {
   /// Stays open while the watch lives.
@@ -47,7 +69,7 @@ struct NodeRequest {
   NodeReport report;
 };
 
-/// Ends with its last reference. A report that is on its way may still come.
+/// Ends when it dies; but for one in which that happens, no report runs by then.
 class NodeWatch {
  public:
   NodeWatch(NodeWatcher& watcher, std::shared_ptr<NodeUser> user)
@@ -64,7 +86,7 @@ class NodeWatch {
 /// Safe on any thread.
 class NodeWatcher {
  public:
-  /// One for the process, with a thread of its own that waits for the kernel. nullptr, with errno,
+  /// One for the process, with threads of its own that wait for the kernel. nullptr, with errno,
   /// while the kernel gives no queue or no thread; the next call tries again.
   [[nodiscard]] static NodeWatcher* shared();
 
@@ -80,8 +102,11 @@ class NodeWatcher {
 
   /// Reports what the kernel has told so far; when it returns, that has been reported.
   void pump();
-  /// Waits until there is something to report.
-  void wait() const;
+  /// The same for a thread that has a turn to give and waits for the table of mounts itself.
+  void pump(NodeTurn& turn, bool looksAtMounts);
+
+  [[nodiscard]] const KernelQueue& queue() const noexcept { return *queue_; }
+  [[nodiscard]] const MountTable& mountTable() const noexcept { return *mountTable_; }
 
   /// How many files and folders the kernel watches.
   [[nodiscard]] std::size_t nodes() const;
@@ -95,10 +120,10 @@ class NodeWatcher {
   using Touched = Users;
 
   void end(const std::shared_ptr<NodeUser>& user);
-  void report(const Touched& touched);
+  void report(const Touched& touched, NodeTurn& turn);
 
   // With lock_ held.
-  [[nodiscard]] Touched collect();
+  [[nodiscard]] Touched collect(bool looksAtMounts = true);
   void take(const KernelEvent& event, Touched& touched);
   void touch(const std::shared_ptr<NodeUser>& user, std::uint32_t mask, Touched& touched);
   void takeLostEvents(Touched& touched);
@@ -110,8 +135,9 @@ class NodeWatcher {
 
   const std::unique_ptr<KernelQueue> queue_;
   const std::unique_ptr<MountTable> mountTable_;
-  /// Held while reports are made, so that who pumps can rely on them; before lock_.
-  std::mutex reportLock_;
+  /// Held while reports are made, so that who pumps or ends can rely on them; before lock_. A
+  /// report may end watches.
+  std::recursive_mutex reportLock_;
   mutable std::mutex lock_;
   std::unordered_map<int, Users> nodes_;
   std::set<std::uint64_t> mounts_;

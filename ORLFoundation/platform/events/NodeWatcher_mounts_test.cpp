@@ -1,10 +1,12 @@
 #include <ORLFoundation/platform/events/NodeWatcher_testing.h>
 #include <ORLFoundation/platform/events/internal/NodeState.h>
+#include <poll.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <tests/support/TemporaryFolder.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 
 namespace ORLFoundation::internal::events {
@@ -70,9 +72,11 @@ TEST_F(MountedNode, StandsInTheTableOfTheProcess) {
   watcher.pump();
   const bool isQuiet = node.flags() == 0;
   if (::umount2(place.c_str(), MNT_DETACH) != 0) std::_Exit(1);
-  watcher.wait();
+  pollfd table{watcher.mountTable().descriptor(), POLLPRI, 0};
+  if (::poll(&table, 1, -1) != 1) std::_Exit(1);
   watcher.pump();
   const bool isTold = node.flags() == kNodeRevoke && around.flags() == 0;
+  std::filesystem::remove_all(place);
   std::_Exit(isHindered && isQuiet && isTold ? 0 : 1);
 }
 

@@ -56,10 +56,11 @@ class WatchedNode {
  private:
   void begin(events::NodeWatcher& watcher, std::uint64_t flags,
              std::optional<std::string> openedAt) {
-    watch_ = watcher.watch({.descriptor = descriptor_,
-                            .flags = flags,
-                            .openedAt = std::move(openedAt),
-                            .report = [this](std::uint64_t word) { words_.push_back(word); }});
+    watch_ = watcher.watch(
+        {.descriptor = descriptor_,
+         .flags = flags,
+         .openedAt = std::move(openedAt),
+         .report = [this](std::uint64_t word, events::NodeTurn&) { words_.push_back(word); }});
   }
 
   int descriptor_;

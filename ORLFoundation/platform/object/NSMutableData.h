@@ -5,10 +5,14 @@
 #include <ORLFoundation/platform/value/NSData.h>
 #include <ORLFoundation/platform/value/NSTypes.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
 #include <span>
+#include <string>
 #include <string_view>
-#include <vector>
 
 namespace ORLFoundation {
 
@@ -19,22 +23,28 @@ class NSMutableData : public NSObject {
   /// `initWithData:`  A copy of the bytes.
   explicit NSMutableData(const NSData& data);
 
-  [[nodiscard]] NSUInteger length() const noexcept { return bytes_.size(); }
+  [[nodiscard]] NSUInteger length() const noexcept { return length_; }
   /// Valid until the next change.
-  [[nodiscard]] std::span<const std::uint8_t> bytes() const noexcept { return bytes_; }
+  [[nodiscard]] std::span<const std::uint8_t> bytes() const noexcept {
+    return {space_.get(), length_};
+  }
   /// The same bytes as text; nothing is checked or decoded. Valid until the next change.
   [[nodiscard]] std::string_view text() const noexcept {
-    return {reinterpret_cast<const char*>(bytes_.data()), bytes_.size()};
+    return {reinterpret_cast<const char*>(space_.get()), length_};
   }
   /// A copy that no longer changes.
   [[nodiscard]] NSData data() const { return NSData(bytes()); }
 
-  /// `appendBytes:length:`
-  void appendBytes(std::span<const std::uint8_t> bytes);
+  /// `appendBytes:length:`  Its own bytes too.
+  void appendBytes(std::span<const std::uint8_t> bytes) {
+    if (bytes.size() > capacity_ - length_) return appendGrown(bytes);
+    if (!bytes.empty()) std::memcpy(space_.get() + length_, bytes.data(), bytes.size());
+    length_ += bytes.size();
+  }
   /// `appendData:`
   void appendData(const NSData& data) { appendBytes(data.bytes()); }
   /// `setLength:`  Cut, or filled with zeros.
-  void setLength(NSUInteger length) { bytes_.resize(length); }
+  void setLength(NSUInteger length);
 
   [[nodiscard]] std::string className() const override { return "NSMutableData"; }
   /// The same bytes.
@@ -45,7 +55,16 @@ class NSMutableData : public NSObject {
   [[nodiscard]] std::shared_ptr<NSObject> mutableCopy() override;
 
  private:
-  std::vector<std::uint8_t> bytes_;
+  struct Free {
+    void operator()(std::uint8_t* space) const noexcept { std::free(space); }
+  };
+  void appendGrown(std::span<const std::uint8_t> bytes);
+  void reserve(std::size_t length);
+
+  // From C's heap, which moves large space to another address without copying it.
+  std::unique_ptr<std::uint8_t[], Free> space_;
+  std::size_t length_ = 0;
+  std::size_t capacity_ = 0;
 };
 
 }  // namespace ORLFoundation

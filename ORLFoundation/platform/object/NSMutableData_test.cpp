@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <memory>
+#include <stdexcept>
+#include <string>
 #include <string_view>
 
 namespace ORLFoundation {
@@ -53,6 +56,34 @@ TEST(NSMutableData, AppendsItsOwnBytes) {
   NSMutableData data(dataOf("ab"));
   data.appendBytes(data.bytes());
   EXPECT_EQ(data.text(), "abab");
+  std::string expected = "abab";
+  for (int round = 0; round < 12; ++round) {
+    data.appendBytes(data.bytes().subspan(1, data.length() - 2));
+    expected += expected.substr(1, expected.size() - 2);
+    ASSERT_EQ(data.text(), expected);
+  }
+}
+
+TEST(NSMutableData, HoldsWhatManySmallWritesLeave) {
+  NSMutableData data;
+  EXPECT_EQ(data.text(), "");
+  data.appendBytes({});
+  EXPECT_EQ(data.length(), 0U);
+  std::string expected;
+  for (std::size_t round = 0; round < 3000; ++round) {
+    const std::string piece(round % 150, static_cast<char>('a' + round % 26));
+    data.appendData(dataOf(piece));
+    expected += piece;
+  }
+  EXPECT_EQ(data.text(), expected);
+  data.setLength(0);
+  EXPECT_EQ(data.text(), "");
+}
+
+TEST(NSMutableData, RefusesALengthThatNoMemoryHas) {
+  NSMutableData data(dataOf("a"));
+  EXPECT_THROW(data.setLength(std::numeric_limits<NSUInteger>::max()), std::length_error);
+  EXPECT_EQ(data.text(), "a");
 }
 
 }  // namespace

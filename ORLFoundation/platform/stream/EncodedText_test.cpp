@@ -1,7 +1,7 @@
 #include <ORLFoundation/platform/stream/EncodedText.h>
 
 #include <ORLFoundation/platform/object/Id.h>
-#include <ORLFoundation/platform/stream/NSOutputStream.h>
+#include <ORLFoundation/platform/stream/NSOutputStream_testing.h>
 #include <ORLFoundation/platform/text/NSStringEncoding.h>
 #include <gtest/gtest.h>
 
@@ -11,21 +11,7 @@
 namespace ORLFoundation::internal::stream {
 namespace {
 
-/// A stream that answers what it is told to.
-class Scripted : public NSOutputStream {
- public:
-  explicit Scripted(NSInteger answer) : answer_(answer) {}
-  NSInteger write(std::span<const std::uint8_t> buffer) override {
-    calls_.emplace_back(buffer.begin(), buffer.end());
-    if (answer_ == -1) setStreamError(failure_);
-    return answer_;
-  }
-  const std::shared_ptr<const NSError> failure_ = NSError::errorWithDomain(NSPOSIXErrorDomain, 28);
-  std::vector<std::string> calls_;
-
- private:
-  const NSInteger answer_;
-};
+using Scripted = orlftest::ScriptedOutputStream;
 
 TEST(EncodedText, IsWrittenInOneCall) {
   Scripted stream(5);

@@ -2,6 +2,7 @@
 
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/object/NSError.h>
+#include <ORLFoundation/platform/stream/NSOutputStream_testing.h>
 #include <ORLFoundation/platform/value/NSData.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -163,17 +164,8 @@ TEST(NSOutputStream, EndsWithAnErrorWhereTheDiskIsFull) {
   EXPECT_EQ(path.as<std::string>(), "/dev/full");
 }
 
-class Taker : public NSOutputStream {
- public:
-  NSInteger write(std::span<const std::uint8_t> buffer) override {
-    calls_.emplace_back(buffer.begin(), buffer.end());
-    return static_cast<NSInteger>(buffer.size());
-  }
-  std::vector<std::string> calls_;
-};
-
 TEST(NSOutputStream, OpensAndClosesAStreamOfTheCaller) {
-  const auto stream = std::make_shared<Taker>();
+  const auto stream = std::make_shared<orlftest::ScriptedOutputStream>();
   stream->open();
   EXPECT_EQ(stream->streamStatus(), NSStreamStatusOpen);
   EXPECT_TRUE(stream->hasSpaceAvailable());

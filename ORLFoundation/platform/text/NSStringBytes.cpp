@@ -36,28 +36,15 @@ bool isUTF16(NSUInteger encoding) {
 }
 
 /// How many bytes at the front of a text are ASCII.
-std::size_t lengthOfASCII(std::string_view text) {
+std::size_t lengthOfASCII(std::string_view text) noexcept {
   constexpr std::uint64_t kHighBits = 0x8080808080808080U;
   std::size_t at = 0;
-  for (std::uint64_t word = 0; at + sizeof(word) <= text.size(); at += sizeof(word)) {
-    std::memcpy(&word, text.data() + at, sizeof(word));
-    if ((word & kHighBits) != 0) break;
+  for (std::array<std::uint64_t, 2> words{}; at + sizeof(words) <= text.size();
+       at += sizeof(words)) {
+    std::memcpy(words.data(), text.data() + at, sizeof(words));
+    if (((words[0] | words[1]) & kHighBits) != 0) break;
   }
   while (at < text.size() && isASCII(text[at])) ++at;
-  return at;
-}
-
-/// How many bytes at the front of a text an encoding writes as they are: whole characters.
-std::size_t lengthOfKeptBytes(std::string_view text, NSUInteger encoding) {
-  if (encoding != NSUTF8StringEncoding)
-    return isUTF16(encoding) || !isKnown(encoding) ? 0 : lengthOfASCII(text);
-  std::size_t at = lengthOfASCII(text);
-  while (at < text.size()) {
-    const UTF8Character character = firstUTF8Character(text.substr(at));
-    if (character.isBroken) break;
-    at += character.length;
-    at += lengthOfASCII(text.substr(at));
-  }
   return at;
 }
 
@@ -165,6 +152,20 @@ bool append(Bytes& bytes, char32_t character, NSUInteger encoding, bool isLossy)
 
 }  // namespace
 
+std::size_t orlfLengthOfKeptBytes(std::string_view text, NSUInteger encoding) noexcept {
+  std::size_t at = 0;
+  if (encoding == NSUTF8StringEncoding) {
+    for (at = lengthOfASCII(text); at < text.size(); at += lengthOfASCII(text.substr(at))) {
+      const UTF8Character character = firstUTF8Character(text.substr(at));
+      if (character.isBroken) break;
+      at += character.length;
+    }
+  } else if (!isUTF16(encoding) && isKnown(encoding)) {
+    at = lengthOfASCII(text);
+  }
+  return at;
+}
+
 NSStringBytes::NSStringBytes(std::string_view text, NSUInteger encoding, NSUInteger options)
     : remaining_(text),
       encoding_(encoding),
@@ -182,7 +183,7 @@ std::optional<std::size_t> NSStringBytes::getBytes(std::span<std::uint8_t> buffe
   const std::size_t before = remaining_.size();
   for (;;) {
     const std::size_t kept =
-        lengthOfKeptBytes(remaining_.substr(0, buffer.size() - used), encoding_);
+        orlfLengthOfKeptBytes(remaining_.substr(0, buffer.size() - used), encoding_);
     std::copy_n(remaining_.data(), kept, buffer.begin() + static_cast<std::ptrdiff_t>(used));
     used += kept;
     remaining_.remove_prefix(kept);
@@ -201,16 +202,10 @@ std::optional<std::size_t> NSStringBytes::getBytes(std::span<std::uint8_t> buffe
   return used;
 }
 
-std::string_view NSStringBytes::takeKeptBytes() {
-  const std::string_view kept = remaining_.substr(0, lengthOfKeptBytes(remaining_, encoding_));
-  remaining_.remove_prefix(kept.size());
-  return kept;
-}
-
 std::optional<NSData> dataUsingEncoding(std::string_view string, NSUInteger encoding,
                                         bool allowLossyConversion) {
   if (!isKnown(encoding)) return std::nullopt;
-  if (lengthOfKeptBytes(string, encoding) == string.size()) return NSData(string);
+  if (orlfLengthOfKeptBytes(string, encoding) == string.size()) return NSData(string);
   NSUInteger options = NSStringEncodingConversionExternalRepresentation;
   if (allowLossyConversion) options |= NSStringEncodingConversionAllowLossy;
   NSStringBytes pieces(string, encoding, options);

@@ -28,6 +28,12 @@ enum NSStringEncodingConversionOptions : NSUInteger {
   NSStringEncodingConversionExternalRepresentation = 2,
 };
 
+/// How many bytes at the front of a text, whole characters, an encoding writes as the very bytes
+/// that stand there: ASCII in most, well-formed text in UTF-8, none in UTF-16 and in an encoding
+/// that is not listed in `NSStringEncoding`.
+[[nodiscard]] std::size_t orlfLengthOfKeptBytes(std::string_view text,
+                                                NSUInteger encoding) noexcept;
+
 /// `getBytes:maxLength:usedLength:encoding:options:range:remainingRange:`, which keeps what remains
 /// of the text between calls. The text is a view that must live on; its broken bytes stand for
 /// U+FFFD. UTF-16 is in the order of this machine.
@@ -44,9 +50,6 @@ class NSStringBytes {
   /// converted. Raises `NSRangeException` for a buffer of less than the least space.
   std::optional<std::size_t> getBytes(std::span<std::uint8_t> buffer);
   [[nodiscard]] std::string_view remaining() const noexcept { return remaining_; }
-  /// Takes from the front of what remains the whole characters that the encoding writes as the very
-  /// bytes that stand there: ASCII in most, well-formed text in UTF-8. They need no buffer.
-  std::string_view takeKeptBytes();
 
  private:
   std::string_view remaining_;

@@ -142,23 +142,21 @@ TEST(NSStringBytes, AreTheSameInPiecesOfEverySize) {
   }
 }
 
-TEST(NSStringBytes, HandsOutWhatItsEncodingKeeps) {
-  NSStringBytes ascii("abcdefghié", NSISOLatin1StringEncoding);
-  EXPECT_EQ(ascii.takeKeptBytes(), "abcdefghi");
-  EXPECT_EQ(ascii.remaining(), "é");
-  EXPECT_EQ(ascii.takeKeptBytes(), "");
-  NSStringBytes utf8(
+TEST(NSStringBytes, TellsWhatAnEncodingKeeps) {
+  const std::string_view text =
       "abcdefgh\xC3\xA9日b\xFF"
-      "c",
-      NSUTF8StringEncoding);
-  EXPECT_EQ(utf8.takeKeptBytes(), "abcdefghé日b");
-  EXPECT_EQ(utf8.remaining(),
-            "\xFF"
-            "c");
+      "c";
+  EXPECT_EQ(orlfLengthOfKeptBytes(text, NSUTF8StringEncoding), 14U);
+  EXPECT_EQ(orlfLengthOfKeptBytes(text.substr(15), NSUTF8StringEncoding), 1U);
+  for (const NSUInteger encoding :
+       {NSUInteger{NSASCIIStringEncoding}, NSUInteger{NSISOLatin1StringEncoding},
+        NSUInteger{NSWindowsCP1252StringEncoding}, NSUInteger{NSMacOSRomanStringEncoding}})
+    EXPECT_EQ(orlfLengthOfKeptBytes(text, encoding), 8U) << encoding;
   for (const NSUInteger encoding :
        {NSUInteger{NSUTF16StringEncoding}, NSUInteger{NSUTF16BigEndianStringEncoding},
         NSUInteger{NSUTF16LittleEndianStringEncoding}, NSUInteger{9999}})
-    EXPECT_EQ(NSStringBytes("a", encoding).takeKeptBytes(), "") << encoding;
+    EXPECT_EQ(orlfLengthOfKeptBytes("a", encoding), 0U) << encoding;
+  EXPECT_EQ(orlfLengthOfKeptBytes("", NSUTF8StringEncoding), 0U);
 }
 
 TEST(NSStringBytes, ConvertsNothingOfNothing) {

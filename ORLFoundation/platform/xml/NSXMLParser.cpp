@@ -89,6 +89,7 @@ NSXMLParser::~NSXMLParser() = default;
 
 bool NSXMLParser::parse() {
   if (running_ != nullptr) return false;
+  const auto receiver = weak_from_this().lock();  // a delegate may let go of the last owner
   error_ = nullptr;
   const auto delegate = delegate_.lock();
   Forwarder events(*this, delegate.get());

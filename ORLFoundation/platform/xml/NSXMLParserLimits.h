@@ -15,7 +15,7 @@ struct NSXMLParserLimits {
   /// Open elements at one time.
   NSUInteger elementDepth = 2048;
   /// Bytes of UTF-8 that the entities of a document may be replaced by, all references together,
-  /// those inside of other entities too.
+  /// those inside of other entities too, and what default attributes add to tags beyond a little.
   NSUInteger entityExpansion = 1'000'000;
   /// Bytes of UTF-8 of one attribute's value, of one text between two tags, and of markup that has
   /// not come to its end.
@@ -23,6 +23,12 @@ struct NSXMLParserLimits {
   /// Bytes that the different names of a document take up together, as libxml2 sets them aside: the
   /// time that a name takes grows with their number.
   NSUInteger namesLength = 1'000'000;
+  /// Attributes of one tag and namespaces of all open elements together, and attributes for which
+  /// the document's DTD gives one element a default: libxml2 compares each with each.
+  NSUInteger attributeCount = 1000;
+  /// Bytes of UTF-8 of the document's own DTD, of which libxml2 compares each word of a declaration
+  /// with all others. A DTD, a comment and the like may be a little longer by how they come in.
+  NSUInteger declarationsLength = 100'000;
 };
 
 /// The limits of parsers that were given none.

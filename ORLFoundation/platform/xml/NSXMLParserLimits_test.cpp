@@ -15,20 +15,6 @@
 namespace ORLFoundation {
 namespace {
 
-std::string times(std::string_view text, std::size_t count) {
-  std::string all;
-  all.reserve(text.size() * count);
-  for (std::size_t i = 0; i < count; ++i) all += text;
-  return all;
-}
-
-/// The code of a document's error under some limits; 0 for none.
-NSInteger codeUnder(const NSXMLParserLimits& limits, std::string_view document) {
-  NSXMLParser parser((NSData(document)));
-  parser.setLimits(limits);
-  return parser.parse() ? 0 : parser.parserError()->code();
-}
-
 std::string nested(std::size_t depth) { return times("<a>", depth) + times("</a>", depth); }
 
 TEST(NSXMLParserLimits, CountOpenElements) {
@@ -146,7 +132,7 @@ long peak() {
 }
 
 TEST(NSXMLParserLimits, EndBombsSoonAndInLittleMemory) {
-  const std::string quadratic = "<!DOCTYPE a [<!ENTITY e '" + std::string(100'000, 'x') + "'>]>";
+  const std::string quadratic = "<!DOCTYPE a [<!ENTITY e '" + std::string(50'000, 'x') + "'>]>";
   std::string names = "<a>";
   for (int i = 0; i < 500'000; ++i) names += "<n" + std::to_string(i) + "/>";
   const BombCase rows[] = {

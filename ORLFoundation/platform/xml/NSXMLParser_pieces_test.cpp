@@ -121,7 +121,7 @@ std::string documentWith(const std::string& encoding, const std::string& more) {
   text += "<a>\r\n <b name=\"\u00E9" + more + "&amp;&e2;\" other='>'>t\u00E9" + more +
           "&#x20AC;&lt;&e;]] ></b>\r\r\n<c>";
   for (int i = 0; i < 40; ++i) text += "0123456789 \u00E9" + more + "\r\n";
-  text += "</c><d><![CDATA[<\u00E8" + more + "]]]]><![CDATA[>]]></d><?p i?>";
+  text += "</c><d><![CDATA[<\u00E8" + more + "]]\r]]><![CDATA[\n>\r\n\r\r\n\n]]></d><?p i?>";
   for (int i = 0; i < 12; ++i) text += "<b k='" + std::to_string(i) + more + "'>\u00E0</b>";
   text += "</a>\r\n<!-- end -->\r\n";
   text.replace(text.find("&e2;"), 4, "&#233;");
@@ -163,6 +163,20 @@ TEST(NSXMLParserPieces, AreDecoded) {
     EXPECT_EQ(lines[0], "start") << row.name;
     EXPECT_EQ(lines[3], "<b name=\u00E9" + more + "&\u00E9 other=> k=def\u00E4>") << row.name;
     EXPECT_EQ(lines[4], "text t\u00E9" + more + "\u20AC<x\u00FC") << row.name;
+    EXPECT_EQ(lines[14], "text <\u00E8" + more + "]]\n\n>\n\n\n\n") << row.name;
+  }
+}
+
+TEST(NSXMLParserPieces, OfQuotedTextsHaveLineFeeds) {
+  // libxml2 tells long sections in parts of its own; a line end may lie across any of them.
+  for (std::size_t length = 280; length < 620; ++length) {
+    const std::string text(length, 'x');
+    const std::string document =
+        "<a><![CDATA[" + text + "\r\n" + text + "\r]]><![CDATA[\n" + text + "\r\r\n]]>&#13;\n</a>";
+    const std::string told = "text " + text + "\n" + text + "\n\n" + text + "\n\n\r\n";
+    const Lines lines = {"start", "<a>", told, "</a>", "whole"};
+    EXPECT_EQ(eventsInPieces(document, document.size()), lines) << length;
+    EXPECT_EQ(eventsInPieces(document, 1 + length % 97), lines) << length;
   }
 }
 
@@ -197,6 +211,66 @@ TEST(NSXMLParserPieces, OfBrokenDocumentsGiveTheSameFault) {
     for (std::size_t size = 1; size < document.size(); ++size)
       EXPECT_EQ(eventsInPieces(document, size).back(), whole.back())
           << document << ", pieces of " << size;
+  }
+}
+
+TEST(NSXMLParserPieces, OfBytesThatFitNoEncodingAreAnError) {
+  const std::string far = "\u20AC";
+  const std::string tail = "<!--" + std::string(200, ' ') + "-->";
+  const struct {
+    const char* name;
+    std::string bytes;
+    std::string broken;  // in the place of as many bytes
+    std::size_t first;   // where it is put, at the least
+  } rows[] = {
+      {"LoneHighHalf", inUTF16("<a b='" + std::string(40, 'x') + "'>t</a>" + tail, false),
+       std::string("x\xD8", 2), 16},
+      {"LoneLowHalf", inUTF16("<a b='" + std::string(40, 'x') + "'>t</a>" + tail, true),
+       std::string("\xDCx", 2), 16},
+      {"Windows1252",
+       inOneByte("<?xml version='1.0' encoding='windows-1252'?><a b='x'>t</a>" + tail, '\x80'),
+       "\x81", 46},
+      {"ASCII", "<?xml version='1.0' encoding='US-ASCII'?><a b='x'>t</a>" + tail, "\xE9", 42},
+      {"UTF8", "<?xml version='1.0' encoding='UTF-8'?><a b='x'>t</a>" + tail, "\xE9", 38},
+  };
+  for (const auto& row : rows) {
+    for (std::size_t at = row.first; at < row.bytes.size(); at += row.broken.size()) {
+      std::string bytes = row.bytes;
+      bytes.replace(at, row.broken.size(), row.broken);
+      for (const std::size_t size : {bytes.size(), std::size_t{1}, std::size_t{7}}) {
+        const Lines lines = eventsInPieces(bytes, size);
+        ASSERT_TRUE(lines.back().starts_with("fault")) << row.name << " at " << at << ", " << size;
+      }
+    }
+  }
+}
+
+TEST(NSXMLParserPieces, BehindADocumentMayBeZerosAlone) {
+  const struct {
+    std::string_view behind;
+    bool isTaken;
+  } rows[] = {
+      {{"\0", 1}, true},    {{"\0\0\0", 3}, true},    {{"\0\r", 2}, false},
+      {{"\0\n", 2}, false}, {{"\r\0", 2}, true},      {{"\n\r\n\0\0", 5}, true},
+      {{"\0 ", 2}, false},  {{"\0\0<b/>", 6}, false}, {{"x\0", 2}, false},
+  };
+  for (const std::size_t length : {std::size_t{1}, std::size_t{32'760}, std::size_t{65'520}}) {
+    const std::string document = "<a>" + std::string(length, 'x') + "</a>";
+    for (const auto& row : rows) {
+      for (std::size_t more = 0; more < 20; more += 4) {
+        const std::string bytes = document + std::string(more, '\n') + std::string(row.behind);
+        for (const std::size_t size : {bytes.size(), bytes.size() - 1, std::size_t{1000}}) {
+          const Lines lines = eventsInPieces(bytes, size);
+          EXPECT_EQ(lines.back() == "whole", row.isTaken)
+              << length << ", " << more << ", " << &row - rows << ", " << size;
+        }
+      }
+    }
+  }
+  const std::string wide = inUTF16("<a/>", false);
+  for (std::size_t size = 1; size < 10; ++size) {
+    EXPECT_EQ(eventsInPieces(wide + std::string(1, '\0'), size).back(), "whole") << size;
+    EXPECT_NE(eventsInPieces(wide + "x", size).back(), "whole") << "half a character, " << size;
   }
 }
 

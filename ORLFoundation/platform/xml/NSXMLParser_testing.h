@@ -7,6 +7,7 @@
 #include <ORLFoundation/platform/object/NSError.h>
 #include <ORLFoundation/platform/xml/NSXMLParser.h>
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -73,6 +74,21 @@ inline Lines eventsOf(NSXMLParser& parser) {
 inline Lines eventsOf(std::string_view document) {
   NSXMLParser parser((NSData(document)));
   return eventsOf(parser);
+}
+
+/// A text over and over.
+inline std::string times(std::string_view text, std::size_t count) {
+  std::string all;
+  all.reserve(text.size() * count);
+  for (std::size_t i = 0; i < count; ++i) all += text;
+  return all;
+}
+
+/// The code of a document's error under some limits; 0 for none.
+inline NSInteger codeUnder(const NSXMLParserLimits& limits, std::string_view document) {
+  NSXMLParser parser((NSData(document)));
+  parser.setLimits(limits);
+  return parser.parse() ? 0 : parser.parserError()->code();
 }
 
 /// "26 at 3:7" for the error of a document, "" for none.

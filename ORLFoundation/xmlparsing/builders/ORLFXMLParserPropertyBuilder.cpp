@@ -45,6 +45,18 @@ void logRaised(const std::exception& raised) {
   NSLog(std::string("property tag exception:") + raised.what());
 }
 
+[[noreturn]] void raiseUnrecognized(const id& receiver, const char* operation) {
+  throw NSException(NSInvalidArgumentException,
+                    "-[" + receiver.className() + " " + operation + "]: unrecognized operation");
+}
+
+/// `addObject:` of whatever collection this is; nil takes it without a trace.
+void addObject(const id& element, const id& collection) {
+  if (const auto array = collection.as<NSMutableArray>()) return array->addObject(element);
+  if (const auto set = collection.as<NSMutableSet>()) return set->addObject(element);
+  if (collection) raiseUnrecognized(collection, "addObject:");
+}
+
 /// The one name beside "key", if there is exactly one.
 std::optional<std::string> onlyOtherName(const NSDictionary& attributes) {
   std::optional<std::string> other;
@@ -129,9 +141,7 @@ void ORLFXMLParserPropertyBuilder::addToValue(const id& element) {
   if (value_.isNil()) return;
   const auto object = value_.object();
   const NSKey* setter = object ? object->keyTable().find(kElement) : nullptr;
-  if (setter == nullptr || setter->set == nullptr)
-    throw NSException(NSInvalidArgumentException,
-                      "-[" + value_.className() + " setElement:]: unrecognized operation");
+  if (setter == nullptr || setter->set == nullptr) raiseUnrecognized(value_, "setElement:");
   setter->set(*object, element);
 }
 
@@ -157,10 +167,10 @@ id ORLFXMLParserPropertyBuilder::makeCollectionOfTypeDictionary() {
   return std::make_shared<NSMutableDictionary>();
 }
 void ORLFXMLParserPropertyBuilder::addElementToArray(const id& element, const id& array) {
-  if (const auto list = array.as<NSMutableArray>()) list->addObject(element);
+  addObject(element, array);
 }
 void ORLFXMLParserPropertyBuilder::addElementToSet(const id& element, const id& set) {
-  if (const auto members = set.as<NSMutableSet>()) members->addObject(element);
+  addObject(element, set);
 }
 
 std::optional<ORLFXMLParserPropertyBuilder::Declared> ORLFXMLParserPropertyBuilder::declared(

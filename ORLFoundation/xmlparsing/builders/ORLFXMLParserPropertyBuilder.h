@@ -72,6 +72,8 @@ class ORLFXMLParserPropertyBuilder : public ORLFXMLParserContentHandler {
   [[nodiscard]] virtual id makeCollectionOfTypeSet();
   [[nodiscard]] virtual id makeCollectionOfTypeDictionary();
   /// `addElement:toArray:`, `addElement:toSet:`
+  /// What takes no objects raises, as nil does for an element; a collection that is nil takes them
+  /// without a trace.
   virtual void addElementToArray(const id& element, const id& array);
   virtual void addElementToSet(const id& element, const id& set);
 

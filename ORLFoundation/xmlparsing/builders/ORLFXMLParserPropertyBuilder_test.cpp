@@ -38,6 +38,37 @@ TEST_F(Properties, ADictionaryTakesNoElements) {
                                         HasSubstr("fragementErrorOccurred: ")));
 }
 
+TEST_F(Properties, ACollectionThatIsNoneAnyMoreTakesNoElements) {
+  // The inner property "value" replaces the list by a text, which has no such operation.
+  EXPECT_FALSE(
+      parse("<p key='l' collection='array'><p key='value' string='v'/>"
+            "<p key='element' string='x'/></p>"));
+  EXPECT_TRUE(isRefused());
+  EXPECT_THAT(log_.lines().front(), HasSubstr("property tag exception:"));
+  while (parser_->popFragmentHandler()) {
+  }
+  EXPECT_FALSE(
+      parse("<p key='s' collection='set'><p key='value' integer='1'/>"
+            "<p key='element' string='x'/></p>"));
+  EXPECT_TRUE(isRefused());
+}
+
+TEST_F(Properties, AddersTakeWhateverTakesObjects) {
+  EXPECT_TRUE(
+      parse("<p key='l' collection='array'><p key='type' string='set'/>"
+            "<p key='element' string='x'/><p key='element' string='x'/></p>"));
+  EXPECT_EQ(built("l"), id(NSArray::arrayWithObjects({"x", "x"})));
+  EXPECT_TRUE(
+      parse("<p key='s' collection='set'><p key='type' string='Array'/>"
+            "<p key='element' string='x'/><p key='element' string='x'/></p>"));
+  EXPECT_EQ(built("s").as<NSSet>()->count(), 1U);
+  EXPECT_FALSE(
+      parse("<p key='l' collection='array'><p key='type' string='none'/>"
+            "<p key='element' string='x'/></p>"))
+      << "a list has no setElement: of its own";
+  EXPECT_TRUE(isRefused());
+}
+
 TEST_F(Properties, ABasicValueTakesNoElements) {
   EXPECT_FALSE(parse("<p key='s' string='a'><p key='element' bool='YES'/></p>"));
   EXPECT_TRUE(isRefused());
@@ -57,8 +88,13 @@ TEST_F(Properties, KeysOfTheBuilderComeBeforeThoseOfItsValue) {
   EXPECT_EQ(built("m2").as<NSDictionary>()->count(), 0U);
   EXPECT_TRUE(parse("<p key='m3' collection='dictionary'><p key='parentObject' string='c'/></p>"));
   EXPECT_EQ(built("m3").valueForKey("parentObject"), id("c")) << "it cannot be set";
-  EXPECT_FALSE(parse("<p key='m' collection='dictionary'><p key='parser' string='c'/></p>"));
-  EXPECT_TRUE(isRefused());
+  for (const std::string key : {"parser", "parent", "kind"}) {
+    EXPECT_FALSE(parse("<p key='m' collection='dictionary'><p key='" + key + "' string='c'/></p>"))
+        << key << " is of another kind";
+    EXPECT_TRUE(isRefused()) << key;
+    while (parser_->popFragmentHandler()) {
+    }
+  }
 }
 
 TEST_F(Properties, KeysOfTheObjectBuilderComeBeforeThoseOfItsObject) {

@@ -165,6 +165,16 @@ TEST_F(Properties, NullDeclaresAValueThatStaysNil) {
   EXPECT_TRUE(isRefused());
 }
 
+TEST_F(Properties, ACollectionThatIsNullTakesElementsWithoutATrace) {
+  class NoneBuilder : public WiderBuilder {
+    id makeCollectionOfTypeArray() override { return NSNull(); }
+  };
+  parser_->makeProperty = [] { return std::make_shared<NoneBuilder>(); };
+  EXPECT_TRUE(parse("<p key='l' collection='array'><p key='element' string='x'/></p>"));
+  EXPECT_TRUE(built("l").isNil());
+  EXPECT_TRUE(log_.lines().empty());
+}
+
 TEST_F(Properties, KnowWhatTheyDeclared) {
   class Watching : public WiderBuilder {
    public:

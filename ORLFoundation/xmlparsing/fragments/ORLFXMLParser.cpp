@@ -1,5 +1,6 @@
 #include <ORLFoundation/xmlparsing/fragments/ORLFXMLParser.h>
 
+#include <ORLFoundation/platform/files/NSDataReading.h>
 #include <ORLFoundation/platform/log/NSLog.h>
 #include <ORLFoundation/platform/object/NSKeyTable.h>
 #include <ORLFoundation/platform/stream/NSInputStream.h>
@@ -28,15 +29,16 @@ void logError(std::string_view event, const NSError& error) {
 
 /// In place of a handler that skips an element, the one around that element.
 ORLFXMLParser::Handler logicalHandler(const ORLFXMLParser::Handler& handler) {
-  const auto* skipping = dynamic_cast<const ORLFXMLParserIgnoreFragmentHandler*>(handler.get());
+  const auto* skipping = handler->skippingHandler();
   return skipping == nullptr ? handler : skipping->logicalParent();
 }
 
 }  // namespace
 
-bool ORLFXMLParser::parse(const std::shared_ptr<NSXMLParser>& parser, NSErrorSlot error) {
+bool ORLFXMLParser::parse(std::shared_ptr<NSXMLParser> parser, NSErrorSlot error) {
+  const auto receiver = self();  // a handler may let go of the last owner
   parserError_ = nullptr;
-  if (parser) parser->setDelegate(self());
+  if (parser) parser->setDelegate(receiver);
   parser_ = parser;
   bool isParsed = false;
   try {
@@ -50,6 +52,8 @@ bool ORLFXMLParser::parse(const std::shared_ptr<NSXMLParser>& parser, NSErrorSlo
 }
 
 bool ORLFXMLParser::parseContentsOfURL(const NSURL& url, NSErrorSlot error) {
+  // What cannot be read whole is left to the events' parser, which tells why.
+  if (const auto data = dataWithContentsOfURL(url, 0)) return parseData(*data, error);
   return parse(std::make_shared<NSXMLParser>(url), error);
 }
 bool ORLFXMLParser::parseData(const NSData& data, NSErrorSlot error) {
@@ -67,10 +71,6 @@ std::shared_ptr<ORLFXMLParser> ORLFXMLParser::self() {
   return std::static_pointer_cast<ORLFXMLParser>(shared_from_this());
 }
 
-ORLFXMLParser::Handler ORLFXMLParser::currentFragmentHandler() const {
-  return stack_.empty() ? nullptr : stack_.back();
-}
-
 void ORLFXMLParser::pushFragmentHandler(Handler handler) {
   if (!handler) return;
   if (stack_.capacity() == 0) stack_.reserve(kUsualDepth);
@@ -86,10 +86,8 @@ ORLFXMLParser::Handler ORLFXMLParser::popFragmentHandler() {
 
 ORLFXMLParser::Handler ORLFXMLParser::parentFragmentHandlerForHandler(
     const Handler& handler) const {
-  if (const auto* skipping =
-          dynamic_cast<const ORLFXMLParserIgnoreFragmentHandler*>(handler.get())) {
-    if (auto parent = skipping->logicalParent()) return parent;
-  }
+  const auto* skipping = handler ? handler->skippingHandler() : nullptr;
+  if (skipping != nullptr && skipping->logicalParent()) return skipping->logicalParent();
   if (stack_.empty()) return nullptr;
   const auto found = std::ranges::find_if(stack_, [&](const Handler& on) {
     return handler != nullptr && (on == handler || handler->isEqual(on.get()));
@@ -132,7 +130,7 @@ void ORLFXMLParser::parserDidStartElement(NSXMLParser& /*parser*/, const NSXMLSt
   std::shared_ptr<const NSError> error;
   if (parent) error = parent->willStartSubElement(name);
   if (!error) error = handler->startElement(name, tag.attributes);
-  fragementErrorOccurred(error);
+  if (error) fragementErrorOccurred(error);
 }
 
 void ORLFXMLParser::parserDidEndElement(NSXMLParser& /*parser*/, std::string_view didEndElement,
@@ -152,7 +150,7 @@ void ORLFXMLParser::parserDidEndElement(NSXMLParser& /*parser*/, std::string_vie
 void ORLFXMLParser::parserFoundCharacters(NSXMLParser& /*parser*/,
                                           std::string_view foundCharacters) {
   if (const Handler current = currentFragmentHandler())
-    fragementErrorOccurred(current->foundCharacters(foundCharacters));
+    if (const auto error = current->foundCharacters(foundCharacters)) fragementErrorOccurred(error);
 }
 
 void ORLFXMLParser::parserFoundIgnorableWhitespace(NSXMLParser& /*parser*/,

@@ -42,8 +42,9 @@ class ORLFXMLParser : public NSObject, public NSXMLParserDelegate {
 
   /// `parse:error:`  Runs a parser that is ready, with this object as its delegate. true only when
   /// the parser succeeds and no handler failed. nil fails without an error.
-  bool parse(const std::shared_ptr<NSXMLParser>& parser, NSErrorSlot error = nullptr);
-  /// `parseContentsOfURL:error:`  Other addresses than those of files go to the loader that a host
+  bool parse(std::shared_ptr<NSXMLParser> parser, NSErrorSlot error = nullptr);
+  /// `parseContentsOfURL:error:`  A file of up to 64 MB is read before its first event, a larger
+  /// one piece by piece. Other addresses than those of files go to the loader that a host
   /// installed, see NSXMLParserLoader.h.
   bool parseContentsOfURL(const NSURL& url, NSErrorSlot error = nullptr);
   /// `parseData:error:`
@@ -67,7 +68,9 @@ class ORLFXMLParser : public NSObject, public NSXMLParserDelegate {
   /// Of the open elements, the innermost last.
   [[nodiscard]] const std::vector<Handler>& fragmentHandlerStack() const noexcept { return stack_; }
   /// `currentFragmentHandler`  nil for an empty stack.
-  [[nodiscard]] Handler currentFragmentHandler() const;
+  [[nodiscard]] Handler currentFragmentHandler() const {
+    return stack_.empty() ? nullptr : stack_.back();
+  }
   /// `pushFragmentHandler:`  nil is ignored.
   void pushFragmentHandler(Handler handler);
   /// `popFragmentHandler`  nil for an empty stack.

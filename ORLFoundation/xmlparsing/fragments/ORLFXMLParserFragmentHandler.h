@@ -17,6 +17,7 @@ namespace ORLFoundation {
 class NSDictionary;
 class NSError;
 class ORLFXMLParser;
+class ORLFXMLParserIgnoreFragmentHandler;
 
 class ORLFXMLParserFragmentHandler : public NSObject {
  public:
@@ -46,6 +47,11 @@ class ORLFXMLParserFragmentHandler : public NSObject {
   [[nodiscard]] virtual Error foundCharacters(std::string_view text) = 0;
   /// `foundIgnorableWhitespace:`
   [[nodiscard]] virtual Error foundIgnorableWhitespace(std::string_view text) = 0;
+
+  /// This very handler where it skips an element, else null. The parser asks with every tag.
+  [[nodiscard]] virtual const ORLFXMLParserIgnoreFragmentHandler* skippingHandler() const noexcept {
+    return nullptr;
+  }
 
   // Optional. A class that overrides one of these says so, since handlers of skipped elements ask.
   [[nodiscard]] virtual bool takesUnhandledCharacters() const { return false; }

@@ -14,7 +14,7 @@ ORLFXMLParserIgnoreFragmentHandler::subFragmentHandlerForElementName(std::string
 void ORLFXMLParserIgnoreFragmentHandler::beginFragmentWithParent(
     const std::shared_ptr<ORLFXMLParserFragmentHandler>& parent,
     const std::shared_ptr<ORLFXMLParser>& /*parser*/) {
-  const auto* skipping = dynamic_cast<const ORLFXMLParserIgnoreFragmentHandler*>(parent.get());
+  const auto* skipping = parent ? parent->skippingHandler() : nullptr;
   logicalParent_ = skipping == nullptr ? parent : skipping->logicalParent();
 }
 
@@ -41,17 +41,21 @@ ORLFXMLParserFragmentHandler::Error ORLFXMLParserIgnoreFragmentHandler::endEleme
 
 ORLFXMLParserFragmentHandler::Error ORLFXMLParserIgnoreFragmentHandler::foundCharacters(
     std::string_view text) {
-  if (logicalParent_ && logicalParent_->takesUnhandledCharacters())
-    logicalParent_->unhandledSubElementFoundCharacters(elementName_.value_or(std::string()), text);
+  if (logicalParent_ && logicalParent_->takesUnhandledCharacters()) tellParent(text);
   return nullptr;
 }
 
 // Whitespace crosses over to characters. This is required.
 ORLFXMLParserFragmentHandler::Error ORLFXMLParserIgnoreFragmentHandler::foundIgnorableWhitespace(
     std::string_view text) {
-  if (logicalParent_ && logicalParent_->takesUnhandledIgnorableWhitespace())
-    logicalParent_->unhandledSubElementFoundCharacters(elementName_.value_or(std::string()), text);
+  if (logicalParent_ && logicalParent_->takesUnhandledIgnorableWhitespace()) tellParent(text);
   return nullptr;
+}
+
+void ORLFXMLParserIgnoreFragmentHandler::tellParent(std::string_view text) const {
+  const auto parent = logicalParent_;  // it may end this very fragment
+  const std::string name = elementName_.value_or(std::string());
+  parent->unhandledSubElementFoundCharacters(name, text);
 }
 
 }  // namespace ORLFoundation

@@ -42,11 +42,18 @@ class ORLFXMLParserIgnoreFragmentHandler : public ORLFXMLParserFragmentHandler {
   [[nodiscard]] Error foundCharacters(std::string_view text) override;
   [[nodiscard]] Error foundIgnorableWhitespace(std::string_view text) override;
 
+  [[nodiscard]] const ORLFXMLParserIgnoreFragmentHandler* skippingHandler()
+      const noexcept override {
+    return this;
+  }
+
   [[nodiscard]] std::string className() const override {
     return "ORLFXMLParserIgnoreFragmentHandler";
   }
 
  private:
+  void tellParent(std::string_view text) const;
+
   bool ignoreElementOnly_;
   std::shared_ptr<ORLFXMLParserFragmentHandler> logicalParent_;
   std::optional<std::string> elementName_;

@@ -13,6 +13,7 @@
 
 #include <cerrno>
 #include <functional>
+#include <limits>
 #include <stdexcept>
 #include <string>
 
@@ -52,11 +53,12 @@ TEST_F(Fragments, StopAtAnErrorOfEveryOperation) {
     std::size_t stack;
   };
   const Row rows[] = {{"start", &ScriptedHandler::onStart, 1},
+                      {"characters", &ScriptedHandler::onCharacters, 1},
                       {"whitespace", &ScriptedHandler::onWhitespace, 1},
                       {"willStart", &ScriptedHandler::onWillStart, 2},
                       {"didFinish", &ScriptedHandler::onDidFinish, 2},
                       {"end", &ScriptedHandler::onEnd, 1}};
-  constexpr std::string_view document = "<!DOCTYPE r [<!ELEMENT r (b)>]><r> <b>2</b></r>";
+  constexpr std::string_view document = "<!DOCTYPE r [<!ELEMENT r (b)>]><r> 1<b>2</b></r>";
   for (const Row& row : rows) {
     const auto parser = std::make_shared<ScriptedParser>();
     const auto root = std::make_shared<ScriptedHandler>();
@@ -231,6 +233,7 @@ TEST(ORLFXMLParserAttributes, AreReadUnderOneLocale) {
   EXPECT_EQ(P::integerValueNamed("absent", attributes), std::nullopt);
   EXPECT_EQ(P::realValueNamed("r", attributes), 150.0);
   EXPECT_EQ(P::realValueNamed("s", attributes), 0.0);
+  EXPECT_EQ(P::realValueNamed("comma", attributes), 1.0);
   EXPECT_EQ(P::realValueNamed("absent", attributes), std::nullopt);
   EXPECT_EQ(P::decimalValueNamed("d", attributes), NSDecimalNumber("1234.56"));
   EXPECT_EQ(P::decimalValueNamed("word", attributes), NSDecimalNumber::notANumber());
@@ -244,8 +247,51 @@ TEST(ORLFXMLParserAttributes, AreReadUnderOneLocale) {
   const Replaced german(&NSLocale::setCurrentLocale,
                         std::shared_ptr<NSLocale>(std::make_shared<NSLocale>("de_DE")));
   EXPECT_EQ(P::decimalValueNamed("d", attributes), NSDecimalNumber("1234.56"));
-  EXPECT_EQ(P::decimalValueNamed("comma", attributes),
-            NSDecimalNumber::decimalNumberWithString("1,5", "en_US"));
+  EXPECT_EQ(P::decimalValueNamed("comma", attributes), NSDecimalNumber::notANumber());
+  EXPECT_EQ(P::realValueNamed("r", attributes), 150.0);
+}
+
+struct NumberCase {
+  std::string_view text;
+  long long integer;
+  double real;
+  const char* decimal;  // null for not-a-number
+};
+
+TEST(ORLFXMLParserAttributes, OfWildTextsAreNumbersTillTheyAreNone) {
+  const double infinity = std::numeric_limits<double>::infinity();
+  const NumberCase rows[] = {
+      {"", 0, 0, nullptr},
+      {" ", 0, 0, nullptr},
+      {"-", 0, 0, nullptr},
+      {".5", 0, 0.5, "0.5"},
+      {"-7.25", -7, -7.25, "-7.25"},
+      {"+8", 8, 8, "8"},
+      {" \t9 ", 9, 9, nullptr},
+      {"1e3", 1, 1000, "1000"},
+      {"1e999", 1, infinity, nullptr},
+      {"0x10", 0, 0, nullptr},
+      {"inf", 0, 0, nullptr},
+      {"nan", 0, 0, nullptr},
+      {"1,234.5", 1, 1, nullptr},
+      {"99999999999999999999", std::numeric_limits<long long>::max(), 1e20, "99999999999999999999"},
+      {"-99999999999999999999", std::numeric_limits<long long>::min(), -1e20,
+       "-99999999999999999999"},
+      {"\u0663", 0, 0, nullptr},
+      {"12345678901234567890123456789012345678.4", std::numeric_limits<long long>::max(),
+       1.2345678901234568e37, "12345678901234567890123456789012345678"},
+  };
+  using P = ORLFXMLParser;
+  for (const NumberCase& row : rows) {
+    const auto attributes = NSDictionary::dictionaryWithEntries({{"a", row.text}});
+    EXPECT_EQ(P::integerValueNamed("a", attributes), row.integer) << row.text;
+    EXPECT_EQ(P::realValueNamed("a", attributes), row.real) << row.text;
+    const auto decimal = P::decimalValueNamed("a", attributes);
+    ASSERT_NE(decimal, std::nullopt) << row.text;
+    EXPECT_EQ(decimal->description(), row.decimal ? row.decimal : "NaN") << row.text;
+    EXPECT_EQ(P::decimalValueForString(std::string(row.text)), decimal) << row.text;
+    EXPECT_EQ(P::selectorValueNamed("a", attributes), row.text);
+  }
 }
 
 }  // namespace

@@ -25,6 +25,7 @@ class ScriptedHandler : public ORLFXMLParserContentHandler {
   std::function<Error(std::string_view)> onEnd;
   std::function<Error(std::string_view)> onWillStart;
   std::function<Error(std::string_view)> onDidFinish;
+  std::function<Error(std::string_view)> onCharacters;
   std::function<Error(std::string_view)> onWhitespace;
   std::string lastContent;
   std::vector<std::string> unhandled;
@@ -46,6 +47,10 @@ class ScriptedHandler : public ORLFXMLParserContentHandler {
   }
   Error didFinishSubElement(std::string_view name) override {
     return onDidFinish ? onDidFinish(name) : nullptr;
+  }
+  Error foundCharacters(std::string_view text) override {
+    if (onCharacters) return onCharacters(text);
+    return ORLFXMLParserContentHandler::foundCharacters(text);
   }
   Error foundIgnorableWhitespace(std::string_view text) override {
     if (onWhitespace) return onWhitespace(text);

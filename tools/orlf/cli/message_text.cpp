@@ -1,9 +1,11 @@
 #include "cli/message_text.h"
 
 #include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/Hexadecimal.h>
 #include <ORLFoundation/platform/base/UTF8.h>
 
 #include <algorithm>
+#include <cstdint>
 
 #include "cli/failure.h"
 
@@ -39,6 +41,19 @@ std::string oneLine(std::string_view text) {
       line.begin(), line.end(),
       [](char c) { return isControl(static_cast<unsigned char>(c)) && isASCII(c); }, ' ');
   return line;
+}
+
+std::string withoutControls(std::string_view json) {
+  std::string shown;
+  while (!json.empty()) {
+    const UTF8Character character = firstUTF8Character(json);
+    if (character.isBroken || !isControl(character.codePoint))
+      shown += json.substr(0, character.length);
+    else
+      appendHexByte(shown += "\\u00", static_cast<std::uint8_t>(character.codePoint));
+    json.remove_prefix(character.length);
+  }
+  return shown;
 }
 
 std::string joinedWithAnd(const std::vector<std::string>& words) {

@@ -14,6 +14,9 @@ namespace orlftool {
 [[nodiscard]] std::string quotedForMessage(std::string_view text);
 /// A message without line ends and other control characters, whatever it quotes.
 [[nodiscard]] std::string oneLine(std::string_view text);
+/// The inside of a JSON text with its last control characters escaped too, those of which JSON
+/// itself says nothing: terminals obey them.
+[[nodiscard]] std::string withoutControls(std::string_view json);
 /// "A", "A and B", "A, B and C".
 [[nodiscard]] std::string joinedWithAnd(const std::vector<std::string>& words);
 /// Throws JobFailure "name:line: field: expected ..., got ..."; an empty field is left out.

@@ -21,6 +21,13 @@ TEST(MessageText, KeepsAMessageInOneLine) {
   EXPECT_EQ(oneLine("a\nb\r\tc\x7F\u00FC"), "a b  c \u00FC");
 }
 
+TEST(MessageText, EscapesTheControlsThatJsonLeaves) {
+  EXPECT_EQ(orlftool::withoutControls("\"a\\n\u00FC\u00A0\U0001F600\xFF\""),
+            "\"a\\n\u00FC\u00A0\U0001F600\xFF\"");
+  EXPECT_EQ(orlftool::withoutControls("\x7F\xC2\x80\xC2\x9B\xC2\x9F"),
+            R"(\u007f\u0080\u009b\u009f)");
+}
+
 TEST(MessageText, JoinsWords) {
   EXPECT_EQ(orlftool::joinedWithAnd({}), "");
   EXPECT_EQ(orlftool::joinedWithAnd({"A"}), "A");

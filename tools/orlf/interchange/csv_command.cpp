@@ -1,6 +1,10 @@
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <ostream>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/command_line.h"
@@ -11,6 +15,7 @@
 #include "commands.h"
 #include "interchange/csv_inference.h"
 #include "interchange/csv_rows.h"
+#include "io/byte_source.h"
 #include "io/input_file.h"
 #include "io/text_input.h"
 #include "session.h"
@@ -19,6 +24,8 @@ namespace orlftool {
 namespace {
 
 using namespace ORLFoundation;
+
+constexpr std::string_view kKind = "separated text";
 
 struct CsvArguments {
   std::string file;
@@ -62,9 +69,15 @@ Json jsonOf(const std::vector<Finding>& findings) {
   return rows;
 }
 
+/// Of a file, which can be read again, and of anything else, which is kept in memory.
+std::vector<Finding> findingsOf(Session& session, const std::string& path) {
+  if (path != "-" && openBytes(path, kKind).size)
+    return inferTable([&] { return openBytes(path, kKind); }, session.calendar);
+  return inferTable(readInputFile(path, kKind), session.calendar);
+}
+
 void printFindings(Session& session, const CsvArguments& arguments) {
-  const std::vector<Finding> findings =
-      inferTable(readInputFile(arguments.file, "separated text"), session.calendar);
+  const std::vector<Finding> findings = findingsOf(session, arguments.file);
   if (session.options.json) {
     printJson(session.out, jsonOf(findings));
     return;

@@ -1,18 +1,17 @@
 #include "interchange/csv_inference.h"
 
 #include <ORLFoundation/platform/base/ASCII.h>
-#include <ORLFoundation/platform/base/UTF8.h>
-#include <ORLFoundation/platform/value/NSData.h>
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <utility>
 
 #include "cli/message_text.h"
-#include "interchange/cell_shapes.h"
 #include "interchange/csv_amounts.h"
+#include "interchange/csv_encoding.h"
 #include "interchange/csv_layout.h"
-#include "io/text_input.h"
+#include "interchange/date_shape.h"
 #include "values/date_column.h"
 #include "values/trimmed.h"
 
@@ -20,57 +19,6 @@ namespace orlftool {
 namespace {
 
 using namespace ORLFoundation;
-
-/// The text of a file, and what its bytes tell of their encoding.
-struct Decoding {
-  std::string text;
-  Finding finding;
-};
-
-/// The line on which the byte at a place stands.
-std::uint64_t lineOf(std::string_view bytes, std::size_t place) {
-  return 1 + lineEndsIn(bytes.substr(0, place));
-}
-
-/// The line around a place, for a message.
-std::string lineAt(std::string_view bytes, std::size_t place) {
-  const std::size_t before = bytes.substr(0, place).find_last_of("\r\n");
-  const std::size_t start = before == bytes.npos ? 0 : before + 1;
-  return std::string(bytes.substr(start, bytes.find_first_of("\r\n", place) - start));
-}
-
-Decoding decodingOf(std::string_view bytes) {
-  const auto decoded = [bytes](NSStringEncoding encoding) {
-    return stringWithData(NSData(bytes), encoding);
-  };
-  const auto told = [](const char* name, std::string reason, std::uint64_t line) {
-    return Finding{"encoding", name, std::move(reason), line};
-  };
-  if (bytes.starts_with("\xEF\xBB\xBF") && internal::base::isUTF8(bytes))
-    return {std::string(bytes.substr(3)), told("utf-8", "a byte order mark", 1)};
-  if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF"))
-    if (auto text = decoded(NSUTF16StringEncoding))
-      return {std::move(*text), told("utf-16", "a byte order mark", 1)};
-  const auto* const beyond = std::find_if_not(bytes.begin(), bytes.end(),
-                                              [](char c) { return internal::base::isASCII(c); });
-  const auto place = static_cast<std::size_t>(beyond - bytes.begin());
-  if (bytes.find('\0') != bytes.npos)
-    return {std::string(bytes),
-            {"encoding", "", "it holds zero bytes, as utf-16be and utf-16le do", 0}};
-  if (place == bytes.size())
-    return {std::string(bytes), told("ascii", "no row holds any other character", 0)};
-  if (internal::base::isUTF8(bytes))
-    return {std::string(bytes),
-            told("utf-8", quotedForMessage(lineAt(bytes, place)), lineOf(bytes, place))};
-  std::string reason = "bytes beyond ASCII that are no utf-8";
-  for (const NSStringEncoding encoding :
-       {NSWindowsCP1252StringEncoding, NSISOLatin1StringEncoding, NSMacOSRomanStringEncoding})
-    if (const auto text = stringWithData(NSData(lineAt(bytes, place)), encoding))
-      reason += "; " + std::string(nameOfEncoding(encoding)) + " reads " + quotedForMessage(*text);
-  auto text = decoded(NSWindowsCP1252StringEncoding);
-  if (!text) text = decoded(NSISOLatin1StringEncoding);
-  return {std::move(*text), {"encoding", "", reason, lineOf(bytes, place)}};
-}
 
 /// The layouts that leave dates alone in a column, or those that part most rows where none does.
 std::vector<const CsvLayout*> favouredLayouts(const std::vector<CsvLayout>& layouts) {
@@ -83,50 +31,43 @@ std::vector<const CsvLayout*> favouredLayouts(const std::vector<CsvLayout>& layo
   return favoured;
 }
 
-Finding separatorFinding(const std::vector<const CsvLayout*>& favoured) {
-  Finding finding{"separator", "", "", 0};
-  if (favoured.empty()) {
-    finding.reason = "no separator parts most rows";
-  } else if (favoured.size() > 1) {
-    for (const CsvLayout* layout : favoured)
-      finding.reason +=
-          (finding.reason.empty() ? "" : " and ") + std::string(layout->separator().name);
-    finding.reason += " both part the rows";
-  } else {
-    const CsvLayout& layout = *favoured.front();
-    const bool hasDates = !layout.data().empty();
-    const CsvRow& row = hasDates ? *layout.data().front() : layout.rows().front();
-    finding.answer = layout.separator().name;
-    finding.line = row.line;
-    finding.reason = hasDates
-                         ? quotedForMessage(CsvLayout::cell(row, layout.dateColumns().front())) +
-                               " stands alone in " + columnName(layout.dateColumns().front())
-                         : "it alone parts most rows";
-  }
-  return finding;
-}
-
 bool holdsDigit(std::string_view text) {
   return std::any_of(text.begin(), text.end(), internal::base::isDigit<char>);
 }
 
-Finding headerFinding(const CsvLayout& layout) {
-  Finding finding{"header", "", "no row holds a date", 0};
-  if (layout.data().empty()) return finding;
-  const CsvRow& first = *layout.data().front();
-  const std::size_t column = layout.dateColumns().front();
-  if (&first == &layout.rows().front())
-    return {"header", "none",
-            "the first row holds " + quotedForMessage(CsvLayout::cell(first, column)), first.line};
-  const CsvRow& above = *(&first - 1);
-  const std::string_view title = trimmed(CsvLayout::cell(above, column));
-  const bool isHeader = !title.empty() && !holdsDigit(title) && above.cells.size() > 1;
-  finding.line = above.line;
-  finding.reason =
-      "above the first date stands " + quotedForMessage(CsvLayout::cell(above, column));
-  if (isHeader) finding.answer = "line " + std::to_string(above.line);
-  return finding;
-}
+/// What stands above the first row of data.
+class Headers {
+ public:
+  explicit Headers(std::size_t dateColumn) : dateColumn_(dateColumn) {}
+
+  void addOther(const ORLFTabularRow& row) {
+    if (firstLine_ != 0) return;
+    titleLine_ = row.lineNumber;
+    titles_ = row.fields.size();
+    title_ = CsvLayout::cell(row.fields, dateColumn_);
+  }
+  void addData(const ORLFTabularRow& row) {
+    if (firstLine_ != 0) return;
+    firstLine_ = row.lineNumber;
+    firstDate_ = CsvLayout::cell(row.fields, dateColumn_);
+  }
+
+  [[nodiscard]] std::uint64_t firstLine() const { return firstLine_; }
+  [[nodiscard]] const std::string& firstDate() const { return firstDate_; }
+  [[nodiscard]] Finding finding() const {
+    if (titleLine_ == 0)
+      return {"header", "none", "the first row holds " + quotedForMessage(firstDate_), firstLine_};
+    const bool isHeader = !trimmed(title_).empty() && !holdsDigit(title_) && titles_ > 1;
+    return {"header", isHeader ? "line " + std::to_string(titleLine_) : "",
+            "above the first date stands " + quotedForMessage(title_), titleLine_};
+  }
+
+ private:
+  const std::size_t dateColumn_;
+  std::uint64_t titleLine_ = 0, firstLine_ = 0;  // 0 for none
+  std::size_t titles_ = 0;
+  std::string title_, firstDate_;
+};
 
 /// The orders that names of months leave, and where the last of the others went.
 class NamedDates {
@@ -165,69 +106,140 @@ ColumnText deciderOf(const DateColumn& column, DateOrder answer) {
   return decider;
 }
 
-Finding dateOrderFinding(const CsvLayout& layout, const std::shared_ptr<NSCalendar>& calendar) {
-  Finding finding{"date order", "", "no column holds dates", 0};
-  DateColumn numbers(calendar, {}, std::nullopt);
-  NamedDates names;
-  std::map<std::string, std::string, std::less<>> written;  // the cell of each three numbers
-  std::string first;
-  for (const CsvRow* row : layout.data()) {
-    for (const std::size_t column : layout.dateColumns()) {
-      const std::string_view text = CsvLayout::cell(*row, column);
-      const auto shape = dateShapeOf(text);
-      if (!shape) continue;
-      if (first.empty()) first = text;
-      names.add(*shape, text, row->line);
-      if (shape->numbers.empty()) continue;
-      numbers.add(shape->numbers, row->line);
-      written.emplace(shape->numbers, trimmed(text));
-    }
+/// The dates of all date columns.
+class Dates {
+ public:
+  explicit Dates(const std::shared_ptr<NSCalendar>& calendar)
+      : numbers_(calendar, {}, std::nullopt) {}
+
+  void add(std::string_view text, std::uint64_t line) {
+    const auto shape = dateShapeOf(text);
+    if (!shape) return;
+    if (first_.empty()) first_ = text;
+    names_.add(*shape, text, line);
+    if (shape->numbers.empty()) return;
+    numbers_.add(shape->numbers, line);
+    written_.try_emplace(shape->numbers, trimmed(text));
   }
-  if (first.empty()) return finding;
-  if (names.count() > 0 && numbers.dateCount() > 0) {
-    finding.reason = "some dates name their month and some do not";
-    return finding;
+
+  [[nodiscard]] Finding finding() const {
+    const bool hasNames = names_.count() > 0;
+    if (hasNames && numbers_.dateCount() > 0)
+      return {"date order", "", "some dates name their month and some do not", 0};
+    const std::vector<DateOrder> orders = hasNames ? names_.orders() : numbers_.orders();
+    // Other orders than the usual ones are too rare to be believed without being asked for.
+    if (orders.size() != 1 || orders.front() > 3) return asked(orders);
+    const ColumnText decider = hasNames ? names_.decider() : deciderOf(numbers_, orders.front());
+    const auto found = written_.find(decider.text);
+    return {"date order", std::string(wordOfDateOrder(orders.front())),
+            quotedForMessage(found == written_.end() ? decider.text : found->second), decider.line};
   }
-  const std::vector<DateOrder> orders = names.count() > 0 ? names.orders() : numbers.orders();
-  // Other orders than the usual ones are too rare to be believed without being asked for.
-  if (orders.size() != 1 || orders.front() > 3) {
-    finding.reason = orders.empty() ? "no order fits all dates" : "all dates fit";
-    for (const DateOrder order : orders)
-      finding.reason +=
-          (order == orders.front() ? " " : " and ") + std::string(wordOfDateOrder(order));
-    finding.reason += ", such as " + quotedForMessage(first);
-    return finding;
+
+ private:
+  [[nodiscard]] Finding asked(const std::vector<DateOrder>& orders) const {
+    std::vector<std::string> words;
+    for (const DateOrder order : orders) words.emplace_back(wordOfDateOrder(order));
+    const std::string reason =
+        orders.empty() ? "no order fits all dates" : "all dates fit " + joinedWithAnd(words);
+    return {"date order", "", reason + ", such as " + quotedForMessage(first_), 0};
   }
-  const ColumnText decider =
-      names.count() > 0 ? names.decider() : deciderOf(numbers, orders.front());
-  return {"date order", std::string(wordOfDateOrder(orders.front())),
-          quotedForMessage(names.count() > 0 ? decider.text : written[decider.text]), decider.line};
+
+  DateColumn numbers_;
+  NamedDates names_;
+  std::map<std::string, std::string, std::less<>> written_;  // the cell of each three numbers
+  std::string first_;
+};
+
+/// The findings on the rows of data under the only separator that is left.
+class TableFindings {
+ public:
+  TableFindings(const CsvText& text, const CsvLayout& layout,
+                const std::shared_ptr<NSCalendar>& calendar)
+      : layout_(layout),
+        headers_(layout.dateColumns().front()),
+        dates_(calendar),
+        amounts_(layout.dateColumns()) {
+    text.forEachRow(layout.separator().character,
+                    [this](const ORLFTabularRow& row, bool&) { add(row); });
+    BalanceSearch search(amounts_.columns(), amounts_.decimalMark().answer == "comma"
+                                                 ? DecimalMark::Comma
+                                                 : DecimalMark::Point);
+    if (!search.isNeeded()) return;
+    text.forEachRow(layout.separator().character, [&](const ORLFTabularRow& row, bool&) {
+      if (layout.isData(row.fields)) search.add(row.fields);
+    });
+    balances_ = search.balances();
+  }
+
+  [[nodiscard]] std::vector<Finding> findings() const {
+    const std::size_t column = layout_.dateColumns().front();
+    return {{"separator", layout_.separator().name,
+             quotedForMessage(headers_.firstDate()) + " stands alone in " + columnName(column),
+             headers_.firstLine()},
+            headers_.finding(),
+            dates_.finding(),
+            amounts_.decimalMark(),
+            amounts_.sign(balances_)};
+  }
+
+ private:
+  void add(const ORLFTabularRow& row) {
+    if (!layout_.isData(row.fields)) return headers_.addOther(row);
+    headers_.addData(row);
+    amounts_.add(row.fields, row.lineNumber);
+    for (const std::size_t column : layout_.dateColumns())
+      dates_.add(CsvLayout::cell(row.fields, column), row.lineNumber);
+  }
+
+  const CsvLayout& layout_;
+  Headers headers_;
+  Dates dates_;
+  AmountColumns amounts_;
+  std::set<std::size_t> balances_;
+};
+
+/// The findings where no column holds dates.
+std::vector<Finding> findingsWithoutDates(const CsvLayout& layout) {
+  return {{"separator", layout.separator().name, "it alone parts most rows", layout.firstLine()},
+          {"header", "", "no row holds a date", 0},
+          {"date order", "", "no column holds dates", 0},
+          {"decimal mark", "", "no amount shows one", 0},
+          {"sign", "", "no column holds amounts", 0}};
+}
+
+std::vector<Finding> findingsWithoutSeparator(const std::vector<const CsvLayout*>& favoured) {
+  std::vector<std::string> names;
+  for (const CsvLayout* layout : favoured) names.emplace_back(layout->separator().name);
+  std::vector<Finding> findings{{"separator", "",
+                                 names.empty() ? "no separator parts most rows"
+                                               : joinedWithAnd(names) + " both part the rows",
+                                 0}};
+  for (const char* question : {"header", "date order", "decimal mark", "sign"})
+    findings.push_back({question, "", "the separator has to be known first", 0});
+  return findings;
 }
 
 }  // namespace
 
-std::vector<Finding> inferTable(std::string_view bytes,
+std::vector<Finding> inferTable(const ReopenedBytes& bytes,
                                 const std::shared_ptr<NSCalendar>& calendar) {
-  Decoding decoding = decodingOf(bytes);
+  const TableEncoding encoding = inferEncoding(bytes);
+  const CsvText text(bytes, encoding.readAs);
   std::vector<CsvLayout> layouts;
   layouts.reserve(kCsvSeparators.size());
-  for (const CsvSeparator& separator : kCsvSeparators)
-    layouts.emplace_back(decoding.text, separator);
+  for (const CsvSeparator& separator : kCsvSeparators) layouts.emplace_back(text, separator);
   const std::vector<const CsvLayout*> favoured = favouredLayouts(layouts);
-  std::vector<Finding> findings{separatorFinding(favoured)};
-  if (favoured.size() == 1) {
-    const CsvLayout& layout = *favoured.front();
-    AmountFindings amounts = amountFindings(layout);
-    findings.push_back(headerFinding(layout));
-    findings.push_back(dateOrderFinding(layout, calendar));
-    findings.push_back(std::move(amounts.decimalMark));
-    findings.push_back(std::move(amounts.sign));
-  } else {
-    for (const char* question : {"header", "date order", "decimal mark", "sign"})
-      findings.push_back({question, "", "the separator has to be known first", 0});
-  }
-  findings.push_back(std::move(decoding.finding));
+  std::vector<Finding> findings = favoured.size() != 1 ? findingsWithoutSeparator(favoured)
+                                  : favoured.front()->dateColumns().empty()
+                                      ? findingsWithoutDates(*favoured.front())
+                                      : TableFindings(text, *favoured.front(), calendar).findings();
+  findings.push_back(encoding.finding);
   return findings;
+}
+
+std::vector<Finding> inferTable(std::string_view bytes,
+                                const std::shared_ptr<NSCalendar>& calendar) {
+  return inferTable([bytes] { return bytesInMemory(bytes); }, calendar);
 }
 
 }  // namespace orlftool

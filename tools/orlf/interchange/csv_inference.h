@@ -3,24 +3,16 @@
 /// did; nothing is guessed.
 #pragma once
 
-#include <ORLFoundation/platform/text/NSStringEncoding.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 
-#include <cstdint>
 #include <memory>
-#include <optional>
-#include <string>
 #include <string_view>
 #include <vector>
 
-namespace orlftool {
+#include "interchange/finding.h"
+#include "io/byte_source.h"
 
-struct Finding {
-  std::string question;  // "separator", "header", "date order", "decimal mark", "sign", "encoding"
-  std::string answer;    // empty where it has to be asked
-  std::string reason;    // what was seen, or what was not
-  std::uint64_t line = 0;  // of the row that decided, 0 for none
-};
+namespace orlftool {
 
 /// The findings on a file's bytes, in the order of the questions.
 ///
@@ -32,6 +24,11 @@ struct Finding {
 /// - sign: minus, trailing minus, brackets, or "columns A and B" for money out and in that stand in
 ///   columns of their own.
 /// - encoding: that of `--encoding`.
+///
+/// The bytes are read some times; memory does not grow with them. Columns behind the thousandth are
+/// not judged. Throws JobFailure, with the line, for a row that the reader of tables refuses.
+[[nodiscard]] std::vector<Finding> inferTable(
+    const ReopenedBytes& bytes, const std::shared_ptr<ORLFoundation::NSCalendar>& calendar);
 [[nodiscard]] std::vector<Finding> inferTable(
     std::string_view bytes, const std::shared_ptr<ORLFoundation::NSCalendar>& calendar);
 

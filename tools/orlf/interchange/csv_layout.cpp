@@ -1,52 +1,65 @@
 #include "interchange/csv_layout.h"
 
-#include <ORLFoundation/interchange/tabular/ORLFTabularRowReader.h>
-
 #include <algorithm>
+#include <memory>
 
-#include "interchange/cell_shapes.h"
+#include "cli/failure.h"
+#include "interchange/date_shape.h"
+#include "io/text_input.h"
 
 namespace orlftool {
 
 using namespace ORLFoundation;
 
-CsvLayout::CsvLayout(std::string_view text, CsvSeparator separator) : separator_(separator) {
-  orlfEnumerateTabularRows(text, separator.character, [this](const ORLFTabularRow& row, bool&) {
-    rows_.push_back({{row.fields.begin(), row.fields.end()}, row.lineNumber});
-    columns_ = std::max(columns_, row.fields.size());
+namespace {
+
+constexpr std::size_t kMostColumnsJudged = 1000;
+
+}  // namespace
+
+void CsvText::forEachRow(char separator, const ORLFTabularRowBlock& block) const {
+  TextInput input(bytes_(), encoding_);
+  const auto source = [&input](std::span<char> buffer) { return input.read(buffer); };
+  const auto taken = [&block](const ORLFTabularRow& row, bool& stop) {
+    ORLFTabularRow judged = row;
+    judged.fields = row.fields.first(std::min(row.fields.size(), kMostColumnsJudged));
+    block(judged, stop);
+  };
+  std::shared_ptr<const NSError> error;
+  if (!orlfEnumerateTabularRowsOfSource(source, separator, taken, {}, &error))
+    throw JobFailure(input.name() + ": " + error->localizedDescription());
+}
+
+CsvLayout::CsvLayout(const CsvText& text, CsvSeparator separator) : separator_(separator) {
+  text.forEachRow(separator.character, [this](const ORLFTabularRow& row, bool&) {
+    if (rows_ == 0) firstLine_ = row.lineNumber;
+    add(row.fields);
+    ++rows_;
   });
   findDateColumns();
-  if (!dateColumns_.empty()) findData();
 }
 
-bool CsvLayout::parts() const {
-  const auto parted = std::count_if(rows_.begin(), rows_.end(),
-                                    [](const CsvRow& row) { return row.cells.size() > 1; });
-  return 2 * static_cast<std::size_t>(parted) > rows_.size();
-}
-
-std::string_view CsvLayout::cell(const CsvRow& row, std::size_t column) {
-  return column < row.cells.size() ? std::string_view(row.cells[column]) : std::string_view();
+void CsvLayout::add(CsvFields fields) {
+  partedRows_ += fields.size() > 1 ? 1 : 0;
+  if (dates_.size() < fields.size()) dates_.resize(fields.size());
+  for (std::size_t column = 0; column < fields.size(); ++column) {
+    if (!dateShapeOf(fields[column])) continue;
+    if (dates_[column].count++ == 0) dates_[column].firstRow = rows_;
+  }
 }
 
 void CsvLayout::findDateColumns() {
-  std::vector<std::size_t> dates(columns_);
-  std::vector<std::size_t> counted(columns_);
-  for (const CsvRow& row : rows_) {
-    for (std::size_t column = 0; column < columns_; ++column) {
-      const bool isDate = dateShapeOf(cell(row, column)).has_value();
-      dates[column] += isDate ? 1 : 0;
-      counted[column] += dates[column] > 0 ? 1 : 0;
-    }
+  std::uint64_t most = 0;
+  for (const Dates& dates : dates_) most = std::max(most, dates.count);
+  for (std::size_t column = 0; column < dates_.size() && most > 0; ++column) {
+    const Dates& dates = dates_[column];
+    const std::uint64_t rows = dates.count == 0 ? 0 : rows_ - dates.firstRow;
+    if (2 * dates.count >= std::max(rows, most)) dateColumns_.push_back(column);
   }
-  const std::size_t most = columns_ == 0 ? 0 : *std::max_element(dates.begin(), dates.end());
-  for (std::size_t column = 0; column < columns_ && most > 0; ++column)
-    if (2 * dates[column] >= std::max(counted[column], most)) dateColumns_.push_back(column);
 }
 
-void CsvLayout::findData() {
-  for (const CsvRow& row : rows_)
-    if (dateShapeOf(cell(row, dateColumns_.front()))) data_.push_back(&row);
+bool CsvLayout::isData(CsvFields fields) const {
+  return !dateColumns_.empty() && dateShapeOf(cell(fields, dateColumns_.front()));
 }
 
 std::string columnName(std::size_t column) { return "column " + std::to_string(column + 1); }

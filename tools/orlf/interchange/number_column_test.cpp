@@ -69,6 +69,10 @@ TEST(NumberColumn, ReadsAmountsUnderTheMarkOfTheColumn) {
                             {"1234567890/2", "nil", "nil"},
                             {"12,5 kr", "nil", "12.5"},
                             {"1234.567.890", "nil", "nil"},
+                            {"0.125", "0.125", "nil"},
+                            {"0,125", "nil", "0.125"},
+                            {"EUR +5", "5", "5"},
+                            {"5+", "5", "5"},
                             {"1,23", "nil", "1.23"},
                             {"5 DR", "nil", "nil"},
                             {"12%", "nil", "nil"},
@@ -88,13 +92,20 @@ TEST(NumberColumn, ReadsAmountsUnderTheMarkOfTheColumn) {
   EXPECT_EQ(read(std::string(100'000, '1')), "nil");
 }
 
-std::string markOf(std::initializer_list<std::string_view> texts) {
+DecimalMarkJudge judgeOf(std::initializer_list<std::string_view> texts) {
   DecimalMarkJudge judge;
   std::uint64_t line = 0;
-  for (const std::string_view text : texts) judge.add(text, ++line);
+  for (const std::string_view text : texts) {
+    ++line;
+    if (const auto amount = AmountText::parse(text)) judge.add(*amount, text, line, 7);
+  }
+  return judge;
+}
+
+std::string markOf(std::initializer_list<std::string_view> texts) {
   try {
-    const DecimalMarkJudge::Finding finding = judge.finding("f");
-    return (finding.mark == DecimalMark::Point ? "point " : "comma ") + finding.reason;
+    const ColumnMark found = columnMark(judgeOf(texts), "f");
+    return (found.mark == DecimalMark::Point ? "point " : "comma ") + found.reason;
   } catch (const JobFailure& failure) {
     return failure.what();
   }
@@ -110,12 +121,39 @@ TEST(NumberColumn, FindsTheMarkOrAsks) {
   EXPECT_EQ(markOf({"1,234.5"}), "point line 1, '1,234.5'");
   EXPECT_EQ(markOf({"1234,567"}), "comma line 1, '1234,567'");
   EXPECT_EQ(markOf({"0.125"}), "point line 1, '0.125'");
+  EXPECT_EQ(markOf({"1.5", "2.5"}), "point line 1, '1.5'");
+  // What is no amount tells nothing.
+  EXPECT_EQ(markOf({"24.12.2009", "1.2.3,4", "5.5 DR"}), "point ");
   EXPECT_EQ(markOf({"5", "1,234"}),
             "f: nothing tells whether line 2, '1,234', has a decimal mark or groups of three: "
             "--decimal point or comma does");
   EXPECT_EQ(markOf({"1.5", "2,25"}),
             "f: amounts have a point as the decimal mark (line 1, '1.5') and a comma (line 2, "
             "'2,25'): --decimal tells which holds");
+}
+
+TEST(NumberColumn, JoinsWhatJudgesHaveSeen) {
+  using Verdict = DecimalMarkJudge::Verdict;
+  struct Joined {
+    std::initializer_list<std::string_view> first, later;
+    Verdict verdict;
+  };
+  const Joined rows[] = {{{}, {}, Verdict::NoMark},
+                         {{"5"}, {"1,234"}, Verdict::Open},
+                         {{"1,234"}, {"1.5"}, Verdict::Point},
+                         {{"1,5"}, {"1,234"}, Verdict::Comma},
+                         {{"1,5"}, {"1.5"}, Verdict::Contradiction}};
+  for (const Joined& row : rows) {
+    DecimalMarkJudge judge = judgeOf(row.first);
+    judge.add(judgeOf(row.later));
+    EXPECT_EQ(judge.verdict(), row.verdict);
+  }
+  DecimalMarkJudge judge = judgeOf({"5", "1.5"});
+  judge.add(judgeOf({"2.5", "1,234"}));
+  EXPECT_EQ(judge.witnessOf(DecimalMark::Point).text, "1.5");
+  EXPECT_EQ(judge.witnessOf(DecimalMark::Point).line, 2U);
+  EXPECT_EQ(judge.witnessOf(DecimalMark::Point).column, 7U);
+  EXPECT_EQ(judge.openWitness().text, "1,234");
 }
 
 }  // namespace

@@ -82,6 +82,7 @@ void runQif(Session& session, const QifArguments& arguments) {
   const NSUInteger encoding = readEncodingOption(arguments.outputEncoding, "--output-encoding")
                                   .value_or(NSUTF8StringEncoding);
   TypedTable table(session, arguments.table, records->rules());
+  requireOtherFile(arguments.output, arguments.table.file);
   table.judge();
   records->check(table);
   TypedTable::Counts counts;

@@ -79,6 +79,22 @@ void beginList(ORLFQIFDataWriter& writer, const QifRequest& request) {
                        quotedForMessage(request.account));
 }
 
+/// The name of a category. One in brackets would be read as the account of a transfer.
+std::optional<std::string> categoryOf(const TypedRow& row, std::size_t field) {
+  std::optional<std::string> name = row.textIfAny(field);
+  if (name && name->starts_with('['))
+    row.refuse(field, "a category, which does not begin with a bracket as an account does");
+  return name;
+}
+
+/// The account of a transfer, which stands in brackets.
+std::optional<std::string> transferOf(const TypedRow& row, std::size_t field) {
+  std::optional<std::string> account = row.textIfAny(field);
+  if (account && account->find(']') != account->npos)
+    row.refuse(field, "an account without a closing bracket in its name");
+  return account;
+}
+
 /// nil stays nil: an amount negated where that is asked for.
 std::optional<NSDecimalNumber> signedAmount(std::optional<NSDecimalNumber> amount,
                                             const QifRequest& request) {
@@ -104,8 +120,9 @@ class Transactions final : public QifRecords {
 
   void write(ORLFQIFDataWriter& writer, const TypedRow& row) const override {
     const auto refNum = row.textIfAny(kNumber), payee = row.textIfAny(kPayee);
-    const auto memo = row.textIfAny(kMemo), category = row.textIfAny(kCategory);
-    const auto transfer = row.textIfAny(kTransfer);
+    const auto memo = row.textIfAny(kMemo), category = categoryOf(row, kCategory);
+    const auto transfer = transferOf(row, kTransfer);
+    if (transfer) row.leaveOut(kCategory, "a transfer");
     require(writer.writeRawNonInvestmentTransactionAmount(
         {.amount = signedAmount(amountOf(row), request_),
          .date = row.date(kDate),
@@ -185,10 +202,12 @@ class Investments final : public QifRecords {
   void write(ORLFQIFDataWriter& writer, const TypedRow& row) const override {
     const std::int32_t action = actionOf(row);
     const auto security = row.textIfAny(kSecurity), payee = row.textIfAny(kPayee);
-    const auto memo = row.textIfAny(kMemo), transfer = row.textIfAny(kTransfer);
+    const auto memo = row.textIfAny(kMemo), transfer = transferOf(row, kTransfer);
     const std::int32_t cleared =
         codeOf(row, kCleared, kClearedWords, 0, "c, r, cleared, reconciled or no");
     if (action == kStockSplit) {
+      for (const Field field : {kPrice, kAmount, kCommission, kPayee, kTransfer, kTransferAmount})
+        row.leaveOut(field, "a stock split");
       require(writer.writeInvestmentSplitSecurity({.security = security,
                                                    .date = row.date(kDate),
                                                    .ratio = row.number(kQuantity),
@@ -326,8 +345,8 @@ class Categories final : public QifRecords {
   void end(ORLFQIFDataWriter& writer) const override { writer.endCategoryList(); }
 
   void write(ORLFQIFDataWriter& writer, const TypedRow& row) const override {
-    const std::string name = row.text(kName);
-    if (name.empty()) row.refuse(kName, "a name");
+    const auto name = categoryOf(row, kName);
+    if (!name) row.refuse(kName, "a name");
     const auto description = row.textIfAny(kDescription);
     require(writer.writeCategoryName(
         {.name = name,

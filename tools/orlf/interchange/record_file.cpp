@@ -1,6 +1,7 @@
 #include "interchange/record_file.h"
 
 #include <ORLFoundation/platform/text/NSStringEncoding.h>
+#include <sys/stat.h>
 
 #include <array>
 #include <cerrno>
@@ -8,6 +9,7 @@
 #include <cstring>
 
 #include "cli/failure.h"
+#include "cli/message_text.h"
 #include "io/atomic_file.h"
 
 namespace orlftool {
@@ -51,6 +53,15 @@ void writeRecordFile(const std::string& path,
     write(stream);
     stream->finish();
   });
+}
+
+void requireOtherFile(const std::string& output, const std::string& table) {
+  struct stat written {};
+  struct stat read {};
+  if (::stat(output.c_str(), &written) != 0 || ::stat(table.c_str(), &read) != 0) return;
+  if (written.st_dev == read.st_dev && written.st_ino == read.st_ino)
+    throw UsageFailure("--output: expected another file than the table, got " +
+                       quotedForMessage(output));
 }
 
 NSUInteger beginText(NSOutputStream& stream, NSUInteger encoding) {

@@ -17,6 +17,10 @@ void writeRecordFile(
     const std::string& path,
     const std::function<void(const std::shared_ptr<ORLFoundation::NSOutputStream>&)>& write);
 
+/// Throws UsageFailure where a file of records would take the place of the table it is made of,
+/// under whatever name.
+void requireOtherFile(const std::string& output, const std::string& table);
+
 /// Begins a text in an encoding, and gives the one for all that follows. The writers begin each
 /// record in UTF-16 with a byte-order mark; a file has one at its beginning.
 [[nodiscard]] ORLFoundation::NSUInteger beginText(ORLFoundation::NSOutputStream& stream,

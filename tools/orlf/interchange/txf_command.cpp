@@ -177,6 +177,7 @@ void runTxf(Session& session, const TxfArguments& arguments) {
   ORLFTXFDataWriter writer;
   prepare(writer, calendar);
   TypedTable table(session, arguments.table, kind.rules);
+  requireOtherFile(arguments.output, arguments.table.file);
   table.judge();
   TypedTable::Counts counts;
   writeRecordFile(arguments.output, [&](const std::shared_ptr<NSOutputStream>& stream) {

@@ -116,6 +116,12 @@ std::optional<NSDecimalNumber> TypedRow::number(std::size_t field) const {
   return number;
 }
 
+void TypedRow::leaveOut(std::size_t field, std::string_view record) const {
+  if (text(field).empty()) return;
+  TypedTable::LeftOut& leftOut = table_.leftOut_[{table_.rules_[field].name, std::string(record)}];
+  if (leftOut.rows++ == 0) leftOut.line = line_;
+}
+
 void TypedRow::refuse(std::size_t field, std::string_view expected) const {
   throw BadRow{std::string(table_.rules_[field].name), std::string(expected),
                quotedForMessage(text(field))};
@@ -160,6 +166,7 @@ bool TypedTable::isHeading(const TypedRow& row) const {
 
 void TypedTable::judge() {
   bool isFirst = true;
+  bool hasData = false;
   readRows([&](const TypedRow& row) {
     if (std::exchange(isFirst, false)) {
       if (map_.needsHeadings()) map_.takeHeadings(row.fields_, request_.file);
@@ -168,14 +175,17 @@ void TypedTable::judge() {
         return;
       }
     }
+    hasData = true;
     for (std::size_t field = 0; field < rules_.size(); ++field) {
       const std::string text = rules_[field].type == FieldType::Text ? "" : row.text(field);
       if (text.empty()) continue;
       if (rules_[field].type == FieldType::Date) dates_.add(text, row.line());
-      if (rules_[field].type == FieldType::Number) marks_.add(text, row.line());
+      if (rules_[field].type != FieldType::Number) continue;
+      if (const auto amount = AmountText::parse(text)) marks_.add(*amount, text, row.line());
     }
   });
   if (isFirst) throw JobFailure(request_.file + ": expected rows, got none");
+  if (!hasData) throw JobFailure(request_.file + ": expected rows, got headings alone");
   settle();
 }
 
@@ -184,10 +194,10 @@ void TypedTable::settle() {
   for (const std::string& note : dates.notes) printNote(session_, note);
   if (!dates.fault.empty()) throw JobFailure(request_.file + ": " + dates.fault);
   if (request_.decimal) return;
-  const DecimalMarkJudge::Finding marks = marks_.finding(request_.file);
-  mark_ = marks.mark;
+  const ColumnMark found = columnMark(marks_, request_.file);
+  mark_ = found.mark;
   if (mark_ == DecimalMark::Comma)
-    printNote(session_, "the decimal mark is a comma: " + marks.reason + ", decides");
+    printNote(session_, "the decimal mark is a comma: " + found.reason + ", decides");
 }
 
 TypedTable::Counts TypedTable::forEach(const std::function<void(const TypedRow& row)>& block) {
@@ -205,7 +215,18 @@ TypedTable::Counts TypedTable::forEach(const std::function<void(const TypedRow& 
       ++counts.skipped;
     }
   });
+  tellLeftOut();
   return counts;
+}
+
+void TypedTable::tellLeftOut() const {
+  for (const auto& [what, where] : leftOut_) {
+    const auto& [field, record] = what;
+    std::string place = request_.file + ":" + std::to_string(where.line);
+    if (where.rows > 1) place += " and in " + std::to_string(where.rows - 1) + " more";
+    printNote(session_, place + ": " + std::string(field) + " is left out: " + record +
+                            " has no place for it");
+  }
 }
 
 void printCounts(Session& session, const std::string& output, const TypedTable::Counts& counts) {

@@ -12,10 +12,12 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "interchange/column_map.h"
 #include "interchange/date_reading.h"
@@ -63,6 +65,9 @@ class TypedRow {
   /// required.
   [[nodiscard]] std::optional<ORLFoundation::NSDate> date(std::size_t field) const;
   [[nodiscard]] std::optional<ORLFoundation::NSDecimalNumber> number(std::size_t field) const;
+  /// Remembers, where the field is not empty, that the record has no place for it: `record` says
+  /// what it is. Told in notes behind the last row.
+  void leaveOut(std::size_t field, std::string_view record) const;
   /// Throws BadRow that names the field and what stands in it.
   [[noreturn]] void refuse(std::size_t field, std::string_view expected) const;
 
@@ -99,6 +104,13 @@ class TypedTable {
  private:
   friend class TypedRow;
 
+  /// What had no place in records of a kind: in how many rows, and the line of the first.
+  struct LeftOut {
+    std::uint64_t rows = 0;
+    std::uint64_t line = 0;
+  };
+
+  void tellLeftOut() const;
   void readRows(const std::function<void(const TypedRow& row)>& block);
   [[nodiscard]] bool isHeading(const TypedRow& row) const;
   void settle();
@@ -111,7 +123,8 @@ class TypedTable {
   DecimalMarkJudge marks_;
   DecimalMark mark_ = DecimalMark::Point;
   std::uint64_t skipLines_ = 0;
-  std::uint64_t headingLine_ = 0;  // 0 for none
+  std::uint64_t headingLine_ = 0;                                        // 0 for none
+  std::map<std::pair<std::string_view, std::string>, LeftOut> leftOut_;  // by field and record
 };
 
 /// Tells how many rows a file was made of, as text or JSON.

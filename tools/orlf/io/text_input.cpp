@@ -3,17 +3,14 @@
 #include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/value/NSData.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <cstring>
+#include <utility>
 #include <vector>
 
 #include "cli/failure.h"
 #include "cli/message_text.h"
-#include "progress/work_progress.h"
 
 namespace orlftool {
 namespace {
@@ -92,33 +89,18 @@ std::uint64_t lineEndsIn(std::string_view text, char before) {
   return lines;
 }
 
-TextInput::TextInput(const std::string& path, std::optional<NSStringEncoding> encoding)
-    : name_(path == "-" ? "standard input" : path),
-      file_(openInputFile(path)),
-      encoding_(encoding),
-      isTold_(encoding.has_value()) {
-  if (!file_) throw JobFailure(name_ + ": cannot be read: " + std::strerror(errno));
-  struct stat status {};
-  if (::fstat(::fileno(file_.get()), &status) == 0) {
-    if (S_ISDIR(status.st_mode)) throw JobFailure(name_ + ": expected a file, got a directory");
-    if (S_ISREG(status.st_mode)) size_ = static_cast<std::uint64_t>(status.st_size);
-  }
-  progress_ = std::make_unique<WorkProgress>("Reading " + name_, size_, ProgressUnit::bytes);
+TextInput::TextInput(ByteSource source, std::optional<NSStringEncoding> encoding)
+    : source_(std::move(source)), encoding_(encoding), isTold_(encoding.has_value()) {
   while (raw_.size() < 3 && !isAtEnd_) readRaw();
   detectEncoding();
 }
 
-TextInput::~TextInput() = default;
-
 void TextInput::readRaw() {
   const std::size_t before = raw_.size();
   raw_.resize(before + kPiece);
-  const std::size_t count = std::fread(raw_.data() + before, 1, kPiece, file_.get());
+  const std::size_t count = source_.read(std::span(raw_).subspan(before));
   raw_.resize(before + count);
   position_ += count;
-  progress_->update(static_cast<double>(position_));
-  if (std::ferror(file_.get()) != 0)
-    throw JobFailure(name_ + ": cannot be read: " + std::strerror(errno));
   isAtEnd_ = count == 0;
 }
 
@@ -177,7 +159,7 @@ void TextInput::failInside(std::string_view bytes) const {
   }
   const std::string text = *stringWithData(NSData(bytes.substr(0, good)), *encoding_);
   const std::string line = std::to_string(lines_ + lineEndsIn(text, last_));
-  throw JobFailure(name_ + ":" + line + ": expected " + std::string(nameOfEncoding(*encoding_)) +
+  throw JobFailure(name() + ":" + line + ": expected " + std::string(nameOfEncoding(*encoding_)) +
                    ", got other bytes" + (isTold_ ? "" : "; --encoding names another encoding"));
 }
 

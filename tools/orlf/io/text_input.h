@@ -1,5 +1,4 @@
-/// Text files read from front to back as UTF-8, however long they are; how far is shown as
-/// progress.
+/// Text files read from front to back as UTF-8, however long they are.
 ///
 ///     TextInput input("bank.csv", std::nullopt);
 ///     while (const std::size_t count = input.read(buffer)) use(buffer, count);
@@ -14,11 +13,9 @@
 #include <string>
 #include <string_view>
 
-#include "io/input_file.h"
+#include "io/byte_source.h"
 
 namespace orlftool {
-
-class WorkProgress;
 
 /// The names of encodings on the command line, for messages.
 inline constexpr std::string_view kEncodingNames =
@@ -37,13 +34,14 @@ class TextInput {
   /// The file at a path, standard input for "-". Without an encoding, a byte order mark tells UTF-8
   /// or UTF-16, and without a mark it is UTF-8. Throws JobFailure for a file that cannot be read
   /// and for a directory.
-  TextInput(const std::string& path, std::optional<ORLFoundation::NSStringEncoding> encoding);
-  ~TextInput();
+  TextInput(const std::string& path, std::optional<ORLFoundation::NSStringEncoding> encoding)
+      : TextInput(openBytes(path), encoding) {}
+  TextInput(ByteSource source, std::optional<ORLFoundation::NSStringEncoding> encoding);
 
   /// For messages: the path, or "standard input".
-  [[nodiscard]] const std::string& name() const noexcept { return name_; }
+  [[nodiscard]] const std::string& name() const noexcept { return source_.name; }
   /// The file's length in bytes; nil for what is no plain file.
-  [[nodiscard]] std::optional<std::uint64_t> size() const noexcept { return size_; }
+  [[nodiscard]] std::optional<std::uint64_t> size() const noexcept { return source_.size; }
   /// How many of its bytes were read.
   [[nodiscard]] std::uint64_t position() const noexcept { return position_; }
 
@@ -59,10 +57,7 @@ class TextInput {
   [[nodiscard]] std::size_t wholeBytes() const;
   [[noreturn]] void failInside(std::string_view bytes) const;
 
-  std::string name_;
-  InputFile file_;
-  std::optional<std::uint64_t> size_;
-  std::unique_ptr<WorkProgress> progress_;
+  const ByteSource source_;
   std::optional<ORLFoundation::NSStringEncoding> encoding_;
   bool isTold_ = false;  // whether the encoding was given
   bool isAtEnd_ = false;

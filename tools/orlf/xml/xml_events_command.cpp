@@ -23,21 +23,22 @@ using namespace ORLFoundation;
 
 /// In quotes, on one line, whatever it holds.
 std::string quotedText(std::string_view text) {
-  return Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
+  return withoutControls(Json(text).dump(-1, ' ', false, Json::error_handler_t::replace));
 }
 
-/// Prints a line for each event as it comes, or keeps all for JSON. Pieces of a text are joined.
+/// Prints each event as it comes. Pieces of a text are joined.
 class EventPrinter final : public NSXMLParserDelegate {
  public:
-  explicit EventPrinter(Session& session) : session_(session) {}
+  explicit EventPrinter(Session& session) : session_(session), array_(session.out) {}
 
   void parserDidStartDocument(NSXMLParser& /*parser*/) override { tell("start-document", {}); }
   void parserDidEndDocument(NSXMLParser& /*parser*/) override { tell("end-document", {}); }
-  void parserDidStartElement(NSXMLParser& /*parser*/, const NSXMLStartTag& tag) override {
+  void parserDidStartElement(NSXMLParser& parser, const NSXMLStartTag& tag) override {
     Json attributes = Json::object();
     for (const auto& [name, value] : tag.attributes->entries())
       attributes[name.description()] = value.description();
     tell("start", {{"name", std::string(tag.didStartElement)}, {"attributes", attributes}});
+    if (!session_.out) parser.abortParsing();  // nobody reads on
   }
   void parserDidEndElement(NSXMLParser& /*parser*/, std::string_view didEndElement,
                            std::optional<std::string_view> /*namespaceURI*/,
@@ -55,7 +56,7 @@ class EventPrinter final : public NSXMLParserDelegate {
   /// What is left, once the parse is over.
   void finish() {
     tellText();
-    if (session_.options.json) printJson(session_.out, events_);
+    if (session_.options.json) array_.finish();
   }
 
  private:
@@ -76,7 +77,7 @@ class EventPrinter final : public NSXMLParserDelegate {
     if (session_.options.json) {
       Json event = {{"event", std::string(kind)}};
       if (fields.is_object()) event.update(fields);
-      events_.push_back(std::move(event));
+      array_.add(event);
       return;
     }
     session_.out << kind;
@@ -90,30 +91,32 @@ class EventPrinter final : public NSXMLParserDelegate {
   }
 
   Session& session_;
-  Json events_ = Json::array();
+  JsonArrayPrinter array_;
   std::string_view textKind_;
   std::string text_;
 };
 
-std::string messageOf(const std::string& file, const NSError& error) {
+std::string messageOf(const std::string& name, const NSError& error) {
   const auto number = [&](std::string_view key) {
     return error.userInfo()->objectForKey(key).as<NSInteger>();
   };
   const auto line = number(NSXMLParserErrorLineNumberKey);
   const auto column = number(NSXMLParserErrorColumnKey);
-  if (!line || !column) return file + ": " + oneLine(error.localizedDescription());
+  if (!line || !column) return name + ": " + oneLine(error.localizedDescription());
   const auto words = error.userInfo()->objectForKey(NSXMLParserErrorMessageKey).description();
-  return file + ":" + std::to_string(*line) + ":" + std::to_string(*column) + ": " +
+  return name + ":" + std::to_string(*line) + ":" + std::to_string(*column) + ": " +
          oneLine(words) + " (code " + std::to_string(error.code()) + ")";
 }
 
 void printEvents(Session& session, const std::string& file) {
   const auto printer = std::make_shared<EventPrinter>(session);
-  NSXMLParser parser(NSInputStream::initWithFileAtPath(file == "-" ? "/dev/stdin" : file));
+  const bool isInput = file == "-";
+  NSXMLParser parser(NSInputStream::initWithFileAtPath(isInput ? "/dev/stdin" : file));
   parser.setDelegate(printer);
   const bool isParsed = parser.parse();
   printer->finish();
-  if (!isParsed) throw JobFailure(messageOf(file, *parser.parserError()));
+  if (!isParsed && session.out)
+    throw JobFailure(messageOf(isInput ? "standard input" : file, *parser.parserError()));
 }
 
 }  // namespace

@@ -5,6 +5,11 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
+#include <cstdint>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace ORLFoundation::internal::sgml {
 namespace {
@@ -26,6 +31,24 @@ constexpr std::array<Kind, 256> kindsOfBytes() {
 constexpr std::array<Kind, 256> kKinds = kindsOfBytes();
 
 Kind kindOf(char c) noexcept { return kKinds[static_cast<unsigned char>(c)]; }
+
+#ifdef __SSE2__
+constexpr std::size_t kBlock = 16;
+
+/// A bit for each byte of a block that is not plain.
+std::uint32_t othersIn(const char* bytes) noexcept {
+  const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+  const auto equals = [](__m128i left, char c) { return _mm_cmpeq_epi8(left, _mm_set1_epi8(c)); };
+  // As signed numbers, controls and all beyond ASCII are less than a blank.
+  const __m128i removed =
+      _mm_or_si128(_mm_cmplt_epi8(block, _mm_set1_epi8(' ')), equals(block, '\x7F'));
+  // < and > differ in one bit, the quotation mark and & too.
+  const __m128i brackets = equals(_mm_or_si128(block, _mm_set1_epi8('<' ^ '>')), '>');
+  const __m128i marks = equals(_mm_or_si128(block, _mm_set1_epi8('"' ^ '&')), '&');
+  const __m128i others = _mm_or_si128(removed, _mm_or_si128(brackets, marks));
+  return static_cast<std::uint32_t>(_mm_movemask_epi8(others));
+}
+#endif
 
 std::string_view entityOf(char c) noexcept {
   switch (c) {
@@ -77,6 +100,11 @@ std::size_t appendCharacter(std::string& result, std::string_view text) {
 
 std::size_t lengthOfPlainText(std::string_view text) noexcept {
   std::size_t end = 0;
+#ifdef __SSE2__
+  for (; end + kBlock <= text.size(); end += kBlock)
+    if (const std::uint32_t others = othersIn(text.data() + end); others != 0)
+      return end + static_cast<std::size_t>(std::countr_zero(others));
+#endif
   while (end < text.size() && kindOf(text[end]) == Kind::kPlain) ++end;
   return end;
 }

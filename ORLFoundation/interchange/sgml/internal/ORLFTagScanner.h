@@ -43,6 +43,18 @@ class ORLFTagScanner {
     if (isHere) ++at_;
     return isHere;
   }
+  /// Passes over an end tag that stands here, told with its marks.
+  void scanEndTag(std::string_view tag) {
+    if (at_ + 1 < text_.size() && text_[at_ + 1] == '/') scan(tag);
+  }
+  /// Passes over a name that stands here with a > behind it.
+  bool scanWholeName(std::string_view name) {
+    const std::size_t end = at_ + name.size();
+    const bool isHere =
+        end < text_.size() && text_[end] == '>' && text_.substr(at_, name.size()) == name;
+    if (isHere) at_ = end;
+    return isHere;
+  }
   /// What stands before the next such character, or before the end.
   std::string_view scanUpTo(char c) {
     if (at_ < text_.size() && text_[at_] == c) return {};
@@ -64,19 +76,24 @@ class ORLFTagScanner {
 };
 
 /// Something for each name of tags. Texts repeat their tags in the same order: the name that came
-/// next last time is tried before any other is looked for.
+/// next last time is tried before any other is read and looked for.
 template <class Value>
 class ORLFTagTable {
  public:
-  /// What a name has, which stays where it is; nil for a name that was not added.
-  Value* find(std::string_view name) {
-    Entry* entry = last_ != nullptr ? last_->next : nullptr;
-    if (entry == nullptr || entry->name != name) {
-      const auto found = entries_.find(name);
-      if (found == entries_.end()) return nullptr;
-      entry = &found->second;
-      if (last_ != nullptr) last_->next = entry;
+  /// Passes over the name of a tag, which is empty where none stands, and gives what it has: nil
+  /// for a name that was not added. What is given stays where it is.
+  Value* scanName(ORLFTagScanner& scanner, std::string_view& name) {
+    Entry* const next = last_ != nullptr ? last_->next : nullptr;
+    if (next != nullptr && scanner.scanWholeName(next->name)) {
+      last_ = next;
+      name = next->name;
+      return &next->value;
     }
+    name = scanner.scanUpToEndOfName();
+    const auto found = entries_.find(name);
+    if (found == entries_.end()) return nullptr;
+    Entry* const entry = &found->second;
+    if (last_ != nullptr) last_->next = entry;
     last_ = entry;
     return &entry->value;
   }

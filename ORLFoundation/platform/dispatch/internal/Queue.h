@@ -24,6 +24,9 @@ class Queue : public std::enable_shared_from_this<Queue> {
   virtual void async(dispatch_block_t block) = 0;
   virtual void after(std::int64_t due, dispatch_block_t block);
   virtual void run(void (*call)(void*), void* argument) = 0;
+  /// Whether the calling thread got the queue for itself, without waiting; it gives it back.
+  [[nodiscard]] virtual bool tryTake() { return false; }
+  virtual void giveBack() {}
 
  private:
   const std::string label_;
@@ -38,6 +41,8 @@ class SerialQueue final : public Queue {
 
   void async(dispatch_block_t block) override;
   void run(void (*call)(void*), void* argument) override;
+  [[nodiscard]] bool tryTake() override;
+  void giveBack() override;
 
  private:
   struct Waiter;
@@ -76,6 +81,8 @@ class ConcurrentQueue final : public Queue {
 
   void async(dispatch_block_t block) override;
   void run(void (*call)(void*), void* argument) override;
+  /// There is room for everybody.
+  [[nodiscard]] bool tryTake() override { return true; }
 
  private:
   WorkerPool& pool_;

@@ -37,17 +37,9 @@ struct SerialQueue::Waiter {
 class SerialQueue::Owned {
  public:
   explicit Owned(SerialQueue& queue) : queue_(queue) {
-    std::uint32_t idle = 0;
-    if (!queue_.state_.compare_exchange_strong(idle, kBusy, std::memory_order_acquire,
-                                               std::memory_order_relaxed))
-      queue_.waitForTurn();
+    if (!queue_.tryTake()) queue_.waitForTurn();
   }
-  ~Owned() {
-    std::uint32_t alone = kBusy;
-    if (!queue_.state_.compare_exchange_strong(alone, 0, std::memory_order_release,
-                                               std::memory_order_relaxed))
-      queue_.handOn();
-  }
+  ~Owned() { queue_.giveBack(); }
   Owned(const Owned&) = delete;
   Owned& operator=(const Owned&) = delete;
 
@@ -66,6 +58,19 @@ void SerialQueue::run(void (*call)(void*), void* argument) {
   const Owned owned(*this);
   const InQueue inside(this);
   call(argument);
+}
+
+bool SerialQueue::tryTake() {
+  std::uint32_t idle = 0;
+  return state_.compare_exchange_strong(idle, kBusy, std::memory_order_acquire,
+                                        std::memory_order_relaxed);
+}
+
+void SerialQueue::giveBack() {
+  std::uint32_t alone = kBusy;
+  if (!state_.compare_exchange_strong(alone, 0, std::memory_order_release,
+                                      std::memory_order_relaxed))
+    handOn();
 }
 
 void SerialQueue::async(dispatch_block_t block) {

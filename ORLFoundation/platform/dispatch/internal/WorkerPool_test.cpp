@@ -14,6 +14,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
+#include <iostream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -238,15 +239,23 @@ TEST(WorkerPool, BeginsNothingWhenItHasStopped) {
   }
   for (const auto& queue : {serial, global, dispatch_get_main_queue()})
     dispatch_after(dispatch_time(DISPATCH_TIME_NOW, 50'000'000'000), queue, [never] {});
+  std::cerr << realNow() << std::endl;
   std::exit(0);
 }
 
 TEST(WorkerPoolDeathTest, TheProcessEndsAtOnceWithWorkLeft) {
   testing::GTEST_FLAG(death_test_style) = "threadsafe";
-  const auto start = steady_clock::now();
-  EXPECT_EXIT(endWithWork(), testing::ExitedWithCode(0), "");
-  // The child's start included.
-  EXPECT_LT(steady_clock::now() - start, std::chrono::seconds(5));
+  // Processes end slowly on a busy machine: the best of some attempts counts.
+  const auto limit = static_cast<std::int64_t>(100e6 * orlftest::kSlowdown);
+  std::int64_t best = kNever;
+  for (int i = 0; i < 5 && best > limit; ++i) {
+    EXPECT_EXIT(endWithWork(), testing::ExitedWithCode(0),
+                testing::Truly([&](const std::string& said) {
+                  best = std::min<std::int64_t>(best, realNow() - std::stoll(said));
+                  return true;
+                }));
+  }
+  EXPECT_LE(best, limit);
 }
 
 TEST(Keeper, EndsItsThreadWhenThereIsNothingToMind) {

@@ -54,6 +54,10 @@ std::uint64_t NodeUser::flagsSinceLook() {
   const std::uint32_t mask = std::exchange(events, 0);
   const bool isCompared = std::exchange(hasLostEvents, false);
   isTouched = false;
+  if (isWriteAlone(mask) && !isCompared) {
+    state.seen = state.changed;  // older than what it tells: lost events count as a write
+    return (flags | kNodeWrite) & request.flags;
+  }
   const std::optional<NodeState> now = stateOfDescriptor(request.descriptor);
   if (now) {
     const HeldName held(*this);
@@ -63,6 +67,11 @@ std::uint64_t NodeUser::flagsSinceLook() {
     state = *now;
   }
   return flags & request.flags;
+}
+
+/// Whether all is known without a look, as it is with most events.
+bool NodeUser::isWriteAlone(std::uint32_t mask) const noexcept {
+  return mask == IN_MODIFY && (request.flags & kNodeExtend) == 0;
 }
 
 std::uint64_t NodeUser::flagsLost(const NodeState& now, const NodeName& held) {

@@ -5,7 +5,6 @@
 #include <ORLFoundation/platform/events/internal/NodeState.h>
 #include <ORLFoundation/platform/events/internal/SettledTracker.h>
 
-#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -14,7 +13,7 @@
 
 namespace ORLFoundation::internal::events {
 
-/// Belongs to the watcher and its locks, but for `isEnded`.
+/// Belongs to the watcher and its locks.
 struct NodeUser {
   explicit NodeUser(NodeRequest asked) : request(std::move(asked)) {}
 
@@ -48,9 +47,10 @@ struct NodeUser {
   /// What is to be reported.
   std::uint64_t due = 0;
 
-  std::atomic<bool> isEnded{false};
+  bool isEnded = false;
 
  private:
+  [[nodiscard]] bool isWriteAlone(std::uint32_t mask) const noexcept;
   /// After lost events a write counts as closed: its close may be among them.
   [[nodiscard]] std::uint64_t flagsLost(const NodeState& now, const NodeName& held);
 

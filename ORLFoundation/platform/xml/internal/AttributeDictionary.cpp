@@ -15,7 +15,8 @@ void AttributeDictionary::add(std::string_view prefix, std::string_view localNam
                               std::string_view value) {
   Attribute added;
   added.name = text_.size();
-  text_.append(prefix).append(localName);
+  if (!prefix.empty()) text_.append(prefix).push_back(':');
+  text_.append(localName);
   added.value = text_.size();
   text_.append(value);
   added.end = text_.size();
@@ -25,8 +26,8 @@ void AttributeDictionary::add(std::string_view prefix, std::string_view localNam
 bool AttributeDictionary::has(std::string_view prefix, std::string_view localName) const noexcept {
   return std::ranges::any_of(attributes_, [&](const Attribute& attribute) {
     const std::string_view name = nameOf(attribute);
-    return name.size() == prefix.size() + localName.size() && name.starts_with(prefix) &&
-           name.ends_with(localName);
+    return name.size() == prefix.size() + 1 + localName.size() && name.starts_with(prefix) &&
+           name[prefix.size()] == ':' && name.ends_with(localName);
   });
 }
 

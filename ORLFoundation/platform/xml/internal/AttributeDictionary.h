@@ -16,8 +16,9 @@ class AttributeDictionary final : public NSDictionary {
  public:
   /// Only while no one else holds the dictionary. The names must differ.
   void clear() noexcept;
-  /// The name comes in two parts, a prefix with its colon, or nothing, and the rest.
+  /// The prefix is empty for a name without one, which then is the local name.
   void add(std::string_view prefix, std::string_view localName, std::string_view value);
+  /// Of a name with a prefix.
   [[nodiscard]] bool has(std::string_view prefix, std::string_view localName) const noexcept;
 
   [[nodiscard]] NSUInteger count() const noexcept override { return attributes_.size(); }

@@ -1,31 +1,35 @@
 #include <ORLFoundation/platform/xml/internal/PushParser.h>
 
 #include <ORLFoundation/platform/xml/NSXMLParser.h>
-#include <ORLFoundation/platform/xml/internal/AttributeDictionary.h>
-#include <ORLFoundation/platform/xml/internal/LineEndKeeper.h>
+#include <ORLFoundation/platform/xml/internal/AttributeCounter.h>
+#include <ORLFoundation/platform/xml/internal/ElementDeclarations.h>
+#include <ORLFoundation/platform/xml/internal/ExpansionBudget.h>
+#include <ORLFoundation/platform/xml/internal/OpenElements.h>
+#include <ORLFoundation/platform/xml/internal/PieceKeeper.h>
+#include <ORLFoundation/platform/xml/internal/PushContext.h>
 #include <ORLFoundation/platform/xml/internal/QuietThread.h>
+#include <ORLFoundation/platform/xml/internal/QuotedLineEnds.h>
+#include <ORLFoundation/platform/xml/internal/TagAttributes.h>
+#include <ORLFoundation/platform/xml/internal/UnfinishedTag.h>
 #include <libxml/SAX2.h>
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cstddef>
 #include <exception>
-#include <mutex>
-#include <new>
-#include <set>
 #include <utility>
-#include <vector>
 
 namespace ORLFoundation::internal::xml {
 namespace {
 
+constexpr std::string_view kStartOfDeclarations = "<!DOCTYPE";
 constexpr std::string_view kBlanks = " \t\r\n";
-/// What libxml2 is given at a time: an abort is heeded after so much at most.
-constexpr std::size_t kPiece = 65'536;
-/// What a reference costs beside the text that takes its place, so that empty entities end too.
-constexpr NSUInteger kReferenceCost = 16;
+/// What libxml2 is given at a time.
+constexpr std::size_t kPiece = 32'768;
+/// With each piece libxml2 looks through all of a tag or a declaration that has not come to its
+/// end. The next piece of such a one is at least this part of it, so that few are needed.
+constexpr std::size_t kLeastPartOfUnfinished = 8;
 
 std::string_view viewOf(const xmlChar* text) noexcept {
   return text == nullptr ? std::string_view() : reinterpret_cast<const char*>(text);
@@ -34,53 +38,32 @@ std::string_view viewOf(const xmlChar* begin, const xmlChar* end) noexcept {
   return {reinterpret_cast<const char*>(begin), static_cast<std::size_t>(end - begin)};
 }
 
-struct FreeContext {
-  void operator()(xmlParserCtxt* context) const noexcept {
-    xmlFreeDoc(context->myDoc);  // it holds the document's declarations
-    context->myDoc = nullptr;
-    xmlFreeParserCtxt(context);
-  }
-};
-
-const std::shared_ptr<NSDictionary>& noAttributes() {
-  static const std::shared_ptr<NSDictionary> none = std::make_shared<AttributeDictionary>();
-  return none;
-}
-
 }  // namespace
 
 /// What the callbacks see. Entities' texts are read by parsers that libxml2 makes for them, with
 /// the same callbacks and this same session.
 class PushParser::Session {
  public:
-  Session(EventSink& sink, const NSXMLParserLimits& limits) : sink_(sink), limits_(limits) {
-    static std::once_flag initialized;
-    std::call_once(initialized, xmlInitParser);
-    xmlSAXHandler handler = handlers();
-    context_.reset(xmlCreatePushParserCtxt(&handler, this, nullptr, 0, nullptr));
-    if (!context_) throw std::bad_alloc();
-    // The limits of libxml2's own cannot be chosen, so they are lifted for those here.
-    xmlCtxtUseOptions(context_.get(), XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_NOWARNING);
-    xmlDictSetLimit(context_->dict, limits_.namesLength);
-    // For attributes' values. Of external entities, the option to load them stays off.
-    context_->replaceEntities = 1;
-  }
+  Session(EventSink& sink, const NSXMLParserLimits& limits)
+      : sink_(sink),
+        limits_(limits),
+        expansion_(limits.entityExpansion),
+        context_(makePushContext(handlers(), this, limits)) {}
 
   bool push(std::span<const std::uint8_t> bytes) {
-    if (isBehindDocument_ && !std::ranges::all_of(bytes, isZero)) stopBehindDocument();
     while (!bytes.empty() && !isOver_) {
       const auto piece = bytes.first(std::min(bytes.size(), kPiece));
-      feed(lineEnds_.completed(piece), false);
+      feed(pieces_.completed(piece, unfinished().size() / kLeastPartOfUnfinished), false);
       bytes = bytes.subspan(piece.size());
-      const auto waiting = context_->input->end - context_->input->cur;
-      if (!isOver_ && static_cast<NSUInteger>(waiting) > limits_.textLength)
-        stop(NSXMLParserInternalError, "A piece of markup or text is too long.");
+      if (!isOver_) boundUnfinishedMarkup();
     }
+    if (isBehindDocument_ && !areZeros(bytes)) stopBehindDocument();
     return isBehindDocument_ ? !fault_ : !isOver_;
   }
 
   bool finish() {
-    if (!isOver_) feed(lineEnds_.kept(), false);
+    if (isBehindDocument_ && !areZeros(pieces_.kept())) stopBehindDocument();
+    if (!isOver_) feed(pieces_.kept(), false);
     if (!isOver_) feed({}, true);
     return !fault_;
   }
@@ -105,7 +88,9 @@ class PushParser::Session {
 
  private:
   static xmlSAXHandler handlers();
-  static bool isZero(std::uint8_t byte) noexcept { return byte == 0; }
+  static bool areZeros(std::span<const std::uint8_t> bytes) noexcept {
+    return std::ranges::all_of(bytes, [](std::uint8_t byte) { return byte == 0; });
+  }
   static Session& of(void* data) noexcept { return *static_cast<Session*>(data); }
 
   /// The document's own, though a parameter entity is being read.
@@ -113,12 +98,13 @@ class PushParser::Session {
     return *(context_->inputNr > 0 ? context_->inputTab[0] : context_->input);
   }
 
-  /// libxml2 goes on to the end of the piece that it was given; its place must be read before.
+  /// The place must be read before: libxml2 may go on for a while.
   void end() noexcept {
     line_ = line();
     column_ = column();
     isOver_ = true;
     context_->disableSAX = 1;
+    if (context_->errNo == XML_ERR_OK) context_->errNo = XML_ERR_USER_STOP;  // else it goes on
   }
 
   /// Runs a step inside of libxml2's frames; null where nothing more is wanted.
@@ -142,16 +128,48 @@ class PushParser::Session {
                     static_cast<int>(bytes.size()), isLast ? 1 : 0);
     }
     if (thrown_) std::rethrow_exception(std::exchange(thrown_, nullptr));
-    // Bytes that cannot be converted halt the parser without a fault of the document.
-    if (!isOver_ && !isLast && context_->disableSAX != 0)
-      stop(NSXMLParserInvalidEncodingError, "The bytes do not fit the document's encoding.");
     if (!isOver_ && isLast && context_->wellFormed == 0)
       stop(context_->errNo, "The document is not well-formed.");
+    // Bytes that cannot be converted halt the parser, or stay behind, without a fault.
+    if (!isOver_ && (context_->disableSAX != 0 || (isLast && !areZeros(unconverted()))))
+      stop(NSXMLParserInvalidEncodingError, "The bytes do not fit the document's encoding.");
+  }
+
+  /// What libxml2 has taken of the document and not made characters of.
+  [[nodiscard]] std::span<const std::uint8_t> unconverted() const noexcept {
+    const xmlParserInputBuffer* const buffer = documentInput().buf;
+    if (buffer == nullptr || buffer->raw == nullptr) return {};
+    return {xmlBufContent(buffer->raw), xmlBufUse(buffer->raw)};
+  }
+
+  /// What has come of a tag, a text or a declaration that goes on in the next piece.
+  void boundUnfinishedMarkup() {
+    const std::string_view markup = unfinished();
+    const bool isTag = context_->instate == XML_PARSER_START_TAG;
+    const bool isDTD =
+        context_->instate == XML_PARSER_DTD || markup.starts_with(kStartOfDeclarations);
+    if (markup.size() > (isDTD ? limits_.declarationsLength : limits_.textLength))
+      stop(NSXMLParserInternalError, "A piece of markup or text is too long.");
+    else if (isTag && unfinishedTag_.attributes(markup, place()) > limits_.attributeCount)
+      stopForAttributes();
+  }
+  [[nodiscard]] std::string_view unfinished() const noexcept {
+    return viewOf(context_->input->cur, context_->input->end);
+  }
+  [[nodiscard]] NSUInteger place() const noexcept {
+    const xmlParserInput& input = *context_->input;
+    return input.consumed + static_cast<NSUInteger>(input.cur - input.base);
   }
 
   // Declarations.
   void declareElement(const xmlChar* name, int type) {
-    if (type == XML_ELEMENT_TYPE_ELEMENT) elementOnly_.emplace(viewOf(name));
+    if (type == XML_ELEMENT_TYPE_ELEMENT) declarations_.addThatHoldsElementsAlone(viewOf(name));
+  }
+  void declareAttribute(const xmlChar* element, const xmlChar* defaultValue) {
+    if (defaultValue == nullptr) return;
+    const auto& defaults =
+        declarations_.addDefaultAttribute(viewOf(element), viewOf(defaultValue).size());
+    if (defaults.count > limits_.attributeCount) stopForAttributes();
   }
   void declareEntity(const xmlChar* name, int type, const xmlChar* publicId,
                      const xmlChar* systemId, xmlChar* content) {
@@ -182,77 +200,79 @@ class PushParser::Session {
   }
   xmlEntityPtr charged(xmlEntityPtr found) {
     if (found == nullptr) return nullptr;
-    const NSUInteger cost = static_cast<NSUInteger>(std::max(found->length, 0)) + kReferenceCost;
-    if (cost > limits_.entityExpansion - expansion_) {
-      stop(NSXMLParserEntityRefLoopError, "The document's entities expand too far.");
-      return nullptr;
-    }
-    expansion_ += cost;
-    return found;
+    const std::string_view text = viewOf(found->content);
+    AttributeCounter counter;
+    counter.read(text);
+    if (counter.most() > limits_.attributeCount)
+      stopForAttributes();
+    else if (!expansion_.takeEntity(text, declarations_.mostDefaults()))
+      stopForExpansion();
+    return isOver_ ? nullptr : found;
+  }
+  xmlEntityPtr parameterEntity(const xmlChar* name) {
+    const xmlEntityPtr found = xmlGetParameterEntity(context_->myDoc, name);
+    if (found != nullptr && !expansion_.takeDeclarations(viewOf(found->content)))
+      stopForExpansion();
+    return isOver_ ? nullptr : found;
+  }
+  void stopForExpansion() {
+    stop(NSXMLParserEntityRefLoopError, "The document's entities expand too far.");
   }
 
   // Content.
-  void startElement(const xmlChar* localName, const xmlChar* prefix, std::size_t namespaceCount,
-                    const xmlChar** namespaces, std::size_t attributeCount,
-                    const xmlChar** attributes) {
-    if (depth_ >= limits_.elementDepth)
+  struct Tag {
+    std::string_view name;
+    TagAttributes::Texts namespaces;
+    TagAttributes::Texts attributes;
+    std::size_t defaultCount;  // of the attributes, the last ones
+  };
+  void startElement(const Tag& tag) {
+    if (open_.count() >= limits_.elementDepth)
       return stop(NSXMLParserInternalError, "The elements are nested too deep.");
-    ++depth_;
-    const std::string_view name = joinedName(prefix, localName);
-    if (!elementOnly_.empty()) openIsElementOnly_.push_back(elementOnly_.contains(name));
+    if (!isWithinLimits(tag)) return;
+    open_.open(tag.namespaces.size() / TagAttributes::kTextsOfANamespace,
+               declarations_.holdsElementsAlone(tag.name));
     beginText();
-    if (namespaceCount + attributeCount + emptyPrefixes_.size() == 0)
-      return sink_.startElement(name, noAttributes());
-    renewAttributes();
-    takeNamespaces({namespaces, 2 * namespaceCount});
-    if (takeAttributes({attributes, 5 * attributeCount})) sink_.startElement(name, attributes_);
+    const auto& attributes = attributes_.dictionary(tag.namespaces, tag.attributes);
+    if (attributes == nullptr)
+      return stop(XML_ERR_ATTRIBUTE_REDEFINED, "A prefix is declared twice in one tag.");
+    sink_.startElement(tag.name, attributes);
+  }
+  bool isWithinLimits(const Tag& tag) {
+    const std::size_t namespaces = tag.namespaces.size() / TagAttributes::kTextsOfANamespace;
+    const std::size_t attributes = tag.attributes.size() / TagAttributes::kTextsOfAnAttribute;
+    if (attributes + attributes_.emptyPrefixCount() + namespaces + open_.namespaces() >
+        limits_.attributeCount) {
+      stopForAttributes();
+      return false;
+    }
+    if (TagAttributes::longestValue(tag.attributes) > limits_.textLength)
+      stop(NSXMLParserInternalError, "The value of an attribute is too long.");
+    else if (!expansion_.takeDefaults(TagAttributes::defaultsOf(tag.attributes, tag.defaultCount)))
+      stopForExpansion();
+    return !isOver_;
+  }
+  void stopForAttributes() {
+    stop(NSXMLParserInternalError, "An element has too many attributes.");
   }
 
-  /// Takes the dictionary of the element before, unless somebody kept it.
-  void renewAttributes() {
-    if (attributes_ == nullptr || attributes_.use_count() > 1) {
-      auto fresh = std::make_shared<AttributeDictionary>();
-      fields_ = fresh.get();
-      attributes_ = std::move(fresh);
-    }
-    // Whoever let go of it last, on another thread perhaps, is done with it.
-    std::atomic_thread_fence(std::memory_order_acquire);
-    fields_->clear();
-  }
-
-  void takeNamespaces(std::span<const xmlChar*> pairs) {
-    for (std::size_t at = 0; at < pairs.size(); at += 2) {
-      const bool isDefault = pairs[at] == nullptr;
-      fields_->add(isDefault ? "xmlns" : "xmlns:", viewOf(pairs[at]), viewOf(pairs[at + 1]));
-    }
-    for (const std::string& prefix : emptyPrefixes_)
-      if (!fields_->has("xmlns:", prefix)) fields_->add("xmlns:", prefix, "");
-    emptyPrefixes_.clear();
-  }
-  bool takeAttributes(std::span<const xmlChar*> fields) {
-    for (std::size_t at = 0; at < fields.size(); at += 5) {
-      const std::string_view value = viewOf(fields[at + 3], fields[at + 4]);
-      if (value.size() > limits_.textLength) {
-        stop(NSXMLParserInternalError, "The value of an attribute is too long.");
-        return false;
-      }
-      prefix_.assign(viewOf(fields[at + 1]));
-      if (fields[at + 1] != nullptr) prefix_ += ':';
-      fields_->add(prefix_, viewOf(fields[at]), value);
-    }
-    return true;
-  }
-
-  void endElement(const xmlChar* localName, const xmlChar* prefix) {
-    --depth_;
-    if (!openIsElementOnly_.empty()) openIsElementOnly_.pop_back();
+  void endElement(std::string_view name) {
+    open_.close();
     beginText();
-    sink_.endElement(joinedName(prefix, localName));
+    sink_.endElement(name);
   }
 
   void beginText() noexcept {
     textLength_ = 0;
-    textHasBegun_ = openIsElementOnly_.empty() || !openIsElementOnly_.back();
+    textHasBegun_ = !open_.holdsElementsAlone();
+  }
+  void quotedCharacters(std::string_view text) {
+    // A piece of a section lies in the input right behind the one before; another section does not.
+    const xmlParserInput& input = *context_->input;
+    const auto* const begin = reinterpret_cast<const xmlChar*>(text.data());
+    const bool follows =
+        quotedLineEnds_.isOpen() && begin > input.base && begin <= input.end && begin[-1] == '\r';
+    characters(quotedLineEnds_.told(text, follows), true);
   }
   void characters(std::string_view text, bool isQuoted) {
     textLength_ += text.size();
@@ -291,42 +311,41 @@ class PushParser::Session {
     // A prefix bound to nothing is told as a fault of namespaces in place of the attribute.
     if (error.domain == XML_FROM_NAMESPACE && error.code == XML_NS_ERR_XML_NAMESPACE &&
         error.str1 != nullptr)
-      emptyPrefixes_.emplace_back(error.str1);
+      attributes_.addEmptyPrefix(error.str1);
   }
 
   /// Texts are often handed over with the zero behind them.
   [[nodiscard]] bool onlyZerosRemain() const {
     const xmlParserInput& input = documentInput();
     return context_->instate == XML_PARSER_EPILOG && input.cur < input.end &&
-           std::all_of(input.cur, input.end, isZero);
+           areZeros({input.cur, input.end}) && areZeros(unconverted());
   }
   void stopBehindDocument() {
-    fault_ =
-        Fault{XML_ERR_DOCUMENT_END, line_, column_, "Extra content at the end of the document"};
+    if (!fault_)
+      fault_ =
+          Fault{XML_ERR_DOCUMENT_END, line_, column_, "Extra content at the end of the document"};
   }
 
   EventSink& sink_;
   const NSXMLParserLimits limits_;
-  std::unique_ptr<xmlParserCtxt, FreeContext> context_;
+  ExpansionBudget expansion_;
+  PushContext context_;
   bool isOver_ = false;
   bool isBehindDocument_ = false;  // zeros have come, and may go on
   NSInteger line_ = 0;             // where it was over
   NSInteger column_ = 0;
-  LineEndKeeper lineEnds_;
+  PieceKeeper pieces_;
   std::optional<Fault> fault_;
   std::exception_ptr thrown_;
 
-  std::set<std::string, std::less<>> elementOnly_;  // by the document's DTD
-  std::vector<bool> openIsElementOnly_;  // of the open elements, where the DTD knows any such
-  bool textHasBegun_ = true;             // else blanks here are ignorable
-  NSUInteger depth_ = 0;
+  ElementDeclarations declarations_;
+  OpenElements open_;
+  TagAttributes attributes_;
+  UnfinishedTag unfinishedTag_;
+  QuotedLineEnds quotedLineEnds_;
+  bool textHasBegun_ = true;  // else blanks here are ignorable
   NSUInteger textLength_ = 0;
-  NSUInteger expansion_ = 0;
   std::string name_;
-  std::string prefix_;
-  std::vector<std::string> emptyPrefixes_;  // of the tag that is being read
-  std::shared_ptr<NSDictionary> attributes_;
-  AttributeDictionary* fields_ = nullptr;  // the same
 };
 
 xmlSAXHandler PushParser::Session::handlers() {
@@ -347,6 +366,11 @@ xmlSAXHandler PushParser::Session::handlers() {
   handler.elementDecl = [](void* data, const xmlChar* name, int type, xmlElementContentPtr) {
     run(data, [&](Session& session) { session.declareElement(name, type); });
   };
+  handler.attributeDecl = [](void* data, const xmlChar* element, const xmlChar*, int, int,
+                             const xmlChar* defaultValue, xmlEnumerationPtr values) {
+    xmlFreeEnumeration(values);
+    run(data, [&](Session& session) { session.declareAttribute(element, defaultValue); });
+  };
   handler.entityDecl = [](void* data, const xmlChar* name, int type, const xmlChar* publicId,
                           const xmlChar* systemId, xmlChar* content) {
     run(data,
@@ -359,22 +383,24 @@ xmlSAXHandler PushParser::Session::handlers() {
   };
   handler.getParameterEntity = [](void* data, const xmlChar* name) {
     xmlEntityPtr found = nullptr;
-    run(data, [&](Session& session) {
-      found = session.charged(xmlGetParameterEntity(session.context_->myDoc, name));
-    });
+    run(data, [&](Session& session) { found = session.parameterEntity(name); });
     return found;
   };
   handler.startElementNs = [](void* data, const xmlChar* localName, const xmlChar* prefix,
                               const xmlChar*, int namespaceCount, const xmlChar** namespaces,
-                              int attributeCount, int, const xmlChar** attributes) {
+                              int attributeCount, int defaultCount, const xmlChar** attributes) {
     run(data, [&](Session& session) {
-      session.startElement(localName, prefix, static_cast<std::size_t>(namespaceCount), namespaces,
-                           static_cast<std::size_t>(attributeCount), attributes);
+      session.startElement({session.joinedName(prefix, localName),
+                            {namespaces, TagAttributes::kTextsOfANamespace *
+                                             static_cast<std::size_t>(namespaceCount)},
+                            {attributes, TagAttributes::kTextsOfAnAttribute *
+                                             static_cast<std::size_t>(attributeCount)},
+                            static_cast<std::size_t>(defaultCount)});
     });
   };
   handler.endElementNs = [](void* data, const xmlChar* localName, const xmlChar* prefix,
                             const xmlChar*) {
-    run(data, [&](Session& session) { session.endElement(localName, prefix); });
+    run(data, [&](Session& session) { session.endElement(session.joinedName(prefix, localName)); });
   };
   // One function for both: libxml2 then does not guess which blanks can be ignored.
   handler.characters = handler.ignorableWhitespace = [](void* data, const xmlChar* text,
@@ -382,7 +408,7 @@ xmlSAXHandler PushParser::Session::handlers() {
     run(data, [&](Session& session) { session.characters(viewOf(text, text + length), false); });
   };
   handler.cdataBlock = [](void* data, const xmlChar* text, int length) {
-    run(data, [&](Session& session) { session.characters(viewOf(text, text + length), true); });
+    run(data, [&](Session& session) { session.quotedCharacters(viewOf(text, text + length)); });
   };
   // Its parameter is constant in newer releases.
   handler.serror = [](void* data, auto error) {

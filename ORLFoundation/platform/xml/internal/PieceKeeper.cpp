@@ -1,4 +1,4 @@
-#include <ORLFoundation/platform/xml/internal/LineEndKeeper.h>
+#include <ORLFoundation/platform/xml/internal/PieceKeeper.h>
 
 #include <algorithm>
 #include <utility>
@@ -11,7 +11,12 @@ constexpr std::size_t kLongestLineEnd = 8;
 
 }  // namespace
 
-std::span<const std::uint8_t> LineEndKeeper::completed(std::span<const std::uint8_t> piece) {
+std::span<const std::uint8_t> PieceKeeper::completed(std::span<const std::uint8_t> piece,
+                                                     std::size_t least) {
+  if (kept_.size() + piece.size() < least) {
+    kept_.insert(kept_.end(), piece.begin(), piece.end());
+    return {};
+  }
   joined_.clear();
   if (!kept_.empty()) {
     std::swap(joined_, kept_);
@@ -24,7 +29,7 @@ std::span<const std::uint8_t> LineEndKeeper::completed(std::span<const std::uint
 }
 
 /// How many of the last bytes are a carriage return with zeros and line feeds alone behind it.
-std::size_t LineEndKeeper::lengthOfLineEnd(std::span<const std::uint8_t> bytes) noexcept {
+std::size_t PieceKeeper::lengthOfLineEnd(std::span<const std::uint8_t> bytes) noexcept {
   const std::size_t most = std::min(bytes.size(), kLongestLineEnd);
   for (std::size_t length = 1; length <= most; ++length) {
     const std::uint8_t byte = bytes[bytes.size() - length];
