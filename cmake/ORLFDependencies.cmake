@@ -6,6 +6,8 @@ find_package(Threads REQUIRED)
 find_package(ICU 72 REQUIRED COMPONENTS uc i18n)        # ICU::uc ICU::i18n
 find_package(Boost 1.74 REQUIRED)                       # Boost::headers
 find_package(CCTZ REQUIRED)                             # CCTZ::cctz
+find_package(OpenSSL 3.0 REQUIRED COMPONENTS Crypto)    # OpenSSL::Crypto
+find_package(ZLIB 1.2 REQUIRED)                         # ZLIB::ZLIB
 find_package(LibXml2 2.9 REQUIRED)                      # LibXml2::LibXml2
 find_package(SQLite3 3.37 REQUIRED)                     # SQLite::SQLite3
 find_package(nlohmann_json 3.11 REQUIRED)               # nlohmann_json::nlohmann_json
@@ -28,4 +30,5 @@ if(ORLF_BUILD_BENCHMARKS)
   find_package(benchmark REQUIRED)                      # benchmark::benchmark
   find_package(date REQUIRED)                           # date::date-tz, a peer
   pkg_check_modules(LIBICAL REQUIRED IMPORTED_TARGET libical)  # PkgConfig::LIBICAL, a peer
+  pkg_check_modules(NETTLE REQUIRED IMPORTED_TARGET nettle)    # PkgConfig::NETTLE, a peer
 endif()

@@ -81,4 +81,15 @@ sed -n '1,14p' "$output/walk.txt"
 echo '...'
 tail -n 2 "$output/walk.txt"
 
+say "A file watched over an atomic save: a new file is written beside it and renamed to its name"
+printf 'old\n' >"$output/watched.txt"
+"$orlf" watch "$output/watched.txt" --once >"$output/watch.txt" &
+watcher=$!
+until grep -q started "$output/watch.txt"; do sleep 0.05; done
+printf 'new\n' >"$output/watched.txt.new"
+mv "$output/watched.txt.new" "$output/watched.txt"
+wait "$watcher"
+printf '$ orlf watch watched.txt --once &\n$ mv watched.txt.new watched.txt\n'
+cat "$output/watch.txt"
+
 printf '\nThe chart is in %s, the process in %s\n' "$output/mortgage.svg" "$output/loan_application.dot"

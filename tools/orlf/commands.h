@@ -69,5 +69,7 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareXmlEventsCommand(Options& options);
 /// `orlf process`  Checks, draws and walks a process definition.
 [[nodiscard]] Job declareProcessCommand(Options& options);
+/// `orlf watch`  What happens to a file, or to the names in a directory.
+[[nodiscard]] Job declareWatchCommand(Options& options);
 
 }  // namespace orlftool

@@ -56,6 +56,7 @@ constexpr std::array kCommands{
     Command{"xml-unescape", &declareXmlUnescapeCommand, Length::mayBeLong},
     Command{"xml-events", &declareXmlEventsCommand, Length::mayBeLong},
     Command{"process", &declareProcessCommand},
+    Command{"watch", &declareWatchCommand},
     Command{"template-image", &declareTemplateImageCommand, Length::mayBeLong},
 };
 

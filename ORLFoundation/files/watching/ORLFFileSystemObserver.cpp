@@ -45,12 +45,11 @@ NSInteger ORLFFileSystemObserver::eventForVNodeFlag(std::uint64_t flag) noexcept
   return ORLFFileSystemEventNone;
 }
 
-ORLFFileSystemObserver::ORLFFileSystemObserver(NSURL url, dispatch_queue_t queue,
+ORLFFileSystemObserver::ORLFFileSystemObserver(NSURL url, const dispatch_queue_t& queue,
                                                EventHandler handler)
     : url_(std::move(url)),
       eventHandler_(std::move(handler)),
-      eventQueue_(queue ? std::move(queue)
-                        : dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0)) {}
+      eventQueue_(queue ? queue : dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0)) {}
 
 ORLFFileSystemObserver::~ORLFFileSystemObserver() {
   if (dispatchSource_) dispatch_source_cancel(dispatchSource_);

@@ -59,7 +59,7 @@ class ORLFFileSystemObserver : public NSObject {
   /// `initWithURL:queue:handler:`  An idle observer. A queue that is nil is the global one of
   /// default priority: its blocks run side by side, so that event 1 may come after the first others
   /// there.
-  ORLFFileSystemObserver(NSURL url, dispatch_queue_t queue, EventHandler handler);
+  ORLFFileSystemObserver(NSURL url, const dispatch_queue_t& queue, EventHandler handler);
   ~ORLFFileSystemObserver() override;
 
   /// `eventForVNodeFlag:`  The event of a word of flags: deletion before renaming before revocation

@@ -1,6 +1,7 @@
 #include <ORLFoundation/files/watching/ORLFFileSystemObserver_testing.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <tests/support/ProcessorTime.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -109,7 +110,7 @@ fs::path quickFolder(const fs::path& other) {
 
 /// Many sequences side by side, so that none waits for the other's events.
 TEST_F(FileSystemObserverLaws, LastEventFollowsTheLastChange) {
-  constexpr unsigned kSequences = 10'000;
+  constexpr unsigned kSequences = orlftest::kSlowdown > 1 ? 1000 : 10'000;
   constexpr unsigned kAtATime = 100;
   const fs::path folder = quickFolder(folder_);
   for (unsigned seed = 0; seed < kSequences; seed += kAtATime) {

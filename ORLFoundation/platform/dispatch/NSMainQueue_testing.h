@@ -30,6 +30,10 @@ class VirtualMainLoop {
     while (ORLFoundation::pumpMainQueue(0)) {
     }
   }
+  /// Runs the items of the main queue alone, whatever is due.
+  void runItems() {
+    static_cast<void>(loop().runItems(ORLFoundation::internal::dispatch::kDefaultMode));
+  }
   /// Goes on from instant to instant at which something is due, and runs it there, until so many
   /// nanoseconds have passed.
   void advance(std::int64_t nanoseconds) {

@@ -135,9 +135,10 @@ void ConcurrentQueue::run(void (*call)(void*), void* argument) {
 }
 
 void runOnQueue(const dispatch_queue_t& queue, void (*call)(void*), void* argument) {
-  const dispatch_queue_t held = queue;
-  if (!held) ORLFFatalError("work for a queue that is nil", __FILE__, __LINE__);
-  held->run(call, argument);
+  if (!queue) ORLFFatalError("work for a queue that is nil", __FILE__, __LINE__);
+  Queue& entered = *queue;  // The caller's pointer may change meanwhile.
+  const std::shared_ptr<Queue> held = entered.weak_from_this().lock();
+  entered.run(call, argument);
 }
 
 }  // namespace internal::dispatch

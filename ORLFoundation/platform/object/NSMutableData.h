@@ -28,6 +28,8 @@ class NSMutableData : public NSObject {
   [[nodiscard]] std::span<const std::uint8_t> bytes() const noexcept {
     return {space_.get(), length_};
   }
+  /// The same, to be written to.
+  [[nodiscard]] std::span<std::uint8_t> mutableBytes() noexcept { return {space_.get(), length_}; }
   /// The same bytes as text; nothing is checked or decoded. Valid until the next change.
   [[nodiscard]] std::string_view text() const noexcept {
     return {reinterpret_cast<const char*>(space_.get()), length_};

@@ -4,6 +4,7 @@
 #include <ORLFoundation/platform/dispatch/NSThread.h>
 #include <ORLFoundation/platform/dispatch/dispatch_queue.h>
 #include <ORLFoundation/platform/dispatch/dispatch_semaphore.h>
+#include <ORLFoundation/platform/operation/NSOperation_testing.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 
@@ -18,11 +19,8 @@
 namespace ORLFoundation {
 namespace {
 
+using orlftest::blockOperation;
 using Operations = NSOperationQueue::Operations;
-
-std::shared_ptr<NSBlockOperation> blockOperation(std::function<void()> block = [] {}) {
-  return NSBlockOperation::blockOperationWithBlock(std::move(block));
-}
 
 /// An operation that runs until it is opened.
 struct Gated {

@@ -5,6 +5,7 @@
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/operation/NSBlockOperation.h>
 #include <ORLFoundation/platform/operation/NSOperationQueue.h>
+#include <ORLFoundation/platform/operation/NSOperation_testing.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 
@@ -14,9 +15,7 @@
 namespace ORLFoundation {
 namespace {
 
-std::shared_ptr<NSBlockOperation> blockOperation(std::function<void()> block = [] {}) {
-  return NSBlockOperation::blockOperationWithBlock(std::move(block));
-}
+using orlftest::blockOperation;
 
 std::string reasonOf(const std::function<void()>& raising) {
   try {

@@ -5,6 +5,7 @@
 #include <ORLFoundation/platform/base/Hexadecimal.h>
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace ORLFoundation {
@@ -26,6 +27,20 @@ void appendGroups(std::string& out, std::span<const std::uint8_t> bytes) {
 
 NSData::NSData(std::vector<std::uint8_t> bytes) {
   if (!bytes.empty()) bytes_ = std::make_shared<const std::vector<std::uint8_t>>(std::move(bytes));
+}
+
+NSData NSData::dataWipedAtRelease(std::vector<std::uint8_t> bytes) {
+  // What is only reserved may hold bytes that were cut off.
+  const auto wipe = [](std::vector<std::uint8_t>* held) {
+    held->resize(held->capacity());
+    explicit_bzero(held->data(), held->size());
+    delete held;
+  };
+  NSData data;
+  if (bytes.capacity() > 0)
+    data.bytes_ = std::shared_ptr<std::vector<std::uint8_t>>(
+        new std::vector<std::uint8_t>(std::move(bytes)), wipe);
+  return data;
 }
 
 NSData::NSData(std::span<const std::uint8_t> bytes)

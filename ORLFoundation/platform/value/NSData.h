@@ -23,6 +23,8 @@ class NSData {
   explicit NSData(std::span<const std::uint8_t> bytes);
   /// The bytes of a text as they are, UTF-8.
   explicit NSData(std::string_view text);
+  /// Bytes whose memory is overwritten when the last copy goes: for keys and plain texts.
+  [[nodiscard]] static NSData dataWipedAtRelease(std::vector<std::uint8_t> bytes);
 
   [[nodiscard]] NSUInteger length() const noexcept { return bytes().size(); }
   /// Valid as long as a copy of the data lives.

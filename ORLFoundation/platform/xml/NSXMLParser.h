@@ -44,8 +44,10 @@ struct Fault;
 /// meanings of our own too.
 inline constexpr std::string_view NSXMLParserErrorDomain = "NSXMLParserErrorDomain";
 enum NSXMLParserError : NSInteger {
-  NSXMLParserInternalError = 1,           ///< A limit of depth or size.
-  NSXMLParserEmptyDocumentError = 4,      ///< No element.
+  NSXMLParserInternalError = 1,       ///< A limit of depth or size.
+  NSXMLParserEmptyDocumentError = 4,  ///< No element.
+  NSXMLParserPrematureDocumentEndError =
+      5,                                  ///< An end before that of the elements, or more behind.
   NSXMLParserUndeclaredEntityError = 26,  ///< A reference to an entity that nobody declared.
   NSXMLParserEntityIsExternalError = 29,  ///< A reference to an external entity.
   NSXMLParserInvalidEncodingError = 81,   ///< Bytes that the document's encoding does not know.
@@ -78,8 +80,8 @@ class NSXMLParser : public NSObject {
   /// `NSXMLParserDelegateAbortedParseError` and with the place of this call. At any other time it
   /// does nothing.
   void abortParsing();
-  /// `parserError`  Why the last parse ended early; nil when it did not, and after an exception. A
-  /// stream or a loader that failed gives its own error.
+  /// `parserError`  Why the last parse ended early; nil when it did not, and after an exception
+  /// from an event before that of the error. A stream or a loader that failed gives its own error.
   [[nodiscard]] const std::shared_ptr<const NSError>& parserError() const noexcept {
     return error_;
   }

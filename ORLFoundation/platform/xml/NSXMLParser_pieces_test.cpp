@@ -308,7 +308,7 @@ TEST(NSXMLParserStreams, ThatAreOpenStayOpen) {
 TEST(NSXMLParserStreams, ThatAreMissingAreEmpty) {
   NSXMLParser parser{std::shared_ptr<NSInputStream>()};
   EXPECT_FALSE(parser.parse());
-  EXPECT_EQ(parser.parserError()->code(), 5);
+  EXPECT_EQ(parser.parserError()->code(), NSXMLParserEmptyDocumentError);
 }
 
 TEST(NSXMLParserStreams, TellTheirOwnFailure) {

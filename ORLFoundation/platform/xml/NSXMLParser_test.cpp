@@ -69,6 +69,19 @@ TEST(NSXMLParser, TellsTheErrorInWords) {
             "The entity \"e\" is not declared.");
 }
 
+TEST(NSXMLParser, TellsHowADocumentEndsWrong) {
+  const auto messageOf = [](std::string_view document) {
+    NSXMLParser parser((NSData(document)));
+    EXPECT_FALSE(parser.parse()) << document;
+    return parser.parserError()->userInfo()->objectForKey(NSXMLParserErrorMessageKey).description();
+  };
+  EXPECT_EQ(messageOf(""), "The document holds no element.");
+  EXPECT_EQ(messageOf("<!-- a -->\n"), "The document holds no element.");
+  EXPECT_EQ(messageOf("<a><b></b>"), "The document ends before its elements do.");
+  EXPECT_EQ(messageOf("<a/>x"), "Extra content at the end of the document");
+  EXPECT_EQ(messageOf("<a/><b/>"), "Extra content at the end of the document");
+}
+
 /// Does something at an event of a stated number.
 class AtEvent : public XMLEventLines {
  public:

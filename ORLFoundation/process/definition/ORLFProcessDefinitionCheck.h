@@ -61,8 +61,8 @@ struct ORLFProcessDefinitionFinding {
   /// The beginning of the tag at fault; behind it for an end tag, and where the parser stood for a
   /// file that is not well-formed.
   ORLFProcessDefinitionPlace place;
-  /// In one line, with the step's full identifier where a step of the process is meant. A step of
-  /// the top that stands in several places is told of once, by the first of them.
+  /// With the step's full identifier where a step of the process is meant, long names in part. A
+  /// step of the top that stands in several places is told of once, by the first of them.
   std::string message;
 };
 

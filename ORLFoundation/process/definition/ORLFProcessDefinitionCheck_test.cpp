@@ -2,6 +2,7 @@
 
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilder_testing.h>
 
+#include <chrono>
 #include <cstddef>
 
 namespace ORLFoundation {
@@ -257,6 +258,42 @@ TEST(ORLFProcessDefinitionCheck, AGroupIsReachedThroughResponsesOfSeveralLevels)
                        "<step id='k' firststep='l'><step id='l' firststep='m'><step id='m'/></step>"
                        "</step></step></process>"),
             Lines{});
+}
+
+TEST(ORLFProcessDefinitionCheck, LongNamesAreToldInPart) {
+  const std::string name(300, 'n');
+  const std::string umlauts = "x" + std::string(2, 'y') + [] {
+    std::string text;
+    for (int i = 0; i < 150; ++i) text += "\u00fc";
+    return text;
+  }();
+  const Lines lines = findingsIn(
+      "<process rootstep='r'><step id='r' firststep='g'><step id='g' "
+      "firststep='" +
+      name + "'/><step id='" + umlauts + "' firststep='" + umlauts + "'/></step></process>");
+  ASSERT_EQ(lines.size(), 2U);
+  EXPECT_NE(lines[0].find("\"r.g\" begins with \"" + name.substr(0, 200) + "...\", a"),
+            std::string::npos)
+      << lines[0];
+  EXPECT_NE(lines[1].find("\"..." + umlauts.substr(umlauts.size() - 200) + "\" begins with \"" +
+                          umlauts.substr(0, 199) + "...\", a"),
+            std::string::npos)
+      << lines[1];
+}
+
+TEST(ORLFProcessDefinitionCheck, DeepStepsCostNoMoreThanOthers) {
+  // Each of so many steps has a full identifier of half a megabyte.
+  constexpr int kDepth = 1900;
+  const std::string name(250, 'n');
+  std::string text = "<process rootstep='r'><step id='r' firststep='" + name + "'>";
+  for (int i = 0; i < kDepth; ++i)
+    text += "<step id='" + name + "' firststep='" + name + "'><transition value='a' stepid='" +
+            name + "'/><transition value='b' stepid='x'/>";
+  text += "<step id='" + name + "'/>";
+  for (int i = 0; i < kDepth; ++i) text += "</step>";
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(findingsIn(text + "</step></process>").size(), std::size_t{kDepth});
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
 }
 
 TEST(ORLFProcessDefinitionCheck, ReadsFiles) {

@@ -40,6 +40,8 @@ ORLFProcessStepBuilder::Step ORLFProcessStepBuilder::readStepFromURL(const NSURL
   const auto held = weak_from_this().lock();  // a delegate may let go of the builder
   const auto data = dataWithContentsOfURL(url, NSDataReadingMappedIfSafe, error);
   if (!data) return nullptr;
+  // A file that was left in the middle may have left a record open.
+  setCurrentStepData(nullptr);
   // Not held: the builder outlives the parser, and need not be held by a pointer itself.
   const std::shared_ptr<NSXMLParserDelegate> events(this, [](NSXMLParserDelegate*) {});
   NSXMLParser parser(*data);

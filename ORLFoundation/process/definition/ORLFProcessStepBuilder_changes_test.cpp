@@ -111,6 +111,19 @@ TEST(ORLFProcessStepBuilderChanges, WhatIsThrownLeavesABuilderThatCanBeUsed) {
   EXPECT_NE(reading.read("<process rootstep='z'><step id='z'/></process>"), nullptr);
 }
 
+TEST(ORLFProcessStepBuilderChanges, AFileLeftInTheMiddleLeavesNoRecordForTheNext) {
+  for (const char* broken : {"<process rootstep='r'><step id='r' firststep='s'>",
+                             "<process rootstep='r'><step id='r'><transition/></step></process>"}) {
+    Reading reading;
+    static_cast<void>(reading.reasonOfReading(broken));
+    EXPECT_NE(reading.builder.currentStepData(), nullptr) << broken;
+    const auto root = reading.read("<process rootstep='z'><step id='z'/></process>");
+    ASSERT_NE(root, nullptr) << broken;
+    EXPECT_EQ(root->identifier(), "z");
+    EXPECT_EQ(reading.builder.currentStepData(), nullptr);
+  }
+}
+
 TEST(ORLFProcessStepBuilderChanges, ADelegateMayBeGone) {
   Reading reading;
   auto delegate = std::make_shared<Meddling>([&](ORLFProcessStepBuilder&, const auto&) {});

@@ -4,6 +4,7 @@
 #include <ORLFoundation/platform/dispatch/dispatch_semaphore.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/object/Id.h>
+#include <ORLFoundation/platform/operation/NSOperation_testing.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 
@@ -15,6 +16,7 @@
 namespace ORLFoundation {
 namespace {
 
+using orlftest::blockOperation;
 using Operations = NSOperationQueue::Operations;
 
 /// An operation that runs until it is opened, single-instance under its ID.
@@ -41,10 +43,6 @@ class Gated final : public NSOperation, public ORLFSingleInstanceOperation {
 
 std::shared_ptr<Gated> gated(std::optional<std::string> instance = std::nullopt) {
   return std::make_shared<Gated>(std::move(instance));
-}
-
-std::shared_ptr<NSBlockOperation> blockOperation(std::function<void()> block = [] {}) {
-  return NSBlockOperation::blockOperationWithBlock(std::move(block));
 }
 
 /// An answer that comes on another thread.

@@ -122,7 +122,12 @@ class OperationPlayer {
                           *hasReturned = true;
                         }),
                         hasReturned, false});
-      const auto difference = comeTo(withoutEmpty(states[i]), [this] { return state(); });
+      // A callback reaches its target queue when its operation has finished already.
+      const auto delivered = steps[i][0] == "deliver" ? targets_.at(steps[i][1]) : nullptr;
+      const auto difference = comeTo(withoutEmpty(states[i]), [&] {
+        if (delivered) delivered->deliver();
+        return state();
+      });
       if (!difference.empty()) return "step " + std::to_string(i) + ": " + difference;
       closeStep();
     }

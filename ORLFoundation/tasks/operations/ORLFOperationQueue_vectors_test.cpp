@@ -19,7 +19,7 @@ Json attachedState(const NSOperation& operation) {
           {"orlfIsBarrierOperation", orlfIsBarrierOperation(operation)}};
 }
 
-std::string attached(const Json& in, const Json& out) {
+std::string playAttached(const Json& in, const Json& out) {
   NSOperation operation;
   Json states = {attachedState(operation)};
   for (const Json& step : in.at("steps")) {
@@ -35,13 +35,13 @@ std::string attached(const Json& in, const Json& out) {
   return orlftest::disagreement(out, states);
 }
 
-std::string operations(const Json& in, const Json& out) {
+std::string playOperations(const Json& in, const Json& out) {
   return orlftest::OperationPlayer::playScript(in, out);
 }
 
 TEST(ORLFOperationQueue, AgreesWithVectors) {
   orlftest::runJsonVectors("queue_operations",
-                           {{"attached", attached}, {"operations", operations}});
+                           {{"attached", playAttached}, {"operations", playOperations}});
 }
 
 }  // namespace

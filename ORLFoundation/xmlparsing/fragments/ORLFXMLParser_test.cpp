@@ -183,7 +183,7 @@ TEST_F(Fragments, AreReadFromFilesStreamsAndAddresses) {
   EXPECT_EQ(code(), ENOENT);
   EXPECT_TRUE(parser_->parseStream(NSInputStream::initWithFileAtPath(file), &error_));
   EXPECT_FALSE(parser_->parseStream(nullptr, &error_));
-  EXPECT_EQ(code(), 5);
+  EXPECT_EQ(code(), NSXMLParserEmptyDocumentError);
   EXPECT_FALSE(parser_->parse(nullptr, &error_));
   EXPECT_EQ(error_, nullptr) << "no parser, no error";
 

@@ -138,6 +138,7 @@ class Dates {
  private:
   [[nodiscard]] Finding asked(const std::vector<DateOrder>& orders) const {
     std::vector<std::string> words;
+    words.reserve(orders.size());
     for (const DateOrder order : orders) words.emplace_back(wordOfDateOrder(order));
     const std::string reason =
         orders.empty() ? "no order fits all dates" : "all dates fit " + joinedWithAnd(words);
@@ -209,6 +210,7 @@ std::vector<Finding> findingsWithoutDates(const CsvLayout& layout) {
 
 std::vector<Finding> findingsWithoutSeparator(const std::vector<const CsvLayout*>& favoured) {
   std::vector<std::string> names;
+  names.reserve(favoured.size());
   for (const CsvLayout* layout : favoured) names.emplace_back(layout->separator().name);
   std::vector<Finding> findings{{"separator", "",
                                  names.empty() ? "no separator parts most rows"

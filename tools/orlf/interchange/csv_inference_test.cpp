@@ -174,6 +174,7 @@ const FindingCase kFindings[] = {
     {"NoHeader", "2024-01-02,5.00\n", "header", "none", 1, "the first row holds '2024-01-02'"},
     {"HeaderOfNumbers", "17,2024\n2024-01-02,5.00\n", "header", "", 1,
      "above the first date stands '17'"},
+    {"DatesTooRare", "a,2024-01-02\nb,c\nd,e\n", "header", "", 0, "no row holds a date"},
     {"HeaderWithoutDates", "a,b\nc,d\n", "header", "", 0, "no row holds a date"},
     {"OrderByARow", "01/02/2024,1.00\n03/13/2024,2.00\n", "date order", "mdy", 2, "'03/13/2024'"},
     {"OrderBySecondColumn", "01/02/2024,13/02/2024\n", "date order", "dmy", 1, "'13/02/2024'"},
@@ -204,6 +205,10 @@ const FindingCase kFindings[] = {
      "each row fills one of them"},
     {"TwoColumnsWithZeros", "2024-01-02,1.50,0.00\n2024-01-02,0.00,2.50\n", "sign",
      "columns 2 and 3", 1, "each row fills one of them"},
+    {"TwoColumnsInOneRow", "2024-01-02,1.50,2.50\n2024-01-03\n", "sign", "", 0,
+     "no amount is below zero, and no two columns share the rows"},
+    {"NumbersOfRows", "2024-01-02,1.,5\n2024-01-03,2.,6\n", "decimal mark", "", 0,
+     "no amount shows one"},
     {"WordsForSigns", "2024-01-02,1.50,DEBIT\n2024-01-02,2.50,CREDIT\n", "sign", "", 0,
      "no amount is below zero, and no two columns share the rows"},
     // The amounts are unsigned, and the balance fell below zero.
@@ -238,6 +243,23 @@ TEST(InferTable, NamesTheRowThatDecided) {
       EXPECT_EQ(finding.answer, each.answer) << each.name;
       EXPECT_EQ(finding.line, each.line) << each.name;
       EXPECT_EQ(finding.reason, each.reason) << each.name;
+    }
+  }
+}
+
+// Bytes come in pieces; line ends of two bytes lie across their edges, too.
+TEST(InferTable, FindsTheRowOfTheEncodingBehindManyPieces) {
+  constexpr std::size_t kRows = 30'000;
+  for (std::size_t shift = 0; shift < 6; ++shift) {
+    std::string text(shift + 1, 'a');
+    for (std::size_t row = 0; row < kRows; ++row) text += ",b\r\na";
+    text += "caf\xC3\xA9,d";
+    for (std::size_t row = 0; row < kRows; ++row) text += "\r\na,b";
+    for (const Finding& finding : findingsOf(text)) {
+      if (finding.question != "encoding") continue;
+      EXPECT_EQ(finding.answer, "utf-8");
+      EXPECT_EQ(finding.line, kRows + 1) << shift;
+      EXPECT_EQ(finding.reason, "'acafé,d'");
     }
   }
 }

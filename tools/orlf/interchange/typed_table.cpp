@@ -222,10 +222,10 @@ TypedTable::Counts TypedTable::forEach(const std::function<void(const TypedRow& 
 void TypedTable::tellLeftOut() const {
   for (const auto& [what, where] : leftOut_) {
     const auto& [field, record] = what;
-    std::string place = request_.file + ":" + std::to_string(where.line);
-    if (where.rows > 1) place += " and in " + std::to_string(where.rows - 1) + " more";
-    printNote(session_, place + ": " + std::string(field) + " is left out: " + record +
-                            " has no place for it");
+    std::string note = request_.file + ":" + std::to_string(where.line);
+    if (where.rows > 1) note.append(" and in ").append(std::to_string(where.rows - 1) + " more");
+    note.append(": ").append(field).append(" is left out: ").append(record);
+    printNote(session_, note + " has no place for it");
   }
 }
 

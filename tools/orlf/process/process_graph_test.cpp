@@ -32,7 +32,7 @@ class ProcessGraph : public orlftest::TemporaryFolderTest {
   const std::string path_ = std::getenv("PATH");
 };
 
-const char* const kDefinition =
+const char* const kGraphDefinition =
     "<process rootstep='r'><step id='r' firststep='a'>"
     "<step id='a'><representedobject type='page'/><transition value='next' stepid='g'/>"
     "<transition value='lost' stepid='x'/></step>"
@@ -41,7 +41,7 @@ const char* const kDefinition =
     "</step></step></process>";
 
 TEST_F(ProcessGraph, HasStepsGroupsAndWays) {
-  EXPECT_EQ(dotOf(kDefinition),
+  EXPECT_EQ(dotOf(kGraphDefinition),
             R"(digraph "r" {
   rankdir=LR;
   node [shape=box, style=rounded, fontname="sans-serif"];
@@ -103,7 +103,7 @@ TEST_F(ProcessGraph, IsDrawnByTheProgramDot) {
   EXPECT_EQ(names().size(), 2U) << "nothing is left beside it";
 }
 
-std::string failureOf(const std::string& file) {
+std::string failureOfDrawing(const std::string& file) {
   try {
     orlftool::drawSvg("digraph {}", file);
   } catch (const JobFailure& failure) {
@@ -115,9 +115,9 @@ std::string failureOf(const std::string& file) {
 TEST_F(ProcessGraph, NeedsTheProgramDotForAPicture) {
   ::setenv("PATH", path("empty").c_str(), 1);
   const std::string file = path("a.svg");
-  EXPECT_EQ(failureOf(file), file +
-                                 ": an SVG needs the program dot of Graphviz, which is not "
-                                 "installed; a .dot file needs nothing");
+  EXPECT_EQ(failureOfDrawing(file), file +
+                                        ": an SVG needs the program dot of Graphviz, which is not "
+                                        "installed; a .dot file needs nothing");
   EXPECT_TRUE(names().empty());
 }
 
@@ -125,7 +125,7 @@ TEST_F(ProcessGraph, ThatCannotBeDrawnLeavesNoFile) {
   installDot("echo 'Error: syntax' >&2; echo more >&2; exit 1");
   ::setenv("PATH", path("bin").c_str(), 1);
   const std::string file = path("a.svg");
-  EXPECT_EQ(failureOf(file), file + ": dot failed: Error: syntax");
+  EXPECT_EQ(failureOfDrawing(file), file + ": dot failed: Error: syntax");
   EXPECT_EQ(names(), std::vector<std::string>{"bin"});
 }
 

@@ -15,7 +15,7 @@ using orlftool::ProcessWalk;
 using orlftool::readCommandLine;
 using orlftool::Session;
 
-const char* const kDefinition =
+const char* const kWalkDefinition =
     "<process rootstep='r'><step id='r' firststep='a'>"
     "<step id='a'><representedobject type='page'><property key='title' string='First&#10;page'/>"
     "</representedobject><transition value='next' stepid='g'/><transition value='bad' stepid='x'/>"
@@ -30,7 +30,7 @@ struct Walked {
 };
 
 Walked walk(const std::string& commands, bool isTerminal = false,
-            const std::string& definition = kDefinition) {
+            const std::string& definition = kWalkDefinition) {
   const orlftest::TemporaryFolder folder;
   std::ostringstream out, err;
   Session session{.out = out, .err = err};
@@ -42,46 +42,47 @@ Walked walk(const std::string& commands, bool isTerminal = false,
   return {out.str(), err.str(), session.exitCode};
 }
 
-const std::string kFirst =
+const std::string kFirstShown =
     "r.a  (page)\n  title = First page\n  1 bad: to a step that does not exist\n"
     "  2 next: to r.g.b\n  3 stop: ends the process with \"over\"\n";
-const std::string kSecond =
+const std::string kSecondShown =
     "r.g.b\n  1 back: to r.g.b\n  2 go on: to r.g.c\n  3 up: ends the process with \"nothing\"\n"
     "  back is possible\n";
 
 TEST(ProcessWalk, ShowsTheFirstStepAndItsWays) {
   const Walked walked = walk("");
-  EXPECT_EQ(walked.out, kFirst);
+  EXPECT_EQ(walked.out, kFirstShown);
   EXPECT_EQ(walked.err, "");
   EXPECT_EQ(walked.exitCode, 0);
 }
 
 TEST(ProcessWalk, GoesOnByNameAndNumberBackAndForward) {
   const Walked walked = walk("next\n back \r\n\n2\nback\nforward\nwhere");
-  EXPECT_EQ(walked.out, kFirst + "\n> next\n" + kSecond + "\n> back\n" + kFirst +
-                            "  forward is possible\n" + "\n> 2\n" + kSecond + "\n> back\n" +
-                            kFirst + "  forward is possible\n" + "\n> forward\n" + kSecond +
-                            "\n> where\n" + kSecond);
+  EXPECT_EQ(walked.out, kFirstShown + "\n> next\n" + kSecondShown + "\n> back\n" + kFirstShown +
+                            "  forward is possible\n" + "\n> 2\n" + kSecondShown + "\n> back\n" +
+                            kFirstShown + "  forward is possible\n" + "\n> forward\n" +
+                            kSecondShown + "\n> where\n" + kSecondShown);
   EXPECT_EQ(walked.exitCode, 0);
 }
 
 TEST(ProcessWalk, TakesTransitionsWithBlanksAndTheNamesOfCommands) {
   const std::string last = "r.g.c\n  no transitions\n  back is possible\n";
   EXPECT_EQ(walk("next\ngo on\n").out,
-            kFirst + "\n> next\n" + kSecond + "\n> go on\n" + "The process has ended.\n")
+            kFirstShown + "\n> next\n" + kSecondShown + "\n> go on\n" + "The process has ended.\n")
       << "go takes the rest for a name";
   EXPECT_EQ(walk("next\ngo go on\n").out,
-            kFirst + "\n> next\n" + kSecond + "\n> go go on\n" + last);
-  EXPECT_EQ(walk("next\n2\n").out, kFirst + "\n> next\n" + kSecond + "\n> 2\n" + last);
-  EXPECT_EQ(walk("next\ngo back").out, kFirst + "\n> next\n" + kSecond + "\n> go back\n" + kSecond);
+            kFirstShown + "\n> next\n" + kSecondShown + "\n> go go on\n" + last);
+  EXPECT_EQ(walk("next\n2\n").out, kFirstShown + "\n> next\n" + kSecondShown + "\n> 2\n" + last);
+  EXPECT_EQ(walk("next\ngo back").out,
+            kFirstShown + "\n> next\n" + kSecondShown + "\n> go back\n" + kSecondShown);
 }
 
 TEST(ProcessWalk, EndsAndBeginsAnew) {
   const Walked walked = walk("stop\nnext\nwhere\nback\nrun\nhistory\nback\nquit\nnext\n");
-  EXPECT_EQ(walked.out, kFirst +
+  EXPECT_EQ(walked.out, kFirstShown +
                             "\n> stop\nThe process has ended with \"over\".\n\n> next\n\n> "
                             "where\n\n> back\n\n> run\n" +
-                            kFirst +
+                            kFirstShown +
                             "  back is possible\n\n> history\n  r.a\n  (no step)\n> r.a\n"
                             "\n> back\n\n> quit\n");
   EXPECT_EQ(walked.err,
@@ -95,7 +96,7 @@ TEST(ProcessWalk, EndsAndBeginsAnew) {
 
 TEST(ProcessWalk, JumpsAndForgets) {
   const Walked walked = walk("jump g.c\njump g.x\nclear\nback\nforward\n");
-  EXPECT_EQ(walked.out, kFirst +
+  EXPECT_EQ(walked.out, kFirstShown +
                             "\n> jump g.c\nr.g.c\n  no transitions\n  back is possible\n\n> jump "
                             "g.x\n\n> clear\n> r.g.c\n\n> back\n\n> forward\n");
   EXPECT_EQ(walked.err,
@@ -130,18 +131,18 @@ TEST(ProcessWalk, AMoveToNoStepIsRefusedAndLeavesNone) {
   EXPECT_EQ(walked.err,
             "orlf process: line 1: 'bad' leads to a step that does not exist: no step is current "
             "now; run begins anew\n");
-  EXPECT_EQ(walked.out, kFirst + "\n> bad\n\n> run\n" + kFirst + "  back is possible\n");
+  EXPECT_EQ(walked.out, kFirstShown + "\n> bad\n\n> run\n" + kFirstShown + "  back is possible\n");
   EXPECT_EQ(walked.exitCode, 1);
 }
 
 TEST(ProcessWalk, AnswersOnATerminalWithAPromptAndNoFault) {
   const Walked walked = walk("fly\nquit\nnext\n", true);
-  EXPECT_EQ(walked.out, kFirst +
+  EXPECT_EQ(walked.out, kFirstShown +
                             "> 'fly' is no command and no transition of the step; help tells "
                             "the commands\n> ");
   EXPECT_EQ(walked.err, "");
   EXPECT_EQ(walked.exitCode, 0);
-  EXPECT_EQ(walk("", true).out, kFirst + "> \n") << "the end of the input ends the line";
+  EXPECT_EQ(walk("", true).out, kFirstShown + "> \n") << "the end of the input ends the line";
 }
 
 TEST(ProcessWalk, WithoutAnInitialStepSaysSo) {
@@ -154,7 +155,7 @@ TEST(ProcessWalk, WithoutAnInitialStepSaysSo) {
 }
 
 TEST(ProcessWalk, HelpNamesEveryCommand) {
-  const std::string help = walk("help").out.substr(kFirst.size());
+  const std::string help = walk("help").out.substr(kFirstShown.size());
   for (const char* name : {"NAME or number", "go NAME", "back", "forward", "jump PATH", "where",
                            "history", "clear", "run", "help", "quit"})
     EXPECT_NE(help.find("\n  " + std::string(name) + " "), std::string::npos) << name;
@@ -173,7 +174,7 @@ TEST(ProcessWalk, LongLinesAreCutAndRefused) {
   EXPECT_FALSE(readCommandLine(in));
   const Walked walked = walk(most + "yy\nwhere\n");
   EXPECT_EQ(walked.err, "orlf process: line 1: a line of more than 4096 bytes is no command\n");
-  EXPECT_EQ(walked.out, kFirst + "\n> where\n" + kFirst);
+  EXPECT_EQ(walked.out, kFirstShown + "\n> where\n" + kFirstShown);
 }
 
 TEST(ProcessWalk, ControlCharactersNeverReachTheTerminal) {

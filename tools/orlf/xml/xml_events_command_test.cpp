@@ -56,7 +56,8 @@ TEST_F(XmlEvents, OfABrokenDocumentAreAnArrayAllTheSame) {
       << run.out;
   const ToolRun none = runTool({"xml-events", "--json", write("b.xml", "")});
   EXPECT_EQ(none.out, "[]\n");
-  EXPECT_TRUE(none.err.ends_with("b.xml:1:1: Document is empty (code 4)\n")) << none.err;
+  EXPECT_TRUE(none.err.ends_with("b.xml:1:1: The document holds no element. (code 4)\n"))
+      << none.err;
 }
 
 TEST_F(XmlEvents, NameTheStandardInputInMessages) {

@@ -221,7 +221,7 @@ std::shared_ptr<TimedCall> Loop::takeDue(std::string_view mode, std::int64_t now
                                          std::uint64_t before) {
   const std::lock_guard guard(lock_);
   for (auto it = timed_.begin(); it != timed_.end() && it->first.first <= now; ++it) {
-    const std::shared_ptr<TimedCall> call = it->second;
+    std::shared_ptr<TimedCall> call = it->second;
     if (call->sequence > before || !serves(call->modes, mode)) continue;
     timed_.erase(it);
     call->sequence = 0;

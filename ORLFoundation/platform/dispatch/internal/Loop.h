@@ -114,6 +114,9 @@ class Loop {
   /// descriptors bring; waits for the first of them, until the deadline, when there is nothing to
   /// do. Answers whether anything ran. What a call throws comes through; the rest stays in place.
   bool runOnce(std::string_view mode, Deadline deadline);
+  /// Runs the items that are there when it begins, and nothing else. Answers whether there were
+  /// any.
+  bool runItems(std::string_view mode);
   /// The mode in which the loop runs, the innermost one; empty when it does not. For its thread.
   [[nodiscard]] std::string_view currentMode() const noexcept;
   /// Whether nothing can ever happen in the mode but items.
@@ -148,7 +151,6 @@ class Loop {
   [[nodiscard]] std::shared_ptr<OrderedCall> takePerform(const std::shared_ptr<OrderedCall>& call);
   bool runDue(std::string_view mode);
   bool runPerforms(std::string_view mode);
-  bool runItems(std::string_view mode);
   bool serveDescriptors(std::string_view mode, Deadline deadline, bool mayWait);
   void beginCall();
   [[nodiscard]] std::int64_t nextDueLocked(std::string_view mode) const;

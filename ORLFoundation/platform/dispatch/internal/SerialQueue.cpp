@@ -21,6 +21,10 @@ struct SerialQueue::Waiter {
     std::unique_lock guard(lock);
     isOwner.wait(guard, [this] { return owns; });
   }
+  [[nodiscard]] bool hasTurn() {
+    const std::lock_guard guard(lock);
+    return owns;
+  }
   /// Within the lock: the waiter is gone as soon as it has seen that it owns the queue.
   void give() {
     const std::lock_guard guard(lock);
@@ -95,6 +99,8 @@ void SerialQueue::waitForTurn() {
       return;
     }
   }
+  // At the process's end no thread of the pool comes: what is before the caller runs on its thread.
+  while (!waiter.hasTurn() && pool_.takeBack(level_, &turn_)) serveTurn(&turn_);
   waiter.wait();
 }
 

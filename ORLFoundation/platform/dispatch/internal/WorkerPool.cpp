@@ -121,6 +121,22 @@ Work* WorkerPool::take() {
   return nullptr;
 }
 
+bool WorkerPool::takeBack(Level level, Work* work) {
+  const std::lock_guard guard(lock_);
+  if (!isStopped_) return false;
+  List& list = ready_.at(static_cast<std::size_t>(level));
+  Work* before = nullptr;
+  for (Work* one = list.first; one != nullptr; before = std::exchange(one, one->next)) {
+    if (one != work) continue;
+    (before != nullptr ? before->next : list.first) = work->next;
+    if (list.last == work) list.last = before;
+    --readyCount_;
+    noteFirst();
+    return true;
+  }
+  return false;
+}
+
 /// Answers false when the thread has been idle for long enough.
 bool WorkerPool::waitForWork(std::unique_lock<std::mutex>& guard,
                              const std::shared_ptr<Worker>& self) {

@@ -52,6 +52,8 @@ class WorkerPool {
 
   /// From here on no work begins; waits a moment for that which runs. For the process's end.
   void stop();
+  /// Gives back work that a pool which has stopped will not begin any more; false for any other.
+  [[nodiscard]] bool takeBack(Level level, Work* work);
   /// Whether work waits, so that whoever looks after the pool is to go on doing so.
   [[nodiscard]] bool needsLooks();
   /// Adds threads for those that have been blocked since the last look.

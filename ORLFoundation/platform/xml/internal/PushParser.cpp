@@ -306,12 +306,22 @@ class PushParser::Session {
         isBehindDocument_ = true;
         return end();
       }
+      // libxml2 speaks of extra content here too.
+      if (error.code == XML_ERR_DOCUMENT_END && context_->instate != XML_PARSER_EPILOG)
+        return stopAtTooEarlyEnd();
       return stop(error.code, message);
     }
     // A prefix bound to nothing is told as a fault of namespaces in place of the attribute.
     if (error.domain == XML_FROM_NAMESPACE && error.code == XML_NS_ERR_XML_NAMESPACE &&
         error.str1 != nullptr)
       attributes_.addEmptyPrefix(error.str1);
+  }
+
+  void stopAtTooEarlyEnd() {
+    if (open_.count() == 0)
+      stop(NSXMLParserEmptyDocumentError, "The document holds no element.");
+    else
+      stop(NSXMLParserPrematureDocumentEndError, "The document ends before its elements do.");
   }
 
   /// Texts are often handed over with the zero behind them.

@@ -2,6 +2,7 @@
 
 #include <ORLFoundation/platform/value/NSException.h>
 #include <ORLFoundation/platform/xml/NSXMLParser.h>
+#include <ORLFoundation/process/definition/internal/ORLFFindingText.h>
 #include <ORLFoundation/process/definition/internal/ORLFReferenceCensus.h>
 #include <ORLFoundation/process/definition/internal/ORLFStepTreeCheck.h>
 
@@ -11,8 +12,6 @@
 namespace ORLFoundation::internal::definition {
 
 namespace {
-
-std::string quoted(std::string_view name) { return '"' + std::string(name) + '"'; }
 
 std::optional<std::string> attributeOf(const NSXMLStartTag& tag, std::string_view name) {
   return tag.attributes->objectForKey(name).as<std::string>();
@@ -59,12 +58,12 @@ void CheckingStepBuilder::checkNames(const NSXMLStartTag& tag) {
   const auto id = attributeOf(tag, "id");
   if (tag.didStartElement == "step" && id && (id->empty() || id->find('.') != std::string::npos))
     add(ORLFProcessDefinitionFindingUnusableIdentifier, place_,
-        "The identifier " + quoted(*id) + " is one to which no path leads");
+        "The identifier " + quotedName(*id) + " is one to which no path leads");
   if (tag.didStartElement == "step" && !currentStepData() && id) {
     const auto namesake = rootStepDatas().find(*id);
     if (namesake != rootStepDatas().end())
       add(ORLFProcessDefinitionFindingReplaced, namesake->second->place(),
-          "The step " + quoted(namesake->first) + " is replaced by a later one of its name");
+          "The step " + quotedName(namesake->first) + " is replaced by a later one of its name");
   }
   const auto value = attributeOf(tag, "value");
   if (tag.didStartElement == "transition" && currentStepData() && value) {
@@ -72,7 +71,8 @@ void CheckingStepBuilder::checkNames(const NSXMLStartTag& tag) {
     const auto namesake = places.find(*value);
     if (namesake != places.end())
       add(ORLFProcessDefinitionFindingReplaced, namesake->second,
-          "The transition " + quoted(namesake->first) + " is replaced by a later one of its name");
+          "The transition " + quotedName(namesake->first) +
+              " is replaced by a later one of its name");
   }
 }
 
@@ -94,7 +94,7 @@ std::vector<ORLFProcessDefinitionFinding> CheckingStepBuilder::findingsOfRecords
 void CheckingStepBuilder::checkRootStep() {
   if (rootStepId() && rootStepDatas().count(*rootStepId()) == 0)
     add(ORLFProcessDefinitionFindingMissingRootStep, processPlace_,
-        "The process begins with " + quoted(*rootStepId()) +
+        "The process begins with " + quotedName(*rootStepId()) +
             ", and there is no such step at the top of the file");
 }
 
@@ -114,10 +114,10 @@ void CheckingStepBuilder::checkChildren(const StepData& record, std::vector<Step
     const std::string& name = *child->identifier();
     if (!names.insert(name).second)
       return add(ORLFProcessDefinitionFindingReplaced, child->place(),
-                 "The step " + quoted(name) + " is replaced by a later one of its name");
+                 "The step " + quotedName(name) + " is replaced by a later one of its name");
     if (child->reference() && rootStepDatas().count(name) == 0) {
       add(ORLFProcessDefinitionFindingDanglingReference, child->place(),
-          "The reference to " + quoted(name) + " leads to no step at the top of the file");
+          "The reference to " + quotedName(name) + " leads to no step at the top of the file");
       child->setReference(false);
     }
     if (child->reference()) referred_.insert(name);
@@ -132,7 +132,7 @@ void CheckingStepBuilder::checkReferences() {
   ReferenceCensus census(rootStepDatas(), stepLimit());
   census.setCycleBlock([this](const StepData& reference, const std::string& way) {
     add(ORLFProcessDefinitionFindingCyclicReference, reference->place(),
-        quoted(reference->identifier().value_or("")) + " refers to itself " + way);
+        quotedName(reference->identifier().value_or("")) + " refers to itself " + way);
     reference->setReference(false);
   });
   for (const auto& entry : rootStepDatas()) static_cast<void>(census.count(entry.second));
@@ -164,7 +164,7 @@ void CheckingStepBuilder::checkTrees() {
     if (record == (isKnown ? main->second : nullptr) || referred_.count(name) > 0) continue;
     if (isKnown)
       add(ORLFProcessDefinitionFindingUnreachableStep, record->place(),
-          "No reference leads to the step " + quoted(name));
+          "No reference leads to the step " + quotedName(name));
     check.checkStepsBelow(rootStepInstanceWithIdentifier(name));
   }
 }

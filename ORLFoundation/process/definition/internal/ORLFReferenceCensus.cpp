@@ -1,6 +1,7 @@
 #include <ORLFoundation/process/definition/internal/ORLFReferenceCensus.h>
 
 #include <ORLFoundation/platform/value/NSException.h>
+#include <ORLFoundation/process/definition/internal/ORLFFindingText.h>
 
 #include <algorithm>
 #include <limits>
@@ -12,6 +13,7 @@ namespace {
 
 constexpr NSUInteger kMost = std::numeric_limits<NSUInteger>::max();
 constexpr std::size_t kNamesInAChain = 40;
+constexpr std::size_t kBytesOfAName = 60;
 
 NSUInteger sum(NSUInteger left, NSUInteger right) {
   return left > kMost - right ? kMost : left + right;
@@ -19,7 +21,7 @@ NSUInteger sum(NSUInteger left, NSUInteger right) {
 
 void append(std::string& chain, const ReferenceCensus::StepData& record) {
   if (!chain.empty()) chain += " > ";
-  chain += record->identifier().value_or("");
+  chain += shortened(record->identifier().value_or(""), kBytesOfAName);
 }
 
 }  // namespace

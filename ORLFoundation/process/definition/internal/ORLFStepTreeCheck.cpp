@@ -1,16 +1,16 @@
 #include <ORLFoundation/process/definition/internal/ORLFStepTreeCheck.h>
 
+#include <ORLFoundation/process/definition/internal/ORLFFindingText.h>
 #include <ORLFoundation/process/engine/ORLFProcess.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <optional>
+#include <utility>
 
 namespace ORLFoundation::internal::definition {
 
 namespace {
-
-std::string nameOf(const ORLFProcessStep& step) { return '"' + step.fullIdentifier() + '"'; }
 
 /// The first of them comes to stand at the end, and so next.
 void addChildren(ORLFProcessStep& step, std::vector<std::shared_ptr<ORLFProcessStep>>& open) {
@@ -34,13 +34,23 @@ StepTreeCheck::StepData StepTreeCheck::originOf(const ORLFProcessStep& step,
   });
 }
 
-void StepTreeCheck::add(ORLFProcessDefinitionFindingKind kind, const StepData& record,
-                        const std::string& transition, const std::string& message) {
-  if (!told_.emplace(kind, record.get(), transition).second) return;
-  const auto place = record->transitionPlaces().find(transition);
-  const bool isOfTransition = kind == ORLFProcessDefinitionFindingMissingTarget ||
-                              kind == ORLFProcessDefinitionFindingUntakenResponse;
-  findings_.push_back({kind, isOfTransition ? place->second : record->place(), message});
+bool StepTreeCheck::isNew(ORLFProcessDefinitionFindingKind kind, const StepData& record,
+                          const std::string& transition) {
+  return told_.emplace(kind, record.get(), transition).second;
+}
+
+void StepTreeCheck::addOfStep(ORLFProcessDefinitionFindingKind kind, const StepData& record,
+                              std::string message) {
+  findings_.push_back({kind, record->place(), std::move(message)});
+}
+
+void StepTreeCheck::addOfTransition(ORLFProcessDefinitionFindingKind kind,
+                                    const ORLFProcessStep& step, const std::string& transition,
+                                    const std::string& fault) {
+  const StepData record = originOf(step, transition);
+  findings_.push_back(
+      {kind, record->transitionPlaces().find(transition)->second,
+       "The transition " + quotedName(transition) + " of " + quotedFullName(step) + fault});
 }
 
 void StepTreeCheck::checkSteps(const Step& root) { checkTree(root, true); }
@@ -63,9 +73,10 @@ void StepTreeCheck::checkFirstStep(ORLFProcessStep& step) {
   const auto& records = origins_.at(&step);
   const auto group = std::find_if(records.begin(), records.end(),
                                   [](const StepData& record) { return record->group(); });
-  add(ORLFProcessDefinitionFindingMissingFirstStep, *group, "",
-      "The group " + nameOf(step) + " begins with \"" + *first +
-          "\", a step that it does not have");
+  if (isNew(ORLFProcessDefinitionFindingMissingFirstStep, *group, ""))
+    addOfStep(ORLFProcessDefinitionFindingMissingFirstStep, *group,
+              "The group " + quotedFullName(step) + " begins with " + quotedName(*first) +
+                  ", a step that it does not have");
 }
 
 void StepTreeCheck::checkTransitions(ORLFProcessStep& step) {
@@ -76,20 +87,24 @@ void StepTreeCheck::checkTransitions(ORLFProcessStep& step) {
 void StepTreeCheck::checkTransition(ORLFProcessStep& step, const std::string& transition) {
   const id target = step.siblingIdentiferForTransition(transition);
   const Step parent = step.parentStep();
-  const std::string subject = "The transition \"" + transition + "\" of " + nameOf(step);
+  const auto isNewHere = [&](ORLFProcessDefinitionFindingKind kind) {
+    return isNew(kind, originOf(step, transition), transition);
+  };
   if (const auto* const sibling = target.get<std::string>()) {
-    if (!parent || !parent->childStepWithIdentifier(*sibling))
-      add(ORLFProcessDefinitionFindingMissingTarget, originOf(step, transition), transition,
-          subject + " leads to \"" + *sibling + "\", which does not stand beside it");
+    const bool isThere = parent && parent->childStepWithIdentifier(*sibling);
+    if (!isThere && isNewHere(ORLFProcessDefinitionFindingMissingTarget))
+      addOfTransition(ORLFProcessDefinitionFindingMissingTarget, step, transition,
+                      " leads to " + quotedName(*sibling) + ", which does not stand beside it");
     return;
   }
   // The process's own step, or one that nobody refers to: outside of it there is no group.
   if (!parent || !parent->parentStep()) return;
   const auto response = step.responseForTransition(transition);
   if (!response || !parent->siblingIdentiferForTransition(response).isNil()) return;
-  add(ORLFProcessDefinitionFindingUntakenResponse, originOf(step, transition), transition,
-      subject + " answers \"" + *response + "\", which the group " + nameOf(*parent) +
-          " does not take");
+  if (isNewHere(ORLFProcessDefinitionFindingUntakenResponse))
+    addOfTransition(ORLFProcessDefinitionFindingUntakenResponse, step, transition,
+                    " answers " + quotedName(*response) + ", which the group " +
+                        quotedFullName(*parent) + " does not take");
 }
 
 /// The step and the groups around it; false where it was reached before.
@@ -132,9 +147,10 @@ void StepTreeCheck::checkReach(const Step& root) {
     }
     const StepData& record = placeHolderOf(*step);
     // Nobody can enter a group whose first step is missing: that is told of.
-    if (reachedRecords_.count(record.get()) == 0 && step->initialStep())
-      add(ORLFProcessDefinitionFindingUnreachableStep, record, "",
-          "No transition leads to the step " + nameOf(*step));
+    if (reachedRecords_.count(record.get()) == 0 && step->initialStep() &&
+        isNew(ORLFProcessDefinitionFindingUnreachableStep, record, ""))
+      addOfStep(ORLFProcessDefinitionFindingUnreachableStep, record,
+                "No transition leads to the step " + quotedFullName(*step));
   }
 }
 

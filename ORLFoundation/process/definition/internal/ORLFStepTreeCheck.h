@@ -32,8 +32,13 @@ class StepTreeCheck {
   void checkReach(const Step& root);
 
  private:
-  void add(ORLFProcessDefinitionFindingKind kind, const StepData& record,
-           const std::string& transition, const std::string& message);
+  /// Whether this was not told of before.
+  bool isNew(ORLFProcessDefinitionFindingKind kind, const StepData& record,
+             const std::string& transition);
+  void addOfStep(ORLFProcessDefinitionFindingKind kind, const StepData& record,
+                 std::string message);
+  void addOfTransition(ORLFProcessDefinitionFindingKind kind, const ORLFProcessStep& step,
+                       const std::string& transition, const std::string& fault);
   void checkTree(const Step& root, bool isProcess);
   void checkFirstStep(ORLFProcessStep& step);
   void checkTransitions(ORLFProcessStep& step);
