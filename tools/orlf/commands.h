@@ -51,6 +51,8 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareDecimalCommand(Options& options);
 /// `orlf link`  Which handler takes a link.
 [[nodiscard]] Job declareLinkCommand(Options& options);
+/// `orlf progress-demo`  How progress is shown.
+[[nodiscard]] Job declareProgressDemoCommand(Options& options);
 /// `orlf title`  Texts in title case.
 [[nodiscard]] Job declareTitleCommand(Options& options);
 /// `orlf email`  Whether texts are e-mail addresses.

@@ -14,6 +14,7 @@ namespace orlftool {
 
 struct CommonOptions {
   bool json = false;
+  bool quiet = false;
   std::optional<std::string> zone;
   std::string locale = "en_US";
 };

@@ -1,5 +1,6 @@
 #include <ORLFoundation/tasks/progress/ORLFProgressIndicator.h>
 
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/dispatch/NSMainQueue_testing.h>
 #include <ORLFoundation/platform/dispatch/NSTimer.h>
 #include <ORLFoundation/platform/object/NSKeyValueObserving.h>
@@ -290,6 +291,9 @@ class Player {
   }
 
   orlftest::VirtualMainLoop loop_;
+  /// The wall clock stands, so that a timer's date tells exactly when it is due.
+  const Replaced<std::function<NSDate()>> wallClock_{NSDate::setClock,
+                                                     [] { return NSDate::distantPast(); }};
   const Json acts_;
   std::map<std::string, std::weak_ptr<ORLFProgressIndicator>> weak_;
   std::map<std::string, Indicator> indicators_;

@@ -119,7 +119,7 @@ TEST(ORLFProgressItemLaws, DoesWhatIsToldOnAnyInput) {
   const double wild[] = {0,    1,      -1,        0.5,        33.3, 100, 1e300, -1e300, 5e-324,
                          -0.0, 1e-300, kInfinite, -kInfinite, NAN,  10,  150,   1000,   999.9999};
   const auto any = [&] { return wild[random() % std::size(wild)]; };
-  for (int round = 0; round < 600; ++round) {
+  for (int round = 0; round < 250; ++round) {
     std::vector<std::string> expected;
     std::vector<std::string> events;
     const auto indicator = std::make_shared<RecordingIndicator>(
@@ -208,7 +208,7 @@ TEST(ORLFProgressItemLaws, DoesWhatIsToldOnAnyInput) {
 /// Leaves that go forward only, in a tree that grows.
 TEST(ORLFProgressItemLaws, NeverFallsWhileWorkGoesOn) {
   std::mt19937_64 random(5);
-  for (int round = 0; round < 300; ++round) {
+  for (int round = 0; round < 150; ++round) {
     const auto root = std::make_shared<ORLFProgressItem>();
     std::vector<Item> leaves{root->childProgressItemWithTotalCount(10)};
     double before = 0;

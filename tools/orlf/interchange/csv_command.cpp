@@ -11,7 +11,6 @@
 #include "cli/failure.h"
 #include "cli/json_output.h"
 #include "cli/message_text.h"
-#include "cli/progress_line.h"
 #include "cli/table.h"
 #include "commands.h"
 #include "interchange/csv_inference.h"
@@ -49,7 +48,7 @@ void printRows(Session& session, const CsvArguments& arguments) {
   RowPrinter printer(session, input.name(), delimiterType);
   bool isFirst = true;
   bool hasTabs = false;
-  readTable(input, separator, session, [&](const ORLFTabularRow& row, bool&) {
+  readTable(input, separator, [&](const ORLFTabularRow& row, bool&) {
     if (isFirst && row.fields.size() == 1)
       hasTabs = row.fields.front().find('\t') != row.fields.front().npos;
     isFirst = false;
@@ -70,23 +69,10 @@ Json jsonOf(const std::vector<Finding>& findings) {
   return rows;
 }
 
-/// A file with a line of progress on a terminal.
-ByteSource openWatched(const std::string& path, std::ostream& err) {
-  ByteSource source = openBytes(path, kKind);
-  const auto progress = std::make_shared<ProgressLine>(err, source.size);
-  source.read = [progress, read = source.read,
-                 position = std::uint64_t{0}](std::span<char> buffer) mutable {
-    const std::size_t count = read(buffer);
-    progress->update(position += count);
-    return count;
-  };
-  return source;
-}
-
 /// Of a file, which can be read again, and of anything else, which is kept in memory.
 std::vector<Finding> findingsOf(Session& session, const std::string& path) {
   if (path != "-" && openBytes(path, kKind).size)
-    return inferTable([&] { return openWatched(path, session.err); }, session.calendar);
+    return inferTable([&] { return openBytes(path, kKind); }, session.calendar);
   return inferTable(readInputFile(path, kKind), session.calendar);
 }
 

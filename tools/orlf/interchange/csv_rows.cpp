@@ -13,7 +13,6 @@
 #include "cli/failure.h"
 #include "cli/json_output.h"
 #include "cli/message_text.h"
-#include "cli/progress_line.h"
 
 namespace orlftool {
 namespace {
@@ -79,13 +78,11 @@ std::optional<char> readSeparatorOption(const std::optional<std::string>& name) 
                      quotedForMessage(*name));
 }
 
-void readTable(TextInput& input, std::optional<char> separator, Session& session,
+void readTable(TextInput& input, std::optional<char> separator,
                const ORLFTabularRowBlock& usingBlock, std::uint64_t skipLines) {
-  ProgressLine progress(session.err, input.size());
   LineSkipper skipper(skipLines);
   const auto source = [&](std::span<char> buffer) {
     for (;;) {
-      progress.update(input.position());
       const std::size_t count = input.read(buffer);
       const std::size_t kept = skipper.keep(buffer.first(count));
       if (kept != 0 || count == 0) return kept;

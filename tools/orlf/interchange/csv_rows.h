@@ -21,11 +21,11 @@ inline constexpr std::string_view kSeparatorNames = "comma, semicolon or tab";
 /// UsageFailure.
 [[nodiscard]] std::optional<char> readSeparatorOption(const std::optional<std::string>& name);
 
-/// Gives all rows of a file to a block, with a line of progress on a terminal. The separator is
+/// Gives all rows of a file to a block. The separator is
 /// that of the first line where none is given. Throws JobFailure for a row that has more bytes or
 /// fields than the reader's limits allow, with its line. Lines to skip at the beginning count in
 /// the numbers of lines and in nothing else.
-void readTable(TextInput& input, std::optional<char> separator, Session& session,
+void readTable(TextInput& input, std::optional<char> separator,
                const ORLFoundation::ORLFTabularRowBlock& usingBlock, std::uint64_t skipLines = 0);
 
 /// Prints rows as they come, as text or as a JSON array of arrays. What a row cannot show is told

@@ -144,7 +144,7 @@ TypedTable::TypedTable(Session& session, const TableRequest& request,
 void TypedTable::readRows(const std::function<void(const TypedRow& row)>& block) {
   TextInput input(request_.file, readEncodingOption(request_.encoding));
   readTable(
-      input, readSeparatorOption(request_.separator), session_,
+      input, readSeparatorOption(request_.separator),
       [&](const ORLFTabularRow& row, bool&) {
         if (row.endsInMarks && row.lineNumber != headingLine_)
           throw JobFailure(request_.file + ":" + std::to_string(row.lineNumber) +

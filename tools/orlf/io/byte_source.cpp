@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "cli/failure.h"
+#include "progress/work_progress.h"
 
 namespace orlftool {
 namespace {
@@ -31,10 +32,15 @@ ByteSource openBytes(const std::string& path, std::string_view kind) {
       throw JobFailure(source.name + ": expected " + std::string(kind) + ", got a directory");
     if (S_ISREG(status.st_mode)) source.size = static_cast<std::uint64_t>(status.st_size);
   }
-  source.read = [file, name = source.name](std::span<char> buffer) {
+  const auto progress =
+      std::make_shared<WorkProgress>("Reading " + source.name, source.size, ProgressUnit::bytes);
+  source.read = [file, progress, name = source.name,
+                 done = std::uint64_t{0}](std::span<char> buffer) mutable {
     const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), file.get());
     if (std::ferror(file.get()) != 0)
       throw JobFailure(name + ": cannot be read: " + std::strerror(errno));
+    done += count;
+    progress->update(static_cast<double>(done));
     return count;
   };
   return source;

@@ -1,4 +1,4 @@
-/// The bytes of a file from front to back, piece by piece.
+/// The bytes of a file from front to back, piece by piece; how far is shown as progress.
 #pragma once
 
 #include <cstddef>

@@ -1,0 +1,248 @@
+#!/usr/bin/env python3
+"""The display of progress on terminals: widths, resizing, TERM=dumb, Ctrl-C, and none at all.
+
+    progress_terminal.py ORLF
+"""
+
+import fcntl
+import os
+import re
+import signal
+import struct
+import subprocess
+import sys
+import tempfile
+import termios
+import threading
+import time
+import unittest
+from concurrent.futures import ThreadPoolExecutor
+
+ORLF = sys.argv.pop(1)
+RESULT = b"3 jobs, 6 parts, 300 steps\n"
+ERASE = b"\r\x1b[K"
+DEADLINE = 60
+
+
+def set_width(descriptor, columns):
+    fcntl.ioctl(descriptor, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
+
+
+class Run:
+    """A run of the tool with its messages, and on demand its output, on a terminal of its own."""
+
+    def __init__(self, *arguments, columns=80, term="xterm", output_too=False, act=None):
+        self.written = b""
+        self.mark = 0
+        master, slave = os.openpty()
+        set_width(slave, columns)
+
+        def take_terminal():
+            os.setsid()
+            fcntl.ioctl(2, termios.TIOCSCTTY, 0)
+
+        process = subprocess.Popen(
+            [ORLF, *arguments], stdin=slave, stderr=slave,
+            stdout=slave if output_too else subprocess.PIPE, preexec_fn=take_terminal,
+            env={**os.environ, "TERM": term})
+        os.close(slave)
+        reader = threading.Thread(target=self.read, args=(master,))
+        reader.start()
+        if act:
+            act(self, master)
+        self.output = None
+        if process.stdout:
+            with process.stdout as output:
+                self.output = output.read()
+        self.status = process.wait(DEADLINE)
+        reader.join(DEADLINE)
+        os.close(master)
+
+    def read(self, master):
+        while True:
+            try:
+                piece = os.read(master, 65536)
+            except OSError:
+                return
+            if not piece:
+                return
+            self.written += piece
+
+    def wait_for(self, pattern):
+        end = time.monotonic() + DEADLINE
+        while not re.search(pattern, self.written):
+            if time.monotonic() > end:
+                raise AssertionError(f"{pattern} never came: {self.written!r}")
+            time.sleep(0.01)
+
+    def frames(self):
+        """The lines that were drawn one over the other."""
+        return [frame for frame in re.split(rb"\r\x1b\[K(?:\x1b\[A\x1b\[K)*", self.written) if frame]
+
+    def screen(self):
+        """What stands on the terminal in the end, blank ends left out."""
+        rows, row, column = [bytearray()], 0, 0
+        for part in re.findall(rb"\x1b\[[KA]|\r|\n|[^\x1b\r\n]+", self.written):
+            if part == b"\r":
+                column = 0
+            elif part == b"\n":
+                row += 1
+                if row == len(rows):
+                    rows.append(bytearray())
+            elif part == b"\x1b[K":
+                del rows[row][column:]
+            elif part == b"\x1b[A":
+                row -= 1
+            else:
+                rows[row][column:column + len(part)] = part
+                column += len(part)
+        return b"\n".join(bytes(each).rstrip() for each in rows).strip()
+
+
+def demo(*arguments, seconds="1.2", **options):
+    return Run("progress-demo", "--seconds", seconds, *arguments, **options)
+
+
+def narrow_later(run, master):
+    run.wait_for(rb"\d%")
+    run.mark = len(run.written)
+    set_width(master, 40)
+
+
+def interrupt(run, master):
+    run.wait_for(rb"\d%")
+    os.write(master, b"\x03")
+
+
+def piped(*arguments):
+    return subprocess.run([ORLF, "progress-demo", "--seconds", "2.2", *arguments],
+                          capture_output=True, check=True)
+
+
+def slow_table(folder):
+    """A table that comes in pieces: its rows, and the run that reads it."""
+    path = os.path.join(folder, "slow.csv")
+    os.mkfifo(path)
+
+    def feed():
+        with open(path, "wb", buffering=0) as pipe:
+            for _ in range(8):
+                pipe.write(b"1,2\n" * 25000)
+                time.sleep(0.1)
+
+    feeder = threading.Thread(target=feed)
+    feeder.start()
+    run = Run("csv", path, columns=100)
+    feeder.join(DEADLINE)
+    return run
+
+
+POOL = ThreadPoolExecutor(12)
+FOLDER = tempfile.TemporaryDirectory()
+RUNS = {
+    "narrow": POOL.submit(demo, columns=40),
+    "wide": POOL.submit(demo, seconds="4", columns=200),
+    "resized": POOL.submit(demo, columns=200, act=narrow_later),
+    "dumb": POOL.submit(demo, seconds="2.2", term="dumb"),
+    "interrupted": POOL.submit(demo, seconds="30", act=interrupt),
+    "shared": POOL.submit(demo, output_too=True),
+    "quiet": POOL.submit(demo, "--quiet"),
+    "failing": POOL.submit(demo, "--fail"),
+    "short": POOL.submit(demo, seconds="0"),
+    "piped": POOL.submit(piped),
+    "piped quietly": POOL.submit(piped, "--quiet"),
+    "table": POOL.submit(slow_table, FOLDER.name),
+}
+
+
+def run_of(name):
+    return RUNS[name].result(2 * DEADLINE)
+
+
+class Progress(unittest.TestCase):
+    def check_line(self, run, columns, wanted):
+        frames = run.frames()
+        self.assertTrue(any(re.search(wanted, frame) for frame in frames), frames)
+        for frame in frames:
+            self.assertLess(len(frame), columns, frame)
+        self.assertTrue(run.written.endswith(ERASE))
+        self.assertEqual(run.screen(), b"")
+        self.assertEqual(run.output, RESULT)
+        self.assertEqual(run.status, 0)
+
+    def test_fits_forty_columns(self):
+        self.check_line(run_of("narrow"), 40, rb"^[|/\\-] \S.* \[#+-*\] +\d+%")
+
+    def test_fits_two_hundred_columns_with_bar_and_rate(self):
+        self.check_line(run_of("wide"), 200, rb"^[|/\\-] \S.* \[#+-*\] +\d+%  \d+/s$")
+
+    def test_turns_its_spinner_and_names_each_part(self):
+        frames = b"\n".join(run_of("wide").frames())
+        for turn in b"|/-\\":
+            self.assertIn(bytes([turn]) + b" ", frames)
+        for part in (b"Collecting amounts", b"Looking for doubles", b"Writing rows"):
+            self.assertIn(part, frames)
+
+    def test_follows_the_terminal_that_becomes_narrow(self):
+        run = run_of("resized")
+        # The line of 199 columns takes five rows now.
+        before, erased, after = run.written[run.mark:].partition(ERASE + b"\x1b[A\x1b[K" * 4)
+        self.assertTrue(erased, before)
+        drawn = [frame for frame in after.split(ERASE) if frame]
+        self.assertTrue(drawn)
+        for frame in drawn:
+            self.assertLess(len(frame), 40, frame)
+        self.assertEqual(run.output, RESULT)
+
+    def check_plain(self, text):
+        self.assertNotIn(b"\x1b", text)
+        lines = text.replace(b"\r\n", b"\n").splitlines()
+        self.assertTrue(lines)
+        for line in lines:
+            self.assertRegex(line, rb"^orlf progress-demo: [^,]+(, \d+%, \d+ of \d+|, \d+)?(, \d+/s)?, \d+ s$")
+
+    def test_writes_plain_lines_on_a_dumb_terminal(self):
+        run = run_of("dumb")
+        self.check_plain(run.written)
+        self.assertEqual(run.output, RESULT)
+
+    def test_writes_plain_lines_into_a_pipe(self):
+        run = run_of("piped")
+        self.check_plain(run.stderr)
+        self.assertEqual(run.stdout, RESULT)
+
+    def test_is_silent_when_told_so(self):
+        self.assertEqual(run_of("quiet").written, b"")
+        self.assertEqual(run_of("quiet").output, RESULT)
+        self.assertEqual(run_of("piped quietly").stderr, b"")
+        self.assertEqual(run_of("piped quietly").stdout, RESULT)
+
+    def test_leaves_no_trace_of_a_short_job(self):
+        self.assertEqual(run_of("short").written, b"")
+
+    def test_takes_the_line_away_on_control_c(self):
+        run = run_of("interrupted")
+        self.assertEqual(run.status, -signal.SIGINT)
+        self.assertEqual(run.output, b"")
+        self.assertIn(run.screen(), (b"", b"^C"))
+        self.assertTrue(run.written.endswith(ERASE), run.written[-40:])
+
+    def test_makes_room_for_output_on_the_same_terminal(self):
+        self.assertEqual(run_of("shared").screen(), RESULT.strip())
+        self.assertIn(b"%", run_of("shared").written)
+
+    def test_makes_room_for_the_message_of_a_failure(self):
+        run = run_of("failing")
+        self.assertEqual(run.status, 1)
+        self.assertEqual(run.screen(), b"orlf progress-demo: Collecting: this job was to fail")
+
+    def test_shows_how_far_a_table_is_read(self):
+        run = run_of("table")
+        self.assertEqual(run.output, b"1\t2\n" * 200000)
+        self.assertTrue(any(re.match(rb"[|/\\-] Reading \S*slow\.csv +[\d.]+ k?B", frame)
+                            for frame in run.frames()), run.frames())
+
+
+if __name__ == "__main__":
+    with FOLDER:
+        unittest.main()

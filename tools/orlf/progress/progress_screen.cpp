@@ -1,0 +1,99 @@
+#include "progress/progress_screen.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cerrno>
+
+#include "progress/progress_text.h"
+
+namespace orlftool {
+namespace {
+
+constexpr std::string_view kEraseRow = "\r\x1B[K";
+constexpr std::string_view kRowAbove = "\x1B[A\x1B[K";
+
+/// The descriptor on which a line is shown; -1 for none. A signal's handler reads it.
+std::atomic<int> shownOn{-1};
+static_assert(std::atomic<int>::is_always_lock_free);
+
+extern "C" void endWithoutTheLine(int number) {
+  const int descriptor = shownOn.exchange(-1);
+  if (descriptor >= 0) static_cast<void>(!::write(descriptor, kEraseRow.data(), kEraseRow.size()));
+  static_cast<void>(std::signal(number, SIG_DFL));
+  static_cast<void>(std::raise(number));  // comes when this handler has returned
+}
+
+}  // namespace
+
+ProgressScreen::ProgressScreen(int descriptor) : descriptor_(descriptor) {
+  for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction before {};
+    if (::sigaction(number, nullptr, &before) != 0 || before.sa_handler != SIG_DFL) continue;
+    struct sigaction action {};
+    action.sa_handler = &endWithoutTheLine;
+    if (::sigaction(number, &action, nullptr) == 0) before_.emplace_back(number, before);
+  }
+}
+
+ProgressScreen::~ProgressScreen() {
+  close();
+  for (const auto& [number, action] : before_) ::sigaction(number, &action, nullptr);
+}
+
+std::size_t ProgressScreen::columns() const {
+  struct winsize size {};
+  constexpr std::size_t kUsual = 80;
+  const bool isKnown = ::ioctl(descriptor_, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return isKnown ? size.ws_col : kUsual;
+}
+
+void ProgressScreen::show(const std::string& line) {
+  const std::lock_guard guard(lock_);
+  if (isClosed_ || line == shown_) return;
+  std::string output;
+  erase(output);
+  output += line;
+  shown_ = line;
+  shownOn = descriptor_;
+  write(output);
+}
+
+void ProgressScreen::print(std::string_view lines) {
+  const std::lock_guard guard(lock_);
+  std::string output;
+  erase(output);
+  output += lines;
+  write(output);
+}
+
+void ProgressScreen::close() {
+  const std::lock_guard guard(lock_);
+  std::string output;
+  erase(output);
+  write(output);
+  isClosed_ = true;
+}
+
+void ProgressScreen::erase(std::string& output) {
+  if (shown_.empty()) return;
+  output += kEraseRow;
+  const std::size_t width = columnsOfText(shown_);
+  for (std::size_t row = columns(); row < width; row += columns()) output += kRowAbove;
+  shown_.clear();
+  shownOn = -1;
+}
+
+void ProgressScreen::write(std::string_view bytes) const {
+  while (!bytes.empty()) {
+    const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return;  // nobody reads: the job goes on
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+}
+
+}  // namespace orlftool
