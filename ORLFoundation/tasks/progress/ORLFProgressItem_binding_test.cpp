@@ -96,7 +96,7 @@ TEST(ORLFProgressItemBinding, MaySeeItsItemGo) {
 }
 
 TEST(ORLFProgressItemBinding, LeavesOtherObservationsToTheBaseClass) {
-  struct Watching final : ORLFProgressItem {
+  struct WatchingItem final : ORLFProgressItem {
     void observeValueForKeyPath(std::string_view keyPath, NSObject& ofObject,
                                 const NSKeyValueChange& change, const void* context) override {
       if (context == this) seen.emplace_back(keyPath);
@@ -104,7 +104,7 @@ TEST(ORLFProgressItemBinding, LeavesOtherObservationsToTheBaseClass) {
     }
     std::vector<std::string> seen;
   };
-  const auto item = std::make_shared<Watching>();
+  const auto item = std::make_shared<WatchingItem>();
   const auto other = halfDone();
   other->addObserver(item, "fractionCompleted", NSKeyValueObservingOptionNew, item.get());
   other->setCompletedUnitCount(6);
