@@ -25,7 +25,7 @@ Json jsonOf(const Error& error) {
   return {{"code", error->code()}, {"domain", error->domain()}};
 }
 
-std::string compared(const Json& expected, const Json& actual) {
+std::string comparedJson(const Json& expected, const Json& actual) {
   return orlftest::disagreement(expected.dump(), actual.dump());
 }
 
@@ -79,21 +79,21 @@ std::string checkIdentity(const Json& in, const Json& out, const Compare& compar
   Error error;
   const bool result = compare(manager, in.at("first").get<std::string>(),
                               in.at("second").get<std::string>(), &error);
-  return compared(out, {{"error", error ? Json(error->code()) : Json()}, {"result", result}});
+  return comparedJson(out, {{"error", error ? Json(error->code()) : Json()}, {"result", result}});
 }
 
 std::string checkUnique(const Json& in, const Json& out) {
   ManagerOfRow manager(in);
   const std::string path =
       createUniqueFileAtPath(manager, in.at("path").get<std::string>(), NSData("x"));
-  return compared(out, {{"created", manager.tried()}, {"path", path}});
+  return comparedJson(out, {{"created", manager.tried()}, {"path", path}});
 }
 
 std::string checkRemoval(const Json& in, const Json& out) {
   ManagerOfRow manager(in);
   Error error;
   const bool result = orlfRemoveItemAtURL(manager, NSURL::fileURLWithPath("/t/x"), &error);
-  return compared(out, {{"error", jsonOf(error)}, {"result", result}});
+  return comparedJson(out, {{"error", jsonOf(error)}, {"result", result}});
 }
 
 TEST(ORLFFileUtilities, AgreeWithTheVectorsOfIdentity) {
@@ -184,7 +184,7 @@ std::string checkAccess(const Json& in, const Json& out) {
     if (kept) kept();
     actual["afterwards"] = trace;
   }
-  return compared(out, actual);
+  return comparedJson(out, actual);
 }
 
 TEST(ORLFURLAccess, AgreesWithTheVectors) {

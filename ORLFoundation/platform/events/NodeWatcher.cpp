@@ -11,12 +11,6 @@
 #include <utility>
 
 namespace ORLFoundation::internal::events {
-namespace {
-
-/// What a name in a folder tells of the folder.
-constexpr std::uint32_t kNamesCameOrWent = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
-
-}  // namespace
 
 NodeWatch::~NodeWatch() { watcher_.end(user_); }
 

@@ -1,7 +1,7 @@
 /// Files that carry the signature of whoever made them.
 ///
-///     <product name="Foundation" expires="2031-01-01"/>
-///     Signature: k3Jw0...==
+///    <product name="Foundation" expires="2031-01-01"/>
+///    Signature: k3Jw0...==
 ///
 /// The signature stands in the data itself, at its end: behind the last line that begins with
 /// "Signature: ", in Base64, whose text may go on over further lines. What it signs is everything

@@ -6,8 +6,9 @@
 ///       retry();
 ///       free.signal();
 ///     };
-///     const auto job = CooperativeJob<>::start(download(slots),
-///     CooperativeExecutorOnGlobalQueue()); job->result();
+///     const auto executor = CooperativeExecutorOnGlobalQueue();
+///     const auto job = CooperativeJob<>::start(download(slots), executor);
+///     job->result();
 ///
 /// Waiters go on in the order in which they came. Traps: a wait that is not awaited takes nothing;
 /// a wait is not undone when its task throws later, so that each way out of a task has to signal;

@@ -1,9 +1,9 @@
 /// What the steps of one cooperative task have in common: where they run, and whether the task was
 /// cancelled. A task that waits holds no thread; its next step is handed to the executor.
 ///
-///     const auto context =
-///     std::make_shared<CooperativeContext>(CooperativeExecutorOnGlobalQueue()); const
-///     std::stop_callback stop(context->stopToken(), [] { report("cancelled"); });
+///     const auto executor = CooperativeExecutorOnGlobalQueue();
+///     const auto context = std::make_shared<CooperativeContext>(executor);
+///     const std::stop_callback stop(context->stopToken(), [] { report("cancelled"); });
 ///     context->cancel();   // runs the callback before it returns
 ///
 /// A callback that is installed on a cancelled context runs at once, inside its constructor, on the

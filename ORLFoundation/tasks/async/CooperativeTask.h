@@ -1,16 +1,17 @@
 /// Functions that can wait without holding a thread. One returns a `CooperativeTask`, which begins
 /// when it is awaited, or when a job starts it:
 ///
-///     CooperativeTask<int> fetched(AsyncSemaphore& slots) {
-///       co_await slots.wait();
+///     AsyncSemaphore slots(2);
+///     const auto fetched = [](AsyncSemaphore& free) -> CooperativeTask<int> {
+///       co_await free.wait();
 ///       const auto context = co_await CurrentContext();
 ///       const int answer = context->isCancelled() ? 0 : 42;
-///       slots.signal();
+///       free.signal();
 ///       co_return answer;
-///     }
-///     ...
-///     const auto job = CooperativeJob<int>::start(fetched(slots),
-///     CooperativeExecutorOnGlobalQueue()); show(job->result());   // blocks this thread
+///     };
+///     const auto executor = CooperativeExecutorOnGlobalQueue();
+///     const auto job = CooperativeJob<int>::start(fetched(slots), executor);
+///     show(job->result());   // blocks this thread
 ///
 /// Traps: a coroutine keeps copies of its parameters, but not of what references and a lambda's
 /// captures name, so that these must outlive it. A task that nobody awaits or starts never runs.

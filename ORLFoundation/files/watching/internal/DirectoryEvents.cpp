@@ -88,17 +88,18 @@ class MachineDirectoryEvents final : public DirectoryEvents {
   std::map<std::int32_t, std::unique_ptr<events::NodeWatch>> watches_;
 };
 
-constinit base::Replaceable<DirectoryEvents> doors([]() -> std::shared_ptr<DirectoryEvents> {
-  return std::make_shared<MachineDirectoryEvents>();
-});
+constinit base::Replaceable<DirectoryEvents> directoryDoor(
+    []() -> std::shared_ptr<DirectoryEvents> {
+      return std::make_shared<MachineDirectoryEvents>();
+    });
 
 }  // namespace
 
-std::shared_ptr<DirectoryEvents> DirectoryEvents::current() { return doors.current(); }
+std::shared_ptr<DirectoryEvents> DirectoryEvents::current() { return directoryDoor.current(); }
 
 std::shared_ptr<DirectoryEvents> DirectoryEvents::exchange(
     std::shared_ptr<DirectoryEvents> events) {
-  return doors.exchange(std::move(events));
+  return directoryDoor.exchange(std::move(events));
 }
 
 }  // namespace ORLFoundation::internal::watching

@@ -31,16 +31,16 @@ class MachineFileEvents final : public FileEvents {
   }
 };
 
-constinit base::Replaceable<FileEvents> doors([]() -> std::shared_ptr<FileEvents> {
+constinit base::Replaceable<FileEvents> fileDoor([]() -> std::shared_ptr<FileEvents> {
   return std::make_shared<MachineFileEvents>();
 });
 
 }  // namespace
 
-std::shared_ptr<FileEvents> FileEvents::current() { return doors.current(); }
+std::shared_ptr<FileEvents> FileEvents::current() { return fileDoor.current(); }
 
 std::shared_ptr<FileEvents> FileEvents::exchange(std::shared_ptr<FileEvents> events) {
-  return doors.exchange(std::move(events));
+  return fileDoor.exchange(std::move(events));
 }
 
 }  // namespace ORLFoundation::internal::watching

@@ -12,7 +12,6 @@ namespace {
 constexpr NodeTime kSecond = 1'000'000'000;
 // The coarsest tick by which a local file system stamps, twice over.
 constexpr NodeTime kTick = 20'000'000;
-constexpr std::uint32_t kNamesCameOrWent = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
 
 NodeTime timeOf(const statx_timestamp& time) { return time.tv_sec * kSecond + time.tv_nsec; }
 

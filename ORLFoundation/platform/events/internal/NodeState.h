@@ -1,11 +1,17 @@
 /// What a watched file or folder looks like, and what has befallen it between two looks.
 #pragma once
 
+#include <sys/inotify.h>
+
 #include <cstdint>
 #include <optional>
 #include <string>
 
 namespace ORLFoundation::internal::events {
+
+/// What a name in a folder tells of the folder.
+inline constexpr std::uint32_t kNamesCameOrWent =
+    IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
 
 /// Nanoseconds since 1970, or any other order of instants that a file system keeps.
 using NodeTime = std::int64_t;

@@ -31,9 +31,6 @@ constexpr std::size_t kPiece = 32'768;
 /// end. The next piece of such a one is at least this part of it, so that few are needed.
 constexpr std::size_t kLeastPartOfUnfinished = 8;
 
-std::string_view viewOf(const xmlChar* text) noexcept {
-  return text == nullptr ? std::string_view() : reinterpret_cast<const char*>(text);
-}
 std::string_view viewOf(const xmlChar* begin, const xmlChar* end) noexcept {
   return {reinterpret_cast<const char*>(begin), static_cast<std::size_t>(end - begin)};
 }

@@ -9,10 +9,6 @@ namespace {
 
 constexpr std::string_view kXmlns = "xmlns";
 
-std::string_view viewOf(const unsigned char* text) noexcept {
-  return text == nullptr ? std::string_view() : reinterpret_cast<const char*>(text);
-}
-
 const std::shared_ptr<NSDictionary>& noAttributes() {
   static const std::shared_ptr<NSDictionary> none = std::make_shared<AttributeDictionary>();
   return none;

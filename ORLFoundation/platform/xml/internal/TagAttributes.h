@@ -14,6 +14,11 @@
 
 namespace ORLFoundation::internal::xml {
 
+/// A text of libxml2, empty for null.
+[[nodiscard]] inline std::string_view viewOf(const unsigned char* text) noexcept {
+  return text == nullptr ? std::string_view() : reinterpret_cast<const char*>(text);
+}
+
 class TagAttributes {
  public:
   /// Texts as libxml2 tells them. Of a namespace two: prefix, null for the default, and address.
