@@ -2,7 +2,8 @@
 /// what they were given.
 ///
 ///     std::array<std::uint8_t, 16> key{};
-///     CCKeyDerivationPBKDF(kCCPBKDF2, password, salt, kCCPRFHmacAlgSHA1, 1000, key);
+///     const auto status =
+///         CCKeyDerivationPBKDF(kCCPBKDF2, password, salt, kCCPRFHmacAlgSHA1, 1000, key);
 #pragma once
 
 #include <ORLFoundation/platform/value/NSTypes.h>

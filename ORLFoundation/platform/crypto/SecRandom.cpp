@@ -15,9 +15,9 @@ class OpenSSLRandomSource final : public SecRandomSource {
  public:
   bool copyBytes(std::span<std::uint8_t> bytes) override {
     // OpenSSL counts in `int`.
-    constexpr std::size_t kPiece = std::numeric_limits<int>::max();
+    constexpr std::size_t kMostAtOnce = std::numeric_limits<int>::max();
     while (!bytes.empty()) {
-      const std::size_t count = std::min(kPiece, bytes.size());
+      const std::size_t count = std::min(kMostAtOnce, bytes.size());
       if (RAND_bytes(bytes.data(), static_cast<int>(count)) != 1) {
         errno = EIO;
         return false;

@@ -3,8 +3,7 @@
 ///
 ///     const auto receipt = orlfPerformBlockOnMainThread(ledger, [] { report("idle"); }, 2.0);
 ///     orlfCancelPreviousPerformBlockRequestsWithTarget(ledger, receipt);
-///     orlfReleaseOnMainThread(std::move(ledger));   // wherever this is, it dies on the main
-///     thread
+///     orlfReleaseOnMainThread(std::move(ledger));   // it dies on the main thread
 ///
 /// The requests of an object are attached to it; it is held until they have run or were taken back.
 /// Trap: off the main thread a call about requests waits until the main thread has taken it, for
