@@ -88,7 +88,7 @@ TEST(ProgressDrawer, WritesAPlainLineNowAndThen) {
     return drawing.take();
   };
   EXPECT_EQ(work(0, 50, 900), "");
-  EXPECT_EQ(work(50, 60, 200), "orlf csv: Reading, 5%, 55 of 1000, 55/s, 1 s\n");
+  EXPECT_EQ(work(50, 60, 200), "orlf csv: Reading, 6%, 60 of 1000, 54/s, 1 s\n");
   EXPECT_EQ(work(60, 90, 900), "");
   EXPECT_EQ(work(90, 99, 5000), "");
   const std::string further = work(99, 205, 1000);

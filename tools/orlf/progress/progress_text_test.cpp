@@ -29,7 +29,7 @@ ProgressView reading() {
 
 TEST(ProgressLine, ShowsSpinnerMessageBarPercentageAndRate) {
   EXPECT_EQ(progressLine(reading(), 80, 0),
-            "| Reading bank.csv                          [#########----------]  52%  51.0 MB/s");
+            "| Reading bank.csv                        [#########----------]  52%  51.0 MB/s");
   EXPECT_EQ(progressLine(reading(), 80, 1)[0], '/');
   EXPECT_EQ(progressLine(reading(), 80, 2)[0], '-');
   EXPECT_EQ(progressLine(reading(), 80, 3)[0], '\\');
@@ -37,9 +37,10 @@ TEST(ProgressLine, ShowsSpinnerMessageBarPercentageAndRate) {
 }
 
 TEST(ProgressLine, GivesUpRateBarAndEndOfTheMessageWhereItIsNarrow) {
-  EXPECT_EQ(progressLine(reading(), 40, 0), "| Reading... [####-----]  52%  51.0 MB/s");
-  EXPECT_EQ(progressLine(reading(), 36, 0), "| Reading ban... [####----]  52%");
-  EXPECT_EQ(progressLine(reading(), 24, 0), "| Reading bank...  52%");
+  EXPECT_EQ(progressLine(reading(), 40, 0), "| Readin... [####-----]  52%  51.0 MB/s");
+  EXPECT_EQ(progressLine(reading(), 36, 0), "| Reading bank.csv  [####----]  52%");
+  EXPECT_EQ(progressLine(reading(), 24, 0), "| Reading bank.csv  52%");
+  EXPECT_EQ(progressLine(reading(), 20, 0), "| Reading b...  52%");
   EXPECT_EQ(progressLine(reading(), 8, 0), "|   52%");
   EXPECT_EQ(progressLine(reading(), 6, 0), "  52%");
   EXPECT_EQ(progressLine(reading(), 3, 0), "..");
@@ -50,7 +51,7 @@ TEST(ProgressLine, GivesUpRateBarAndEndOfTheMessageWhereItIsNarrow) {
 TEST(ProgressLine, ShowsAmountsWhereNobodyKnowsTheTotal) {
   ProgressView view = reading();
   view.isIndeterminate = true;
-  EXPECT_EQ(progressLine(view, 48, 0), "| Reading bank.csv           104.0 MB  51.0 MB/s");
+  EXPECT_EQ(progressLine(view, 48, 0), "| Reading bank.csv          104.0 MB  51.0 MB/s");
   view.unit = ProgressUnit::steps;
   view.value = 240;
   view.rate = std::nullopt;
