@@ -1,6 +1,6 @@
 /// How far a job has come, as a line of text: for a terminal, with a bar, and for a log.
 ///
-///     | Reading bank.csv        [############--------]  52%  51.0 MB/s
+///     | Reading bank.csv        [##########----------]  52%  51.0 MB/s
 ///     Reading bank.csv, 52%, 104.0 MB of 200.0 MB, 51.0 MB/s
 #pragma once
 

@@ -40,7 +40,7 @@ TEST(ProgressLine, GivesUpRateBarAndEndOfTheMessageWhereItIsNarrow) {
   EXPECT_EQ(progressLine(reading(), 40, 0), "| Readin... [####-----]  52%  51.0 MB/s");
   EXPECT_EQ(progressLine(reading(), 36, 0), "| Reading bank.csv  [####----]  52%");
   EXPECT_EQ(progressLine(reading(), 24, 0), "| Reading bank.csv  52%");
-  EXPECT_EQ(progressLine(reading(), 23, 0), "| Reading bank...  52%");
+  EXPECT_EQ(progressLine(reading(), 20, 0), "| Reading b...  52%");
   EXPECT_EQ(progressLine(reading(), 8, 0), "|   52%");
   EXPECT_EQ(progressLine(reading(), 6, 0), "  52%");
   EXPECT_EQ(progressLine(reading(), 3, 0), "..");
