@@ -29,7 +29,7 @@ struct Place {
 };
 
 std::string holderOf(const std::string& path) {
-  const std::string folder = folderOfPath(path);
+  std::string folder = folderOfPath(path);
   if (!folder.empty()) return folder;
   return path.starts_with('/') ? "/" : ".";
 }

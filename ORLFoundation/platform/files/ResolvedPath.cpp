@@ -39,7 +39,8 @@ std::optional<std::string> resolvedPath(FileCalls& calls, const std::string& pat
       resolved.resize(resolved.empty() ? 0 : resolved.rfind('/'));
       continue;
     }
-    const std::string item = resolved + "/" + name;
+    std::string item = resolved;
+    item.append("/").append(name);
     struct stat status {};
     const bool isThere = calls.status(AT_FDCWD, item, status);
     if (!isThere && errno != ENOENT && errno != ENOTDIR) return std::nullopt;

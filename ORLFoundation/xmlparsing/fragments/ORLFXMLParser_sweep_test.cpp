@@ -269,7 +269,7 @@ Node randomNode(std::mt19937& random, int depth) {
   return node;
 }
 
-std::string stackOf(const ORLFXMLParser& parser) {
+std::string stackText(const ORLFXMLParser& parser) {
   std::string names;
   for (const auto& handler : parser.fragmentHandlerStack()) {
     const auto* answering = dynamic_cast<const AnsweringHandler*>(handler.get());
@@ -296,7 +296,7 @@ TEST(ORLFXMLParser, AgreesWithAWalkOverTheTree) {
     EXPECT_EQ(parser->parseData(NSData(std::string_view(xml)), &error), model.code == 0) << xml;
     ASSERT_EQ(trace, model.trace) << "seed " << seed << ": " << xml;
     EXPECT_EQ(error ? error->code() : 0, model.code) << xml;
-    EXPECT_EQ(stackOf(*parser), model.stack) << xml;
+    EXPECT_EQ(stackText(*parser), model.stack) << xml;
     failed += model.code == 0 ? 0 : 1;
   }
   EXPECT_GT(failed, 500);
