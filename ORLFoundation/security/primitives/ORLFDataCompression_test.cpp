@@ -71,7 +71,8 @@ TEST(DataCompression, WritesWhatZlibWrites) {
 }
 
 TEST(DataCompression, ReadsBackWhatItWritesOfEverySize) {
-  for (const std::size_t size : {1, 2, 17, 16383, 16384, 16385, 32768, 100'000, 1'000'000})
+  constexpr std::size_t kSizes[] = {1, 2, 17, 16383, 16384, 16385, 32768, 100'000, 1'000'000};
+  for (const std::size_t size : kSizes)
     for (const std::string& text : {std::string(size, 'a'), noise(size)}) {
       const auto packed = gzippedData(dataOf(text));
       ASSERT_TRUE(packed);
