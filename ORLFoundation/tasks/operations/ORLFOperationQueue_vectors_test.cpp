@@ -21,7 +21,7 @@ Json attachedState(const NSOperation& operation) {
 
 std::string playAttached(const Json& in, const Json& out) {
   NSOperation operation;
-  Json states = {attachedState(operation)};
+  Json states = Json::array({attachedState(operation)});
   for (const Json& step : in.at("steps")) {
     if (step[0] == "orlfSetGroupID:") {
       orlfSetGroupID(operation, orlftest::textOrNil(step[1]));
