@@ -207,7 +207,7 @@ class PushParser::Session {
     return isOver_ ? nullptr : found;
   }
   xmlEntityPtr parameterEntity(const xmlChar* name) {
-    const xmlEntityPtr found = xmlGetParameterEntity(context_->myDoc, name);
+    xmlEntity* const found = xmlGetParameterEntity(context_->myDoc, name);
     if (found != nullptr && !expansion_.takeDeclarations(viewOf(found->content)))
       stopForExpansion();
     return isOver_ ? nullptr : found;
