@@ -4,7 +4,6 @@
 #include <ORLFoundation/tasks/operations/internal/LateBarriers.h>
 
 #include <atomic>
-#include <utility>
 
 namespace ORLFoundation {
 namespace {
@@ -19,8 +18,8 @@ std::optional<std::string> orlfGroupID(const NSOperation& operation) {
   return operation.attachedValue(ORLFOperationGroupIDKey).as<std::string>();
 }
 
-void orlfSetGroupID(NSOperation& operation, std::optional<std::string> groupID) {
-  operation.setAttachedValue(ORLFOperationGroupIDKey, id(std::move(groupID)));
+void orlfSetGroupID(NSOperation& operation, const std::optional<std::string>& groupID) {
+  operation.setAttachedValue(ORLFOperationGroupIDKey, id(groupID));
 }
 
 bool orlfIsBarrierOperation(const NSOperation& operation) {

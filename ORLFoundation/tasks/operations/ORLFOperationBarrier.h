@@ -19,7 +19,7 @@ inline constexpr std::string_view ORLFOperationBarrierKey = "ORLFOperationBarrie
 /// `orlfGroupID`  nil for an operation in no group. An empty text is a group like any other.
 [[nodiscard]] std::optional<std::string> orlfGroupID(const NSOperation& operation);
 /// `orlfSetGroupID:`
-void orlfSetGroupID(NSOperation& operation, std::optional<std::string> groupID);
+void orlfSetGroupID(NSOperation& operation, const std::optional<std::string>& groupID);
 
 /// `orlfIsBarrierOperation`  Operations that are added while the barrier is unfinished begin when
 /// it has finished. It does not itself wait for those before it: `pauseQueueWithBlock` does.

@@ -316,6 +316,7 @@ TEST_F(ORLFProgressIndicatorTest, TakesAnItemFromItsParentToWhichItGoesOnReporti
   EXPECT_THAT(delegate->take(), IsEmpty());
   child->addToIndicator();
   EXPECT_EQ(root->currentChild(), nullptr);
+  indicator->removeProgressItem(child);  // a listed item owns the indicator that lists it
 }
 
 TEST_F(ORLFProgressIndicatorTest, AnswersNoForNil) {
