@@ -53,11 +53,13 @@ dispatch_semaphore_t dispatch_semaphore_create(std::int64_t value) {
 
 std::int64_t dispatch_semaphore_wait(const dispatch_semaphore_t& semaphore,
                                      dispatch_time_t timeout) {
-  return checked(semaphore).waitUntil(timeout) ? 0 : 1;
+  const dispatch_semaphore_t held = semaphore;  // the owner may let go of it once it is signalled
+  return checked(held).waitUntil(timeout) ? 0 : 1;
 }
 
 std::int64_t dispatch_semaphore_signal(const dispatch_semaphore_t& semaphore) {
-  return checked(semaphore).signal() ? 1 : 0;
+  const dispatch_semaphore_t held = semaphore;  // so may the one that waited
+  return checked(held).signal() ? 1 : 0;
 }
 
 }  // namespace ORLFoundation
