@@ -162,7 +162,9 @@ class DeferredPlayer {
     };
   }
   [[nodiscard]] std::int64_t receiptOf(const Json& told) const {
-    if (told.is_number()) return told.get<std::int64_t>() + firstReceipt_;
+    if (told.is_number())  // wild ones go round
+      return static_cast<std::int64_t>(told.get<std::uint64_t>() +
+                                       static_cast<std::uint64_t>(firstReceipt_));
     const auto found = receipts_.find(told);
     return found == receipts_.end() ? 0 : found->second;
   }

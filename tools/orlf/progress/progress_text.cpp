@@ -70,7 +70,7 @@ std::string withOneDigit(double number, std::string_view unit) {
 
 std::string bytesText(double bytes) {
   constexpr std::array<std::string_view, 4> kUnits{"kB", "MB", "GB", "TB"};
-  if (!(bytes >= 1000)) return std::to_string(static_cast<int>(std::max(bytes, 0.0))) + " B";
+  if (!(bytes >= 1000)) return std::to_string(static_cast<int>(bytes >= 0 ? bytes : 0)) + " B";
   std::size_t unit = 0;
   double shown = bytes / 1000;
   for (; shown >= 999.95 && unit + 1 < kUnits.size(); ++unit) shown /= 1000;
