@@ -13,9 +13,10 @@ namespace {
 /// How often a wait looks at a clock that is not the system's.
 constexpr std::int64_t kLookNanoseconds = 1'000'000;
 
-DispatchSemaphore& checked(const dispatch_semaphore_t& semaphore) {
+/// A hold of its own: the owner may let go of a semaphore once it is signalled or taken.
+dispatch_semaphore_t held(const dispatch_semaphore_t& semaphore) {
   if (!semaphore) ORLFFatalError("a semaphore that is nil", __FILE__, __LINE__);
-  return *semaphore;
+  return semaphore;
 }
 
 }  // namespace
@@ -53,13 +54,11 @@ dispatch_semaphore_t dispatch_semaphore_create(std::int64_t value) {
 
 std::int64_t dispatch_semaphore_wait(const dispatch_semaphore_t& semaphore,
                                      dispatch_time_t timeout) {
-  const dispatch_semaphore_t held = semaphore;  // the owner may let go of it once it is signalled
-  return checked(held).waitUntil(timeout) ? 0 : 1;
+  return held(semaphore)->waitUntil(timeout) ? 0 : 1;
 }
 
 std::int64_t dispatch_semaphore_signal(const dispatch_semaphore_t& semaphore) {
-  const dispatch_semaphore_t held = semaphore;  // so may the one that waited
-  return checked(held).signal() ? 1 : 0;
+  return held(semaphore)->signal() ? 1 : 0;
 }
 
 }  // namespace ORLFoundation

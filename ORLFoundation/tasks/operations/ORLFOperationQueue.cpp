@@ -71,9 +71,10 @@ void ORLFOperationQueue::addOperations(Operations operations, bool waitUntilFini
 }
 
 void ORLFOperationQueue::addOperation(std::shared_ptr<NSOperation> operation,
-                                      std::optional<std::string> group, Completion completion) {
+                                      const std::optional<std::string>& group,
+                                      Completion completion) {
   if (!operation) return;
-  orlfSetGroupID(*operation, std::move(group));
+  orlfSetGroupID(*operation, group);
   operation->setCompletionBlock(
       [operation, own = operation->completionBlock(), completion = std::move(completion)] {
         if (own) own();

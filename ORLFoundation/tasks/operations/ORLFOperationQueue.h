@@ -73,7 +73,7 @@ class ORLFOperationQueue : public NSOperationQueue {
   /// `addOperation:group:completion:`  Gives the operation the group, which it has until its
   /// completion returns, and calls that after the operation's own completion block, on the target
   /// queue.
-  void addOperation(std::shared_ptr<NSOperation> operation, std::optional<std::string> group,
+  void addOperation(std::shared_ptr<NSOperation> operation, const std::optional<std::string>& group,
                     Completion completion);
   /// `addOperation:completion:`  In no group.
   void addOperation(std::shared_ptr<NSOperation> operation, Completion completion);
