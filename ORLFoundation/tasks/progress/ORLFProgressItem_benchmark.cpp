@@ -33,7 +33,7 @@ void updateOfALooseRoot(benchmark::State& state) {
   for (auto _ : state) root->updateValueByIncrement(1);
   if (root->value() != static_cast<double>(state.iterations())) state.SkipWithError("lost updates");
 }
-BENCHMARK(updateOfALooseRoot);
+BENCHMARK(updateOfALooseRoot)->Name("updateOfALooseRoot/ours");
 
 void updateOnShow(benchmark::State& state) {
   const auto root = std::make_shared<ORLFProgressItem>();
@@ -48,7 +48,7 @@ void updateOnShow(benchmark::State& state) {
   indicator->removeProgressItem(root);
   serve();
 }
-BENCHMARK(updateOnShow);
+BENCHMARK(updateOnShow)->Name("updateOnShow/ours");
 
 void updateOfAChildOnShow(benchmark::State& state) {
   const auto root = std::make_shared<ORLFProgressItem>();
@@ -62,7 +62,7 @@ void updateOfAChildOnShow(benchmark::State& state) {
   indicator->removeProgressItem(root);
   serve();
 }
-BENCHMARK(updateOfAChildOnShow);
+BENCHMARK(updateOfAChildOnShow)->Name("updateOfAChildOnShow/ours");
 
 /// Counts displays.
 struct Counter final : ORLFProgressIndicatorDelegate {
@@ -133,8 +133,14 @@ void workOfEight(benchmark::State& state, bool isReported) {
     serve();
   }
 }
-BENCHMARK_CAPTURE(workOfEight, alone, false)->UseManualTime()->Iterations(3);
-BENCHMARK_CAPTURE(workOfEight, reported, true)->UseManualTime()->Iterations(3);
+BENCHMARK_CAPTURE(workOfEight, alone, false)
+    ->Name("workOfEight/alone")
+    ->UseManualTime()
+    ->Iterations(3);
+BENCHMARK_CAPTURE(workOfEight, reported, true)
+    ->Name("workOfEight/ours")
+    ->UseManualTime()
+    ->Iterations(3);
 
 }  // namespace
 }  // namespace ORLFoundation
