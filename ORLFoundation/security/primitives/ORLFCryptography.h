@@ -47,9 +47,9 @@ class ORLFCryptography final : public NSObject {
       const NSData& data, const NSData& key, const std::optional<NSData>& initializationVector,
       NSErrorSlot error = nullptr);
 
-  /// `makePublicRSAKeyWithFileAtURL:error:`  The public RSA key of 2048 bits that a file holds in
-  /// DER form. Null, and the error of reading the file or of `SecKeyCreateWithData`, where it holds
-  /// none.
+  /// `makePublicRSAKeyWithFileAtURL:error:`  The public RSA key that a file holds in DER form,
+  /// whatever its size is. Null, and the error of reading the file or of `SecKeyCreateWithData`,
+  /// where it holds none.
   [[nodiscard]] static std::shared_ptr<SecKey> makePublicRSAKeyWithFileAtURL(
       const NSURL& url, NSErrorSlot error = nullptr);
 
