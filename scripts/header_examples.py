@@ -27,6 +27,8 @@ OVERRIDE = re.compile(r"\) const override \{$|\) override \{$")
 DEFINITION = re.compile(r"^(?:class|struct|enum|template|constinit)\b"
                         r"|^[\w:<>&*, ]*\w+::~?\w+\(.*[{}]$|" + OVERRIDE.pattern)
 
+GIVEN_VARIABLES = re.compile(r"^extern .*?[\s&*](\w+(?:, \w+)*);$", re.MULTILINE)
+
 
 class Example:
     def __init__(self, header, number):
@@ -142,6 +144,12 @@ def definition(lines):
     return f"struct Example : ExampleBase {{\n{text}\n}};" if OVERRIDE.search(lines[0]) else text
 
 
+def parameters(given):
+    """What is given as variables, as parameters too: a lambda cannot capture a variable of a namespace."""
+    names = [name for group in GIVEN_VARIABLES.findall(given) for name in group.split(", ")]
+    return ", ".join(f"decltype({name})& {name}" for name in names)
+
+
 def code_of(example, given, room):
     """An example in a namespace of its own; a specialization can stand in none."""
     parts = list(statements(example.lines))
@@ -154,7 +162,7 @@ def code_of(example, given, room):
     lines += [f"using namespace ORLFoundation::internal::{room};"] if room else []
     lines += [given] if given else []
     lines += definitions
-    lines += [f"struct {name} : NSObject {{", "auto example() {", *body, "}", "};"]
+    lines += [f"struct {name} : NSObject {{", f"auto example({parameters(given)}) {{ {{", *body, "} }", "};"]
     lines += [] if is_global else ["}"]
     return "\n".join(lines)
 
