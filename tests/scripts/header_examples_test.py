@@ -39,8 +39,14 @@ class HeaderExamples(unittest.TestCase):
         self.assertEqual(lines[1], "#include <ORLFoundation/ORLFoundation.h>")
         self.assertEqual(lines[2:], [
             "extern int date;", f"// {ROOM}/Days.h:3", "namespace example_Days_3 {",
-            "extern int day;", "struct example_Days_3 : NSObject {", "auto example() {",
-            "next(day);", "if (day) return;  // text", "}", "};", "}"])
+            "extern int day;", "struct example_Days_3 : NSObject {",
+            "auto example(decltype(day)& day) { {", "next(day);", "if (day) return;  // text", "} }",
+            "};", "}"])
+
+    def test_each_variable_that_is_given_is_a_parameter(self):
+        source, _, _ = self.generate(comment("use([a, b] {});"), "[Days.h]\nextern Kind<int, long>& a;\n"
+                                     "extern int b, c;\nint call();\n")
+        self.assertIn("auto example(decltype(a)& a, decltype(b)& b, decltype(c)& c) { {\n", source)
 
     def test_an_expression_becomes_a_statement(self):
         self.assertIn("text(day);", self.lines("text(day)  // 5"))
@@ -51,7 +57,7 @@ class HeaderExamples(unittest.TestCase):
     def test_definitions_stand_before_the_function(self):
         lines = self.lines("class Loan {", " public:", "  int term();", "};", "", "Loan loan;",
                            "int Loan::term() {", "  return 1;", "}")
-        function = lines.index("auto example() {")
+        function = lines.index("auto example(decltype(day)& day) { {")
         self.assertLess(lines.index("class Loan {"), function)
         self.assertLess(lines.index("int Loan::term() {"), function)
         self.assertGreater(lines.index("Loan loan;"), function)
