@@ -104,6 +104,13 @@
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/log/NSLog.h>
 #include <ORLFoundation/platform/log/ORLFFatalError.h>
+#include <ORLFoundation/platform/net/NSHTTPHeaderFields.h>
+#include <ORLFoundation/platform/net/NSURLRequest.h>
+#include <ORLFoundation/platform/net/NSURLResponse.h>
+#include <ORLFoundation/platform/net/NSURLSession.h>
+#include <ORLFoundation/platform/net/NSURLSessionConfiguration.h>
+#include <ORLFoundation/platform/net/NSURLSessionDelegate.h>
+#include <ORLFoundation/platform/net/NSURLSessionTask.h>
 #include <ORLFoundation/platform/notification/NSNotificationCenter.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
 #include <ORLFoundation/platform/number/NSDecimalNumberBehaviors.h>
@@ -122,6 +129,7 @@
 #include <ORLFoundation/platform/object/NSObject.h>
 #include <ORLFoundation/platform/object/NSSet.h>
 #include <ORLFoundation/platform/object/NSString.h>
+#include <ORLFoundation/platform/object/NSURLErrors.h>
 #include <ORLFoundation/platform/object/NSValue.h>
 #include <ORLFoundation/platform/object/NSValueTransformer.h>
 #include <ORLFoundation/platform/operation/NSBlockOperation.h>
