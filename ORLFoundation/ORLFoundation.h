@@ -62,6 +62,7 @@
 #include <ORLFoundation/platform/archive/NSSecureCoding.h>
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/crypto/CommonCrypto.h>
+#include <ORLFoundation/platform/crypto/SecBase.h>
 #include <ORLFoundation/platform/crypto/SecKey.h>
 #include <ORLFoundation/platform/crypto/SecRandom.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaults.h>
@@ -99,6 +100,10 @@
 #include <ORLFoundation/platform/image/CGDataProvider.h>
 #include <ORLFoundation/platform/image/CGImage.h>
 #include <ORLFoundation/platform/image/CGValues.h>
+#include <ORLFoundation/platform/keychain/SecInProcessItemStore.h>
+#include <ORLFoundation/platform/keychain/SecItem.h>
+#include <ORLFoundation/platform/keychain/SecItemStore.h>
+#include <ORLFoundation/platform/keychain/SecTask.h>
 #include <ORLFoundation/platform/language/NLTagger.h>
 #include <ORLFoundation/platform/language/NSDataDetector.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
@@ -185,6 +190,7 @@
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceFrequency.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+#include <ORLFoundation/security/keychain/ORLFKeychainAccess.h>
 #include <ORLFoundation/security/primitives/Blowfish.h>
 #include <ORLFoundation/security/primitives/NewBase64.h>
 #include <ORLFoundation/security/primitives/ORLFCryptography.h>
