@@ -235,6 +235,7 @@
 #include <ORLFoundation/tasks/progress/ORLFProgressIndicator.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressObservation.h>
+#include <ORLFoundation/web/logging/ORLFURLSessionLogger.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLParserObjectBuilder.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLParserPropertyBuilder.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLPropertyVocabulary.h>
