@@ -49,6 +49,7 @@
 #include <ORLFoundation/interchange/tabular/ORLFScannerUtilities.h>
 #include <ORLFoundation/interchange/tabular/ORLFTabularDataWriter.h>
 #include <ORLFoundation/interchange/tabular/ORLFTabularRowReader.h>
+#include <ORLFoundation/interchange/tabular/ORLFTabularRows.h>
 #include <ORLFoundation/interchange/txf/ORLFTXFDataWriter.h>
 #include <ORLFoundation/interchange/txf/ORLFTXFRecords.h>
 #include <ORLFoundation/interchange/xmlwriting/ORLFXMLWriter.h>
@@ -165,6 +166,7 @@
 #include <ORLFoundation/platform/value/NSDate.h>
 #include <ORLFoundation/platform/value/NSDecimal.h>
 #include <ORLFoundation/platform/value/NSDecimalArithmetic.h>
+#include <ORLFoundation/platform/value/NSDecimalSum.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <ORLFoundation/platform/value/NSRange.h>
 #include <ORLFoundation/platform/value/NSTypes.h>
@@ -239,6 +241,7 @@
 #include <ORLFoundation/tasks/progress/ORLFProgressIndicator.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressObservation.h>
+#include <ORLFoundation/web/logging/ORLFURLSessionLogger.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLParserObjectBuilder.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLParserPropertyBuilder.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLPropertyVocabulary.h>
