@@ -194,6 +194,7 @@
 #include <ORLFoundation/security/primitives/ORLFDataHashing.h>
 #include <ORLFoundation/security/primitives/ORLFDataSignature.h>
 #include <ORLFoundation/security/primitives/ORLFMD5.h>
+#include <ORLFoundation/security/store/ORLFEncryptedStore.h>
 #include <ORLFoundation/support/collections/ORLFArrayUtilities.h>
 #include <ORLFoundation/support/collections/ORLFMutableArrayUtilities.h>
 #include <ORLFoundation/support/collections/ORLFNonretainingMutableCollection.h>
