@@ -2,6 +2,7 @@
 
 #include <ORLFoundation/files/operations/ORLFFileUtilities.h>
 #include <ORLFoundation/files/watching/ORLFFileSystemObserver.h>
+#include <ORLFoundation/platform/crypto/SecBase.h>
 #include <ORLFoundation/platform/files/NSFileManager.h>
 #include <ORLFoundation/platform/files/NSURLResourceValues.h>
 #include <ORLFoundation/platform/log/NSLog.h>
@@ -19,8 +20,6 @@ namespace ORLFoundation {
 using namespace internal::store;
 
 namespace {
-
-constexpr std::int32_t kAuthenticationFailed = -25293;
 
 /// A copy of a password that is wiped when its last holder goes.
 NSData keptPassword(std::string_view password) {
@@ -225,7 +224,7 @@ std::shared_ptr<ORLFFileSystemObserver> ORLFEncryptedStore::observer() const {
 }
 
 std::shared_ptr<NSError> ORLFEncryptedStore::errorForKeychainStatus(std::int32_t status) {
-  if (status != kAuthenticationFailed)
+  if (status != errSecAuthFailed)
     return NSError::errorWithDomain(
         ORLFSecurityErrorDomain, status,
         NSDictionary::dictionaryWithEntries(

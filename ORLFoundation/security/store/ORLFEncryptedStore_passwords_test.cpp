@@ -1,5 +1,7 @@
 // The table of `setPassword`, matching, and what is kept.
 #include <ORLFoundation/platform/files/NSFileErrors.h>
+#include <ORLFoundation/platform/keychain/SecInProcessItemStore.h>
+#include <ORLFoundation/security/keychain/ORLFKeychainAccess.h>
 #include <ORLFoundation/security/store/ORLFEncryptedStore_testing.h>
 #include <gmock/gmock.h>
 
@@ -252,6 +254,22 @@ TEST_F(StoredPasswords, LeadToTheKeychainOnlyWhereTheyAreMarked) {
   EXPECT_EQ(store->passwordForUser("carl", "bank", noContext()), "plain");
   EXPECT_EQ(store->passwordForUser("dora", "bank", noContext()), std::nullopt);
   EXPECT_THAT(keychain_->calls, ElementsAre("find ann@bank", "find dora@bank"));
+}
+
+TEST_F(StoredPasswords, LieInTheKeychainThatTheHostPutIn) {
+  const Replaced systems(&internal::store::PasswordKeychain::exchange, nullptr);
+  const auto store = Store::openStoreWithFileAtURL(url(), "pw");
+  Error error;
+  EXPECT_FALSE(store->setPassword("p", "ann", "bank", noContext(), &error));
+  EXPECT_EQ(error->domain(), ORLFSecurityErrorDomain);
+  EXPECT_EQ(error->code(), errSecNotAvailable);
+  const Replaced items(SecSetItemStore, std::make_shared<SecInProcessItemStore>());
+  EXPECT_TRUE(store->setPassword("p", "ann", "bank", noContext()));
+  EXPECT_EQ(ORLFKeychainAccess::findGenericPasswordForKey("ann", "bank"), "p");
+  EXPECT_EQ(contentOf(), contentWith("bank", {entryOf("ann", std::nullopt, true)}));
+  EXPECT_EQ(store->passwordForUser("ann", "bank", noContext()), "p");
+  EXPECT_TRUE(store->setPassword("q", "ann", "bank", noContext()));
+  EXPECT_EQ(store->passwordForUser("ann", "bank", noContext()), "q");
 }
 
 TEST_F(StoredPasswords, KeepAllOtherKeysOfTheContent) {

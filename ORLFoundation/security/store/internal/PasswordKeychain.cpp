@@ -1,30 +1,26 @@
 #include <ORLFoundation/security/store/internal/PasswordKeychain.h>
 
 #include <ORLFoundation/platform/base/Replaceable.h>
+#include <ORLFoundation/security/keychain/ORLFKeychainAccess.h>
 
 #include <utility>
 
 namespace ORLFoundation::internal::store {
 namespace {
 
-constexpr std::int32_t kNotAvailable = -25291;
-
-/// Holds nothing and takes nothing.
-class AbsentKeychain final : public PasswordKeychain {
+class SystemKeychain final : public PasswordKeychain {
  public:
-  std::optional<std::string> find(const std::string& /*user*/,
-                                  const std::string& /*service*/) override {
-    return std::nullopt;
+  std::optional<std::string> find(const std::string& user, const std::string& service) override {
+    return ORLFKeychainAccess::findGenericPasswordForKey(user, service);
   }
-  bool update(const std::string& /*password*/, const std::string& /*user*/,
-              const std::string& /*service*/, std::int32_t* status) override {
-    if (status != nullptr) *status = kNotAvailable;
-    return false;
+  bool update(const std::string& password, const std::string& user, const std::string& service,
+              std::int32_t* status) override {
+    return ORLFKeychainAccess::updateGenericPassword(password, user, service, true, status);
   }
 };
 
 constinit base::Replaceable<PasswordKeychain> keychains([]() -> std::shared_ptr<PasswordKeychain> {
-  return std::make_shared<AbsentKeychain>();
+  return std::make_shared<SystemKeychain>();
 });
 
 }  // namespace
