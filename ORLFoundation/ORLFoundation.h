@@ -251,6 +251,10 @@
 #include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressObservation.h>
 #include <ORLFoundation/web/logging/ORLFURLSessionLogger.h>
+#include <ORLFoundation/web/session/ORLFHTTPURLResponse.h>
+#include <ORLFoundation/web/session/ORLFURLSession.h>
+#include <ORLFoundation/web/session/ORLFURLSessionDelegate.h>
+#include <ORLFoundation/web/session/ORLFURLSessionTask.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLParserObjectBuilder.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLParserPropertyBuilder.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLPropertyVocabulary.h>
