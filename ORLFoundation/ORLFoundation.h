@@ -110,6 +110,13 @@
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/log/NSLog.h>
 #include <ORLFoundation/platform/log/ORLFFatalError.h>
+#include <ORLFoundation/platform/net/NSHTTPHeaderFields.h>
+#include <ORLFoundation/platform/net/NSURLRequest.h>
+#include <ORLFoundation/platform/net/NSURLResponse.h>
+#include <ORLFoundation/platform/net/NSURLSession.h>
+#include <ORLFoundation/platform/net/NSURLSessionConfiguration.h>
+#include <ORLFoundation/platform/net/NSURLSessionDelegate.h>
+#include <ORLFoundation/platform/net/NSURLSessionTask.h>
 #include <ORLFoundation/platform/notification/NSNotificationCenter.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
 #include <ORLFoundation/platform/number/NSDecimalNumberBehaviors.h>
@@ -128,6 +135,7 @@
 #include <ORLFoundation/platform/object/NSObject.h>
 #include <ORLFoundation/platform/object/NSSet.h>
 #include <ORLFoundation/platform/object/NSString.h>
+#include <ORLFoundation/platform/object/NSURLErrors.h>
 #include <ORLFoundation/platform/object/NSValue.h>
 #include <ORLFoundation/platform/object/NSValueTransformer.h>
 #include <ORLFoundation/platform/operation/NSBlockOperation.h>
@@ -202,6 +210,7 @@
 #include <ORLFoundation/security/primitives/ORLFDataHashing.h>
 #include <ORLFoundation/security/primitives/ORLFDataSignature.h>
 #include <ORLFoundation/security/primitives/ORLFMD5.h>
+#include <ORLFoundation/security/store/ORLFEncryptedStore.h>
 #include <ORLFoundation/support/collections/ORLFArrayUtilities.h>
 #include <ORLFoundation/support/collections/ORLFMutableArrayUtilities.h>
 #include <ORLFoundation/support/collections/ORLFNonretainingMutableCollection.h>
@@ -242,6 +251,10 @@
 #include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressObservation.h>
 #include <ORLFoundation/web/logging/ORLFURLSessionLogger.h>
+#include <ORLFoundation/web/session/ORLFHTTPURLResponse.h>
+#include <ORLFoundation/web/session/ORLFURLSession.h>
+#include <ORLFoundation/web/session/ORLFURLSessionDelegate.h>
+#include <ORLFoundation/web/session/ORLFURLSessionTask.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLParserObjectBuilder.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLParserPropertyBuilder.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLPropertyVocabulary.h>
