@@ -49,6 +49,7 @@
 #include <ORLFoundation/interchange/tabular/ORLFScannerUtilities.h>
 #include <ORLFoundation/interchange/tabular/ORLFTabularDataWriter.h>
 #include <ORLFoundation/interchange/tabular/ORLFTabularRowReader.h>
+#include <ORLFoundation/interchange/tabular/ORLFTabularRows.h>
 #include <ORLFoundation/interchange/txf/ORLFTXFDataWriter.h>
 #include <ORLFoundation/interchange/txf/ORLFTXFRecords.h>
 #include <ORLFoundation/interchange/xmlwriting/ORLFXMLWriter.h>
@@ -62,6 +63,7 @@
 #include <ORLFoundation/platform/archive/NSSecureCoding.h>
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/crypto/CommonCrypto.h>
+#include <ORLFoundation/platform/crypto/SecBase.h>
 #include <ORLFoundation/platform/crypto/SecKey.h>
 #include <ORLFoundation/platform/crypto/SecRandom.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaults.h>
@@ -100,11 +102,22 @@
 #include <ORLFoundation/platform/image/CGDataProvider.h>
 #include <ORLFoundation/platform/image/CGImage.h>
 #include <ORLFoundation/platform/image/CGValues.h>
+#include <ORLFoundation/platform/keychain/SecInProcessItemStore.h>
+#include <ORLFoundation/platform/keychain/SecItem.h>
+#include <ORLFoundation/platform/keychain/SecItemStore.h>
+#include <ORLFoundation/platform/keychain/SecTask.h>
 #include <ORLFoundation/platform/language/NLTagger.h>
 #include <ORLFoundation/platform/language/NSDataDetector.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/log/NSLog.h>
 #include <ORLFoundation/platform/log/ORLFFatalError.h>
+#include <ORLFoundation/platform/net/NSHTTPHeaderFields.h>
+#include <ORLFoundation/platform/net/NSURLRequest.h>
+#include <ORLFoundation/platform/net/NSURLResponse.h>
+#include <ORLFoundation/platform/net/NSURLSession.h>
+#include <ORLFoundation/platform/net/NSURLSessionConfiguration.h>
+#include <ORLFoundation/platform/net/NSURLSessionDelegate.h>
+#include <ORLFoundation/platform/net/NSURLSessionTask.h>
 #include <ORLFoundation/platform/notification/NSNotificationCenter.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
 #include <ORLFoundation/platform/number/NSDecimalNumberBehaviors.h>
@@ -123,6 +136,7 @@
 #include <ORLFoundation/platform/object/NSObject.h>
 #include <ORLFoundation/platform/object/NSSet.h>
 #include <ORLFoundation/platform/object/NSString.h>
+#include <ORLFoundation/platform/object/NSURLErrors.h>
 #include <ORLFoundation/platform/object/NSValue.h>
 #include <ORLFoundation/platform/object/NSValueTransformer.h>
 #include <ORLFoundation/platform/operation/NSBlockOperation.h>
@@ -166,6 +180,7 @@
 #include <ORLFoundation/platform/value/NSDate.h>
 #include <ORLFoundation/platform/value/NSDecimal.h>
 #include <ORLFoundation/platform/value/NSDecimalArithmetic.h>
+#include <ORLFoundation/platform/value/NSDecimalSum.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <ORLFoundation/platform/value/NSRange.h>
 #include <ORLFoundation/platform/value/NSTypes.h>
@@ -191,6 +206,7 @@
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceFrequency.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+#include <ORLFoundation/security/keychain/ORLFKeychainAccess.h>
 #include <ORLFoundation/security/primitives/Blowfish.h>
 #include <ORLFoundation/security/primitives/NewBase64.h>
 #include <ORLFoundation/security/primitives/ORLFCryptography.h>
@@ -200,6 +216,7 @@
 #include <ORLFoundation/security/primitives/ORLFDataHashing.h>
 #include <ORLFoundation/security/primitives/ORLFDataSignature.h>
 #include <ORLFoundation/security/primitives/ORLFMD5.h>
+#include <ORLFoundation/security/store/ORLFEncryptedStore.h>
 #include <ORLFoundation/support/collections/ORLFArrayUtilities.h>
 #include <ORLFoundation/support/collections/ORLFMutableArrayUtilities.h>
 #include <ORLFoundation/support/collections/ORLFNonretainingMutableCollection.h>

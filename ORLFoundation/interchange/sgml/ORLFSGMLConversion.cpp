@@ -62,10 +62,12 @@ class Converter {
 
  private:
   void appendText(bool isFirst) {
-    const std::string_view text = scanner_.scanUpTo('<');
+    std::string_view text = scanner_.scanUpTo('<');
+    if (!isFirst) text = withoutControlsAtEnd(text);
     // No entity begins in plain text, so that what stands behind it is unescaped by itself.
     const std::size_t plain = isFirst ? text.size() : lengthOfPlainText(text);
     result_ += text.substr(0, plain);
+    if (plain == text.size()) return;
     const std::string_view rest = text.substr(plain);
     if (rest.find('&') == rest.npos) return appendEscaped(result_, rest);
     unescaped_ = rest;
@@ -75,7 +77,11 @@ class Converter {
 
   void endOrphan() {
     scanner_.scanEndTag(*endTag_);
-    result_.insert(endWithoutLineBreaks(result_), *endTag_);
+    const std::size_t end = endWithoutLineBreaks(result_);
+    if (end == result_.size())
+      result_ += *endTag_;
+    else
+      result_.insert(end, *endTag_);
   }
 
   void appendTag() {

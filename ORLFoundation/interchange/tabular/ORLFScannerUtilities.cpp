@@ -16,14 +16,10 @@ std::string_view textAhead(const NSScanner& scanner) {
 
 }  // namespace
 
-std::vector<std::vector<std::string>> csvRows(NSScanner& scanner) {
+ORLFTabularRows csvRows(NSScanner& scanner) {
   std::string_view line;
   scanner.scanUpToCharactersFromSet(*NSCharacterSet::newlineCharacterSet(), &line);
-  const char separator = orlfTabularSeparator(line);
-  std::vector<std::vector<std::string>> rows;
-  orlfEnumerateTabularRows(scanner.string(), separator, [&rows](const ORLFTabularRow& row, bool&) {
-    rows.emplace_back(row.fields.begin(), row.fields.end());
-  });
+  ORLFTabularRows rows(scanner.string(), orlfTabularSeparator(line));
   scanner.setCharactersToBeSkipped(nullptr);
   scanner.setPlaceInBytes(scanner.string().size());
   return rows;

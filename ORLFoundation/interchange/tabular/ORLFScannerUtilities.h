@@ -1,18 +1,17 @@
 /// What a scanner reads of tables and of hexadecimal digits.
 #pragma once
 
+#include <ORLFoundation/interchange/tabular/ORLFTabularRows.h>
 #include <ORLFoundation/platform/text/NSScanner.h>
 
 #include <cstdint>
-#include <string>
-#include <vector>
 
 namespace ORLFoundation {
 
 /// `csvRows`  The rows of the scanner's whole text, as `orlfEnumerateTabularRows` tells. The
 /// separator is a semicolon when the line at the scanner's place holds one, else a comma. The
 /// scanner then stands at its end and skips nothing.
-[[nodiscard]] std::vector<std::vector<std::string>> csvRows(NSScanner& scanner);
+[[nodiscard]] ORLFTabularRows csvRows(NSScanner& scanner);
 
 /// `orlfScanHexDigits:intoInt:`  Takes exactly so many hexadecimal digits in either case, four bits
 /// each, of which the last 32 bits are kept. false, with the place and the slot as they were, when

@@ -17,9 +17,15 @@ using orlftest::disagreement;
 using orlftest::Json;
 using TextRows = std::vector<std::vector<std::string>>;
 
+TextRows textsOf(const ORLFTabularRows& rows) {
+  TextRows texts;
+  for (const ORLFTabularRows::Row row : rows) texts.emplace_back(row.begin(), row.end());
+  return texts;
+}
+
 TextRows rowsOf(std::string text) {
   NSScanner scanner(std::move(text));
-  return csvRows(scanner);
+  return textsOf(csvRows(scanner));
 }
 
 std::shared_ptr<NSCharacterSet> setOf(std::string_view characters) {
@@ -161,7 +167,7 @@ TEST(CsvRows, LoseMarksInTheMiddleOfAField) {
 
 TEST(CsvRows, LeaveTheScannerAtItsEndSkippingNothing) {
   NSScanner scanner("a\nb ");
-  EXPECT_EQ(csvRows(scanner), (TextRows{{"a"}, {"b "}}));
+  EXPECT_EQ(textsOf(csvRows(scanner)), (TextRows{{"a"}, {"b "}}));
   EXPECT_TRUE(scanner.isAtEnd());
   EXPECT_EQ(scanner.charactersToBeSkipped(), nullptr);
 }
@@ -169,7 +175,7 @@ TEST(CsvRows, LeaveTheScannerAtItsEndSkippingNothing) {
 TEST(CsvRows, TakeTheSeparatorFromTheLineAtTheScannersPlace) {
   NSScanner scanner("a,b\nc;d");
   scanner.setScanLocation(4);
-  EXPECT_EQ(csvRows(scanner), (TextRows{{"a,b"}, {"c", "d"}}));
+  EXPECT_EQ(textsOf(csvRows(scanner)), (TextRows{{"a,b"}, {"c", "d"}}));
 }
 
 TEST(ScanHexDigits, AgreesWithVectors) {

@@ -1,6 +1,7 @@
 // Decimals against two peers on the same operands: numbers the size of money, and numbers of 34 to
 // 38 digits. Every benchmark checks that all give the same results.
 #include <ORLFoundation/platform/value/NSDecimalArithmetic.h>
+#include <ORLFoundation/platform/value/NSDecimalSum.h>
 #include <benchmark/benchmark.h>
 
 #include <array>
@@ -232,6 +233,46 @@ void print(benchmark::State& state) {
   }
 }
 
+/// Amounts of one exponent in one sum, against the loop over single additions.
+struct Loop {
+  static NSDecimal sum(const std::vector<NSDecimal>& values) {
+    NSDecimal sum;
+    for (const NSDecimal& value : values) sum = Ours::add(sum, value);
+    return sum;
+  }
+  static NSDecimal sumOfProducts(const std::vector<NSDecimal>& left,
+                                 const std::vector<NSDecimal>& right) {
+    NSDecimal sum;
+    for (std::size_t i = 0; i < left.size(); ++i)
+      sum = Ours::add(sum, Ours::multiply(left[i], right[i]));
+    return sum;
+  }
+};
+struct Bulk {
+  static NSDecimal sum(const std::vector<NSDecimal>& values) { return NSDecimalSum(values).value; }
+  static NSDecimal sumOfProducts(const std::vector<NSDecimal>& left,
+                                 const std::vector<NSDecimal>& right) {
+    return NSDecimalSumOfProducts(left, right).value;
+  }
+};
+
+template <class Way>
+void sum(benchmark::State& state) {
+  const auto values = numbers<Ours>(Size::kMoney, 0);
+  for (auto _ : state) benchmark::DoNotOptimize(Way::sum(values));
+  state.SetItemsProcessed(state.iterations() * std::int64_t{kCount});
+  if (Way::sum(values) != Loop::sum(values)) state.SkipWithError("a wrong sum");
+}
+template <class Way>
+void sumOfProducts(benchmark::State& state) {
+  const auto left = numbers<Ours>(Size::kMoney, 0);
+  const auto right = numbers<Ours>(Size::kMoney, 1);
+  for (auto _ : state) benchmark::DoNotOptimize(Way::sumOfProducts(left, right));
+  state.SetItemsProcessed(state.iterations() * std::int64_t{kCount});
+  if (Way::sumOfProducts(left, right) != Loop::sumOfProducts(left, right))
+    state.SkipWithError("a wrong sum");
+}
+
 #define ORLF_BENCHMARK_ENGINE(work, size, Library, engine) \
   BENCHMARK_TEMPLATE(work, Library, Size::k##size)->Name(#work #size "/" engine)
 #define ORLF_BENCHMARK_TEXT(work, size)            \
@@ -259,6 +300,10 @@ ORLF_BENCHMARK_TEXT(parse, Money);
 ORLF_BENCHMARK_TEXT(parse, Long);
 ORLF_BENCHMARK_TEXT(print, Money);
 ORLF_BENCHMARK_TEXT(print, Long);
+BENCHMARK_TEMPLATE(sum, Bulk)->Name("sumMoney/ours");
+BENCHMARK_TEMPLATE(sum, Loop)->Name("sumMoney/loop");
+BENCHMARK_TEMPLATE(sumOfProducts, Bulk)->Name("sumOfProductsMoney/ours");
+BENCHMARK_TEMPLATE(sumOfProducts, Loop)->Name("sumOfProductsMoney/loop");
 
 }  // namespace
 }  // namespace ORLFoundation

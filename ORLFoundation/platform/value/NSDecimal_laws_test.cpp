@@ -1,12 +1,15 @@
 // Laws that hold for all decimals, swept over seeded random ones, and the agreement of every
 // calculation with plain fractions of unbounded integers.
 #include <ORLFoundation/platform/value/NSDecimalArithmetic.h>
+#include <ORLFoundation/platform/value/NSDecimalSum.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <boost/multiprecision/cpp_int.hpp>
 #include <random>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace ORLFoundation {
 namespace {
@@ -160,6 +163,32 @@ TEST(NSDecimalLaws, SumsAgreeWithFractions) {
   }
 }
 
+TEST(NSDecimalLaws, SumsOfManyAgreeWithFractions) {
+  // One denominator for all products of decimals.
+  const cpp_int denominator = powerOfTen(-2 * NSDecimal::kSmallestExponent);
+  Source source(5);
+  for (int i = 0; i < kRandomCalculations / 10; ++i) {
+    std::vector<NSDecimal> left, right;
+    const bool isMoney = source.between(0, 1) == 0;
+    for (NSInteger count = source.between(0, 12); count > 0; --count) {
+      left.push_back(isMoney ? source.moneySized() : source.any());
+      right.push_back(isMoney ? source.moneySized() : source.any());
+      if (source.between(0, 5) == 0) left.push_back(left.back().negated());
+      if (left.size() > right.size()) right.push_back(right.back());
+    }
+    cpp_int sum = 0, ofProducts = 0;
+    for (std::size_t at = 0; at < left.size(); ++at) {
+      const Fraction a = fractionOf(left[at]), b = fractionOf(right[at]);
+      sum += a.numerator * (denominator / a.denominator);
+      ofProducts += a.numerator * b.numerator * (denominator / (a.denominator * b.denominator));
+    }
+    const NSRoundingMode mode = source.mode();
+    ASSERT_EQ(digitsOf(NSDecimalSum(left, mode)), expectedResult({sum, denominator}, mode));
+    ASSERT_EQ(digitsOf(NSDecimalSumOfProducts(left, right, mode)),
+              expectedResult({ofProducts, denominator}, mode));
+  }
+}
+
 TEST(NSDecimalLaws, ProductsAgreeWithFractions) {
   Source source(2);
   for (int i = 0; i < kRandomCalculations; ++i) {
@@ -277,6 +306,71 @@ TEST(NSDecimalLaws, DoublesOfAtMost15DigitsComeBack) {
     // A double that has few enough digits is taken without a change.
     const double half = static_cast<double>(source.between(-1000000, 1000000)) / 1024;
     ASSERT_EQ(NSDecimal::fromDouble(half).doubleValue(), half);
+  }
+}
+
+/// What a text says, read character by character: "mantissa e exponent".
+std::string expectedOfText(std::string_view text) {
+  std::size_t at = 0;
+  const auto take = [&](std::string_view any) {
+    const bool isHere = at < text.size() && any.find(text[at]) != any.npos;
+    at += isHere ? 1 : 0;
+    return isHere;
+  };
+  const auto takeDigits = [&] {
+    const std::size_t start = at;
+    while (take("0123456789")) continue;
+    return std::string(text.substr(start, at - start));
+  };
+  const bool isNegative = take("-");
+  if (!isNegative) take("+");
+  const std::string whole = takeDigits();
+  const std::string places = take(".") ? takeDigits() : "";
+  if (whole.empty() && places.empty()) return "NaN";
+  int exponent = 0;
+  if (take("eE")) {
+    const bool isBelow = take("-");
+    if (!isBelow) take("+");
+    const std::string power = takeDigits();
+    if (power.empty()) return "NaN";
+    // What is past the thousandth place is out of range, whatever the digits.
+    constexpr std::size_t kMostPlaces = 4;
+    const std::size_t first = std::min(power.find_first_not_of('0'), power.size() - 1);
+    exponent = power.size() - first > kMostPlaces ? 9999 : std::stoi(power.substr(first));
+    if (isBelow) exponent = -exponent;
+  }
+  if (at != text.size()) return "NaN";
+  const std::size_t first = (whole + places).find_first_not_of('0');
+  if (first == std::string::npos) return "0e0";
+  const cpp_int digits((whole + places).substr(first));
+  exponent -= static_cast<int>(places.size());
+  const cpp_int value = isNegative ? cpp_int(-digits) : digits;
+  const std::string result = expectedResult(exponent < 0 ? Fraction{value, powerOfTen(-exponent)}
+                                                         : Fraction{value * powerOfTen(exponent)},
+                                            NSRoundPlain);
+  return result.substr(0, result.find('!'));
+}
+
+TEST(NSDecimalLaws, TextsAgreeWithTheirCharacters) {
+  constexpr std::string_view kOthers("/:+-.eE,\0 \x89\x8A\xB0\xFF", 15);
+  Source source(6);
+  for (int i = 0; i < kRandomCalculations; ++i) {
+    std::string text;
+    for (NSInteger run = source.between(1, 3); run > 0; --run) {
+      const NSInteger kind = source.between(0, 2);
+      for (NSInteger length = source.between(0, run == 1 ? 3 : 25); length > 0; --length)
+        text += static_cast<char>('0' + (kind == 0 ? 0 : kind == 1 ? 9 : source.between(0, 9)));
+      if (source.between(0, 2) != 0) text += '.';
+    }
+    if (source.between(0, 3) == 0) text += "e" + std::to_string(source.between(-200, 200));
+    if (source.between(0, 3) == 0) text.insert(0, source.between(0, 1) == 0 ? "-" : "+");
+    if (source.between(0, 3) == 0 && !text.empty())
+      text[static_cast<std::size_t>(source.between(0, std::ssize(text) - 1))] =
+          kOthers[static_cast<std::size_t>(source.between(0, std::ssize(kOthers) - 1))];
+    // In a place of its own: a byte read behind its end is found out.
+    const std::vector<char> exact(text.begin(), text.end());
+    const std::string result = digitsOf({NSDecimal::parse({exact.data(), exact.size()})});
+    ASSERT_EQ(result.substr(0, result.find('!')), expectedOfText(text)) << text;
   }
 }
 

@@ -6,7 +6,9 @@
 #include <ORLFoundation/platform/value/internal/TwoWordDivision.h>
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
+#include <cstddef>
 #include <cstring>
 
 namespace ORLFoundation {
@@ -52,7 +54,12 @@ class Reader {
   /// Appends a run of digits to the mantissa; gives their count.
   std::int64_t takeDigits() noexcept {
     const char* const start = at_;
-    for (; at_ != end_ && isDigit(*at_); ++at_) append(static_cast<unsigned>(*at_ - '0'));
+    if (chunk_ == 0 && mantissa_ == 0)
+      at_ = std::find_if(at_, end_, [](char c) { return c != '0'; });
+    while (at_ != end_) {
+      if (pending_ == kMostShortDigits) flush();
+      if (hasBlock() ? takeBlock() < kBlock : !takeDigit()) break;
+    }
     return at_ - start;
   }
 
@@ -75,11 +82,54 @@ class Reader {
   [[nodiscard]] Dropped dropped() const noexcept { return dropped_; }
 
  private:
-  void append(unsigned digit) noexcept {
-    if (pending_ == kMostShortDigits) flush();
-    if (isFull_) return dropDigit(digit);
-    chunk_ = chunk_ * 10 + digit;
-    pending_ += (chunk_ | digit) != 0 || mantissa_ != 0 ? 1 : 0;
+  /// Digits that are read at a time, a byte of a word for each.
+  static constexpr int kBlock = 8;
+
+  /// Whether so many bytes are left, of which the first becomes the lowest of a word, and there is
+  /// room for their digits.
+  [[nodiscard]] bool hasBlock() const noexcept {
+    return std::endian::native == std::endian::little && end_ - at_ >= kBlock &&
+           pending_ + kBlock <= kMostShortDigits && !isFull_;
+  }
+
+  /// Appends the digits that the next bytes begin with; gives their count.
+  int takeBlock() noexcept {
+    constexpr std::uint64_t kEach = 0x0101010101010101;
+    std::uint64_t bytes = 0;
+    std::memcpy(&bytes, at_, sizeof bytes);
+    const std::uint64_t digits = bytes ^ (kEach * '0');
+    // The top bit of each byte above 9; what a carry adds lies behind the first of them.
+    const std::uint64_t others = ((digits + kEach * 0x76) | digits) & (kEach * 0x80);
+    const int count = std::countr_zero(others) / 8;
+    if (count == 0) return 0;
+    const std::uint64_t value = valueOfDigits(digits << 8 * (kBlock - count));
+    chunk_ = chunk_ * shortPowerOfTen(count) + value;
+    pending_ += count;
+    at_ += count;
+    return count;
+  }
+
+  /// Of eight bytes from 0 to 9, the lowest of which is the first digit: pairs, then fours, then
+  /// all.
+  [[nodiscard]] static std::uint64_t valueOfDigits(std::uint64_t digits) noexcept {
+    constexpr std::uint64_t kFirstOfFour = 0x000000FF000000FF;
+    const std::uint64_t pairs = digits * 10 + (digits >> 8);
+    const std::uint64_t upper = (pairs & kFirstOfFour) * ((std::uint64_t{1'000'000} << 32) + 100);
+    const std::uint64_t lower =
+        ((pairs >> 16) & kFirstOfFour) * ((std::uint64_t{10'000} << 32) + 1);
+    return (upper + lower) >> 32;
+  }
+
+  bool takeDigit() noexcept {
+    if (!isDigit(*at_)) return false;
+    const auto digit = static_cast<unsigned>(*at_++ - '0');
+    if (isFull_) {
+      dropDigit(digit);
+    } else {
+      chunk_ = chunk_ * 10 + digit;
+      ++pending_;
+    }
+    return true;
   }
 
   void flush() noexcept {
@@ -100,7 +150,7 @@ class Reader {
   }
 
   const char* at_;
-  const char* end_;
+  const char* const end_;
   Wide mantissa_ = 0;
   std::uint64_t chunk_ = 0;
   int pending_ = 0;

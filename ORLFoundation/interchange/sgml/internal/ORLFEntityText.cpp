@@ -109,6 +109,11 @@ std::size_t lengthOfPlainText(std::string_view text) noexcept {
   return end;
 }
 
+std::string_view withoutControlsAtEnd(std::string_view text) noexcept {
+  while (!text.empty() && kindOf(text.back()) == Kind::kRemoved) text.remove_suffix(1);
+  return text;
+}
+
 void unescape(std::string& text) {
   for (const char plain : std::string_view("&<>\"&")) replaceEntity(text, entityOf(plain), plain);
 }
