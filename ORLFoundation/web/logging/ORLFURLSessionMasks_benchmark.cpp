@@ -45,7 +45,7 @@ std::vector<std::string> secrets(std::size_t count) {
 }
 
 void report(benchmark::State& state) {
-  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * body().size()));
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(body().size()));
 }
 
 void BM_FieldMask(benchmark::State& state) {
@@ -95,7 +95,7 @@ void BM_SearchForEachSecret(benchmark::State& state) {
   for (auto _ : state)
     for (const std::string& secret : named)
       benchmark::DoNotOptimize(::memmem(body().data(), size, secret.data(), secret.size()));
-  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * size));
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(size));
 }
 BENCHMARK(BM_SearchForEachSecret)->Arg(100)->Unit(benchmark::kMillisecond);
 

@@ -144,8 +144,8 @@ TEST(ORLFURLSessionSecretMask, MasksNothingMoreInPiecesThatHaveBegun) {
 TEST(ORLFURLSessionSecretMask, TakesLinearTimeWhateverTheText) {
   ORLFURLSessionSecretMask mask;
   for (int i = 0; i < 1000; ++i) mask.addSecret("sk_live_" + std::to_string(1'000'000 + i) + " x");
-  const std::size_t size = 1 << 20;
-  const auto repeated = [size](std::string_view part) {
+  constexpr std::size_t size = 1 << 20;
+  const auto repeated = [](std::string_view part) {
     std::string text;
     while (text.size() < size) text += part;
     return text;
