@@ -264,6 +264,10 @@
 #include <ORLFoundation/web/responses/ORLFServiceResponseEnumeration.h>
 #include <ORLFoundation/web/responses/ORLFServiceResponseError.h>
 #include <ORLFoundation/web/responses/ORLFServiceResponseObject.h>
+#include <ORLFoundation/web/session/ORLFHTTPURLResponse.h>
+#include <ORLFoundation/web/session/ORLFURLSession.h>
+#include <ORLFoundation/web/session/ORLFURLSessionDelegate.h>
+#include <ORLFoundation/web/session/ORLFURLSessionTask.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLParserObjectBuilder.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLParserPropertyBuilder.h>
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLPropertyVocabulary.h>
