@@ -14,6 +14,8 @@ find_package(nlohmann_json 3.11 REQUIRED)               # nlohmann_json::nlohman
 # Only the tests of the bridges to their loops call these; the library links neither.
 pkg_check_modules(GLIB QUIET IMPORTED_TARGET glib-2.0)  # PkgConfig::GLIB
 find_package(Qt6 QUIET COMPONENTS Core)                 # Qt6::Core
+# The store of keychain items in the Secret Service is built where this is found.
+pkg_check_modules(LIBSECRET QUIET IMPORTED_TARGET libsecret-1>=0.20)  # PkgConfig::LIBSECRET
 if(ORLF_BUILD_TOOL)
   find_package(CLI11 2.1 REQUIRED)                      # CLI11::CLI11
   pkg_check_modules(PANGOCAIRO REQUIRED IMPORTED_TARGET pangocairo)  # PkgConfig::PANGOCAIRO
