@@ -63,6 +63,7 @@
 #include <ORLFoundation/platform/archive/NSSecureCoding.h>
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/crypto/CommonCrypto.h>
+#include <ORLFoundation/platform/crypto/SecBase.h>
 #include <ORLFoundation/platform/crypto/SecKey.h>
 #include <ORLFoundation/platform/crypto/SecRandom.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaults.h>
@@ -100,11 +101,22 @@
 #include <ORLFoundation/platform/image/CGDataProvider.h>
 #include <ORLFoundation/platform/image/CGImage.h>
 #include <ORLFoundation/platform/image/CGValues.h>
+#include <ORLFoundation/platform/keychain/SecInProcessItemStore.h>
+#include <ORLFoundation/platform/keychain/SecItem.h>
+#include <ORLFoundation/platform/keychain/SecItemStore.h>
+#include <ORLFoundation/platform/keychain/SecTask.h>
 #include <ORLFoundation/platform/language/NLTagger.h>
 #include <ORLFoundation/platform/language/NSDataDetector.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/log/NSLog.h>
 #include <ORLFoundation/platform/log/ORLFFatalError.h>
+#include <ORLFoundation/platform/net/NSHTTPHeaderFields.h>
+#include <ORLFoundation/platform/net/NSURLRequest.h>
+#include <ORLFoundation/platform/net/NSURLResponse.h>
+#include <ORLFoundation/platform/net/NSURLSession.h>
+#include <ORLFoundation/platform/net/NSURLSessionConfiguration.h>
+#include <ORLFoundation/platform/net/NSURLSessionDelegate.h>
+#include <ORLFoundation/platform/net/NSURLSessionTask.h>
 #include <ORLFoundation/platform/notification/NSNotificationCenter.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
 #include <ORLFoundation/platform/number/NSDecimalNumberBehaviors.h>
@@ -123,6 +135,7 @@
 #include <ORLFoundation/platform/object/NSObject.h>
 #include <ORLFoundation/platform/object/NSSet.h>
 #include <ORLFoundation/platform/object/NSString.h>
+#include <ORLFoundation/platform/object/NSURLErrors.h>
 #include <ORLFoundation/platform/object/NSValue.h>
 #include <ORLFoundation/platform/object/NSValueTransformer.h>
 #include <ORLFoundation/platform/operation/NSBlockOperation.h>
@@ -187,6 +200,7 @@
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceFrequency.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+#include <ORLFoundation/security/keychain/ORLFKeychainAccess.h>
 #include <ORLFoundation/security/primitives/Blowfish.h>
 #include <ORLFoundation/security/primitives/NewBase64.h>
 #include <ORLFoundation/security/primitives/ORLFCryptography.h>
@@ -196,6 +210,7 @@
 #include <ORLFoundation/security/primitives/ORLFDataHashing.h>
 #include <ORLFoundation/security/primitives/ORLFDataSignature.h>
 #include <ORLFoundation/security/primitives/ORLFMD5.h>
+#include <ORLFoundation/security/store/ORLFEncryptedStore.h>
 #include <ORLFoundation/support/collections/ORLFArrayUtilities.h>
 #include <ORLFoundation/support/collections/ORLFMutableArrayUtilities.h>
 #include <ORLFoundation/support/collections/ORLFNonretainingMutableCollection.h>
