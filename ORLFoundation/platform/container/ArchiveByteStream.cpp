@@ -2,8 +2,8 @@
 
 #include <ORLFoundation/platform/container/FileByteStream.h>
 #include <ORLFoundation/platform/container/internal/BlockStreams.h>
-#include <ORLFoundation/platform/container/internal/SealedStreams.h>
 #include <ORLFoundation/platform/container/internal/HeaderFields.h>
+#include <ORLFoundation/platform/container/internal/SealedStreams.h>
 
 namespace ORLFoundation {
 
@@ -14,13 +14,12 @@ using internal::files::FileWork;
 using internal::files::OpenFile;
 
 std::shared_ptr<ArchiveByteStream> ArchiveByteStream::fileStream(const std::string& path,
-                                                                 FileMode mode,
-                                                                 NSErrorSlot error) {
+                                                                 FileMode mode, NSErrorSlot error) {
   constexpr mode_t kNewFile = 0666;  // of which the process's mask takes away
   FileCalls& calls = *FileCalls::system();
   const bool reads = mode == FileMode::readOnly;
-  OpenFile file(calls, calls.open(AT_FDCWD, path, reads ? O_RDONLY : O_RDWR | O_CREAT | O_EXCL,
-                                  kNewFile));
+  OpenFile file(calls,
+                calls.open(AT_FDCWD, path, reads ? O_RDONLY : O_RDWR | O_CREAT | O_EXCL, kNewFile));
   if (file.isOpen()) return std::make_shared<FileByteStream>(calls, std::move(file), path);
   const FileFailure failure{reads ? FileWork::Read : FileWork::Write, errno, path};
   NSFillErrorSlot(error, internal::files::errorOf(failure));

@@ -1,8 +1,10 @@
 /// Streams of bytes from which archives are read and to which they are written, one laid over the
 /// other: a file, the compressing or the sealing stream over it.
 ///
-///     const auto file = ArchiveByteStream::fileStream(path, ArchiveByteStream::FileMode::createNew);
-///     const auto packed = ArchiveByteStream::compressionStream(ArchiveCompression::lzfse, *file);
+///     using Mode = ArchiveByteStream::FileMode;
+///     const auto file = ArchiveByteStream::fileStream(path, Mode::createNew);
+///     const auto packed =
+///         ArchiveByteStream::compressionStream(ArchiveCompression::lzfse, *file);
 ///     packed->write(bytes);
 ///     packed->close();
 ///     file->close();

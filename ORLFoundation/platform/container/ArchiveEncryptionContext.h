@@ -37,8 +37,8 @@ class ArchiveEncryptionContext {
 
   /// `init(profile:compressionAlgorithm:)`  For a new container.
   ArchiveEncryptionContext(Profile profile, ArchiveCompression compressionAlgorithm);
-  /// `init(from:)`  Of a container that a stream is at the beginning of; the segments follow. Throws
-  /// `ArchiveError` where there is none, and for other profiles.
+  /// `init(from:)`  Of a container that a stream is at the beginning of; the segments follow.
+  /// Throws `ArchiveError` where there is none, and for other profiles.
   explicit ArchiveEncryptionContext(ArchiveByteStream& from);
   ~ArchiveEncryptionContext();
   ArchiveEncryptionContext(const ArchiveEncryptionContext&) = delete;

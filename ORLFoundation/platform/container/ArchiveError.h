@@ -16,17 +16,18 @@
 
 namespace ORLFoundation {
 
+/// Of errors whose codes are those below.
 inline constexpr std::string_view ArchiveErrorDomain = "ArchiveErrorDomain";
 
 /// Codes of `ArchiveErrorDomain`. Failures of the file system keep their own domain and code.
 enum ArchiveErrorCode : NSInteger {
-  ArchiveErrorDamaged = 1,      ///< Cut off, altered, or no archive at all.
-  ArchiveErrorUnsupported = 2,  ///< A form of the container that is not read here.
-  ArchiveErrorWrongKey = 3,     ///< The wrong key or password, or an altered record of it.
-  ArchiveErrorTooLarge = 4,     ///< More entries, bytes or memory than allowed.
-  ArchiveErrorUnsafeName = 5,   ///< A name that would lead out of the folder, or comes twice.
-  ArchiveErrorNotProtected = 6, ///< A password was given for what is not protected.
-  ArchiveErrorChanged = 7,      ///< A file became shorter while it was packed.
+  ArchiveErrorDamaged = 1,       ///< Cut off, altered, or no archive at all.
+  ArchiveErrorUnsupported = 2,   ///< A form of the container that is not read here.
+  ArchiveErrorWrongKey = 3,      ///< The wrong key or password, or an altered record of it.
+  ArchiveErrorTooLarge = 4,      ///< More entries, bytes or memory than allowed.
+  ArchiveErrorUnsafeName = 5,    ///< A name that would lead out of the folder, or comes twice.
+  ArchiveErrorNotProtected = 6,  ///< A password was given for what is not protected.
+  ArchiveErrorChanged = 7,       ///< A file became shorter while it was packed.
 };
 
 class ArchiveError : public std::runtime_error {

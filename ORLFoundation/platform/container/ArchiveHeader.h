@@ -107,8 +107,8 @@ class ArchiveHeader {
   [[nodiscard]] std::optional<std::uint64_t> blobSizeForKey(FieldKey key) const;
   [[nodiscard]] bool hasKey(FieldKey key) const { return first(key) != nullptr; }
 
-  /// Each number in the fewest bytes that hold it. Throws `ArchiveError` for more than 65,535 bytes,
-  /// and for a text or a hash of a length that has no form.
+  /// Each number in the fewest bytes that hold it. Throws `ArchiveError` for more than 65,535
+  /// bytes, and for a text or a hash of a length that has no form.
   [[nodiscard]] std::vector<std::uint8_t> encodedData() const;
   /// The size that the first six bytes tell. Throws `ArchiveError` where they begin no header.
   [[nodiscard]] static std::size_t sizeOfStart(std::span<const std::uint8_t> start);

@@ -39,7 +39,8 @@ std::vector<Example> examples() {
        headerOf({Field::uint("TYP", 'F'), Field::string("PAT", "a.txt"), Field::uint("UID", 501),
                  Field::uint("GID", 20), Field::uint("MOD", 0644), Field::uint("FLG", 0), kModified,
                  Field::blob("DAT", 6)}),
-       "41413031 4200 545950 31 46  504154 50 0500 612e747874  554944 32 f501  474944 31 14  4d4f44 32 "
+       "41413031 4200 545950 31 46  504154 50 0500 612e747874  554944 32 f501  474944 31 14  "
+       "4d4f44 32 "
        "a401 464c47 31 00  4d544d 54 00f1536500000000 15cd5b07  444154 41 0600"},
       {"a link",
        headerOf({Field::uint("TYP", 'L'), Field::string("PAT", "l"), Field::string("LNK", "a.txt"),
@@ -47,19 +48,11 @@ std::vector<Example> examples() {
                  Field::uint("FLG", 0), kModified}),
        "41413031 4300 545950 31 4c  504154 50 0100 6c  4c4e4b 50 0500 612e747874  554944 32 f501  "
        "474944 31 14 4d4f44 32 ed01  464c47 31 00  4d544d 54 00f1536500000000 15cd5b07"},
-      {"a root with two times",
-       headerOf({Field::uint("TYP", 'D'), Field::string("PAT", ""), Field::uint("UID", 0),
-                 Field::uint("GID", 0x50), Field::uint("MOD", 0755), Field::uint("FLG", 0),
-                 Field::time("MTM", {0x6661adbd, 0x0c917063}),
-                 Field::time("CTM", {0x6661a4a6, 0x3ae0d32}),
-       }),
-       ""},
   };
 }
 
 TEST(ArchiveHeader, IsWrittenAndReadToTheByte) {
   for (const Example& example : examples()) {
-    if (example.hex.empty()) continue;
     const Octets bytes = octetsOfHex(example.hex);
     EXPECT_EQ(hexOfOctets(example.header.encodedData()), hexOfOctets(bytes)) << example.name;
     EXPECT_EQ(ArchiveHeader::headerWithData(bytes), example.header) << example.name;
@@ -104,12 +97,10 @@ TEST(ArchiveHeader, TakesTheFewestBytesForEachValue) {
       {Field::blob("DAT", std::uint64_t{1} << 32), "444154 43 0000000001000000"},
       {Field::time("MTM", {-1, std::nullopt}), "4d544d 53 ffffffffffffffff"},
       {Field::hash("CKS", {1, 2, 3, 4}), "434b53 46 01020304"},
-      {Field::hash("SH1", Octets(20, 7)), "534831 47 " + std::string(20, '0') + std::string(0, ' ')},
   };
   for (const auto& [field, hex] : rows) {
     const Octets bytes = headerOf({field}).encodedData();
-    if (field.key != ArchiveHeader::FieldKey("SH1"))
-      EXPECT_EQ(hexOfOctets(std::span(bytes).subspan(6)), hexOfOctets(octetsOfHex(hex)));
+    EXPECT_EQ(hexOfOctets(std::span(bytes).subspan(6)), hexOfOctets(octetsOfHex(hex)));
     EXPECT_EQ(ArchiveHeader::headerWithData(bytes), headerOf({field}));
   }
   for (const std::size_t length : {4U, 20U, 32U, 48U, 64U}) {
@@ -153,10 +144,9 @@ TEST(ArchiveHeader, RefusesWhatIsCutOffOrUnknown) {
   }
   for (const char* hex : {"41413031 0500", "41413032 0600", "41413031 0a00 545950 7a",
                           "41413031 0b00 545950 33 00", "41413031 0b00 743950 31 00"})
-    EXPECT_EQ(archiveErrorOf([&] {
-                static_cast<void>(ArchiveHeader::headerWithData(octetsOfHex(hex)));
-              }),
-              ArchiveErrorDamaged)
+    EXPECT_EQ(
+        archiveErrorOf([&] { static_cast<void>(ArchiveHeader::headerWithData(octetsOfHex(hex))); }),
+        ArchiveErrorDamaged)
         << hex;
 }
 
@@ -170,9 +160,8 @@ TEST(ArchiveHeader, RefusesNamesThatDoNotFit) {
               }),
               ArchiveErrorTooLarge)
         << length;
-  EXPECT_EQ(archiveErrorOf([] {
-              static_cast<void>(headerOf({Field::hash("SH2", Octets(5))}).encodedData());
-            }),
+  EXPECT_EQ(archiveErrorOf(
+                [] { static_cast<void>(headerOf({Field::hash("SH2", Octets(5))}).encodedData()); }),
             ArchiveErrorUnsupported);
 }
 

@@ -3,7 +3,8 @@
 /// which makes files of them.
 ///
 ///     const auto entries = ArchiveStream::encodeStream(*packed);
-///     entries->writeDirectoryContents("/home/ann/books", ArchiveHeader::FieldKeySet("TYP,PAT,DAT"));
+///     const ArchiveHeader::FieldKeySet keys("TYP,PAT,DAT,MOD");
+///     entries->writeDirectoryContents("/home/ann/books", keys);
 ///     entries->close();
 ///
 /// Failures are thrown as `ArchiveError`. A stream over another one must go before it, and serves
@@ -24,27 +25,33 @@
 
 namespace ORLFoundation {
 
+/// What packing a folder may ask for.
+struct ArchivePackingOptions {
+  /// Called with the bytes of files that were packed so far, now and then. What it throws ends the
+  /// packing.
+  std::function<void(std::uint64_t bytes)> advance = {};
+  /// Device and number of a file that is left out: the archive itself, where it lies in the
+  /// folder.
+  std::optional<std::pair<std::uint64_t, std::uint64_t>> leftOut = {};
+};
+
+/// What extraction keeps, and what it bears.
+struct ArchiveExtractionOptions {
+  /// Gives files to the users and groups of the archive, which takes the right to do so.
+  bool keepsOwners = false;
+  /// Keeps the bits that have a program run as its owner, and the sticky one.
+  bool keepsSetIDBits = false;
+  std::uint64_t mostEntries = 1'000'000;
+  /// Of all files together.
+  std::uint64_t mostBytes = std::uint64_t{64} << 30;
+  /// Called before each entry and now and then within long ones. What it throws ends the work.
+  std::function<void()> advance = {};
+};
+
 class ArchiveStream {
  public:
-  struct PackingOptions {
-    /// Called with the bytes of files that were packed so far, now and then. What it throws ends the
-    /// packing.
-    std::function<void(std::uint64_t bytes)> advance;
-    /// Device and number of a file that is left out: the archive itself, where it lies in the
-    /// folder.
-    std::optional<std::pair<std::uint64_t, std::uint64_t>> leftOut;
-  };
-  struct ExtractionOptions {
-    /// Gives files to the users and groups of the archive, which takes the right to do so.
-    bool keepsOwners = false;
-    /// Keeps the bits that have a program run as its owner, and the sticky one.
-    bool keepsSetIDBits = false;
-    std::uint64_t mostEntries = 1'000'000;
-    /// Of all files together.
-    std::uint64_t mostBytes = std::uint64_t{64} << 30;
-    /// Called before each entry and now and then within long ones. What it throws ends the work.
-    std::function<void()> advance;
-  };
+  using PackingOptions = ArchivePackingOptions;
+  using ExtractionOptions = ArchiveExtractionOptions;
 
   ArchiveStream() = default;
   virtual ~ArchiveStream() = default;

@@ -39,13 +39,12 @@ CipherContext begin(const AES::GCM::SealedBox& box, const SymmetricKey& key, boo
   const EVP_CIPHER* const cipher = sealingCipherForKey(key.bytes().size());
   CipherContext context(EVP_CIPHER_CTX_new());
   int count = 0;
-  const bool isReady =
-      cipher != nullptr && context && isCountable(authenticating) &&
-      EVP_CipherInit_ex(context.get(), cipher, nullptr, key.bytes().data(), box.nonce.data(),
-                        seals ? 1 : 0) == 1 &&
-      (authenticating.empty() ||
-       EVP_CipherUpdate(context.get(), nullptr, &count, authenticating.data(),
-                        static_cast<int>(authenticating.size())) == 1);
+  const bool isReady = cipher != nullptr && context && isCountable(authenticating) &&
+                       EVP_CipherInit_ex(context.get(), cipher, nullptr, key.bytes().data(),
+                                         box.nonce.data(), seals ? 1 : 0) == 1 &&
+                       (authenticating.empty() ||
+                        EVP_CipherUpdate(context.get(), nullptr, &count, authenticating.data(),
+                                         static_cast<int>(authenticating.size())) == 1);
   return isReady ? std::move(context) : CipherContext();
 }
 

@@ -33,8 +33,8 @@ struct ScryptCost {
                                          std::uint64_t mostMemory, std::span<std::uint8_t> key);
 
 inline constexpr std::size_t kAES256KeyBytes = 32, kAESBlockBytes = 16;
-/// Encrypts or decrypts in place, by AES-256 in counter mode; the counter is one number of 128 bits,
-/// its highest byte first.
+/// Encrypts or decrypts in place, by AES-256 in counter mode; the counter is one number of 128
+/// bits, its highest byte first.
 void cryptInCounterMode(ByteSpan key, ByteSpan counter, std::span<std::uint8_t> bytes);
 
 /// Overwrites the bytes, whatever the compiler makes of it.

@@ -79,34 +79,30 @@ NSData secretOf(std::string& password) {
 }  // namespace
 
 CooperativeTask<> AppleArchive::archive(NSURL source, NSURL to, AppleArchiveOptions options) {
-  return backgroundTask(
-      [source = std::move(source), to = std::move(to)](ArchiveJob& job) {
-        job.pack(source, to, std::nullopt);
-      },
-      std::move(options));
+  return backgroundTask([source = std::move(source), to = std::move(to)](
+                            ArchiveJob& job) { job.pack(source, to, std::nullopt); },
+                        std::move(options));
 }
 
 CooperativeTask<> AppleArchive::archive(NSURL source, NSURL to, std::string withPassword,
                                         AppleArchiveOptions options) {
   return backgroundTask(
-      [source = std::move(source), to = std::move(to), secret = secretOf(withPassword)](
-          ArchiveJob& job) { job.pack(source, to, secret); },
+      [source = std::move(source), to = std::move(to),
+       secret = secretOf(withPassword)](ArchiveJob& job) { job.pack(source, to, secret); },
       std::move(options));
 }
 
 CooperativeTask<> AppleArchive::extract(NSURL source, NSURL to, AppleArchiveOptions options) {
-  return backgroundTask(
-      [source = std::move(source), to = std::move(to)](ArchiveJob& job) {
-        job.extract(source, to, std::nullopt);
-      },
-      std::move(options));
+  return backgroundTask([source = std::move(source), to = std::move(to)](
+                            ArchiveJob& job) { job.extract(source, to, std::nullopt); },
+                        std::move(options));
 }
 
 CooperativeTask<> AppleArchive::extract(NSURL source, NSURL to, std::string withPassword,
                                         AppleArchiveOptions options) {
   return backgroundTask(
-      [source = std::move(source), to = std::move(to), secret = secretOf(withPassword)](
-          ArchiveJob& job) { job.extract(source, to, secret); },
+      [source = std::move(source), to = std::move(to),
+       secret = secretOf(withPassword)](ArchiveJob& job) { job.extract(source, to, secret); },
       std::move(options));
 }
 

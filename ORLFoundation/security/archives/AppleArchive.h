@@ -1,5 +1,5 @@
-/// A folder packed into one file, plain or protected by a password, and unpacked. The operations are
-/// to be awaited, or started as jobs; their work is done on the global queue.
+/// A folder packed into one file, plain or protected by a password, and unpacked. The operations
+/// are to be awaited, or started as jobs; their work is done on the global queue.
 ///
 ///     const auto executor = CooperativeExecutorOnGlobalQueue();
 ///     const auto job = CooperativeJob<>::start(
@@ -28,8 +28,8 @@ class ORLFProgressItem;
 
 /// What callers may ask of an archive's operations.
 struct AppleArchiveOptions {
-  /// Is set to the bytes that were worked off, of all: those of the files, or of the archive that is
-  /// read.
+  /// Is set to the bytes that were worked off, of all: those of the files, or of the archive that
+  /// is read.
   std::shared_ptr<ORLFProgressItem> progress = nullptr;
   /// Extraction alone: gives files to their users and groups, which takes the right to do so.
   bool keepsOwners = false;

@@ -39,8 +39,7 @@ std::shared_ptr<const NSError> NSErrorOfFoundationError(
 }
 
 bool isFoundationError(const NSError& record, FoundationError error) noexcept {
-  return record.domain() == FoundationErrorDomain &&
-         record.code() == static_cast<NSInteger>(error);
+  return record.domain() == FoundationErrorDomain && record.code() == static_cast<NSInteger>(error);
 }
 
 }  // namespace ORLFoundation

@@ -1,8 +1,6 @@
 /// Failures that are this library's own, as errors with a text for people.
 ///
-///     } catch (const ArchiveError& failure) {
-///       if (isFoundationError(*failure.error(), FoundationError::archiveRequiresPassword)) ask();
-///     }
+///     if (isFoundationError(*error, FoundationError::archiveRequiresPassword)) ask();
 #pragma once
 
 #include <ORLFoundation/platform/object/NSError.h>
@@ -20,7 +18,8 @@ inline constexpr std::string_view FoundationErrorDomain = "ORLFoundation.Foundat
 enum class FoundationError : NSInteger {
   /// What no other error tells of: no memory, no random bytes.
   unknown,
-  /// A stream could not be made: an address that names no file, a file or folder that does not open.
+  /// A stream could not be made: an address that names no file, a file or folder that does not
+  /// open.
   /// The error under it tells why.
   nilUnwrappedOptional,
   /// A protected archive was to be extracted, or made, without a password.

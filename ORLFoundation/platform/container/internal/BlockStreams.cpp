@@ -86,7 +86,8 @@ BlockReader::BlockReader(ArchiveByteStream& from) : from_(from), left_(from.leng
   if (start[3] != static_cast<std::uint8_t>(kLZFSELetter))
     throwUnsupported("its blocks are compressed in another way than LZFSE");
   const std::uint64_t size = bigAt(start, 4, 8);
-  if (size == 0 || size > std::uint64_t{1} << 31) throwDamaged("its blocks have an impossible size");
+  if (size == 0 || size > std::uint64_t{1} << 31)
+    throwDamaged("its blocks have an impossible size");
   if (size > kMostBlockBytes)
     throw ArchiveError(ArchiveErrorTooLarge, "The archive's blocks are larger than 64 MiB.");
   blockSize_ = size;

@@ -22,9 +22,9 @@ constexpr mode_t kRightsBits = 0777, kModeBits = 07777;
 constexpr std::uint64_t kMostHeldBytes = std::uint64_t{64} << 20;
 
 [[noreturn]] void throwUnsafe(std::string_view path, std::string_view why) {
-  throw ArchiveError(ArchiveErrorUnsafeName, "The archive was not extracted: \"" +
-                                                 std::string(path) + "\" " + std::string(why) +
-                                                 ".");
+  throw ArchiveError(
+      ArchiveErrorUnsafeName,
+      "The archive was not extracted: \"" + std::string(path) + "\" " + std::string(why) + ".");
 }
 
 /// Refuses a path that is not a way down from the folder.
@@ -135,10 +135,10 @@ void FolderExtraction::finishFile() {
   if (!file_.isOpen()) return;
   if (left_ > 0) throwDamaged("a file is shorter than its entry says");
   // Giving a file away takes bits of its mode, so that comes first.
-  const bool isOwned = !takesOwners(fileTraits_) ||
-                       folder_.calls().setOwner(file_.number(),
-                                                static_cast<uid_t>(*fileTraits_.user),
-                                                static_cast<gid_t>(*fileTraits_.group));
+  const bool isOwned =
+      !takesOwners(fileTraits_) ||
+      folder_.calls().setOwner(file_.number(), static_cast<uid_t>(*fileTraits_.user),
+                               static_cast<gid_t>(*fileTraits_.group));
   if (!isOwned || !folder_.calls().setMode(file_.number(), fileTraits_.mode.value_or(kNewFile)) ||
       !file_.close())
     throwUnwritable(path_);

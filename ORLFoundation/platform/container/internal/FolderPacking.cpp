@@ -71,8 +71,8 @@ void FolderPacking::packFile(ArchiveStream& stream, const std::string& path) {
   for (std::uint64_t at = 0; holdsData && at < size;) {
     const std::size_t count = std::min<std::uint64_t>(piece_.size(), size - at);
     const auto bytes = std::span(piece_).first(count);
-    const ssize_t read = folder_.calls().read(file.number(), std::as_writable_bytes(bytes),
-                                              static_cast<off_t>(at));
+    const ssize_t read =
+        folder_.calls().read(file.number(), std::as_writable_bytes(bytes), static_cast<off_t>(at));
     if (read < 0) throwUnreadable(path);
     if (read == 0)
       throw ArchiveError(ArchiveErrorChanged,
@@ -87,8 +87,8 @@ void FolderPacking::packFile(ArchiveStream& stream, const std::string& path) {
 void FolderPacking::packLink(ArchiveStream& stream, const std::string& path,
                              const struct stat& status) {
   const int folder = folder_.folderOf(path);
-  const auto target = folder < 0 ? std::nullopt
-                                 : folder_.calls().readLink(folder, files::nameOfPath(path));
+  const auto target =
+      folder < 0 ? std::nullopt : folder_.calls().readLink(folder, files::nameOfPath(path));
   if (!target) throwUnreadable(path);
   ArchiveHeader header = headerOf('L', path);
   header.append(ArchiveHeader::Field::string("LNK", *target));

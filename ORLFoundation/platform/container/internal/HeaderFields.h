@@ -1,5 +1,5 @@
-/// Numbers of the container, which stand with their lowest byte first, and in its outer wrapper with
-/// their highest.
+/// Numbers of the container, which stand with their lowest byte first, and in its outer wrapper
+/// with their highest.
 #pragma once
 
 #include <ORLFoundation/platform/container/ArchiveError.h>

@@ -65,7 +65,8 @@ std::array<std::uint8_t, kRootBytes> SealedRoot::encoded() const {
   appendLittle(bytes, segmentBytes, 4);
   appendLittle(bytes, segmentsPerCluster, 4);
   for (const Letter& letter : kLetters)
-    if (letter.compression == compression) bytes.push_back(static_cast<std::uint8_t>(letter.letter));
+    if (letter.compression == compression)
+      bytes.push_back(static_cast<std::uint8_t>(letter.letter));
   bytes.push_back(static_cast<std::uint8_t>(checksum));
   bytes.resize(kRootBytes);
   return arrayAt<kRootBytes>(bytes, 0);
@@ -104,9 +105,8 @@ Bytes SealedPrologue::encoded() const {
   Bytes bytes(kSealedMagic.begin(), kSealedMagic.end());
   appendBytes(bytes, kindOf(*this));
   appendLittle(bytes, authData.size(), 4);
-  for (const ByteSpan part :
-       {ByteSpan(authData), ByteSpan(salt), ByteSpan(rootTag), ByteSpan(root),
-        ByteSpan(firstClusterTag)})
+  for (const ByteSpan part : {ByteSpan(authData), ByteSpan(salt), ByteSpan(rootTag), ByteSpan(root),
+                              ByteSpan(firstClusterTag)})
     appendBytes(bytes, part);
   return bytes;
 }

@@ -79,8 +79,7 @@ void SealedWriter::finishSegment() {
   const std::size_t perCluster = prologue_.plan.segmentsPerCluster;
   const auto index = static_cast<std::uint32_t>(begunSegments_ % perCluster);
   if (index == 0)
-    clusterKey_ =
-        clusterKeyOf(mainKey_, static_cast<std::uint32_t>(begunSegments_ / perCluster));
+    clusterKey_ = clusterKeyOf(mainKey_, static_cast<std::uint32_t>(begunSegments_ / perCluster));
   segment_->clusterKey = clusterKey_;
   segment_->index = index;
   ++begunSegments_;

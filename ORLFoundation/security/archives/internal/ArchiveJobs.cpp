@@ -66,6 +66,28 @@ std::string magicOf(const FileByteStream& file) {
   return magic;
 }
 
+/// The archive behind its password. Once the record's seal has opened the key is right, and what
+/// does not fit is damage; without a record the password itself makes the key.
+std::shared_ptr<ArchiveByteStream> openSealed(FileByteStream& file,
+                                              ArchiveEncryptionContext& context,
+                                              const NSData& password) {
+  const bool hasRecord =
+      context.profile() ==
+      ArchiveEncryptionContext::Profile::hkdf_sha256_aesctr_hmac__symmetric__none;
+  if (hasRecord)
+    context.setSymmetricKey(archiveKeyOfRecord(context.authData(), password));
+  else
+    context.setPassword(password.text());
+  try {
+    return ArchiveByteStream::decryptionStream(file, context);
+  } catch (const ArchiveError& failure) {
+    if (!failure.is(ArchiveErrorWrongKey)) throw;
+    if (!hasRecord) throwWrongPassword();
+    throw ArchiveError(ArchiveErrorDamaged,
+                       "The archive is damaged: its first bytes were altered.");
+  }
+}
+
 }  // namespace
 
 /// A thousand times at most, and at the end.
@@ -159,14 +181,7 @@ void ArchiveJob::extractEntries(FileByteStream& file, const std::optional<NSData
   const std::string magic = magicOf(file);
   if (magic == kSealedMagic) {
     ArchiveEncryptionContext context(file);
-    if (context.profile() !=
-        ArchiveEncryptionContext::Profile::hkdf_sha256_aesctr_hmac__symmetric__none) {
-      context.setPassword(password->text());
-    } else {
-      context.setSymmetricKey(archiveKeyOfRecord(context.authData(), *password));
-    }
-    check_();
-    const auto opened = ArchiveByteStream::decryptionStream(file, context);
+    const auto opened = openSealed(file, context, *password);
     return processEntries(file, *opened, folder);
   }
   if (magic.starts_with(kBlockMagic)) {

@@ -55,8 +55,8 @@ void Destination::throwUnwritable(int number) const {
 }
 
 FileByteStream& Destination::makeFile() {
-  const std::string name = "." + name_.substr(0, 200) + "." +
-                           NSUUID::UUID().UUIDString().substr(0, kDigits);
+  const std::string name =
+      "." + name_.substr(0, 200) + "." + NSUUID::UUID().UUIDString().substr(0, kDigits);
   OpenFile file = parent_.open(name, O_RDWR | O_CREAT | O_EXCL, kNewFile);
   if (!file.isOpen()) throwUnwritable(errno);
   temporaryName_ = name;

@@ -33,10 +33,6 @@ std::uint64_t numberAt(ByteSpan bytes, std::size_t at, std::size_t width) {
   return value;
 }
 
-[[noreturn]] void throwWrongPassword() {
-  throw ArchiveError(ArchiveErrorWrongKey, "Wrong password or altered key record.");
-}
-
 [[noreturn]] void throwUnknown() {
   throw ArchiveError(NSErrorOfFoundationError(FoundationError::unknown));
 }
@@ -59,8 +55,9 @@ std::vector<std::uint8_t> startOfRecord(const ScryptCost& cost) {
 bool isRecord(ByteSpan record) {
   const auto name = record.subspan(std::min<std::size_t>(record.size(), 4));
   return record.size() == kRecordBytes && numberAt(record, 0, 4) == kRecordBytes &&
-         std::equal(kName.begin(), kName.end(), name.begin(),
-                    [](char c, std::uint8_t byte) { return static_cast<std::uint8_t>(c) == byte; }) &&
+         std::equal(
+             kName.begin(), kName.end(), name.begin(),
+             [](char c, std::uint8_t byte) { return static_cast<std::uint8_t>(c) == byte; }) &&
          record[kCostAt - 1] == 0;
 }
 
@@ -91,11 +88,15 @@ SymmetricKey passwordKey(ByteSpan record, const ScryptCost& cost, const NSData& 
 
 }  // namespace
 
+void throwWrongPassword() {
+  throw ArchiveError(ArchiveErrorWrongKey, "Wrong password or altered key record.");
+}
+
 std::vector<std::uint8_t> keyRecord(const SymmetricKey& archiveKey, const NSData& password,
                                     const ScryptCost& cost) {
   std::vector<std::uint8_t> record = startOfRecord(cost);
-  const auto box = AES::GCM::seal(archiveKey.bytes(), passwordKey(record, cost, password),
-                                  std::nullopt, record);
+  const auto box =
+      AES::GCM::seal(archiveKey.bytes(), passwordKey(record, cost, password), std::nullopt, record);
   if (!box) throwUnknown();
   record.insert(record.end(), box->nonce.begin(), box->nonce.end());
   record.insert(record.end(), box->ciphertext.begin(), box->ciphertext.end());
@@ -115,8 +116,7 @@ SymmetricKey archiveKeyOfRecord(ByteSpan record, const NSData& password) {
   std::copy_n(record.begin() + kNonceAt, box.nonce.size(), box.nonce.begin());
   box.ciphertext.assign(record.begin() + kSealedAt, record.begin() + kTagAt);
   std::copy_n(record.begin() + kTagAt, box.tag.size(), box.tag.begin());
-  const auto key =
-      AES::GCM::open(box, passwordKey(record, cost, password), record.first(kNonceAt));
+  const auto key = AES::GCM::open(box, passwordKey(record, cost, password), record.first(kNonceAt));
   if (!key) throwWrongPassword();
   return SymmetricKey(key->bytes());
 }

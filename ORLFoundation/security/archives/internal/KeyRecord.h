@@ -30,6 +30,8 @@ inline constexpr crypto::ScryptCost kPasswordCost{std::uint64_t{1} << 17, 8, 1};
 inline constexpr std::uint64_t kMostMemory = std::uint64_t{256} << 20;
 inline constexpr std::uint64_t kMostWork = std::uint64_t{1} << 22;
 
+[[noreturn]] void throwWrongPassword();
+
 /// Under a salt and a nonce of its own. Throws `ArchiveError` where the system gives no random
 /// bytes or no memory.
 [[nodiscard]] std::vector<std::uint8_t> keyRecord(const SymmetricKey& archiveKey,
