@@ -58,7 +58,7 @@ constexpr std::array kCommands{
     Command{"process", &declareProcessCommand},
     Command{"watch", &declareWatchCommand},
     Command{"template-image", &declareTemplateImageCommand, Length::mayBeLong},
-    Command{"mirror", &declareMirrorCommand},
+    Command{"mirror", &declareMirrorCommand, Length::mayBeLong},
     Command{"store-info", &declareStoreInfoCommand},
     Command{"same-file", &declareSameFileCommand},
 };

@@ -429,26 +429,6 @@ TEST(NSOperationQueue, TheMainQueueRunsOneATimeOnTheMainThread) {
   EXPECT_EQ(notes.text(), "123");
 }
 
-TEST(NSOperationQueue, TheMainQueueLeavesNothingToWhatIsMoreUrgentElsewhere) {
-  while (pumpMainQueue(0)) {
-  }
-  // More than there are threads, so that some wait to begin.
-  const auto urgent = std::make_shared<NSOperationQueue>();
-  urgent->setQualityOfService(NSQualityOfServiceUserInteractive);
-  std::atomic<bool> isOver{false};
-  for (int i = 0; i < 100; ++i)
-    urgent->addOperationWithBlock([&] {
-      while (!isOver) std::this_thread::yield();
-    });
-  bool ran = false;
-  NSOperationQueue::mainQueue()->addOperationWithBlock([&] { ran = true; });
-  EXPECT_TRUE(pumpMainQueue(0));
-  EXPECT_TRUE(ran);
-  isOver = true;
-  urgent->waitUntilAllOperationsAreFinished();
-  while (!ran) pumpMainQueue(1);
-}
-
 TEST(NSOperationQueue, OperationsMayAddToTheirQueueFromManyThreads) {
   const auto queue = std::make_shared<NSOperationQueue>();
   std::atomic<int> runs{0};
