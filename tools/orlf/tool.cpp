@@ -61,6 +61,10 @@ constexpr std::array kCommands{
     Command{"mirror", &declareMirrorCommand, Length::mayBeLong},
     Command{"store-info", &declareStoreInfoCommand},
     Command{"same-file", &declareSameFileCommand},
+    Command{"store", &declareStoreCommand},
+    Command{"hash", &declareHashCommand},
+    Command{"base64", &declareBase64Command},
+    Command{"gzip", &declareGzipCommand},
 };
 
 constexpr const char* kFooter =
