@@ -44,6 +44,7 @@ constexpr std::array kCommands{
     Command{"percent", &declarePercentCommand, Length::mayBeLong},
     Command{"round", &declareRoundCommand},
     Command{"decimal", &declareDecimalCommand},
+    Command{"keychain", &declareKeychainCommand},
     Command{"link", &declareLinkCommand},
     Command{"title", &declareTitleCommand, Length::mayBeLong},
     Command{"email", &declareEmailCommand, Length::mayBeLong},
