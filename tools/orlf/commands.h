@@ -77,5 +77,11 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareProcessCommand(Options& options);
 /// `orlf watch`  What happens to a file, or to the names in a directory.
 [[nodiscard]] Job declareWatchCommand(Options& options);
+/// `orlf user-agent`  What an application tells servers it is.
+[[nodiscard]] Job declareUserAgentCommand(Options& options);
+/// `orlf reachable`  Whether there is a way to a host.
+[[nodiscard]] Job declareReachableCommand(Options& options);
+/// `orlf query-string`  The queries of addresses.
+[[nodiscard]] Job declareQueryStringCommand(Options& options);
 
 }  // namespace orlftool

@@ -61,6 +61,9 @@ constexpr std::array kCommands{
     Command{"mirror", &declareMirrorCommand},
     Command{"store-info", &declareStoreInfoCommand},
     Command{"same-file", &declareSameFileCommand},
+    Command{"user-agent", &declareUserAgentCommand},
+    Command{"reachable", &declareReachableCommand},
+    Command{"query-string", &declareQueryStringCommand},
 };
 
 constexpr const char* kFooter =
