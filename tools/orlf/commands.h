@@ -83,5 +83,13 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareReachableCommand(Options& options);
 /// `orlf query-string`  The queries of addresses.
 [[nodiscard]] Job declareQueryStringCommand(Options& options);
+/// `orlf store`  Passwords for services in one encrypted file.
+[[nodiscard]] Job declareStoreCommand(Options& options);
+/// `orlf hash`  Digests of files.
+[[nodiscard]] Job declareHashCommand(Options& options);
+/// `orlf base64`  Base64 text, both ways.
+[[nodiscard]] Job declareBase64Command(Options& options);
+/// `orlf gzip`  Compression, both ways.
+[[nodiscard]] Job declareGzipCommand(Options& options);
 
 }  // namespace orlftool
