@@ -79,5 +79,19 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareProcessCommand(Options& options);
 /// `orlf watch`  What happens to a file, or to the names in a directory.
 [[nodiscard]] Job declareWatchCommand(Options& options);
+/// `orlf user-agent`  What an application tells servers it is.
+[[nodiscard]] Job declareUserAgentCommand(Options& options);
+/// `orlf reachable`  Whether there is a way to a host.
+[[nodiscard]] Job declareReachableCommand(Options& options);
+/// `orlf query-string`  The queries of addresses.
+[[nodiscard]] Job declareQueryStringCommand(Options& options);
+/// `orlf store`  Passwords for services in one encrypted file.
+[[nodiscard]] Job declareStoreCommand(Options& options);
+/// `orlf hash`  Digests of files.
+[[nodiscard]] Job declareHashCommand(Options& options);
+/// `orlf base64`  Base64 text, both ways.
+[[nodiscard]] Job declareBase64Command(Options& options);
+/// `orlf gzip`  Compression, both ways.
+[[nodiscard]] Job declareGzipCommand(Options& options);
 
 }  // namespace orlftool
