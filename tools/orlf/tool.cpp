@@ -44,6 +44,7 @@ constexpr std::array kCommands{
     Command{"percent", &declarePercentCommand, Length::mayBeLong},
     Command{"round", &declareRoundCommand},
     Command{"decimal", &declareDecimalCommand},
+    Command{"keychain", &declareKeychainCommand},
     Command{"link", &declareLinkCommand},
     Command{"title", &declareTitleCommand, Length::mayBeLong},
     Command{"email", &declareEmailCommand, Length::mayBeLong},
@@ -61,6 +62,13 @@ constexpr std::array kCommands{
     Command{"mirror", &declareMirrorCommand, Length::mayBeLong},
     Command{"store-info", &declareStoreInfoCommand},
     Command{"same-file", &declareSameFileCommand},
+    Command{"user-agent", &declareUserAgentCommand},
+    Command{"reachable", &declareReachableCommand},
+    Command{"query-string", &declareQueryStringCommand},
+    Command{"store", &declareStoreCommand},
+    Command{"hash", &declareHashCommand},
+    Command{"base64", &declareBase64Command},
+    Command{"gzip", &declareGzipCommand},
 };
 
 constexpr const char* kFooter =

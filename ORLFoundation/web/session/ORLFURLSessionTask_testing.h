@@ -1,6 +1,9 @@
 /// One session over a scripted platform, for tests that say what happens in their own words.
 #pragma once
 
+#include <ORLFoundation/platform/base/Replaced.h>
+#include <ORLFoundation/platform/log/NSLog.h>
+#include <ORLFoundation/platform/notification/NSNotificationCenter.h>
 #include <ORLFoundation/platform/object/NSURLErrors.h>
 #include <ORLFoundation/tasks/async/ORLFAsyncTaskBase_testing.h>
 #include <ORLFoundation/web/session/ORLFURLSession_testing.h>
