@@ -79,6 +79,13 @@ echo 'Rent;-700' >"$output/backup/2022/may.csv"
 run mirror "$output/books" "$output/backup" --dry-run
 run mirror "$output/books" "$output/backup"
 
+say "The books packed under a password, and a new folder made of them"
+rm -rf "$output/books.aar" "$output/books_again"
+echo 'correct horse battery staple' >"$output/password.txt"
+run archive "$output/books" "$output/books.aar" --password-file "$output/password.txt"
+run extract "$output/books.aar" "$output/books_again" --password-file "$output/password.txt"
+diff -r "$output/books" "$output/books_again"
+
 say "The application for a loan as a process: checked, drawn, and walked by commands from a pipe"
 run process check "$here/loan_application.xml"
 run process graph "$here/loan_application.xml" -o "$output/loan_application.dot"
