@@ -24,6 +24,8 @@ struct Work {
 /// The urgencies, the highest first.
 enum class Level : std::uint8_t { interactive, initiated, standard, utility, background };
 inline constexpr std::size_t kLevelCount = 5;
+/// Less urgent than any.
+inline constexpr Level kNoLevel{kLevelCount};
 
 struct PoolLimits {
   /// Threads that run side by side as long as none is blocked.
@@ -55,7 +57,8 @@ class WorkerPool {
   void stop();
   /// Gives back work that a pool which has stopped will not begin any more; false for any other.
   [[nodiscard]] bool takeBack(Level level, Work* work);
-  /// Whether work waits, so that whoever looks after the pool is to go on doing so.
+  /// Whether work waits, or has a moment ago, so that whoever looks after the pool is to go on doing
+  /// so. To be asked once for each look.
   [[nodiscard]] bool needsLooks();
   /// Adds threads for those that have been blocked since the last look.
   void look();
@@ -75,6 +78,7 @@ class WorkerPool {
   };
 
   void serve(const std::shared_ptr<Worker>& self);
+  void watchForWork(std::unique_lock<std::mutex>& guard);
   [[nodiscard]] bool waitForWork(std::unique_lock<std::mutex>& guard,
                                  const std::shared_ptr<Worker>& self);
   [[nodiscard]] Work* take();
@@ -92,7 +96,9 @@ class WorkerPool {
   std::vector<std::shared_ptr<Worker>> workers_;
   std::vector<std::shared_ptr<Worker>> idle_;  // The last to become idle is the first to work.
   std::size_t surplus_ = 0;                    // Workers that are to end when their work is done.
+  bool isWatched_ = false;  // A worker without work watches for the next, awake.
   bool isLookedAfter_ = false;
+  int quietLooks_ = 0;  // In a row, at which no work waited.
   bool isStopped_ = false;
 };
 

@@ -38,6 +38,21 @@ struct Ending {
 /// The urgencies, the highest first.
 inline constexpr std::size_t kLevels = 5;
 
+/// Mostly held for less time than it takes to sleep and be woken: who waits tries some times first.
+class BriefMutex {
+ public:
+  void lock() {
+    constexpr int kTries = 100;
+    for (int left = kTries; left > 0; --left)
+      if (mutex_.try_lock()) return;
+    mutex_.lock();
+  }
+  void unlock() { mutex_.unlock(); }
+
+ private:
+  std::mutex mutex_;
+};
+
 class QueueCore : public std::enable_shared_from_this<QueueCore> {
  public:
   /// On the threads of the process, or on the main queue.
@@ -85,7 +100,7 @@ class QueueCore : public std::enable_shared_from_this<QueueCore> {
   [[nodiscard]] NSOperation* goOn(NSOperation* done, bool mayTake, Ending& ending);
 
   const bool isMain_;
-  mutable std::mutex lock_;
+  mutable BriefMutex lock_;
   NSOperation* first_ = nullptr;  // Of those that have not finished, in the order of addition.
   NSOperation* last_ = nullptr;
   std::size_t count_ = 0;
