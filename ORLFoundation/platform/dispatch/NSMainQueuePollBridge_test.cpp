@@ -13,6 +13,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <tests/support/IdleTime.h>
 #include <unistd.h>
 
 #include <array>
@@ -154,7 +155,7 @@ TEST_F(NSMainQueuePollBridgeTest, IsQuietWhileThereIsNothingToDo) {
       ends[0], NSRunLoopDescriptorRead, NSDefaultRunLoopMode, [](short) {});
   dispatch_async(main_, [] {});
   host_->settle();
-  EXPECT_FALSE(host_->turn(300));
+  EXPECT_FALSE(host_->turn(orlftest::idleMilliseconds()));
   timer->invalidate();
   ::close(ends[0]);
   ::close(ends[1]);

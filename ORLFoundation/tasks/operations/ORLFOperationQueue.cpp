@@ -17,7 +17,8 @@ namespace {
 constexpr const char* kLabel = "com.orlsoftware.foundation.ORLFOperationQueue";
 
 const ORLFSingleInstanceOperation* singleInstance(const NSOperation& operation) {
-  if (typeid(operation) == typeid(NSBlockOperation)) return nullptr;  // The commonest, told at once.
+  if (typeid(operation) == typeid(NSBlockOperation))
+    return nullptr;  // The commonest, told at once.
   return dynamic_cast<const ORLFSingleInstanceOperation*>(&operation);
 }
 

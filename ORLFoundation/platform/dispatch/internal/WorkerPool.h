@@ -57,8 +57,8 @@ class WorkerPool {
   void stop();
   /// Gives back work that a pool which has stopped will not begin any more; false for any other.
   [[nodiscard]] bool takeBack(Level level, Work* work);
-  /// Whether work waits, or has a moment ago, so that whoever looks after the pool is to go on doing
-  /// so. To be asked once for each look.
+  /// Whether work waits, or has a moment ago, so that whoever looks after the pool is to go on
+  /// doing so. To be asked once for each look.
   [[nodiscard]] bool needsLooks();
   /// Adds threads for those that have been blocked since the last look.
   void look();
@@ -96,7 +96,7 @@ class WorkerPool {
   std::vector<std::shared_ptr<Worker>> workers_;
   std::vector<std::shared_ptr<Worker>> idle_;  // The last to become idle is the first to work.
   std::size_t surplus_ = 0;                    // Workers that are to end when their work is done.
-  bool isWatched_ = false;  // A worker without work watches for the next, awake.
+  bool isWatched_ = false;                     // A worker without work watches for the next, awake.
   bool isLookedAfter_ = false;
   int quietLooks_ = 0;  // In a row, at which no work waited.
   bool isStopped_ = false;

@@ -218,6 +218,21 @@ TEST(WorkerPool, LosesNoWorkOfManyThreads) {
   EXPECT_TRUE(becomes([&] { return ran == 8000; }));
 }
 
+TEST(WorkerPool, AThreadThatWatchesForOneItemHoldsUpNoSecond) {
+  WorkerPool& pool = newPool({.width = 2});
+  const auto queue = concurrent(pool);
+  const auto gate = dispatch_semaphore_create(0);
+  const auto done = dispatch_semaphore_create(0);
+  for (int i = 0; i < 300; ++i) {
+    dispatch_async(queue, [&] {
+      EXPECT_TRUE(comes(gate));
+      dispatch_semaphore_signal(done);
+    });
+    dispatch_async(queue, [&] { dispatch_semaphore_signal(gate); });
+    ASSERT_TRUE(comes(done));
+  }
+}
+
 TEST(WorkerPool, BeginsNothingWhenItHasStopped) {
   WorkerPool& pool = newPool({.width = 2});
   std::atomic<int> ran = 0;

@@ -6,6 +6,7 @@
 /// urgency is under way that has not begun, so that an operation which blocks holds up no other.
 #pragma once
 
+#include <ORLFoundation/platform/base/BriefLock.h>
 #include <ORLFoundation/platform/dispatch/dispatch_queue.h>
 #include <ORLFoundation/platform/dispatch/dispatch_semaphore.h>
 #include <ORLFoundation/platform/operation/NSOperation.h>
@@ -37,21 +38,6 @@ struct Ending {
 
 /// The urgencies, the highest first.
 inline constexpr std::size_t kLevels = 5;
-
-/// Mostly held for less time than it takes to sleep and be woken: who waits tries some times first.
-class BriefMutex {
- public:
-  void lock() {
-    constexpr int kTries = 100;
-    for (int left = kTries; left > 0; --left)
-      if (mutex_.try_lock()) return;
-    mutex_.lock();
-  }
-  void unlock() { mutex_.unlock(); }
-
- private:
-  std::mutex mutex_;
-};
 
 class QueueCore : public std::enable_shared_from_this<QueueCore> {
  public:
@@ -100,7 +86,7 @@ class QueueCore : public std::enable_shared_from_this<QueueCore> {
   [[nodiscard]] NSOperation* goOn(NSOperation* done, bool mayTake, Ending& ending);
 
   const bool isMain_;
-  mutable BriefMutex lock_;
+  mutable base::BriefLock<std::mutex> lock_;
   NSOperation* first_ = nullptr;  // Of those that have not finished, in the order of addition.
   NSOperation* last_ = nullptr;
   std::size_t count_ = 0;
