@@ -77,5 +77,13 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareProcessCommand(Options& options);
 /// `orlf watch`  What happens to a file, or to the names in a directory.
 [[nodiscard]] Job declareWatchCommand(Options& options);
+/// `orlf store`  Passwords for services in one encrypted file.
+[[nodiscard]] Job declareStoreCommand(Options& options);
+/// `orlf hash`  Digests of files.
+[[nodiscard]] Job declareHashCommand(Options& options);
+/// `orlf base64`  Base64 text, both ways.
+[[nodiscard]] Job declareBase64Command(Options& options);
+/// `orlf gzip`  Compression, both ways.
+[[nodiscard]] Job declareGzipCommand(Options& options);
 
 }  // namespace orlftool

@@ -59,9 +59,13 @@ constexpr std::array kCommands{
     Command{"process", &declareProcessCommand, Length::mayBeLong},
     Command{"watch", &declareWatchCommand},
     Command{"template-image", &declareTemplateImageCommand, Length::mayBeLong},
-    Command{"mirror", &declareMirrorCommand},
+    Command{"mirror", &declareMirrorCommand, Length::mayBeLong},
     Command{"store-info", &declareStoreInfoCommand},
     Command{"same-file", &declareSameFileCommand},
+    Command{"store", &declareStoreCommand},
+    Command{"hash", &declareHashCommand},
+    Command{"base64", &declareBase64Command},
+    Command{"gzip", &declareGzipCommand},
 };
 
 constexpr const char* kFooter =

@@ -102,12 +102,10 @@ std::optional<std::string> NSRunLoop::currentMode() const {
 
 bool NSRunLoop::runUntil(const std::string& mode, std::int64_t until) {
   const bool isMain = state_->loop == mainLoop();
-  const auto hasMore = [&] { return isMain || !state_->loop->isIdle(mode); };
-  if (!hasMore()) return false;
+  if (!isMain && state_->loop->isIdle(mode)) return false;
   std::optional<ServingMain> serving;
   if (isMain) serving.emplace();
-  const internal::dispatch::Deadline deadline{.at = until, .isForMore = !isMain};
-  while (!state_->loop->runOnce(mode, deadline) && NSMonotonicClock::now() < until && hasMore()) {
+  while (!state_->loop->runOnce(mode, {.at = until}) && NSMonotonicClock::now() < until) {
   }
   return true;
 }

@@ -23,11 +23,11 @@ class Source final : public std::enable_shared_from_this<Source> {
 
   void setEventHandler(dispatch_block_t block) {
     const std::lock_guard guard(lock_);
-    onEvent_.swap(block);
+    onEvent_ = std::move(block);
   }
   void setCancelHandler(dispatch_block_t block) {
     const std::lock_guard guard(lock_);
-    onCancel_.swap(block);
+    onCancel_ = std::move(block);
   }
   [[nodiscard]] std::uint64_t data() const {
     int count = 0;

@@ -2,6 +2,7 @@
 
 #include <ORLFoundation/platform/base/Replaceable.h>
 #include <ORLFoundation/platform/net/NSURLSessionConfiguration.h>
+#include <ORLFoundation/platform/net/internal/LoadingSession.h>
 #include <ORLFoundation/platform/operation/NSOperationQueue.h>
 
 #include <utility>
@@ -17,9 +18,10 @@ std::shared_ptr<NSURLSession> NSURLSession::sessionWithConfiguration(
     std::shared_ptr<NSURLSessionConfiguration> configuration,
     std::shared_ptr<NSURLSessionDelegate> delegate,
     std::shared_ptr<NSOperationQueue> delegateQueue) {
-  const auto provider = providers.current();
-  if (!provider) return nullptr;
-  return (*provider)(std::move(configuration), std::move(delegate), std::move(delegateQueue));
+  if (const auto provider = providers.current())
+    return (*provider)(std::move(configuration), std::move(delegate), std::move(delegateQueue));
+  return std::make_shared<internal::net::LoadingSession>(configuration, delegate,
+                                                         std::move(delegateQueue));
 }
 
 NSURLSessionProvider NSSetURLSessionProvider(NSURLSessionProvider provider) {

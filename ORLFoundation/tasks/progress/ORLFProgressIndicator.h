@@ -129,6 +129,7 @@ class ORLFProgressIndicator : public NSObject, public ORLFProgressObservation {
 
  private:
   [[nodiscard]] std::shared_ptr<ORLFProgressIndicator> self() const;
+  void tellDelegate();
 
   std::atomic<bool> visible_{false};
   std::atomic<bool> indeterminate_{false};

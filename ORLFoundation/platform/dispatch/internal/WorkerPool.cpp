@@ -2,7 +2,6 @@
 #include <ORLFoundation/platform/dispatch/internal/WorkerPool.h>
 
 #include <ORLFoundation/platform/dispatch/internal/Keeper.h>
-#include <ORLFoundation/platform/log/ORLFFatalError.h>
 #include <fcntl.h>
 #include <pthread.h>
 #include <unistd.h>
@@ -12,7 +11,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
-#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -81,19 +79,14 @@ void WorkerPool::submit(Level level, Work* work) {
       told = std::move(idle_.back());
       idle_.pop_back();
       told->isTold = true;
-    } else if (workers_.size() >= limits_.width || !startThread()) {
+    } else if (workers_.size() < limits_.width) {
+      startThread();
+    } else {
       isToBeLookedAfter = beginsToNeedLooks();
     }
   }
   if (told) told->hasNews.notify_one();
-  if (isToBeLookedAfter) haveItLookedAfter();
-}
-
-void WorkerPool::haveItLookedAfter() {
-  if (Keeper::shared().lookAfter(*this)) return;
-  const std::lock_guard guard(lock_);
-  isLookedAfter_ = false;
-  if (workers_.empty()) ORLFFatalError("no thread can be made for queues", __FILE__, __LINE__);
+  if (isToBeLookedAfter) Keeper::shared().lookAfter(*this);
 }
 
 std::size_t WorkerPool::threadCount() const {
@@ -117,16 +110,11 @@ bool WorkerPool::needsLooks() {
   return isLookedAfter_;
 }
 
-/// With lock_ held. Answers false when the system has no thread.
-bool WorkerPool::startThread() {
+/// With lock_ held.
+void WorkerPool::startThread() {
   const auto worker = std::make_shared<Worker>();
-  try {
-    std::thread([this, worker] { serve(worker); }).detach();
-  } catch (const std::system_error&) {
-    return false;
-  }
   workers_.push_back(worker);
-  return true;
+  std::thread([this, worker] { serve(worker); }).detach();
 }
 
 /// With lock_ held.
@@ -202,7 +190,7 @@ void WorkerPool::serve(const std::shared_ptr<Worker>& self) {
     self->isBusy = true;
     ++self->begun;
     guard.unlock();
-    if (isToBeLookedAfter) haveItLookedAfter();
+    if (isToBeLookedAfter) Keeper::shared().lookAfter(*this);
     work->run(work);
     guard.lock();
     self->isBusy = false;
@@ -233,9 +221,7 @@ void WorkerPool::look() {
   // Twice as many at each look: what blocked so many is likely to block the next ones too.
   const std::size_t wanted = running == 0 ? workers_.size() + 1 : limits_.width - running;
   const std::size_t room = limits_.most - std::min(limits_.most, workers_.size());
-  for (std::size_t left = std::min({wanted, room, readyCount_}); left > 0 && startThread();
-       --left) {
-  }
+  for (std::size_t left = std::min({wanted, room, readyCount_}); left > 0; --left) startThread();
 }
 
 void WorkerPool::stop() {

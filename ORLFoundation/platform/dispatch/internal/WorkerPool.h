@@ -1,7 +1,6 @@
 /// The threads behind all queues but the main one. Work of a higher level begins first, work of one
 /// level in order. There are as many threads as processors; where they are all blocked and work
-/// waits, more come within some milliseconds, and those that find nothing to do end. Where the
-/// system has no more threads, work waits for those that there are.
+/// waits, more come within some milliseconds, and those that find nothing to do end.
 #pragma once
 
 #include <array>
@@ -84,8 +83,7 @@ class WorkerPool {
   [[nodiscard]] Work* take();
   void noteFirst();
   [[nodiscard]] bool beginsToNeedLooks();
-  void haveItLookedAfter();
-  [[nodiscard]] bool startThread();
+  void startThread();
 
   const PoolLimits limits_;
   mutable std::mutex lock_;

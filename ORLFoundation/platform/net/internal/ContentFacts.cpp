@@ -9,13 +9,6 @@ namespace {
 
 using namespace base;
 
-std::string_view trimmed(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t";
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
 /// Cuts the text up to the sign off its front, and the sign; all of it where there is none.
 std::string_view cutTo(char sign, std::string_view& text) {
   const std::size_t end = text.find(sign);
@@ -31,6 +24,13 @@ std::string_view withoutQuotes(std::string_view text) {
 }
 
 }  // namespace
+
+std::string_view trimmed(std::string_view text) noexcept {
+  constexpr std::string_view kBlanks = " \t";
+  const std::size_t first = text.find_first_not_of(kBlanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
 
 std::optional<std::string> fieldOf(const NSHTTPHeaderFields& fields, std::string_view name) {
   const auto found = fields.find(name);

@@ -239,12 +239,10 @@ void QueueCore::serve(std::size_t level) {
   }
   NSOperation* operation = nullptr;
   int left = isMain_ ? 1 : kMostInARow;
-  // The main thread is nobody else's: what waits for the others need not go first.
-  const auto mayTake = [&] { return left > 0 && (isMain_ || !moreUrgentThan(level)); };
   while (true) {
     {
       Ending ending;
-      operation = goOn(operation, mayTake(), ending);
+      operation = goOn(operation, left > 0 && !moreUrgentThan(level), ending);
       ending.tellWaiters();
       if (ending.completion) {
         ending.complete();
