@@ -2,6 +2,7 @@
 #include <ORLFoundation/platform/dispatch/internal/WorkerPool.h>
 
 #include <ORLFoundation/platform/dispatch/internal/Keeper.h>
+#include <ORLFoundation/platform/log/ORLFFatalError.h>
 #include <fcntl.h>
 #include <pthread.h>
 #include <unistd.h>
@@ -11,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -79,14 +81,19 @@ void WorkerPool::submit(Level level, Work* work) {
       told = std::move(idle_.back());
       idle_.pop_back();
       told->isTold = true;
-    } else if (workers_.size() < limits_.width) {
-      startThread();
-    } else {
+    } else if (workers_.size() >= limits_.width || !startThread()) {
       isToBeLookedAfter = beginsToNeedLooks();
     }
   }
   if (told) told->hasNews.notify_one();
-  if (isToBeLookedAfter) Keeper::shared().lookAfter(*this);
+  if (isToBeLookedAfter) haveItLookedAfter();
+}
+
+void WorkerPool::haveItLookedAfter() {
+  if (Keeper::shared().lookAfter(*this)) return;
+  const std::lock_guard guard(lock_);
+  isLookedAfter_ = false;
+  if (workers_.empty()) ORLFFatalError("no thread can be made for queues", __FILE__, __LINE__);
 }
 
 std::size_t WorkerPool::threadCount() const {
@@ -110,11 +117,16 @@ bool WorkerPool::needsLooks() {
   return isLookedAfter_;
 }
 
-/// With lock_ held.
-void WorkerPool::startThread() {
+/// With lock_ held. Answers false when the system has no thread.
+bool WorkerPool::startThread() {
   const auto worker = std::make_shared<Worker>();
+  try {
+    std::thread([this, worker] { serve(worker); }).detach();
+  } catch (const std::system_error&) {
+    return false;
+  }
   workers_.push_back(worker);
-  std::thread([this, worker] { serve(worker); }).detach();
+  return true;
 }
 
 /// With lock_ held.
@@ -190,7 +202,7 @@ void WorkerPool::serve(const std::shared_ptr<Worker>& self) {
     self->isBusy = true;
     ++self->begun;
     guard.unlock();
-    if (isToBeLookedAfter) Keeper::shared().lookAfter(*this);
+    if (isToBeLookedAfter) haveItLookedAfter();
     work->run(work);
     guard.lock();
     self->isBusy = false;
@@ -221,7 +233,9 @@ void WorkerPool::look() {
   // Twice as many at each look: what blocked so many is likely to block the next ones too.
   const std::size_t wanted = running == 0 ? workers_.size() + 1 : limits_.width - running;
   const std::size_t room = limits_.most - std::min(limits_.most, workers_.size());
-  for (std::size_t left = std::min({wanted, room, readyCount_}); left > 0; --left) startThread();
+  for (std::size_t left = std::min({wanted, room, readyCount_}); left > 0 && startThread();
+       --left) {
+  }
 }
 
 void WorkerPool::stop() {

@@ -1,6 +1,7 @@
 /// The threads behind all queues but the main one. Work of a higher level begins first, work of one
 /// level in order. There are as many threads as processors; where they are all blocked and work
-/// waits, more come within some milliseconds, and those that find nothing to do end.
+/// waits, more come within some milliseconds, and those that find nothing to do end. Where the
+/// system has no more threads, work waits for those that there are.
 #pragma once
 
 #include <array>
@@ -83,7 +84,8 @@ class WorkerPool {
   [[nodiscard]] Work* take();
   void noteFirst();
   [[nodiscard]] bool beginsToNeedLooks();
-  void startThread();
+  void haveItLookedAfter();
+  [[nodiscard]] bool startThread();
 
   const PoolLimits limits_;
   mutable std::mutex lock_;
