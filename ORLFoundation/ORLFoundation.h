@@ -159,6 +159,7 @@
 #include <ORLFoundation/platform/process/NSProcessFacts.h>
 #include <ORLFoundation/platform/process/NSProcessInfo.h>
 #include <ORLFoundation/platform/process/NSUserActivity.h>
+#include <ORLFoundation/platform/reachability/SCNetworkReachability.h>
 #include <ORLFoundation/platform/store/NSPersistentStoreCoordinator.h>
 #include <ORLFoundation/platform/stream/NSInputStream.h>
 #include <ORLFoundation/platform/stream/NSOutputStream.h>
@@ -266,6 +267,10 @@
 #include <ORLFoundation/tasks/progress/ORLFProgressIndicator.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressObservation.h>
+#include <ORLFoundation/web/agent/ORLFDictionaryQueryString.h>
+#include <ORLFoundation/web/agent/ORLFHTTPUserAgent.h>
+#include <ORLFoundation/web/agent/ORLFReachability.h>
+#include <ORLFoundation/web/agent/WKWebView.h>
 #include <ORLFoundation/web/logging/ORLFURLSessionFileLogger.h>
 #include <ORLFoundation/web/logging/ORLFURLSessionLogProcessor.h>
 #include <ORLFoundation/web/logging/ORLFURLSessionLogReplacement.h>

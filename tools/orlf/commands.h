@@ -49,6 +49,8 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareRoundCommand(Options& options);
 /// `orlf decimal`  Sums on decimals.
 [[nodiscard]] Job declareDecimalCommand(Options& options);
+/// `orlf keychain`  Passwords in the desktop's keychain.
+[[nodiscard]] Job declareKeychainCommand(Options& options);
 /// `orlf link`  Which handler takes a link.
 [[nodiscard]] Job declareLinkCommand(Options& options);
 /// `orlf progress-demo`  How progress is shown.
@@ -77,6 +79,12 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareProcessCommand(Options& options);
 /// `orlf watch`  What happens to a file, or to the names in a directory.
 [[nodiscard]] Job declareWatchCommand(Options& options);
+/// `orlf user-agent`  What an application tells servers it is.
+[[nodiscard]] Job declareUserAgentCommand(Options& options);
+/// `orlf reachable`  Whether there is a way to a host.
+[[nodiscard]] Job declareReachableCommand(Options& options);
+/// `orlf query-string`  The queries of addresses.
+[[nodiscard]] Job declareQueryStringCommand(Options& options);
 /// `orlf store`  Passwords for services in one encrypted file.
 [[nodiscard]] Job declareStoreCommand(Options& options);
 /// `orlf hash`  Digests of files.
