@@ -1,8 +1,8 @@
 /// A mutex that is mostly held for less time than it takes to sleep and to be woken: who waits for
 /// it tries some times before it sleeps.
 ///
-///     mutable BriefLock<std::mutex> lock_;
-///     const std::lock_guard guard(lock_);
+///     BriefLock<std::mutex> lock;
+///     const std::lock_guard guard(lock);
 #pragma once
 
 namespace ORLFoundation::internal::base {
