@@ -49,6 +49,8 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareRoundCommand(Options& options);
 /// `orlf decimal`  Sums on decimals.
 [[nodiscard]] Job declareDecimalCommand(Options& options);
+/// `orlf keychain`  Passwords in the desktop's keychain.
+[[nodiscard]] Job declareKeychainCommand(Options& options);
 /// `orlf link`  Which handler takes a link.
 [[nodiscard]] Job declareLinkCommand(Options& options);
 /// `orlf progress-demo`  How progress is shown.

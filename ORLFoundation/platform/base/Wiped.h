@@ -5,12 +5,11 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <string.h>
 
 namespace ORLFoundation::internal::base {
 

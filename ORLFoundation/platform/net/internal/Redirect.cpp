@@ -12,7 +12,7 @@ namespace {
 
 using base::lowerASCII;
 
-constexpr long kStatuses[] = {301, 302, 303, 307, 308};
+constexpr long kFollowed[] = {301, 302, 303, 307, 308};
 /// What belongs to the server that it was meant for.
 constexpr std::string_view kOwnFields[] = {"Authorization", "Cookie", "Host",
                                            "Proxy-Authorization"};
@@ -37,6 +37,14 @@ void removeFields(NSHTTPHeaderFields& fields, const std::string_view (&names)[co
   }
 }
 
+/// Whether a place names a scheme of its own that is not HTTP. libcurl takes one without slashes
+/// for a path.
+bool hasOtherScheme(const std::string& place) {
+  const std::string scheme = place.substr(0, place.find_first_of(":/?#"));
+  if (scheme.size() == place.size() || place[scheme.size()] != ':') return false;
+  return !isHTTP(lowerASCII(scheme));
+}
+
 bool becomesGet(const std::string& method, long status) {
   if (status == 303) return method != "HEAD" && method != "GET";
   return (status == 301 || status == 302) && method == "POST";
@@ -45,7 +53,7 @@ bool becomesGet(const std::string& method, long status) {
 }  // namespace
 
 bool isRedirect(long status) noexcept {
-  return std::find(std::begin(kStatuses), std::end(kStatuses), status) != std::end(kStatuses);
+  return std::find(std::begin(kFollowed), std::end(kFollowed), status) != std::end(kFollowed);
 }
 
 std::string originOf(const std::string& address) {
@@ -55,6 +63,7 @@ std::string originOf(const std::string& address) {
 
 NextHop nextHop(const Hop& hop, long status, const std::string& location) {
   const auto from = CurlAddress::read(hop.address);
+  if (hasOtherScheme(location)) return {std::nullopt, NSURLErrorUnsupportedURL};
   auto to = CurlAddress::read(hop.address);
   if (!from || !to || !to->follow(location))
     return {std::nullopt, NSURLErrorRedirectToNonExistentLocation};
