@@ -73,7 +73,7 @@ TEST_F(ArchiveCommands, FailWithALineAndLeaveNothing) {
       {{"archive", path("missing"), path("a")}, "missing: No such file or directory", 1},
       {{"archive", path("from"), path("noise")}, "noise: File exists", 1},
       {{"archive", path("from"), path("a"), "--password-file", path("missing")},
-       "missing: No such file or directory",
+       "missing: cannot be read: No such file or directory",
        1},
       {{"archive", path("from"), path("a"), "--password", "--password-file", path("password")},
        "--password",
