@@ -77,5 +77,9 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareProcessCommand(Options& options);
 /// `orlf watch`  What happens to a file, or to the names in a directory.
 [[nodiscard]] Job declareWatchCommand(Options& options);
+/// `orlf fetch`  What stands at an address.
+[[nodiscard]] Job declareFetchCommand(Options& options);
+/// `orlf modified`  When that was last modified.
+[[nodiscard]] Job declareModifiedCommand(Options& options);
 
 }  // namespace orlftool

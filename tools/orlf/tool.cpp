@@ -61,6 +61,8 @@ constexpr std::array kCommands{
     Command{"mirror", &declareMirrorCommand, Length::mayBeLong},
     Command{"store-info", &declareStoreInfoCommand},
     Command{"same-file", &declareSameFileCommand},
+    Command{"fetch", &declareFetchCommand, Length::mayBeLong},
+    Command{"modified", &declareModifiedCommand, Length::mayBeLong},
 };
 
 constexpr const char* kFooter =
