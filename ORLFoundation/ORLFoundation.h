@@ -62,10 +62,17 @@
 #include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
 #include <ORLFoundation/platform/archive/NSSecureCoding.h>
 #include <ORLFoundation/platform/base/Replaced.h>
+#include <ORLFoundation/platform/container/ArchiveByteStream.h>
+#include <ORLFoundation/platform/container/ArchiveEncryptionContext.h>
+#include <ORLFoundation/platform/container/ArchiveError.h>
+#include <ORLFoundation/platform/container/ArchiveHeader.h>
+#include <ORLFoundation/platform/container/ArchiveStream.h>
+#include <ORLFoundation/platform/crypto/AESGCM.h>
 #include <ORLFoundation/platform/crypto/CommonCrypto.h>
 #include <ORLFoundation/platform/crypto/SecBase.h>
 #include <ORLFoundation/platform/crypto/SecKey.h>
 #include <ORLFoundation/platform/crypto/SecRandom.h>
+#include <ORLFoundation/platform/crypto/SymmetricKey.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaults.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaultsFile.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
@@ -152,6 +159,7 @@
 #include <ORLFoundation/platform/process/NSProcessFacts.h>
 #include <ORLFoundation/platform/process/NSProcessInfo.h>
 #include <ORLFoundation/platform/process/NSUserActivity.h>
+#include <ORLFoundation/platform/reachability/SCNetworkReachability.h>
 #include <ORLFoundation/platform/store/NSPersistentStoreCoordinator.h>
 #include <ORLFoundation/platform/stream/NSInputStream.h>
 #include <ORLFoundation/platform/stream/NSOutputStream.h>
@@ -206,6 +214,9 @@
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceFrequency.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+#include <ORLFoundation/security/archives/AppleArchive.h>
+#include <ORLFoundation/security/archives/FoundationError.h>
+#include <ORLFoundation/security/archives/ORLFSymmetricKeyText.h>
 #include <ORLFoundation/security/keychain/ORLFKeychainAccess.h>
 #include <ORLFoundation/security/primitives/Blowfish.h>
 #include <ORLFoundation/security/primitives/NewBase64.h>
@@ -256,6 +267,10 @@
 #include <ORLFoundation/tasks/progress/ORLFProgressIndicator.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressObservation.h>
+#include <ORLFoundation/web/agent/ORLFDictionaryQueryString.h>
+#include <ORLFoundation/web/agent/ORLFHTTPUserAgent.h>
+#include <ORLFoundation/web/agent/ORLFReachability.h>
+#include <ORLFoundation/web/agent/WKWebView.h>
 #include <ORLFoundation/web/logging/ORLFURLSessionFileLogger.h>
 #include <ORLFoundation/web/logging/ORLFURLSessionLogProcessor.h>
 #include <ORLFoundation/web/logging/ORLFURLSessionLogReplacement.h>

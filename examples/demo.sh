@@ -91,6 +91,18 @@ sed -n '1,14p' "$output/walk.txt"
 echo '...'
 tail -n 2 "$output/walk.txt"
 
+say "Passwords in a file under a password"
+rm -f "$output/passwords.store" "$output/passwords.store.lock"
+printf 'correct horse' >"$output/store-password.txt"
+printf 's3cret' >"$output/bank-password.txt"
+run store create "$output/passwords.store" --password-file "$output/store-password.txt"
+run store set "$output/passwords.store" bank ann --password-file "$output/store-password.txt" \
+  --value-file "$output/bank-password.txt"
+run store list "$output/passwords.store" --password-file "$output/store-password.txt"
+run store get "$output/passwords.store" bank ann --password-file "$output/store-password.txt"
+echo 'The same under a wrong password:'
+printf 'wrong horse' | "$orlf" store get "$output/passwords.store" bank ann --password-file - || true
+
 say "A file watched over an atomic save: a new file is written beside it and renamed to its name"
 printf 'old\n' >"$output/watched.txt"
 "$orlf" watch "$output/watched.txt" --once >"$output/watch.txt" &

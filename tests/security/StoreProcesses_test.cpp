@@ -9,7 +9,6 @@
 #include <ORLFoundation/security/store/ORLFEncryptedStore.h>
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -21,6 +20,7 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>

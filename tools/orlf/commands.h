@@ -49,6 +49,8 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareRoundCommand(Options& options);
 /// `orlf decimal`  Sums on decimals.
 [[nodiscard]] Job declareDecimalCommand(Options& options);
+/// `orlf keychain`  Passwords in the desktop's keychain.
+[[nodiscard]] Job declareKeychainCommand(Options& options);
 /// `orlf link`  Which handler takes a link.
 [[nodiscard]] Job declareLinkCommand(Options& options);
 /// `orlf progress-demo`  How progress is shown.
@@ -81,5 +83,19 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareFetchCommand(Options& options);
 /// `orlf modified`  When that was last modified.
 [[nodiscard]] Job declareModifiedCommand(Options& options);
+/// `orlf user-agent`  What an application tells servers it is.
+[[nodiscard]] Job declareUserAgentCommand(Options& options);
+/// `orlf reachable`  Whether there is a way to a host.
+[[nodiscard]] Job declareReachableCommand(Options& options);
+/// `orlf query-string`  The queries of addresses.
+[[nodiscard]] Job declareQueryStringCommand(Options& options);
+/// `orlf store`  Passwords for services in one encrypted file.
+[[nodiscard]] Job declareStoreCommand(Options& options);
+/// `orlf hash`  Digests of files.
+[[nodiscard]] Job declareHashCommand(Options& options);
+/// `orlf base64`  Base64 text, both ways.
+[[nodiscard]] Job declareBase64Command(Options& options);
+/// `orlf gzip`  Compression, both ways.
+[[nodiscard]] Job declareGzipCommand(Options& options);
 
 }  // namespace orlftool

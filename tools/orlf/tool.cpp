@@ -44,6 +44,7 @@ constexpr std::array kCommands{
     Command{"percent", &declarePercentCommand, Length::mayBeLong},
     Command{"round", &declareRoundCommand},
     Command{"decimal", &declareDecimalCommand},
+    Command{"keychain", &declareKeychainCommand},
     Command{"link", &declareLinkCommand},
     Command{"title", &declareTitleCommand, Length::mayBeLong},
     Command{"email", &declareEmailCommand, Length::mayBeLong},
@@ -63,6 +64,13 @@ constexpr std::array kCommands{
     Command{"same-file", &declareSameFileCommand},
     Command{"fetch", &declareFetchCommand, Length::mayBeLong},
     Command{"modified", &declareModifiedCommand, Length::mayBeLong},
+    Command{"user-agent", &declareUserAgentCommand},
+    Command{"reachable", &declareReachableCommand},
+    Command{"query-string", &declareQueryStringCommand},
+    Command{"store", &declareStoreCommand},
+    Command{"hash", &declareHashCommand},
+    Command{"base64", &declareBase64Command},
+    Command{"gzip", &declareGzipCommand},
 };
 
 constexpr const char* kFooter =

@@ -12,11 +12,11 @@
 namespace ORLFoundation {
 namespace {
 
-struct FreeCipher {
+struct FreeBlockCipher {
   /// Wipes the key schedule too.
   void operator()(EVP_CIPHER_CTX* context) const { EVP_CIPHER_CTX_free(context); }
 };
-using CipherContext = std::unique_ptr<EVP_CIPHER_CTX, FreeCipher>;
+using BlockCipherContext = std::unique_ptr<EVP_CIPHER_CTX, FreeBlockCipher>;
 
 const EVP_CIPHER* cipherForKey(std::size_t length) {
   switch (length) {
@@ -77,7 +77,7 @@ bool runCipher(EVP_CIPHER_CTX* context, const CCCryptData& data, std::size_t& mo
 CCCryptorStatus CCCrypt(const CCCryptData& data, std::size_t& moved) {
   moved = 0;
   if (const CCCryptorStatus status = checkCrypt(data); status != kCCSuccess) return status;
-  const CipherContext context(EVP_CIPHER_CTX_new());
+  const BlockCipherContext context(EVP_CIPHER_CTX_new());
   if (!context) return kCCMemoryFailure;
   constexpr std::array<std::uint8_t, kCCBlockSizeAES128> kZeros{};
   const std::uint8_t* const vector =

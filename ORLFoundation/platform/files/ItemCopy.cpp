@@ -7,6 +7,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <utility>
 
 namespace ORLFoundation::internal::files {
 namespace {
@@ -27,9 +28,12 @@ bool isSystemAttribute(std::string_view name) { return !name.starts_with("user."
 
 }  // namespace
 
-ItemCopy::ItemCopy(HeldFolder& source, HeldFolder& target, CopyToDisk toDisk,
-                   const CopyNotice& notice)
-    : calls_(source.calls()), source_(source), target_(target), toDisk_(toDisk), notice_(notice) {}
+ItemCopy::ItemCopy(HeldFolder& source, HeldFolder& target, CopyToDisk toDisk, CopyNotice notice)
+    : calls_(source.calls()),
+      source_(source),
+      target_(target),
+      toDisk_(toDisk),
+      notice_(std::move(notice)) {}
 
 FileOutcome ItemCopy::unreadable() const {
   return FileFailure{FileWork::Read, errno, source_.pathOf(from_)};

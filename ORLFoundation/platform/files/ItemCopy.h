@@ -29,8 +29,7 @@ using CopyNotice = std::function<void(const std::string& path)>;
 /// Pipes, sockets and devices are failures and are never opened.
 class ItemCopy {
  public:
-  ItemCopy(HeldFolder& source, HeldFolder& target, CopyToDisk toDisk,
-           const CopyNotice& notice = nullptr);
+  ItemCopy(HeldFolder& source, HeldFolder& target, CopyToDisk toDisk, CopyNotice notice = nullptr);
 
   /// The target's item must not be there. What a failure leaves of it stays.
   [[nodiscard]] FileOutcome copy(const std::string& from, const std::string& to);

@@ -9,7 +9,7 @@ namespace orlftool {
 namespace {
 
 constexpr std::string_view kMask = "***";
-constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::string_view kJSONBlanks = " \t\r\n";
 // What ends a field's name, looking back, and what ends its value.
 constexpr std::string_view kBeforeNames = "&?;#= \t\r\n\"'<>{},()";
 constexpr std::string_view kAfterValues = "&#\r\n\"'<>";
@@ -32,7 +32,7 @@ std::size_t endOfJSONText(std::string_view text, std::size_t at) {
 }
 
 std::size_t withoutBlanks(std::string_view text, std::size_t at) {
-  return std::min(text.find_first_not_of(kBlanks, at), text.size());
+  return std::min(text.find_first_not_of(kJSONBlanks, at), text.size());
 }
 
 /// What the inside of a JSON text means; characters beyond ASCII that are escaped are left out.

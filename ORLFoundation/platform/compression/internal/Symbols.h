@@ -62,7 +62,7 @@ inline constexpr auto kSymbolOfM = symbolsOfValues<kMostM>(kMRanges);
 
 /// Four symbols for each number of bits; those of n bits begin at 4 x (2^n - 1).
 constexpr std::uint8_t symbolOfD(std::uint32_t distance) noexcept {
-  const auto bits = static_cast<std::uint32_t>(std::bit_width(distance + 4)) - 3;
+  const auto bits = (static_cast<std::uint32_t>(std::bit_width(distance / 4 + 1)) - 1) & 31U;
   const std::uint32_t first = (std::uint32_t{4} << bits) - 4;
   return static_cast<std::uint8_t>(4 * bits + ((distance - first) >> bits));
 }

@@ -16,7 +16,8 @@ bool CurlAddress::follow(const std::string& place) {
 
 std::string CurlAddress::part(CURLUPart part) const {
   char* text = nullptr;
-  if (curl_url_get(handle_.get(), part, &text, CURLU_DEFAULT_PORT) != CURLUE_OK) return {};
+  const unsigned flags = part == CURLUPART_PORT ? CURLU_DEFAULT_PORT : 0;
+  if (curl_url_get(handle_.get(), part, &text, flags) != CURLUE_OK) return {};
   std::string copy(text);
   curl_free(text);
   return copy;

@@ -76,6 +76,7 @@ void Exchange::setUp() {
   set(CURLOPT_RESOLVER_START_FUNCTION, &Exchange::onResolve);
   set(CURLOPT_RESOLVER_START_DATA, this);
   set(CURLOPT_SHARE, plan_.usesCookies ? cookieJar() : nullptr);
+  if (plan_.usesCookies) set(CURLOPT_COOKIEFILE, "");  // No file, but what uses the jar.
   setUpTrust();
   setUpMethod();
   setUpFields();
@@ -249,6 +250,8 @@ void Exchange::ended(CURLcode result) {
 
 NSURLError Exchange::codeOfFailure(CURLcode result) const {
   if (refusal_) return *refusal_;
+  // So libcurl calls a line of a head that is longer than it takes.
+  if (result == CURLE_OUT_OF_MEMORY && !head_.isWhole()) return NSURLErrorBadServerResponse;
   CurlFailure failure{static_cast<int>(result)};
   curl_easy_getinfo(handle_, CURLINFO_SSL_VERIFYRESULT, &failure.verified);
   curl_easy_getinfo(handle_, CURLINFO_OS_ERRNO, &failure.systemError);

@@ -223,6 +223,7 @@ void Loader::finish(const std::shared_ptr<LoadingTask>& task,
 
 void Loader::perform() {
   int running = 0;
+  performedAt_ = steady_clock::now();
   curl_multi_perform(multi_, &running);
   int left = 0;
   while (const CURLMsg* const message = curl_multi_info_read(multi_, &left)) {
@@ -241,8 +242,9 @@ void Loader::askAt(steady_clock::time_point time) noexcept {
   nextQuestion_ = std::min(nextQuestion_, time);
 }
 
+// What came while a delegate held up the thread is read before it counts as silence.
 void Loader::endSilentOnes() {
-  const auto now = steady_clock::now();
+  const auto now = performedAt_;
   if (now < nextQuestion_) return;
   nextQuestion_ = kNeverDue;
   std::vector<std::shared_ptr<LoadingTask>> due;

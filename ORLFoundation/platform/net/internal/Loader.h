@@ -110,6 +110,7 @@ class Loader final : public LoaderWork, public std::enable_shared_from_this<Load
   std::map<std::string, Server> servers_;
   std::vector<LocalLoad*> localLoads_;
   std::vector<CURL*> handles_;  ///< That nobody uses.
+  std::chrono::steady_clock::time_point performedAt_;
   std::chrono::steady_clock::time_point nextQuestion_ =
       std::chrono::steady_clock::time_point::max();
 };

@@ -37,6 +37,14 @@ void removeFields(NSHTTPHeaderFields& fields, const std::string_view (&names)[co
   }
 }
 
+/// Whether a place names a scheme of its own that is not HTTP. libcurl takes one without slashes
+/// for a path.
+bool hasOtherScheme(const std::string& place) {
+  const std::string scheme = place.substr(0, place.find_first_of(":/?#"));
+  if (scheme.size() == place.size() || place[scheme.size()] != ':') return false;
+  return !isHTTP(lowerASCII(scheme));
+}
+
 bool becomesGet(const std::string& method, long status) {
   if (status == 303) return method != "HEAD" && method != "GET";
   return (status == 301 || status == 302) && method == "POST";
@@ -55,6 +63,7 @@ std::string originOf(const std::string& address) {
 
 NextHop nextHop(const Hop& hop, long status, const std::string& location) {
   const auto from = CurlAddress::read(hop.address);
+  if (hasOtherScheme(location)) return {std::nullopt, NSURLErrorUnsupportedURL};
   auto to = CurlAddress::read(hop.address);
   if (!from || !to || !to->follow(location))
     return {std::nullopt, NSURLErrorRedirectToNonExistentLocation};

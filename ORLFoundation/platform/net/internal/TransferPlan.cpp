@@ -58,7 +58,9 @@ TransferPlan planOf(const NSURLRequest& request, const NSURLSessionConfiguration
   plan.hop = {withoutFragment(request.URL()->absoluteString()), request.HTTPMethod(),
               fieldsOf(request, configuration, policy), request.HTTPBody()};
   plan.origin = originOf(plan.hop.address);
-  if (plan.origin.empty()) plan.failure = NSURLErrorBadURL;
+  // libcurl would take the next word of the path for a host that is not there.
+  if (plan.origin.empty() || request.URL()->host().value_or("").empty())
+    plan.failure = NSURLErrorBadURL;
   plan.usesCookies = request.HTTPShouldHandleCookies() && configuration.HTTPShouldSetCookies();
   return plan;
 }

@@ -60,11 +60,17 @@ int compareBeginning(std::string_view text, std::string_view spelling, bool anyC
 }  // namespace
 
 SecretIndex::SecretIndex(std::span<const std::string> secrets) {
-  std::size_t length = 0;
-  for (const std::string& secret : secrets) length += secret.size();
+  constexpr std::size_t kLongestStride = 4;
+  std::size_t length = 0, shortest = kKeyBytes + kLongestStride;
+  for (const std::string& secret : secrets) {
+    length += secret.size();
+    shortest = std::min(shortest, secret.size());
+  }
+  // No spelling is shorter than its secret, so one of so many places in a row begins a key.
+  stride_ = std::min(kLongestStride, shortest - kKeyBytes + 1);
   // Once the bytes and the records are in their places they do not move: nothing is left behind.
   bytes_.reserve(length * 12 + secrets.size() * 24);
-  spellings_.reserve(secrets.size() * 8);
+  spellings_.reserve(secrets.size() * 8 * stride_);
   for (const std::string& secret : secrets) addSpellings(secret);
   sort();
   makeTables();
@@ -106,12 +112,15 @@ void SecretIndex::addBase64(std::string_view secret, std::size_t shift) {
 }
 
 void SecretIndex::addSpelling(Spelling spelling, std::string_view bytes) {
-  spelling.key = keyOfSix(bytes.data());
   spelling.begin = bytes_.size();
   spelling.length = bytes.size();
   spelling.parent = kNone;
+  for (std::size_t offset = 0; offset < stride_; ++offset) {
+    spelling.key = keyOfSix(bytes.data() + offset);
+    spelling.offset = offset;
+    spellings_.push_back(spelling);
+  }
   bytes_ += bytes;
-  spellings_.push_back(spelling);
   longest_ = std::max(longest_, bytes.size() + 2);
 }
 
@@ -121,39 +130,42 @@ std::string_view SecretIndex::bytesOf(const Spelling& spelling) const {
 
 void SecretIndex::sort() {
   const auto place = [this](const Spelling& spelling) {
-    return std::tuple(spelling.key, spelling.anyCase, bytesOf(spelling));
+    return std::tuple(spelling.key, spelling.offset, spelling.anyCase, bytesOf(spelling));
   };
   std::sort(spellings_.begin(), spellings_.end(),
             [&](const Spelling& one, const Spelling& other) { return place(one) < place(other); });
-  const auto count = static_cast<std::int32_t>(spellings_.size());
-  for (std::int32_t begin = 0; begin < count;) {
-    const auto at = [this](std::int32_t i) -> const Spelling& {
-      return spellings_[static_cast<std::size_t>(i)];
-    };
-    Group group{at(begin).key, begin, begin, begin};
-    while (group.end < count && at(group.end).key == group.key)
-      group.middle += at(group.end++).anyCase ? 0 : 1;
-    linkParents(group.begin, group.middle);
-    linkParents(group.middle, group.end);
-    groups_.push_back(group);
-    begin = group.end;
+  const auto isSamePart = [](const Spelling& one, const Spelling& other) {
+    return one.key == other.key && one.offset == other.offset && one.anyCase == other.anyCase;
+  };
+  for (auto begin = spellings_.begin(); begin != spellings_.end();) {
+    const auto end = std::find_if(begin, spellings_.end(),
+                                  [&](const Spelling& one) { return !isSamePart(*begin, one); });
+    addPart(static_cast<std::int32_t>(begin - spellings_.begin()),
+            static_cast<std::int32_t>(end - spellings_.begin()));
+    begin = end;
   }
 }
 
-/// What a spelling begins with stands before it in the order, and so does all that lies between.
-void SecretIndex::linkParents(std::int32_t begin, std::int32_t end) {
+/// Links the spellings of a part with their parents. What a spelling begins with stands before it
+/// in the order, and so does all that lies between.
+void SecretIndex::addPart(std::int32_t begin, std::int32_t end) {
+  const auto record = [this](std::int32_t at) -> Spelling& {
+    return spellings_[static_cast<std::size_t>(at)];
+  };
   for (std::int32_t i = begin + 1; i < end; ++i) {
-    Spelling& spelling = spellings_[static_cast<std::size_t>(i)];
+    Spelling& spelling = record(i);
     std::int32_t parent = i - 1;
-    const auto record = [this](std::int32_t at) -> const Spelling& {
-      return spellings_[static_cast<std::size_t>(at)];
-    };
     while (parent != kNone && !bytesOf(spelling).starts_with(bytesOf(record(parent))))
       parent = record(parent).parent;
     spelling.parent = parent;
-    // The longest one is asked alone: it takes the part before it for all.
+    // The longest one is asked alone: it takes the digit before it for all.
     if (parent != kNone && record(parent).sharesFirst) spelling.sharesFirst = true;
   }
+  const Spelling& first = record(begin);
+  if (groups_.empty() || groups_.back().key != first.key)
+    groups_.push_back({first.key, parts_.size(), parts_.size()});
+  parts_.push_back({first.offset, first.anyCase, begin, end});
+  groups_.back().end = parts_.size();
 }
 
 void SecretIndex::makeTables() {
@@ -182,21 +194,20 @@ const SecretIndex::Group* SecretIndex::groupOf(std::uint64_t key) const noexcept
 }
 
 std::optional<Place> SecretIndex::longestAt(std::string_view text, std::size_t at,
-                                            std::int32_t begin, std::int32_t end) const {
-  if (begin == end) return std::nullopt;
+                                            const Part& part) const {
   const std::string_view rest = text.substr(at);
-  const bool anyCase = spellings_[static_cast<std::size_t>(begin)].anyCase;
   // The last one that is not behind the text in the order is the longest that the text begins with,
   // or begins with that.
-  const auto last = std::partition_point(
-      spellings_.begin() + begin, spellings_.begin() + end, [&](const Spelling& spelling) {
-        return compareBeginning(rest, bytesOf(spelling), anyCase) >= 0;
-      });
+  const auto last =
+      std::partition_point(spellings_.begin() + part.begin, spellings_.begin() + part.end,
+                           [&](const Spelling& spelling) {
+                             return compareBeginning(rest, bytesOf(spelling), part.anyCase) >= 0;
+                           });
   auto i = static_cast<std::int32_t>(last - spellings_.begin()) - 1;
-  if (i < begin) return std::nullopt;
+  if (i < part.begin) return std::nullopt;
   while (i != kNone) {
     const Spelling& spelling = spellings_[static_cast<std::size_t>(i)];
-    if (compareBeginning(rest, bytesOf(spelling), anyCase) == 0) break;
+    if (compareBeginning(rest, bytesOf(spelling), part.anyCase) == 0) break;
     i = spelling.parent;
   }
   if (i == kNone) return std::nullopt;
@@ -211,20 +222,24 @@ void SecretIndex::addPlacesAt(std::string_view text, std::size_t at, std::uint64
                               std::vector<Place>& places) const {
   const Group* group = groupOf(key);
   if (group == nullptr) return;
-  if (const auto place = longestAt(text, at, group->begin, group->middle)) places.push_back(*place);
-  if (const auto place = longestAt(text, at, group->middle, group->end)) places.push_back(*place);
+  for (std::size_t i = group->begin; i < group->end; ++i) {
+    const Part& part = parts_[i];
+    if (part.offset > at) continue;
+    if (const auto place = longestAt(text, at - part.offset, part)) places.push_back(*place);
+  }
 }
 
 void SecretIndex::find(std::string_view text, std::vector<Place>& places) const {
   const std::uint64_t* const begins = begins_.data();
   const int shift = beginShift_;
-  std::size_t at = 0;
-  for (; at + 8 <= text.size(); ++at) {
+  const std::size_t stride = stride_;
+  std::size_t at = stride - 1;
+  for (; at + 8 <= text.size(); at += stride) {
     const std::uint64_t key = keyOfEight(text.data() + at);
     const std::uint64_t bit = hashOf(key) >> shift;
     if ((begins[bit >> 6] >> (bit & 63) & 1) != 0) addPlacesAt(text, at, key, places);
   }
-  for (; at + kKeyBytes <= text.size(); ++at)
+  for (; at + kKeyBytes <= text.size(); at += stride)
     addPlacesAt(text, at, keyOfSix(text.data() + at), places);
 }
 
