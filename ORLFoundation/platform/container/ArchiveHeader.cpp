@@ -13,7 +13,7 @@ using namespace internal::container;
 namespace {
 
 constexpr std::string_view kMagic = "AA01", kOlderMagic = "YAA1";
-constexpr std::size_t kKeyBytes = 4;  // and the type
+constexpr std::size_t kFieldStartBytes = 4;  // and the type
 
 struct HashForm {
   char type;
@@ -98,7 +98,7 @@ class ValueReader {
   [[nodiscard]] bool isAtEnd() const { return bytes_.empty(); }
 
   ArchiveHeader::Field field() {
-    const auto start = take(kKeyBytes);
+    const auto start = take(kFieldStartBytes);
     const auto key = ArchiveHeader::FieldKey::keyWithBytes(start.first(3));
     if (!key) throwDamaged("a header has a field without a name");
     return {*key, value(static_cast<char>(start[3]))};

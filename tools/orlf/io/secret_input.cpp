@@ -12,7 +12,7 @@
 namespace orlftool {
 namespace {
 
-constexpr std::size_t kMostBytes = 65536;
+constexpr std::size_t kMostSecretBytes = 65536;
 /// Ctrl-C as the terminal sends it.
 constexpr char kInterrupt = 3;
 
@@ -34,18 +34,20 @@ class Descriptor {
 
 /// Reads up to the end, or to the end of a line, into one piece of memory that never moves.
 Secret readBytes(int descriptor, const std::string& name, bool isOneLine) {
-  Secret room(std::string(kMostBytes + 1, '\0'));
+  Secret room(std::string(kMostSecretBytes + 1, '\0'));
   char* const bytes = const_cast<char*>(room.text().data());
   std::size_t count = 0;
-  while (count <= kMostBytes) {
-    const ssize_t got = ::read(descriptor, bytes + count, isOneLine ? 1 : kMostBytes + 1 - count);
+  while (count <= kMostSecretBytes) {
+    const ssize_t got =
+        ::read(descriptor, bytes + count, isOneLine ? 1 : kMostSecretBytes + 1 - count);
     if (got < 0 && errno == EINTR) continue;
     if (got < 0) throw JobFailure(name + ": " + std::strerror(errno));
     if (got == 0) break;
     count += static_cast<std::size_t>(got);
     if (isOneLine && (bytes[count - 1] == '\n' || bytes[count - 1] == kInterrupt)) break;
   }
-  if (count > kMostBytes) throw JobFailure(name + ": expected a secret of at most 64 KB, got more");
+  if (count > kMostSecretBytes)
+    throw JobFailure(name + ": expected a secret of at most 64 KB, got more");
   return Secret(std::string(bytes, count));
 }
 

@@ -9,7 +9,7 @@
 namespace ORLFoundation::internal::compression {
 namespace {
 
-constexpr std::size_t kLeastMatch = 3, kMostRunOfMatch = 3;
+constexpr std::size_t kLeastRepeat = 3, kMostRunOfMatch = 3;
 constexpr std::size_t kMostSmall = 15, kLeastLarge = 16, kMostLarge = 271;
 constexpr std::uint32_t kMostSmallDistance = 1535, kMostMediumDistance = 16383;
 constexpr std::size_t kMostMediumMatch = 34;
@@ -81,7 +81,7 @@ class Writer {
                     std::uint32_t distance) {
     const std::size_t count = bytes.size();
     const std::size_t here = std::min(length, mostMatchBeside(count));
-    const std::size_t head = count << 6 | (here - kLeastMatch) << 3;
+    const std::size_t head = count << 6 | (here - kLeastRepeat) << 3;
     if (distance == last_) {
       if (count == 0) return 0;
       byte(head | 6);
@@ -89,7 +89,7 @@ class Writer {
       byte(head | distance >> 8);
       byte(distance & 0xff);
     } else if (distance <= kMostMediumDistance && length <= kMostMediumMatch) {
-      const std::size_t number = length - kLeastMatch;
+      const std::size_t number = length - kLeastRepeat;
       byte(0xa0 | count << 3 | number >> 2);
       half(distance << 2 | (number & 3));
       run(bytes);
@@ -152,7 +152,7 @@ class Places {
       const auto distance = static_cast<std::uint32_t>(at - static_cast<std::size_t>(place));
       if (distance > kMostDistance) break;
       const std::size_t length = lengthAt(at, static_cast<std::size_t>(place));
-      if (length < kLeastMatch) continue;
+      if (length < kLeastRepeat) continue;
       const std::size_t cost = writer.cost(length, distance);
       if (length > cost && length - cost > best.gain) best = {length, distance, length - cost};
     }
@@ -252,7 +252,7 @@ class Reader {
     if ((code >= 0x70 && code <= 0x7f) || (code >= 0xd0 && code <= 0xdf)) return false;
     if ((code & 0xe0U) == 0xa0U) return readMedium(code);
     const std::size_t run = code >> 6;
-    const std::size_t length = (code >> 3 & 7U) + kLeastMatch;
+    const std::size_t length = (code >> 3 & 7U) + kLeastRepeat;
     const std::uint8_t kind = code & 7U;
     if (kind == 6 && run == 0) return false;
     if (!has(kind == 7 ? 3 : kind == 6 ? 1 : 2)) return false;
@@ -271,7 +271,7 @@ class Reader {
   bool readMedium(std::uint8_t code) {
     if (!has(3)) return false;
     const auto number = load<std::uint16_t>(payload_.data() + next_ + 1);
-    const std::size_t length = ((code & 7U) << 2 | (number & 3U)) + kLeastMatch;
+    const std::size_t length = ((code & 7U) << 2 | (number & 3U)) + kLeastRepeat;
     distance_ = number >> 2;
     next_ += 3;
     return literals(code >> 3 & 3U) && match(length);

@@ -14,7 +14,7 @@ using files::OpenFile;
 
 namespace {
 
-constexpr mode_t kModeBits = 07777;
+constexpr mode_t kPackedModeBits = 07777;
 
 bool isSameFile(const std::optional<std::pair<std::uint64_t, std::uint64_t>>& file,
                 const struct stat& status) {
@@ -107,7 +107,7 @@ void FolderPacking::appendTraits(ArchiveHeader& header, const struct stat& statu
   if (keys_.contains("UID")) header.append(ArchiveHeader::Field::uint("UID", status.st_uid));
   if (keys_.contains("GID")) header.append(ArchiveHeader::Field::uint("GID", status.st_gid));
   if (keys_.contains("MOD"))
-    header.append(ArchiveHeader::Field::uint("MOD", status.st_mode & kModeBits));
+    header.append(ArchiveHeader::Field::uint("MOD", status.st_mode & kPackedModeBits));
 }
 
 void FolderPacking::advance(std::uint64_t bytes) {

@@ -12,7 +12,7 @@ namespace {
 
 using base::lowerASCII;
 
-constexpr long kStatuses[] = {301, 302, 303, 307, 308};
+constexpr long kFollowed[] = {301, 302, 303, 307, 308};
 /// What belongs to the server that it was meant for.
 constexpr std::string_view kOwnFields[] = {"Authorization", "Cookie", "Host",
                                            "Proxy-Authorization"};
@@ -53,7 +53,7 @@ bool becomesGet(const std::string& method, long status) {
 }  // namespace
 
 bool isRedirect(long status) noexcept {
-  return std::find(std::begin(kStatuses), std::end(kStatuses), status) != std::end(kStatuses);
+  return std::find(std::begin(kFollowed), std::end(kFollowed), status) != std::end(kFollowed);
 }
 
 std::string originOf(const std::string& address) {
