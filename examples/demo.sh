@@ -121,4 +121,25 @@ wait "$watcher"
 printf '$ orlf watch watched.txt --once &\n$ mv watched.txt.new watched.txt\n'
 cat "$output/watch.txt"
 
+say "A statement fetched from a bank that wants a token: the log shows neither it nor the password"
+python3 "$here/bank_server.py" >"$output/port.txt" &
+bank=$!
+trap 'kill "$bank" 2>/dev/null || :' EXIT
+until [ -s "$output/port.txt" ]; do sleep 0.05; done
+address="http://127.0.0.1:$(cat "$output/port.txt")/statement"
+printf 'Authorization: Bearer 4f1c9a77e2\n' >"$output/token.txt"
+rm -f "$output/web.log" "$output/fetched.json"
+run fetch "$address?password=swordfish" --retry-auth "@$output/token.txt" --log "$output/web.log" \
+  --mask password,iban >"$output/fetched.json"
+cat "$output/fetched.json"
+run modified "$address"
+run fetch "$address" --header "@$output/token.txt" -o "$output/statement.json"
+run fetch "$address" --header "@$output/token.txt" -o "$output/statement.json" --if-newer
+printf '$ cat web.log\n'
+cat "$output/web.log"
+if grep -q -e 4f1c9a77e2 -e swordfish -e DE02120300000000202051 "$output/web.log"; then
+  echo 'a secret stands in the log' >&2
+  exit 1
+fi
+
 printf '\nThe chart is in %s, the process in %s\n' "$output/mortgage.svg" "$output/loan_application.dot"

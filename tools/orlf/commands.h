@@ -83,6 +83,10 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareProcessCommand(Options& options);
 /// `orlf watch`  What happens to a file, or to the names in a directory.
 [[nodiscard]] Job declareWatchCommand(Options& options);
+/// `orlf fetch`  What stands at an address.
+[[nodiscard]] Job declareFetchCommand(Options& options);
+/// `orlf modified`  When that was last modified.
+[[nodiscard]] Job declareModifiedCommand(Options& options);
 /// `orlf user-agent`  What an application tells servers it is.
 [[nodiscard]] Job declareUserAgentCommand(Options& options);
 /// `orlf reachable`  Whether there is a way to a host.

@@ -66,6 +66,8 @@ constexpr std::array kCommands{
     Command{"extract", &declareExtractCommand, Length::mayBeLong},
     Command{"store-info", &declareStoreInfoCommand},
     Command{"same-file", &declareSameFileCommand},
+    Command{"fetch", &declareFetchCommand, Length::mayBeLong},
+    Command{"modified", &declareModifiedCommand, Length::mayBeLong},
     Command{"user-agent", &declareUserAgentCommand},
     Command{"reachable", &declareReachableCommand},
     Command{"query-string", &declareQueryStringCommand},
