@@ -10,10 +10,13 @@ find_package(OpenSSL 3.0 REQUIRED COMPONENTS Crypto)    # OpenSSL::Crypto
 find_package(ZLIB 1.2 REQUIRED)                         # ZLIB::ZLIB
 find_package(LibXml2 2.9 REQUIRED)                      # LibXml2::LibXml2
 find_package(SQLite3 3.37 REQUIRED)                     # SQLite::SQLite3
+find_package(CURL 7.87 REQUIRED)                        # CURL::libcurl
 find_package(nlohmann_json 3.11 REQUIRED)               # nlohmann_json::nlohmann_json
 # Only the tests of the bridges to their loops call these; the library links neither.
 pkg_check_modules(GLIB QUIET IMPORTED_TARGET glib-2.0)  # PkgConfig::GLIB
 find_package(Qt6 QUIET COMPONENTS Core)                 # Qt6::Core
+# The store of keychain items in the Secret Service is built where this is found.
+pkg_check_modules(LIBSECRET QUIET IMPORTED_TARGET libsecret-1>=0.20)  # PkgConfig::LIBSECRET
 if(ORLF_BUILD_TOOL)
   find_package(CLI11 2.1 REQUIRED)                      # CLI11::CLI11
   pkg_check_modules(PANGOCAIRO REQUIRED IMPORTED_TARGET pangocairo)  # PkgConfig::PANGOCAIRO

@@ -46,6 +46,16 @@ install(
 install(
   FILES ${PROJECT_SOURCE_DIR}/ORLFoundation/bridges/qt/NSMainQueueQtBridge.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ORLFoundation/bridges/qt)
+# The store of keychain items in the Secret Service: an archive and its header.
+if(TARGET SecretServiceStore)
+  install(TARGETS SecretServiceStore EXPORT ORLFoundationSecretServiceTargets
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  install(
+    FILES ${PROJECT_SOURCE_DIR}/ORLFoundation/bridges/libsecret/SecretServiceItemStore.h
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ORLFoundation/bridges/libsecret)
+  install(EXPORT ORLFoundationSecretServiceTargets NAMESPACE ORLFoundation::
+    DESTINATION ${package_folder})
+endif()
 install(EXPORT ORLFoundationTargets NAMESPACE ORLFoundation:: DESTINATION ${package_folder})
 configure_package_config_file(cmake/ORLFoundationConfig.cmake.in
   ${PROJECT_BINARY_DIR}/ORLFoundationConfig.cmake INSTALL_DESTINATION ${package_folder})

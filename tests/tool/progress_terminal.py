@@ -137,8 +137,22 @@ def slow_table(folder):
     return run
 
 
-POOL = ThreadPoolExecutor(12)
-FOLDER = tempfile.TemporaryDirectory()
+def long_mirror(folder):
+    """A folder of many names of one empty file, each of which becomes a file of its own."""
+    source, destination = os.path.join(folder, "from"), os.path.join(folder, "to")
+    os.makedirs(os.path.join(source, "many"))
+    os.mkdir(destination)
+    first = os.path.join(source, "many", "0")
+    open(first, "w").close()
+    for name in range(1, MIRRORED):
+        os.link(first, os.path.join(source, "many", str(name)))
+    return Run("mirror", source, destination, columns=100)
+
+
+MIRRORED = 20000
+POOL = ThreadPoolExecutor(13)
+IN_MEMORY = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
+FOLDER = tempfile.TemporaryDirectory(dir=IN_MEMORY)
 RUNS = {
     "narrow": POOL.submit(demo, columns=40),
     "wide": POOL.submit(demo, seconds="4", columns=200),
@@ -152,6 +166,7 @@ RUNS = {
     "piped": POOL.submit(piped),
     "piped quietly": POOL.submit(piped, "--quiet"),
     "table": POOL.submit(slow_table, FOLDER.name),
+    "mirror": POOL.submit(long_mirror, FOLDER.name),
 }
 
 
@@ -241,6 +256,17 @@ class Progress(unittest.TestCase):
         self.assertEqual(run.output, b"1\t2\n" * 200000)
         self.assertTrue(any(re.match(rb"[|/\\-] Reading \S*slow\.csv +[\d.]+ k?B", frame)
                             for frame in run.frames()), run.frames())
+
+    def test_shows_how_far_a_mirror_has_come(self):
+        run = run_of("mirror")
+        self.assertEqual(run.output, b"Added: 1, replaced: 0, removed: 0\n")
+        self.assertEqual(len(os.listdir(os.path.join(FOLDER.name, "to", "many"))), MIRRORED)
+        lines = [frame for frame in run.frames() if b"Copying" in frame]
+        self.assertTrue(lines, run.frames())
+        for line in lines:
+            self.assertRegex(line, rb"^[|/\\-] Copying \S*from +\[#*-*\] +\d+%")
+        self.assertGreater(len({re.search(rb"(\d+)%", line)[1] for line in lines}), 1, lines)
+        self.assertEqual(run.screen(), b"")
 
 
 if __name__ == "__main__":

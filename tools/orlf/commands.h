@@ -33,6 +33,10 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareIrrCommand(Options& options);
 /// `orlf mirror`  A folder brought into line with another one.
 [[nodiscard]] Job declareMirrorCommand(Options& options);
+/// `orlf archive`  A folder packed into one file, plain or sealed.
+[[nodiscard]] Job declareArchiveCommand(Options& options);
+/// `orlf extract`  A folder made of such a file.
+[[nodiscard]] Job declareExtractCommand(Options& options);
 /// `orlf store-info`  The metadata of a store file.
 [[nodiscard]] Job declareStoreInfoCommand(Options& options);
 /// `orlf same-file`  Whether two paths lead to one file.
@@ -49,6 +53,8 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareRoundCommand(Options& options);
 /// `orlf decimal`  Sums on decimals.
 [[nodiscard]] Job declareDecimalCommand(Options& options);
+/// `orlf keychain`  Passwords in the desktop's keychain.
+[[nodiscard]] Job declareKeychainCommand(Options& options);
 /// `orlf link`  Which handler takes a link.
 [[nodiscard]] Job declareLinkCommand(Options& options);
 /// `orlf progress-demo`  How progress is shown.
@@ -77,5 +83,23 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareProcessCommand(Options& options);
 /// `orlf watch`  What happens to a file, or to the names in a directory.
 [[nodiscard]] Job declareWatchCommand(Options& options);
+/// `orlf fetch`  What stands at an address.
+[[nodiscard]] Job declareFetchCommand(Options& options);
+/// `orlf modified`  When that was last modified.
+[[nodiscard]] Job declareModifiedCommand(Options& options);
+/// `orlf user-agent`  What an application tells servers it is.
+[[nodiscard]] Job declareUserAgentCommand(Options& options);
+/// `orlf reachable`  Whether there is a way to a host.
+[[nodiscard]] Job declareReachableCommand(Options& options);
+/// `orlf query-string`  The queries of addresses.
+[[nodiscard]] Job declareQueryStringCommand(Options& options);
+/// `orlf store`  Passwords for services in one encrypted file.
+[[nodiscard]] Job declareStoreCommand(Options& options);
+/// `orlf hash`  Digests of files.
+[[nodiscard]] Job declareHashCommand(Options& options);
+/// `orlf base64`  Base64 text, both ways.
+[[nodiscard]] Job declareBase64Command(Options& options);
+/// `orlf gzip`  Compression, both ways.
+[[nodiscard]] Job declareGzipCommand(Options& options);
 
 }  // namespace orlftool

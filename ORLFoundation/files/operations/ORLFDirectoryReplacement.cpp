@@ -18,20 +18,17 @@ using Error = std::shared_ptr<const NSError>;
 Error replaceContents(HeldTrees& trees, NSUInteger options,
                       const ORLFDirectoryReplacementHandler& handler) {
   if (const auto failure = trees.check()) return errorOf(*failure);
-  bool isVetoed = false;
   ReplacementPlan::Ask ask;
   if (handler)
     ask = [&](const std::string& item, ORLFDirectoryReplacementAction action) {
-      const NSURL url = NSURL::fileURLWithPath(joinedPath(trees.destinationPath(), item));
-      const bool isTaken = handler(url, action);
-      isVetoed = isVetoed || !isTaken;
-      return isTaken;
+      return handler(NSURL::fileURLWithPath(joinedPath(trees.destinationPath(), item)), action);
     };
   ReplacementPlan plan(trees, options, std::move(ask));
   if (Error error = plan.make()) return error;
-  // Who vetoes all that there is to do has nothing changed at all.
-  if (!plan.isEmpty() || !isVetoed) trees.removeAbandoned();
-  return plan.isEmpty() ? nullptr : plan.carryOut();
+  // Who has nothing to do, or vetoes all that there is, has nothing changed at all.
+  if (plan.isEmpty()) return nullptr;
+  trees.removeAbandoned();
+  return plan.carryOut();
 }
 
 }  // namespace
@@ -45,8 +42,7 @@ bool orlfReplaceContentsOfDirectoryAtURL(NSFileManager& manager, const NSURL& ur
   const auto destination = pathOfFileURL(url, FileWork::Read, &failure);
   const auto source = pathOfFileURL(withContentsOfDirectoryAtURL, FileWork::Read, &failure);
   if (destination && source) {
-    const auto toDisk = manager.bringsCopiesToDisk() ? CopyToDisk::Yes : CopyToDisk::No;
-    HeldTrees trees(*manager.calls(), *destination, *source, toDisk);
+    HeldTrees trees(manager, *destination, *source);
     failure = replaceContents(trees, usingOptions, handler);
   }
   if (error != nullptr) *error = failure;

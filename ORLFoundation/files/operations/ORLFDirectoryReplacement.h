@@ -47,7 +47,7 @@ using ORLFDirectoryReplacementHandler =
 /// after success. Each item is changed in one step: whoever looks, after a crash too, finds the old
 /// one or the new one. New items are made in a folder inside of the destination, whose name begins
 /// with ".orlf-replacing-"; the next call that changes something there removes what a killed
-/// process left.
+/// process left. The manager tells of each item that is copied (`setCopyNotice`).
 ///
 /// Links: the path of an item is taken with its links resolved, on both sides. So a link stands for
 /// what it leads to: that is compared, copied, replaced, removed in its place. Inside of a folder
@@ -56,7 +56,7 @@ using ORLFDirectoryReplacementHandler =
 /// that is swapped for a link meanwhile ends the call with an error.
 ///
 /// Pipes, sockets and devices cannot be copied. Neither folder may be, or lie in, the other one.
-/// Both must be on one file system, and neither may change meanwhile.
+/// The destination must be on one file system, and neither may change meanwhile.
 [[nodiscard]] bool orlfReplaceContentsOfDirectoryAtURL(
     NSFileManager& manager, const NSURL& url, const NSURL& withContentsOfDirectoryAtURL,
     NSUInteger usingOptions, const ORLFDirectoryReplacementHandler& handler,

@@ -44,9 +44,11 @@ class Trees {
   [[nodiscard]] fs::path source() const { return root_ / "source"; }
   [[nodiscard]] fs::path destination() const { return root_ / "destination"; }
   [[nodiscard]] int count() const { return count_; }
-  /// Empties the destination.
-  void empty() const {
-    fs::remove_all(destination());
+  /// Puts an empty folder in place of the destination. What stood there stays elsewhere to the end:
+  /// a file system may take its time to give the place of removed files to new ones.
+  void empty() {
+    if (fs::exists(destination()))
+      fs::rename(destination(), root_ / ("old" + std::to_string(emptied_++)));
     fs::create_directory(destination());
   }
   [[nodiscard]] bool isMirrored() const {
@@ -64,7 +66,7 @@ class Trees {
 
  private:
   const fs::path root_;
-  int count_ = 0;
+  int count_ = 0, emptied_ = 0;
 };
 
 Trees& trees() {
@@ -104,8 +106,9 @@ using Run = void (*)(bool isOverEqual, bool bringsToDisk);
 void mirror(benchmark::State& state, Run run, bool isOverEqual, bool bringsToDisk) {
   for (auto turn : state) {
     state.PauseTiming();
-    if (isOverEqual && !trees().isMirrored()) runOurs(false, false);
-    if (!isOverEqual) trees().empty();
+    const bool isEqual = fs::exists(trees().destination()) && trees().isMirrored();
+    if (!isOverEqual || !isEqual) trees().empty();
+    if (isOverEqual && !isEqual) runOurs(false, false);
     state.ResumeTiming();
     run(isOverEqual, bringsToDisk);
     state.PauseTiming();

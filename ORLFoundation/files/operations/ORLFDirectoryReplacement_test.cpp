@@ -100,6 +100,15 @@ TEST_F(ORLFDirectoryReplacement, ChangesNothingWhereTheHandlerRefusesAll) {
   EXPECT_EQ(destination(), before);
 }
 
+TEST_F(ORLFDirectoryReplacement, ChangesNothingWhereThereIsNothingToDo) {
+  const TreeJson tree = {{"b", {{"c", TreeJson::object()}}}};
+  make(tree, tree);
+  fs::create_directory(folder_ / "destination/.orlf-replacing-0123ABCD");
+  EXPECT_TRUE(replace(0, noting([](const std::string&) { return true; })));
+  EXPECT_THAT(questions_, ElementsAre("3 b", "3 b/c"));
+  EXPECT_TRUE(fs::exists(folder_ / "destination/.orlf-replacing-0123ABCD"));
+}
+
 TEST_F(ORLFDirectoryReplacement, KeepsWhatOnlyTheDestinationHasWhereTheHandlerSaysSo) {
   make({{"mine", "x"}, {"a", "old"}}, {{"a", "new"}});
   EXPECT_TRUE(replace(0, noting([](const std::string& question) { return question[0] != '4'; })));
@@ -111,6 +120,32 @@ TEST_F(ORLFDirectoryReplacement, AsksOnceForANewFolder) {
   EXPECT_TRUE(replace(0, noting([](const std::string&) { return true; })));
   EXPECT_THAT(questions_, ElementsAre("1 n"));
   EXPECT_EQ(destination(), TreeJson({{"n", {{"o", {{"p", "y"}}}}}}));
+}
+
+TEST_F(ORLFDirectoryReplacement, TellsOfEachItemThatIsCopied) {
+  make({{"a", "old"}, {"b", {{"c", "old"}, {"kept", "x"}}}},
+       {{"a", "new"}, {"b", {{"c", "new"}, {"kept", "y"}}}, {"n", {{"o", "y"}}}});
+  NSFileManager manager;
+  std::vector<std::string> told;
+  manager.setCopyNotice([&](const std::string& item) {
+    told.push_back(item.substr(fs::canonical(folder_ / "source").native().size()));
+  });
+  EXPECT_TRUE(replace(manager, 0,
+                      noting([](const std::string& question) { return question != "2 b/kept"; })));
+  EXPECT_THAT(told, ElementsAre("/a", "/b/c", "/n", "/n/o"));
+}
+
+TEST_F(ORLFDirectoryReplacement, CopiesFromAnotherFileSystem) {
+  const orlftest::TemporaryFolder elsewhere(orlftest::parentInMemory());
+  const TreeJson tree = {{"a", std::string(3 << 20, 'x')}, {"b", {{"c", "y"}}}};
+  makeTree(folder_ / "destination", {{"b", "old"}});
+  makeTree(elsewhere.path() / "source", tree);
+  NSFileManager manager;
+  EXPECT_TRUE(orlfReplaceContentsOfDirectoryAtURL(
+      manager, url("destination"), NSURL::fileURLWithPath(elsewhere.path().string() + "/source"), 0,
+      nullptr, &error_))
+      << description();
+  EXPECT_EQ(destination(), tree);
 }
 
 TEST_F(ORLFDirectoryReplacement, SwapsAFileAndAFolderOfOneName) {

@@ -7,8 +7,8 @@
 namespace ORLFoundation {
 namespace {
 
-/// The path without its last name, slashes at its end passed over: "/a" of "/a/b/", "/" of "/a", ""
-/// of "a".
+/// `stringByDeletingLastPathComponent`  The path without its last name, slashes at its end passed
+/// over: "/a" of "/a/b/", "/" of "/a", "" of "a".
 std::string withoutLastComponent(std::string_view path) {
   const std::size_t nameEnd = path.find_last_not_of('/');
   if (nameEnd == path.npos) return std::string(path.substr(0, 1));

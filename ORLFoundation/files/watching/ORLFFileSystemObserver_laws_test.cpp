@@ -27,8 +27,11 @@ std::optional<std::string> contentOf(const fs::path& path) {
 /// Changes one file in random ways, while an observer of it reads it at each event.
 class RandomChanges {
  public:
-  RandomChanges(const fs::path& folder, unsigned seed)
-      : file_(folder / std::to_string(seed)), random_(seed), left_(random_() % 8 + 1) {
+  RandomChanges(const fs::path& folder, unsigned seed, const dispatch_queue_t& queue)
+      : file_(folder / std::to_string(seed)),
+        random_(seed),
+        left_(random_() % 8 + 1),
+        observed_(file_, queue) {
     observed_.onEvent = [this](NSInteger event) {
       lastEvent_ = event;
       lastRead_ = contentOf(file_);
@@ -43,23 +46,18 @@ class RandomChanges {
     pause();
     return true;
   }
-  /// "" when the end of the sequence is as it must be.
-  std::string fault() {
+  /// "" when the end of the sequence is as it must be. Asked when all events were handled.
+  [[nodiscard]] std::string fault() const {
     const auto content = contentOf(file_);
-    orlftest::waitForEvents(observed_.queue);
-    return dispatch_sync(observed_.queue, [&] { return faultWith(content); });
-  }
-
- private:
-  using Change = void (RandomChanges::*)();
-
-  [[nodiscard]] std::string faultWith(const std::optional<std::string>& content) const {
     const bool isEnd = lastEvent_ == 0 || lastEvent_ == 3 || lastEvent_ == 4;
     if (observed_.observer->isObserving() == isEnd) return "observes after its end, or not";
     if (content.has_value() == isEnd) return "ended without its file, or not";
     if (!isEnd && lastRead_ != content) return "read what is not final";
     return {};
   }
+
+ private:
+  using Change = void (RandomChanges::*)();
 
   std::string fresh() { return std::to_string(random_()); }
 
@@ -95,36 +93,35 @@ class RandomChanges {
   const fs::path file_;
   std::mt19937 random_;
   unsigned left_;
-  ObservedFile observed_{file_};
+  ObservedFile observed_;
   NSInteger lastEvent_ = 0;
   std::optional<std::string> lastRead_;
 };
 
-class FileSystemObserverLaws : public orlftest::TemporaryFolderTest {};
+class FileSystemObserverLaws : public orlftest::TemporaryFolderTest {
+ protected:
+  FileSystemObserverLaws() : TemporaryFolderTest(orlftest::parentInMemory()) {}
+};
 
-/// Where files cost no disk: in memory, if the machine has such a place.
-fs::path quickFolder(const fs::path& other) {
-  std::string pattern = "/dev/shm/orlfXXXXXX";
-  return ::mkdtemp(pattern.data()) != nullptr ? fs::path(pattern) : other;
-}
-
-/// Many sequences side by side, so that none waits for the other's events.
+/// Many sequences side by side on several queues, so that none waits for the other's events.
 TEST_F(FileSystemObserverLaws, LastEventFollowsTheLastChange) {
   constexpr unsigned kSequences = orlftest::kSlowdown > 1 ? 1000 : 10'000;
   constexpr unsigned kAtATime = 100;
-  const fs::path folder = quickFolder(folder_);
+  std::array<dispatch_queue_t, 8> queues;
+  for (auto& queue : queues) queue = dispatch_queue_create("law", DISPATCH_QUEUE_SERIAL);
   for (unsigned seed = 0; seed < kSequences; seed += kAtATime) {
     std::vector<std::unique_ptr<RandomChanges>> sequences;
     for (unsigned i = 0; i < kAtATime; ++i)
-      sequences.push_back(std::make_unique<RandomChanges>(folder, seed + i));
+      sequences.push_back(
+          std::make_unique<RandomChanges>(folder_, seed + i, queues.at(i % queues.size())));
     for (bool isGoingOn = true; std::exchange(isGoingOn, false);)
       for (const auto& sequence : sequences)
         if (sequence->step()) isGoingOn = true;
+    for (const auto& queue : queues) orlftest::waitForEvents(queue);
     for (const auto& sequence : sequences) ASSERT_EQ(sequence->fault(), "") << "seed " << seed;
     sequences.clear();
-    for (const auto& entry : fs::directory_iterator(folder)) fs::remove(entry);
+    for (const auto& entry : fs::directory_iterator(folder_)) fs::remove(entry);
   }
-  fs::remove(folder);
 }
 
 /// Raises the limit of open files as far as the machine lets, and puts it back.

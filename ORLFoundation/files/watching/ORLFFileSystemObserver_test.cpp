@@ -22,7 +22,9 @@ using testing::IsEmpty;
 
 class FileSystemObserver : public orlftest::TemporaryFolderTest {
  protected:
-  FileSystemObserver() { write("file", "content"); }
+  FileSystemObserver() : TemporaryFolderTest(orlftest::parentInMemory()) {
+    write("file", "content");
+  }
   /// Started, with event 1 behind it.
   void start() {
     ASSERT_TRUE(observed_.observer->startObserving());

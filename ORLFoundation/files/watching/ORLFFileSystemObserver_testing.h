@@ -17,10 +17,10 @@
 
 namespace orlftest {
 
-/// The folder of deleted files of this process's user. Made, and named to the library, at the first
-/// call.
+/// The folder of deleted files of this process's user, on the file system of `parentInMemory`.
+/// Made, and named to the library, at the first call.
 inline const std::filesystem::path& trashFolder() {
-  static const TemporaryFolder home;
+  static const TemporaryFolder home(parentInMemory());
   static const std::filesystem::path folder = [] {
     const auto files = std::filesystem::canonical(home.path()) / "Trash/files";
     std::filesystem::create_directories(files);
@@ -48,11 +48,15 @@ struct ObservedEvent {
   }
 };
 
-/// An observer of a path on a queue of its own, and what it told.
+/// An observer of a path on a serial queue, one of its own if none is given, and what it told.
 class ObservedFile {
  public:
-  explicit ObservedFile(const std::string& path)
-      : observer(std::make_shared<ORLFoundation::ORLFFileSystemObserver>(
+  explicit ObservedFile(
+      const std::string& path,
+      ORLFoundation::dispatch_queue_t serialQueue =
+          ORLFoundation::dispatch_queue_create("observed", ORLFoundation::DISPATCH_QUEUE_SERIAL))
+      : queue(std::move(serialQueue)),
+        observer(std::make_shared<ORLFoundation::ORLFFileSystemObserver>(
             ORLFoundation::NSURL::fileURLWithPath(path), queue,
             [this](ORLFoundation::NSInteger event,
                    const std::optional<ORLFoundation::NSURL>& place) {
@@ -61,7 +65,7 @@ class ObservedFile {
             })) {}
   ~ObservedFile() {
     observer->stopObserving();
-    waitForEvents(queue);
+    ORLFoundation::dispatch_sync(queue, [] {});
   }
   ObservedFile(const ObservedFile&) = delete;
   ObservedFile& operator=(const ObservedFile&) = delete;
@@ -78,8 +82,7 @@ class ObservedFile {
     return found;
   }
 
-  const ORLFoundation::dispatch_queue_t queue =
-      ORLFoundation::dispatch_queue_create("observed", ORLFoundation::DISPATCH_QUEUE_SERIAL);
+  const ORLFoundation::dispatch_queue_t queue;
   const std::shared_ptr<ORLFoundation::ORLFFileSystemObserver> observer;
   /// Called on the queue with each event.
   std::function<void(ORLFoundation::NSInteger event)> onEvent;

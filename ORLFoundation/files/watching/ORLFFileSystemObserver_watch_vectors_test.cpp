@@ -57,7 +57,7 @@ class RealFilePlayer {
     EXPECT_FALSE(text.empty());
   }
 
-  const orlftest::TemporaryFolder folder_;
+  const orlftest::TemporaryFolder folder_{orlftest::parentInMemory()};
   const fs::path file_ = folder_.path() / "file";
   const fs::path elsewhere_ = folder_.path() / "elsewhere";
   fs::path moved_;

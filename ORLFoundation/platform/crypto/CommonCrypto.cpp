@@ -12,11 +12,11 @@
 namespace ORLFoundation {
 namespace {
 
-struct FreeCipher {
+struct FreeBlockCipher {
   /// Wipes the key schedule too.
   void operator()(EVP_CIPHER_CTX* context) const { EVP_CIPHER_CTX_free(context); }
 };
-using CipherContext = std::unique_ptr<EVP_CIPHER_CTX, FreeCipher>;
+using BlockCipherContext = std::unique_ptr<EVP_CIPHER_CTX, FreeBlockCipher>;
 
 const EVP_CIPHER* cipherForKey(std::size_t length) {
   switch (length) {
@@ -34,14 +34,16 @@ const EVP_CIPHER* cipherForKey(std::size_t length) {
 CCCryptorStatus checkCrypt(const CCCryptData& data) {
   const bool encrypts = data.operation == kCCEncrypt;
   if (!encrypts && data.operation != kCCDecrypt) return kCCUnimplemented;
-  if (data.algorithm != kCCAlgorithmAES || data.options != kCCOptionPKCS7Padding)
+  const bool isPadded = data.options == kCCOptionPKCS7Padding;
+  if (data.algorithm != kCCAlgorithmAES || (!isPadded && data.options != 0))
     return kCCUnimplemented;
   if (cipherForKey(data.key.size()) == nullptr) return kCCParamError;
   if (!data.initializationVector.empty() && data.initializationVector.size() != kCCBlockSizeAES128)
     return kCCParamError;
-  const std::size_t needed = data.input.size() + (encrypts ? kCCBlockSizeAES128 : 0);
+  const std::size_t needed = data.input.size() + (encrypts && isPadded ? kCCBlockSizeAES128 : 0);
   if (data.output.size() < needed) return kCCBufferTooSmall;
-  if (!encrypts && data.input.size() % kCCBlockSizeAES128 != 0) return kCCAlignmentError;
+  if (!(encrypts && isPadded) && data.input.size() % kCCBlockSizeAES128 != 0)
+    return kCCAlignmentError;
   return kCCSuccess;
 }
 
@@ -75,7 +77,7 @@ bool runCipher(EVP_CIPHER_CTX* context, const CCCryptData& data, std::size_t& mo
 CCCryptorStatus CCCrypt(const CCCryptData& data, std::size_t& moved) {
   moved = 0;
   if (const CCCryptorStatus status = checkCrypt(data); status != kCCSuccess) return status;
-  const CipherContext context(EVP_CIPHER_CTX_new());
+  const BlockCipherContext context(EVP_CIPHER_CTX_new());
   if (!context) return kCCMemoryFailure;
   constexpr std::array<std::uint8_t, kCCBlockSizeAES128> kZeros{};
   const std::uint8_t* const vector =
@@ -83,6 +85,7 @@ CCCryptorStatus CCCrypt(const CCCryptData& data, std::size_t& moved) {
   if (EVP_CipherInit_ex(context.get(), cipherForKey(data.key.size()), nullptr, data.key.data(),
                         vector, data.operation == kCCEncrypt ? 1 : 0) != 1)
     return kCCMemoryFailure;
+  EVP_CIPHER_CTX_set_padding(context.get(), data.options == kCCOptionPKCS7Padding ? 1 : 0);
   if (runCipher(context.get(), data, moved)) return kCCSuccess;
   OPENSSL_cleanse(data.output.data(), moved);
   moved = 0;

@@ -31,7 +31,7 @@ enum CCCryptorStatus : std::int32_t {
 enum CCOperation : std::uint32_t { kCCEncrypt = 0, kCCDecrypt = 1 };
 /// The ciphers: one is offered.
 enum CCAlgorithm : std::uint32_t { kCCAlgorithmAES = 0 };
-/// Bits; without any other the mode is CBC.
+/// Bits; without any the mode is CBC over whole blocks.
 enum CCOptions : std::uint32_t { kCCOptionPKCS7Padding = 1 };
 /// How keys are derived from passwords: one way is offered.
 enum CCPBKDFAlgorithm : std::uint32_t { kCCPBKDF2 = 2 };
@@ -56,13 +56,13 @@ struct CCCryptData {
   std::span<std::uint8_t> output;
 };
 
-/// `CCCrypt`  AES in CBC mode with PKCS#7 padding, the whole input at once, and tells how many
-/// bytes of output there are. `kCCParamError` for a key or a vector of another length,
-/// `kCCUnimplemented` for another operation, algorithm or set of options, `kCCBufferTooSmall` where
-/// the result could outgrow the output: encryption needs the input's length and a block more,
-/// decryption the input's length. `kCCAlignmentError` for a cipher text of no whole number of
-/// blocks, `kCCDecodeError` for one whose padding is none. After a failure the output holds nothing
-/// of the plain text.
+/// `CCCrypt`  AES in CBC mode, the whole input at once, with PKCS#7 padding where the options ask
+/// for it, and tells how many bytes of output there are. `kCCParamError` for a key or a vector of
+/// another length, `kCCUnimplemented` for another operation, algorithm or set of options,
+/// `kCCBufferTooSmall` where the result could outgrow the output: encryption needs the input's
+/// length and a block more, decryption the input's length. `kCCAlignmentError` for a cipher text,
+/// and for a text without padding, of no whole number of blocks, `kCCDecodeError` for one whose
+/// padding is none. After a failure the output holds nothing of the plain text.
 [[nodiscard]] CCCryptorStatus CCCrypt(const CCCryptData& data, std::size_t& moved);
 
 /// `CCKeyDerivationPBKDF`  A key as long as `derivedKey` from a password and a salt (RFC 8018,

@@ -41,7 +41,7 @@ TEST(CommonCrypto, RefusesWhatItDoesNotOffer) {
   EXPECT_EQ(moved, 0U);
   EXPECT_EQ(statusOf([](CCCryptData& d) { d.algorithm = static_cast<CCAlgorithm>(1); }),
             kCCUnimplemented);
-  EXPECT_EQ(statusOf([](CCCryptData& d) { d.options = 0; }), kCCUnimplemented);
+  EXPECT_EQ(statusOf([](CCCryptData& d) { d.options = 2; }), kCCUnimplemented);
   EXPECT_EQ(statusOf([](CCCryptData& d) { d.options = 3; }), kCCUnimplemented);
   EXPECT_EQ(statusOf([&](CCCryptData& d) { d.key = d.key.first(15); }), kCCParamError);
   EXPECT_EQ(statusOf([&](CCCryptData& d) { d.initializationVector = d.key.first(8); }),
@@ -62,6 +62,31 @@ TEST(CommonCrypto, DecryptsWholeBlocksAlone) {
   EXPECT_EQ(CCCrypt(request(kCCDecrypt, key, sealed, opened), moved), kCCAlignmentError);
   Bytes none;
   EXPECT_EQ(CCCrypt(request(kCCDecrypt, key, none, none), moved), kCCDecodeError);
+}
+
+TEST(CommonCrypto, KeepsPaddingAndWholeBlocksWithoutOptions) {
+  const Bytes key(16, 5), plain{1, 2, 3};
+  Bytes sealed(19), opened(16), again(16);
+  std::size_t moved = 0;
+  ASSERT_EQ(CCCrypt(request(kCCEncrypt, key, plain, sealed), moved), kCCSuccess);
+  sealed.resize(moved);
+  const auto run = [&](CCOperation operation, const Bytes& input, Bytes& output) {
+    CCCryptData data = request(operation, key, input, output);
+    data.options = 0;
+    return CCCrypt(data, moved);
+  };
+  EXPECT_EQ(run(kCCDecrypt, sealed, opened), kCCSuccess);
+  EXPECT_EQ(moved, 16U);
+  Bytes padded(16, 13);
+  std::copy(plain.begin(), plain.end(), padded.begin());
+  EXPECT_EQ(opened, padded);
+  EXPECT_EQ(run(kCCEncrypt, opened, again), kCCSuccess);
+  EXPECT_EQ(again, sealed);
+  EXPECT_EQ(run(kCCEncrypt, plain, again), kCCAlignmentError);
+  EXPECT_EQ(run(kCCDecrypt, plain, again), kCCAlignmentError);
+  Bytes none;
+  EXPECT_EQ(run(kCCDecrypt, none, none), kCCSuccess);
+  EXPECT_EQ(moved, 0U);
 }
 
 TEST(CommonCrypto, LeavesNothingOfAPlainTextWhosePaddingIsDamaged) {

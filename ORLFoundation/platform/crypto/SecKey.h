@@ -1,6 +1,7 @@
 /// Public keys, on OpenSSL.
 #pragma once
 
+#include <ORLFoundation/platform/crypto/SecBase.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSError.h>
 #include <ORLFoundation/platform/object/NSObject.h>
@@ -20,14 +21,6 @@ inline constexpr std::string_view kSecAttrKeyTypeRSA = "42";
 inline constexpr std::string_view kSecAttrKeyClass = "kcls";
 inline constexpr std::string_view kSecAttrKeyClassPublic = "0";
 inline constexpr std::string_view kSecAttrKeySizeInBits = "bsiz";
-
-inline constexpr std::string_view NSOSStatusErrorDomain = "NSOSStatusErrorDomain";
-
-/// Statuses of `NSOSStatusErrorDomain`.
-enum SecKeyStatus : std::int32_t {
-  errSecParam = -50,
-  errSecUnsupportedKeyType = -67734,
-};
 
 /// Digests of signatures: RSA with PKCS#1 v1.5 padding over each.
 enum SecKeyAlgorithm : std::uint8_t {

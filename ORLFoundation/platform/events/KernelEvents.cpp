@@ -5,12 +5,15 @@
 #include <sys/inotify.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
+#include <cerrno>
+#include <charconv>
 #include <climits>
 #include <cstddef>
 #include <cstring>
-#include <fstream>
-#include <limits>
+#include <system_error>
+#include <utility>
 
 namespace ORLFoundation::internal::events {
 namespace {
@@ -60,8 +63,8 @@ class Inotify final : public KernelQueue {
   int descriptor_;
 };
 
-/// Lines of "36 35 98:0 /root /place ...", the mount's number first. The kernel tells each open
-/// file of a change once: one is for who waits and one for who asks.
+/// The kernel tells each open file of a change once: one is for who waits and one for who asks and
+/// reads.
 class ProcessMounts final : public MountTable {
  public:
   [[nodiscard]] int descriptor() const override { return waitedFor_.number; }
@@ -69,14 +72,17 @@ class ProcessMounts final : public MountTable {
     pollfd table{asked_.number, POLLPRI, 0};
     return ::poll(&table, 1, 0) > 0 && (table.revents & POLLPRI) != 0;
   }
-  [[nodiscard]] std::set<std::uint64_t> mounts() override {
-    std::set<std::uint64_t> numbers;
-    std::ifstream lines(kMounts);
-    for (std::uint64_t number = 0; lines >> number;) {
-      numbers.insert(number);
-      lines.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+  [[nodiscard]] std::optional<std::set<std::uint64_t>> mounts() override {
+    std::string text;
+    std::array<char, kBytesAtATime> bytes;  // NOLINT: filled by the kernel
+    while (true) {
+      const ssize_t count =
+          ::pread(asked_.number, bytes.data(), bytes.size(), static_cast<off_t>(text.size()));
+      if (count < 0 && errno == EINTR) continue;
+      if (count < 0) return std::nullopt;
+      if (count == 0) return mountsOfTable(text);
+      text.append(bytes.data(), static_cast<std::size_t>(count));
     }
-    return numbers;
   }
 
  private:
@@ -104,5 +110,20 @@ std::unique_ptr<KernelQueue> KernelQueue::make() {
 }
 
 std::unique_ptr<MountTable> MountTable::make() { return std::make_unique<ProcessMounts>(); }
+
+std::optional<std::set<std::uint64_t>> mountsOfTable(std::string_view text) {
+  std::set<std::uint64_t> numbers;
+  for (std::size_t begin = 0; begin < text.size();) {
+    const std::size_t end = std::min(text.find('\n', begin), text.size());
+    const std::string_view line = text.substr(begin, end - begin);
+    std::uint64_t number = 0;
+    const auto [rest, error] = std::from_chars(line.data(), line.data() + line.size(), number);
+    const bool isNumber = error == std::errc() && rest != line.data() + line.size() && *rest == ' ';
+    if (!isNumber) return std::nullopt;
+    numbers.insert(number);
+    begin = end + 1;
+  }
+  return numbers.empty() ? std::nullopt : std::optional(std::move(numbers));
+}
 
 }  // namespace ORLFoundation::internal::events

@@ -4,8 +4,10 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace ORLFoundation::internal::events {
@@ -44,11 +46,17 @@ class MountTable {
   [[nodiscard]] virtual int descriptor() const = 0;
   /// Whether the table has changed since the last call.
   [[nodiscard]] virtual bool hasChanged() = 0;
-  /// The numbers of all mounts.
-  [[nodiscard]] virtual std::set<std::uint64_t> mounts() = 0;
+  /// The numbers of all mounts; nil where they cannot be read. A table that changes meanwhile may
+  /// lack some.
+  [[nodiscard]] virtual std::optional<std::set<std::uint64_t>> mounts() = 0;
 
-  /// Of the process, or of nothing where there is no /proc.
+  /// Of the process; without /proc it never changes and cannot be read. It needs no further
+  /// descriptor to be read.
   [[nodiscard]] static std::unique_ptr<MountTable> make();
 };
+
+/// The numbers that lines of "36 35 98:0 /root /place ..." begin with; nil where one begins with no
+/// number, and for a text without lines.
+[[nodiscard]] std::optional<std::set<std::uint64_t>> mountsOfTable(std::string_view text);
 
 }  // namespace ORLFoundation::internal::events

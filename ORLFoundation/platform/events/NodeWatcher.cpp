@@ -95,9 +95,9 @@ void NodeWatcher::report(const Touched& touched, NodeTurn& turn) {
 NodeWatcher::Touched NodeWatcher::collect(bool looksAtMounts) {
   Touched touched;
   for (const KernelEvent& event : queue_->read()) take(event, touched);
-  if (looksAtMounts) takeMounts(touched);
+  if (looksAtMounts || areMountsDue_) takeMounts(touched);
   for (const auto& user : touched) {
-    if ((user->events & IN_MOVE_SELF) != 0 && user->guard) guard(user);
+    if ((user->events & IN_MOVE_SELF) != 0 && user->state.isFolder()) guard(user);
     user->due |= user->flagsSinceLook();
   }
   return touched;
@@ -141,8 +141,8 @@ void NodeWatcher::takeLostEvents(Touched& touched) {
 }
 
 void NodeWatcher::takeMounts(Touched& touched) {
-  if (!mountTable_->hasChanged()) return;
-  mounts_ = mountTable_->mounts();
+  areMountsDue_ = mountTable_->hasChanged() || areMountsDue_;
+  if (!areMountsDue_ || !readMounts()) return;
   for (const auto& [watch, users] : nodes_)
     for (const auto& user : users) {
       if (!user->isMounted || mounts_.contains(user->state.mount)) continue;
@@ -150,6 +150,21 @@ void NodeWatcher::takeMounts(Touched& touched) {
       touch(user, 0, touched);
       user->noted |= kNodeRevoke;
     }
+}
+
+/// Nobody's end is told by a table that could not be read, or that changed while it was: it is read
+/// again the next time.
+bool NodeWatcher::readMounts() {
+  constexpr int kMostReadings = 8;
+  for (int readings = 0; readings < kMostReadings; ++readings) {
+    auto found = mountTable_->mounts();
+    if (!found) return false;
+    if (mountTable_->hasChanged()) continue;
+    mounts_ = std::move(*found);
+    areMountsDue_ = false;
+    return true;
+  }
+  return false;
 }
 
 bool NodeWatcher::add(const std::shared_ptr<NodeUser>& user, const std::string& path) {
@@ -190,7 +205,8 @@ void NodeWatcher::noteStart(NodeUser& user) {
   // Looked at once it is watched: what changes from here on brings an event.
   if (const auto state = stateOfDescriptor(user.request.descriptor)) user.state = *state;
   user.name = pathOfDescriptor(user.request.descriptor);
-  if (!mounts_.contains(user.state.mount)) mounts_ = mountTable_->mounts();
+  if (!mounts_.contains(user.state.mount))
+    if (auto found = mountTable_->mounts()) mounts_ = std::move(*found);
   user.isMounted = mounts_.contains(user.state.mount);
   if (user.state.links == 0) user.due |= kNodeDelete;
   if (const auto& path = user.request.openedAt) {

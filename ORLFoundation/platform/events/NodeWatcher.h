@@ -128,6 +128,7 @@ class NodeWatcher {
   void touch(const std::shared_ptr<NodeUser>& user, std::uint32_t mask, Touched& touched);
   void takeLostEvents(Touched& touched);
   void takeMounts(Touched& touched);
+  [[nodiscard]] bool readMounts();
   [[nodiscard]] bool add(const std::shared_ptr<NodeUser>& user, const std::string& path);
   void guard(const std::shared_ptr<NodeUser>& user);
   void remove(const std::shared_ptr<NodeUser>& user);
@@ -141,6 +142,8 @@ class NodeWatcher {
   mutable std::mutex lock_;
   std::unordered_map<int, Users> nodes_;
   std::set<std::uint64_t> mounts_;
+  /// The table has changed and was not read since.
+  bool areMountsDue_ = false;
 };
 
 }  // namespace ORLFoundation::internal::events

@@ -4,16 +4,23 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/xattr.h>
+#include <tests/support/ChildProcess.h>
 #include <tests/support/TemporaryFolder.h>
+#include <unistd.h>
 
 #include <array>
 #include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <ctime>
 #include <deque>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <random>
+#include <thread>
 
 namespace ORLFoundation::internal::events {
 namespace {
@@ -235,6 +242,30 @@ TEST_F(NodeWatcherTest, TellsOfTheEndOfAFolder) {
   EXPECT_THAT(around.words(), IsEmpty()) << "guards are nobody else's matter";
 }
 
+/// The folder around it was not to be read when it was first watched.
+TEST_F(NodeWatcherTest, TellsOfTheEndOfAFolderThatCameOutOfAClosedOne) {
+  fs::create_directories(path("closed/inner"));
+  EXPECT_EQ(orlftest::asOrdinaryUser(folder_,
+                                     [&]() -> std::string {
+                                       if (::chmod(path("closed").c_str(), 0300) != 0)
+                                         return "no chmod";
+                                       NodeWatcher watcher(KernelQueue::make(), MountTable::make());
+                                       WatchedNode folder(watcher, path("closed/inner"));
+                                       if (!folder.isWatched()) return "not watched";
+                                       fs::rename(path("closed/inner"), path("inner"));
+                                       ::chmod(path("closed").c_str(), 0700);
+                                       watcher.pump();
+                                       if (folder.flags() != kNodeRename)
+                                         return "the move was not told";
+                                       fs::remove(path("inner"));
+                                       watcher.pump();
+                                       return (folder.flags() & kNodeDelete) != 0
+                                                  ? ""
+                                                  : "the end was not told";
+                                     }),
+            "");
+}
+
 TEST_F(NodeWatcherTest, TellsOfAFolderThatIsReplaced) {
   WatchedNode folder(watcher_, path("d"));
   fs::create_directory(path("e"));
@@ -317,6 +348,33 @@ TEST_F(NodeWatcherTest, TellsWhenWritersHaveFinished) {
   EXPECT_EQ(flagsAfterPump(node), 0U) << "nobody wrote";
   append(path("a"));
   EXPECT_EQ(flagsAfterPump(node), kNodeWrite | kNodeSettled);
+}
+
+/// Ends the process with 0 when threads that have nothing left to wait for take no time.
+[[noreturn]] void closeWhatThreadsWaitFor(const std::string& file) {
+  NodeWatcher* const watcher = NodeWatcher::shared();
+  if (watcher == nullptr) std::_Exit(2);
+  WatchedNode node(*watcher, file);
+  for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
+    std::error_code code;
+    if (fs::read_symlink(entry.path(), code) == "anon_inode:[eventpoll]")
+      // Behind the sanitizers' backs.
+      ::syscall(SYS_dup3, node.descriptor(), std::stoi(entry.path().filename()), O_CLOEXEC);
+  }
+  for (int threads = 0; threads < 2; ++threads) {
+    append(file);  // wakes one
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  const std::clock_t before = std::clock();
+  std::this_thread::sleep_for(std::chrono::milliseconds(80));
+  const std::clock_t spent = std::clock() - before;
+  watcher->pump();
+  std::_Exit(spent < CLOCKS_PER_SEC / 25 && node.flags() != 0 ? 0 : 1);
+}
+
+TEST_F(NodeWatcherTest, HasThreadsThatRestWhenTheirDescriptorIsClosed) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(closeWhatThreadsWaitFor(path("a")), testing::ExitedWithCode(0), "");
 }
 
 /// The watch that is left when its owners come and go in any order tells what its flags ask.

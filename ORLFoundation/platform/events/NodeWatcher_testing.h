@@ -7,7 +7,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <deque>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -93,19 +95,35 @@ class LossyQueue final : public events::KernelQueue {
 /// A table of mounts that a test fills.
 class ScriptedMounts final : public events::MountTable {
  public:
-  explicit ScriptedMounts(std::set<std::uint64_t> mounts) : mounts_(std::move(mounts)) {}
+  /// nil where the table cannot be read.
+  using Reading = std::optional<std::set<std::uint64_t>>;
+
+  explicit ScriptedMounts(Reading mounts) : readings_{std::move(mounts)} {}
 
   [[nodiscard]] int descriptor() const override { return -1; }
   [[nodiscard]] bool hasChanged() override { return std::exchange(hasChanged_, false); }
-  [[nodiscard]] std::set<std::uint64_t> mounts() override { return mounts_; }
-  void change(std::set<std::uint64_t> mounts) {
-    mounts_ = std::move(mounts);
-    hasChanged_ = true;
+  [[nodiscard]] Reading mounts() override {
+    ++count_;
+    Reading found = readings_.front();
+    if (readings_.size() == 1) return found;
+    readings_.pop_front();
+    hasChanged_ = hasChanged_ || found.has_value();
+    return found;
   }
+  /// From now on it is read so, once each but the last. A table that can be read before the last
+  /// time changes meanwhile.
+  void change(std::deque<Reading> readings) {
+    readings_ = std::move(readings);
+    hasChanged_ = true;
+    count_ = 0;
+  }
+  /// How often it was read since it was changed.
+  [[nodiscard]] int count() const { return count_; }
 
  private:
-  std::set<std::uint64_t> mounts_;
+  std::deque<Reading> readings_;
   bool hasChanged_ = false;
+  int count_ = 0;
 };
 
 }  // namespace orlftest

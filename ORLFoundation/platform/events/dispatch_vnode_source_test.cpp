@@ -30,6 +30,10 @@ void append(const std::string& path) { std::ofstream(path, std::ios::app) << "mo
 class DispatchVNodeSourceTest : public orlftest::TemporaryFolderTest {
  protected:
   DispatchVNodeSourceTest() : descriptor_(openForEvents(write("file", "content"))) {}
+  /// The last words of sources that were cancelled come on the queue.
+  ~DispatchVNodeSourceTest() override {
+    dispatch_sync(queue_, [] {});
+  }
 
   dispatch_vnode_source_t make(std::uint64_t mask) {
     auto source = dispatch_source_create(DISPATCH_SOURCE_TYPE_VNODE, descriptor_, mask, queue_);

@@ -228,6 +228,12 @@ bool FileCalls::lock(int file) {
          uninterrupted([&] { return ::flock(file, LOCK_EX | LOCK_NB); }) == 0;
 }
 
+bool FileCalls::waitForLock(int file) {
+  return allows(FileCall::Lock, "") && uninterrupted([&] { return ::flock(file, LOCK_EX); }) == 0;
+}
+
+bool FileCalls::unlock(int file) { return ::flock(file, LOCK_UN) == 0; }
+
 void OpenFile::reset() noexcept {
   if (number_ >= 0) ::close(std::exchange(number_, -1));
 }

@@ -103,6 +103,9 @@ class FileCalls {
   [[nodiscard]] bool synchronize(int file);
   /// Takes the lock of an open folder, where nobody holds it.
   [[nodiscard]] bool lock(int file);
+  /// Takes the lock of an open file once nobody else holds it, and gives it back.
+  [[nodiscard]] bool waitForLock(int file);
+  [[nodiscard]] bool unlock(int file);
 
  protected:
   /// Whether a call may be made; where not, errno says what it fails with. `name` is the path or

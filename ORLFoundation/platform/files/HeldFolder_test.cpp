@@ -21,6 +21,7 @@ using testing::SizeIs;
 
 class Held : public orlftest::TemporaryFolderTest {
  protected:
+  Held() : TemporaryFolderTest(orlftest::parentInMemory()) {}
   void SetUp() override {
     write("root/in/deep/file", "x");
     write("outside/file", "secret");
@@ -161,6 +162,29 @@ TEST_F(Held, TellsTheHandlerOfAFolderThatIsNotThere) {
                               });
   EXPECT_EQ(items->nextURL(), std::nullopt);
   EXPECT_EQ(code, NSFileReadNoSuchFileError);
+}
+
+TEST_F(Held, TellsTheHandlerOfAnAddressThatNamesNoFolder) {
+  const struct {
+    std::string address;
+    NSInteger code;
+  } rows[] = {{"file://" + path("root") + "%00x", NSFileReadInvalidFileNameError},
+              {"https://example.com" + path("root"), NSFileReadUnsupportedSchemeError}};
+  for (const auto& row : rows) {
+    NSFileManager manager;
+    std::vector<NSInteger> codes;
+    const auto items =
+        manager.enumeratorAtURL(*NSURL::URLWithString(row.address), {}, 0,
+                                [&](const NSURL& url, const std::shared_ptr<const NSError>& error) {
+                                  EXPECT_EQ(url.absoluteString(), row.address);
+                                  codes.push_back(error->code());
+                                  return true;
+                                });
+    EXPECT_EQ(items->nextURL(), std::nullopt);
+    EXPECT_THAT(codes, ElementsAre(row.code));
+    EXPECT_EQ(manager.enumeratorAtURL(*NSURL::URLWithString(row.address), {}, 0)->nextURL(),
+              std::nullopt);
+  }
 }
 
 struct ResolvedCase {

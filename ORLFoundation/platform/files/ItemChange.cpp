@@ -102,6 +102,7 @@ FileOutcome moveItem(HeldFolder& from, const std::string& item, HeldFolder& to,
   if (!moved.isDone() && !displaced.isDone()) return refusal;
   if (renameItem(from, item, to, toItem, flags)) {
     moved.undoAt(to, toItem);
+    if ((flags & RENAME_EXCHANGE) != 0) displaced.undoAt(from, item);
     return std::nullopt;
   }
   auto failure = failedAt(FileWork::Write, to, toItem);

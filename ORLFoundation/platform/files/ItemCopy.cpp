@@ -7,6 +7,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <utility>
 
 namespace ORLFoundation::internal::files {
 namespace {
@@ -27,8 +28,12 @@ bool isSystemAttribute(std::string_view name) { return !name.starts_with("user."
 
 }  // namespace
 
-ItemCopy::ItemCopy(HeldFolder& source, HeldFolder& target, CopyToDisk toDisk)
-    : calls_(source.calls()), source_(source), target_(target), toDisk_(toDisk) {}
+ItemCopy::ItemCopy(HeldFolder& source, HeldFolder& target, CopyToDisk toDisk, CopyNotice notice)
+    : calls_(source.calls()),
+      source_(source),
+      target_(target),
+      toDisk_(toDisk),
+      notice_(std::move(notice)) {}
 
 FileOutcome ItemCopy::unreadable() const {
   return FileFailure{FileWork::Read, errno, source_.pathOf(from_)};
@@ -41,6 +46,7 @@ FileOutcome ItemCopy::unwritable() const {
 FileOutcome ItemCopy::copy(const std::string& from, const std::string& to) {
   from_ = from;
   to_ = to;
+  if (notice_) notice_(source_.pathOf(from));
   struct stat status {};
   if (!source_.status(from, status)) return unreadable();
   switch (kindOf(status)) {

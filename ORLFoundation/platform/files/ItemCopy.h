@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,8 @@ namespace ORLFoundation::internal::files {
 
 /// Whether what is copied is on the disk when the copy returns.
 enum class CopyToDisk : std::uint8_t { No, Yes };
+/// Told of the path of each item before it is copied, those inside of folders too. May be empty.
+using CopyNotice = std::function<void(const std::string& path)>;
 
 /// A copy has the bytes of its original with its holes, the mode, the times of access and change,
 /// the extended attributes, and the owner where the process may give files away; elsewhere it lays
@@ -26,7 +29,7 @@ enum class CopyToDisk : std::uint8_t { No, Yes };
 /// Pipes, sockets and devices are failures and are never opened.
 class ItemCopy {
  public:
-  ItemCopy(HeldFolder& source, HeldFolder& target, CopyToDisk toDisk);
+  ItemCopy(HeldFolder& source, HeldFolder& target, CopyToDisk toDisk, CopyNotice notice = nullptr);
 
   /// The target's item must not be there. What a failure leaves of it stays.
   [[nodiscard]] FileOutcome copy(const std::string& from, const std::string& to);
@@ -48,6 +51,7 @@ class ItemCopy {
   HeldFolder& source_;
   HeldFolder& target_;
   const CopyToDisk toDisk_;
+  const CopyNotice notice_;
   std::vector<std::byte> buffer_;
   // The paths of the item at work, for failures.
   std::string from_, to_;

@@ -13,6 +13,7 @@ using internal::files::FileCalls;
 using internal::files::FileWork;
 using internal::files::FolderWalk;
 using internal::files::HeldFolder;
+using internal::files::pathOfFileURL;
 
 struct NSDirectoryEnumerator::Walk {
   Walk(std::shared_ptr<FileCalls> fileCalls, const std::string& path, NSUInteger options)
@@ -36,20 +37,22 @@ struct NSDirectoryEnumerator::Walk {
 NSDirectoryEnumerator::NSDirectoryEnumerator(std::shared_ptr<FileCalls> calls, const NSURL& folder,
                                              NSUInteger options,
                                              NSDirectoryEnumerationErrorHandler errorHandler)
-    : folder_(folder),
-      errorHandler_(std::move(errorHandler)),
-      walk_(std::make_unique<Walk>(std::move(calls), folder.path(), options)) {
-  if (walk_->root.isOpen()) return;
-  const int number = errno;
-  walk_.reset();
-  static_cast<void>(goesOnAfterFailure(folder_.path(), number));
+    : errorHandler_(std::move(errorHandler)) {
+  std::shared_ptr<const NSError> error;
+  if (const auto path = pathOfFileURL(folder, FileWork::Read, &error)) {
+    walk_ = std::make_unique<Walk>(std::move(calls), *path, options);
+    if (walk_->root.isOpen()) return;
+    error = errorOf({FileWork::Read, errno, *path});
+    walk_.reset();
+  }
+  static_cast<void>(goesOnAfterFailure(folder, error));
 }
 
 NSDirectoryEnumerator::~NSDirectoryEnumerator() = default;
 
-bool NSDirectoryEnumerator::goesOnAfterFailure(const std::string& path, int number) const {
-  if (!errorHandler_) return true;
-  return errorHandler_(NSURL::fileURLWithPath(path), errorOf({FileWork::Read, number, path}));
+bool NSDirectoryEnumerator::goesOnAfterFailure(const NSURL& url,
+                                               const std::shared_ptr<const NSError>& error) const {
+  return !errorHandler_ || errorHandler_(url, error);
 }
 
 std::optional<NSURL> NSDirectoryEnumerator::nextURL() {
@@ -58,9 +61,12 @@ std::optional<NSURL> NSDirectoryEnumerator::nextURL() {
       walk_->level = walk_->walk.level() + 1;
       return NSURL::fileURLWithPath(walk_->root.pathOf(item->path));
     }
-    const bool goesOn =
-        walk_->walk.hasFailed() &&
-        goesOnAfterFailure(walk_->root.pathOf(walk_->walk.failedFolder()), walk_->number);
+    bool goesOn = walk_->walk.hasFailed();
+    if (goesOn) {
+      const std::string path = walk_->root.pathOf(walk_->walk.failedFolder());
+      goesOn = goesOnAfterFailure(NSURL::fileURLWithPath(path),
+                                  errorOf({FileWork::Read, walk_->number, path}));
+    }
     if (!goesOn) walk_.reset();
   }
   return std::nullopt;

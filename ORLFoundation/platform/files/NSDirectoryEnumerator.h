@@ -28,7 +28,8 @@ enum NSDirectoryEnumerationOptions : NSUInteger {
   NSDirectoryEnumerationSkipsHiddenFiles = 4,
 };
 
-/// Told of a folder that cannot be listed; whether the walk is to go on behind it.
+/// Told of a folder that cannot be listed, and of an address that names none; whether the walk is
+/// to go on behind it.
 using NSDirectoryEnumerationErrorHandler =
     std::function<bool(const NSURL& url, const std::shared_ptr<const NSError>& error)>;
 
@@ -52,9 +53,9 @@ class NSDirectoryEnumerator final : public NSEnumerator {
  private:
   struct Walk;
 
-  [[nodiscard]] bool goesOnAfterFailure(const std::string& path, int number) const;
+  [[nodiscard]] bool goesOnAfterFailure(const NSURL& url,
+                                        const std::shared_ptr<const NSError>& error) const;
 
-  const NSURL folder_;
   const NSDirectoryEnumerationErrorHandler errorHandler_;
   /// null at the end.
   std::unique_ptr<Walk> walk_;

@@ -21,7 +21,8 @@ void NSFileCoordinator::coordinateReadingItemAtURL(
 
 std::shared_ptr<NSFileCoordinator> NSFileCoordinator::fileCoordinator() {
   const auto maker = makers.current();
-  return maker ? (*maker)() : std::make_shared<NSFileCoordinator>();
+  auto made = maker ? (*maker)() : nullptr;
+  return made ? made : std::make_shared<NSFileCoordinator>();
 }
 
 NSFileCoordinatorMaker NSSetFileCoordinatorMaker(NSFileCoordinatorMaker maker) {

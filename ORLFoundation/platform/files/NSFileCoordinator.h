@@ -38,8 +38,8 @@ class NSFileCoordinator : public NSObject {
 };
 
 using NSFileCoordinatorMaker = std::function<std::shared_ptr<NSFileCoordinator>()>;
-/// Replaces what makes coordinators and gives back the one before it; an empty one stands for those
-/// above. Safe on any thread.
+/// Replaces what makes coordinators and gives back the one before it; an empty one, and one that
+/// gives null, stand for those above. Safe on any thread.
 NSFileCoordinatorMaker NSSetFileCoordinatorMaker(NSFileCoordinatorMaker maker);
 
 /// Access to an item that a program may reach between a start and a stop alone.

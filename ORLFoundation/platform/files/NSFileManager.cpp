@@ -55,6 +55,18 @@ std::string_view textOf(const std::optional<NSData>& contents) {
 
 bool isNameOfFile(const std::string& path) { return !path.empty() && path.find('\0') == path.npos; }
 
+bool isNameInFolder(const std::string& name) {
+  return isNameOfFile(name) && name.find('/') == name.npos && name != "." && name != "..";
+}
+
+/// Whether two folders are one.
+bool isSameFolder(HeldFolder& first, HeldFolder& second) {
+  struct stat one {
+  }, other{};
+  return first.status("", one) && second.status("", other) && one.st_dev == other.st_dev &&
+         one.st_ino == other.st_ino;
+}
+
 bool isInside(const std::string& path, const std::string& folder) {
   return path == folder || path.starts_with(joinedPath(folder, ""));
 }
@@ -72,11 +84,17 @@ bool writeNew(FileCalls& calls, OpenFile file, std::string_view bytes,
          (!mode || calls.setMode(file.number(), *mode)) && file.close();
 }
 
-/// Puts the new item in place and keeps the old one under a name beside it.
-FileOutcome putInPlaceWithBackup(Place& from, Place& to, const std::string& backup) {
-  if (auto failure = moveItem(from.holder, from.name, to.holder, to.name, RENAME_EXCHANGE))
-    return failure;
-  return putInPlace(from.holder, from.name, to.holder, backup);
+/// Puts the new item in place and keeps the old one under a name beside it, or removes it.
+FileOutcome replaceAt(Place& from, Place& to, const std::optional<std::string>& backup) {
+  auto failure = backup ? moveItem(from.holder, from.name, to.holder, to.name, RENAME_EXCHANGE)
+                        : putInPlace(from.holder, from.name, to.holder, to.name);
+  if (failure) return failure;
+  const bool isFromBackup = backup && from.name == *backup && isSameFolder(from.holder, to.holder);
+  if (isFromBackup) return std::nullopt;
+  if (backup) failure = putInPlace(from.holder, from.name, to.holder, *backup);
+  // What was replaced stands there now, where it is not gone already.
+  if (!failure) static_cast<void>(removeItem(from.holder, from.name, RemoveByForce::Yes));
+  return failure;
 }
 
 }  // namespace
@@ -159,7 +177,8 @@ bool NSFileManager::copyItemAtURL(const NSURL& url, const NSURL& toURL, NSErrorS
     return fillErrorSlot(error,
                          {FileWork::Write, EINVAL, toURL.path(), "it is inside of its original"});
   const auto toDisk = bringsCopiesToDisk_ ? CopyToDisk::Yes : CopyToDisk::No;
-  const auto failure = ItemCopy(from->holder, to->holder, toDisk).copy(from->name, to->name);
+  const auto failure =
+      ItemCopy(from->holder, to->holder, toDisk, copyNotice_).copy(from->name, to->name);
   if (!failure) return true;
   if (failure->number != EEXIST)
     static_cast<void>(removeItem(to->holder, to->name, RemoveByForce::Yes));
@@ -172,20 +191,17 @@ bool NSFileManager::replaceItemAtURL(const NSItemReplacement& replacement,
   if (!to) return false;
   auto from = placeOf(*calls_, replacement.withItemAtURL, FileWork::Write, error);
   if (!from) return false;
-  const bool keepsOld =
-      replacement.backupItemName &&
-      (replacement.options & NSFileManagerItemReplacementWithoutDeletingBackupItem) != 0;
-  if (keepsOld && (!isNameOfFile(*replacement.backupItemName) ||
-                   replacement.backupItemName->find('/') != std::string::npos))
-    return fillErrorSlot(error, {FileWork::Write, EINVAL, *replacement.backupItemName});
+  if (from->name == to->name && isSameFolder(from->holder, to->holder))
+    return fillErrorSlot(
+        error, {FileWork::Write, EINVAL, to->holder.pathOf(to->name), "it would replace itself"});
+  auto backup = replacement.backupItemName;
+  if ((replacement.options & NSFileManagerItemReplacementWithoutDeletingBackupItem) == 0)
+    backup.reset();
+  if (backup && (!isNameInFolder(*backup) || *backup == to->name))
+    return fillErrorSlot(error, {FileWork::Write, EINVAL, *backup, "it is no name for a backup"});
   struct stat status {};
-  const bool isThere = to->holder.status(to->name, status);
-  const auto failure = keepsOld && isThere
-                           ? putInPlaceWithBackup(*from, *to, *replacement.backupItemName)
-                           : putInPlace(from->holder, from->name, to->holder, to->name);
-  if (failure) return fillErrorSlot(error, *failure);
-  // What was replaced stands there now, where it is not gone already.
-  static_cast<void>(removeItem(from->holder, from->name, RemoveByForce::Yes));
+  if (!to->holder.status(to->name, status)) backup.reset();
+  if (const auto failure = replaceAt(*from, *to, backup)) return fillErrorSlot(error, *failure);
   if (resultingItemURL != nullptr) *resultingItemURL = replacement.replaceItemAtURL;
   return true;
 }

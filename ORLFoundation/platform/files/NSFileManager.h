@@ -15,10 +15,12 @@
 #include <ORLFoundation/platform/value/NSData.h>
 #include <ORLFoundation/platform/value/NSURL.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace ORLFoundation {
@@ -83,7 +85,7 @@ class NSFileManager : public NSObject {
   /// `replaceItemAtURL:withItemAtURL:backupItemName:options:resultingItemURL:error:`  Puts an item
   /// in the place of another one, or where nothing stands, in one step: whoever looks finds one of
   /// them, whole. The one that is replaced is removed, or, with option 2 and a name, kept beside
-  /// the new one. Both must be on one file system.
+  /// the new one. Both must be on one file system. An item does not replace itself.
   [[nodiscard]] bool replaceItemAtURL(const NSItemReplacement& replacement,
                                       std::optional<NSURL>* resultingItemURL = nullptr,
                                       NSErrorSlot error = nullptr);
@@ -102,6 +104,11 @@ class NSFileManager : public NSObject {
   /// Whether what is copied is brought to the disk before it counts as copied. false at first.
   [[nodiscard]] bool bringsCopiesToDisk() const noexcept { return bringsCopiesToDisk_; }
   void setBringsCopiesToDisk(bool value) noexcept { bringsCopiesToDisk_ = value; }
+  /// Told of the path of each file, folder and link before it is copied, those inside of folders
+  /// too, on the thread that copies. Empty at first.
+  using CopyNotice = std::function<void(const std::string& path)>;
+  [[nodiscard]] const CopyNotice& copyNotice() const noexcept { return copyNotice_; }
+  void setCopyNotice(CopyNotice notice) { copyNotice_ = std::move(notice); }
 
   [[nodiscard]] std::string className() const override { return "NSFileManager"; }
   /// For the house.
@@ -112,6 +119,7 @@ class NSFileManager : public NSObject {
  private:
   const std::shared_ptr<internal::files::FileCalls> calls_;
   bool bringsCopiesToDisk_ = false;
+  CopyNotice copyNotice_;
 };
 
 /// `fileSystemNumber`, `fileSystemFileNumber`  Of a dictionary of attributes; 0 where it has none.

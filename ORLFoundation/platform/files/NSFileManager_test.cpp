@@ -6,6 +6,7 @@
 #include <ORLFoundation/platform/files/NSURLResourceValues.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <tests/support/ChildProcess.h>
 #include <tests/support/TemporaryFolder.h>
 
 #include <filesystem>
@@ -192,6 +193,69 @@ TEST_F(FileManager, KeepsABackupWhereItIsAskedTo) {
   EXPECT_EQ(read("old"), "new");
 }
 
+TEST_F(FileManager, ReplacesNothingByItself) {
+  write("f/x", "bytes");
+  fs::create_directory_symlink("f", path("l"));
+  fs::create_hard_link(path("f/x"), path("f/y"));
+  const auto replace = [&](const std::string& item, const std::string& by,
+                           const std::optional<std::string>& backup = std::nullopt) {
+    return manager_.replaceItemAtURL({.replaceItemAtURL = url(item),
+                                      .withItemAtURL = url(by),
+                                      .backupItemName = backup,
+                                      .options = 2},
+                                     nullptr, &error_);
+  };
+  for (const char* same : {"f/x", "l/x", "f/./x"}) {
+    EXPECT_FALSE(replace("f/x", same)) << same;
+    EXPECT_EQ(code(), NSFileWriteUnknownError);
+  }
+  for (const char* backup : {"x", ".", "..", "", "a/b"})
+    EXPECT_FALSE(replace("f/x", "f/y", backup));
+  EXPECT_THAT(names("f"), ElementsAre("x", "y"));
+  EXPECT_TRUE(replace("f/x", "f/y"));  // another name of the file
+  EXPECT_THAT(names("f"), ElementsAre("x"));
+  EXPECT_EQ(read("f/x"), "bytes");
+  write("f/new", "new");
+  EXPECT_TRUE(replace("f/x", "f/new", "new"));  // they change names
+  EXPECT_EQ(read("f/x") + read("f/new"), "newbytes");
+}
+
+TEST_F(FileManager, KeepsABackupWithItsRights) {
+  write("a/new", "new");
+  write("b/old/in", "old");
+  EXPECT_EQ(orlftest::asOrdinaryUser(
+                folder_,
+                [&]() -> std::string {
+                  if (::chmod(path("b/old").c_str(), 0500) != 0) return "no chmod";
+                  if (!manager_.replaceItemAtURL({.replaceItemAtURL = url("b/old"),
+                                                  .withItemAtURL = url("a/new"),
+                                                  .backupItemName = "saved",
+                                                  .options = 2},
+                                                 nullptr, &error_))
+                    return error_->localizedDescription();
+                  if (read("b/old") != "new" || read("b/saved/in") != "old") return "not replaced";
+                  struct stat status {};
+                  ::stat(path("b/saved").c_str(), &status);
+                  ::chmod(path("b/saved").c_str(), 0700);
+                  return (status.st_mode & 07777) == 0500 ? "" : "the backup has another mode";
+                }),
+            "");
+}
+
+TEST_F(FileManager, TellsOfEachItemThatItCopies) {
+  write("f/a", "1");
+  write("f/deep/b", "2");
+  fs::create_symlink("a", path("f/l"));
+  std::vector<std::string> told;
+  manager_.setCopyNotice([&](const std::string& copied) { told.push_back(copied); });
+  EXPECT_TRUE(manager_.copyItemAtURL(url("f"), url("g")));
+  EXPECT_THAT(told,
+              ElementsAre(path("f"), path("f/a"), path("f/deep"), path("f/deep/b"), path("f/l")));
+  manager_.setCopyNotice(nullptr);
+  EXPECT_TRUE(manager_.copyItemAtURL(url("f"), url("h")));
+  EXPECT_THAT(told, testing::SizeIs(5));
+}
+
 TEST_F(FileManager, MakesTemporaryFoldersOnTheSameFileSystem) {
   write("f/a", "x");
   const auto inFolder = manager_.URLForDirectory(99, 1, url("f"), true);
@@ -247,6 +311,8 @@ TEST_F(FileManager, PathsAreResolved) {
   EXPECT_EQ(stringByResolvingSymlinksInPath(base + "/loop"), base + "/loop");
   EXPECT_EQ(stringByResolvingSymlinksInPath("l/a"), "l/a");
   EXPECT_EQ(URLByResolvingSymlinksInPath(NSURL::fileURLWithPath(base + "/l")).path(), base + "/f");
+  const std::string zero = base + std::string("/l\0x", 4);
+  EXPECT_EQ(stringByResolvingSymlinksInPath(zero), zero);
   const NSURL web = *NSURL::URLWithString("https://example.com/l");
   EXPECT_EQ(URLByResolvingSymlinksInPath(web), web);
 }
@@ -262,6 +328,10 @@ TEST_F(FileManager, CoordinationGivesTheAddressOrFails) {
       *NSURL::URLWithString("https://a/b"), 0, [&](const NSURL&) { ++calls; }, &error_);
   EXPECT_EQ(calls, 1);
   EXPECT_EQ(code(), NSFileReadUnsupportedSchemeError);
+  {
+    const Replaced none(NSSetFileCoordinatorMaker, [] { return nullptr; });
+    EXPECT_NE(NSFileCoordinator::fileCoordinator(), nullptr);
+  }
   EXPECT_FALSE(startAccessingSecurityScopedResource(url("a")));
   stopAccessingSecurityScopedResource(url("a"));
 }

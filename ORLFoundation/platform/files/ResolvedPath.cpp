@@ -24,7 +24,7 @@ void pushNames(std::vector<std::string>& names, std::string_view path) {
 }  // namespace
 
 std::optional<std::string> resolvedPath(FileCalls& calls, const std::string& path) {
-  if (!path.starts_with('/')) {
+  if (!path.starts_with('/') || path.find('\0') != path.npos) {
     errno = EINVAL;
     return std::nullopt;
   }

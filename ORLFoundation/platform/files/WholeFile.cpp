@@ -66,6 +66,15 @@ class TemporaryFile {
     isThere_ = false;
     return true;
   }
+  /// The same, and takes no other file's place.
+  [[nodiscard]] bool moveToFreePlace(const std::string& target) {
+    if (::renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0) {
+      isThere_ = false;
+      return true;
+    }
+    // File systems that do not know this flag know second names.
+    return errno == EINVAL && ::link(path_.c_str(), target.c_str()) == 0;
+  }
 
  private:
   std::string path_;
@@ -186,6 +195,16 @@ std::optional<FileContents> readWholeFile(const std::string& path, NSErrorSlot e
   }
   fail(error, path, bytes.size() > kMostBytes ? EFBIG : errno);
   return std::nullopt;
+}
+
+bool createFile(const std::string& path, std::string_view bytes, NewFileRights rights,
+                NSErrorSlot error) {
+  TemporaryFile temporary(path, rights == NewFileRights::Shared ? kSharedMode : kPrivateMode);
+  if (!temporary.isThere() || !writeBytes(temporary.path(), bytes) ||
+      !settle(temporary.path(), std::nullopt) || !temporary.moveToFreePlace(path))
+    return fail(error, path, errno);
+  synchronizeFolder(folderOf(path));
+  return true;
 }
 
 bool replaceFile(const std::string& path, std::string_view bytes, NewFileRights rights,

@@ -56,8 +56,13 @@ enum class NewFileRights : std::uint8_t {
 [[nodiscard]] bool replaceFile(const std::string& path, std::string_view bytes,
                                NewFileRights rights, NSErrorSlot error);
 
-/// The same for contents that need a path to be written to. `write` gets that of an empty file; it
-/// may write into it or put another in its place. What it throws passes through.
+/// The same for a file that is not there yet: EEXIST, and nothing is changed, where something
+/// stands at the path by the time that the bytes are on the disk.
+[[nodiscard]] bool createFile(const std::string& path, std::string_view bytes, NewFileRights rights,
+                              NSErrorSlot error);
+
+/// The same as the first for contents that need a path to be written to. `write` gets that of an
+/// empty file; it may write into it or put another in its place. What it throws passes through.
 [[nodiscard]] bool replaceFile(const std::string& path,
                                const std::function<void(const std::string& temporaryPath)>& write,
                                NewFileRights rights, NSErrorSlot error);

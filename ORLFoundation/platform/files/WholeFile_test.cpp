@@ -48,6 +48,20 @@ class WholeFile : public orlftest::TemporaryFolderTest {
   std::shared_ptr<const NSError> error_;
 };
 
+TEST_F(WholeFile, CreatesFilesWhereNothingStands) {
+  EXPECT_TRUE(createFile(path("a"), "new", NewFileRights::Private, &error_));
+  EXPECT_EQ(read("a"), "new");
+  EXPECT_EQ(modeOf("a"), 0600U);
+  EXPECT_FALSE(createFile(path("a"), "newer", NewFileRights::Private, &error_));
+  EXPECT_EQ(error_->code(), EEXIST);
+  EXPECT_EQ(read("a"), "new");
+  fs::create_symlink("nowhere", path("link"));
+  EXPECT_FALSE(createFile(path("link"), "x", NewFileRights::Private, &error_));
+  EXPECT_FALSE(createFile(path("no/such/folder"), "x", NewFileRights::Private, &error_));
+  EXPECT_EQ(error_->code(), ENOENT);
+  EXPECT_EQ(fileCount(), 2U);
+}
+
 TEST_F(WholeFile, WritesBytesAndLeavesNothingElseBehind) {
   EXPECT_TRUE(replace("a", std::string_view("one\0two\n", 8)));
   EXPECT_EQ(read("a"), std::string("one\0two\n", 8));

@@ -35,8 +35,10 @@ NSData writePropertyList(const PropertyListTable& table, NSPropertyListFormat fo
   switch (format) {
     case NSPropertyListBinaryFormat_v1_0:
       return NSData(writeBinaryPropertyList(table));
-    case NSPropertyListXMLFormat_v1_0:
-      return NSData(std::string_view(writeXMLPropertyList(table)));
+    case NSPropertyListXMLFormat_v1_0: {
+      const base::WipedText text = writeXMLPropertyList(table);
+      return NSData::dataWipedAtRelease({text.begin(), text.end()});
+    }
     default:
       throw PropertyListFault("Property lists are written in XML or in the binary form.");
   }

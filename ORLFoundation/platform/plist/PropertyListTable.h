@@ -3,12 +3,13 @@
 /// container that is referred to twice is there once.
 #pragma once
 
+#include <ORLFoundation/platform/base/Wiped.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <stdexcept>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -125,7 +126,7 @@ class PropertyListTable {
 
   std::vector<Node> nodes_;
   std::vector<Index> members_;  // of a dictionary: the keys, then the values
-  std::string pool_;
+  base::WipedText pool_;        // passwords may be among the texts
   Index top_ = 0;
 };
 

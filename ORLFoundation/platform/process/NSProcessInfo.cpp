@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/process/NSProcessInfo.h>
 
+#include <ORLFoundation/platform/process/NSProcessFacts.h>
 #include <unistd.h>
 
 #include <array>
@@ -25,6 +26,10 @@ std::string NSProcessInfo::hostName() const {
   std::array<char, 256> name{};
   // The last byte stays zero where a longer name is cut.
   return ::gethostname(name.data(), name.size() - 1) == 0 ? std::string(name.data()) : "";
+}
+
+NSOperatingSystemVersion NSProcessInfo::operatingSystemVersion() const {
+  return NSCurrentProcessFacts()->operatingSystemVersion;
 }
 
 }  // namespace ORLFoundation

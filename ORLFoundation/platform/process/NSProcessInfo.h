@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ORLFoundation/platform/object/NSObject.h>
+#include <ORLFoundation/platform/process/NSOperatingSystemVersion.h>
 
 #include <cstdint>
 #include <memory>
@@ -20,6 +21,8 @@ class NSProcessInfo final : public NSObject {
   [[nodiscard]] std::int32_t processIdentifier() const noexcept;
   /// `hostName`  "" where it cannot be told.
   [[nodiscard]] std::string hostName() const;
+  /// `operatingSystemVersion`  Of the facts in use (NSProcessFacts.h).
+  [[nodiscard]] NSOperatingSystemVersion operatingSystemVersion() const;
 
   [[nodiscard]] std::string className() const override { return "NSProcessInfo"; }
 };

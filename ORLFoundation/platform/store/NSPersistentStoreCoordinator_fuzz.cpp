@@ -1,4 +1,4 @@
-// Reads whatever bytes as a store file, and as one in write-ahead mode.
+// Reads whatever bytes as a store file; in write-ahead mode too, where bytes of its header say so.
 #include <ORLFoundation/platform/store/NSPersistentStoreCoordinator.h>
 #include <fcntl.h>
 #include <unistd.h>

@@ -67,20 +67,21 @@ std::optional<NSData> gzippedData(const NSData& data) {
   return gzippedDataWithCompressionLevel(data, -1.0F);
 }
 
-std::optional<NSData> gunzippedData(const NSData& data) {
+std::optional<NSData> gunzippedData(const NSData& data, std::size_t most) {
   const std::size_t length = data.length();
   if (length == 0) return std::nullopt;
   Stream stream(data.bytes());
   std::vector<std::uint8_t> output(length + length / 2);
   if (inflateInit2(&stream, kAnyWindow) != Z_OK) return std::nullopt;
   int status = Z_OK;
-  while (status == Z_OK) {
+  while (status == Z_OK && stream.given <= most) {
     if (stream.given == output.size()) output.resize(output.size() + length / 2);
     stream.point(output);
     status = inflate(&stream, Z_SYNC_FLUSH);
     stream.advance(output);
   }
-  if (inflateEnd(&stream) != Z_OK || status != Z_STREAM_END) return std::nullopt;
+  if (inflateEnd(&stream) != Z_OK || status != Z_STREAM_END || stream.given > most)
+    return std::nullopt;
   output.resize(stream.given);
   return NSData(std::move(output));
 }

@@ -3,6 +3,8 @@
 
 #include <ORLFoundation/platform/value/NSData.h>
 
+#include <cstddef>
+#include <limits>
 #include <optional>
 
 namespace ORLFoundation {
@@ -16,7 +18,9 @@ namespace ORLFoundation {
 [[nodiscard]] std::optional<NSData> gzippedData(const NSData& data);
 /// `gunzippedData`  The bytes that a gzip or a zlib stream holds; what stands behind the stream is
 /// passed over. nil for no bytes, and for streams that are damaged or cut off. The result is as
-/// large as the stream says: up to some 1,030 times its own size.
-[[nodiscard]] std::optional<NSData> gunzippedData(const NSData& data);
+/// large as the stream says: up to some 1,030 times its own size. nil for more bytes than `most`,
+/// of which no more are held.
+[[nodiscard]] std::optional<NSData> gunzippedData(
+    const NSData& data, std::size_t most = std::numeric_limits<std::size_t>::max());
 
 }  // namespace ORLFoundation

@@ -87,6 +87,13 @@ TEST(DataCompression, GivesNilForNoBytesAndForLevelsAboveNine) {
   EXPECT_EQ(gzippedDataWithCompressionLevel(dataOf("a"), std::nanf("")), std::nullopt);
 }
 
+TEST(DataCompression, GivesNilForMoreThanTheMost) {
+  const NSData packed = *gzippedData(dataOf(std::string(1'000'000, 'a')));
+  EXPECT_EQ(gunzippedData(packed, 999'999), std::nullopt);
+  EXPECT_EQ(gunzippedData(packed, 1'000'000)->length(), 1'000'000U);
+  EXPECT_EQ(gunzippedData(packed, 0), std::nullopt);
+}
+
 TEST(DataCompression, ReadsZlibStreamsToo) {
   EXPECT_EQ(gunzippedData(zlibStream("text", 6, 15)), dataOf("text"));
   EXPECT_EQ(gunzippedData(zlibStream("text", 6, 31)), dataOf("text"));

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <ORLFoundation/platform/object/NSError.h>
+#include <ORLFoundation/platform/object/NSURLErrors.h>
 
 #include <memory>
 
@@ -11,16 +12,14 @@ namespace ORLFoundation {
 
 /// Code in `NSCocoaErrorDomain`.
 inline constexpr NSInteger NSUserCancelledError = 3072;
-/// Code in `NSURLErrorDomain`.
-inline constexpr NSInteger NSURLErrorCancelled = -999;
 
 /// `orlfUserCancelledErrorWithUserInfo:`  `NSUserCancelledError` with the user information; nil
 /// stands for none.
 [[nodiscard]] std::shared_ptr<NSError> orlfUserCancelledErrorWithUserInfo(
     std::shared_ptr<NSDictionary> userInfo);
 
-/// `orlfIsUserCanceledError`  Whether the error is one of these two; the same codes in other
-/// domains mean other things.
+/// `orlfIsUserCanceledError`  Whether the error is that or `NSURLErrorCancelled`; the same codes in
+/// other domains mean other things.
 [[nodiscard]] bool orlfIsUserCanceledError(const NSError& error);
 
 }  // namespace ORLFoundation

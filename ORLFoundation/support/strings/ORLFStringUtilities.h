@@ -9,6 +9,7 @@
 
 #include <ORLFoundation/platform/format/NSLocale.h>
 #include <ORLFoundation/platform/object/NSError.h>
+#include <ORLFoundation/platform/process/NSOperatingSystemVersion.h>
 #include <ORLFoundation/platform/value/NSData.h>
 #include <ORLFoundation/platform/value/NSTypes.h>
 
@@ -63,15 +64,6 @@ namespace ORLFoundation {
 /// `orlfCaseInsensitiveSortCompare:`  By `caseInsensitiveCompare`, and by `compare` on a tie.
 [[nodiscard]] NSComparisonResult orlfCaseInsensitiveSortCompare(std::string_view text,
                                                                 std::string_view string);
-
-struct NSOperatingSystemVersion {
-  NSInteger majorVersion = 0;
-  NSInteger minorVersion = 0;
-  NSInteger patchVersion = 0;
-
-  friend bool operator==(const NSOperatingSystemVersion&,
-                         const NSOperatingSystemVersion&) = default;
-};
 
 /// `orlfOperatingSystemVersion`  "13.2" is 13, 2, 0. Parts that are no numbers are 0; so is
 /// everything when there are more than three.

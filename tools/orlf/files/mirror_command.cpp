@@ -13,6 +13,7 @@
 #include "cli/message_text.h"
 #include "commands.h"
 #include "files/file_argument.h"
+#include "files/mirror_progress.h"
 #include "session.h"
 
 namespace orlftool {
@@ -39,8 +40,7 @@ class MirrorPlan {
         prefixLength_(stringByResolvingSymlinksInPath(destination).size() + 1) {}
 
   bool operator()(const NSURL& url, ORLFDirectoryReplacementAction action) {
-    const std::string path = url.path();
-    const std::string item = path.size() > prefixLength_ ? path.substr(prefixLength_) : path;
+    const std::string item = itemOf(url);
     switch (action) {
       case ORLFDirectoryReplacementActionDescend:
         return true;
@@ -51,6 +51,12 @@ class MirrorPlan {
       default:
         return remove(item);
     }
+  }
+
+  /// The path of an item from the top of the destination.
+  [[nodiscard]] std::string itemOf(const NSURL& url) const {
+    const std::string path = url.path();
+    return path.size() > prefixLength_ ? path.substr(prefixLength_) : path;
   }
 
   void print(Session& session) const {
@@ -103,11 +109,21 @@ void runMirror(Session& session, const MirrorArguments& arguments) {
   const std::string destination = absolutePathOfArgument("DESTINATION", arguments.destination);
   const NSURL source = fileURLOfArgument("SOURCE", arguments.source);
   MirrorPlan plan(arguments, destination);
+  MirrorProgress progress(arguments.source, arguments.destination);
+  const auto decide = [&](const NSURL& url, ORLFDirectoryReplacementAction action) {
+    const bool isTaken = plan(url, action);
+    const bool isCopied = action == ORLFDirectoryReplacementActionAdd ||
+                          action == ORLFDirectoryReplacementActionReplace;
+    progress.noteCompared();
+    if (isTaken && isCopied) progress.notePlanned(plan.itemOf(url));
+    return isTaken;
+  };
   NSFileManager manager;
   manager.setBringsCopiesToDisk(arguments.bringsToDisk);
+  manager.setCopyNotice([&](const std::string&) { progress.noteCopied(); });
   std::shared_ptr<const NSError> error;
   if (!orlfReplaceContentsOfDirectoryAtURL(manager, NSURL::fileURLWithPath(destination), source, 0,
-                                           std::ref(plan), &error))
+                                           decide, &error))
     throw JobFailure(error->localizedDescription());
   plan.print(session);
 }

@@ -63,12 +63,13 @@ HeldFolder opened(FileCalls& calls, const std::string& path, FileOutcome& failur
 
 }  // namespace
 
-HeldTrees::HeldTrees(FileCalls& calls, const std::string& destination, const std::string& source,
-                     CopyToDisk toDisk)
-    : calls_(calls),
-      toDisk_(toDisk),
-      destination_(opened(calls, destination, failureOfDestination_)),
-      source_(opened(calls, source, failureOfSource_)) {}
+HeldTrees::HeldTrees(const NSFileManager& manager, const std::string& destination,
+                     const std::string& source)
+    : calls_(*manager.calls()),
+      toDisk_(manager.bringsCopiesToDisk() ? CopyToDisk::Yes : CopyToDisk::No),
+      notice_(manager.copyNotice()),
+      destination_(opened(calls_, destination, failureOfDestination_)),
+      source_(opened(calls_, source, failureOfSource_)) {}
 
 FileOutcome HeldTrees::check() {
   if (failureOfSource_) return failureOfSource_;
@@ -151,7 +152,7 @@ std::optional<ItemValues> HeldTrees::values(Side side, const std::string& item, 
 
 void HeldTrees::requestTemporaryFolder() {
   temporary_ = ReplacementFolder::make(destination_, failureOfTemporary_);
-  if (temporary_) copies_.emplace(source_, temporary_->folder(), toDisk_);
+  if (temporary_) copies_.emplace(source_, temporary_->folder(), toDisk_, notice_);
 }
 
 bool HeldTrees::copy(const std::string& sourceItem, const std::string& destinationItem,

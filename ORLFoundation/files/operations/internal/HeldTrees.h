@@ -5,6 +5,7 @@
 #include <ORLFoundation/platform/files/FileFailure.h>
 #include <ORLFoundation/platform/files/HeldFolder.h>
 #include <ORLFoundation/platform/files/ItemCopy.h>
+#include <ORLFoundation/platform/files/NSFileManager.h>
 #include <ORLFoundation/platform/files/ReplacementFolder.h>
 
 #include <cstddef>
@@ -17,8 +18,9 @@ namespace ORLFoundation::internal::operations {
 
 class HeldTrees final : public ReplacementTrees {
  public:
-  HeldTrees(files::FileCalls& calls, const std::string& destination, const std::string& source,
-            files::CopyToDisk toDisk);
+  /// Works as the manager does.
+  HeldTrees(const NSFileManager& manager, const std::string& destination,
+            const std::string& source);
 
   /// Why the two cannot be worked on; nothing when they can. Asked first.
   [[nodiscard]] files::FileOutcome check();
@@ -56,6 +58,7 @@ class HeldTrees final : public ReplacementTrees {
 
   files::FileCalls& calls_;
   const files::CopyToDisk toDisk_;
+  const files::CopyNotice notice_;
   files::FileOutcome failureOfDestination_, failureOfSource_;
   files::HeldFolder destination_, source_;
   std::unique_ptr<files::ReplacementFolder> temporary_;

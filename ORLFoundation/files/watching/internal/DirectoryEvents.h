@@ -29,7 +29,9 @@ class DirectoryEvents {
   virtual ~DirectoryEvents() = default;
 
   [[nodiscard]] virtual std::int32_t open(const std::string& path) = 0;
+  /// `kqueue`
   [[nodiscard]] virtual std::int32_t makeQueue() = 0;
+  /// `kevent` of one change.
   [[nodiscard]] virtual bool add(const DirectoryRegistration& registration) = 0;
   /// The reference closes the queue when it is invalidated.
   [[nodiscard]] virtual CFFileDescriptorRef makeReference(std::int32_t queue,
@@ -40,8 +42,8 @@ class DirectoryEvents {
   virtual void addToCurrentRunLoop(const CFRunLoopSourceRef& source, const std::string& mode) = 0;
   virtual void enableReadCallBacks(const CFFileDescriptorRef& reference) = 0;
   virtual void invalidate(const CFFileDescriptorRef& reference) = 0;
-  /// Takes at most one event from a queue, without waiting, and answers how many it took; -1 where
-  /// it cannot be read.
+  /// `kevent` of no change: takes at most one event from a queue, without waiting, and answers how
+  /// many it took; -1 where it cannot be read.
   [[nodiscard]] virtual int drain(std::int32_t queue) = 0;
   virtual void closeQueue(std::int32_t queue) = 0;
   virtual void closeDirectory(std::int32_t directory) = 0;

@@ -34,8 +34,10 @@ void serve(NodeWatcher& watcher, int poll) {
   while (!isEnding) {
     epoll_event event{};
     ++waiting;
-    static_cast<void>(::epoll_wait(poll, &event, 1, -1));
+    const int found = ::epoll_wait(poll, &event, 1, -1);
     --waiting;
+    // Somebody has closed what is not his: there is nothing more to wait for.
+    if (found < 0 && errno != EINTR) return;
     NodeTurn turn(waiting > 0);
     ++working;
     if (!isEnding) {

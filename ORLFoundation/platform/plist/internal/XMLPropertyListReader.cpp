@@ -22,6 +22,7 @@ namespace {
 using Index = PropertyListTable::Index;
 
 constexpr std::string_view kUIDKey = "CF$UID";
+constexpr std::string_view kUTF8Line = R"(<?xml version="1.0" encoding="UTF-8"?>)";
 
 enum class Element : std::uint8_t {
   Plist,
@@ -185,7 +186,7 @@ class Builder {
   std::vector<Index> waiting_;
   std::vector<Index> keys_;
   std::vector<Index> values_;
-  std::string text_;
+  base::WipedText text_;
   std::size_t depth_ = 0;
 };
 
@@ -258,10 +259,30 @@ struct FreeParser {
   }
 };
 
+using Parser = std::unique_ptr<xmlParserCtxt, FreeParser>;
+
+// The parser copies a document into memory of its own, which it does not wipe. What this system
+// writes it can read where it stands, as a text that ends with a zero: it is UTF-8 by its first
+// line.
+Parser parserInPlace(const base::WipedText& text) {
+  Parser parser(xmlNewParserCtxt());
+  if (!parser) return parser;
+  const xmlParserInputPtr input =
+      xmlNewStringInputStream(parser.get(), reinterpret_cast<const xmlChar*>(text.c_str()));
+  if (input == nullptr || inputPush(parser.get(), input) < 0) return nullptr;
+  return parser;
+}
+
+Parser parserOf(const base::WipedText& text) {
+  const bool isOwnForm = text.starts_with(kUTF8Line) && text.find('\0') == text.npos;
+  if (isOwnForm) return parserInPlace(text);
+  return Parser(xmlCreateMemoryParserCtxt(text.data(), static_cast<int>(text.size())));
+}
+
 // Runs the parser over the document; false for one that is not well-formed.
 bool parse(std::span<const std::uint8_t> bytes, Session& session) {
-  const std::unique_ptr<xmlParserCtxt, FreeParser> parser(xmlCreateMemoryParserCtxt(
-      reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size())));
+  const base::WipedText text(bytes.begin(), bytes.end());
+  const Parser parser = parserOf(text);
   if (!parser) throw PropertyListFault("The document cannot be read.");
   session.parser = parser.get();
   xmlSAXHandler handler = handlers();

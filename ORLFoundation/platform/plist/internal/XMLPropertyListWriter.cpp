@@ -43,7 +43,7 @@ class XMLWriter {
  public:
   explicit XMLWriter(const PropertyListTable& table) : table_(table) {}
 
-  std::string write() {
+  base::WipedText write() {
     if (table_.expandedCount() > std::max<std::uint64_t>(kMostValues, table_.nodeCount()))
       throw PropertyListFault("The list refers to its own parts too often.");
     text_ += kHead;
@@ -87,7 +87,7 @@ class XMLWriter {
 
   void writeText(std::size_t level, std::string_view name, std::string_view text) {
     if (!fitsXML(text)) throw PropertyListFault("XML cannot hold one of the characters.");
-    std::string escaped;
+    base::WipedText escaped;
     for (const char character : text) {
       switch (character) {
         case '&':
@@ -149,12 +149,12 @@ class XMLWriter {
   }
 
   const PropertyListTable& table_;
-  std::string text_;
+  base::WipedText text_;
 };
 
 }  // namespace
 
-std::string writeXMLPropertyList(const PropertyListTable& table) {
+base::WipedText writeXMLPropertyList(const PropertyListTable& table) {
   return XMLWriter(table).write();
 }
 

@@ -1,0 +1,136 @@
+// Peer: LZFSE itself over the same blocks, one after the other.
+#include <ORLFoundation/platform/container/ArchiveByteStream.h>
+
+#include <ORLFoundation/platform/compression/LZFSE.h>
+#include <ORLFoundation/platform/container/ArchiveEncryptionContext.h>
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace ORLFoundation;
+using Octets = std::vector<std::uint8_t>;
+
+constexpr std::size_t kBytes = std::size_t{32} << 20;
+
+const Octets& text() {
+  static const Octets& made = *new Octets([] {
+    std::string lines;
+    std::uint32_t number = 1;
+    while (lines.size() < kBytes) {
+      number = number * 1664525 + 1013904223;
+      lines += "2024-" + std::to_string(1 + number / 256 % 12) + "-" +
+               std::to_string(1 + number / 4096 % 28) + ";" + std::to_string(number / 65536) + "." +
+               std::to_string(number % 100) + ";payee number " + std::to_string(number / 64 % 400) +
+               " of the month;Groceries\n";
+    }
+    lines.resize(kBytes);
+    return Octets(lines.begin(), lines.end());
+  }());
+  return made;
+}
+
+class MemoryStream final : public ArchiveByteStream {
+ public:
+  std::size_t read(std::span<std::uint8_t> bytes) override {
+    const std::size_t count = std::min(bytes.size(), bytes_.size() - at_);
+    std::copy_n(bytes_.begin() + static_cast<std::ptrdiff_t>(at_), count, bytes.begin());
+    at_ += count;
+    return count;
+  }
+  void write(std::span<const std::uint8_t> bytes) override { writeAt(bytes_.size(), bytes); }
+  void writeAt(std::uint64_t place, std::span<const std::uint8_t> bytes) override {
+    bytes_.resize(std::max<std::size_t>(bytes_.size(), place + bytes.size()));
+    std::copy(bytes.begin(), bytes.end(), bytes_.begin() + static_cast<std::ptrdiff_t>(place));
+  }
+  [[nodiscard]] std::uint64_t length() const override { return bytes_.size(); }
+  [[nodiscard]] std::size_t size() const { return bytes_.size(); }
+  void rewind() { at_ = 0; }
+
+ private:
+  Octets bytes_;
+  std::size_t at_ = 0;
+};
+
+std::unique_ptr<ArchiveEncryptionContext> sealing() {
+  auto context = std::make_unique<ArchiveEncryptionContext>(
+      ArchiveEncryptionContext::Profile::hkdf_sha256_aesctr_hmac__symmetric__none,
+      ArchiveCompression::lzfse);
+  context->setSymmetricKey(SymmetricKey(std::array<std::uint8_t, 32>{}));
+  return context;
+}
+
+void packInto(MemoryStream& memory, bool isSealed) {
+  const auto context = sealing();
+  const auto stream = isSealed
+                          ? ArchiveByteStream::encryptionStream(memory, *context)
+                          : ArchiveByteStream::compressionStream(ArchiveCompression::lzfse, memory);
+  stream->write(text());
+  stream->close();
+}
+
+std::size_t unpackFrom(MemoryStream& memory, bool isSealed) {
+  memory.rewind();
+  std::unique_ptr<ArchiveEncryptionContext> context;
+  std::shared_ptr<ArchiveByteStream> stream;
+  if (isSealed) {
+    context = std::make_unique<ArchiveEncryptionContext>(memory);
+    context->setSymmetricKey(SymmetricKey(std::array<std::uint8_t, 32>{}));
+    stream = ArchiveByteStream::decryptionStream(memory, *context);
+  } else {
+    stream = ArchiveByteStream::decompressionStream(memory);
+  }
+  Octets bytes(std::size_t{1} << 20);
+  std::size_t sum = 0;
+  while (const std::size_t count = stream->read(bytes)) sum += count;
+  return sum;
+}
+
+void countBytes(benchmark::State& state, std::size_t packed) {
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(kBytes));
+  state.counters["part"] = static_cast<double>(packed) / static_cast<double>(kBytes);
+}
+
+void pack_ours(benchmark::State& state) {
+  std::size_t packed = 0;
+  for (auto _ : state) {
+    MemoryStream memory;
+    packInto(memory, state.range(0) != 0);
+    packed = memory.size();
+  }
+  countBytes(state, packed);
+}
+BENCHMARK(pack_ours)->Name("archive pack/ours")->Arg(0)->Arg(1)->UseRealTime();
+
+void unpack_ours(benchmark::State& state) {
+  MemoryStream memory;
+  packInto(memory, state.range(0) != 0);
+  for (auto _ : state)
+    if (unpackFrom(memory, state.range(0) != 0) != kBytes) state.SkipWithError("other bytes");
+  countBytes(state, memory.size());
+}
+BENCHMARK(unpack_ours)->Name("archive unpack/ours")->Arg(0)->Arg(1)->UseRealTime();
+
+void pack_blocks(benchmark::State& state) {
+  internal::compression::LZFSEEncoder encoder;
+  std::size_t packed = 0;
+  for (auto _ : state) {
+    packed = 0;
+    for (std::size_t at = 0; at < kBytes; at += ArchiveByteStream::kBlockBytes) {
+      Octets block;
+      encoder.append(std::span(text()).subspan(at, ArchiveByteStream::kBlockBytes), block);
+      packed += block.size();
+    }
+  }
+  countBytes(state, packed);
+}
+BENCHMARK(pack_blocks)->Name("archive pack/LZFSE alone")->UseRealTime();
+
+}  // namespace

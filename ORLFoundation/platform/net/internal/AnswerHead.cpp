@@ -1,0 +1,61 @@
+#include <ORLFoundation/platform/net/internal/AnswerHead.h>
+
+#include <ORLFoundation/platform/base/UTF8.h>
+#include <ORLFoundation/platform/net/internal/ContentFacts.h>
+
+#include <charconv>
+#include <utility>
+
+namespace ORLFoundation::internal::net {
+namespace {
+
+std::string textOf(std::string_view bytes) {
+  if (base::isUTF8(bytes)) return std::string(bytes);
+  std::string text;
+  for (const char byte : bytes)
+    base::appendUTF8(text, static_cast<char32_t>(static_cast<unsigned char>(byte)));
+  return text;
+}
+
+}  // namespace
+
+bool AnswerHead::take(std::string_view line) {
+  size_ += line.size();
+  if (size_ > kMostBytes) return false;
+  if (isWhole_) return true;
+  while (!line.empty() && (line.back() == '\r' || line.back() == '\n')) line.remove_suffix(1);
+  if (line.empty()) {
+    isWhole_ = status_ >= 200;
+  } else if (line.substr(0, 5) == "HTTP/") {
+    begin(line);
+  } else if (line.front() == ' ' || line.front() == '\t') {
+    if (last_ != nullptr) last_->append(" ").append(textOf(trimmed(line)));
+  } else {
+    takeField(line);
+  }
+  return true;
+}
+
+void AnswerHead::begin(std::string_view statusLine) {
+  fields_.clear();
+  last_ = nullptr;
+  status_ = 0;
+  const std::size_t blank = statusLine.find(' ');
+  version_ = textOf(statusLine.substr(0, blank));
+  if (blank == std::string_view::npos) return;
+  const std::string_view code = trimmed(statusLine.substr(blank));
+  std::from_chars(code.data(), code.data() + code.size(), status_);
+}
+
+void AnswerHead::takeField(std::string_view line) {
+  const std::size_t colon = line.find(':');
+  const std::string_view name = trimmed(line.substr(0, colon));
+  last_ = nullptr;
+  if (colon == std::string_view::npos || name.empty()) return;
+  std::string value = textOf(trimmed(line.substr(colon + 1)));
+  const auto [field, isNew] = fields_.try_emplace(textOf(name), value);
+  if (!isNew) field->second.append(", ").append(value);
+  last_ = &field->second;
+}
+
+}  // namespace ORLFoundation::internal::net

@@ -1,0 +1,82 @@
+/// Loads from a server, through libcurl: one hop, or several where the server redirects.
+#pragma once
+
+#include <ORLFoundation/platform/net/internal/AnswerHead.h>
+#include <ORLFoundation/platform/net/internal/Loader.h>
+#include <ORLFoundation/platform/net/internal/Transfer.h>
+#include <ORLFoundation/platform/net/internal/TransferPlan.h>
+
+#include <curl/curl.h>
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace ORLFoundation::internal::net {
+
+class Exchange final : public Transfer {
+ public:
+  Exchange(Loader& loader, std::shared_ptr<LoadingTask> task, std::shared_ptr<Recipient> recipient,
+           TransferPlan plan);
+  ~Exchange() override;
+
+  [[nodiscard]] static Exchange& ofHandle(CURL* handle);
+
+  void begin() override;
+  void proceed() override;
+  [[nodiscard]] LoadTime due() const override;
+  /// libcurl is done with the hop; goes on with the next, or ends and destroys this.
+  void ended(CURLcode result);
+
+ private:
+  struct FreeList {
+    void operator()(curl_slist* list) const noexcept { curl_slist_free_all(list); }
+  };
+
+  void setUp();
+  void setUpMethod();
+  void setUpFields();
+  void setUpTrust();
+  void addField(const std::string& line);
+  void detach() noexcept;
+  void settle(CURLcode result);
+  [[nodiscard]] NSURLError codeOfFailure(CURLcode result) const;
+  void follow();
+  void heard() noexcept;
+  void noteSent(curl_off_t sent);
+
+  // What libcurl calls.
+  static std::size_t onHeader(char* bytes, std::size_t size, std::size_t count, void* exchange);
+  static std::size_t onBody(char* bytes, std::size_t size, std::size_t count, void* exchange);
+  static int onProgress(void* exchange, curl_off_t, curl_off_t, curl_off_t, curl_off_t sent);
+  static int onSocket(void* exchange, curl_socket_t, curlsocktype);
+  static int onRequest(void* exchange, char*, char*, int, int);
+  static int onResolve(void*, void*, void* exchange);
+  [[nodiscard]] bool takeHeader(std::string_view line);
+  [[nodiscard]] std::size_t takeBody(std::span<const std::uint8_t> bytes);
+  void answerBegins();
+
+  Loader& loader_;
+  const TransferPlan plan_;
+  Hop hop_;
+  int redirects_ = 0;
+  CURL* handle_ = nullptr;
+  CURLM* multi_ = nullptr;  ///< That has the handle.
+  std::unique_ptr<curl_slist, FreeList> fields_;
+  std::array<char, CURL_ERROR_SIZE> reason_{};
+  AnswerHead head_;
+  std::optional<std::string> location_;  ///< Of a redirect that is followed.
+  std::size_t skipped_ = 0;              ///< Bytes of its body.
+  curl_off_t sent_ = 0;                  ///< Bytes of the request's body, in this hop.
+  std::optional<NSURLError> refusal_;
+  bool isStarted_ = false;
+  bool isPaused_ = false;
+  std::optional<CURLcode> result_;  ///< While the delegate has not answered.
+  LoadTime heard_;
+};
+
+}  // namespace ORLFoundation::internal::net

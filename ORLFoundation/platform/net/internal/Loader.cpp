@@ -1,0 +1,282 @@
+#include <ORLFoundation/platform/net/internal/Loader.h>
+
+#include <ORLFoundation/platform/net/internal/Exchange.h>
+#include <ORLFoundation/platform/net/internal/LoadErrors.h>
+#include <ORLFoundation/platform/net/internal/LoadingSession.h>
+#include <ORLFoundation/platform/net/internal/LocalLoad.h>
+#include <ORLFoundation/platform/net/internal/Recipient.h>
+#include <ORLFoundation/platform/net/internal/TransferPlan.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace ORLFoundation::internal::net {
+namespace {
+
+using std::chrono::steady_clock;
+
+/// A server that speaks HTTP/2 answers so many at once over one connection.
+constexpr std::size_t kMostStreams = 100;
+constexpr std::size_t kMostIdleHandles = 128;
+constexpr std::chrono::milliseconds kLongestSleep{60'000};
+
+}  // namespace
+
+Loader::Loader(std::shared_ptr<NSURLSessionConfiguration> configuration,
+               std::shared_ptr<NSOperationQueue> delegateQueue)
+    : configuration_(std::move(configuration)),
+      delivery_(std::make_shared<Delivery>(std::move(delegateQueue))) {}
+
+Loader::~Loader() = default;
+
+bool Loader::isOwnThread() const noexcept { return thread_ == std::this_thread::get_id(); }
+
+void Loader::give(LoaderOrder order) {
+  const bool needsThread =
+      order.kind == LoaderOrder::Start || order.kind == LoaderOrder::Invalidate;
+  const std::lock_guard guard(lock_);
+  if (!hasThread_ && !needsThread) return;
+  orders_.push_back(std::move(order));
+  if (!hasThread_) {
+    runOnLoaderThread(shared_from_this());
+    hasThread_ = true;
+  } else if (multi_ != nullptr && !isOwnThread()) {
+    curl_multi_wakeup(multi_);
+  }
+}
+
+void Loader::leave() {
+  const std::lock_guard guard(lock_);
+  isLeaving_ = true;
+  if (multi_ != nullptr) curl_multi_wakeup(multi_);
+}
+
+void Loader::run() {
+  do {
+    openMulti();
+    while (!mayEnd()) {
+      doOrders();
+      perform();
+      stepLocalLoads();
+      endSilentOnes();
+      tellInvalidation();
+      sleep();
+    }
+    closeMulti();
+  } while (hasMore());
+}
+
+/// Orders that were given while the thread was about to end keep it.
+bool Loader::hasMore() {
+  const std::lock_guard guard(lock_);
+  hasThread_ = !orders_.empty() && !isLeaving_;
+  if (!hasThread_) thread_ = std::thread::id();
+  return hasThread_;
+}
+
+bool Loader::hasOrders() {
+  const std::lock_guard guard(lock_);
+  return !orders_.empty() || isLeaving_;
+}
+
+bool Loader::mayEnd() {
+  const std::lock_guard guard(lock_);
+  if (isLeaving_) return true;
+  return orders_.empty() && transfers_.empty() && invalidations_.empty() &&
+         (isClosed_ || isInvalidated_);
+}
+
+void Loader::openMulti() {
+  CURLM* const multi = curl_multi_init();
+  const NSInteger connections =
+      std::max<NSInteger>(configuration_->HTTPMaximumConnectionsPerHost(), 1);
+  const long most = static_cast<long>(std::min<NSInteger>(connections, 100'000));
+  curl_multi_setopt(multi, CURLMOPT_MAX_HOST_CONNECTIONS, most);
+  curl_multi_setopt(multi, CURLMOPT_MAXCONNECTS, std::max(64L, 2 * most));
+  const std::lock_guard guard(lock_);
+  multi_ = multi;
+  thread_ = std::this_thread::get_id();
+}
+
+void Loader::closeMulti() {
+  CURLM* multi = nullptr;
+  {
+    const std::lock_guard guard(lock_);
+    multi = std::exchange(multi_, nullptr);
+  }
+  localLoads_.clear();
+  servers_.clear();
+  transfers_.clear();
+  for (CURL* const handle : handles_) curl_easy_cleanup(handle);
+  handles_.clear();
+  curl_multi_cleanup(multi);
+}
+
+CURL* Loader::takeHandle() {
+  if (handles_.empty()) return curl_easy_init();
+  CURL* const handle = handles_.back();
+  handles_.pop_back();
+  return handle;
+}
+
+void Loader::giveBackHandle(CURL* handle) {
+  if (handles_.size() >= kMostIdleHandles) return curl_easy_cleanup(handle);
+  curl_easy_reset(handle);
+  handles_.push_back(handle);
+}
+
+void Loader::doOrders() {
+  std::vector<LoaderOrder> orders;
+  {
+    const std::lock_guard guard(lock_);
+    orders.swap(orders_);
+  }
+  for (const LoaderOrder& order : orders) doOrder(order);
+}
+
+void Loader::doOrder(const LoaderOrder& order) {
+  const auto found = transfers_.find(order.task.get());
+  switch (order.kind) {
+    case LoaderOrder::Start:
+      return start(order.task);
+    case LoaderOrder::Stop:
+      return finish(order.task, failure(NSURLErrorCancelled));
+    case LoaderOrder::Proceed:
+      if (found != transfers_.end()) found->second->proceed();
+      return;
+    case LoaderOrder::Invalidate:
+      isInvalidated_ = true;
+      invalidations_.push_back(order);
+      return;
+    case LoaderOrder::Close:
+      isClosed_ = true;
+      return;
+  }
+}
+
+void Loader::start(const std::shared_ptr<LoadingTask>& task) {
+  auto recipient = std::make_shared<Recipient>(task, shared_from_this());
+  if (task->isCancelled() || isInvalidated_) return recipient->ended(failure(NSURLErrorCancelled));
+  const TransferPlan plan = planOf(*task->request(), *configuration_);
+  if (plan.failure) return recipient->ended(failure(*plan.failure));
+  std::unique_ptr<Transfer> transfer;
+  if (plan.isLocal) {
+    auto local = std::make_unique<LocalLoad>(*this, task, std::move(recipient));
+    localLoads_.push_back(local.get());
+    transfer = std::move(local);
+  } else {
+    transfer = std::make_unique<Exchange>(*this, task, std::move(recipient), plan);
+    transfer->origin = plan.origin;
+  }
+  transfer->lastTime = timeAfter(steady_clock::now(), plan.resourceTimeout);
+  askAt(transfer->lastTime);
+  Transfer& held = *transfer;
+  transfers_.emplace(task.get(), std::move(transfer));
+  admit(held);
+}
+
+std::size_t Loader::mostAtOnce(const std::string& origin) const noexcept {
+  const NSInteger connections = configuration_->HTTPMaximumConnectionsPerHost();
+  const auto most = static_cast<std::size_t>(std::max<NSInteger>(connections, 1));
+  return origin.rfind("https:", 0) == 0 ? std::max(most, kMostStreams) : most;
+}
+
+void Loader::admit(Transfer& transfer) {
+  if (transfer.origin.empty()) return transfer.begin();
+  Server& server = servers_[transfer.origin];
+  if (server.running >= mostAtOnce(transfer.origin)) {
+    server.waiting.push_back(transfer.task());
+    return;
+  }
+  ++server.running;
+  transfer.hasConnection = true;
+  transfer.begin();
+}
+
+/// Makes place for the next at the transfer's server.
+void Loader::leaveServer(const Transfer& transfer) {
+  if (!transfer.hasConnection) return;
+  const auto found = servers_.find(transfer.origin);
+  if (found == servers_.end()) return;
+  Server& server = found->second;
+  --server.running;
+  while (!server.waiting.empty()) {
+    const auto next = transfers_.find(server.waiting.front().get());
+    server.waiting.pop_front();
+    if (next == transfers_.end()) continue;  // It was cancelled while it waited.
+    return admit(*next->second);
+  }
+  if (server.running == 0) servers_.erase(found);
+}
+
+void Loader::finish(const std::shared_ptr<LoadingTask>& task,
+                    std::shared_ptr<const NSError> error) {
+  const auto found = transfers_.find(task.get());
+  if (found == transfers_.end()) return;
+  const std::unique_ptr<Transfer> transfer = std::move(found->second);
+  transfers_.erase(found);
+  localLoads_.erase(std::remove(localLoads_.begin(), localLoads_.end(), transfer.get()),
+                    localLoads_.end());
+  leaveServer(*transfer);
+  transfer->recipient().ended(std::move(error));
+}
+
+void Loader::perform() {
+  int running = 0;
+  performedAt_ = steady_clock::now();
+  curl_multi_perform(multi_, &running);
+  int left = 0;
+  while (const CURLMsg* const message = curl_multi_info_read(multi_, &left)) {
+    if (message->msg != CURLMSG_DONE) continue;
+    const CURLcode result = message->data.result;
+    Exchange::ofHandle(message->easy_handle).ended(result);
+  }
+}
+
+void Loader::stepLocalLoads() {
+  const std::vector<LocalLoad*> loads = localLoads_;
+  for (LocalLoad* const load : loads) load->step();
+}
+
+void Loader::askAt(steady_clock::time_point time) noexcept {
+  nextQuestion_ = std::min(nextQuestion_, time);
+}
+
+// What came while a delegate held up the thread is read before it counts as silence.
+void Loader::endSilentOnes() {
+  const auto now = performedAt_;
+  if (now < nextQuestion_) return;
+  nextQuestion_ = kNeverDue;
+  std::vector<std::shared_ptr<LoadingTask>> due;
+  for (const auto& [task, transfer] : transfers_) {
+    const LoadTime time = std::min(transfer->due(), transfer->lastTime);
+    if (time <= now) {
+      due.push_back(transfer->task());
+    } else {
+      askAt(time);
+    }
+  }
+  for (const auto& task : due) finish(task, failure(NSURLErrorTimedOut));
+}
+
+void Loader::tellInvalidation() {
+  if (!transfers_.empty() || invalidations_.empty() || hasOrders()) return;
+  for (LoaderOrder& order : std::exchange(invalidations_, {}))
+    delivery_->deliver([session = std::move(order.session), delegate = std::move(order.delegate)] {
+      if (delegate) delegate->URLSessionDidBecomeInvalidWithError(session, nullptr);
+    });
+}
+
+void Loader::sleep() {
+  const bool hasWork = std::any_of(localLoads_.begin(), localLoads_.end(),
+                                   [](const LocalLoad* load) { return load->isReady(); });
+  if (hasWork || hasOrders() || mayEnd()) return;
+  const auto now = steady_clock::now();
+  std::chrono::milliseconds span = kLongestSleep;
+  // Up to the next millisecond, so that the time is past when the sleep ends.
+  if (nextQuestion_ < now + span)
+    span = std::chrono::ceil<std::chrono::milliseconds>(std::max(nextQuestion_, now) - now);
+  curl_multi_poll(multi_, nullptr, 0, static_cast<int>(span.count()), nullptr);
+}
+
+}  // namespace ORLFoundation::internal::net

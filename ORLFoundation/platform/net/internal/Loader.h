@@ -1,0 +1,118 @@
+/// The worker of a session: a thread that runs all its transfers through one libcurl multi handle.
+/// It is there from the first task until the session dies or is invalidated.
+#pragma once
+
+#include <ORLFoundation/platform/net/NSURLSessionConfiguration.h>
+#include <ORLFoundation/platform/net/internal/Delivery.h>
+#include <ORLFoundation/platform/net/internal/LoaderThreads.h>
+
+#include <curl/curl.h>
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <unordered_map>
+#include <vector>
+
+namespace ORLFoundation {
+class NSError;
+class NSOperationQueue;
+class NSURLSessionDelegate;
+}  // namespace ORLFoundation
+
+namespace ORLFoundation::internal::net {
+
+class LoadingSession;
+class LoadingTask;
+class LocalLoad;
+class Transfer;
+
+struct LoaderOrder {
+  enum Kind : std::uint8_t { Start, Stop, Proceed, Invalidate, Close };
+  Kind kind = Close;
+  std::shared_ptr<LoadingTask> task = nullptr;
+  /// Of an invalidation: who is told, and of whom.
+  std::shared_ptr<LoadingSession> session = nullptr;
+  std::shared_ptr<NSURLSessionDelegate> delegate = nullptr;
+};
+
+class Loader final : public LoaderWork, public std::enable_shared_from_this<Loader> {
+ public:
+  Loader(std::shared_ptr<NSURLSessionConfiguration> configuration,
+         std::shared_ptr<NSOperationQueue> delegateQueue);
+  ~Loader() override;
+
+  /// Any thread; orders are done in turn.
+  void give(LoaderOrder order);
+  void run() override;
+  void leave() override;
+
+  [[nodiscard]] const NSURLSessionConfiguration& configuration() const noexcept {
+    return *configuration_;
+  }
+  [[nodiscard]] Delivery& delivery() const noexcept { return *delivery_; }
+
+  // For transfers, on the loader's thread.
+  [[nodiscard]] CURLM* multi() const noexcept { return multi_; }
+  [[nodiscard]] CURL* takeHandle();
+  void giveBackHandle(CURL* handle);
+  /// A transfer is to be asked at this time whether it is due.
+  void askAt(std::chrono::steady_clock::time_point time) noexcept;
+  /// Ends the task's transfer and destroys it.
+  void finish(const std::shared_ptr<LoadingTask>& task, std::shared_ptr<const NSError> error);
+
+ private:
+  /// What runs and waits at one server.
+  struct Server {
+    std::size_t running = 0;
+    std::deque<std::shared_ptr<LoadingTask>> waiting;
+  };
+
+  [[nodiscard]] bool isOwnThread() const noexcept;
+  [[nodiscard]] bool hasMore();
+  [[nodiscard]] bool hasOrders();
+  [[nodiscard]] bool mayEnd();
+  void doOrders();
+  void doOrder(const LoaderOrder& order);
+  void start(const std::shared_ptr<LoadingTask>& task);
+  void admit(Transfer& transfer);
+  void leaveServer(const Transfer& transfer);
+  [[nodiscard]] std::size_t mostAtOnce(const std::string& origin) const noexcept;
+  void perform();
+  void stepLocalLoads();
+  void endSilentOnes();
+  void tellInvalidation();
+  void sleep();
+  void openMulti();
+  void closeMulti();
+
+  const std::shared_ptr<const NSURLSessionConfiguration> configuration_;
+  const std::shared_ptr<Delivery> delivery_;
+
+  std::mutex lock_;
+  std::vector<LoaderOrder> orders_;
+  bool hasThread_ = false;
+  bool isLeaving_ = false;
+  std::thread::id thread_;
+  CURLM* multi_ = nullptr;  ///< Changed under the lock, on the loader's thread.
+
+  // The loader's thread alone.
+  bool isClosed_ = false;
+  bool isInvalidated_ = false;
+  std::vector<LoaderOrder> invalidations_;
+  std::unordered_map<const LoadingTask*, std::unique_ptr<Transfer>> transfers_;
+  std::map<std::string, Server> servers_;
+  std::vector<LocalLoad*> localLoads_;
+  std::vector<CURL*> handles_;  ///< That nobody uses.
+  std::chrono::steady_clock::time_point performedAt_;
+  std::chrono::steady_clock::time_point nextQuestion_ =
+      std::chrono::steady_clock::time_point::max();
+};
+
+}  // namespace ORLFoundation::internal::net

@@ -1,0 +1,101 @@
+#include <ORLFoundation/platform/net/internal/LoaderThreads.h>
+
+#include <curl/curl.h>
+#include <pthread.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <csignal>
+#include <cstdlib>
+#include <mutex>
+#include <set>
+#include <thread>
+#include <vector>
+
+namespace ORLFoundation::internal::net {
+namespace {
+
+/// How long the end of the process waits for threads that are inside of a delegate.
+constexpr std::chrono::seconds kPatience{1};
+
+class Threads {
+ public:
+  void enter(const std::shared_ptr<LoaderWork>& work) {
+    const std::lock_guard guard(lock_);
+    running_.insert(work);
+  }
+  void leave(const std::shared_ptr<LoaderWork>& work) {
+    const std::lock_guard guard(lock_);
+    running_.erase(work);
+    hasLeft_.notify_all();
+  }
+  void end() {
+    if (::getpid() != process_) return;  // A fork has none of the threads.
+    std::unique_lock guard(lock_);
+    const std::vector<std::shared_ptr<LoaderWork>> works(running_.begin(), running_.end());
+    guard.unlock();
+    for (const auto& work : works) work->leave();
+    guard.lock();
+    hasLeft_.wait_for(guard, kPatience, [&] { return running_.empty(); });
+  }
+
+ private:
+  const pid_t process_ = ::getpid();
+  std::mutex lock_;
+  std::condition_variable hasLeft_;
+  std::set<std::shared_ptr<LoaderWork>> running_;
+};
+
+Threads* makeThreads() {
+  startCurl();
+  auto* const threads = new Threads;  // Never destroyed: threads may outlive the end's patience.
+  return threads;
+}
+
+Threads& threads() {
+  static Threads* const threads = makeThreads();
+  // Registered after libcurl and OpenSSL have begun, so that it runs before they end.
+  [[maybe_unused]] static const int isRegistered = std::atexit([] { threads->end(); });
+  return *threads;
+}
+
+/// The calling thread, and those that it makes, get no signal meanwhile.
+class NoSignals {
+ public:
+  NoSignals() {
+    sigset_t all;
+    ::sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, &before_);
+  }
+  ~NoSignals() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+  NoSignals(const NoSignals&) = delete;
+  NoSignals& operator=(const NoSignals&) = delete;
+
+ private:
+  sigset_t before_{};
+};
+
+}  // namespace
+
+void startCurl() {
+  static const CURLcode started = curl_global_init(CURL_GLOBAL_DEFAULT);
+  static_cast<void>(started);
+}
+
+void runOnLoaderThread(const std::shared_ptr<LoaderWork>& work) {
+  Threads& all = threads();
+  const NoSignals noSignals;
+  all.enter(work);
+  try {
+    std::thread([&all, work] {
+      work->run();
+      all.leave(work);
+    }).detach();
+  } catch (...) {
+    all.leave(work);
+    throw;
+  }
+}
+
+}  // namespace ORLFoundation::internal::net

@@ -1,0 +1,139 @@
+#include <ORLFoundation/web/session/ORLFURLSession.h>
+
+#include <ORLFoundation/platform/object/NSURLErrors.h>
+
+#include <array>
+#include <cstdio>
+#include <utility>
+
+namespace ORLFoundation {
+
+std::shared_ptr<ORLFURLSession> ORLFURLSession::initWithConfiguration(
+    std::shared_ptr<NSURLSessionConfiguration> configuration,
+    std::shared_ptr<ORLFURLSessionDelegate> delegate,
+    std::shared_ptr<NSOperationQueue> delegateQueue) {
+  if (!configuration) configuration = NSURLSessionConfiguration::defaultSessionConfiguration();
+  if (!delegateQueue) {
+    delegateQueue = std::make_shared<NSOperationQueue>();
+    delegateQueue->setMaxConcurrentOperationCount(1);
+  }
+  const auto made =
+      std::make_shared<ORLFURLSession>(Passkey(), std::move(delegate), std::move(delegateQueue));
+  made->session_ = NSURLSession::sessionWithConfiguration(std::move(configuration), made, nullptr);
+  return made;
+}
+
+ORLFURLSession::ORLFURLSession(Passkey /*passkey*/,
+                               std::shared_ptr<ORLFURLSessionDelegate> delegate,
+                               std::shared_ptr<NSOperationQueue> delegateQueue)
+    : delegate_(std::move(delegate)), delegateQueue_(std::move(delegateQueue)) {}
+
+ORLFURLSession::~ORLFURLSession() = default;
+
+std::shared_ptr<ORLFURLSession> ORLFURLSession::self() {
+  return std::static_pointer_cast<ORLFURLSession>(shared_from_this());
+}
+
+void ORLFURLSession::invalidateSessionCancelingTasks(bool cancelingTasks) {
+  if (cancelingTasks) {
+    session_->invalidateAndCancel();
+  } else {
+    session_->finishTasksAndInvalidate();
+  }
+  std::shared_ptr<ORLFURLSessionDelegate> before;
+  const std::lock_guard guard(lock_);
+  sessionInvalidated_ = true;
+  delegate_.swap(before);
+}
+
+std::shared_ptr<NSURLSessionDataTask> ORLFURLSession::dataTaskWithRequest(
+    const std::shared_ptr<NSURLRequest>& request, const Receiver& delegate) {
+  if (sessionInvalidated()) return nullptr;
+  auto task = session_->dataTaskWithRequest(request);
+  if (task) addReceiver(*task, delegate);
+  return task;
+}
+
+std::shared_ptr<NSURLSessionDownloadTask> ORLFURLSession::downloadTaskWithRequest(
+    const std::shared_ptr<NSURLRequest>& request, const Receiver& delegate) {
+  if (sessionInvalidated()) return nullptr;
+  auto task = session_->downloadTaskWithRequest(request);
+  if (task) addReceiver(*task, delegate);
+  return task;
+}
+
+void ORLFURLSession::addReceiver(const NSURLSessionTask& task, const Receiver& receiver) {
+  if (!receiver) return;
+  Receiver stored = receiver;
+  const std::lock_guard guard(tasksLock_);
+  sessionTasks_[task.taskIdentifier()].swap(stored);
+}
+
+void ORLFURLSession::taskDidFailAuthentication(const std::shared_ptr<ORLFURLSessionTask>& task,
+                                               ORLFURLSessionDelegate::Answer callback) {
+  auto asked = delegate();
+  if (!asked || !asked->hasSessionDidFail()) {
+    callback(nullptr,
+             NSError::errorWithDomain(NSURLErrorDomain, NSURLErrorUserAuthenticationRequired));
+    return;
+  }
+  delegateQueue()->addOperationWithBlock(
+      [session = self(), task, asked = std::move(asked), callback = std::move(callback)] {
+        asked->sessionDidFail(session, task->failures(), callback);
+      });
+}
+
+void ORLFURLSession::sessionTaskDidFailAuthentication(
+    const std::shared_ptr<ORLFURLSessionTask>& task, ORLFURLSessionDelegate::Answer callback) {
+  taskDidFailAuthentication(task, std::move(callback));
+}
+
+std::string ORLFURLSession::uniqueIDForTask(const std::shared_ptr<ORLFURLSessionTask>& task) const {
+  std::array<char, 64> text{};
+  const int length =
+      std::snprintf(text.data(), text.size(), "%p-%p", static_cast<const void*>(this),
+                    static_cast<const void*>(task.get()));
+  return {text.data(), static_cast<std::size_t>(length)};
+}
+
+bool ORLFURLSession::sessionInvalidated() const {
+  const std::lock_guard guard(lock_);
+  return sessionInvalidated_;
+}
+
+std::shared_ptr<ORLFURLSessionDelegate> ORLFURLSession::delegate() const {
+  const std::lock_guard guard(lock_);
+  return delegate_;
+}
+
+void ORLFURLSession::setDelegate(std::shared_ptr<ORLFURLSessionDelegate> value) {
+  const std::lock_guard guard(lock_);
+  delegate_.swap(value);
+}
+
+std::shared_ptr<NSOperationQueue> ORLFURLSession::delegateQueue() const {
+  const std::lock_guard guard(lock_);
+  return delegateQueue_;
+}
+
+void ORLFURLSession::setDelegateQueue(std::shared_ptr<NSOperationQueue> value) {
+  const std::lock_guard guard(lock_);
+  delegateQueue_.swap(value);
+}
+
+std::shared_ptr<ORLFURLSessionLogger> ORLFURLSession::logger() const {
+  const std::lock_guard guard(lock_);
+  return logger_;
+}
+
+void ORLFURLSession::setLogger(std::shared_ptr<ORLFURLSessionLogger> value) {
+  const std::lock_guard guard(lock_);
+  logger_.swap(value);
+}
+
+ORLFURLSession::Receivers ORLFURLSession::sessionTasks() const {
+  const std::lock_guard guard(tasksLock_);
+  return sessionTasks_;
+}
+
+}  // namespace ORLFoundation

@@ -1,0 +1,166 @@
+#include "io/secret_input.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <tests/support/TemporaryFolder.h>
+#include <unistd.h>
+
+#include <functional>
+#include <string>
+
+#include "cli/failure.h"
+
+namespace {
+
+using orlftool::JobFailure;
+using orlftool::readNewSecret;
+using orlftool::readSecret;
+using orlftool::UsageFailure;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+class SecretInput : public orlftest::TemporaryFolderTest {
+ protected:
+  [[nodiscard]] std::string secretIn(std::string_view content) const {
+    return std::string(readSecret(write("secret", content), "Password").text());
+  }
+  [[nodiscard]] std::string faultOf(std::string_view content) const {
+    try {
+      return secretIn(content);
+    } catch (const JobFailure& failure) {
+      return failure.what();
+    }
+  }
+};
+
+TEST_F(SecretInput, IsAllOfAFileButOneLineEnd) {
+  EXPECT_EQ(secretIn("pw"), "pw");
+  EXPECT_EQ(secretIn("pw\n"), "pw");
+  EXPECT_EQ(secretIn("pw\r\n"), "pw");
+  EXPECT_EQ(secretIn("pw\n\n"), "pw\n");
+  EXPECT_EQ(secretIn(" p w\t\n"), " p w\t");
+  EXPECT_EQ(secretIn("gr\xc3\xbc\xc3\x9f\n"), "gr\xc3\xbc\xc3\x9f");
+  EXPECT_EQ(secretIn(std::string_view("a\0b", 3)), std::string("a\0b", 3));
+  EXPECT_EQ(secretIn(std::string(65536, 'x')).size(), 65536U);
+}
+
+TEST_F(SecretInput, RefusesWhatIsNoSecret) {
+  EXPECT_THAT(faultOf(""), HasSubstr("expected a secret, got nothing"));
+  EXPECT_THAT(faultOf("\n"), HasSubstr("expected a secret, got nothing"));
+  EXPECT_THAT(faultOf("\r\n"), HasSubstr("expected a secret, got nothing"));
+  EXPECT_THAT(faultOf(std::string(65537, 'x')), HasSubstr("at most 64 KB"));
+  EXPECT_THROW(static_cast<void>(readSecret(path("missing"), "Password")), JobFailure);
+  EXPECT_THROW(static_cast<void>(readSecret(folder_.string(), "Password")), JobFailure);
+}
+
+/// What one of both functions does in a process whose terminal is a new one: what it gave or why it
+/// failed, and all that the terminal showed.
+struct Session {
+  std::string given, shown;
+  bool showedTyping = true;
+  bool showsTypingAfterwards = false;
+};
+
+bool shows(int terminal) {
+  termios modes{};
+  return ::tcgetattr(terminal, &modes) == 0 && (modes.c_lflag & ECHO) != 0;
+}
+
+Session atTerminal(const std::vector<std::string>& typed,
+                   const std::function<std::string()>& work) {
+  int terminal = -1;
+  int ends[2];
+  if (::pipe(ends) != 0) throw std::runtime_error("no pipe");
+  const pid_t child = ::forkpty(&terminal, nullptr, nullptr, nullptr);
+  if (child == 0) {
+    const std::string given = work();
+    static_cast<void>(!::write(ends[1], given.data(), given.size()));
+    char byte = 0;
+    static_cast<void>(!::read(STDIN_FILENO, &byte, 1));  // the terminal lives until it was seen
+    ::_exit(0);
+  }
+  ::close(ends[1]);
+  Session session;
+  std::array<char, 256> piece{};
+  for (const std::string& line : typed) {
+    while (!session.shown.ends_with(": ")) {
+      const ssize_t count = ::read(terminal, piece.data(), piece.size());
+      if (count <= 0) break;
+      session.shown.append(piece.data(), static_cast<std::size_t>(count));
+    }
+    session.showedTyping = shows(terminal);
+    static_cast<void>(!::write(terminal, line.data(), line.size()));
+    session.shown += '|';
+  }
+  const ssize_t count = ::read(ends[0], piece.data(), piece.size());
+  session.given.assign(piece.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+  session.showsTypingAfterwards = shows(terminal);
+  static_cast<void>(!::write(terminal, "\n", 1));
+  for (ssize_t more = 0; (more = ::read(terminal, piece.data(), piece.size())) > 0;)
+    session.shown.append(piece.data(), static_cast<std::size_t>(more));
+  ::close(ends[0]);
+  ::close(terminal);
+  ::waitpid(child, nullptr, 0);
+  return session;
+}
+
+std::string outcome(const std::function<orlftool::Secret()>& read) {
+  try {
+    return std::string(read().text());
+  } catch (const std::exception& failure) {
+    return std::string("failed: ") + failure.what();
+  }
+}
+
+TEST_F(SecretInput, IsTypedWithoutBeingShown) {
+  const Session session = atTerminal({"s3cr3t word\n"}, [] {
+    return outcome([] { return readSecret(std::nullopt, "Password of bank"); });
+  });
+  EXPECT_EQ(session.given, "s3cr3t word");
+  EXPECT_THAT(session.shown, StartsWith("Password of bank: |"));
+  EXPECT_THAT(session.shown, Not(HasSubstr("s3cr3t")));
+  EXPECT_FALSE(session.showedTyping);
+  EXPECT_TRUE(session.showsTypingAfterwards);
+}
+
+TEST_F(SecretInput, IsAskedForTwiceWhenItIsNew) {
+  const auto work = [] { return outcome([] { return readNewSecret(std::nullopt, "Password"); }); };
+  const Session same = atTerminal({"one\n", "one\n"}, work);
+  EXPECT_EQ(same.given, "one");
+  EXPECT_THAT(same.shown, HasSubstr("Password again: "));
+  EXPECT_EQ(atTerminal({"one\n", "two\n"}, work).given, "failed: the two passwords differ");
+}
+
+TEST_F(SecretInput, EndsAtCtrlCWithTheTerminalAsItWas) {
+  const Session session = atTerminal(
+      {"s3c\x03"}, [] { return outcome([] { return readSecret(std::nullopt, "Password"); }); });
+  EXPECT_EQ(session.given, "failed: interrupted");
+  EXPECT_TRUE(session.showsTypingAfterwards);
+  EXPECT_THAT(
+      atTerminal({"\n"},
+                 [] { return outcome([] { return readSecret(std::nullopt, "Password"); }); })
+          .given,
+      HasSubstr("got nothing"));
+}
+
+TEST_F(SecretInput, SaysWhatToDoWithoutATerminal) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::setsid();  // no terminal any more
+    try {
+      static_cast<void>(readSecret(std::nullopt, "Password"));
+    } catch (const UsageFailure& failure) {
+      ::_exit(std::string(failure.what()).find("--password-file") != std::string::npos ? 0 : 2);
+    }
+    ::_exit(1);
+  }
+  int status = -1;
+  ::waitpid(child, &status, 0);
+  EXPECT_EQ(status, 0);
+}
+
+}  // namespace
