@@ -20,8 +20,8 @@ test:
 
 # Runs all benchmarks, each beside its peers, and prints their tables.
 bench:
-	scripts/install-packages
-	cmake --preset release
+	scripts/install-packages bench
+	cmake --preset release -D ORLF_BUILD_BENCHMARKS=ON
 	cmake --build --preset release --parallel $(JOBS)
 	scripts/bench
 

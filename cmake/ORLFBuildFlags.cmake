@@ -1,15 +1,15 @@
 # How everything of this project is compiled, and nothing of its users: flags live on the interface
 # target orlf_build_flags, which no exported target carries.
 add_library(orlf_build_flags INTERFACE)
+set(ORLF_WARNINGS -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+# GCC 12 sees overlapping copies and writes out of bounds in strings made of literals where there
+# are none.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  list(APPEND ORLF_WARNINGS
+    $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict> $<$<COMPILE_LANGUAGE:CXX>:-Wno-array-bounds>)
+endif()
 if(ORLF_DEVELOPER)
-  target_compile_options(orlf_build_flags INTERFACE
-    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
-  # GCC 12 sees overlapping copies and writes out of bounds in strings made of literals where there
-  # are none.
-  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-    target_compile_options(orlf_build_flags INTERFACE 
-      $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict> $<$<COMPILE_LANGUAGE:CXX>:-Wno-array-bounds>)
-  endif()
+  target_compile_options(orlf_build_flags INTERFACE ${ORLF_WARNINGS})
 endif()
 if(ORLF_SANITIZERS)
   target_compile_options(orlf_build_flags INTERFACE

@@ -96,16 +96,14 @@ function(orlf_add_test name)
       LABELS unit)
 endfunction()
 
-# A Google Benchmark program, run briefly as a test so that it keeps building and answering right.
+# A Google Benchmark program, with strict warnings in every build: no other reads it.
 function(orlf_add_benchmark source)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LINKS")
   get_filename_component(stem ${source} NAME_WE)
   add_executable(${stem} ${source})
   target_link_libraries(${stem} PRIVATE ${arg_LINKS} orlf_build_flags benchmark::benchmark_main)
+  target_compile_options(${stem} PRIVATE ${ORLF_WARNINGS})
   set_property(GLOBAL APPEND PROPERTY ORLF_BENCHMARKS ${stem})
-  if(ORLF_BUILD_TESTS)
-    add_test(NAME benchmark_${stem} COMMAND ${stem} --benchmark_min_time=0.001)
-  endif()
 endfunction()
 
 # A libFuzzer program where the compiler has it (preset fuzz), else a program that replays its seeds.

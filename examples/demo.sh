@@ -79,6 +79,13 @@ echo 'Rent;-700' >"$output/backup/2022/may.csv"
 run mirror "$output/books" "$output/backup" --dry-run
 run mirror "$output/books" "$output/backup"
 
+say "The books packed under a password, and a new folder made of them"
+rm -rf "$output/books.aar" "$output/books_again"
+echo 'correct horse battery staple' >"$output/password.txt"
+run archive "$output/books" "$output/books.aar" --password-file "$output/password.txt"
+run extract "$output/books.aar" "$output/books_again" --password-file "$output/password.txt"
+diff -r "$output/books" "$output/books_again"
+
 say "The application for a loan as a process: checked, drawn, and walked by commands from a pipe"
 run process check "$here/loan_application.xml"
 run process graph "$here/loan_application.xml" -o "$output/loan_application.dot"
@@ -113,5 +120,26 @@ mv "$output/watched.txt.new" "$output/watched.txt"
 wait "$watcher"
 printf '$ orlf watch watched.txt --once &\n$ mv watched.txt.new watched.txt\n'
 cat "$output/watch.txt"
+
+say "A statement fetched from a bank that wants a token: the log shows neither it nor the password"
+python3 "$here/bank_server.py" >"$output/port.txt" &
+bank=$!
+trap 'kill "$bank" 2>/dev/null || :' EXIT
+until [ -s "$output/port.txt" ]; do sleep 0.05; done
+address="http://127.0.0.1:$(cat "$output/port.txt")/statement"
+printf 'Authorization: Bearer 4f1c9a77e2\n' >"$output/token.txt"
+rm -f "$output/web.log" "$output/fetched.json"
+run fetch "$address?password=swordfish" --retry-auth "@$output/token.txt" --log "$output/web.log" \
+  --mask password,iban >"$output/fetched.json"
+cat "$output/fetched.json"
+run modified "$address"
+run fetch "$address" --header "@$output/token.txt" -o "$output/statement.json"
+run fetch "$address" --header "@$output/token.txt" -o "$output/statement.json" --if-newer
+printf '$ cat web.log\n'
+cat "$output/web.log"
+if grep -q -e 4f1c9a77e2 -e swordfish -e DE02120300000000202051 "$output/web.log"; then
+  echo 'a secret stands in the log' >&2
+  exit 1
+fi
 
 printf '\nThe chart is in %s, the process in %s\n' "$output/mortgage.svg" "$output/loan_application.dot"

@@ -38,9 +38,9 @@ class InstallPackages(unittest.TestCase):
             [SCRIPT, *arguments], text=True, capture_output=True,
             env={"PATH": path, "MISSING": missing, "BOOST_INCLUDEDIR": str(self.root / "include")})
 
-    def installed(self, **arguments):
+    def installed(self, *groups, **arguments):
         """The packages that it asks apt-get for."""
-        done = self.run_script(**arguments)
+        done = self.run_script(*groups, **arguments)
         self.assertEqual(done.returncode, 0, done.stderr)
         calls = [line for line in done.stdout.splitlines() if line.startswith("apt-get install")]
         return [word for call in calls for word in call.split()[2:] if not word.startswith("-")]
@@ -63,6 +63,13 @@ class InstallPackages(unittest.TestCase):
 
     def test_no_boost_at_all(self):
         self.assertEqual(self.installed(missing="libboost-dev"), ["libboost-dev"])
+
+    def test_groups_bring_their_own(self):
+        self.boost(107400)
+        missing = "clang nettle-dev"
+        self.assertEqual(self.run_script(missing=missing).stdout, "")
+        self.assertEqual(self.installed("bench", missing=missing), ["nettle-dev"])
+        self.assertEqual(self.installed("checks", "bench", missing=missing), ["clang", "nettle-dev"])
 
     def test_an_unknown_group_is_refused(self):
         self.boost(107400)

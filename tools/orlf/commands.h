@@ -33,6 +33,10 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareIrrCommand(Options& options);
 /// `orlf mirror`  A folder brought into line with another one.
 [[nodiscard]] Job declareMirrorCommand(Options& options);
+/// `orlf archive`  A folder packed into one file, plain or sealed.
+[[nodiscard]] Job declareArchiveCommand(Options& options);
+/// `orlf extract`  A folder made of such a file.
+[[nodiscard]] Job declareExtractCommand(Options& options);
 /// `orlf store-info`  The metadata of a store file.
 [[nodiscard]] Job declareStoreInfoCommand(Options& options);
 /// `orlf same-file`  Whether two paths lead to one file.
@@ -79,6 +83,10 @@ using Job = std::function<void(Session&)>;
 [[nodiscard]] Job declareProcessCommand(Options& options);
 /// `orlf watch`  What happens to a file, or to the names in a directory.
 [[nodiscard]] Job declareWatchCommand(Options& options);
+/// `orlf fetch`  What stands at an address.
+[[nodiscard]] Job declareFetchCommand(Options& options);
+/// `orlf modified`  When that was last modified.
+[[nodiscard]] Job declareModifiedCommand(Options& options);
 /// `orlf user-agent`  What an application tells servers it is.
 [[nodiscard]] Job declareUserAgentCommand(Options& options);
 /// `orlf reachable`  Whether there is a way to a host.

@@ -18,7 +18,8 @@
 namespace orlftool {
 namespace {
 
-/// A job that may take long runs beside a display of its progress.
+/// A job that may take long runs beside a display of its progress. One that lasts until it is
+/// ended, as `watch`, has none to show.
 enum class Length : std::uint8_t { isShort, mayBeLong };
 
 struct Command {
@@ -56,12 +57,17 @@ constexpr std::array kCommands{
     Command{"xml-escape", &declareXmlEscapeCommand, Length::mayBeLong},
     Command{"xml-unescape", &declareXmlUnescapeCommand, Length::mayBeLong},
     Command{"xml-events", &declareXmlEventsCommand, Length::mayBeLong},
-    Command{"process", &declareProcessCommand},
+    Command{"process", &declareProcessCommand, Length::mayBeLong},
     Command{"watch", &declareWatchCommand},
     Command{"template-image", &declareTemplateImageCommand, Length::mayBeLong},
     Command{"mirror", &declareMirrorCommand, Length::mayBeLong},
+    Command{"mirror", &declareMirrorCommand},
+    Command{"archive", &declareArchiveCommand, Length::mayBeLong},
+    Command{"extract", &declareExtractCommand, Length::mayBeLong},
     Command{"store-info", &declareStoreInfoCommand},
     Command{"same-file", &declareSameFileCommand},
+    Command{"fetch", &declareFetchCommand, Length::mayBeLong},
+    Command{"modified", &declareModifiedCommand, Length::mayBeLong},
     Command{"user-agent", &declareUserAgentCommand},
     Command{"reachable", &declareReachableCommand},
     Command{"query-string", &declareQueryStringCommand},

@@ -1,7 +1,7 @@
 /// Memory that is overwritten when it is given back: for texts that hold passwords.
 ///
 ///     WipedText text;
-///     text += password;   // what it outgrows is overwritten too
+///     text += "a password";   // what it outgrows is overwritten too
 #pragma once
 
 #include <cstddef>

@@ -59,7 +59,7 @@ bool pumpMainQueue(NSTimeInterval timeout) {
 void runMainQueue() {
   checkMainThread();
   const ServingMain serving;
-  while (!takeStop()) mainLoop()->runOnce(kDefaultMode, {});
+  while (!takeStop()) mainLoop()->runOnce(kDefaultMode, {.end = &stopsAsked});
 }
 
 void stopMainQueue() {
@@ -68,7 +68,7 @@ void stopMainQueue() {
 }
 
 struct NSMainQueueThread::State {
-  std::atomic<bool> isEnded{false};
+  std::atomic<int> isEnded{0};
   std::thread thread;
 };
 
@@ -84,7 +84,7 @@ NSMainQueueThread::NSMainQueueThread() : state_(std::make_unique<State>()) {
     }
     const ServingMain serving;
     begun.set_value();
-    while (!isEnded) mainLoop()->runOnce(kDefaultMode, {});
+    while (isEnded == 0) mainLoop()->runOnce(kDefaultMode, {.end = &isEnded});
   });
   try {
     hasBegun.get();
@@ -95,7 +95,7 @@ NSMainQueueThread::NSMainQueueThread() : state_(std::make_unique<State>()) {
 }
 
 NSMainQueueThread::~NSMainQueueThread() {
-  state_->isEnded = true;
+  state_->isEnded = 1;
   mainLoop()->wake();
   state_->thread.join();
 }

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <exception>
 #include <map>
 #include <optional>
@@ -68,9 +69,10 @@ struct NSMainQueuePollBridge::State {
   const Owned timer{::timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC)};
   std::map<int, short> watched;  // The run loop's descriptors in `all`, with their events.
 
-  void add(int descriptor, short events) const {
+  /// Answers false for a descriptor that is ready at any time, as a file is: none can wait for it.
+  [[nodiscard]] bool add(int descriptor, short events) const {
     epoll_event event = eventOf({descriptor, events, 0});
-    ::epoll_ctl(all.get(), EPOLL_CTL_ADD, descriptor, &event);
+    return ::epoll_ctl(all.get(), EPOLL_CTL_ADD, descriptor, &event) == 0 || errno != EPERM;
   }
   void remove(int descriptor) const { ::epoll_ctl(all.get(), EPOLL_CTL_DEL, descriptor, nullptr); }
 
@@ -88,27 +90,30 @@ struct NSMainQueuePollBridge::State {
     ::timerfd_settime(timer.get(), TFD_TIMER_ABSTIME, &at, nullptr);
   }
   /// The run loop's descriptors as they are now. All are set anew: one that was closed and opened
-  /// again meanwhile left without a word.
-  void setWatched() {
+  /// again meanwhile left without a word. Answers whether one is ready at any time.
+  [[nodiscard]] bool setWatched() {
     for (const auto& [descriptor, events] : watched) remove(descriptor);
     watched.clear();
     for (const pollfd& one : mainLoop()->watchedDescriptors(kDefaultMode))
       watched[one.fd] = static_cast<short>(watched[one.fd] | one.events);
-    for (const auto& [descriptor, events] : watched) add(descriptor, events);
+    bool isOneReady = false;
+    for (const auto& [descriptor, events] : watched)
+      isOneReady = !add(descriptor, events) || isOneReady;
+    return isOneReady;
   }
   /// In this order: what is added from the first step on is either seen by the others or wakes.
   void prepare() {
     mainLoop()->clearWake();
     setTimer();
-    setWatched();
-    if (mainLoop()->hasReady(kDefaultMode)) mainLoop()->wake();
+    const bool isOneReady = setWatched();
+    if (isOneReady || mainLoop()->hasReady(kDefaultMode)) mainLoop()->wake();
   }
 };
 
-NSMainQueuePollBridge::NSMainQueuePollBridge() : state_(std::make_unique<State>()) {
+NSMainQueuePollBridge::NSMainQueuePollBridge() : state_(std::make_shared<State>()) {
   if (!internal::dispatch::isMainThread()) state_->claim.emplace();
-  state_->add(mainLoop()->wakeDescriptor(), POLLIN);
-  state_->add(state_->timer.get(), POLLIN);
+  static_cast<void>(state_->add(mainLoop()->wakeDescriptor(), POLLIN));
+  static_cast<void>(state_->add(state_->timer.get(), POLLIN));
   state_->prepare();
 }
 
@@ -117,6 +122,7 @@ NSMainQueuePollBridge::~NSMainQueuePollBridge() = default;
 int NSMainQueuePollBridge::descriptor() const noexcept { return state_->all.get(); }
 
 void NSMainQueuePollBridge::dispatch() noexcept {
+  const std::weak_ptr<State> here = state_;
   try {
     mainLoop()->runOnce(kDefaultMode, {.at = 0, .isReal = true});
   } catch (const std::exception& exception) {
@@ -124,7 +130,7 @@ void NSMainQueuePollBridge::dispatch() noexcept {
   } catch (...) {
     NSLog("The main thread goes on after an exception of an unknown kind.");
   }
-  state_->prepare();
+  if (const auto left = here.lock()) left->prepare();
 }
 
 }  // namespace ORLFoundation

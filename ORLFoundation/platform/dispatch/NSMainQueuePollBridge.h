@@ -32,12 +32,13 @@ class NSMainQueuePollBridge {
   [[nodiscard]] int descriptor() const noexcept;
   /// Does it, for one turn, and does not wait: items that items add have theirs with the next call,
   /// so that the host's own events are not held up. May be called within itself, as from a loop
-  /// within an item. What an item throws is logged and goes no further. For the main thread.
+  /// within an item, and an item may destroy the bridge. What an item throws is logged and goes no
+  /// further. For the main thread.
   void dispatch() noexcept;
 
  private:
   struct State;
-  std::unique_ptr<State> state_;
+  std::shared_ptr<State> state_;
 };
 
 }  // namespace ORLFoundation

@@ -13,11 +13,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <tests/support/IdleTime.h>
 #include <unistd.h>
 
 #include <array>
 #include <chrono>
+#include <cstdio>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <thread>
@@ -152,7 +155,7 @@ TEST_F(NSMainQueuePollBridgeTest, IsQuietWhileThereIsNothingToDo) {
       ends[0], NSRunLoopDescriptorRead, NSDefaultRunLoopMode, [](short) {});
   dispatch_async(main_, [] {});
   host_->settle();
-  EXPECT_FALSE(host_->turn(300));
+  EXPECT_FALSE(host_->turn(orlftest::idleMilliseconds()));
   timer->invalidate();
   ::close(ends[0]);
   ::close(ends[1]);
@@ -261,6 +264,31 @@ TEST_F(NSMainQueuePollBridgeTest, TakesThePartOfTheMainThreadElsewhere) {
   EXPECT_TRUE(NSThread::isMainThread());
   const NSMainQueueThread thread;
   EXPECT_THROW(NSMainQueuePollBridge(), NSException);
+}
+
+TEST_F(NSMainQueuePollBridgeTest, ServesAFileWhichIsReadyAtAnyTime) {
+  const std::unique_ptr<FILE, int (*)(FILE*)> file(std::tmpfile(), &std::fclose);
+  ASSERT_TRUE(file);
+  int called = 0;
+  auto descriptor =
+      NSRunLoop::mainRunLoop()->addDescriptor(::fileno(file.get()), NSRunLoopDescriptorRead,
+                                              NSDefaultRunLoopMode, [&](short) { ++called; });
+  EXPECT_TRUE(host_->runUntil([&] { return called == 3; }));
+  descriptor = nullptr;
+  host_->settle();
+  EXPECT_EQ(called, 3);
+}
+
+TEST_F(NSMainQueuePollBridgeTest, MayBeDestroyedInAnItem) {
+  bool ran = false;
+  dispatch_async(main_, [&] {
+    bridge_.reset();
+    bridge_.emplace();
+    bridge_.reset();
+  });
+  dispatch_async(main_, [&] { ran = true; });
+  EXPECT_TRUE(host_->turn(0));
+  EXPECT_TRUE(ran) << "in the turn that had begun";
 }
 
 }  // namespace

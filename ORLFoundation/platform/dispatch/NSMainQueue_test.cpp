@@ -11,6 +11,8 @@
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <tests/support/ProcessorTime.h>
 
 #include <atomic>
 #include <chrono>
@@ -289,6 +291,91 @@ TEST(NSMainQueueThread, LeavesWhatItDidNotRun) {
   }
   pumpAll();
   EXPECT_TRUE(ran);
+}
+
+TEST_F(NSMainQueue, WhatAnItemHeldMayPostWhenItGoes) {
+  bool wasInside = false;
+  std::shared_ptr<void> last(nullptr, [&](std::nullptr_t) {
+    wasInside = dispatch_queue_get_label(nullptr) == dispatch_queue_get_label(mainQueue());
+    dispatch_async(mainQueue(), note(1));
+  });
+  dispatch_async(mainQueue(), [last] {});
+  last = nullptr;
+  pumpAll();
+  EXPECT_TRUE(wasInside);
+  EXPECT_THAT(order_, ElementsAre(1));
+}
+
+TEST(Loop, LosesNoWakeAmongManyForNothing) {
+  internal::dispatch::Loop loop;
+  std::atomic<bool> hasWork{false};
+  std::atomic<bool> isOver{false};
+  std::thread waking([&] {
+    while (!isOver) loop.wake();
+  });
+  std::thread adding([&] {
+    while (!isOver) {
+      hasWork = true;
+      loop.wake();
+      while (hasWork && !isOver) std::this_thread::yield();
+    }
+  });
+  bool isLate = false;
+  for (const auto end = steady_clock::now() + milliseconds(100); steady_clock::now() < end;) {
+    loop.clearWake();
+    if (hasWork.exchange(false)) continue;
+    pollfd wake{loop.wakeDescriptor(), POLLIN, 0};
+    isLate = ::poll(&wake, 1, 5000) == 0 || isLate;
+  }
+  EXPECT_FALSE(isLate);
+  isOver = true;
+  waking.join();
+  adding.join();
+}
+
+TEST_F(NSMainQueue, LosesNoStopThatComesWhileItBegins) {
+  bool isLate = false;
+  const auto limit = NSTimer::scheduledTimerWithTimeInterval(15, true, [&](NSTimer&) {
+    isLate = true;
+    stopMainQueue();
+  });
+  std::atomic<int> round{0};
+  std::atomic<bool> isOver{false};
+  std::thread stopping([&] {
+    for (int i = 1;; ++i) {
+      while (round < i) {
+        if (isOver) return;
+        std::this_thread::yield();
+      }
+      for (int pause = i % 97; pause > 0; --pause) static_cast<void>(round.load());
+      stopMainQueue();
+    }
+  });
+  for (const auto end = steady_clock::now() + milliseconds(60); steady_clock::now() < end;) {
+    ++round;
+    runMainQueue();
+  }
+  isOver = true;
+  stopping.join();
+  EXPECT_FALSE(isLate);
+  limit->invalidate();
+}
+
+TEST(NSMainQueueThread, LosesNoEndThatComesWhileItServes) {
+  pumpAll();
+  bool isLate = false;
+  const auto limit =
+      NSTimer::scheduledTimerWithTimeInterval(15, true, [&](NSTimer&) { isLate = true; });
+  constexpr int kRounds = static_cast<int>(1000 / orlftest::kSlowdown);
+  for (int i = 0; i < kRounds; ++i) {
+    const NSMainQueueThread thread;
+    dispatch_async(mainQueue(), [] {});
+    const auto end = steady_clock::now() + std::chrono::nanoseconds(i % 250 * 100);
+    while (steady_clock::now() < end) {
+    }
+  }
+  EXPECT_FALSE(isLate);
+  limit->invalidate();
 }
 
 }  // namespace

@@ -102,10 +102,12 @@ std::optional<std::string> NSRunLoop::currentMode() const {
 
 bool NSRunLoop::runUntil(const std::string& mode, std::int64_t until) {
   const bool isMain = state_->loop == mainLoop();
-  if (!isMain && state_->loop->isIdle(mode)) return false;
+  const auto hasMore = [&] { return isMain || !state_->loop->isIdle(mode); };
+  if (!hasMore()) return false;
   std::optional<ServingMain> serving;
   if (isMain) serving.emplace();
-  while (!state_->loop->runOnce(mode, {.at = until}) && NSMonotonicClock::now() < until) {
+  const internal::dispatch::Deadline deadline{.at = until, .isForMore = !isMain};
+  while (!state_->loop->runOnce(mode, deadline) && NSMonotonicClock::now() < until && hasMore()) {
   }
   return true;
 }

@@ -99,7 +99,8 @@ class NSRunLoop final : public NSObject {
   [[nodiscard]] std::optional<std::string> currentMode() const;
 
   /// `runMode:beforeDate:`  Runs what is ready; when nothing is, waits until something has run, or
-  /// until the date. Answers false at once where there is nothing to wait for in the mode.
+  /// until the date or until nothing is left to wait for. Answers false at once where there is
+  /// nothing to wait for in the mode.
   bool runMode(const std::string& mode, NSDate beforeDate);
   /// `runUntilDate:`  Runs in the default mode until the date, or until there is nothing to wait
   /// for.

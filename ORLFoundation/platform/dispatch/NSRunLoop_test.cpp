@@ -338,5 +338,52 @@ TEST(NSRunLoopOnTheSystemsClock, WaitsForADescriptor) {
   }).join();
 }
 
+/// Runs a loop without an end on a thread of its own, while what it waits for is taken away on
+/// this one; it ends then.
+void runWhileItsOnlySourceGoes(bool isTimer) {
+  const Pipe pipe;
+  std::atomic<bool> isThere = false;
+  std::shared_ptr<NSTimer> timer;
+  std::shared_ptr<NSRunLoopDescriptor> descriptor;
+  std::thread running([&] {
+    const auto loop = NSRunLoop::currentRunLoop();
+    if (isTimer) {
+      timer = NSTimer::scheduledTimerWithTimeInterval(1000, true, {});
+    } else {
+      descriptor = loop->addDescriptor(pipe.ends[0], NSRunLoopDescriptorRead, NSDefaultRunLoopMode,
+                                       [](short) {});
+    }
+    isThere = true;
+    loop->run();
+  });
+  while (!isThere) std::this_thread::yield();
+  isTimer ? timer->invalidate() : descriptor->invalidate();
+  running.join();
+}
+
+TEST(NSRunLoopOnTheSystemsClock, EndsWhenAnotherThreadTakesItsLastSourceAway) {
+  for (int i = 0; i < 200; ++i) runWhileItsOnlySourceGoes(i % 2 == 0);
+}
+
+TEST(NSRunLoopOnTheSystemsClock, LooksAtATimerThatGetsItsModeWhileItWaits) {
+  bool fired = false;
+  std::shared_ptr<NSRunLoop> loop;
+  std::shared_ptr<NSTimer> timer;
+  std::atomic<bool> isThere = false;
+  std::thread running([&] {
+    loop = NSRunLoop::currentRunLoop();
+    timer = NSTimer::timerWithTimeInterval(0.03, false, [&](NSTimer&) { fired = true; });
+    loop->addTimer(timer, "other");
+    const auto keep = NSTimer::scheduledTimerWithTimeInterval(100, false, {});
+    isThere = true;
+    EXPECT_TRUE(loop->runMode(NSDefaultRunLoopMode, inSeconds(15)));
+  });
+  while (!isThere) std::this_thread::yield();
+  std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  loop->addTimer(timer, NSDefaultRunLoopMode);
+  running.join();
+  EXPECT_TRUE(fired);
+}
+
 }  // namespace
 }  // namespace ORLFoundation

@@ -105,27 +105,42 @@ void NSTimer::addToLoop(const std::shared_ptr<Loop>& loop, const std::string& mo
 }
 
 void NSTimer::fireOnLoop() {
-  std::int64_t due = 0;
+  /// The next beat comes also when the call throws.
+  struct Beat {
+    ~Beat() {
+      const State& state = *timer.state_;
+      const std::lock_guard guard(state.lock);
+      if (!state.isValid || state.due != due) return;  // The call may have set another date.
+      timer.state_->due = nextBeat(state.due, state.span, NSMonotonicClock::now());
+      if (const auto loop = state.loop.lock()) loop->schedule(timer.call(), state.due);
+    }
+    NSTimer& timer;
+    std::int64_t due = 0;
+  } beat{.timer = *this};
   {
     const std::lock_guard guard(state_->lock);
-    due = state_->due;
+    beat.due = state_->due;
   }
   fire();
-  const std::lock_guard guard(state_->lock);
-  if (!state_->isValid || state_->due != due) return;  // The call may have set another date.
-  state_->due = nextBeat(state_->due, state_->span, NSMonotonicClock::now());
-  if (const auto loop = state_->loop.lock()) loop->schedule(call(), state_->due);
 }
 
 void NSTimer::fire() {
+  const auto held = weak_from_this().lock();  // The call may let go of the last that holds it.
+  /// The only call was made also when it throws.
+  struct Done {
+    ~Done() {
+      if (!timer.state_->repeats) timer.invalidate();
+    }
+    NSTimer& timer;
+  };
   std::shared_ptr<const NSTimerBlock> block;
   {
     const std::lock_guard guard(state_->lock);
     if (!state_->isValid) return;
     block = state_->block;
   }
+  const Done done{*this};
   if (*block) (*block)(*this);
-  if (!state_->repeats) invalidate();
 }
 
 void NSTimer::invalidate() {

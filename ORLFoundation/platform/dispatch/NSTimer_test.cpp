@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <stdexcept>
 #include <thread>
 #include <vector>
 
@@ -269,6 +270,47 @@ TEST(NSTimerOnTheSystemsClock, FiresNotBeforeItsTime) {
   while (!fired && NSMonotonicClock::now() - begun < 20'000 * kMillisecond) pumpMainQueue(1);
   EXPECT_TRUE(fired);
   EXPECT_GE(NSMonotonicClock::now() - begun, 10 * kMillisecond);
+}
+
+TEST_F(NSTimerTest, KeepsItsBeatAndItsEndWhenItsCallThrows) {
+  const auto repeating = add(0.01, true, [](NSTimer&) { throw std::runtime_error("no"); });
+  loop_.stayBusy(25 * kMillisecond);
+  EXPECT_THROW(pumpMainQueue(0), std::runtime_error);
+  EXPECT_THAT(loop_.timers(), ElementsAre(30 * kMillisecond));
+  repeating->invalidate();
+  const auto once = add(0.01, false, [](NSTimer&) { throw std::runtime_error("no"); });
+  loop_.stayBusy(10 * kMillisecond);
+  EXPECT_THROW(pumpMainQueue(0), std::runtime_error);
+  EXPECT_FALSE(once->isValid());
+  EXPECT_THAT(loop_.timers(), IsEmpty());
+}
+
+TEST_F(NSTimerTest, MayBeLetGoOfInItsCallByHand) {
+  std::shared_ptr<NSTimer> timer;
+  timer = NSTimer::timerWithTimeInterval(10, false, [&](NSTimer&) { timer = nullptr; });
+  NSTimer& fired = *timer;
+  fired.fire();
+  EXPECT_EQ(timer, nullptr);
+}
+
+TEST_F(NSTimerTest, GoesToAnotherLoopWhenItsFirstIsGone) {
+  std::shared_ptr<NSTimer> timer;
+  // Due at one instant, each the first of its loop.
+  std::thread([&] {
+    timer = NSTimer::scheduledTimerWithTimeInterval(0.01, false, noting());
+  }).join();
+  std::thread([&] {
+    const auto first = NSTimer::scheduledTimerWithTimeInterval(0.01, false, noting());
+    const auto loop = NSRunLoop::currentRunLoop();
+    loop->addTimer(timer, "other");
+    loop_.clock().advance(0.01);
+    loop->runMode(NSDefaultRunLoopMode, NSDate::date());
+    EXPECT_FALSE(first->isValid());
+    EXPECT_TRUE(timer->isValid()) << "the modes of the first loop went with it";
+    loop->runMode("other", NSDate::date());
+    EXPECT_FALSE(timer->isValid());
+  }).join();
+  EXPECT_EQ(fired_.size(), 2U);
 }
 
 }  // namespace

@@ -72,6 +72,12 @@ Level levelOf(std::int64_t qualityOfService) {
   return row == kGlobalQueues.end() ? Level::standard : row->level;
 }
 
+bool isWithin(const internal::dispatch::QueueFrame* frame, const Queue* queue) noexcept {
+  for (; frame != nullptr; frame = frame->outer)
+    if (frame->queue == queue || isWithin(frame->own, queue)) return true;
+  return false;
+}
+
 void check(const dispatch_queue_t& queue, bool hasBlock) {
   if (!queue || !hasBlock) ORLFFatalError("work for a queue that is nil", __FILE__, __LINE__);
 }
@@ -95,14 +101,10 @@ namespace internal::dispatch {
 
 const QueueFrame* innermostFrame() noexcept { return innermost; }
 
-bool isWithinQueue(const Queue* queue) noexcept {
-  const QueueFrame* frame = innermost;
-  while (frame != nullptr && frame->queue != queue) frame = frame->outer;
-  return frame != nullptr;
-}
+bool isWithinQueue(const Queue* queue) noexcept { return isWithin(innermost, queue); }
 
 InQueue::InQueue(const Queue* queue, const QueueFrame* outer) noexcept
-    : frame_{queue, outer}, before_(innermost) {
+    : frame_{queue, outer, outer != innermost ? innermost : nullptr}, before_(innermost) {
   innermost = &frame_;
 }
 

@@ -254,6 +254,18 @@ TEST_F(dispatch_queueDeathTest, EnteringAQueueThatAWaitingThreadIsInIsFatal) {
   EXPECT_DEATH(enter(), "dispatch_sync called on a queue that the caller is in");
 }
 
+TEST_F(dispatch_queueDeathTest, EnteringAQueueThatTheMainThreadIsInForAnotherIsFatal) {
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  const auto enter = [] {
+    const auto queue = dispatch_queue_create("serial", DISPATCH_QUEUE_SERIAL);
+    dispatch_async(dispatch_get_global_queue(QOS_CLASS_DEFAULT, 0), [&] {
+      dispatch_sync(dispatch_get_main_queue(), [&] { dispatch_sync(queue, [] {}); });
+    });
+    dispatch_sync(queue, [] { pumpMainQueue(20); });
+  };
+  EXPECT_DEATH(enter(), "dispatch_sync called on a queue that the caller is in");
+}
+
 TEST_F(dispatch_queueDeathTest, NilIsFatal) {
   testing::GTEST_FLAG(death_test_style) = "threadsafe";
   const dispatch_queue_t none;

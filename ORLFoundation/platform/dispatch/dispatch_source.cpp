@@ -23,11 +23,11 @@ class Source final : public std::enable_shared_from_this<Source> {
 
   void setEventHandler(dispatch_block_t block) {
     const std::lock_guard guard(lock_);
-    onEvent_ = std::move(block);
+    onEvent_.swap(block);
   }
   void setCancelHandler(dispatch_block_t block) {
     const std::lock_guard guard(lock_);
-    onCancel_ = std::move(block);
+    onCancel_.swap(block);
   }
   [[nodiscard]] std::uint64_t data() const {
     int count = 0;

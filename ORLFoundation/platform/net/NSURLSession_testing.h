@@ -61,6 +61,16 @@ class BesideProcess {
   BesideProcess(const BesideProcess&) = delete;
   BesideProcess& operator=(const BesideProcess&) = delete;
 
+  /// Gives it a line of input; false where it takes none.
+  bool say(const std::string& text) const {
+    const std::string whole = text + "\n";
+    for (std::size_t at = 0; at < whole.size();) {
+      const ssize_t count = ::write(in_, whole.data() + at, whole.size() - at);
+      if (count < 0) return false;
+      at += static_cast<std::size_t>(count);
+    }
+    return true;
+  }
   /// The next line of its output; "" at the end.
   std::string line() const {
     std::string text;

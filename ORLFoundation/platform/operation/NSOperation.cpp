@@ -48,6 +48,7 @@ NSOperation::~NSOperation() {
 void NSOperation::main() {}
 
 void NSOperation::start() {
+  const auto held = weak_from_this().lock();  // The work may let go of the last that holds it.
   {
     const std::lock_guard guard(lock_);
     if (phase() == Phase::executing || phase() == Phase::finished) return;
@@ -112,7 +113,7 @@ std::function<void()> NSOperation::completionBlock() const {
 
 void NSOperation::setCompletionBlock(std::function<void()> block) {
   const std::lock_guard guard(lock_);
-  completion_.swap(block);
+  if (phase() != Phase::finished) completion_.swap(block);
 }
 
 void NSOperation::waitUntilFinished() {

@@ -88,7 +88,7 @@ class NSOperation : public NSObject {
 
   /// `completionBlock`  Runs once, on the thread that finishes the operation, when it has finished
   /// and left its queue and those who wait for it were told; then it is let go of. One that is set
-  /// on a finished operation never runs.
+  /// on a finished operation is let go of at once.
   [[nodiscard]] std::function<void()> completionBlock() const;
   void setCompletionBlock(std::function<void()> block);
 

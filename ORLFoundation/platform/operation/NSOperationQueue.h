@@ -8,7 +8,8 @@
 ///     queue->addOperations({load, show}, true);   // waits for both
 ///
 /// What a queue costs to add to does not grow with what is on it. Operations go on when the queue
-/// object is gone. Everything here is safe on any thread.
+/// object is gone. Trap: what waits on a suspended queue that is let go of stays for ever.
+/// Everything here is safe on any thread.
 #pragma once
 
 #include <ORLFoundation/platform/operation/NSBlockOperation.h>

@@ -1,6 +1,5 @@
 #include <ORLFoundation/platform/operation/NSOperationQueue.h>
 
-#include <ORLFoundation/platform/dispatch/NSMainQueue.h>
 #include <ORLFoundation/platform/dispatch/NSThread.h>
 #include <ORLFoundation/platform/dispatch/dispatch_queue.h>
 #include <ORLFoundation/platform/dispatch/dispatch_semaphore.h>
@@ -11,7 +10,6 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <mutex>
 #include <random>
 #include <string>
 #include <thread>
@@ -20,40 +18,9 @@ namespace ORLFoundation {
 namespace {
 
 using orlftest::blockOperation;
+using orlftest::Gated;
+using orlftest::Notes;
 using Operations = NSOperationQueue::Operations;
-
-/// An operation that runs until it is opened.
-struct Gated {
-  dispatch_semaphore_t gate = dispatch_semaphore_create(0);
-  dispatch_semaphore_t begun = dispatch_semaphore_create(0);
-  std::shared_ptr<NSBlockOperation> operation = blockOperation([gate = gate, begun = begun] {
-    dispatch_semaphore_signal(begun);
-    dispatch_semaphore_wait(gate, DISPATCH_TIME_FOREVER);
-  });
-
-  void waitUntilBegun() const { dispatch_semaphore_wait(begun, DISPATCH_TIME_FOREVER); }
-  void open() const { dispatch_semaphore_signal(gate); }
-};
-
-/// What operations of one test wrote, in order.
-class Notes {
- public:
-  std::shared_ptr<NSBlockOperation> operation(const std::string& name) {
-    return blockOperation([this, name] { write(name); });
-  }
-  void write(const std::string& text) {
-    const std::lock_guard guard(lock_);
-    text_ += text;
-  }
-  [[nodiscard]] std::string text() const {
-    const std::lock_guard guard(lock_);
-    return text_;
-  }
-
- private:
-  mutable std::mutex lock_;
-  std::string text_;
-};
 
 TEST(NSOperationQueue, RunsAnOperationOnAnotherThreadOnce) {
   const auto queue = std::make_shared<NSOperationQueue>();
@@ -215,122 +182,6 @@ TEST(NSOperationQueue, ACompletionBlockThatBlocksHoldsUpNobody) {
   EXPECT_TRUE(next->isFinished());
 }
 
-TEST(NSOperationQueue, ALimitOfOneKeepsTheOrderOfAddition) {
-  const auto queue = std::make_shared<NSOperationQueue>();
-  queue->setMaxConcurrentOperationCount(1);
-  EXPECT_EQ(queue->maxConcurrentOperationCount(), 1);
-  Notes notes;
-  std::string expected;
-  for (int i = 0; i < 500; ++i) {
-    queue->addOperation(notes.operation(std::to_string(i) + " "));
-    expected += std::to_string(i) + " ";
-  }
-  queue->waitUntilAllOperationsAreFinished();
-  EXPECT_EQ(notes.text(), expected);
-}
-
-TEST(NSOperationQueue, NeverRunsMoreThanItsLimitAtATime) {
-  for (const NSInteger limit : {1, 2, 3}) {
-    const auto queue = std::make_shared<NSOperationQueue>();
-    queue->setMaxConcurrentOperationCount(limit);
-    std::atomic<int> running{0};
-    std::atomic<int> most{0};
-    for (int i = 0; i < 200; ++i)
-      queue->addOperationWithBlock([&] {
-        const int now = ++running;
-        int before = most;
-        while (now > before && !most.compare_exchange_weak(before, now)) continue;
-        std::this_thread::yield();
-        --running;
-      });
-    queue->waitUntilAllOperationsAreFinished();
-    EXPECT_LE(most, limit);
-    EXPECT_GE(most, 1);
-  }
-}
-
-TEST(NSOperationQueue, ALimitOfNoneAndALimitThatIsRaised) {
-  const auto queue = std::make_shared<NSOperationQueue>();
-  EXPECT_EQ(queue->maxConcurrentOperationCount(),
-            NSOperationQueueDefaultMaxConcurrentOperationCount);
-  queue->setMaxConcurrentOperationCount(0);
-  const Gated first;
-  const Gated second;
-  queue->addOperations({first.operation, second.operation}, false);
-  EXPECT_NE(dispatch_semaphore_wait(first.begun, DISPATCH_TIME_NOW), 0);
-  queue->setMaxConcurrentOperationCount(1);
-  first.waitUntilBegun();
-  EXPECT_FALSE(second.operation->isExecuting());
-  queue->setMaxConcurrentOperationCount(-7);
-  EXPECT_EQ(queue->maxConcurrentOperationCount(), -1);
-  second.waitUntilBegun();
-  first.open();
-  second.open();
-  queue->waitUntilAllOperationsAreFinished();
-}
-
-TEST(NSOperationQueue, ASuspendedQueueTakesOperationsAndBeginsNone) {
-  const auto queue = std::make_shared<NSOperationQueue>();
-  const Gated running;
-  queue->addOperation(running.operation);
-  running.waitUntilBegun();
-  queue->setSuspended(true);
-  EXPECT_TRUE(queue->isSuspended());
-  const Gated held;
-  queue->addOperation(held.operation);
-  running.open();
-  running.operation->waitUntilFinished();
-  EXPECT_EQ(queue->operations(), Operations{held.operation});
-  EXPECT_NE(dispatch_semaphore_wait(held.begun, DISPATCH_TIME_NOW), 0);
-  queue->setSuspended(false);
-  held.waitUntilBegun();
-  held.open();
-  queue->waitUntilAllOperationsAreFinished();
-}
-
-TEST(NSOperationQueue, TheMostUrgentOfThoseThatCouldBeginGoesFirst) {
-  const std::pair<std::int64_t, const char*> levels[] = {
-      {NSQualityOfServiceUserInteractive, "A"}, {NSQualityOfServiceUserInitiated, "B"},
-      {NSQualityOfServiceDefault, "C"},         {12345, "C"},
-      {NSQualityOfServiceUtility, "D"},         {NSQualityOfServiceBackground, "E"}};
-  std::mt19937 random(7);
-  for (int round = 0; round < 20; ++round) {
-    const auto queue = std::make_shared<NSOperationQueue>();
-    queue->setMaxConcurrentOperationCount(1);
-    queue->setSuspended(true);
-    Notes notes;
-    for (int i = 0; i < 60; ++i) {
-      const auto& [quality, name] = levels[random() % std::size(levels)];
-      const auto operation = notes.operation(name);
-      operation->setQualityOfService(static_cast<NSQualityOfService>(quality));
-      queue->addOperation(operation);
-    }
-    queue->setSuspended(false);
-    queue->waitUntilAllOperationsAreFinished();
-    const std::string order = notes.text();
-    EXPECT_EQ(order.size(), 60U);
-    EXPECT_TRUE(std::ranges::is_sorted(order)) << order;
-  }
-}
-
-TEST(NSOperationQueue, GivesItsQualityOfServiceToOperationsWithoutOne) {
-  const auto queue = std::make_shared<NSOperationQueue>();
-  EXPECT_EQ(queue->qualityOfService(), NSQualityOfServiceDefault);
-  queue->setMaxConcurrentOperationCount(1);
-  queue->setQualityOfService(NSQualityOfServiceBackground);
-  EXPECT_EQ(queue->qualityOfService(), NSQualityOfServiceBackground);
-  queue->setSuspended(true);
-  Notes notes;
-  queue->addOperation(notes.operation("2"));
-  const auto urgent = notes.operation("1");
-  urgent->setQualityOfService(NSQualityOfServiceUtility);
-  EXPECT_EQ(urgent->qualityOfService(), NSQualityOfServiceUtility);
-  queue->addOperation(urgent);
-  queue->setSuspended(false);
-  queue->waitUntilAllOperationsAreFinished();
-  EXPECT_EQ(notes.text(), "12");
-}
-
 TEST(NSOperationQueue, RefusesAnOperationThatWasAddedOrHasBegun) {
   const auto queue = std::make_shared<NSOperationQueue>();
   queue->setSuspended(true);
@@ -407,26 +258,6 @@ TEST(NSOperationQueue, TellsAnOperationItsQueue) {
   gone.open();
   asking->waitUntilFinished();
   EXPECT_EQ(afterInner, nullptr);
-}
-
-TEST(NSOperationQueue, TheMainQueueRunsOneATimeOnTheMainThread) {
-  const auto& queue = NSOperationQueue::mainQueue();
-  queue->setMaxConcurrentOperationCount(4);
-  EXPECT_EQ(queue->maxConcurrentOperationCount(), 1);
-  Notes notes;
-  bool isInside = false;
-  for (const char* name : {"1", "2", "3"})
-    queue->addOperationWithBlock([&, name] {
-      EXPECT_TRUE(NSThread::isMainThread());
-      EXPECT_EQ(NSOperationQueue::currentQueue(), queue);
-      EXPECT_FALSE(std::exchange(isInside, true));
-      notes.write(name);
-      pumpMainQueue(0);
-      isInside = false;
-    });
-  EXPECT_EQ(notes.text(), "");
-  while (queue->operationCount() > 0) pumpMainQueue(1);
-  EXPECT_EQ(notes.text(), "123");
 }
 
 TEST(NSOperationQueue, OperationsMayAddToTheirQueueFromManyThreads) {

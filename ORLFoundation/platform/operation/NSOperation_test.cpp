@@ -173,8 +173,21 @@ TEST(NSOperation, LetsGoOfItsBlocksWhenTheyHaveRun) {
 TEST(NSOperation, ACompletionBlockThatIsSetAfterwardsNeverRuns) {
   const auto operation = blockOperation();
   operation->start();
-  operation->setCompletionBlock([] { ADD_FAILURE() << "ran"; });
+  operation->setCompletionBlock([operation] { ADD_FAILURE() << operation->description(); });
+  EXPECT_FALSE(operation->completionBlock());
+  EXPECT_EQ(operation.use_count(), 1) << "it holds itself no longer";
   operation->start();
+}
+
+TEST(NSOperation, ItsWorkMayLetGoOfTheLastThatHoldsIt) {
+  std::shared_ptr<NSBlockOperation> operation;
+  bool completed = false;
+  operation = blockOperation([&] { operation = nullptr; });
+  operation->setCompletionBlock([&] { completed = true; });
+  NSOperation& started = *operation;
+  started.start();
+  EXPECT_EQ(operation, nullptr);
+  EXPECT_TRUE(completed);
 }
 
 TEST(NSOperation, AnEmptyBlockDoesNothing) {

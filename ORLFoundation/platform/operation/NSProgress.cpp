@@ -25,7 +25,9 @@ std::int64_t NSProgress::totalUnitCount() const {
   return own_.total;
 }
 
+// An equal count changes nothing in the tree and tells nobody.
 void NSProgress::setTotalUnitCount(std::int64_t value) {
+  if (totalUnitCount() == value) return;
   ProgressChange(*this, [this, value] { setOwn({own_.completed, value}); }).make();
 }
 
@@ -35,6 +37,7 @@ std::int64_t NSProgress::completedUnitCount() const {
 }
 
 void NSProgress::setCompletedUnitCount(std::int64_t value) {
+  if (completedUnitCount() == value) return;
   ProgressChange(*this, [this, value] { own_.completed = value; }).make();
 }
 

@@ -5,6 +5,7 @@
 #include <ORLFoundation/tasks/operations/internal/LateBarriers.h>
 
 #include <algorithm>
+#include <typeinfo>
 #include <utility>
 
 namespace ORLFoundation {
@@ -16,6 +17,8 @@ namespace {
 constexpr const char* kLabel = "com.orlsoftware.foundation.ORLFOperationQueue";
 
 const ORLFSingleInstanceOperation* singleInstance(const NSOperation& operation) {
+  if (typeid(operation) == typeid(NSBlockOperation))
+    return nullptr;  // The commonest, told at once.
   return dynamic_cast<const ORLFSingleInstanceOperation*>(&operation);
 }
 
@@ -43,13 +46,14 @@ void ORLFOperationQueue::addOperation(std::shared_ptr<NSOperation> operation) {
     _ORLFDebugLog("ENQUEUING OPERATION: %@ (queue: %@)", operation, receiverOrReference());
     loggedSince = NSMonotonicClock::now();
   }
-  replaceOlderInstances(*operation);
+  const auto* const instance = singleInstance(*operation);
+  replaceOlderInstances(instance);
   wrapCompletion(operation, loggedSince);
   Operations held;
   dispatch_sync(internalDispatchQueue_, [&] {
     dependOnBarriers(*operation, held);
     NSOperationQueue::addOperation(operation);
-    remember(operation);
+    remember(operation, instance != nullptr);
   });
 }
 
@@ -57,14 +61,14 @@ void ORLFOperationQueue::addOperations(Operations operations, bool waitUntilFini
   std::erase(operations, nullptr);
   if (operations.empty()) return;
   for (const auto& each : operations) {
-    replaceOlderInstances(*each);
+    replaceOlderInstances(singleInstance(*each));
     wrapCompletion(each, std::nullopt);
   }
   Operations held;
   dispatch_sync(internalDispatchQueue_, [&] {
     for (const auto& each : operations) dependOnBarriers(*each, held);
     NSOperationQueue::addOperations(operations, false);
-    for (const auto& each : operations) remember(each);
+    for (const auto& each : operations) remember(each, singleInstance(*each) != nullptr);
     if (!waitUntilFinished) return;
     for (const auto& each : operations) each->waitUntilFinished();
   });
@@ -121,7 +125,7 @@ void ORLFOperationQueue::pauseQueueWithBlock(std::function<void()> block) {
     held = operations();
     for (const auto& each : held) fence->addDependency(each);
     NSOperationQueue::addOperation(fence);
-    remember(fence);
+    remember(fence, false);
   });
 }
 
@@ -147,9 +151,8 @@ void ORLFOperationQueue::dependOnBarriers(NSOperation& operation, Operations& he
   hasBarriers_ = !barriers_.empty();
 }
 
-void ORLFOperationQueue::replaceOlderInstances(const NSOperation& operation) {
-  if (const auto* const instance = singleInstance(operation))
-    cancelOperationForSingleInstanceID(instance->enqueuedSingleInstanceID());
+void ORLFOperationQueue::replaceOlderInstances(const ORLFSingleInstanceOperation* instance) {
+  if (instance) cancelOperationForSingleInstanceID(instance->enqueuedSingleInstanceID());
 }
 
 /// The wrapper holds the operation weakly and the queue strongly.
@@ -183,8 +186,9 @@ void ORLFOperationQueue::complete(std::function<void()> block) {
 }
 
 /// Within internalDispatchQueue_.
-void ORLFOperationQueue::remember(const std::shared_ptr<NSOperation>& operation) {
-  if (singleInstance(*operation)) {
+void ORLFOperationQueue::remember(const std::shared_ptr<NSOperation>& operation,
+                                  bool isSingleInstance) {
+  if (isSingleInstance) {
     // Those that have gone leave the list before it has doubled, also when nobody looks through it.
     if (singleInstances_.size() >= 2 * instancesAtLastLook_ + 16) forgetGoneInstances();
     singleInstances_.emplace_back(operation);

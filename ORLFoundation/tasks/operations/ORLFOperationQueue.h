@@ -93,11 +93,11 @@ class ORLFOperationQueue : public NSOperationQueue {
   [[nodiscard]] std::string className() const override { return "ORLFOperationQueue"; }
 
  private:
-  void replaceOlderInstances(const NSOperation& operation);
+  void replaceOlderInstances(const ORLFSingleInstanceOperation* instance);
   void wrapCompletion(const std::shared_ptr<NSOperation>& operation,
                       std::optional<std::int64_t> loggedSince);
   void complete(std::function<void()> block);
-  void remember(const std::shared_ptr<NSOperation>& operation);
+  void remember(const std::shared_ptr<NSOperation>& operation, bool isSingleInstance);
   void dependOnBarriers(NSOperation& operation, Operations& held);
   void lookForLateBarriers(Operations& held);
   [[nodiscard]] Operations unfinishedInstances();

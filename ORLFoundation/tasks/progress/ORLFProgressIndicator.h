@@ -129,7 +129,6 @@ class ORLFProgressIndicator : public NSObject, public ORLFProgressObservation {
 
  private:
   [[nodiscard]] std::shared_ptr<ORLFProgressIndicator> self() const;
-  void tellDelegate();
 
   std::atomic<bool> visible_{false};
   std::atomic<bool> indeterminate_{false};

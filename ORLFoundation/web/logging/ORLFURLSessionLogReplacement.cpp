@@ -26,10 +26,10 @@ std::shared_ptr<ORLFURLSessionLogReplacement> ORLFURLSessionLogReplacement::init
 
 std::shared_ptr<ORLFURLSessionLogReplacement> ORLFURLSessionLogReplacement::initWithJSONFieldName(
     std::string_view fieldName, std::string_view replacementValue) {
-  const std::string pattern =
-      "(\"" + NSRegularExpression::escapedPatternForString(fieldName) + R"("\s*?:\s*?)([^,\]\}]*))";
+  const std::string pattern = R"((")" + NSRegularExpression::escapedPatternForString(fieldName) +
+                              R"("\s*?:\s*?)([^,\]\}]*))";
   std::string replacement =
-      "$1\"" + NSRegularExpression::escapedTemplateForString(replacementValue) + "\"";
+      R"($1")" + NSRegularExpression::escapedTemplateForString(replacementValue) + R"(")";
   return std::make_shared<ORLFURLSessionLogReplacement>(
       NSRegularExpression::initWithPattern(pattern, 0), std::move(replacement),
       std::make_unique<JSONFieldMask>(fieldName, replacementValue));

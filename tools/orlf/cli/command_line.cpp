@@ -91,6 +91,13 @@ void Options::list(const std::string& name, std::vector<std::string>& values,
       ->delimiter(',');
 }
 
+void Options::each(const std::string& name, std::vector<std::string>& values,
+                   const std::string& help) {
+  add(parser_, name, help, intoList(values))
+      ->expected(1, CLI::detail::expected_max_vector_size)
+      ->allow_extra_args(false);
+}
+
 void Options::requiredList(const std::string& name, std::vector<std::string>& values,
                            const std::string& help) {
   add(parser_, name, help, intoList(values))

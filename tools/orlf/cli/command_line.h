@@ -39,6 +39,8 @@ class Options {
   void required(const std::string& name, std::string& value, const std::string& help);
   /// As many texts as are given, with blanks or commas between them.
   void list(const std::string& name, std::vector<std::string>& values, const std::string& help);
+  /// One text each time that the option is given, whatever stands in it.
+  void each(const std::string& name, std::vector<std::string>& values, const std::string& help);
   /// At least one text, with blanks between them.
   void requiredList(const std::string& name, std::vector<std::string>& values,
                     const std::string& help);

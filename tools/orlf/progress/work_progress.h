@@ -30,6 +30,10 @@ class WorkProgress {
   WorkProgress(const WorkProgress&) = delete;
   WorkProgress& operator=(const WorkProgress&) = delete;
 
+  /// For work that reports to it by itself; null where nothing is shown.
+  [[nodiscard]] const std::shared_ptr<ORLFoundation::ORLFProgressItem>& item() const noexcept {
+    return item_;
+  }
   /// So much has been done of it. Any thread.
   void update(double done) const;
 

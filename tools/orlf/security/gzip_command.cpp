@@ -19,7 +19,7 @@ namespace {
 
 using namespace ORLFoundation;
 
-constexpr std::size_t kMostBytes = std::size_t{1} << 30;
+constexpr std::size_t kMostDecompressedBytes = std::size_t{1} << 30;
 constexpr int kBestLevel = 9;
 
 struct GzipArguments {
@@ -40,7 +40,7 @@ NSData compressed(const std::string& name, const NSData& data,
 }
 
 NSData decompressed(const std::string& name, const NSData& data) {
-  if (const auto bytes = gunzippedData(data, kMostBytes)) return *bytes;
+  if (const auto bytes = gunzippedData(data, kMostDecompressedBytes)) return *bytes;
   throw JobFailure(name + ": it is no gzip file, is damaged or cut off, or holds more than 1 GB");
 }
 

@@ -19,7 +19,7 @@ namespace {
 
 using ORLFoundation::internal::base::WipedBytes;
 
-constexpr std::size_t kMostBytes = std::size_t{64} << 10;
+constexpr std::size_t kMostSecretBytes = std::size_t{64} << 10;
 
 class OpenFile {
  public:
@@ -112,7 +112,7 @@ WipedBytes readBytes(int file, const std::string& name, const HeldSignals* signa
     if (count < 0) failure = std::strerror(errno);
     if (count <= 0) break;
     bytes.insert(bytes.end(), piece.begin(), piece.begin() + count);
-    if (bytes.size() > kMostBytes) failure = "expected a password, got more than 64 KB";
+    if (bytes.size() > kMostSecretBytes) failure = "expected a password, got more than 64 KB";
     if (isLine && bytes.back() == '\n') break;
   }
   explicit_bzero(piece.data(), piece.size());

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <system_error>
 #include <thread>
 
 namespace ORLFoundation::internal::dispatch {
@@ -38,13 +39,21 @@ void Keeper::watch(const std::shared_ptr<Watch>& watch) {
 
 void Keeper::unwatch(const std::shared_ptr<Watch>& watch) { loop_.unwatch(watch); }
 
-void Keeper::lookAfter(WorkerPool& pool) {
+bool Keeper::lookAfter(WorkerPool& pool) {
   {
     const std::lock_guard guard(lock_);
     pools_.push_back(&pool);
   }
-  start();
+  try {
+    start();
+  } catch (const std::system_error&) {
+    const std::lock_guard guard(lock_);
+    std::erase(pools_, &pool);
+    return false;
+  }
+  hasNews_ = 1;
   loop_.wake();
+  return true;
 }
 
 bool Keeper::isRunning() const {
@@ -57,23 +66,31 @@ void Keeper::stop() {
     const std::lock_guard guard(lock_);
     isStopped_ = true;
   }
+  hasNews_ = 1;
   loop_.wake();
 }
 
 void Keeper::start() {
   const std::lock_guard guard(lock_);
   if (isRunning_ || isStopped_) return;
-  isRunning_ = true;
   std::thread([this] { serve(); }).detach();
+  isRunning_ = true;
+}
+
+/// With nothing but calls and descriptors to mind, only these end the wait.
+Deadline Keeper::nextLook(bool isLooking) const {
+  if (!isLooking && !loop_.isIdle(kDefaultMode)) return {.isForMore = true, .end = &hasNews_};
+  const std::int64_t span = isLooking ? kLookNanoseconds : kIdleNanoseconds;
+  return {.at = laterBy(realNow(), span), .isReal = true, .end = &hasNews_};
 }
 
 void Keeper::serve() {
   ::pthread_setname_np(::pthread_self(), "orlf-keeper");
   std::int64_t idleSince = realNow();
   while (true) {
+    hasNews_ = 0;  // First: what comes from here on is seen or ends the wait.
     const bool isLooking = lookAfterPools();
-    const std::int64_t span = isLooking ? kLookNanoseconds : kIdleNanoseconds;
-    const bool ran = loop_.runOnce(kDefaultMode, {.at = laterBy(realNow(), span), .isReal = true});
+    const bool ran = loop_.runOnce(kDefaultMode, nextLook(isLooking));
     if (ran || isLooking) idleSince = realNow();
     if (realNow() - idleSince >= kIdleNanoseconds && mayEnd()) return;
     const std::lock_guard guard(lock_);

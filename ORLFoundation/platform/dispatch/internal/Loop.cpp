@@ -70,13 +70,21 @@ Loop::~Loop() {
     const std::lock_guard guard(registry().lock);
     std::erase(registry().loops, this);
   }
+  // Whoever holds a call may put it on another loop.
+  for (const auto& [key, call] : timed_) {
+    call->sequence = 0;
+    call->modes.clear();
+  }
   ::close(wakeDescriptor_);
 }
 
 void Loop::wake() {
-  if (isWoken_.exchange(true)) return;
+  if (isWoken_) return;
+  const std::lock_guard guard(wakeLock_);
+  if (isWoken_) return;
   const std::uint64_t one = 1;
   static_cast<void>(!::write(wakeDescriptor_, &one, sizeof one));
+  isWoken_ = true;
 }
 
 void Loop::wakeAll() {
@@ -85,7 +93,9 @@ void Loop::wakeAll() {
 }
 
 void Loop::clearWake() {
-  if (!isWoken_.exchange(false)) return;
+  if (!isWoken_) return;
+  const std::lock_guard guard(wakeLock_);
+  isWoken_ = false;
   std::uint64_t count = 0;
   static_cast<void>(!::read(wakeDescriptor_, &count, sizeof count));
 }
@@ -120,16 +130,25 @@ void Loop::schedule(const std::shared_ptr<TimedCall>& call, std::int64_t due) {
 }
 
 bool Loop::cancel(const std::shared_ptr<TimedCall>& call) {
-  const std::lock_guard guard(lock_);
-  if (call->sequence == 0) return false;
-  timed_.erase({call->due, call->sequence});
-  call->sequence = 0;
+  {
+    const std::lock_guard guard(lock_);
+    if (call->sequence == 0) return false;
+    timed_.erase({call->due, call->sequence});
+    call->sequence = 0;
+    if (!timed_.empty()) return true;
+  }
+  wake();
   return true;
 }
 
 void Loop::addMode(const std::shared_ptr<TimedCall>& call, std::string_view mode) {
-  const std::lock_guard guard(lock_);
-  call->modes.emplace_back(mode);
+  {
+    const std::lock_guard guard(lock_);
+    if (isIn(call->modes, mode)) return;
+    call->modes.emplace_back(mode);
+    if (call->sequence == 0) return;
+  }
+  wake();
 }
 
 std::vector<std::int64_t> Loop::dueTimes(TimedKind kind) const {
@@ -275,7 +294,7 @@ bool Loop::runItems(std::string_view mode) {
   bool ran = false;
   // Those that items add wait for the next turn, and a loop within an item may take some.
   for (std::size_t left = items_.size(); left > 0 && !items_.empty(); --left) {
-    const std::function<void()> item = std::move(items_.front());
+    std::function<void()> item = std::move(items_.front());
     items_.pop_front();
     guard.unlock();
     ran = true;
@@ -283,6 +302,7 @@ bool Loop::runItems(std::string_view mode) {
     {
       const InQueue inside(queue_);
       item();
+      item = nullptr;  // Without the lock: what it held may post when it goes.
     }
     guard.lock();
   }
@@ -365,7 +385,9 @@ bool Loop::runOnce(std::string_view mode, Deadline deadline) {
   bool ran = runDue(mode);
   ran = runPerforms(mode) || ran;
   ran = runItems(mode) || ran;
-  const bool mayWait = !ran && !hasReady(mode);
+  const bool isEnded =
+      (deadline.end != nullptr && *deadline.end != 0) || (deadline.isForMore && isIdle(mode));
+  const bool mayWait = !ran && !isEnded && !hasReady(mode);
   return serveDescriptors(mode, deadline, mayWait) || ran;
 }
 

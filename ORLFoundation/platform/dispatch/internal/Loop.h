@@ -70,6 +70,11 @@ struct Deadline {
   std::int64_t at = kNever;
   /// By the system's clock even when another one is in use.
   bool isReal = false;
+  /// There is no wait when nothing but items can ever happen.
+  bool isForMore = false;
+  /// There is no wait while it is other than 0: looked at behind the clearing of the wake, so that
+  /// who sets it and then wakes is never missed.
+  const std::atomic<int>* end = nullptr;
 };
 
 class Loop {
@@ -89,7 +94,7 @@ class Loop {
   void schedule(const std::shared_ptr<TimedCall>& call, std::int64_t due);
   /// Answers false when the call was not on the loop: it has run, runs, or was cancelled.
   bool cancel(const std::shared_ptr<TimedCall>& call);
-  /// Adds a mode to a call.
+  /// Adds a mode to a call, unless it has it.
   void addMode(const std::shared_ptr<TimedCall>& call, std::string_view mode);
   /// The instants of the calls of a kind, in order.
   [[nodiscard]] std::vector<std::int64_t> dueTimes(TimedKind kind) const;
@@ -119,7 +124,8 @@ class Loop {
   bool runItems(std::string_view mode);
   /// The mode in which the loop runs, the innermost one; empty when it does not. For its thread.
   [[nodiscard]] std::string_view currentMode() const noexcept;
-  /// Whether nothing can ever happen in the mode but items.
+  /// Whether nothing can ever happen in the mode but items. A loop that waits is woken when it may
+  /// have become so.
   [[nodiscard]] bool isIdle(std::string_view mode) const;
   /// Whether an item, a perform or a due call is ready now.
   [[nodiscard]] bool hasReady(std::string_view mode) const;
@@ -135,7 +141,8 @@ class Loop {
   bool setBridged(bool isBridged) noexcept { return isBridged_.exchange(isBridged) != isBridged; }
   [[nodiscard]] bool isBridged() const noexcept { return isBridged_; }
 
-  /// Readable after `wake` until `clearWake`, with which each turn begins.
+  /// Readable after `wake` until `clearWake`, with which each turn begins. What was added before a
+  /// wake that finds the loop woken already is seen by the turn that clears it.
   [[nodiscard]] int wakeDescriptor() const noexcept { return wakeDescriptor_; }
   void clearWake();
   /// The descriptors that are watched in a mode, with their events.
@@ -164,6 +171,7 @@ class Loop {
   Modes commonModes_{std::string(kDefaultMode)};
   std::uint64_t sequence_ = 0;
   std::atomic<const Queue*> queue_{nullptr};
+  std::mutex wakeLock_;  // of the descriptor and the flag together
   std::atomic<bool> isWoken_{false};
   std::atomic<bool> isBridged_{false};
   int wakeDescriptor_ = -1;

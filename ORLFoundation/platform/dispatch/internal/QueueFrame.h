@@ -9,11 +9,14 @@ class Queue;
 struct QueueFrame {
   const Queue* queue;
   const QueueFrame* outer;
+  /// The thread's own frame before this one, where `outer` is another thread's.
+  const QueueFrame* own;
 };
 
 /// The calling thread's innermost frame, null outside of all queues.
 [[nodiscard]] const QueueFrame* innermostFrame() noexcept;
-/// Whether an item of the queue is under way on this thread, or on one that waits for it.
+/// Whether an item of the queue is under way on this thread, or on one that waits for it, so that
+/// entering the queue would wait for ever.
 [[nodiscard]] bool isWithinQueue(const Queue* queue) noexcept;
 
 /// The thread is in a queue while this lives.

@@ -2,6 +2,7 @@
 #include <ORLFoundation/platform/dispatch/internal/WorkerPool.h>
 
 #include <ORLFoundation/platform/dispatch/internal/Keeper.h>
+#include <ORLFoundation/platform/log/ORLFFatalError.h>
 #include <fcntl.h>
 #include <pthread.h>
 #include <unistd.h>
@@ -11,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -19,6 +21,20 @@ namespace {
 
 /// How long the process's end waits for work that runs.
 constexpr std::chrono::milliseconds kLastWait{50};
+/// Looks at which no work waits before they end: to begin with them anew costs more than a look.
+constexpr int kMostQuietLooks = 10;
+/// How often a worker looks for work, for some microseconds, before it sleeps. To wake it takes as
+/// long.
+constexpr int kMostGlances = 200;
+
+/// Some ten nanoseconds that leave the processor's other half its units.
+void rest() noexcept {
+#if defined(__x86_64__) || defined(__i386__)
+  __builtin_ia32_pause();
+#elif defined(__aarch64__)
+  asm volatile("yield");
+#endif
+}
 
 /// Whether the kernel neither runs the thread nor would if a processor were free. A thread that
 /// cannot be asked counts as blocked.
@@ -60,18 +76,24 @@ void WorkerPool::submit(Level level, Work* work) {
     ++readyCount_;
     noteFirst();
     if (isStopped_) return;
+    if (isWatched_ && readyCount_ == 1) return;  // Who watches takes it.
     if (!idle_.empty()) {
       told = std::move(idle_.back());
       idle_.pop_back();
       told->isTold = true;
-    } else if (workers_.size() < limits_.width) {
-      startThread();
-    } else {
+    } else if (workers_.size() >= limits_.width || !startThread()) {
       isToBeLookedAfter = beginsToNeedLooks();
     }
   }
   if (told) told->hasNews.notify_one();
-  if (isToBeLookedAfter) Keeper::shared().lookAfter(*this);
+  if (isToBeLookedAfter) haveItLookedAfter();
+}
+
+void WorkerPool::haveItLookedAfter() {
+  if (Keeper::shared().lookAfter(*this)) return;
+  const std::lock_guard guard(lock_);
+  isLookedAfter_ = false;
+  if (workers_.empty()) ORLFFatalError("no thread can be made for queues", __FILE__, __LINE__);
 }
 
 std::size_t WorkerPool::threadCount() const {
@@ -88,16 +110,23 @@ bool WorkerPool::beginsToNeedLooks() {
 
 bool WorkerPool::needsLooks() {
   const std::lock_guard guard(lock_);
-  isLookedAfter_ = readyCount_ > 0 && !isStopped_;
-  if (!isLookedAfter_) surplus_ = 0;
+  quietLooks_ = readyCount_ > 0 ? 0 : quietLooks_ + 1;
+  if (readyCount_ == 0) surplus_ = 0;
+  isLookedAfter_ = quietLooks_ < kMostQuietLooks && !isStopped_;
+  if (!isLookedAfter_) quietLooks_ = 0;
   return isLookedAfter_;
 }
 
-/// With lock_ held.
-void WorkerPool::startThread() {
+/// With lock_ held. Answers false when the system has no thread.
+bool WorkerPool::startThread() {
   const auto worker = std::make_shared<Worker>();
+  try {
+    std::thread([this, worker] { serve(worker); }).detach();
+  } catch (const std::system_error&) {
+    return false;
+  }
   workers_.push_back(worker);
-  std::thread([this, worker] { serve(worker); }).detach();
+  return true;
 }
 
 /// With lock_ held.
@@ -137,6 +166,16 @@ bool WorkerPool::takeBack(Level level, Work* work) {
   return false;
 }
 
+/// For a moment, one worker at a time.
+void WorkerPool::watchForWork(std::unique_lock<std::mutex>& guard) {
+  if (isWatched_ || limits_.width == 1) return;
+  isWatched_ = true;
+  guard.unlock();
+  for (int left = kMostGlances; left > 0 && !hasMoreUrgentThan(kNoLevel); --left) rest();
+  guard.lock();
+  isWatched_ = false;
+}
+
 /// Answers false when the thread has been idle for long enough.
 bool WorkerPool::waitForWork(std::unique_lock<std::mutex>& guard,
                              const std::shared_ptr<Worker>& self) {
@@ -153,8 +192,9 @@ void WorkerPool::serve(const std::shared_ptr<Worker>& self) {
   std::unique_lock guard(lock_);
   self->thread = ::gettid();
   while (!isStopped_) {
+    if (readyCount_ == 0) watchForWork(guard);
     if (readyCount_ == 0) {
-      if (!waitForWork(guard, self)) break;
+      if (isStopped_ || !waitForWork(guard, self)) break;
       continue;
     }
     Work* const work = take();
@@ -162,7 +202,7 @@ void WorkerPool::serve(const std::shared_ptr<Worker>& self) {
     self->isBusy = true;
     ++self->begun;
     guard.unlock();
-    if (isToBeLookedAfter) Keeper::shared().lookAfter(*this);
+    if (isToBeLookedAfter) haveItLookedAfter();
     work->run(work);
     guard.lock();
     self->isBusy = false;
@@ -193,7 +233,9 @@ void WorkerPool::look() {
   // Twice as many at each look: what blocked so many is likely to block the next ones too.
   const std::size_t wanted = running == 0 ? workers_.size() + 1 : limits_.width - running;
   const std::size_t room = limits_.most - std::min(limits_.most, workers_.size());
-  for (std::size_t left = std::min({wanted, room, readyCount_}); left > 0; --left) startThread();
+  for (std::size_t left = std::min({wanted, room, readyCount_}); left > 0 && startThread();
+       --left) {
+  }
 }
 
 void WorkerPool::stop() {

@@ -1,6 +1,7 @@
 /// The threads behind all queues but the main one. Work of a higher level begins first, work of one
 /// level in order. There are as many threads as processors; where they are all blocked and work
-/// waits, more come within some milliseconds, and those that find nothing to do end.
+/// waits, more come within some milliseconds, and those that find nothing to do end. Where the
+/// system has no more threads, work waits for those that there are.
 #pragma once
 
 #include <array>
@@ -23,6 +24,8 @@ struct Work {
 /// The urgencies, the highest first.
 enum class Level : std::uint8_t { interactive, initiated, standard, utility, background };
 inline constexpr std::size_t kLevelCount = 5;
+/// Less urgent than any.
+inline constexpr Level kNoLevel{kLevelCount};
 
 struct PoolLimits {
   /// Threads that run side by side as long as none is blocked.
@@ -54,7 +57,8 @@ class WorkerPool {
   void stop();
   /// Gives back work that a pool which has stopped will not begin any more; false for any other.
   [[nodiscard]] bool takeBack(Level level, Work* work);
-  /// Whether work waits, so that whoever looks after the pool is to go on doing so.
+  /// Whether work waits, or has a moment ago, so that whoever looks after the pool is to go on
+  /// doing so. To be asked once for each look.
   [[nodiscard]] bool needsLooks();
   /// Adds threads for those that have been blocked since the last look.
   void look();
@@ -74,12 +78,14 @@ class WorkerPool {
   };
 
   void serve(const std::shared_ptr<Worker>& self);
+  void watchForWork(std::unique_lock<std::mutex>& guard);
   [[nodiscard]] bool waitForWork(std::unique_lock<std::mutex>& guard,
                                  const std::shared_ptr<Worker>& self);
   [[nodiscard]] Work* take();
   void noteFirst();
   [[nodiscard]] bool beginsToNeedLooks();
-  void startThread();
+  void haveItLookedAfter();
+  [[nodiscard]] bool startThread();
 
   const PoolLimits limits_;
   mutable std::mutex lock_;
@@ -90,7 +96,9 @@ class WorkerPool {
   std::vector<std::shared_ptr<Worker>> workers_;
   std::vector<std::shared_ptr<Worker>> idle_;  // The last to become idle is the first to work.
   std::size_t surplus_ = 0;                    // Workers that are to end when their work is done.
+  bool isWatched_ = false;                     // A worker without work watches for the next, awake.
   bool isLookedAfter_ = false;
+  int quietLooks_ = 0;  // In a row, at which no work waited.
   bool isStopped_ = false;
 };
 

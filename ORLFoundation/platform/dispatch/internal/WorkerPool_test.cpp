@@ -1,12 +1,14 @@
 
 #include <ORLFoundation/platform/dispatch/internal/WorkerPool.h>
 
+#include <ORLFoundation/platform/dispatch/NSMainQueue_testing.h>
 #include <ORLFoundation/platform/dispatch/dispatch_semaphore_testing.h>
 #include <ORLFoundation/platform/dispatch/internal/Keeper.h>
 #include <ORLFoundation/platform/dispatch/internal/Queue.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <pthread.h>
 #include <tests/support/ProcessorTime.h>
 #include <unistd.h>
 
@@ -14,8 +16,11 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -213,6 +218,21 @@ TEST(WorkerPool, LosesNoWorkOfManyThreads) {
   EXPECT_TRUE(becomes([&] { return ran == 8000; }));
 }
 
+TEST(WorkerPool, AThreadThatWatchesForOneItemHoldsUpNoSecond) {
+  WorkerPool& pool = newPool({.width = 2});
+  const auto queue = concurrent(pool);
+  const auto gate = dispatch_semaphore_create(0);
+  const auto done = dispatch_semaphore_create(0);
+  for (int i = 0; i < 300; ++i) {
+    dispatch_async(queue, [&] {
+      EXPECT_TRUE(comes(gate));
+      dispatch_semaphore_signal(done);
+    });
+    dispatch_async(queue, [&] { dispatch_semaphore_signal(gate); });
+    ASSERT_TRUE(comes(done));
+  }
+}
+
 TEST(WorkerPool, BeginsNothingWhenItHasStopped) {
   WorkerPool& pool = newPool({.width = 2});
   std::atomic<int> ran = 0;
@@ -286,6 +306,95 @@ TEST(Keeper, EndsItsThreadWhenThereIsNothingToMind) {
   EXPECT_TRUE(Keeper::shared().isRunning());
   EXPECT_TRUE(comes(ran));
   EXPECT_TRUE(becomes([] { return !Keeper::shared().isRunning(); }));
+}
+
+/// How often the keeper's thread has gone to sleep; below 0 where it is not there.
+std::int64_t sleepsOfKeeper() {
+  for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+    std::string name;
+    std::getline(std::ifstream(task.path() / "comm"), name);
+    if (name != "orlf-keeper") continue;
+    std::ifstream status(task.path() / "status");
+    for (std::string line; std::getline(status, line);)
+      if (line.starts_with("voluntary_ctxt_switches:")) return std::stoll(line.substr(24));
+  }
+  return -1;
+}
+
+TEST(Keeper, SleepsUntilADelayedItemIsDue) {
+  orlftest::VirtualMainLoop loop;
+  const auto ran = dispatch_semaphore_create(0);
+  dispatch_after(dispatch_time(DISPATCH_TIME_NOW, 3600 * static_cast<std::int64_t>(NSEC_PER_SEC)),
+                 dispatch_get_global_queue(QOS_CLASS_DEFAULT, 0),
+                 [=] { dispatch_semaphore_signal(ran); });
+  std::this_thread::sleep_for(milliseconds(20));
+  const std::int64_t before = sleepsOfKeeper();
+  EXPECT_GE(before, 0);
+  std::this_thread::sleep_for(milliseconds(600));  // Longer than it stays with nothing to mind.
+  EXPECT_EQ(sleepsOfKeeper(), before);
+  EXPECT_TRUE(Keeper::shared().isRunning());
+  loop.clock().advance(3600);
+  EXPECT_TRUE(comes(ran));
+}
+
+/// The system has no more threads for anybody while it lives: no address space holds their stacks.
+class NoThreads {
+ public:
+  NoThreads() {
+    ::pthread_getattr_default_np(&before_);
+    ::pthread_attr_t huge{};
+    ::pthread_attr_init(&huge);
+    ::pthread_attr_setstacksize(&huge, std::size_t{1} << 47U);
+    EXPECT_EQ(::pthread_setattr_default_np(&huge), 0);
+    ::pthread_attr_destroy(&huge);
+    EXPECT_THROW(std::thread([] {}).join(), std::system_error);
+  }
+  ~NoThreads() {
+    ::pthread_setattr_default_np(&before_);
+    ::pthread_attr_destroy(&before_);
+  }
+  NoThreads(const NoThreads&) = delete;
+  NoThreads& operator=(const NoThreads&) = delete;
+
+ private:
+  ::pthread_attr_t before_{};
+};
+
+TEST(WorkerPool, GoesOnWithTheThreadsThatItHasWhereThereAreNoMore) {
+  EXPECT_TRUE(becomes([] { return !Keeper::shared().isRunning(); }));
+  WorkerPool& pool = newPool({.width = 2});
+  const dispatch_queue_t queue = concurrent(pool);
+  const auto begun = dispatch_semaphore_create(0);
+  const auto gate = dispatch_semaphore_create(0);
+  const auto ran = dispatch_semaphore_create(0);
+  dispatch_async(queue, [&] {
+    dispatch_semaphore_signal(begun);
+    EXPECT_TRUE(comes(gate));
+  });
+  EXPECT_TRUE(comes(begun));
+  {
+    const NoThreads none;
+    for (int i = 0; i < 3; ++i) dispatch_async(queue, [&] { dispatch_semaphore_signal(ran); });
+    EXPECT_THROW(dispatch_after(dispatch_time(DISPATCH_TIME_NOW, 1), queue,
+                                [&] { dispatch_semaphore_signal(ran); }),
+                 std::system_error);
+    EXPECT_EQ(pool.threadCount(), 1U);
+    dispatch_semaphore_signal(gate);
+    for (int i = 0; i < 3; ++i) EXPECT_TRUE(comes(ran));
+  }
+  // The delayed item as well, once there is a keeper.
+  dispatch_after(dispatch_time(DISPATCH_TIME_NOW, 1), queue, [] {});
+  EXPECT_TRUE(comes(ran));
+}
+
+TEST(WorkerPoolDeathTest, WithoutAnyThreadAQueueIsFatal) {
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  const auto begin = [] {
+    WorkerPool& pool = newPool({.width = 2});
+    const NoThreads none;
+    dispatch_async(concurrent(pool), [] {});
+  };
+  EXPECT_DEATH(begin(), "no thread can be made for queues");
 }
 
 }  // namespace

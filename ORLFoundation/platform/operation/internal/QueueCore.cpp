@@ -239,10 +239,12 @@ void QueueCore::serve(std::size_t level) {
   }
   NSOperation* operation = nullptr;
   int left = isMain_ ? 1 : kMostInARow;
+  // The main thread is nobody else's: what waits for the others need not go first.
+  const auto mayTake = [&] { return left > 0 && (isMain_ || !moreUrgentThan(level)); };
   while (true) {
     {
       Ending ending;
-      operation = goOn(operation, left > 0 && !moreUrgentThan(level), ending);
+      operation = goOn(operation, mayTake(), ending);
       ending.tellWaiters();
       if (ending.completion) {
         ending.complete();

@@ -6,6 +6,7 @@
 /// urgency is under way that has not begun, so that an operation which blocks holds up no other.
 #pragma once
 
+#include <ORLFoundation/platform/base/BriefLock.h>
 #include <ORLFoundation/platform/dispatch/dispatch_queue.h>
 #include <ORLFoundation/platform/dispatch/dispatch_semaphore.h>
 #include <ORLFoundation/platform/operation/NSOperation.h>
@@ -85,7 +86,7 @@ class QueueCore : public std::enable_shared_from_this<QueueCore> {
   [[nodiscard]] NSOperation* goOn(NSOperation* done, bool mayTake, Ending& ending);
 
   const bool isMain_;
-  mutable std::mutex lock_;
+  mutable base::BriefLock<std::mutex> lock_;
   NSOperation* first_ = nullptr;  // Of those that have not finished, in the order of addition.
   NSOperation* last_ = nullptr;
   std::size_t count_ = 0;

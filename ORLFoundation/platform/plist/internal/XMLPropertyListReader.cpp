@@ -267,7 +267,7 @@ using Parser = std::unique_ptr<xmlParserCtxt, FreeParser>;
 Parser parserInPlace(const base::WipedText& text) {
   Parser parser(xmlNewParserCtxt());
   if (!parser) return parser;
-  const xmlParserInputPtr input =
+  xmlParserInput* const input =
       xmlNewStringInputStream(parser.get(), reinterpret_cast<const xmlChar*>(text.c_str()));
   if (input == nullptr || inputPush(parser.get(), input) < 0) return nullptr;
   return parser;

@@ -38,7 +38,7 @@ std::size_t nextSign(std::string_view text, std::size_t at, bool takesPlus) {
 
 /// The unit of UTF-16 that "\u" and four digits at an index name.
 std::optional<char32_t> unitAt(std::string_view text, std::size_t at) {
-  if (at > text.size() || text.substr(at, 2) != "\\u") return std::nullopt;
+  if (at > text.size() || text.substr(at, 2) != R"(\u)") return std::nullopt;
   const auto high = base::hexByteAt(text, at + 2);
   const auto low = base::hexByteAt(text, at + 4);
   if (!high || !low) return std::nullopt;

@@ -1,0 +1,152 @@
+#include "web/field_mask.h"
+
+#include <ORLFoundation/platform/base/Hexadecimal.h>
+
+#include <algorithm>
+#include <cctype>
+
+namespace orlftool {
+namespace {
+
+constexpr std::string_view kMask = "***";
+constexpr std::string_view kJSONBlanks = " \t\r\n";
+// What ends a field's name, looking back, and what ends its value.
+constexpr std::string_view kBeforeNames = "&?;#= \t\r\n\"'<>{},()";
+constexpr std::string_view kAfterValues = "&#\r\n\"'<>";
+
+std::string lowered(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return text;
+}
+
+int digit(char c) { return ORLFoundation::internal::base::hexDigitValue(c); }
+
+/// Behind the closing quote of the text that begins at a quote; the end where there is none.
+std::size_t endOfJSONText(std::string_view text, std::size_t at) {
+  for (++at; at < text.size(); ++at) {
+    if (text[at] == '"') return at + 1;
+    if (text[at] == '\\') ++at;
+  }
+  return text.size();
+}
+
+std::size_t withoutBlanks(std::string_view text, std::size_t at) {
+  return std::min(text.find_first_not_of(kJSONBlanks, at), text.size());
+}
+
+/// What the inside of a JSON text means; characters beyond ASCII that are escaped are left out.
+std::string meaningOfJSONText(std::string_view inside) {
+  constexpr std::size_t kDigits = 4;
+  std::string meaning;
+  for (std::size_t at = 0; at < inside.size(); ++at) {
+    if (inside[at] != '\\' || at + 1 == inside.size()) {
+      meaning += inside[at];
+    } else if (inside[++at] != 'u') {
+      meaning += inside[at];
+    } else {
+      int code = 0;
+      for (std::size_t i = 1; i <= kDigits && at + i < inside.size(); ++i)
+        code = code * 16 + std::max(digit(inside[at + i]), 0);
+      if (code > 0 && code < 0x80) meaning += static_cast<char>(code);
+      at += kDigits;
+    }
+  }
+  return meaning;
+}
+
+/// Behind the list or object that begins here.
+std::size_t endOfJSONGroup(std::string_view text, std::size_t at) {
+  std::size_t depth = 0;
+  while (at < text.size()) {
+    const char c = text[at];
+    if (c == '"') {
+      at = endOfJSONText(text, at);
+      continue;
+    }
+    ++at;
+    if (c == '{' || c == '[') ++depth;
+    if ((c == '}' || c == ']') && --depth == 0) return at;
+  }
+  return text.size();
+}
+
+std::size_t endOfJSONValue(std::string_view text, std::size_t at) {
+  if (at == text.size()) return at;
+  if (text[at] == '"') return endOfJSONText(text, at);
+  if (text[at] == '{' || text[at] == '[') return endOfJSONGroup(text, at);
+  return std::min(text.find_first_of(",}] \t\r\n", at), text.size());
+}
+
+/// What a name in a form or query means.
+std::string meaningOfFormName(std::string_view name) {
+  std::string meaning;
+  for (std::size_t at = 0; at < name.size(); ++at) {
+    const bool isEscape = name[at] == '%' && at + 2 < name.size() && digit(name[at + 1]) >= 0 &&
+                          digit(name[at + 2]) >= 0;
+    if (isEscape) {
+      meaning += static_cast<char>(digit(name[at + 1]) * 16 + digit(name[at + 2]));
+      at += 2;
+    } else {
+      meaning += name[at] == '+' ? ' ' : name[at];
+    }
+  }
+  return meaning;
+}
+
+}  // namespace
+
+FieldMask::FieldMask(const std::vector<std::string>& names) {
+  for (const std::string& name : names) names_.push_back(lowered(name));
+}
+
+bool FieldMask::isMasked(std::string name) const {
+  const std::string text = lowered(std::move(name));
+  return std::any_of(names_.begin(), names_.end(), [&](const std::string& each) {
+    return text == each || text.ends_with("[" + each + "]");
+  });
+}
+
+std::optional<std::string> FieldMask::process(std::optional<std::string> string) {
+  if (!string) return std::nullopt;
+  return withoutFormValues(withoutJSONValues(*string));
+}
+
+std::string FieldMask::withoutJSONValues(std::string_view text) const {
+  std::string masked;
+  std::size_t kept = 0;
+  for (std::size_t at = text.find('"'); at != std::string_view::npos; at = text.find('"', at)) {
+    const std::size_t end = endOfJSONText(text, at);
+    const std::size_t colon = withoutBlanks(text, end);
+    const bool isName = colon < text.size() && text[colon] == ':' &&
+                        isMasked(meaningOfJSONText(text.substr(at + 1, end - at - 2)));
+    at = end;
+    if (!isName) continue;
+    const std::size_t value = withoutBlanks(text, colon + 1);
+    at = endOfJSONValue(text, value);
+    masked += text.substr(kept, value - kept);
+    masked += "\"" + std::string(kMask) + "\"";
+    kept = at;
+  }
+  return masked + std::string(text.substr(kept));
+}
+
+std::string FieldMask::withoutFormValues(std::string_view text) const {
+  std::string masked;
+  std::size_t kept = 0;
+  for (std::size_t at = text.find('='); at != std::string_view::npos; at = text.find('=', at)) {
+    const std::size_t before =
+        at == 0 ? std::string_view::npos : text.find_last_of(kBeforeNames, at - 1);
+    const std::size_t begin = before == std::string_view::npos ? 0 : before + 1;
+    const bool isName = isMasked(meaningOfFormName(text.substr(begin, at - begin)));
+    ++at;
+    if (!isName) continue;
+    masked += text.substr(kept, at - kept);
+    masked += kMask;
+    at = std::min(text.find_first_of(kAfterValues, at), text.size());
+    kept = at;
+  }
+  return masked + std::string(text.substr(kept));
+}
+
+}  // namespace orlftool

@@ -1,0 +1,59 @@
+#include "web/web_address.h"
+
+#include <ORLFoundation/platform/net/NSURLResponse.h>
+#include <ORLFoundation/platform/object/Id.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <optional>
+
+#include "cli/failure.h"
+#include "cli/message_text.h"
+
+namespace orlftool {
+namespace {
+
+using namespace ORLFoundation;
+
+constexpr std::array kSchemes = {"http", "https", "file", "data"};
+
+std::string lowerScheme(const NSURL& url) {
+  std::string scheme = url.scheme().value_or("");
+  std::transform(scheme.begin(), scheme.end(), scheme.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return scheme;
+}
+
+}  // namespace
+
+NSURL readAddressArgument(const std::string& text) {
+  const auto url = NSURL::URLWithString(text);
+  const std::string scheme = url ? lowerScheme(*url) : "";
+  const bool isKnown = std::find(kSchemes.begin(), kSchemes.end(), scheme) != kSchemes.end();
+  const bool isWeb = scheme.starts_with("http");
+  if (isKnown && (!isWeb || !url->host().value_or("").empty())) return *url;
+  throw UsageFailure(
+      "URL: expected an address such as https://example.com/rates.csv, or of file: or data:");
+}
+
+std::string shownAddress(const NSURL& url) {
+  const std::string scheme = lowerScheme(url);
+  if (scheme == "data") return "data:";
+  std::string text = scheme + "://" + url.host().value_or("");
+  if (const auto port = url.port()) text += ":" + std::to_string(*port);
+  return oneLine(text + std::string(url.percentEncodedPath()));
+}
+
+std::string statusText(NSInteger status) {
+  return "the server answered " + std::to_string(status) + " (" +
+         NSHTTPURLResponse::localizedStringForStatusCode(status) + ")";
+}
+
+std::string failureText(const NSError& error) {
+  if (const auto status = error.userInfo()->objectForKey("statusCode").as<NSInteger>())
+    return statusText(*status);
+  return oneLine(error.localizedDescription());
+}
+
+}  // namespace orlftool
