@@ -23,7 +23,7 @@
 #include <string>
 #include <string_view>
 
-#include "security/secret_input.h"
+#include "io/secret_input.h"
 
 namespace {
 

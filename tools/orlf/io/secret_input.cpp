@@ -1,133 +1,158 @@
 #include "io/secret_input.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
+#include <utility>
 
 #include "cli/failure.h"
+#include "cli/message_text.h"
 
 namespace orlftool {
 namespace {
 
-constexpr std::size_t kMostSecretBytes = 65536;
-/// Ctrl-C as the terminal sends it.
-constexpr char kInterrupt = 3;
+using ORLFoundation::internal::base::WipedBytes;
 
-/// A file that is closed at the end; negative where it cannot be opened.
-class Descriptor {
+constexpr std::size_t kMostSecretBytes = std::size_t{64} << 10;
+
+class OpenFile {
  public:
-  Descriptor(const char* path, int flags) : number_(::open(path, flags | O_CLOEXEC)) {}
-  ~Descriptor() {
-    if (number_ >= 0) ::close(number_);
+  explicit OpenFile(int number) : number_(number) {}
+  ~OpenFile() {
+    if (number_ > STDERR_FILENO) ::close(number_);
   }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  [[nodiscard]] int number() const noexcept { return number_; }
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+  [[nodiscard]] int number() const { return number_; }
 
  private:
-  const int number_;
+  int number_;
 };
 
-/// Reads up to the end, or to the end of a line, into one piece of memory that never moves.
-Secret readBytes(int descriptor, const std::string& name, bool isOneLine) {
-  Secret room(std::string(kMostSecretBytes + 1, '\0'));
-  char* const bytes = const_cast<char*>(room.text().data());
-  std::size_t count = 0;
-  while (count <= kMostSecretBytes) {
-    const ssize_t got =
-        ::read(descriptor, bytes + count, isOneLine ? 1 : kMostSecretBytes + 1 - count);
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) throw JobFailure(name + ": " + std::strerror(errno));
-    if (got == 0) break;
-    count += static_cast<std::size_t>(got);
-    if (isOneLine && (bytes[count - 1] == '\n' || bytes[count - 1] == kInterrupt)) break;
+volatile sig_atomic_t caughtSignal = 0;
+
+/// Has the signals that end or stop a program end the waiting for input instead, for as long as it
+/// lives. What came is sent again when the terminal is as it was.
+class HeldSignals {
+ public:
+  HeldSignals() {
+    caughtSignal = 0;
+    // Held back but while input is waited for: none is missed between two steps.
+    sigset_t held;
+    sigemptyset(&held);
+    for (const int signal : kSignals) sigaddset(&held, signal);
+    ::pthread_sigmask(SIG_BLOCK, &held, &maskBefore_);
+    struct sigaction action {};
+    action.sa_handler = [](int signal) { caughtSignal = signal; };
+    for (std::size_t i = 0; i < kSignals.size(); ++i)
+      ::sigaction(kSignals[i], &action, &before_[i]);
   }
-  if (count > kMostSecretBytes)
-    throw JobFailure(name + ": expected a secret of at most 64 KB, got more");
-  return Secret(std::string(bytes, count));
-}
+  ~HeldSignals() {
+    for (std::size_t i = 0; i < kSignals.size(); ++i)
+      ::sigaction(kSignals[i], &before_[i], nullptr);
+    if (caughtSignal != 0) ::raise(caughtSignal);
+    ::pthread_sigmask(SIG_SETMASK, &maskBefore_, nullptr);
+  }
+  /// Waits until there is something to be read; false where a signal came first.
+  [[nodiscard]] bool waitForInput(int file) const {
+    pollfd polled{file, POLLIN, 0};
+    while (::ppoll(&polled, 1, nullptr, &maskBefore_) < 0)
+      if (errno != EINTR || caughtSignal != 0) return false;
+    return true;
+  }
+  HeldSignals(const HeldSignals&) = delete;
+  HeldSignals& operator=(const HeldSignals&) = delete;
 
-/// Without the line end at its end; not empty.
-Secret withoutLineEnd(const Secret& given, const std::string& name) {
-  std::string_view text = given.text();
-  if (text.ends_with('\n')) text.remove_suffix(1);
-  if (text.ends_with('\r')) text.remove_suffix(1);
-  if (text.empty()) throw JobFailure(name + ": expected a secret, got nothing");
-  return Secret(std::string(text));
-}
+ private:
+  static constexpr std::array kSignals{SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGTSTP};
+  std::array<struct sigaction, kSignals.size()> before_{};
+  sigset_t maskBefore_{};
+};
 
-/// While it lives, the terminal does not show what is typed, and ends the line at Ctrl-C.
+/// A terminal that does not show what is typed, for as long as it lives.
 class SilentTerminal {
  public:
-  explicit SilentTerminal(int descriptor) : descriptor_(descriptor) {
-    if (::tcgetattr(descriptor_, &before_) != 0)
-      throw JobFailure(std::string("the terminal: ") + std::strerror(errno));
+  explicit SilentTerminal(int terminal) : terminal_(terminal) {
+    if (::tcgetattr(terminal_, &before_) != 0) return;
     termios silent = before_;
-    silent.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHONL | ISIG);
-    silent.c_lflag |= ICANON;
-    silent.c_cc[VEOL] = kInterrupt;
-    if (::tcsetattr(descriptor_, TCSAFLUSH, &silent) != 0)
-      throw JobFailure(std::string("the terminal: ") + std::strerror(errno));
+    silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    silent.c_lflag |= ECHONL;
+    isSilent_ = ::tcsetattr(terminal_, TCSAFLUSH, &silent) == 0;
   }
-  ~SilentTerminal() { ::tcsetattr(descriptor_, TCSAFLUSH, &before_); }
+  ~SilentTerminal() {
+    if (isSilent_) ::tcsetattr(terminal_, TCSAFLUSH, &before_);
+  }
   SilentTerminal(const SilentTerminal&) = delete;
   SilentTerminal& operator=(const SilentTerminal&) = delete;
+  [[nodiscard]] bool isSilent() const { return isSilent_; }
 
  private:
-  const int descriptor_;
+  const int terminal_;
   termios before_{};
+  bool isSilent_ = false;
 };
 
-void show(int descriptor, std::string_view text) {
-  if (::write(descriptor, text.data(), text.size()) < 0)
-    throw JobFailure(std::string("the terminal: ") + std::strerror(errno));
+/// Reads to the end, or, of a terminal with its signals, to the end of the first line. No stream is
+/// between that would keep a copy.
+WipedBytes readBytes(int file, const std::string& name, const HeldSignals* signals = nullptr) {
+  WipedBytes bytes;
+  std::array<char, 512> piece{};
+  std::string failure;
+  const bool isLine = signals != nullptr;
+  while (failure.empty()) {
+    if (isLine && !signals->waitForInput(file)) throw JobFailure(name + ": interrupted");
+    const ssize_t count = ::read(file, piece.data(), piece.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) failure = std::strerror(errno);
+    if (count <= 0) break;
+    bytes.insert(bytes.end(), piece.begin(), piece.begin() + count);
+    if (bytes.size() > kMostSecretBytes) failure = "expected a password, got more than 64 KB";
+    if (isLine && bytes.back() == '\n') break;
+  }
+  explicit_bzero(piece.data(), piece.size());
+  if (!failure.empty()) throw JobFailure(name + ": " + failure);
+  if (isLine && bytes.empty()) throw JobFailure(name + ": no password was typed");
+  if (!bytes.empty() && bytes.back() == '\n') bytes.pop_back();
+  if (!bytes.empty() && bytes.back() == '\r') bytes.pop_back();
+  return bytes;
 }
 
-Secret askAtTerminal(std::string_view prompt) {
-  const Descriptor terminal("/dev/tty", O_RDWR);
+WipedBytes ask(int terminal, const std::string& prompt) {
+  const HeldSignals held;
+  const SilentTerminal silent(terminal);
+  if (!silent.isSilent()) throw JobFailure("the terminal cannot be kept from showing the password");
+  const std::string shown = oneLine(prompt);
+  if (::write(terminal, shown.data(), shown.size()) < 0)
+    throw JobFailure(std::string("the terminal cannot be written to: ") + std::strerror(errno));
+  return readBytes(terminal, "the terminal", &held);
+}
+
+Secret askOnTerminal(const SecretRequest& request) {
+  const OpenFile terminal(::open("/dev/tty", O_RDWR | O_CLOEXEC | O_NOCTTY));
   if (terminal.number() < 0)
-    throw UsageFailure(
-        "there is no terminal to ask for the password: give --password-file FILE, or - for the "
-        "standard input");
-  const SilentTerminal silent(terminal.number());
-  show(terminal.number(), std::string(prompt) + ": ");
-  const Secret line = readBytes(terminal.number(), "the terminal", true);
-  show(terminal.number(), "\n");
-  if (line.text().ends_with(kInterrupt)) throw JobFailure("interrupted");
-  return withoutLineEnd(line, "the terminal");
-}
-
-Secret readFile(const std::string& path) {
-  if (path == "-")
-    return withoutLineEnd(readBytes(STDIN_FILENO, "standard input", false), "standard input");
-  const Descriptor file(path.c_str(), O_RDONLY);
-  if (file.number() < 0) throw JobFailure(path + ": " + std::strerror(errno));
-  return withoutLineEnd(readBytes(file.number(), path, false), path);
+    throw UsageFailure(std::string(request.option) +
+                       " FILE is needed, or - for the standard input: there is no terminal to ask");
+  WipedBytes typed = ask(terminal.number(), request.prompt);
+  if (request.isNew && ask(terminal.number(), "Again: ") != typed)
+    throw JobFailure("the two passwords differ");
+  return Secret(std::move(typed));
 }
 
 }  // namespace
 
-void Secret::wipe() noexcept {
-  // Short texts stay in the object itself when it is moved from.
-  text_.resize(text_.capacity());
-  ::explicit_bzero(text_.data(), text_.size());
-  text_.clear();
-}
-
-Secret readSecret(const std::optional<std::string>& path, std::string_view prompt) {
-  return path ? readFile(*path) : askAtTerminal(prompt);
-}
-
-Secret readNewSecret(const std::optional<std::string>& path, std::string_view prompt) {
-  if (path) return readFile(*path);
-  Secret first = askAtTerminal(prompt);
-  const Secret second = askAtTerminal(std::string(prompt) + " again");
-  if (first.text() != second.text()) throw JobFailure("the two passwords differ");
-  return first;
+Secret readSecret(const SecretRequest& request) {
+  if (!request.file) return askOnTerminal(request);
+  if (*request.file == "-") return Secret(readBytes(STDIN_FILENO, "standard input"));
+  const OpenFile file(::open(request.file->c_str(), O_RDONLY | O_CLOEXEC));
+  if (file.number() < 0)
+    throw JobFailure(*request.file + ": cannot be read: " + std::strerror(errno));
+  return Secret(readBytes(file.number(), *request.file));
 }
 
 }  // namespace orlftool

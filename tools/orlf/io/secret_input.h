@@ -1,39 +1,41 @@
-/// Passwords that the tool is given: typed at the terminal without being shown, or from a file, or
-/// from the standard input. Never from an argument, which every user of the machine can see.
-///
-///     const Secret password = readSecret(arguments.passwordFile, "Password");
-///     use(password.text());
+/// Passwords as the tool gets them: from a file, the standard input, or a prompt on the terminal
+/// that shows nothing of them. Never from the command line, which others can see. What was read is
+/// wiped from memory when it goes.
 #pragma once
+
+#include <ORLFoundation/platform/base/Wiped.h>
 
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 
 namespace orlftool {
 
-/// A text whose memory is overwritten when it goes.
 class Secret {
  public:
-  explicit Secret(std::string text) : text_(std::move(text)) {}
-  ~Secret() { wipe(); }
-  Secret(Secret&& other) noexcept : text_(std::move(other.text_)) { other.wipe(); }
-  Secret& operator=(Secret&&) = delete;
+  explicit Secret(ORLFoundation::internal::base::WipedBytes bytes) : bytes_(std::move(bytes)) {}
 
-  [[nodiscard]] std::string_view text() const noexcept { return text_; }
+  [[nodiscard]] std::string_view text() const noexcept { return {bytes_.data(), bytes_.size()}; }
 
  private:
-  void wipe() noexcept;
-
-  std::string text_;
+  ORLFoundation::internal::base::WipedBytes bytes_;
 };
 
-/// The secret in the file at a path, "-" for the standard input: all of it but one line end at its
-/// end. Without a path the user is asked at the terminal, which shows the prompt and not what is
-/// typed, wherever the standard streams lead. Throws JobFailure for a file that cannot be read, an
-/// empty secret, one of more than 64 KB, and Ctrl-C; UsageFailure where there is no terminal.
-[[nodiscard]] Secret readSecret(const std::optional<std::string>& path, std::string_view prompt);
-/// The same for a secret that is new: the user is asked twice. Throws JobFailure for two answers.
-[[nodiscard]] Secret readNewSecret(const std::optional<std::string>& path, std::string_view prompt);
+/// How a command asks for a password.
+struct SecretRequest {
+  /// The option that names a file, "--password-file", for messages.
+  std::string_view option;
+  /// Its value: a path, or "-" for the standard input. Without one the terminal is asked.
+  const std::optional<std::string>& file;
+  /// What the terminal shows, "Password of my.store: ".
+  std::string prompt;
+  /// Whether the terminal asks twice, as for passwords that are to be kept.
+  bool isNew = false;
+};
+
+/// A file's password is all of it but a line end behind it. Throws UsageFailure without a file and
+/// a terminal, JobFailure for what cannot be read, for more than 64 KB and for two words that
+/// differ.
+[[nodiscard]] Secret readSecret(const SecretRequest& request);
 
 }  // namespace orlftool

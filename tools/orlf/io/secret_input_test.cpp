@@ -8,7 +8,9 @@
 #include <tests/support/TemporaryFolder.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "cli/failure.h"
@@ -16,17 +18,21 @@
 namespace {
 
 using orlftool::JobFailure;
-using orlftool::readNewSecret;
 using orlftool::readSecret;
 using orlftool::UsageFailure;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
+orlftool::Secret secretOf(const std::optional<std::string>& file, bool isNew = false) {
+  return readSecret(
+      {.option = "--password-file", .file = file, .prompt = "Password of bank: ", .isNew = isNew});
+}
+
 class SecretInput : public orlftest::TemporaryFolderTest {
  protected:
   [[nodiscard]] std::string secretIn(std::string_view content) const {
-    return std::string(readSecret(write("secret", content), "Password").text());
+    return std::string(secretOf(write("secret", content)).text());
   }
   [[nodiscard]] std::string faultOf(std::string_view content) const {
     try {
@@ -46,21 +52,21 @@ TEST_F(SecretInput, IsAllOfAFileButOneLineEnd) {
   EXPECT_EQ(secretIn("gr\xc3\xbc\xc3\x9f\n"), "gr\xc3\xbc\xc3\x9f");
   EXPECT_EQ(secretIn(std::string_view("a\0b", 3)), std::string("a\0b", 3));
   EXPECT_EQ(secretIn(std::string(65536, 'x')).size(), 65536U);
+  EXPECT_EQ(secretIn(""), "");
+  EXPECT_EQ(secretIn("\r\n"), "");
 }
 
 TEST_F(SecretInput, RefusesWhatIsNoSecret) {
-  EXPECT_THAT(faultOf(""), HasSubstr("expected a secret, got nothing"));
-  EXPECT_THAT(faultOf("\n"), HasSubstr("expected a secret, got nothing"));
-  EXPECT_THAT(faultOf("\r\n"), HasSubstr("expected a secret, got nothing"));
-  EXPECT_THAT(faultOf(std::string(65537, 'x')), HasSubstr("at most 64 KB"));
-  EXPECT_THROW(static_cast<void>(readSecret(path("missing"), "Password")), JobFailure);
-  EXPECT_THROW(static_cast<void>(readSecret(folder_.string(), "Password")), JobFailure);
+  EXPECT_THAT(faultOf(std::string(65537, 'x')), HasSubstr("got more than 64 KB"));
+  EXPECT_THROW(static_cast<void>(secretOf(path("missing"))), JobFailure);
+  EXPECT_THROW(static_cast<void>(secretOf(folder_.string())), JobFailure);
 }
 
 /// What one of both functions does in a process whose terminal is a new one: what it gave or why it
 /// failed, and all that the terminal showed.
 struct Session {
   std::string given, shown;
+  int status = -1;  // of the process
   bool showedTyping = true;
   bool showsTypingAfterwards = false;
 };
@@ -104,7 +110,7 @@ Session atTerminal(const std::vector<std::string>& typed,
     session.shown.append(piece.data(), static_cast<std::size_t>(more));
   ::close(ends[0]);
   ::close(terminal);
-  ::waitpid(child, nullptr, 0);
+  ::waitpid(child, &session.status, 0);
   return session;
 }
 
@@ -117,9 +123,8 @@ std::string outcome(const std::function<orlftool::Secret()>& read) {
 }
 
 TEST_F(SecretInput, IsTypedWithoutBeingShown) {
-  const Session session = atTerminal({"s3cr3t word\n"}, [] {
-    return outcome([] { return readSecret(std::nullopt, "Password of bank"); });
-  });
+  const Session session =
+      atTerminal({"s3cr3t word\n"}, [] { return outcome([] { return secretOf(std::nullopt); }); });
   EXPECT_EQ(session.given, "s3cr3t word");
   EXPECT_THAT(session.shown, StartsWith("Password of bank: |"));
   EXPECT_THAT(session.shown, Not(HasSubstr("s3cr3t")));
@@ -128,23 +133,22 @@ TEST_F(SecretInput, IsTypedWithoutBeingShown) {
 }
 
 TEST_F(SecretInput, IsAskedForTwiceWhenItIsNew) {
-  const auto work = [] { return outcome([] { return readNewSecret(std::nullopt, "Password"); }); };
+  const auto work = [] { return outcome([] { return secretOf(std::nullopt, true); }); };
   const Session same = atTerminal({"one\n", "one\n"}, work);
   EXPECT_EQ(same.given, "one");
-  EXPECT_THAT(same.shown, HasSubstr("Password again: "));
+  EXPECT_THAT(same.shown, HasSubstr("Again: "));
   EXPECT_EQ(atTerminal({"one\n", "two\n"}, work).given, "failed: the two passwords differ");
 }
 
 TEST_F(SecretInput, EndsAtCtrlCWithTheTerminalAsItWas) {
-  const Session session = atTerminal(
-      {"s3c\x03"}, [] { return outcome([] { return readSecret(std::nullopt, "Password"); }); });
-  EXPECT_EQ(session.given, "failed: interrupted");
+  const auto work = [] { return outcome([] { return secretOf(std::nullopt); }); };
+  const Session session = atTerminal({"s3c\x03"}, work);
+  EXPECT_EQ(session.given, "");
+  EXPECT_TRUE(WIFSIGNALED(session.status));
+  EXPECT_EQ(WTERMSIG(session.status), SIGINT);
   EXPECT_TRUE(session.showsTypingAfterwards);
-  EXPECT_THAT(
-      atTerminal({"\n"},
-                 [] { return outcome([] { return readSecret(std::nullopt, "Password"); }); })
-          .given,
-      HasSubstr("got nothing"));
+  EXPECT_THAT(atTerminal({"\x04"}, work).given, HasSubstr("no password was typed"));
+  EXPECT_EQ(atTerminal({"\n"}, work).given, "");
 }
 
 TEST_F(SecretInput, SaysWhatToDoWithoutATerminal) {
@@ -152,7 +156,7 @@ TEST_F(SecretInput, SaysWhatToDoWithoutATerminal) {
   if (child == 0) {
     ::setsid();  // no terminal any more
     try {
-      static_cast<void>(readSecret(std::nullopt, "Password"));
+      static_cast<void>(secretOf(std::nullopt));
     } catch (const UsageFailure& failure) {
       ::_exit(std::string(failure.what()).find("--password-file") != std::string::npos ? 0 : 2);
     }

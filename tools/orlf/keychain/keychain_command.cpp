@@ -75,14 +75,18 @@ void getPassword(Session& session, const KeychainArguments& arguments) {
     check(answer);
     throw JobFailure("the item holds data that is no text");
   }
-  const Secret password(*found);
+  const Secret password(ORLFoundation::internal::base::WipedBytes(found->begin(), found->end()));
   if (!session.options.json) session.out << password.text() << '\n';
   printAnswer(session, "found in", answer, {{"password", std::string(password.text())}});
 }
 
 void setPassword(Session& session, const KeychainArguments& arguments) {
   const auto url = urlOf(arguments);
-  const Secret password = readNewSecret(arguments.passwordFile, "Password");
+  const Secret password = readSecret({.option = "--password-file",
+                                      .file = arguments.passwordFile,
+                                      .prompt = "Password: ",
+                                      .isNew = true});
+  if (password.text().empty()) throw JobFailure("expected a password, got nothing");
   ORLFKeychainAnswer answer;
   const bool isDone =
       arguments.isWeb ? ORLFKeychainAccess::updateWebPassword(password.text(), arguments.account,

@@ -12,8 +12,8 @@
 #include "cli/message_text.h"
 #include "commands.h"
 #include "files/file_argument.h"
+#include "io/secret_input.h"
 #include "security/archive_task.h"
-#include "security/secret_input.h"
 #include "session.h"
 
 namespace orlftool {

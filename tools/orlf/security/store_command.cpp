@@ -1,3 +1,4 @@
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/keychain/SecItemStore.h>
 #include <ORLFoundation/security/keychain/ORLFKeychainAccess.h>
 #include <ORLFoundation/security/store/ORLFEncryptedStore.h>
@@ -17,7 +18,8 @@
 #include "cli/table.h"
 #include "commands.h"
 #include "files/file_argument.h"
-#include "security/secret_input.h"
+#include "io/secret_input.h"
+#include "keychain/lasting_keychain.h"
 #include "security/store_entries.h"
 #include "session.h"
 
@@ -135,10 +137,31 @@ void listStore(Session& session, const StoreArguments& arguments) {
   table.print(session.out);
 }
 
+/// While it lives, the desktop's keychain is asked, where this tool has it and no other is in use.
+class UsualKeychain {
+ public:
+  UsualKeychain() {
+    const auto usual = SecItemStoreNamed(kUsualKeychain);
+    if (usual && !SecCurrentItemStore()->backend().isLasting)
+      inUse_.emplace(&SecSetItemStore, usual);
+  }
+
+ private:
+  std::optional<const Replaced<std::shared_ptr<SecItemStore>>> inUse_;
+};
+
+/// Throws JobFailure where there is no keychain that keeps passwords for good.
+void requireLastingKeychain() {
+  const SecItemBackend backend = SecCurrentItemStore()->backend();
+  if (!backend.isLasting)
+    throw JobFailure("--keychain: there is no keychain that lasts: " + backend.description());
+}
+
 void getPassword(Session& session, const StoreArguments& arguments) {
   const StoreEntry entry = entryNamed(arguments, checkedFile(arguments));
   auto password = entry.parts->objectForKey("password").as<std::string>();
   if (!password && entry.isInKeychain()) {
+    const UsualKeychain keychain;
     ORLFKeychainAnswer answer;
     password = ORLFKeychainAccess::findGenericPasswordForKey(entry.user, entry.service, &answer);
     if (!password)
@@ -152,13 +175,6 @@ void getPassword(Session& session, const StoreArguments& arguments) {
   else
     session.out << *password << '\n';
   explicit_bzero(password->data(), password->size());
-}
-
-/// Throws JobFailure where there is no keychain that keeps passwords for good.
-void requireLastingKeychain() {
-  const SecItemBackend backend = SecCurrentItemStore()->backend();
-  if (!backend.isLasting)
-    throw JobFailure("--keychain: there is no keychain that lasts: " + backend.description());
 }
 
 void changePassword(const StoreArguments& arguments, const CheckedFile& file,
@@ -179,7 +195,11 @@ void changePassword(const StoreArguments& arguments, const CheckedFile& file,
 void setPassword(Session& session, const StoreArguments& arguments) {
   if (arguments.passwordFile == "-" && arguments.valueFile == "-")
     throw UsageFailure("--password-file and --value-file: the standard input holds one password");
-  if (arguments.keychain) requireLastingKeychain();
+  std::optional<UsualKeychain> keychain;
+  if (arguments.keychain) {
+    keychain.emplace();
+    requireLastingKeychain();
+  }
   const CheckedFile file = checkedFile(arguments);
   const Secret value = readSecret({.option = "--value-file",
                                    .file = arguments.valueFile,
