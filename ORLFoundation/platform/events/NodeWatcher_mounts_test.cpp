@@ -137,7 +137,8 @@ TEST(MountsOfTable, AreTheNumbersAtTheBeginningsOfLines) {
   pollfd table{watcher.mountTable().descriptor(), POLLPRI, 0};
   if (::poll(&table, 1, -1) != 1) std::_Exit(1);
   watcher.pump();
-  const bool isTold = node.flags() == kNodeRevoke && around.flags() == 0;
+  // Other tests may write into the folder around it.
+  const bool isTold = node.flags() == kNodeRevoke && (around.flags() & kNodeRevoke) == 0;
   std::filesystem::remove_all(place);
   std::_Exit(isHindered && isQuiet && isTold ? 0 : 1);
 }
