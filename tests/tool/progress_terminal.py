@@ -41,7 +41,7 @@ class Run:
             os.setsid()
             fcntl.ioctl(2, termios.TIOCSCTTY, 0)
 
-        process = subprocess.Popen(
+        self.process = process = subprocess.Popen(
             [ORLF, *arguments], stdin=slave, stderr=slave,
             stdout=slave if output_too else subprocess.PIPE, preexec_fn=take_terminal,
             env={**os.environ, "TERM": term})
@@ -114,6 +114,16 @@ def interrupt(run, master):
     os.write(master, b"\x03")
 
 
+def slow_down(run, _):
+    """Lets a program run for a fifth of the time, so that it takes long on any machine."""
+    end = time.monotonic() + DEADLINE
+    while run.process.poll() is None and time.monotonic() < end:
+        run.process.send_signal(signal.SIGSTOP)
+        time.sleep(0.08)
+        run.process.send_signal(signal.SIGCONT)
+        time.sleep(0.02)
+
+
 def piped(*arguments):
     return subprocess.run([ORLF, "progress-demo", "--seconds", "2.2", *arguments],
                           capture_output=True, check=True)
@@ -146,7 +156,7 @@ def long_mirror(folder):
     open(first, "w").close()
     for name in range(1, MIRRORED):
         os.link(first, os.path.join(source, "many", str(name)))
-    return Run("mirror", source, destination, columns=100)
+    return Run("mirror", source, destination, columns=100, act=slow_down)
 
 
 MIRRORED = 20000

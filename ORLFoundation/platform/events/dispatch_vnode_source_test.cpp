@@ -73,6 +73,7 @@ TEST_F(DispatchVNodeSourceTest, JoinsTheFlagsThatCameWhileItsQueueWasBusy) {
     fs::permissions(path("file"), fs::perms::owner_all);
     NodeWatcher::shared()->pump();
     fs::rename(path("file"), path("moved"));
+    NodeWatcher::shared()->pump();
   });
   EXPECT_THAT(words(),
               ElementsAre(DISPATCH_VNODE_WRITE | DISPATCH_VNODE_ATTRIB | DISPATCH_VNODE_RENAME));
