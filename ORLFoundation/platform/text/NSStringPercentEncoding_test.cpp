@@ -15,10 +15,10 @@ TEST(NSStringPercentEncoding, TellsEveryCharacterOfAQuery) {
         << static_cast<unsigned>(c);
 }
 
-struct EncodingCase {
+struct EscapeCase {
   std::string_view name, plain, encoded;
 };
-const EncodingCase kEncodings[] = {
+const EscapeCase kEncodings[] = {
     {"Nothing", "", ""},
     {"Allowed", "aZ09-._~!$&'()*+,;=:@/?", "aZ09-._~!$&'()*+,;=:@/?"},
     {"Escaped", "a b%\"<>#[]", "a%20b%25%22%3C%3E%23%5B%5D"},
@@ -28,7 +28,7 @@ const EncodingCase kEncodings[] = {
 
 TEST(NSStringPercentEncoding, EscapesAndResolves) {
   const NSCharacterSet& allowed = *URLQueryAllowedCharacterSet();
-  for (const EncodingCase& row : kEncodings) {
+  for (const EscapeCase& row : kEncodings) {
     EXPECT_EQ(stringByAddingPercentEncodingWithAllowedCharacters(row.plain, allowed), row.encoded)
         << row.name;
     EXPECT_EQ(stringByRemovingPercentEncoding(row.encoded), row.plain) << row.name;
