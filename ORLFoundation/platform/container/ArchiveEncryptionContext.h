@@ -28,10 +28,12 @@ struct SealedPrologue;
 class ArchiveEncryptionContext {
  public:
   /// The forms of the container that are made and read here, by their numbers.
+  // NOLINTBEGIN(bugprone-reserved-identifier): the names are the platform's.
   enum class Profile : std::uint32_t {
     hkdf_sha256_aesctr_hmac__symmetric__none = 1,
     hkdf_sha256_aesctr_hmac__scrypt__none = 5,
   };
+  // NOLINTEND(bugprone-reserved-identifier)
   /// What each segment's bytes are checked by once more.
   enum class Checksum : std::uint8_t { none = 0, murmurHash64 = 1, sha256 = 2 };
 

@@ -36,7 +36,9 @@ class ArchiveHeader {
       return {letters_.data(), letters_.size()};
     }
     friend bool operator==(const FieldKey&, const FieldKey&) = default;
-    friend auto operator<=>(const FieldKey&, const FieldKey&) = default;
+    friend bool operator<(const FieldKey& left, const FieldKey& right) {
+      return left.letters_ < right.letters_;
+    }
 
    private:
     FieldKey() = default;

@@ -22,7 +22,7 @@ std::unique_ptr<Piece> spareOrNew(std::vector<std::unique_ptr<Piece>>& spare) {
 }  // namespace
 
 std::size_t mostPiecesOf(std::size_t bytes) {
-  return std::clamp<std::size_t>(kMostAtHand / (2 * bytes), 1, 2 * threadsForWork());
+  return std::clamp<std::size_t>(kMostAtHand / (2 * bytes), 1, std::size_t{2} * threadsForWork());
 }
 
 BlockWriter::BlockWriter(ArchiveCompression compression, ArchiveByteStream& to,

@@ -16,8 +16,8 @@ namespace ORLFoundation::internal::container {
 
 class FolderExtraction final : public ArchiveStream {
  public:
-  FolderExtraction(files::HeldFolder folder, const ExtractionOptions& options)
-      : folder_(std::move(folder)), options_(options) {}
+  FolderExtraction(files::HeldFolder folder, ExtractionOptions options)
+      : folder_(std::move(folder)), options_(std::move(options)) {}
 
   void writeHeader(const ArchiveHeader& header) override;
   void writeBlob(ArchiveHeader::FieldKey key, std::span<const std::uint8_t> from) override;
