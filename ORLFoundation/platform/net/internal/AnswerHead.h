@@ -13,7 +13,7 @@ namespace ORLFoundation::internal::net {
 class AnswerHead {
  public:
   /// The most bytes of all heads of an exchange, those of interim answers among them.
-  static constexpr std::size_t kMostBytes = 256 * 1024;
+  static constexpr std::size_t kMostBytes = std::size_t{256} * 1024;
 
   /// Takes a line with its end. false where there are too many bytes.
   [[nodiscard]] bool take(std::string_view line);

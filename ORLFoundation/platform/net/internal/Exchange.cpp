@@ -13,9 +13,9 @@ namespace {
 using std::chrono::steady_clock;
 
 /// A redirect's body is read, so that its connection can be used again, unless it is longer.
-constexpr std::size_t kMostSkipped = 256 * 1024;
+constexpr std::size_t kMostSkipped = std::size_t{256} * 1024;
 /// What libcurl reads from a socket at a time.
-constexpr long kBufferSize = 64 * 1024;
+constexpr long kBufferSize = long{64} * 1024;
 /// libcurl's own limit on connecting, beyond every other.
 constexpr long kConnectTimeout = 7L * 24 * 60 * 60 * 1000;
 
@@ -124,7 +124,12 @@ void Exchange::setUpFields() {
     // The jar's cookies and the request's own go in one field.
     if (!NSHTTPFieldNameOrder()(name, "Cookie") && !NSHTTPFieldNameOrder()("Cookie", name))
       continue;
-    addField(value.empty() ? name + ";" : name + ": " + value);
+    std::string field = name;
+    if (value.empty())
+      field += ';';
+    else
+      field.append(": ").append(value);
+    addField(field);
   }
   const auto cookies = fieldOf(hop_.fields, "Cookie");
   curl_easy_setopt(handle_, CURLOPT_COOKIE, cookies ? cookies->c_str() : nullptr);

@@ -15,7 +15,7 @@
 namespace ORLFoundation::internal::net {
 namespace {
 
-constexpr std::size_t kPiece = 256 * 1024;
+constexpr std::size_t kPiece = std::size_t{256} * 1024;
 
 }  // namespace
 

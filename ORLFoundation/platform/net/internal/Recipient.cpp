@@ -11,7 +11,7 @@ namespace ORLFoundation::internal::net {
 namespace {
 
 /// How many bytes may wait for a delegate before the server has to.
-constexpr std::int64_t kMostUndelivered = 4 * 1024 * 1024;
+constexpr std::int64_t kMostUndelivered = std::int64_t{4} * 1024 * 1024;
 
 /// Calls back once; when it was never called, as its last copy goes, with the cancelling answer.
 class Answer {
