@@ -118,11 +118,11 @@ NSDecimalResult NSDecimalAccumulator::sum(NSRoundingMode mode) const {
   if (isNaN_) return {NSDecimal::notANumber()};
   if (sums_.empty()) return {};
   cpp_int sum = 0;
-  int exponent = sums_.rbegin()->first;
-  for (auto each = sums_.rbegin(); each != sums_.rend(); ++each) {
-    if (!sum.is_zero()) sum *= powerOfTenWithoutEnd(exponent - each->first);
-    exponent = each->first;
-    sum += wholeOf(each->second);
+  int exponent = sums_.begin()->first;
+  for (const auto& [lower, words] : sums_) {
+    if (!sum.is_zero()) sum *= powerOfTenWithoutEnd(exponent - lower);
+    exponent = lower;
+    sum += wholeOf(words);
   }
   return roundedSum(sum, exponent, mode);
 }

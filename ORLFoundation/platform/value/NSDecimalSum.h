@@ -16,6 +16,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <span>
 
@@ -44,7 +45,7 @@ class NSDecimalAccumulator {
 
   void addLongProduct(const NSDecimal& left, const NSDecimal& right, Words& words);
 
-  std::map<int, Words> sums_;  // by exponent
+  std::map<int, Words, std::greater<>> sums_;  // by exponent, the largest first
   bool isNaN_ = false;
 };
 

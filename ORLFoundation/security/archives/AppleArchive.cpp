@@ -71,7 +71,7 @@ CooperativeTask<> backgroundTask(Work work, AppleArchiveOptions options) {
 
 /// The password in memory that is wiped at the end; the text is wiped at once.
 NSData secretOf(std::string& password) {
-  const NSData secret = NSData::dataWipedAtRelease({password.begin(), password.end()});
+  NSData secret = NSData::dataWipedAtRelease({password.begin(), password.end()});
   internal::crypto::wipe(std::span<char>(password));
   return secret;
 }
