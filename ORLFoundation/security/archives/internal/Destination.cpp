@@ -24,7 +24,7 @@ std::string withoutSlashes(std::string path) {
 }
 
 std::string parentOf(const std::string& path) {
-  const std::string folder = files::folderOfPath(path);
+  std::string folder = files::folderOfPath(path);
   if (!folder.empty()) return folder;
   return path.starts_with('/') ? "/" : ".";
 }

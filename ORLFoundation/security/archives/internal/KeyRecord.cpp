@@ -80,7 +80,7 @@ SymmetricKey passwordKey(ByteSpan record, const ScryptCost& cost, const NSData& 
   std::array<std::uint8_t, kKeyBytes> bytes{};
   const bool isMade = crypto::deriveKeyFromPassword(
       password.bytes(), record.subspan(kSaltAt, kSaltBytes), cost, kMostMemory, bytes);
-  const SymmetricKey key(bytes);
+  SymmetricKey key(bytes);
   crypto::wipe(bytes);
   if (!isMade) throwUnknown();
   return key;

@@ -21,7 +21,7 @@ void redactTextsWith(const std::string& account, NSMutableDictionary& query) {
 }
 
 std::shared_ptr<NSMutableDictionary> forLog(const NSDictionary& query) {
-  const auto shown = withoutAccount(query);
+  auto shown = withoutAccount(query);
   if (shown->objectForKey(kSecValueData)) shown->setObject(kRedacted, kSecValueData);
   const id account = query.objectForKey(kSecAttrAccount);
   const auto* text = account.get<std::string>();
