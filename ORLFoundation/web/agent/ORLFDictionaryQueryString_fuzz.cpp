@@ -33,7 +33,7 @@ bool arePlain(const NSDictionary& dictionary) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view query(reinterpret_cast<const char*>(data), size);
   const auto dictionary = orlfDictionaryWithURLQueryString(query);
-  for (const NSUInteger options : {0, 1, 2, 3})
+  for (const NSUInteger options : {0U, 1U, 2U, 3U})
     static_cast<void>(orlfURLQueryStringWithOptions(*dictionary, options));
   const std::string written = orlfURLQueryString(*dictionary);
   const auto again = orlfDictionaryWithURLQueryString(written);

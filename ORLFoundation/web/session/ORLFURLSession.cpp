@@ -17,7 +17,7 @@ std::shared_ptr<ORLFURLSession> ORLFURLSession::initWithConfiguration(
     delegateQueue = std::make_shared<NSOperationQueue>();
     delegateQueue->setMaxConcurrentOperationCount(1);
   }
-  const auto made =
+  auto made =
       std::make_shared<ORLFURLSession>(Passkey(), std::move(delegate), std::move(delegateQueue));
   made->session_ = NSURLSession::sessionWithConfiguration(std::move(configuration), made, nullptr);
   return made;
