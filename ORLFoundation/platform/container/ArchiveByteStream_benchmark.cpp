@@ -98,25 +98,29 @@ void countBytes(benchmark::State& state, std::size_t packed) {
   state.counters["part"] = static_cast<double>(packed) / static_cast<double>(kBytes);
 }
 
+template <bool isSealed>
 void pack_ours(benchmark::State& state) {
   std::size_t packed = 0;
   for (auto _ : state) {
     MemoryStream memory;
-    packInto(memory, state.range(0) != 0);
+    packInto(memory, isSealed);
     packed = memory.size();
   }
   countBytes(state, packed);
 }
-BENCHMARK(pack_ours)->Name("archive pack/ours")->Arg(0)->Arg(1)->UseRealTime();
+BENCHMARK_TEMPLATE(pack_ours, false)->Name("archive pack/ours")->UseRealTime();
+BENCHMARK_TEMPLATE(pack_ours, true)->Name("sealed archive pack/ours")->UseRealTime();
 
+template <bool isSealed>
 void unpack_ours(benchmark::State& state) {
   MemoryStream memory;
-  packInto(memory, state.range(0) != 0);
+  packInto(memory, isSealed);
   for (auto _ : state)
-    if (unpackFrom(memory, state.range(0) != 0) != kBytes) state.SkipWithError("other bytes");
+    if (unpackFrom(memory, isSealed) != kBytes) state.SkipWithError("other bytes");
   countBytes(state, memory.size());
 }
-BENCHMARK(unpack_ours)->Name("archive unpack/ours")->Arg(0)->Arg(1)->UseRealTime();
+BENCHMARK_TEMPLATE(unpack_ours, false)->Name("archive unpack/ours")->UseRealTime();
+BENCHMARK_TEMPLATE(unpack_ours, true)->Name("sealed archive unpack/ours")->UseRealTime();
 
 void pack_blocks(benchmark::State& state) {
   internal::compression::LZFSEEncoder encoder;
