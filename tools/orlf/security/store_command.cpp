@@ -27,7 +27,6 @@ namespace orlftool {
 namespace {
 
 using namespace ORLFoundation;
-using internal::base::WipedCopy;
 using Error = std::shared_ptr<const NSError>;
 
 struct StoreArguments {

@@ -124,7 +124,7 @@ class Fetch {
   }
   [[nodiscard]] std::shared_ptr<ORLFURLSessionFileLogger> makeLogger(
       const std::vector<HeaderField>& headers, const std::vector<HeaderField>& retries) const {
-    const auto logger = std::make_shared<ORLFURLSessionFileLogger>(
+    auto logger = std::make_shared<ORLFURLSessionFileLogger>(
         fileURLOfArgument("--log", *arguments_.log), "orlf fetch");
     for (const auto* fields : {&headers, &retries})
       for (const std::string& secret : secretsOf(*fields)) logger->addSecret(secret);
