@@ -61,6 +61,9 @@ class SessionTaskTest : public testing::Test {
     session_ = ORLFoundation::ORLFURLSession::initWithConfiguration(nullptr);
   }
 
+  /// A session and a task that has not ended hold each other.
+  ~SessionTaskTest() override { session_->URLSessionDidBecomeInvalidWithError(nullptr, nullptr); }
+
   [[nodiscard]] ORLFoundation::ORLFURLSessionTask::Completion recording() {
     return [this](const TaskPointer& task, const ErrorPointer& error) {
       const std::lock_guard guard(lock_);

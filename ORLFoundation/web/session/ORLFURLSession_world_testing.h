@@ -124,7 +124,10 @@ class SessionWorld {
       queues_[name]->setMaxConcurrentOperationCount(1);
     }
   }
-  virtual ~SessionWorld() = default;
+  /// A session and a task that has not ended hold each other.
+  virtual ~SessionWorld() {
+    if (session_) session_->URLSessionDidBecomeInvalidWithError(nullptr, nullptr);
+  }
   SessionWorld(const SessionWorld&) = delete;
   SessionWorld& operator=(const SessionWorld&) = delete;
 

@@ -286,6 +286,7 @@ void Exchange::follow() {
   skipped_ = 0;
   sent_ = 0;
   refusal_.reset();
+  curl_easy_setopt(handle_, CURLOPT_COOKIEFILE, nullptr);  // What was set is not given back else.
   curl_easy_reset(handle_);
   setUp();
   multi_ = loader_.multi();

@@ -121,6 +121,7 @@ CURL* Loader::takeHandle() {
 
 void Loader::giveBackHandle(CURL* handle) {
   if (handles_.size() >= kMostIdleHandles) return curl_easy_cleanup(handle);
+  curl_easy_setopt(handle, CURLOPT_COOKIEFILE, nullptr);  // What was set is not given back else.
   curl_easy_reset(handle);
   handles_.push_back(handle);
 }
