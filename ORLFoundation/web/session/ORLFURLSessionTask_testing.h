@@ -62,7 +62,9 @@ class SessionTaskTest : public testing::Test {
   }
 
   /// A session and a task that has not ended hold each other.
-  ~SessionTaskTest() override { session_->URLSessionDidBecomeInvalidWithError(nullptr, nullptr); }
+  ~SessionTaskTest() override {
+    if (session_) session_->URLSessionDidBecomeInvalidWithError(nullptr, nullptr);
+  }
 
   [[nodiscard]] ORLFoundation::ORLFURLSessionTask::Completion recording() {
     return [this](const TaskPointer& task, const ErrorPointer& error) {
