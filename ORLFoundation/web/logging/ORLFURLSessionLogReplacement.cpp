@@ -37,7 +37,7 @@ std::shared_ptr<ORLFURLSessionLogReplacement> ORLFURLSessionLogReplacement::init
 
 ORLFURLSessionLogReplacement::ORLFURLSessionLogReplacement(
     std::shared_ptr<NSRegularExpression> expression, std::string replacement,
-    std::unique_ptr<const JSONFieldMask> mask)
+    std::shared_ptr<const JSONFieldMask> mask)
     : expression_(std::move(expression)),
       replacement_(std::move(replacement)),
       mask_(std::move(mask)) {}

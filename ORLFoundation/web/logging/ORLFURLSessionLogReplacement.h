@@ -50,7 +50,7 @@ class ORLFURLSessionLogReplacement final : public ORLFURLSessionLogProcessor {
   /// Use one of the operations above.
   ORLFURLSessionLogReplacement(
       std::shared_ptr<NSRegularExpression> expression, std::string replacement,
-      std::unique_ptr<const internal::logging::JSONFieldMask> mask = nullptr);
+      std::shared_ptr<const internal::logging::JSONFieldMask> mask = nullptr);
   ~ORLFURLSessionLogReplacement() override;
 
   [[nodiscard]] const std::shared_ptr<NSRegularExpression>& expression() const noexcept {
@@ -69,7 +69,7 @@ class ORLFURLSessionLogReplacement final : public ORLFURLSessionLogProcessor {
  private:
   const std::shared_ptr<NSRegularExpression> expression_;
   const std::string replacement_;
-  const std::unique_ptr<const internal::logging::JSONFieldMask> mask_;
+  const std::shared_ptr<const internal::logging::JSONFieldMask> mask_;
 };
 
 }  // namespace ORLFoundation
