@@ -7,12 +7,16 @@
 #include <utility>
 
 namespace ORLFoundation {
-namespace {
 
+namespace internal::crypto {
 struct FreeKey {
   void operator()(EVP_PKEY* key) const { EVP_PKEY_free(key); }
 };
-using Key = std::unique_ptr<EVP_PKEY, FreeKey>;
+}  // namespace internal::crypto
+
+namespace {
+
+using Key = std::unique_ptr<EVP_PKEY, internal::crypto::FreeKey>;
 
 struct FreeDigest {
   void operator()(EVP_MD_CTX* context) const { EVP_MD_CTX_free(context); }
