@@ -19,6 +19,9 @@ inline constexpr double kSlowdown = 10;
 inline constexpr double kSlowdown = 1;
 #endif
 
+/// Whether a sanitizer watches: sweeps then take fewer steps.
+inline constexpr bool kIsSanitized = kSlowdown > 1;
+
 /// Seconds of the processor, as they would be without a sanitizer.
 template <class Work>
 double processorSecondsOf(Work&& work) {

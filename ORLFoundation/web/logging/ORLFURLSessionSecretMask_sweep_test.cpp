@@ -2,6 +2,7 @@
 #include <ORLFoundation/web/logging/ORLFURLSessionSecretMask.h>
 #include <ORLFoundation/web/logging/ORLFURLSessionSecretMask_testing.h>
 #include <gtest/gtest.h>
+#include <tests/support/ProcessorTime.h>
 
 #include <algorithm>
 #include <vector>
@@ -63,7 +64,7 @@ TEST(ORLFURLSessionSecretMask, LeavesNoneOfTenThousandSecrets) {
   Random random(1810);
   ORLFURLSessionSecretMask mask;
   std::vector<std::string> secrets;
-  for (int i = 0; i < 10'000; ++i) {
+  for (int i = 0; i < (orlftest::kIsSanitized ? 500 : 10'000); ++i) {
     secrets.push_back(orlftest::randomSecret(random, 8 + random() % 40));
     ASSERT_TRUE(mask.addSecret(secrets.back()));
   }
