@@ -3,7 +3,9 @@
 #include <ORLFoundation/platform/notification/NSNotificationCenter.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSKeyTable.h>
+#include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <ORLFoundation/support/diagnostics/ORLFCondition.h>
+#include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
 #include <ORLFoundation/web/session/ORLFURLSession.h>
 #include <ORLFoundation/web/session/internal/TaskFields.h>
 

@@ -22,9 +22,7 @@
 #include <ORLFoundation/platform/object/NSError.h>
 #include <ORLFoundation/platform/object/NSMutableData.h>
 #include <ORLFoundation/platform/object/NSObject.h>
-#include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <ORLFoundation/tasks/async/ORLFAsyncTask.h>
-#include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
 
 #include <cstdint>
 #include <functional>
@@ -34,6 +32,8 @@
 
 namespace ORLFoundation {
 
+class NSOperationQueue;
+class ORLFProgressItem;
 class ORLFURLSession;
 
 namespace internal::session {

@@ -1,6 +1,7 @@
 #include <ORLFoundation/web/session/ORLFURLSessionTask.h>
 
 #include <ORLFoundation/platform/object/NSURLErrors.h>
+#include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <ORLFoundation/web/session/ORLFURLSession.h>
 #include <ORLFoundation/web/session/internal/DownloadFiles.h>
 #include <ORLFoundation/web/session/internal/StatusError.h>

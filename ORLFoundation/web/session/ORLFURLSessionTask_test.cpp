@@ -4,6 +4,8 @@
 #include <ORLFoundation/platform/log/NSLog.h>
 #include <ORLFoundation/platform/notification/NSNotificationCenter.h>
 #include <ORLFoundation/platform/object/NSKeyValueObserving.h>
+#include <ORLFoundation/platform/operation/NSOperationQueue.h>
+#include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
 #include <ORLFoundation/web/session/ORLFURLSessionTask_testing.h>
 #include <gmock/gmock.h>
 

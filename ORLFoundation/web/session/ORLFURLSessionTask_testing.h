@@ -5,6 +5,7 @@
 #include <ORLFoundation/platform/log/NSLog.h>
 #include <ORLFoundation/platform/notification/NSNotificationCenter.h>
 #include <ORLFoundation/platform/object/NSURLErrors.h>
+#include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <ORLFoundation/tasks/async/ORLFAsyncTaskBase_testing.h>
 #include <ORLFoundation/web/session/ORLFURLSession_testing.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,7 @@
 /// Plays whole exchanges of session vectors: against a scripted platform, or a server.
 #pragma once
 
+#include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <ORLFoundation/web/session/ORLFURLSession_world_testing.h>
 
 #include <atomic>

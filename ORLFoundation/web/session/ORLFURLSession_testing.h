@@ -2,6 +2,7 @@
 /// calls.
 #pragma once
 
+#include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <ORLFoundation/web/logging/ORLFURLSessionLogger.h>
 #include <ORLFoundation/web/session/ORLFURLSession.h>
 

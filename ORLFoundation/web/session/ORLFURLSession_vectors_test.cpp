@@ -1,5 +1,6 @@
 #include <ORLFoundation/web/session/ORLFURLSession.h>
 
+#include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <ORLFoundation/web/session/ORLFURLSession_doubles_testing.h>
 #include <ORLFoundation/web/session/ORLFURLSession_exchange_testing.h>
 #include <gtest/gtest.h>

@@ -7,7 +7,9 @@
 #include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/log/NSLog.h>
 #include <ORLFoundation/platform/notification/NSNotificationCenter.h>
+#include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <ORLFoundation/platform/value/NSDate_testing.h>
+#include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
 #include <ORLFoundation/web/session/ORLFHTTPURLResponse.h>
 #include <ORLFoundation/web/session/ORLFURLSession_testing.h>
 #include <tests/support/TemporaryFolder.h>

@@ -1,6 +1,7 @@
 #include <ORLFoundation/platform/base/Base64.h>
 #include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/object/NSURLErrors.h>
+#include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
 #include <ORLFoundation/web/logging/ORLFURLSessionFileLogger.h>
 #include <ORLFoundation/web/session/ORLFHTTPURLResponse.h>
 #include <ORLFoundation/web/session/ORLFURLSession.h>

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <ORLFoundation/platform/object/NSMutableData.h>
+#include <ORLFoundation/platform/operation/NSOperationQueue.h>
+#include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
 #include <ORLFoundation/web/session/ORLFURLSessionTask.h>
 
 #include <cstddef>
