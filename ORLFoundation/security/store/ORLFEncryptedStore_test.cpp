@@ -237,16 +237,21 @@ TEST_F(EncryptedStore, TakesOverWhatOthersWriteAndTellsOfIt) {
         EXPECT_STREQ(dispatch_queue_get_label(DISPATCH_CURRENT_QUEUE_LABEL),
                      dispatch_queue_get_label(Store::sharedEventQueue()));
       });
+  const auto toldSoFar = [&] {
+    std::vector<std::string> copy;
+    dispatch_sync(Store::sharedEventQueue(), [&] { copy = told; });
+    return copy;
+  };
   waitForStores();
-  EXPECT_THAT(told, IsEmpty()) << "event 1 is not told of";
+  EXPECT_THAT(toldSoFar(), IsEmpty()) << "event 1 is not told of";
   ASSERT_TRUE(Store::writeEncryptedPropertyList(contentWith("bank", {entryOf("ann", "new", false)}),
                                                 url(), "pw"));
   waitForStores();
-  EXPECT_THAT(told, ElementsAre("store"));
+  EXPECT_THAT(toldSoFar(), ElementsAre("store"));
   EXPECT_EQ(store->passwordForUser("ann", "bank", noContext()), "new");
   EXPECT_TRUE(store->setPassword("p", "bob", "bank", noContext()));
   waitForStores();
-  EXPECT_THAT(told, ElementsAre("store", "store")) << "its own writing too";
+  EXPECT_THAT(toldSoFar(), ElementsAre("store", "store")) << "its own writing too";
 }
 
 TEST_F(EncryptedStore, KeepsItsContentWhereTheFileNoLongerReads) {
