@@ -24,7 +24,7 @@ std::string toHex(std::span<const std::uint8_t> bytes) {
   return hexText(std::string(bytes.begin(), bytes.end()));
 }
 
-// Test case 16 of the mode's specification of 2004.
+// Test case 16 that the mode's authors published in 2004.
 constexpr std::string_view kKey =
     "feffe9928665731c6d6a8f9467308308feffe9928665731c6d6a8f9467308308";
 constexpr std::string_view kMessage =
