@@ -6,10 +6,12 @@
 #include <string>
 #include <vector>
 
+#include "io/ending_signals.h"
 #include "tool.h"
 
 int main(int count, char** arguments) {
   std::ios::sync_with_stdio(false);
+  const orlftool::EndingSignals signals;
 #ifdef ORLF_HAS_SECRET_SERVICE
   ORLFoundation::SecretServiceItemStore::registerStore();
 #endif
