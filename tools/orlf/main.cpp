@@ -2,6 +2,8 @@
 #include <ORLFoundation/bridges/libsecret/SecretServiceItemStore.h>
 #endif
 
+#include <openssl/crypto.h>
+
 #include <iostream>
 #include <string>
 #include <vector>
@@ -12,6 +14,8 @@
 int main(int count, char** arguments) {
   std::ios::sync_with_stdio(false);
   const orlftool::EndingSignals signals;
+  // Worker threads may still run when main has returned: what they use stays.
+  OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
 #ifdef ORLF_HAS_SECRET_SERVICE
   ORLFoundation::SecretServiceItemStore::registerStore();
 #endif
