@@ -2,6 +2,8 @@
 #include <ORLFoundation/bridges/libsecret/SecretServiceItemStore.h>
 #endif
 
+#include <openssl/crypto.h>
+
 #include <iostream>
 #include <string>
 #include <vector>
@@ -10,6 +12,8 @@
 
 int main(int count, char** arguments) {
   std::ios::sync_with_stdio(false);
+  // Worker threads may still run when main has returned: what they use stays.
+  OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
 #ifdef ORLF_HAS_SECRET_SERVICE
   ORLFoundation::SecretServiceItemStore::registerStore();
 #endif
