@@ -77,7 +77,7 @@ endfunction()
 # the rest is compiled plainly: what GoogleTest's templates cost is paid once for them.
 function(orlf_add_test name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
-  add_executable(${name} ${arg_SOURCES})
+  add_executable(${name} ${arg_SOURCES} $<TARGET_OBJECTS:orlf_test_exit>)
   set(c_sources ${arg_SOURCES})
   list(FILTER c_sources INCLUDE REGEX "[.]c$")
   set_source_files_properties(${c_sources} PROPERTIES

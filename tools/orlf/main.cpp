@@ -2,14 +2,20 @@
 #include <ORLFoundation/bridges/libsecret/SecretServiceItemStore.h>
 #endif
 
+#include <openssl/crypto.h>
+
 #include <iostream>
 #include <string>
 #include <vector>
 
+#include "io/ending_signals.h"
 #include "tool.h"
 
 int main(int count, char** arguments) {
   std::ios::sync_with_stdio(false);
+  const orlftool::EndingSignals signals;
+  // Worker threads may still run when main has returned: what they use stays.
+  OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
 #ifdef ORLF_HAS_SECRET_SERVICE
   ORLFoundation::SecretServiceItemStore::registerStore();
 #endif

@@ -5,6 +5,10 @@
 ///     session->dataTaskWithRequest(NSURLRequest::requestWithURL(url))->resume();
 ///     session->finishTasksAndInvalidate();   // the loader hears when all is done
 ///
+/// Bodies in gzip and deflate come decoded, unless a request names encodings itself; one that is
+/// damaged or cut off ends its task with `NSURLErrorCannotDecodeRawData`, one in another encoding
+/// with `NSURLErrorCannotDecodeContentData`.
+///
 /// All operations are safe on any thread. Tests, and hosts with a way of their own to load, put
 /// their sessions in place of the library's.
 #pragma once

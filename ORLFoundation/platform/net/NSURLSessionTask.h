@@ -23,7 +23,8 @@ class NSURLSessionTask : public NSObject {
   /// `taskIdentifier`  Its number in its session, from 1.
   [[nodiscard]] virtual NSUInteger taskIdentifier() const = 0;
   /// `resume`  Begins the request; a second call does nothing. The session's delegate is held until
-  /// the task has completed.
+  /// the task has completed. Raises `std::system_error` where the session gets no thread to load
+  /// on; the task can be resumed later then.
   virtual void resume() = 0;
   /// `cancel`  At any moment: the task completes with `NSURLErrorCancelled` unless it has ended
   /// already. One that was never resumed completes so too.

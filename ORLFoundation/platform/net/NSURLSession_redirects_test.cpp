@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <utility>
@@ -151,6 +152,21 @@ TEST(NSURLSessionRedirects, KeepNameAndPasswordOfAnAddressToItsServer) {
   EXPECT_THAT(ask("/leads/302?to=" + otherServer().text("/echo")), Not(HasSubstr("authorization")));
 }
 
+TEST(NSURLSessionRedirects, CountNoSilenceWhileTheyWaitForAConnection) {
+  const auto configuration = NSURLSessionConfiguration::defaultSessionConfiguration();
+  configuration->setHTTPMaximumConnectionsPerHost(1);
+  Loading loading(configuration);
+  const auto busy = NSURLRequest::requestWithURL(otherServer().url("/late/0.6"));
+  loading.session->dataTaskWithRequest(busy)->resume();
+  const auto request = redirected(302, otherServer().text("/echo"));
+  request->setTimeoutInterval(0.3);
+  loading.session->dataTaskWithRequest(request)->resume();
+  ASSERT_TRUE(loading.delegate->waitForCompletions(2));
+  EXPECT_EQ(loading.delegate->record(1).body, "late");
+  EXPECT_EQ(loading.delegate->record(2).code(), 0);
+  EXPECT_EQ(loading.delegate->record(2).status(), 200);
+}
+
 /// Begins and ends with an empty jar.
 class NSURLSessionCookies : public testing::Test {
  protected:
@@ -194,6 +210,24 @@ TEST_F(NSURLSessionCookies, AreRefusedForPublicSuffixesAndOtherHosts) {
   set("x.a.localhost", "group=1;+Domain=a.localhost");
   EXPECT_EQ(sentTo("y.a.localhost"), "group=1");
   EXPECT_EQ(sentTo("b.localhost"), "");
+}
+
+TEST_F(NSURLSessionCookies, AreRefusedForEveryPublicSuffix) {
+  // The server is asked as a proxy is, so that it can be any host.
+  ::setenv("http_proxy", LocalServer::shared().text("").c_str(), 1);
+  const auto ask = [&](const std::string& host, const std::string& path) {
+    return loading_.data(NSURL::URLWithString("http://" + host + path).value()).body;
+  };
+  for (const char* suffix : {"co.uk", "com", "github.io"}) {
+    const std::string host = "shop." + std::string(suffix), other = "other." + std::string(suffix);
+    ask(host, "/headed/200?Set-Cookie=wide=1;+Path=/;+Domain=" + std::string(suffix));
+    EXPECT_THAT(ask(host, "/echo"), Not(HasSubstr("wide"))) << suffix;
+    EXPECT_THAT(ask(other, "/echo"), Not(HasSubstr("wide"))) << suffix;
+    ask(host, "/headed/200?Set-Cookie=own=1;+Path=/;+Domain=" + host);
+    EXPECT_THAT(ask("a." + host, "/echo"), HasSubstr(R"("cookie": "own=1")")) << suffix;
+    EXPECT_THAT(ask(other, "/echo"), Not(HasSubstr("own"))) << suffix;
+  }
+  ::unsetenv("http_proxy");
 }
 
 TEST_F(NSURLSessionCookies, JoinTheRequestsOwn) {

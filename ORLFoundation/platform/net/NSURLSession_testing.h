@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <tests/support/Files.h>
 #include <tests/support/VectorFile.h>
+#include <tests/support/Waiting.h>
 
 #include <fcntl.h>
 #include <sys/wait.h>

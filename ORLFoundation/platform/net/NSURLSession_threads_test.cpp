@@ -2,6 +2,8 @@
 #include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
+#include <sys/resource.h>
 
 #include <atomic>
 #include <chrono>
@@ -9,12 +11,14 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
 
 namespace {
 
 using namespace ORLFoundation;
+using orlftest::becomes;
 using orlftest::Loading;
 using orlftest::LocalServer;
 using orlftest::RecordingDelegate;
@@ -23,16 +27,6 @@ using testing::ElementsAre;
 
 std::shared_ptr<NSURLRequest> plainRequest(const std::string& path) {
   return NSURLRequest::requestWithURL(LocalServer::shared().url(path));
-}
-
-template <class Condition>
-bool becomes(const Condition& condition) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  }
-  return true;
 }
 
 std::size_t threadCount() {
@@ -173,6 +167,109 @@ TEST(NSURLSessionThreads, CancelAllTasksBeforeInvalidationIsTold) {
   }
 }
 
+TEST(NSURLSessionThreads, CancelTasksThatAreMadeWhileTheyAreInvalidated) {
+  for (int round = 0; round < 20; ++round) {
+    Loading loading;
+    const auto request = plainRequest("/silent");
+    std::atomic<bool> begins{false};
+    std::size_t made = 0;
+    std::thread maker([&] {
+      begins = true;
+      for (; made < 300; ++made) {
+        const auto task = loading.session->dataTaskWithRequest(request);
+        if (!task) return;
+        task->resume();
+      }
+    });
+    while (!begins) std::this_thread::yield();
+    loading.session->invalidateAndCancel();
+    maker.join();
+    ASSERT_TRUE(loading.delegate->waitForInvalidation());
+    EXPECT_EQ(loading.delegate->completions(), made);
+    for (NSUInteger task = 1; task <= made; ++task)
+      EXPECT_EQ(loading.delegate->record(task).code(), NSURLErrorCancelled);
+  }
+}
+
+TEST(NSURLSessionThreads, HearOfTasksThoughNoDescriptorIsLeft) {
+  Loading loading;
+  rlimit before{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+  const rlimit none{0, before.rlim_max};
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+  const auto inside = NSURL::URLWithString("data:,inside").value();
+  std::vector<std::string> bodies;
+  for (int i = 0; i < 3; ++i) {
+    bodies.push_back(loading.data(inside).body);
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  }
+  const TaskRecord file = loading.download(inside);
+  ::setrlimit(RLIMIT_NOFILE, &before);
+  EXPECT_THAT(bodies, ElementsAre("inside", "inside", "inside"));
+  EXPECT_EQ(file.code(), NSURLErrorCannotCreateFile);
+}
+
+/// New threads ask for more memory than there is.
+class NoThreads {
+ public:
+  NoThreads() {
+    ::pthread_getattr_default_np(&before_);
+    pthread_attr_t attributes;
+    ::pthread_attr_init(&attributes);
+    ::pthread_attr_setstacksize(&attributes, std::size_t{1} << 47);
+    ::pthread_setattr_default_np(&attributes);
+    ::pthread_attr_destroy(&attributes);
+  }
+  ~NoThreads() {
+    ::pthread_setattr_default_np(&before_);
+    ::pthread_attr_destroy(&before_);
+  }
+  NoThreads(const NoThreads&) = delete;
+  NoThreads& operator=(const NoThreads&) = delete;
+
+ private:
+  pthread_attr_t before_{};
+};
+
+TEST(NSURLSessionThreads, SayThatThereIsNoThreadAndCanBeginLater) {
+  std::weak_ptr<RecordingDelegate> delegate;
+  {
+    Loading loading;
+    delegate = loading.delegate;
+    const auto task = loading.session->dataTaskWithRequest(plainRequest("/echo"));
+    const auto other = loading.session->dataTaskWithRequest(plainRequest("/echo"));
+    {
+      const NoThreads noThreads;
+      EXPECT_THROW(task->resume(), std::system_error);
+      EXPECT_THROW(other->cancel(), std::system_error);
+    }
+    EXPECT_EQ(loading.run(task).status(), 200);
+    EXPECT_EQ(loading.run(other).code(), NSURLErrorCancelled);
+    EXPECT_EQ(loading.delegate->completions(), 2U);
+  }
+  EXPECT_TRUE(becomes([&] { return delegate.expired(); }));
+}
+
+TEST(NSURLSessionThreads, SendNothingOfTasksThatAreCancelledWhileTheyWait) {
+  const auto configuration = NSURLSessionConfiguration::defaultSessionConfiguration();
+  configuration->setHTTPMaximumConnectionsPerHost(1);
+  Loading loading(configuration);
+  static_cast<void>(Loading().data(plainRequest("/requests")));
+  std::vector<std::shared_ptr<NSURLSessionTask>> tasks;
+  for (int i = 0; i < 50; ++i) {
+    tasks.push_back(loading.session->dataTaskWithRequest(
+        plainRequest(i == 0 ? "/silent" : "/status/201?waits")));
+    tasks.back()->resume();
+  }
+  ASSERT_TRUE(becomes([] {
+    return Loading().data(plainRequest("/requests")).body.find("/silent") != std::string::npos;
+  }));
+  for (const auto& task : tasks) task->cancel();
+  ASSERT_TRUE(loading.delegate->waitForCompletions(50));
+  EXPECT_EQ(loading.data(plainRequest("/echo")).status(), 200);
+  EXPECT_EQ(Loading().data(plainRequest("/requests")).body, "GET /echo");
+}
+
 TEST(NSURLSessionThreads, TellInvalidationOfASessionThatDidNothing) {
   Loading loading;
   loading.session->finishTasksAndInvalidate();
@@ -245,6 +342,21 @@ TEST(NSURLSessionThreads, DieOnTheirOwnThreadAndOnAQueue) {
       delegate.reset();
       EXPECT_TRUE(becomes([&] { return session.expired() && held.expired(); }));
     }
+  }
+}
+
+TEST(NSURLSessionThreads, LetGoOfTheirQueueOnItsOwnThread) {
+  for (int i = 0; i < 20; ++i) {
+    auto queue = std::make_shared<NSOperationQueue>();
+    auto delegate = std::make_shared<Dropper>();
+    delegate->session_ = NSURLSession::sessionWithConfiguration(nullptr, delegate, queue);
+    const std::weak_ptr<NSURLSession> session = delegate->session_;
+    const std::weak_ptr<NSOperationQueue> held = queue;
+    const auto task = delegate->session_->dataTaskWithRequest(plainRequest("/echo"));
+    queue.reset();
+    delegate.reset();
+    task->resume();
+    EXPECT_TRUE(becomes([&] { return session.expired() && held.expired(); }));
   }
 }
 

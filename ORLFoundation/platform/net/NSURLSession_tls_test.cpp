@@ -1,5 +1,6 @@
 // Against nginx: files, ranges, many requests, HTTP/2, and certificates that are right and wrong.
 #include <ORLFoundation/platform/net/NSURLSession_testing.h>
+#include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
@@ -13,9 +14,12 @@
 
 #include <chrono>
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <set>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <utility>
 
@@ -115,6 +119,8 @@ class Nginx {
               ancientPort_, "ssl_protocols TLSv1 TLSv1.1; ssl_ciphers ALL:@SECLEVEL=0; ");
     folder_.write("files/kilobyte", std::string(1000, 'k'));
     folder_.write("files/megabytes", std::string(8'000'000, 'm'));
+    folder_.write("files/long", "");
+    std::filesystem::resize_file(path("files/long"), 40'000'000);
     folder_.write("nginx.conf", configuration());
     process_ = std::make_unique<orlftest::BesideProcess>(
         std::vector<std::string>{"/usr/sbin/nginx", "-p", folder_.path().string(), "-c",
@@ -146,7 +152,7 @@ class Nginx {
     certificate.write(path(name + ".pem"), path(name + ".key"));
     servers_ += "server { listen 127.0.0.1:" + std::to_string(port) + " ssl http2; server_name " +
                 name + "; ssl_certificate " + path(name + ".pem") + "; ssl_certificate_key " +
-                path(name + ".key") + "; root " + path("files") + ";" + more +
+                path(name + ".key") + "; root " + path("files") + ";" + more + kMarks +
                 "location /redirect { return 302 http://127.0.0.1:" + std::to_string(plainPort_) +
                 "/seen; } }\n";
   }
@@ -158,16 +164,26 @@ class Nginx {
            ";\nevents { worker_connections 1000; }\nhttp { access_log off;\n" + temporary +
            "keepalive_requests 100000;\nserver { listen 127.0.0.1:" + std::to_string(plainPort_) +
            "; root " + path("files") +
-           "; location /seen { return 200 \"$http_authorization|$http_cookie\"; }"
-           " add_header X-Connection $connection; add_header X-Protocol $server_protocol; }\n" +
-           servers_ + "}\n";
+           "; location /seen { return 200 \"$http_authorization|$http_cookie\"; }" + kMarks +
+           "}\n" + servers_ + "}\n";
   }
+
+  static constexpr const char* kMarks =
+      " add_header X-Connection $connection; add_header X-Protocol $server_protocol; ";
 
   const orlftest::TemporaryFolder folder_;
   const int plainPort_, securePort_, ancientPort_;
   std::string servers_;
   std::unique_ptr<orlftest::BesideProcess> process_;
 };
+
+/// The server's numbers of the connections over which tasks were answered.
+std::set<std::string> connectionsOf(orlftest::RecordingDelegate& delegate, NSUInteger tasks) {
+  std::set<std::string> connections;
+  for (NSUInteger task = 1; task <= tasks; ++task)
+    connections.insert(delegate.record(task).field("x-connection"));
+  return connections;
+}
 
 /// A session that trusts the tests' authority beside the system's.
 std::shared_ptr<NSURLSessionConfiguration> trusting() {
@@ -204,11 +220,13 @@ TEST(NSURLSessionTLS, RefusesEveryOtherCertificate) {
 }
 
 TEST(NSURLSessionTLS, RefusesTheIssuerThatNobodyAdded) {
-  for (const char* variable : {"SSL_CERT_FILE", "CURL_CA_BUNDLE"})
+  constexpr const char* kVariables[] = {"SSL_CERT_FILE", "SSL_CERT_DIR", "CURL_CA_BUNDLE",
+                                        "CURL_CA_PATH"};
+  for (const char* variable : kVariables)
     ::setenv(variable, Nginx::shared().path("authority.pem").c_str(), 1);
   EXPECT_EQ(Loading().data(Nginx::shared().secure("good")).code(),
             NSURLErrorServerCertificateHasUnknownRoot);
-  for (const char* variable : {"SSL_CERT_FILE", "CURL_CA_BUNDLE"}) ::unsetenv(variable);
+  for (const char* variable : kVariables) ::unsetenv(variable);
   auto configuration = NSURLSessionConfiguration::defaultSessionConfiguration();
   configuration->setAdditionalTrustedCertificatesFile("/no/such/file");
   EXPECT_EQ(Loading(configuration).data(Nginx::shared().secure("good")).code(),
@@ -224,15 +242,58 @@ TEST(NSURLSessionTLS, KeepsSecretsFromAnotherScheme) {
   EXPECT_EQ(loading.data(request).body, "|");
 }
 
-TEST(NSURLSessionTLS, SpeaksHTTP2SideBySide) {
-  Loading loading(trusting());
+TEST(NSURLSessionTLS, SpeaksHTTP2SideBySideOverFewConnections) {
   constexpr std::size_t kRequests = 50;
+  constexpr NSInteger kConnections = 3;
+  const auto configuration = trusting();
+  configuration->setHTTPMaximumConnectionsPerHost(kConnections);
+  Loading loading(configuration);
   const auto request = NSURLRequest::requestWithURL(Nginx::shared().secure("good"));
   for (std::size_t i = 0; i < kRequests; ++i)
     loading.session->dataTaskWithRequest(request)->resume();
   ASSERT_TRUE(loading.delegate->waitForCompletions(kRequests));
   for (NSUInteger task = 1; task <= kRequests; ++task)
     EXPECT_EQ(loading.delegate->record(task).body, std::string(1000, 'k')) << task;
+  const auto connections = connectionsOf(*loading.delegate, kRequests);
+  EXPECT_LE(connections.size(), static_cast<std::size_t>(kConnections));
+  for (NSUInteger task = 1; task <= kRequests; ++task)
+    EXPECT_EQ(loading.delegate->record(task).field("x-protocol"), "HTTP/2.0") << task;
+  // One after the other, they all use one that is there.
+  std::set<std::string> later;
+  for (int i = 0; i < 10; ++i) later.insert(loading.data(request).field("x-connection"));
+  EXPECT_EQ(later.size(), 1U);
+  EXPECT_EQ(connections.count(*later.begin()), 1U);
+  EXPECT_EQ(loading.data(Nginx::shared().plain("/kilobyte")).field("x-protocol"), "HTTP/1.1");
+}
+
+TEST(NSURLSessionTLS, SpeaksHTTP2AlsoWhereOneReaderIsSlow) {
+  class Slow : public orlftest::RecordingDelegate {
+   public:
+    void URLSessionDataTaskDidReceiveData(const Session& session,
+                                          const std::shared_ptr<NSURLSessionDataTask>& dataTask,
+                                          const NSData& data) override {
+      RecordingDelegate::URLSessionDataTaskDidReceiveData(session, dataTask, data);
+      if (dataTask->taskIdentifier() == 1)
+        std::this_thread::sleep_for(std::chrono::microseconds(200));
+    }
+  };
+  const auto configuration = trusting();
+  configuration->setHTTPMaximumConnectionsPerHost(1);
+  const auto delegate = std::make_shared<Slow>();
+  const auto session = NSURLSession::sessionWithConfiguration(configuration, delegate,
+                                                              std::make_shared<NSOperationQueue>());
+  session
+      ->dataTaskWithRequest(
+          NSURLRequest::requestWithURL(Nginx::shared().secure("good", "/megabytes")))
+      ->resume();
+  const auto small = NSURLRequest::requestWithURL(Nginx::shared().secure("good"));
+  for (int i = 0; i < 5; ++i) session->dataTaskWithRequest(small)->resume();
+  ASSERT_TRUE(delegate->waitForCompletions(6));
+  EXPECT_EQ(delegate->record(1).body, std::string(8'000'000, 'm'));
+  for (NSUInteger task = 2; task <= 6; ++task)
+    EXPECT_EQ(delegate->record(task).body, std::string(1000, 'k'));
+  EXPECT_EQ(connectionsOf(*delegate, 6).size(), 1U);
+  session->invalidateAndCancel();
 }
 
 TEST(NSURLSessionFiles, GivesRangesAndConditions) {
@@ -255,6 +316,27 @@ TEST(NSURLSessionFiles, GivesRangesAndConditions) {
   EXPECT_EQ(same.body, "");
 }
 
+/// The most memory that the process held since `forgetPeak`, in bytes.
+std::int64_t peakMemory() {
+  const std::string status = orlftest::contentOf("/proc/self/status");
+  constexpr std::string_view kName = "VmHWM:";
+  return 1024 * std::stoll(status.substr(status.find(kName) + kName.size()));
+}
+void forgetPeak() { std::ofstream("/proc/self/clear_refs") << "5"; }
+
+TEST(NSURLSessionFiles, AreDownloadedWithoutBeingHeldInMemory) {
+  constexpr std::int64_t kSize = 40'000'000;
+  Loading loading;
+  loading.delegate->keepsBodies_ = false;
+  loading.download(Nginx::shared().plain("/megabytes"));
+  forgetPeak();
+  const std::int64_t before = peakMemory();
+  const TaskRecord record = loading.download(Nginx::shared().plain("/long"));
+  EXPECT_EQ(record.error, nullptr);
+  EXPECT_EQ(record.written, kSize);
+  EXPECT_LT(peakMemory() - before, 4'000'000);
+}
+
 TEST(NSURLSessionFiles, LoadsTenThousandTimesOverAHundredConnections) {
   const auto requests = static_cast<std::size_t>(10'000 / orlftest::kSlowdown);
   constexpr std::size_t kConnections = 100;
@@ -265,11 +347,10 @@ TEST(NSURLSessionFiles, LoadsTenThousandTimesOverAHundredConnections) {
   for (std::size_t i = 0; i < requests; ++i)
     loading.session->dataTaskWithRequest(request)->resume();
   ASSERT_TRUE(loading.delegate->waitForCompletions(requests));
-  std::set<std::string> connections;
+  const auto connections = connectionsOf(*loading.delegate, requests);
   std::size_t whole = 0;
   for (NSUInteger task = 1; task <= requests; ++task) {
     const TaskRecord record = loading.delegate->record(task);
-    connections.insert(record.field("X-Connection"));
     if (record.error == nullptr && record.body.size() == 1000) ++whole;
   }
   EXPECT_EQ(whole, requests);

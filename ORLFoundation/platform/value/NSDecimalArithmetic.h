@@ -21,11 +21,15 @@ struct NSDecimalResult {
 
 namespace internal::value {
 
-/// Any two operands.
+/// Any two operands: what the calculations below come to where they see no shorter way.
 [[nodiscard]] NSDecimalResult addLong(const NSDecimal& left, const NSDecimal& right,
                                       NSRoundingMode mode) noexcept;
 [[nodiscard]] NSDecimalResult multiplyLong(const NSDecimal& left, const NSDecimal& right,
                                            NSRoundingMode mode) noexcept;
+[[nodiscard]] NSDecimalResult divideLong(const NSDecimal& left, const NSDecimal& right,
+                                         NSRoundingMode mode) noexcept;
+[[nodiscard]] NSDecimalResult roundLong(const NSDecimal& number, NSInteger scale,
+                                        NSRoundingMode mode) noexcept;
 
 /// Mantissas of 64 bits that are at most this many digits apart have an exact sum.
 inline constexpr int kShortDistance = 18;
@@ -35,25 +39,44 @@ inline constexpr int kShortDistance = 18;
   return (value ^ (Wide{0} - Wide{isNegative})) + Wide{isNegative};
 }
 
+struct SignedSum {
+  Wide digits;
+  bool isNegative;
+};
+
+/// The sum of two magnitudes below 2^127 under their signs, without a branch.
+[[nodiscard]] constexpr SignedSum signedSum(Wide left, bool isLeftNegative, Wide right,
+                                            bool isRightNegative) noexcept {
+  const bool areUnlike = isLeftNegative != isRightNegative;
+  const Wide sum = left + withSign(right, areUnlike);
+  const bool isTurned = areUnlike && (sum >> 127) != 0;
+  return {withSign(sum, isTurned), isLeftNegative != isTurned};
+}
+
 /// Sums of money: both mantissas short, their exponents at most `kShortDistance` apart.
 [[nodiscard]] constexpr NSDecimal addShort(const NSDecimal& left, const NSDecimal& right) noexcept {
   const int distance = left.exponent() - right.exponent();
-  const Wide first = Wide{left.shortMantissa()} * shortPowerOfTen(distance > 0 ? distance : 0);
-  const Wide second = Wide{right.shortMantissa()} * shortPowerOfTen(distance < 0 ? -distance : 0);
-  const int exponent = distance > 0 ? right.exponent() : left.exponent();
-  const Wide sum = withSign(first, left.isNegative()) + withSign(second, right.isNegative());
-  const bool isNegative = (sum >> 127) != 0;
-  return {withSign(sum, isNegative), exponent, isNegative};
+  const SignedSum sum = signedSum(
+      Wide{left.shortMantissa()} * shortPowerOfTen(distance > 0 ? distance : 0), left.isNegative(),
+      Wide{right.shortMantissa()} * shortPowerOfTen(distance < 0 ? -distance : 0),
+      right.isNegative());
+  return {sum.digits, distance > 0 ? right.exponent() : left.exponent(), sum.isNegative};
 }
 
 }  // namespace internal::value
 
 [[nodiscard]] inline NSDecimalResult NSDecimalAdd(const NSDecimal& left, const NSDecimal& right,
                                                   NSRoundingMode mode = NSRoundPlain) noexcept {
-  const auto place =
-      static_cast<unsigned>(left.exponent() - right.exponent() + internal::value::kShortDistance);
-  if (left.isShort() && right.isShort() && place <= 2U * internal::value::kShortDistance)
+  const int distance = left.exponent() - right.exponent();
+  if (distance == 0 && !left.isNaN() && !right.isNaN()) {
+    const internal::value::SignedSum sum = internal::value::signedSum(
+        left.mantissa(), left.isNegative(), right.mantissa(), right.isNegative());
+    if (sum.digits < NSDecimal::kMantissaEnd)
+      return {NSDecimal(sum.digits, left.exponent(), sum.isNegative)};
+  } else if (left.isShort() && right.isShort() && distance >= -internal::value::kShortDistance &&
+             distance <= internal::value::kShortDistance) {
     return {internal::value::addShort(left, right)};
+  }
   return internal::value::addLong(left, right, mode);
 }
 

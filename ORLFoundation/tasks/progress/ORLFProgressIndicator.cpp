@@ -150,25 +150,30 @@ bool ORLFProgressIndicator::isDisplayingProgressItem(const Item& item) const {
 
 bool ORLFProgressIndicator::isProgressItemVisible(const Item& item) const {
   const ProgressTreeGuard guard;
-  bool isLast = false;
-  onSharedQueue([&] {
-    isLast = item && progressItems_ && !progressItems_->empty() && progressItems_->back() == item;
-  });
-  return isLast;
+  bool isVisible = false;
+  onSharedQueue([&] { isVisible = isLast(item); });
+  return isVisible;
+}
+
+/// On the shared queue.
+bool ORLFProgressIndicator::isLast(const Item& item) const {
+  return item && progressItems_ && !progressItems_->empty() && progressItems_->back() == item;
 }
 
 void ORLFProgressIndicator::updateDisplayTimer() {
-  onSharedQueue([&] {
-    if (displayTimer_ || displayTimerCounter_ != 0) return;
-    displayTimer_ = NSTimer::timerWithTimeInterval(
-        {.timeInterval = kDisplayInterval,
-         .target = self(),
-         .selector =
-             NSSelectorOf<&ORLFProgressIndicator::updateDisplayValues>("updateDisplayValues"),
-         .userInfo = nullptr,
-         .repeats = false});
-    NSRunLoop::mainRunLoop()->addTimer(displayTimer_, NSRunLoopCommonModes);
-  });
+  onSharedQueue([&] { armDisplayTimer(); });
+}
+
+/// On the shared queue.
+void ORLFProgressIndicator::armDisplayTimer() {
+  if (displayTimer_ || displayTimerCounter_ != 0) return;
+  displayTimer_ = NSTimer::timerWithTimeInterval(
+      {.timeInterval = kDisplayInterval,
+       .target = self(),
+       .selector = NSSelectorOf<&ORLFProgressIndicator::updateDisplayValues>("updateDisplayValues"),
+       .userInfo = nullptr,
+       .repeats = false});
+  NSRunLoop::mainRunLoop()->addTimer(displayTimer_, NSRunLoopCommonModes);
 }
 
 void ORLFProgressIndicator::stopDisplayTimer() {
@@ -224,7 +229,10 @@ void ORLFProgressIndicator::updateDisplayValuesWithItem(const Item& item) {
 
 void ORLFProgressIndicator::progressValuesDidChangeForItem(const Item& item) {
   const ProgressTreeGuard guard;
-  if (isProgressItemVisible(item)) updateDisplayTimer();
+  // In one turn of the queue: this is what an update costs.
+  onSharedQueue([&] {
+    if (isLast(item)) armDisplayTimer();
+  });
 }
 
 void ORLFProgressIndicator::currentProgressWillChangeForItem(const Item& item) {

@@ -129,6 +129,8 @@ class ORLFProgressIndicator : public NSObject, public ORLFProgressObservation {
 
  private:
   [[nodiscard]] std::shared_ptr<ORLFProgressIndicator> self() const;
+  [[nodiscard]] bool isLast(const Item& item) const;
+  void armDisplayTimer();
 
   std::atomic<bool> visible_{false};
   std::atomic<bool> indeterminate_{false};

@@ -30,8 +30,8 @@ constexpr NSUInteger kBoundOptions =
 
 namespace internal::progress {
 
-std::recursive_mutex& progressTreeLock() noexcept {
-  static std::recursive_mutex lock;
+ProgressTreeLock& progressTreeLock() noexcept {
+  static ProgressTreeLock lock;
   return lock;
 }
 

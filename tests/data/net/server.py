@@ -5,7 +5,7 @@
 Prints its port when it listens, and ends with its standard input. Its answers are right, slow,
 broken or hostile; the table at the end lists them.
 """
-import gzip
+import functools
 import json
 import os
 import socket
@@ -142,22 +142,29 @@ def leads_with_body(e):
 
 
 def packed(e):
+    """An encoded body of a kind; without the query's count of bytes at its end, and with its others."""
     text = b"packed text " * 1000
     kind = e.words[0]
-    data = gzip.compress(text) if kind == "gzip" else zlib.compress(text)
+    packer = zlib.compressobj(wbits={"deflate": 15, "bare": -15}.get(kind, 31))
+    data = packer.compress(text) + packer.flush()
     if kind == "broken":
-        kind, data = "gzip", gzip.compress(text)[:10] + b"\xff" * 20
-    if kind == "cut":
-        kind, data = "gzip", gzip.compress(text)[:-20]
-    e.answer(200, data, [("Content-Encoding", kind)])
+        data = data[:10] + b"\xff" * 20
+    data = data[:len(data) - int(e.query.get("cut", 0))] + e.query.get("more", "").encode("latin-1")
+    name = e.query.get("named", {"deflate": "deflate", "bare": "deflate"}.get(kind, "gzip"))
+    e.answer(int(e.query.get("status", 200)), data if kind != "nothing" else b"",
+             [("Content-Encoding", name)])
+
+
+@functools.lru_cache
+def packed_zeros():
+    packer = zlib.compressobj(wbits=31)
+    piece = b"\0" * 1_000_000
+    return b"".join(packer.compress(piece) for _ in range(20)) + packer.flush()
 
 
 def bomb(e):
     """Twenty megabytes in twenty kilobytes."""
-    packer = zlib.compressobj(wbits=31)
-    piece = b"\0" * 1_000_000
-    data = b"".join(packer.compress(piece) for _ in range(20)) + packer.flush()
-    e.answer(200, data, [("Content-Encoding", "gzip")])
+    e.answer(200, packed_zeros(), [("Content-Encoding", "gzip")])
 
 
 def endless(e):
@@ -207,15 +214,17 @@ def read_body(e, reader, header):
     if e.startswith("/upload/"):
         # Reads so many bytes of the body only, then does as the last word says.
         return reader.read(min(length, int(e.split("/")[2])))
+    if e.startswith("/stuck-reader"):
+        time.sleep(30)
+        raise Gone
     if e.startswith("/slow-reader"):
-        body = b""
-        while len(body) < length:
-            piece = reader.read(min(length - len(body), 65536))
+        while length > 0:
+            piece = reader.read(min(length, 1 << 18))
             if not piece:
                 raise Gone
-            body += piece
-            time.sleep(0.005)
-        return body
+            length -= len(piece)
+            time.sleep(0.003)
+        return piece
     return reader.read(length)
 
 
@@ -240,6 +249,8 @@ def serve(connection):
             if not line:
                 return
             method, target, _ = line.decode("latin-1").split(" ", 2)
+            if target.startswith("http://"):  # As a proxy is asked.
+                target = "/" + target.split("/", 3)[3]
             header = {}
             while (field := reader.readline(1 << 20)) not in (b"\r\n", b""):
                 name, _, value = field.decode("latin-1").partition(":")

@@ -1,6 +1,6 @@
-
 #include <ORLFoundation/platform/dispatch/internal/WorkerPool.h>
 
+#include <ORLFoundation/platform/base/BriefLock.h>
 #include <ORLFoundation/platform/dispatch/internal/Keeper.h>
 #include <ORLFoundation/platform/log/ORLFFatalError.h>
 #include <fcntl.h>
@@ -26,15 +26,6 @@ constexpr int kMostQuietLooks = 10;
 /// How often a worker looks for work, for some microseconds, before it sleeps. To wake it takes as
 /// long.
 constexpr int kMostGlances = 200;
-
-/// Some ten nanoseconds that leave the processor's other half its units.
-void rest() noexcept {
-#if defined(__x86_64__) || defined(__i386__)
-  __builtin_ia32_pause();
-#elif defined(__aarch64__)
-  asm volatile("yield");
-#endif
-}
 
 /// Whether the kernel neither runs the thread nor would if a processor were free. A thread that
 /// cannot be asked counts as blocked.
@@ -171,7 +162,7 @@ void WorkerPool::watchForWork(std::unique_lock<std::mutex>& guard) {
   if (isWatched_ || limits_.width == 1) return;
   isWatched_ = true;
   guard.unlock();
-  for (int left = kMostGlances; left > 0 && !hasMoreUrgentThan(kNoLevel); --left) rest();
+  for (int left = kMostGlances; left > 0 && !hasMoreUrgentThan(kNoLevel); --left) base::rest();
   guard.lock();
   isWatched_ = false;
 }

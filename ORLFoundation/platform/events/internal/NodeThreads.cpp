@@ -1,12 +1,13 @@
 #include <ORLFoundation/platform/events/internal/NodeThreads.h>
 
+#include <ORLFoundation/platform/base/NoSignals.h>
+
 #include <sys/epoll.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
 #include <chrono>
-#include <csignal>
 #include <cstdlib>
 #include <system_error>
 #include <thread>
@@ -57,22 +58,6 @@ void end() {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 
-/// New threads take over which signals are kept from them.
-class NoSignals {
- public:
-  NoSignals() {
-    sigset_t all;
-    ::sigfillset(&all);
-    ::pthread_sigmask(SIG_SETMASK, &all, &before_);
-  }
-  ~NoSignals() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-  NoSignals(const NoSignals&) = delete;
-  NoSignals& operator=(const NoSignals&) = delete;
-
- private:
-  sigset_t before_{};
-};
-
 }  // namespace
 
 bool serveWithThreads(NodeWatcher& watcher) {
@@ -81,7 +66,7 @@ bool serveWithThreads(NodeWatcher& watcher) {
   int started = 0;
   if (add(poll, watcher.queue().descriptor(), EPOLLIN) &&
       add(poll, watcher.mountTable().descriptor(), EPOLLPRI)) {
-    const NoSignals guard;
+    const base::NoSignals noSignals;
     try {
       for (; started < kThreads; ++started)
         std::thread([&watcher, poll] { serve(watcher, poll); }).detach();

@@ -28,11 +28,14 @@ class Delivery : public std::enable_shared_from_this<Delivery> {
   }
 
  private:
+  class Turn;
+
   template <class Event>
   static void runNow(Event& event) noexcept {
     event();
   }
   void push(std::function<void()> event);
+  void addTurn();
   void run();
 
   const std::shared_ptr<NSOperationQueue> queue_;

@@ -5,6 +5,7 @@
 #include <ORLFoundation/platform/net/internal/CookieJar.h>
 #include <ORLFoundation/platform/object/NSError.h>
 
+#include <string_view>
 #include <utility>
 
 namespace ORLFoundation::internal::net {
@@ -125,7 +126,8 @@ void Exchange::setUpFields() {
     if (!NSHTTPFieldNameOrder()(name, "Cookie") && !NSHTTPFieldNameOrder()("Cookie", name))
       continue;
     std::string field = name;
-    if (value.empty())
+    // libcurl leaves a field out whose value is blank, unless it is told so.
+    if (trimmed(value).empty())
       field += ';';
     else
       field.append(": ").append(value);
@@ -135,8 +137,6 @@ void Exchange::setUpFields() {
   curl_easy_setopt(handle_, CURLOPT_COOKIE, cookies ? cookies->c_str() : nullptr);
   addField("Expect:");
   if (hop_.method != "POST" && !fieldOf(hop_.fields, "Content-Type")) addField("Content-Type:");
-  if (!fieldOf(hop_.fields, "Accept-Encoding"))
-    curl_easy_setopt(handle_, CURLOPT_ACCEPT_ENCODING, "gzip, deflate");
   curl_easy_setopt(handle_, CURLOPT_HTTPHEADER, fields_.get());
 }
 
@@ -208,6 +208,9 @@ bool Exchange::takeHeader(std::string_view line) {
 }
 
 void Exchange::answerBegins() {
+  constexpr long kPart = 206;  // A range of the encoded bytes, which nobody can decode.
+  if (plan_.decodes && head_.status() != kPart)
+    encoding_ = bodyEncodingIn(fieldOf(head_.fields(), "Content-Encoding").value_or(""));
   recipient().began(std::make_shared<NSHTTPURLResponse>(
       NSURL::URLWithString(hop_.address), head_.status(), head_.version(), head_.fields()));
 }
@@ -223,17 +226,39 @@ std::size_t Exchange::takeBody(std::span<const std::uint8_t> bytes) {
     skipped_ += bytes.size();
     return skipped_ <= kMostSkipped ? bytes.size() : 0;
   }
-  switch (recipient().take(bytes)) {
+  switch (takeAnswer(bytes)) {
     case Recipient::Taking::Taken:
       return bytes.size();
     case Recipient::Taking::Later:
       isPaused_ = true;
       return CURL_WRITEFUNC_PAUSE;
     case Recipient::Taking::Refused:
-      refusal_ = recipient().refusal();
       return 0;
   }
   return 0;
+}
+
+Recipient::Taking Exchange::refuse(NSURLError code) noexcept {
+  refusal_ = code;
+  return Recipient::Taking::Refused;
+}
+
+// libcurl could decode, but takes a body that is cut off for a whole one.
+Recipient::Taking Exchange::takeAnswer(std::span<const std::uint8_t> bytes) {
+  Recipient::Taking taking = Recipient::Taking::Taken;
+  const auto receive = [&](std::span<const std::uint8_t> piece) {
+    taking = recipient().take(piece);
+    return taking == Recipient::Taking::Taken;
+  };
+  if (encoding_ == BodyEncoding::Unknown) return refuse(NSURLErrorCannotDecodeContentData);
+  if (encoding_ == BodyEncoding::None) {
+    receive(bytes);
+  } else {
+    if (!decoder_) decoder_ = std::make_unique<BodyDecoder>(encoding_);
+    if (decoder_->decode(bytes, receive) == BodyDecoder::Outcome::Broken)
+      return refuse(NSURLErrorCannotDecodeRawData);
+  }
+  return taking == Recipient::Taking::Refused ? refuse(recipient().refusal()) : taking;
 }
 
 void Exchange::proceed() {
@@ -241,7 +266,9 @@ void Exchange::proceed() {
   if (!std::exchange(isPaused_, false)) return;
   heard();
   loader_.askAt(timeAfter(heard_, plan_.timeout));
-  curl_easy_pause(handle_, CURLPAUSE_CONT);
+  // What waited is taken, or refused, within; libcurl would go on after a refusal.
+  const CURLcode result = curl_easy_pause(handle_, CURLPAUSE_CONT);
+  if (result != CURLE_OK) settle(result);
 }
 
 void Exchange::ended(CURLcode result) {
@@ -266,6 +293,9 @@ NSURLError Exchange::codeOfFailure(CURLcode result) const {
 // Destroys this.
 void Exchange::settle(CURLcode result) {
   detach();
+  if (result == CURLE_OK && decoder_ && !decoder_->isWhole())
+    refusal_ = NSURLErrorCannotDecodeRawData;
+  if (result == CURLE_OK && refusal_) result = CURLE_WRITE_ERROR;
   if (result == CURLE_OK && !head_.isWhole()) result = CURLE_WEIRD_SERVER_REPLY;
   loader_.finish(task(), result == CURLE_OK
                              ? nullptr
@@ -285,6 +315,7 @@ void Exchange::follow() {
   head_ = AnswerHead();
   skipped_ = 0;
   sent_ = 0;
+  isStarted_ = false;  // It may have to wait for a connection again.
   refusal_.reset();
   curl_easy_setopt(handle_, CURLOPT_COOKIEFILE, nullptr);  // What was set is not given back else.
   curl_easy_reset(handle_);

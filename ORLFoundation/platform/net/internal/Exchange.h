@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ORLFoundation/platform/net/internal/AnswerHead.h>
+#include <ORLFoundation/platform/net/internal/BodyDecoder.h>
 #include <ORLFoundation/platform/net/internal/Loader.h>
 #include <ORLFoundation/platform/net/internal/Transfer.h>
 #include <ORLFoundation/platform/net/internal/TransferPlan.h>
@@ -58,6 +59,8 @@ class Exchange final : public Transfer {
   static int onResolve(void*, void*, void* exchange);
   [[nodiscard]] bool takeHeader(std::string_view line);
   [[nodiscard]] std::size_t takeBody(std::span<const std::uint8_t> bytes);
+  [[nodiscard]] Recipient::Taking takeAnswer(std::span<const std::uint8_t> bytes);
+  [[nodiscard]] Recipient::Taking refuse(NSURLError code) noexcept;
   void answerBegins();
 
   Loader& loader_;
@@ -71,7 +74,9 @@ class Exchange final : public Transfer {
   AnswerHead head_;
   std::optional<std::string> location_;  ///< Of a redirect that is followed.
   std::size_t skipped_ = 0;              ///< Bytes of its body.
-  curl_off_t sent_ = 0;                  ///< Bytes of the request's body, in this hop.
+  BodyEncoding encoding_ = BodyEncoding::None;
+  std::unique_ptr<BodyDecoder> decoder_;  ///< There from the body's first bytes on.
+  curl_off_t sent_ = 0;                   ///< Bytes of the request's body, in this hop.
   std::optional<NSURLError> refusal_;
   bool isStarted_ = false;
   bool isPaused_ = false;

@@ -19,6 +19,8 @@ using std::chrono::steady_clock;
 constexpr std::size_t kMostStreams = 100;
 constexpr std::size_t kMostIdleHandles = 128;
 constexpr std::chrono::milliseconds kLongestSleep{60'000};
+/// Where the process had no descriptors left for waking the thread.
+constexpr std::chrono::milliseconds kUnwakedSleep{5};
 
 }  // namespace
 
@@ -35,14 +37,14 @@ void Loader::give(LoaderOrder order) {
   const bool needsThread =
       order.kind == LoaderOrder::Start || order.kind == LoaderOrder::Invalidate;
   const std::lock_guard guard(lock_);
-  if (!hasThread_ && !needsThread) return;
-  orders_.push_back(std::move(order));
   if (!hasThread_) {
+    if (!needsThread) return;
     runOnLoaderThread(shared_from_this());
     hasThread_ = true;
-  } else if (multi_ != nullptr && !isOwnThread()) {
-    curl_multi_wakeup(multi_);
   }
+  // Orders that wait have woken the thread, or it is about to look for them.
+  if (orders_.empty() && multi_ != nullptr && !isOwnThread()) curl_multi_wakeup(multi_);
+  orders_.push_back(std::move(order));
 }
 
 void Loader::leave() {
@@ -93,6 +95,7 @@ void Loader::openMulti() {
   const long most = static_cast<long>(std::min<NSInteger>(connections, 100'000));
   curl_multi_setopt(multi, CURLMOPT_MAX_HOST_CONNECTIONS, most);
   curl_multi_setopt(multi, CURLMOPT_MAXCONNECTS, std::max(64L, 2 * most));
+  canBeWoken_ = curl_multi_wakeup(multi) == CURLM_OK;
   const std::lock_guard guard(lock_);
   multi_ = multi;
   thread_ = std::this_thread::get_id();
@@ -204,7 +207,8 @@ void Loader::leaveServer(const Transfer& transfer) {
   while (!server.waiting.empty()) {
     const auto next = transfers_.find(server.waiting.front().get());
     server.waiting.pop_front();
-    if (next == transfers_.end()) continue;  // It was cancelled while it waited.
+    // It was cancelled while it waited, or is about to be: its server never hears of it.
+    if (next == transfers_.end() || next->second->task()->isCancelled()) continue;
     return admit(*next->second);
   }
   if (server.running == 0) servers_.erase(found);
@@ -273,7 +277,7 @@ void Loader::sleep() {
                                    [](const LocalLoad* load) { return load->isReady(); });
   if (hasWork || hasOrders() || mayEnd()) return;
   const auto now = steady_clock::now();
-  std::chrono::milliseconds span = kLongestSleep;
+  std::chrono::milliseconds span = canBeWoken_ ? kLongestSleep : kUnwakedSleep;
   // Up to the next millisecond, so that the time is past when the sleep ends.
   if (nextQuestion_ < now + span)
     span = std::chrono::ceil<std::chrono::milliseconds>(std::max(nextQuestion_, now) - now);

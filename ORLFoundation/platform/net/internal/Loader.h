@@ -48,7 +48,8 @@ class Loader final : public LoaderWork, public std::enable_shared_from_this<Load
          std::shared_ptr<NSOperationQueue> delegateQueue);
   ~Loader() override;
 
-  /// Any thread; orders are done in turn.
+  /// Any thread; orders are done in turn. Throws `std::system_error` where the first one gets no
+  /// thread.
   void give(LoaderOrder order);
   void run() override;
   void leave() override;
@@ -103,6 +104,7 @@ class Loader final : public LoaderWork, public std::enable_shared_from_this<Load
   CURLM* multi_ = nullptr;  ///< Changed under the lock, on the loader's thread.
 
   // The loader's thread alone.
+  bool canBeWoken_ = true;
   bool isClosed_ = false;
   bool isInvalidated_ = false;
   std::vector<LoaderOrder> invalidations_;

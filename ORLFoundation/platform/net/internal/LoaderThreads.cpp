@@ -1,12 +1,12 @@
 #include <ORLFoundation/platform/net/internal/LoaderThreads.h>
 
+#include <ORLFoundation/platform/base/NoSignals.h>
+
 #include <curl/curl.h>
-#include <pthread.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <condition_variable>
-#include <csignal>
 #include <cstdlib>
 #include <mutex>
 #include <set>
@@ -27,7 +27,7 @@ class Threads {
   }
   void leave(const std::shared_ptr<LoaderWork>& work) {
     const std::lock_guard guard(lock_);
-    running_.erase(work);
+    running_.erase(running_.find(work));
     hasLeft_.notify_all();
   }
   void end() {
@@ -44,7 +44,8 @@ class Threads {
   const pid_t process_ = ::getpid();
   std::mutex lock_;
   std::condition_variable hasLeft_;
-  std::set<std::shared_ptr<LoaderWork>> running_;
+  /// Twice where work runs again before its thread of before has ended.
+  std::multiset<std::shared_ptr<LoaderWork>> running_;
 };
 
 Threads* makeThreads() {
@@ -60,22 +61,6 @@ Threads& threads() {
   return *threads;
 }
 
-/// The calling thread, and those that it makes, get no signal meanwhile.
-class NoSignals {
- public:
-  NoSignals() {
-    sigset_t all;
-    ::sigfillset(&all);
-    ::pthread_sigmask(SIG_SETMASK, &all, &before_);
-  }
-  ~NoSignals() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-  NoSignals(const NoSignals&) = delete;
-  NoSignals& operator=(const NoSignals&) = delete;
-
- private:
-  sigset_t before_{};
-};
-
 }  // namespace
 
 void startCurl() {
@@ -85,7 +70,7 @@ void startCurl() {
 
 void runOnLoaderThread(const std::shared_ptr<LoaderWork>& work) {
   Threads& all = threads();
-  const NoSignals noSignals;
+  const base::NoSignals noSignals;
   all.enter(work);
   try {
     std::thread([&all, work] {

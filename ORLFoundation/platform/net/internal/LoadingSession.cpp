@@ -1,7 +1,6 @@
 #include <ORLFoundation/platform/net/internal/LoadingSession.h>
 
 #include <utility>
-#include <vector>
 
 namespace ORLFoundation::internal::net {
 
@@ -22,7 +21,7 @@ std::shared_ptr<Task> LoadingSession::makeTask(const std::shared_ptr<NSURLReques
   auto frozen = copyOf(request);
   auto self = std::static_pointer_cast<LoadingSession>(shared_from_this());
   const std::lock_guard guard(lock_);
-  if (isInvalidated_) return nullptr;
+  if (isClosed_) return nullptr;
   auto task = std::make_shared<Task>(std::move(self), ++lastIdentifier_, std::move(frozen));
   tasks_.emplace(lastIdentifier_, task);
   return task;
@@ -54,17 +53,24 @@ void LoadingSession::invalidate() {
   loader_->give(std::move(order));
 }
 
-void LoadingSession::invalidateAndCancel() {
+std::vector<std::shared_ptr<NSURLSessionTask>> LoadingSession::close() {
   std::vector<std::shared_ptr<NSURLSessionTask>> tasks;
-  {
-    const std::lock_guard guard(lock_);
-    for (const auto& [identifier, task] : tasks_)
-      if (auto living = task.lock()) tasks.push_back(std::move(living));
-  }
-  for (const auto& task : tasks) task->cancel();
+  const std::lock_guard guard(lock_);
+  isClosed_ = true;
+  for (const auto& [identifier, task] : tasks_)
+    if (auto living = task.lock()) tasks.push_back(std::move(living));
+  return tasks;
+}
+
+// Closed first: a task that another thread makes meanwhile would not be cancelled.
+void LoadingSession::invalidateAndCancel() {
+  for (const auto& task : close()) task->cancel();
   invalidate();
 }
 
-void LoadingSession::finishTasksAndInvalidate() { invalidate(); }
+void LoadingSession::finishTasksAndInvalidate() {
+  static_cast<void>(close());
+  invalidate();
+}
 
 }  // namespace ORLFoundation::internal::net

@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 namespace ORLFoundation::internal::net {
 
@@ -35,12 +36,16 @@ class LoadingSession final : public NSURLSession {
  private:
   template <class Task>
   [[nodiscard]] std::shared_ptr<Task> makeTask(const std::shared_ptr<NSURLRequest>& request);
+  /// No task is made any more. Gives those that have not ended.
+  [[nodiscard]] std::vector<std::shared_ptr<NSURLSessionTask>> close();
+  /// Tells the loader, once.
   void invalidate();
 
   const std::weak_ptr<NSURLSessionDelegate> delegate_;
   const std::shared_ptr<Loader> loader_;
   std::mutex lock_;
-  bool isInvalidated_ = false;
+  bool isClosed_ = false;
+  bool isInvalidated_ = false;  ///< Whether the loader knows.
   NSUInteger lastIdentifier_ = 0;
   std::map<NSUInteger, std::weak_ptr<NSURLSessionTask>> tasks_;  ///< Those that have not ended.
 };

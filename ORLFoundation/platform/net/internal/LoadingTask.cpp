@@ -52,7 +52,14 @@ void LoadingTask::begin(const std::shared_ptr<LoadingTask>& self) {
     session = session_;
     delegate_ = session->delegate();
   }
-  session->loader().give({LoaderOrder::Start, self});
+  try {
+    session->loader().give({LoaderOrder::Start, self});
+  } catch (...) {
+    const std::lock_guard guard(lock_);
+    state_ = State::Made;
+    delegate_.reset();
+    throw;
+  }
 }
 
 void LoadingTask::stop(const std::shared_ptr<LoadingTask>& self) {

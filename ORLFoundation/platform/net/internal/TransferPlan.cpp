@@ -32,6 +32,11 @@ NSHTTPHeaderFields fieldsOf(const NSURLRequest& request,
   return fields;
 }
 
+/// Of encoded bytes a range would be of no use.
+void askForEncodings(NSHTTPHeaderFields& fields) {
+  fields.emplace("Accept-Encoding", fields.contains("Range") ? "identity" : "gzip, deflate");
+}
+
 std::string withoutFragment(const std::string& address) {
   return address.substr(0, address.find('#'));
 }
@@ -57,6 +62,8 @@ TransferPlan planOf(const NSURLRequest& request, const NSURLSessionConfiguration
     return plan.failure = scheme.empty() ? NSURLErrorBadURL : NSURLErrorUnsupportedURL, plan;
   plan.hop = {withoutFragment(request.URL()->absoluteString()), request.HTTPMethod(),
               fieldsOf(request, configuration, policy), request.HTTPBody()};
+  plan.decodes = !plan.hop.fields.contains("Accept-Encoding");
+  if (plan.decodes) askForEncodings(plan.hop.fields);
   plan.origin = originOf(plan.hop.address);
   // libcurl would take the next word of the path for a host that is not there.
   if (plan.origin.empty() || request.URL()->host().value_or("").empty())

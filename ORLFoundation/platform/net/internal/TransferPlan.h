@@ -17,6 +17,8 @@ struct TransferPlan {
   std::string origin;                 ///< The server's scheme, name and port.
   Hop hop;
   bool usesCookies = true;
+  bool decodes =
+      true;  ///< Whether bodies come decoded: the request does not say itself what it takes.
   double timeout = 60.0;  ///< Seconds of silence; infinity for none.
   double resourceTimeout = 0.0;
 };

@@ -2,11 +2,16 @@
 /// then the queue of indicators.
 #pragma once
 
+#include <ORLFoundation/platform/base/BriefLock.h>
+
 #include <mutex>
 
 namespace ORLFoundation::internal::progress {
 
-[[nodiscard]] std::recursive_mutex& progressTreeLock() noexcept;
+/// Held for a fraction of a microsecond at a time.
+using ProgressTreeLock = base::BriefLock<std::recursive_mutex>;
+
+[[nodiscard]] ProgressTreeLock& progressTreeLock() noexcept;
 
 /// Holds it.
 class ProgressTreeGuard {
@@ -14,7 +19,7 @@ class ProgressTreeGuard {
   ProgressTreeGuard() : guard_(progressTreeLock()) {}
 
  private:
-  const std::lock_guard<std::recursive_mutex> guard_;
+  const std::lock_guard<ProgressTreeLock> guard_;
 };
 
 }  // namespace ORLFoundation::internal::progress
