@@ -16,6 +16,7 @@ using orlftest::ObservedEvent;
 using orlftest::ObservedFile;
 using orlftest::saveAtomically;
 using testing::ElementsAre;
+using testing::IsEmpty;
 
 class EndsOfObservation : public orlftest::TemporaryFolderTest {
  protected:
@@ -98,6 +99,39 @@ TEST_F(EndsOfObservation, LeavesNothingOpenHoweverItsObservationEnds) {
     orlftest::waitForEvents(observed_.queue);
   }
   EXPECT_EQ(openDescriptors(), before);
+}
+
+/// The kernel tells of an end in the middle of it, when the name still leads to the file. These are
+/// told many times over, so that the threads meet there.
+constexpr int kMeetings = 300;
+
+TEST_F(EndsOfObservation, TellsOfADeletionOnceHoweverEarlyItIsNoticed) {
+  for (int round = 0; round < kMeetings; ++round) {
+    write("file", "content");
+    start();
+    fs::remove(path("file"));
+    ASSERT_THAT(observed_.numbers(), ElementsAre(3)) << round;
+  }
+}
+
+TEST_F(EndsOfObservation, TellsOfTheEndOfOneOfTwoNamesHoweverEarlyItIsNoticed) {
+  start();
+  ObservedFile second(path("second"));
+  for (int round = 0; round < kMeetings; ++round) {
+    fs::create_hard_link(path("file"), path("second"));
+    ASSERT_TRUE(second.observer->startObserving());
+    fs::remove(path("second"));
+    ASSERT_EQ(second.numbers().back(), 3) << round;
+    ASSERT_THAT(observed_.numbers(), IsEmpty()) << round;
+  }
+}
+
+TEST_F(EndsOfObservation, TellsOfAnAtomicSaveOnceHoweverEarlyItIsNoticed) {
+  start();
+  for (int round = 0; round < kMeetings; ++round) {
+    saveAtomically(path("file"), "saved");
+    ASSERT_THAT(observed_.numbers(), ElementsAre(2)) << round;
+  }
 }
 
 /// Ends the process with 0 when a real unmounting was told as it should be, with 1 when not, and

@@ -149,6 +149,7 @@ TEST_F(FileSystemObserver, JoinsWhatComesWhileItsQueueIsBusy) {
     appendTo(path("file"));
     fs::rename(path("file"), path("backup"));
     write("file", "written again");
+    internal::events::NodeWatcher::shared()->pump();  // its thread may not have come to it
   });
   EXPECT_THAT(observed_.numbers(), ElementsAre(2));
   appendTo(path("backup"));

@@ -222,17 +222,26 @@ TEST_F(NSMainQueue, IsTriedOnlyWhereSomebodyServesIt) {
   std::this_thread::sleep_for(milliseconds(25));
   bool ran = false;
   const auto attempt = [&] { return NSTryOnMainThread([&] { ran = true; }); };
-  std::thread([&] {
-    const auto begun = steady_clock::now();
-    EXPECT_FALSE(attempt());
-    EXPECT_LT(steady_clock::now() - begun, milliseconds(15)) << "it was tried";
-  }).join();
-  pumpMainQueue(0);
-  std::thread([&] {
-    const auto begun = steady_clock::now();
-    EXPECT_FALSE(attempt());
-    EXPECT_GE(steady_clock::now() - begun, milliseconds(5)) << "it was not tried";
-  }).join();
+  const auto timeOfVain = [&] {
+    steady_clock::duration time{};
+    std::thread([&] {
+      const auto begun = steady_clock::now();
+      EXPECT_FALSE(attempt());
+      time = steady_clock::now() - begun;
+    }).join();
+    return time;
+  };
+  // A busy machine may hold up any thread at any time: one of some attempts tells.
+  constexpr int kAttempts = 50;
+  bool isQuick = false;
+  for (int i = 0; i < kAttempts && !isQuick; ++i) isQuick = timeOfVain() < milliseconds(15);
+  EXPECT_TRUE(isQuick) << "it was tried";
+  bool isSlow = false;
+  for (int i = 0; i < kAttempts && !isSlow; ++i) {
+    pumpMainQueue(0);
+    isSlow = timeOfVain() >= milliseconds(5);
+  }
+  EXPECT_TRUE(isSlow) << "it was not tried";
   pumpAll();
   EXPECT_FALSE(ran) << "it was given up";
   std::thread other([&] {

@@ -1,8 +1,10 @@
 /// A main thread whose clock stands still but for the test's hand.
 ///
 ///     orlftest::VirtualMainLoop loop;
-///     dispatch_after(dispatch_time(DISPATCH_TIME_NOW, 250'000'000), dispatch_get_main_queue(),
-///     block); loop.advance(249'000'000);   // nothing yet loop.advance(1'000'000);     // runs it
+///     const auto& queue = dispatch_get_main_queue();
+///     dispatch_after(dispatch_time(DISPATCH_TIME_NOW, 250'000'000), queue, block);
+///     loop.advance(249'000'000);   // nothing yet
+///     loop.advance(1'000'000);     // runs it
 #pragma once
 
 #include <ORLFoundation/platform/base/Replaced.h>

@@ -132,15 +132,14 @@ void ConcurrentQueue::async(dispatch_block_t block) {
 }
 
 void ConcurrentQueue::run(void (*call)(void*), void* argument) {
+  const std::shared_ptr<Queue> held = weak_from_this().lock();  // The call may drop the handles.
   const InQueue inside(this);
   call(argument);
 }
 
 void runOnQueue(const dispatch_queue_t& queue, void (*call)(void*), void* argument) {
   if (!queue) ORLFFatalError("work for a queue that is nil", __FILE__, __LINE__);
-  Queue& entered = *queue;  // The caller's pointer may change meanwhile.
-  const std::shared_ptr<Queue> held = entered.weak_from_this().lock();
-  entered.run(call, argument);
+  queue->run(call, argument);
 }
 
 }  // namespace internal::dispatch
@@ -155,7 +154,7 @@ dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t 
   const Level level = levelOf(attributes.qualityOfService);
   if (attributes.isConcurrent)
     return std::make_shared<ConcurrentQueue>(label, WorkerPool::shared(), level);
-  return std::make_shared<SerialQueue>(label, WorkerPool::shared(), level);
+  return SerialQueue::make(label, WorkerPool::shared(), level);
 }
 
 const dispatch_queue_t& dispatch_get_global_queue(std::int64_t identifier, std::uint64_t flags) {

@@ -147,6 +147,33 @@ TEST(dispatch_queue, LivesWhileItIsEntered) {
   }
 }
 
+/// The last handle goes while the queue is entered, served, handed on and left.
+TEST(dispatch_queue, LivesUntilItsLastOwnerHasLeftIt) {
+  constexpr int kRounds = 3000;
+  const auto done = dispatch_semaphore_create(0);
+  std::atomic<int> ran{0};
+  for (int round = 0; round < kRounds; ++round) {
+    auto queue = dispatch_queue_create("short", DISPATCH_QUEUE_SERIAL);
+    dispatch_async(dispatch_get_global_queue(QOS_CLASS_DEFAULT, 0), [&, held = queue]() mutable {
+      dispatch_async(held, [&, last = held] { ++ran; });
+      dispatch_sync(held, [&] {
+        held = nullptr;
+        ++ran;
+      });
+      dispatch_semaphore_signal(done);
+    });
+    dispatch_sync(queue, [&] { ++ran; });
+    dispatch_async(queue, [&] {
+      ++ran;
+      dispatch_semaphore_signal(done);
+    });
+    queue = nullptr;
+    EXPECT_TRUE(comes(done));
+    EXPECT_TRUE(comes(done));
+  }
+  while (ran < 4 * kRounds) std::this_thread::yield();
+}
+
 TEST(dispatch_queue, DropsABlockWhenItHasRun) {
   for (const auto attributes : {DISPATCH_QUEUE_SERIAL, DISPATCH_QUEUE_CONCURRENT}) {
     const auto queue = dispatch_queue_create("queue", attributes);

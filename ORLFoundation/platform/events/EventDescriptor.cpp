@@ -5,9 +5,12 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 namespace ORLFoundation::internal::events {
@@ -29,12 +32,31 @@ bool leadsTo(const std::string& path, const struct stat& file) {
          found.st_ino == file.st_ino;
 }
 
+bool hasName(int descriptor) {
+  struct stat file {};
+  return ::fstat(descriptor, &file) == 0 && file.st_nlink > 0;
+}
+
 }  // namespace
 
 int openForEvents(const std::string& path) {
-  if (path.find('\0') == std::string::npos) return ::open(path.c_str(), O_PATH | O_CLOEXEC);
+  if (path.find('\0') == std::string::npos) {
+    const int descriptor = ::open(path.c_str(), O_PATH | O_CLOEXEC);
+    if (descriptor < 0 || hasName(descriptor)) return descriptor;
+    ::close(descriptor);
+  }
   errno = ENOENT;
   return -1;
+}
+
+void waitForChangesAround(const std::string& path) {
+  static std::atomic<std::int64_t> lookups{
+      std::chrono::steady_clock::now().time_since_epoch().count()};
+  // A name that nobody has asked for before is looked for in the folder itself, which the kernel
+  // keeps closed while a change is under way.
+  const std::string folder = path.substr(0, path.rfind('/') + 1);
+  struct stat found {};
+  static_cast<void>(::lstat((folder + ".orlf-" + std::to_string(++lookups)).c_str(), &found));
 }
 
 std::optional<std::string> pathOfDescriptor(int descriptor) {

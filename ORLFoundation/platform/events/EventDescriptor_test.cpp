@@ -93,6 +93,23 @@ TEST_F(EventDescriptor, TellsWhatCannotBeOpened) {
   EXPECT_EQ(errorOf(path("round")), ELOOP);
 }
 
+TEST_F(EventDescriptor, IsNotOfAFileWithoutAName) {
+  const int file = open(write("a", "text"));
+  const std::string link = "/proc/self/fd/" + std::to_string(file);
+  EXPECT_GE(open(link), 0);
+  fs::remove(path("a"));
+  EXPECT_EQ(open(link), -1);
+  EXPECT_EQ(errno, ENOENT);
+}
+
+TEST_F(EventDescriptor, LeavesNothingBehindWhereItWaits) {
+  waitForChangesAround(write("a", "text"));
+  waitForChangesAround(path("nothing/a"));
+  waitForChangesAround("/a");
+  waitForChangesAround("");
+  EXPECT_EQ(names(), std::vector<std::string>{"a"});
+}
+
 TEST_F(EventDescriptor, HasNoPathWhereThereIsNone) {
   EXPECT_EQ(pathOfDescriptor(-1), std::nullopt);
   EXPECT_EQ(pathOfDescriptor(1'000'000), std::nullopt);

@@ -50,6 +50,7 @@ std::unique_ptr<NodeWatch> NodeWatcher::watch(NodeRequest request) {
       return nullptr;
     }
     if (user->state.isFolder()) guard(user);
+    if (user->request.openedAt) passOverArrival(*user, touched);
     noteStart(*user);
     if (user->due != 0) touched.push_back(user);
   }
@@ -127,6 +128,7 @@ void NodeWatcher::take(const KernelEvent& event, Touched& touched) {
 
 void NodeWatcher::touch(const std::shared_ptr<NodeUser>& user, std::uint32_t mask,
                         Touched& touched) {
+  if (user->isNew) return;
   if (!user->isTouched) touched.push_back(user);
   user->touch(mask);
 }
@@ -134,7 +136,7 @@ void NodeWatcher::touch(const std::shared_ptr<NodeUser>& user, std::uint32_t mas
 void NodeWatcher::takeLostEvents(Touched& touched) {
   for (const auto& [watch, users] : nodes_)
     for (const auto& user : users) {
-      if (user->isGuard()) continue;
+      if (user->isGuard() || user->isNew) continue;
       touch(user, 0, touched);
       user->hasLostEvents = true;
     }
@@ -199,6 +201,17 @@ void NodeWatcher::remove(const std::shared_ptr<NodeUser>& user) {
     if (!other->isGuard()) holder = other.get();
   }
   if (holder != nullptr) queue_->set(holder->handle(), mask);
+}
+
+/// The move that brought a file to its name is told last, when others may have found it there and
+/// watch it: it is none of theirs.
+void NodeWatcher::passOverArrival(NodeUser& user, Touched& touched) {
+  const auto path = pathOfDescriptor(user.request.descriptor);
+  if (!path) return;
+  waitForChangesAround(*path);
+  user.isNew = true;
+  for (const auto& other : collect(false)) touched.push_back(other);
+  user.isNew = false;
 }
 
 void NodeWatcher::noteStart(NodeUser& user) {

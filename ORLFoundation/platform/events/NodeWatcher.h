@@ -132,6 +132,7 @@ class NodeWatcher {
   [[nodiscard]] bool add(const std::shared_ptr<NodeUser>& user, const std::string& path);
   void guard(const std::shared_ptr<NodeUser>& user);
   void remove(const std::shared_ptr<NodeUser>& user);
+  void passOverArrival(NodeUser& user, Touched& touched);
   void noteStart(NodeUser& user);
 
   const std::unique_ptr<KernelQueue> queue_;

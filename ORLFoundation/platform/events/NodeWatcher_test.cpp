@@ -27,140 +27,16 @@ namespace {
 
 namespace fs = std::filesystem;
 using orlftest::kAllNodeFlags;
+using orlftest::NodeWatcherTest;
 using orlftest::WatchedNode;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-void append(const std::string& path, const std::string& text = "more") {
-  std::ofstream(path, std::ios::app) << text;
-}
-
-/// A file "a" and an empty folder "d" in a folder, all beneath a fresh one.
-class NodeWatcherTest : public orlftest::TemporaryFolderTest {
- protected:
-  NodeWatcherTest() {
-    write("a", "text");
-    fs::create_directory(path("d"));
-  }
-  std::uint64_t flagsAfterPump(WatchedNode& node) {
-    watcher_.pump();
-    return node.flags();
-  }
-
-  NodeWatcher watcher_{KernelQueue::make(), MountTable::make()};
-};
-
-struct FlagCase {
-  std::string name;
-  std::function<void(const fs::path& folder)> act;
-  std::uint64_t file;    // the flags of the file "a"
-  std::uint64_t folder;  // the flags of the folder that holds it
-};
-
-const FlagCase kFlagCases[] = {
-    {"Append", [](const fs::path& at) { append(at / "a"); }, kNodeWrite | kNodeExtend, 0},
-    {"Overwrite",
-     [](const fs::path& at) { std::fstream(at / "a", std::ios::in | std::ios::out) << "T"; },
-     kNodeWrite, 0},
-    {"Truncate", [](const fs::path& at) { fs::resize_file(at / "a", 1); }, kNodeWrite, 0},
-    {"TruncateToItsSize", [](const fs::path& at) { std::ofstream(at / "a", std::ios::trunc); },
-     kNodeWrite, 0},
-    {"Read",
-     [](const fs::path& at) {
-       std::string text;
-       std::ifstream(at / "a") >> text;
-       EXPECT_EQ(text, "text");
-     },
-     0, 0},
-    {"Rights", [](const fs::path& at) { fs::permissions(at / "a", fs::perms::owner_read); },
-     kNodeAttribute, 0},
-    {"Times",
-     [](const fs::path& at) {
-       const std::array<timespec, 2> times{{{1, 0}, {1, 0}}};
-       ASSERT_EQ(::utimensat(AT_FDCWD, (at / "a").c_str(), times.data(), 0), 0);
-     },
-     kNodeAttribute, 0},
-    // To the kernel the time of writing alone is set by writing.
-    {"TimeOfWriting",
-     [](const fs::path& at) {
-       fs::last_write_time(at / "a", fs::file_time_type::clock::now() - std::chrono::hours(1));
-     },
-     kNodeWrite, 0},
-    {"ExtendedAttribute",
-     [](const fs::path& at) {
-       ASSERT_EQ(::setxattr((at / "a").c_str(), "user.mark", "1", 1, 0), 0);
-     },
-     kNodeAttribute, 0},
-    {"SecondName", [](const fs::path& at) { fs::create_hard_link(at / "a", at / "b"); }, kNodeLink,
-     kNodeWrite},
-    {"RightsAndSecondName",
-     [](const fs::path& at) {
-       fs::permissions(at / "a", fs::perms::owner_read);
-       fs::create_hard_link(at / "a", at / "b");
-     },
-     kNodeLink | kNodeAttribute, kNodeWrite},
-    {"Rename", [](const fs::path& at) { fs::rename(at / "a", at / "b"); }, kNodeRename, kNodeWrite},
-    {"RenameAndBack",
-     [](const fs::path& at) {
-       fs::rename(at / "a", at / "b");
-       fs::rename(at / "b", at / "a");
-     },
-     kNodeRename, kNodeWrite},
-    {"MoveIntoFolder", [](const fs::path& at) { fs::rename(at / "a", at / "d/a"); }, kNodeRename,
-     kNodeWrite},
-    {"Delete", [](const fs::path& at) { fs::remove(at / "a"); }, kNodeDelete | kNodeLink,
-     kNodeWrite},
-    {"AtomicSave",
-     [](const fs::path& at) {
-       append(at / "new");
-       fs::rename(at / "new", at / "a");
-     },
-     kNodeDelete | kNodeLink, kNodeWrite},
-    {"Exchange",
-     [](const fs::path& at) {
-       append(at / "new");
-       ASSERT_EQ(::renameat2(AT_FDCWD, (at / "a").c_str(), AT_FDCWD, (at / "new").c_str(),
-                             RENAME_EXCHANGE),
-                 0);
-     },
-     kNodeRename, kNodeWrite},
-    {"WriteThenDelete",
-     [](const fs::path& at) {
-       fs::resize_file(at / "a", 2);
-       fs::remove(at / "a");
-     },
-     kNodeWrite | kNodeDelete | kNodeLink, kNodeWrite},
-    {"OtherFile", [](const fs::path& at) { append(at / "other"); }, 0, kNodeWrite},
-    {"FolderAround",
-     [](const fs::path& at) {
-       fs::rename(at, at.string() + "x");
-       fs::rename(at.string() + "x", at);
-     },
-     0, kNodeRename},
-    {"SubfolderIsMade", [](const fs::path& at) { fs::create_directory(at / "e"); }, 0,
-     kNodeWrite | kNodeLink},
-};
-
-class NodeFlags : public NodeWatcherTest, public testing::WithParamInterface<FlagCase> {};
-
-TEST_P(NodeFlags, TellTheFileAndTheFolderThatHoldsIt) {
-  WatchedNode file(watcher_, path("a"));
-  WatchedNode folder(watcher_, folder_);
-  GetParam().act(folder_);
-  EXPECT_EQ(flagsAfterPump(file), GetParam().file);
-  // Whether a folder grows by a name is the file system's matter.
-  EXPECT_EQ(folder.flags() & ~std::uint64_t{kNodeExtend}, GetParam().folder);
-  EXPECT_EQ(flagsAfterPump(file), 0U) << "told once";
-}
-
-INSTANTIATE_TEST_SUITE_P(Acts, NodeFlags, testing::ValuesIn(kFlagCases),
-                         [](const auto& row) { return row.param.name; });
 
 TEST_F(NodeWatcherTest, TellsWhatIsAskedAndNoMore) {
   for (std::uint64_t asked = 0; asked <= kAllNodeFlags; ++asked) {
     write("each", "text");
     WatchedNode node(watcher_, path("each"), asked);
-    append(path("each"));
+    orlftest::appendToNode(path("each"));
     fs::permissions(path("each"), fs::perms::owner_all);
     fs::create_hard_link(path("each"), path("other"));
     fs::rename(path("each"), path("moved"));
@@ -172,10 +48,10 @@ TEST_F(NodeWatcherTest, TellsWhatIsAskedAndNoMore) {
 
 TEST_F(NodeWatcherTest, JoinsWhatCameTogether) {
   WatchedNode node(watcher_, path("a"));
-  append(path("a"));
+  orlftest::appendToNode(path("a"));
   fs::rename(path("a"), path("b"));
   watcher_.pump();
-  append(path("b"));
+  orlftest::appendToNode(path("b"));
   watcher_.pump();
   watcher_.pump();
   EXPECT_THAT(node.words(),
@@ -189,7 +65,7 @@ TEST_F(NodeWatcherTest, GivesEachUserOfAFileItsOwnFlagsAndOutlivesTheOthers) {
   WatchedNode both(watcher_, path("a"), kNodeWrite | kNodeAttribute);
   EXPECT_EQ(watcher_.nodes(), 1U);
   const auto change = [&] {
-    append(path("a"));
+    orlftest::appendToNode(path("a"));
     fs::permissions(path("a"), fs::perms::owner_write, fs::perm_options::replace);
     fs::permissions(path("a"), fs::perms::owner_all, fs::perm_options::replace);
     watcher_.pump();
@@ -230,7 +106,7 @@ TEST_F(NodeWatcherTest, TellsOfTheEndOfAFolder) {
   WatchedNode folder(watcher_, path("d"));
   WatchedNode other(watcher_, path("e"));
   WatchedNode around(watcher_, folder_, kNodeRename);
-  append(path("d/x"));
+  orlftest::appendToNode(path("d/x"));
   EXPECT_EQ(flagsAfterPump(folder) & ~std::uint64_t{kNodeExtend}, kNodeWrite);
   fs::rename(path("d"), path("e/d"));
   EXPECT_EQ(flagsAfterPump(folder), kNodeRename);
@@ -277,7 +153,7 @@ TEST_F(NodeWatcherTest, TellsOfAFolderThatIsReplaced) {
 
 TEST_F(NodeWatcherTest, NeverTellsAFolderOfWritesInsideItsFiles) {
   WatchedNode folder(watcher_, folder_, kAllNodeFlags);
-  append(path("a"));
+  orlftest::appendToNode(path("a"));
   fs::permissions(path("a"), fs::perms::owner_read);
   fs::create_directory(path("d/inner"));
   EXPECT_EQ(flagsAfterPump(folder), 0U);
@@ -285,7 +161,7 @@ TEST_F(NodeWatcherTest, NeverTellsAFolderOfWritesInsideItsFiles) {
 
 TEST_F(NodeWatcherTest, TellsALateUserNothingOfBefore) {
   WatchedNode early(watcher_, path("a"));
-  append(path("a"));
+  orlftest::appendToNode(path("a"));
   WatchedNode late(watcher_, path("a"));
   EXPECT_EQ(early.flags(), kNodeWrite | kNodeExtend) << "what waited was reported";
   EXPECT_EQ(flagsAfterPump(late), 0U);
@@ -310,6 +186,42 @@ TEST_F(NodeWatcherTest, TellsAtOnceOfWhatEndedBeforeItBegan) {
   EXPECT_THAT(inPlace.words(), IsEmpty());
 }
 
+/// The kernel's own queue, which tells of a move once something was added.
+class MovingQueue final : public KernelQueue {
+ public:
+  [[nodiscard]] int descriptor() const override { return -1; }
+  [[nodiscard]] int add(const std::string& path, std::uint32_t mask) override {
+    return moved_ = queue_->add(path, mask);
+  }
+  void set(const std::string& path, std::uint32_t mask) override { queue_->set(path, mask); }
+  void remove(int watch) override { queue_->remove(watch); }
+  [[nodiscard]] std::vector<KernelEvent> read() override {
+    auto found = queue_->read();
+    constexpr std::uint32_t kMoved = 0x800;
+    if (const int moved = std::exchange(moved_, -1); moved >= 0)
+      found.push_back({moved, kMoved, false});
+    return found;
+  }
+
+ private:
+  const std::unique_ptr<KernelQueue> queue_ = KernelQueue::make();
+  int moved_ = -1;
+};
+
+TEST_F(NodeWatcherTest, TellsNothingOfTheMoveThatBroughtTheFileToItsName) {
+  NodeWatcher watcher(std::make_unique<MovingQueue>(), MountTable::make());
+  WatchedNode elsewhere(watcher, path("a"), kAllNodeFlags, false);
+  watcher.pump();
+  EXPECT_THAT(elsewhere.words(), ElementsAre(kNodeRename));
+  WatchedNode inPlace(watcher, path("a"), kAllNodeFlags, true);
+  watcher.pump();
+  EXPECT_THAT(inPlace.words(), IsEmpty());
+  EXPECT_THAT(elsewhere.words(), ElementsAre(kNodeRename)) << "it was watched before";
+  orlftest::appendToNode(path("a"));
+  watcher.pump();
+  EXPECT_THAT(inPlace.words(), ElementsAre(kNodeWrite | kNodeExtend));
+}
+
 TEST_F(NodeWatcherTest, RefusesWhatCannotBeWatched) {
   const auto errorOf = [&](int descriptor) {
     NodeRequest request;
@@ -326,7 +238,7 @@ TEST_F(NodeWatcherTest, WatchesAFileThroughALinkAndTheRoot) {
   fs::create_symlink(path("a"), path("link"));
   WatchedNode node(watcher_, path("link"));
   WatchedNode root(watcher_, "/");
-  append(path("a"));
+  orlftest::appendToNode(path("a"));
   EXPECT_EQ(flagsAfterPump(node), kNodeWrite | kNodeExtend);
   fs::remove(path("link"));
   EXPECT_EQ(flagsAfterPump(node), 0U) << "the link is another file";
@@ -346,7 +258,7 @@ TEST_F(NodeWatcherTest, TellsWhenWritersHaveFinished) {
   std::ofstream(path("a"), std::ios::app).close();
   std::ifstream(path("a")).close();
   EXPECT_EQ(flagsAfterPump(node), 0U) << "nobody wrote";
-  append(path("a"));
+  orlftest::appendToNode(path("a"));
   EXPECT_EQ(flagsAfterPump(node), kNodeWrite | kNodeSettled);
 }
 
@@ -362,7 +274,7 @@ TEST_F(NodeWatcherTest, TellsWhenWritersHaveFinished) {
       ::syscall(SYS_dup3, node.descriptor(), std::stoi(entry.path().filename()), O_CLOEXEC);
   }
   for (int threads = 0; threads < 2; ++threads) {
-    append(file);  // wakes one
+    orlftest::appendToNode(file);  // wakes one
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }
   const std::clock_t before = std::clock();
@@ -391,7 +303,7 @@ TEST_F(NodeWatcherTest, KeepsMasksThroughRandomComingAndGoing) {
       users.erase(users.begin() + at);
       asked.erase(asked.begin() + at);
     }
-    append(path("a"), "x");
+    orlftest::appendToNode(path("a"), "x");
     fs::permissions(path("a"), round % 2 == 0 ? fs::perms::owner_all : fs::perms::owner_read);
     watcher_.pump();
     for (std::size_t i = 0; i < users.size(); ++i) ASSERT_EQ(users[i]->flags(), asked[i]) << round;

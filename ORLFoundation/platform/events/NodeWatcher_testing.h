@@ -5,9 +5,12 @@
 #include <ORLFoundation/platform/events/EventDescriptor.h>
 #include <ORLFoundation/platform/events/NodeWatcher.h>
 #include <gtest/gtest.h>
+#include <tests/support/TemporaryFolder.h>
 #include <unistd.h>
 
 #include <deque>
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <optional>
 #include <set>
@@ -68,6 +71,25 @@ class WatchedNode {
   int descriptor_;
   std::vector<std::uint64_t> words_;
   std::unique_ptr<events::NodeWatch> watch_;
+};
+
+inline void appendToNode(const std::string& path, const std::string& text = "more") {
+  std::ofstream(path, std::ios::app) << text;
+}
+
+/// A file "a" and an empty folder "d" in a folder, all beneath a fresh one.
+class NodeWatcherTest : public TemporaryFolderTest {
+ protected:
+  NodeWatcherTest() {
+    write("a", "text");
+    std::filesystem::create_directory(path("d"));
+  }
+  std::uint64_t flagsAfterPump(WatchedNode& node) {
+    watcher_.pump();
+    return node.flags();
+  }
+
+  events::NodeWatcher watcher_{events::KernelQueue::make(), events::MountTable::make()};
 };
 
 /// The kernel's own queue, which loses what it is told to lose as if it had been too long.

@@ -31,6 +31,10 @@ inline constexpr std::string_view NSSQLiteStoreType = internal::store::kSQLiteSt
 inline constexpr std::string_view NSStoreTypeKey = "NSStoreType";
 inline constexpr std::string_view NSStoreUUIDKey = "NSStoreUUID";
 
+/// Errors of the database library, by its numbers, extended ones too (5: locked by a writer). They
+/// stand under `NSUnderlyingErrorKey` of the error that is told.
+inline constexpr std::string_view NSSQLiteErrorDomain = "NSSQLiteErrorDomain";
+
 /// The code of `NSCocoaErrorDomain` for types of stores that are not known.
 inline constexpr NSInteger NSPersistentStoreInvalidTypeError = 134000;
 

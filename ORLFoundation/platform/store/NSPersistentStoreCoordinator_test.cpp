@@ -186,6 +186,10 @@ TEST_F(StoreMetadata, ReadsBesideAWriterAndIsToldToWaitByALockedStore) {
   EXPECT_EQ(failureOf("a.sqlite"), 0);
   writer.run("COMMIT; BEGIN EXCLUSIVE");
   EXPECT_EQ(failureOf("a.sqlite"), NSFileReadUnknownError);
+  const auto cause = error_->userInfo()->objectForKey(NSUnderlyingErrorKey).as<NSError>();
+  EXPECT_EQ(cause->domain(), NSSQLiteErrorDomain);
+  EXPECT_EQ(cause->code(), SQLITE_BUSY);
+  EXPECT_EQ(cause->localizedDescription(), "database is locked");
 }
 
 TEST_F(StoreMetadata, RefusesAddressesThatNameNoFile) {

@@ -49,15 +49,6 @@ NSComparisonResult compareMagnitudes(const NSDecimal& left, const NSDecimal& rig
   return ours < theirs ? NSOrderedAscending : NSOrderedDescending;
 }
 
-/// Divides by a power of ten below 2^64; false when it does not go without a rest.
-bool divideEvenly(Wide& mantissa, std::uint64_t by) noexcept {
-  const std::uint64_t high = highWord(mantissa);
-  const auto lower = divideTwoWords(high % by, lowWord(mantissa), by);
-  if (lower.remainder != 0) return false;
-  mantissa = (Wide{high / by} << 64) | lower.quotient;
-  return true;
-}
-
 constexpr std::uint64_t mixed(std::uint64_t bits) noexcept {
   bits *= 0x9E3779B97F4A7C15U;
   return bits ^ (bits >> 32);
@@ -77,13 +68,16 @@ NSDecimal NSDecimal::compacted() const noexcept {
   if (isNaN()) return *this;
   if (isZero()) return {};
   Wide digits = mantissa();
-  int exponent = exponent_;
+  int exponent = this->exponent();
   for (const int step : kZeroSteps) {
     // A multiple of 10^n is one of 2^n.
     if ((digits & ((Wide{1} << step) - 1)) != 0 || exponent + step > kLargestExponent) continue;
-    if (divideEvenly(digits, shortPowerOfTen(step))) exponent += step;
+    const WordDivision divided = divideWide(digits, shortPowerOfTen(step));
+    if (divided.remainder != 0) continue;
+    digits = divided.quotient;
+    exponent += step;
   }
-  return {digits, exponent, negative_};
+  return {digits, exponent, isNegative()};
 }
 
 NSComparisonResult NSDecimal::compareUnlike(const NSDecimal& other) const noexcept {
@@ -96,18 +90,19 @@ NSComparisonResult NSDecimal::compareUnlike(const NSDecimal& other) const noexce
 
 NSUInteger NSDecimal::hash() const noexcept {
   const NSDecimal value = compacted();
-  const auto place = static_cast<std::uint64_t>(value.exponent_ - kSmallestExponent);
-  return mixed(value.low_ ^ mixed(value.high_ ^ mixed(place << 1 | std::uint64_t{negative_})));
+  const auto place = static_cast<std::uint64_t>(value.place_ - 2 * kSmallestExponent);
+  return mixed(value.low_ ^ mixed(value.high_ ^ mixed(place)));
 }
 
 double NSDecimal::doubleValue() const noexcept {
   if (isNaN()) return std::nan("");
-  if (isShort() && low_ <= kExactDoubleEnd && exponent_ >= -22 && exponent_ <= 22) {
+  const int place = exponent();
+  if (isShort() && low_ <= kExactDoubleEnd && place >= -22 && place <= 22) {
     // Both numbers are exact, so that the one operation gives the nearest double.
     const auto magnitude = static_cast<double>(low_);
-    const double power = kExactDoublePowers[static_cast<std::size_t>(std::abs(exponent_))];
-    const double value = exponent_ < 0 ? magnitude / power : magnitude * power;
-    return negative_ ? -value : value;
+    const double power = kExactDoublePowers[static_cast<std::size_t>(std::abs(place))];
+    const double value = place < 0 ? magnitude / power : magnitude * power;
+    return isNegative() ? -value : value;
   }
   char text[kLongestText];
   const char* end = writeTo(text);

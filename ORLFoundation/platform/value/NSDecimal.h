@@ -57,8 +57,7 @@ class NSDecimal {
   constexpr NSDecimal(Mantissa mantissa, int exponent, bool isNegative) noexcept
       : low_(static_cast<std::uint64_t>(mantissa)),
         high_(static_cast<std::uint64_t>(mantissa >> 64)),
-        exponent_(static_cast<std::int16_t>(exponent)),
-        negative_(isNegative && mantissa != 0) {}
+        place_(static_cast<std::int16_t>(exponent) * 2 + (isNegative && mantissa != 0 ? 1 : 0)) {}
 
   [[nodiscard]] static constexpr NSDecimal zero() noexcept { return {}; }
   [[nodiscard]] static constexpr NSDecimal one() noexcept { return {1, 0, false}; }
@@ -87,13 +86,13 @@ class NSDecimal {
   [[nodiscard]] constexpr bool isNaN() const noexcept { return (high_ & kNotANumber) != 0; }
   [[nodiscard]] constexpr bool isZero() const noexcept { return (low_ | high_) == 0; }
   /// Below zero.
-  [[nodiscard]] constexpr bool isNegative() const noexcept { return negative_; }
+  [[nodiscard]] constexpr bool isNegative() const noexcept { return (place_ & 1) != 0; }
   /// The digits as they are stored: 1.50 may hold 150 and -2, or 15 and -1 (see `compacted`). Not
   /// for not-a-number.
   [[nodiscard]] constexpr Mantissa mantissa() const noexcept {
     return (Mantissa{high_} << 64) | low_;
   }
-  [[nodiscard]] constexpr int exponent() const noexcept { return exponent_; }
+  [[nodiscard]] constexpr int exponent() const noexcept { return static_cast<int>(place_ >> 1); }
   /// The mantissa fits 64 bits; false for not-a-number.
   [[nodiscard]] constexpr bool isShort() const noexcept { return high_ == 0; }
   /// The low 64 bits of the mantissa.
@@ -103,18 +102,17 @@ class NSDecimal {
   /// The same value with the other sign; zero and not-a-number stay.
   [[nodiscard]] constexpr NSDecimal negated() const noexcept {
     NSDecimal value = *this;
-    value.negative_ = !negative_ && !isZero() && !isNaN();
+    if (!isZero() && !isNaN()) value.place_ ^= 1;
     return value;
   }
 
   /// `compare:`  By value. Not-a-number equals itself and comes before every number.
   [[nodiscard]] NSComparisonResult compare(const NSDecimal& other) const noexcept {
-    if (exponent_ != other.exponent_ || negative_ != other.negative_ || isNaN() || other.isNaN())
-      return compareUnlike(other);
+    if (place_ != other.place_ || isNaN() || other.isNaN()) return compareUnlike(other);
     const Mantissa left = mantissa();
     const Mantissa right = other.mantissa();
     if (left == right) return NSOrderedSame;
-    return (left < right) != negative_ ? NSOrderedAscending : NSOrderedDescending;
+    return (left < right) != isNegative() ? NSOrderedAscending : NSOrderedDescending;
   }
   /// Equal values have equal hashes.
   [[nodiscard]] NSUInteger hash() const noexcept;
@@ -144,8 +142,9 @@ class NSDecimal {
 
   std::uint64_t low_ = 0;
   std::uint64_t high_ = 0;
-  std::int16_t exponent_ = 0;
-  bool negative_ = false;
+  /// Twice the exponent, and one more below zero. A whole word, as the others: a copy reads words,
+  /// and waits for the parts of one that were written apart.
+  std::int64_t place_ = 0;
 };
 
 }  // namespace ORLFoundation

@@ -5,6 +5,7 @@
 #include <ORLFoundation/platform/value/internal/WideInteger.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace ORLFoundation {
 
@@ -58,32 +59,94 @@ bool addWithinDigits(const NSDecimal& upper, const NSDecimal& lower, NSDecimal& 
   return true;
 }
 
-/// Drops digits of a short mantissa.
-NSDecimal roundShort(const NSDecimal& number, int drop, NSRoundingMode mode) noexcept {
-  const std::uint64_t unit = shortPowerOfTen(drop);
-  const std::uint64_t kept = number.shortMantissa() / unit;
-  const Dropped dropped = classOfRemainder(number.shortMantissa() % unit, unit);
-  const bool away = roundsAway(mode, number.isNegative(), (kept & 1) != 0, dropped);
-  return {kept + (away ? 1U : 0U), number.exponent() + drop, number.isNegative()};
+struct SignedSum {
+  Wide digits;
+  bool isNegative;
+};
+
+/// The sum of two magnitudes below 2^127 under their signs, without a branch.
+constexpr SignedSum signedSum(Wide left, bool isLeftNegative, Wide right,
+                              bool isRightNegative) noexcept {
+  const bool areUnlike = isLeftNegative != isRightNegative;
+  const Wide sum = left + withSign(right, areUnlike);
+  const bool isTurned = areUnlike && (sum >> 127) != 0;
+  return {withSign(sum, isTurned), isLeftNegative != isTurned};
 }
 
-/// Rounds a quotient of 38 digits.
+/// Mantissas of 64 bits that are at most this many digits apart have an exact sum.
+constexpr int kShortDistance = 18;
+
+/// Both mantissas short, their exponents at most `kShortDistance` apart.
+NSDecimal addShort(const NSDecimal& left, const NSDecimal& right, int distance) noexcept {
+  const SignedSum sum = signedSum(
+      Wide{left.shortMantissa()} * shortPowerOfTen(std::max(distance, 0)), left.isNegative(),
+      Wide{right.shortMantissa()} * shortPowerOfTen(std::max(-distance, 0)), right.isNegative());
+  return {sum.digits, std::min(left.exponent(), right.exponent()), sum.isNegative};
+}
+
+/// Drops at most 19 digits.
+NSDecimal roundByWord(const NSDecimal& number, int drop, NSRoundingMode mode) noexcept {
+  const std::uint64_t unit = shortPowerOfTen(drop);
+  const WordDivision kept = divideWide(number.mantissa(), unit);
+  const bool away = roundsAway(mode, number.isNegative(), (kept.quotient & 1) != 0,
+                               classOfRemainder(kept.remainder, unit));
+  return {kept.quotient + (away ? 1 : 0), number.exponent() + drop, number.isNegative()};
+}
+
+/// Rounds a quotient of 38 digits; one without a rest takes no more digits than it needs.
 NSDecimalResult roundedQuotient(const WideQuotient& quotient, int exponent, bool negative,
                                 NSRoundingMode mode) noexcept {
   const bool isOdd = (quotient.quotient & 1) != 0;
   const bool away = roundsAway(mode, negative, isOdd, quotient.dropped);
   const Wide digits = quotient.quotient + (away ? 1 : 0);
   if (digits == NSDecimal::kMantissaEnd || exponent < NSDecimal::kSmallestExponent ||
-      exponent > NSDecimal::kLargestExponent)
-    return rounded({{quotient.quotient, 0}, exponent, negative, quotient.dropped}, mode);
-  const bool isExact = quotient.dropped == Dropped::kNothing;
-  return {NSDecimal(digits, exponent, negative),
-          isExact ? NSCalculationNoError : NSCalculationLossOfPrecision};
+      exponent > NSDecimal::kLargestExponent) {
+    const NSDecimalResult result =
+        rounded({{quotient.quotient, 0}, exponent, negative, quotient.dropped}, mode);
+    if (result.error != NSCalculationNoError) return result;
+    return {result.value.compacted()};
+  }
+  const NSDecimal value(digits, exponent, negative);
+  if (quotient.dropped == Dropped::kNothing) return {value.compacted()};
+  return {value, NSCalculationLossOfPrecision};
+}
+
+/// How far the dividend is raised for a quotient of 38 digits, when as many digits on both sides
+/// have told whether its first digit is there or one further.
+constexpr int raiseOfDividend(int distance, bool starts) noexcept {
+  return NSDecimal::kMostDigits - (starts ? 1 : 0) + distance;
+}
+
+/// Divides numbers of 64 bits other than zero.
+NSDecimalResult divideShort(const NSDecimal& left, const NSDecimal& right,
+                            NSRoundingMode mode) noexcept {
+  const std::uint64_t dividend = left.shortMantissa();
+  const std::uint64_t divisor = right.shortMantissa();
+  const int distance = shortDigitCount(divisor) - shortDigitCount(dividend);
+  const bool starts = Wide{dividend} * shortPowerOfTen(std::max(distance, 0)) >=
+                      Wide{divisor} * shortPowerOfTen(std::max(-distance, 0));
+  const int raised = raiseOfDividend(distance, starts);
+  return roundedQuotient(divideByWord(timesShort(widePowerOfTen(raised), dividend), divisor),
+                         left.exponent() - right.exponent() - raised,
+                         left.isNegative() != right.isNegative(), mode);
 }
 
 }  // namespace
 
 namespace internal::value {
+
+NSDecimalResult add(const NSDecimal& left, const NSDecimal& right, NSRoundingMode mode) noexcept {
+  const int distance = left.exponent() - right.exponent();
+  if (distance == 0 && !left.isNaN() && !right.isNaN()) {
+    const SignedSum sum =
+        signedSum(left.mantissa(), left.isNegative(), right.mantissa(), right.isNegative());
+    if (sum.digits < NSDecimal::kMantissaEnd)
+      return {NSDecimal(sum.digits, left.exponent(), sum.isNegative)};
+  } else if (left.isShort() && right.isShort() && std::abs(distance) <= kShortDistance) {
+    return {addShort(left, right, distance)};
+  }
+  return addLong(left, right, mode);
+}
 
 NSDecimalResult addLong(const NSDecimal& left, const NSDecimal& right,
                         NSRoundingMode mode) noexcept {
@@ -106,28 +169,38 @@ NSDecimalResult multiplyLong(const NSDecimal& left, const NSDecimal& right,
                  mode);
 }
 
-}  // namespace internal::value
-
-NSDecimalResult NSDecimalDivide(const NSDecimal& left, const NSDecimal& right,
-                                NSRoundingMode mode) noexcept {
+NSDecimalResult divideLong(const NSDecimal& left, const NSDecimal& right,
+                           NSRoundingMode mode) noexcept {
   if (left.isNaN() || right.isNaN()) return kNotANumber;
   if (right.isZero()) return {NSDecimal::notANumber(), NSCalculationDivideByZero};
   if (left.isZero()) return {};
   const Wide dividend = left.mantissa();
   const Wide divisor = right.mantissa();
   const int distance = digitCount(divisor) - digitCount(dividend);
-  // As many digits on both sides tell whether the quotient's first digit is there or one further.
   const bool starts =
       dividend * powerOfTen(std::max(distance, 0)) >= divisor * powerOfTen(std::max(-distance, 0));
-  const int raised = NSDecimal::kMostDigits - (starts ? 1 : 0) + distance;
-  const WideInteger numerator = left.isShort()
-                                    ? timesShort(widePowerOfTen(raised), left.shortMantissa())
-                                    : timesPowerOfTen(dividend, raised);
+  const int raised = raiseOfDividend(distance, starts);
+  return roundedQuotient(divide(timesPowerOfTen(dividend, raised), divisor),
+                         left.exponent() - right.exponent() - raised,
+                         left.isNegative() != right.isNegative(), mode);
+}
+
+NSDecimalResult roundLong(const NSDecimal& number, NSInteger scale, NSRoundingMode mode) noexcept {
+  if (number.isNaN() || scale >= -number.exponent()) return {number};
+  const auto lowest = static_cast<int>(-std::max(scale, -kFarthestPower));
   const NSDecimalResult result =
-      roundedQuotient(divide(numerator, divisor), left.exponent() - right.exponent() - raised,
-                      left.isNegative() != right.isNegative(), mode);
-  if (result.error != NSCalculationNoError) return result;
-  return {result.value.compacted()};
+      rounded({{number.mantissa(), 0}, number.exponent(), number.isNegative()}, mode, lowest);
+  if (result.error == NSCalculationOverflow) return result;
+  return {result.value};
+}
+
+}  // namespace internal::value
+
+NSDecimalResult NSDecimalDivide(const NSDecimal& left, const NSDecimal& right,
+                                NSRoundingMode mode) noexcept {
+  if (left.isShort() && right.isShort() && !left.isZero() && !right.isZero())
+    return divideShort(left, right, mode);
+  return divideLong(left, right, mode);
 }
 
 NSDecimalResult NSDecimalMultiplyByPowerOf10(const NSDecimal& number, NSInteger power,
@@ -142,12 +215,9 @@ NSDecimalResult NSDecimalRound(const NSDecimal& number, NSInteger scale,
   if (number.isNaN() || scale >= -number.exponent()) return {number};
   const auto lowest = static_cast<int>(-std::max(scale, -kFarthestPower));
   const int drop = lowest - number.exponent();
-  if (number.isShort() && drop <= kMostShortDigits && lowest <= NSDecimal::kLargestExponent)
-    return {roundShort(number, drop, mode)};
-  const NSDecimalResult result =
-      rounded({{number.mantissa(), 0}, number.exponent(), number.isNegative()}, mode, lowest);
-  if (result.error == NSCalculationOverflow) return result;
-  return {result.value};
+  if (drop <= kMostShortDigits && lowest <= NSDecimal::kLargestExponent)
+    return {roundByWord(number, drop, mode)};
+  return roundLong(number, scale, mode);
 }
 
 }  // namespace ORLFoundation

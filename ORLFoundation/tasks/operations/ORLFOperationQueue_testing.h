@@ -4,6 +4,7 @@
 
 #include <ORLFoundation/platform/dispatch/dispatch_semaphore.h>
 #include <ORLFoundation/tasks/operations/ORLFOperationQueue.h>
+#include <ORLFoundation/tasks/operations/ORLFOperationQueue_scripted_testing.h>
 #include <tests/support/VectorFile.h>
 
 #include <atomic>
@@ -20,64 +21,6 @@
 #include <vector>
 
 namespace orlftest {
-
-/// Keeps the blocks that it is given until they are delivered.
-class KeepingQueue final : public ORLFoundation::NSOperationQueue {
- public:
-  void addOperationWithBlock(std::function<void()> block) override {
-    const std::lock_guard guard(lock_);
-    blocks_.push_back(std::move(block));
-  }
-  void deliver() {
-    std::vector<std::function<void()>> due;
-    {
-      const std::lock_guard guard(lock_);
-      due.swap(blocks_);
-    }
-    for (const auto& block : due) block();
-  }
-
- private:
-  std::mutex lock_;
-  std::vector<std::function<void()>> blocks_;
-};
-
-/// An operation whose work is told by its script.
-class ScriptedOperation : public ORLFoundation::NSOperation {
- public:
-  explicit ScriptedOperation(std::function<void()> work) : work_(std::move(work)) {}
-  void main() override { work_(); }
-
- private:
-  const std::function<void()> work_;
-};
-
-/// The same, of which the newest alone is wanted.
-class ScriptedInstance final : public ScriptedOperation,
-                               public ORLFoundation::ORLFSingleInstanceOperation {
- public:
-  using ScriptedOperation::ScriptedOperation;
-  void setAnswer(std::optional<std::string> answer) {
-    const std::lock_guard guard(lock_);
-    answer_ = std::move(answer);
-  }
-  std::optional<std::string> enqueuedSingleInstanceID() const override {
-    const std::lock_guard guard(lock_);
-    return answer_;
-  }
-
- private:
-  mutable std::mutex lock_;
-  std::optional<std::string> answer_;
-};
-
-inline std::optional<std::string> textOrNil(const Json& value) {
-  return value.is_null() ? std::nullopt : std::optional(value.get<std::string>());
-}
-
-inline Json jsonOf(const std::optional<std::string>& text) {
-  return text ? Json(*text) : Json(nullptr);
-}
 
 /// A script under way.
 class OperationPlayer {

@@ -1,19 +1,12 @@
 #include <ORLFoundation/tasks/progress/ORLFProgressIndicator.h>
 
-#include <ORLFoundation/platform/dispatch/NSMainQueue_testing.h>
 #include <ORLFoundation/platform/dispatch/NSRunLoop.h>
-#include <ORLFoundation/platform/dispatch/NSThread.h>
 #include <ORLFoundation/platform/dispatch/NSTimer.h>
-#include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
-#include <ORLFoundation/tasks/progress/ORLFProgress_testing.h>
+#include <ORLFoundation/tasks/progress/ORLFProgressIndicator_testing.h>
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <cmath>
 #include <memory>
-#include <string>
-#include <thread>
-#include <vector>
 
 namespace ORLFoundation {
 namespace {
@@ -22,44 +15,7 @@ using orlftest::kMillisecond;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Item = std::shared_ptr<ORLFProgressItem>;
-
-/// Writes down what it was shown.
-struct Watching final : ORLFProgressIndicatorDelegate {
-  void progressIndicatorDidChange(
-      const std::shared_ptr<ORLFProgressIndicator>& indicator) override {
-    EXPECT_TRUE(NSThread::isMainThread());
-    shown.push_back(indicator->visible() ? indicator->currentValue() : -1);
-    if (then) then();
-  }
-  std::vector<double> take() { return std::exchange(shown, {}); }
-  std::vector<double> shown;
-  std::function<void()> then;
-};
-
-class ORLFProgressIndicatorTest : public testing::Test {
- protected:
-  ORLFProgressIndicatorTest() { indicator->setDelegate(delegate); }
-  ~ORLFProgressIndicatorTest() override {
-    delegate->then = nullptr;
-    for (const Item& item : all_) item->setCurrentIndicator(nullptr);
-    advance(2000);
-  }
-
-  Item item(double value, double max) {
-    all_.push_back(std::make_shared<ORLFProgressItem>());
-    all_.back()->updateValue(value, max);
-    return all_.back();
-  }
-  void advance(std::int64_t milliseconds) { loop.advance(milliseconds * kMillisecond); }
-
-  orlftest::VirtualMainLoop loop;
-  std::shared_ptr<Watching> delegate = std::make_shared<Watching>();
-  std::shared_ptr<ORLFProgressIndicator> indicator = std::make_shared<ORLFProgressIndicator>();
-
- private:
-  std::vector<Item> all_;
-};
+class ORLFProgressIndicatorTest : public orlftest::ProgressIndicatorTest {};
 
 TEST_F(ORLFProgressIndicatorTest, BeginsWithNothing) {
   EXPECT_FALSE(indicator->visible());
@@ -158,120 +114,6 @@ TEST_F(ORLFProgressIndicatorTest, ArmsForTheLastItemOnly) {
   EXPECT_THAT(delegate->take(), IsEmpty());
 }
 
-TEST_F(ORLFProgressIndicatorTest, ShowsTheItemBelowWhenTheHoldAfterTheLastOneEnds) {
-  const Item older = item(1, 10);
-  const Item newer = item(2, 10);
-  indicator->displayProgressItem(older);
-  indicator->displayProgressItem(newer);
-  advance(10);
-  delegate->take();
-  indicator->removeProgressItem(newer);
-  EXPECT_EQ(indicator->displayTimerCounter(), -1);
-  EXPECT_THAT(delegate->take(), IsEmpty());
-  advance(0);
-  EXPECT_THAT(delegate->take(), ElementsAre(2));  // its last values stay
-  older->updateValue(5);
-  advance(249);
-  EXPECT_THAT(delegate->take(), IsEmpty());
-  EXPECT_EQ(indicator->displayTimerCounter(), -1);
-  advance(1);
-  EXPECT_EQ(indicator->displayTimerCounter(), 0);
-  EXPECT_TRUE(indicator->displayTimer());
-  advance(9);
-  EXPECT_THAT(delegate->take(), IsEmpty());
-  advance(1);
-  EXPECT_THAT(delegate->take(), ElementsAre(5));
-}
-
-TEST_F(ORLFProgressIndicatorTest, GoesIdleWhenTheHoldAfterTheOnlyItemEnds) {
-  const Item root = item(4, 10);
-  indicator->displayProgressItem(root);
-  advance(10);
-  indicator->removeProgressItem(root);
-  advance(259);
-  EXPECT_THAT(delegate->take(), ElementsAre(4, 4));
-  EXPECT_TRUE(indicator->visible());
-  advance(1);
-  EXPECT_THAT(delegate->take(), ElementsAre(-1));
-}
-
-TEST_F(ORLFProgressIndicatorTest, HoldsNothingForAnItemThatDoesNotShow) {
-  const Item older = item(1, 10);
-  const Item newer = item(2, 10);
-  indicator->displayProgressItem(older);
-  indicator->displayProgressItem(newer);
-  advance(10);
-  delegate->take();
-  indicator->removeProgressItem(older);
-  EXPECT_EQ(indicator->displayTimerCounter(), 0);
-  EXPECT_EQ(loop.waiting(), 0U);
-  advance(1000);
-  EXPECT_THAT(delegate->take(), IsEmpty());
-  EXPECT_THAT(*indicator->progressItems(), ElementsAre(newer));
-}
-
-TEST_F(ORLFProgressIndicatorTest, HoldsWhatIsNewOnShowForAQuarterOfASecond) {
-  const Item root = item(1, 10);
-  indicator->displayProgressItem(root);
-  const Item child = root->childProgressItemWithTotalCount(20);
-  child->updateValue(7);
-  advance(10);
-  delegate->take();
-  child->addToIndicator();
-  advance(0);
-  EXPECT_THAT(delegate->take(), ElementsAre(7));
-  for (int value = 8; value < 18; ++value) {
-    child->updateValue(value);
-    EXPECT_EQ(indicator->displayTimer(), nullptr);
-    advance(20);
-  }
-  advance(49);
-  EXPECT_THAT(delegate->take(), IsEmpty());
-  advance(11);
-  EXPECT_THAT(delegate->take(), ElementsAre(17));
-}
-
-TEST_F(ORLFProgressIndicatorTest, CountsTheHoldFromTheEndOfTheDisplay) {
-  const Item root = item(1, 10);
-  indicator->displayProgressItem(root);
-  advance(10);
-  delegate->take();
-  delegate->then = [&] { loop.stayBusy(100 * kMillisecond); };
-  root->currentProgressWillChange();
-  advance(0);
-  delegate->then = nullptr;
-  EXPECT_THAT(loop.later(), ElementsAre(360 * kMillisecond));
-}
-
-TEST_F(ORLFProgressIndicatorTest, ShowsAgainWhenTheLastOfNestedHoldsEnds) {
-  indicator->stopDisplayTimer();
-  indicator->stopDisplayTimer();
-  EXPECT_EQ(indicator->displayTimerCounter(), -2);
-  indicator->updateDisplayTimer();
-  EXPECT_EQ(indicator->displayTimer(), nullptr);
-  indicator->startDisplayTimer();
-  EXPECT_EQ(indicator->displayTimerCounter(), -1);
-  EXPECT_EQ(indicator->displayTimer(), nullptr);
-  indicator->startDisplayTimer();
-  EXPECT_EQ(indicator->displayTimerCounter(), 0);
-  EXPECT_TRUE(indicator->displayTimer());
-}
-
-TEST_F(ORLFProgressIndicatorTest, NeedsAHoldToEndOne) {
-  indicator->startDisplayTimer();
-  EXPECT_EQ(indicator->displayTimerCounter(), 0);
-  EXPECT_EQ(indicator->displayTimer(), nullptr);
-}
-
-TEST_F(ORLFProgressIndicatorTest, DropsTheArmedUpdateWithAHold) {
-  indicator->updateDisplayTimer();
-  const auto timer = indicator->displayTimer();
-  indicator->stopDisplayTimer();
-  EXPECT_FALSE(timer->isValid());
-  advance(100);
-  EXPECT_THAT(delegate->take(), IsEmpty());
-}
-
 TEST_F(ORLFProgressIndicatorTest, FiresInModesAddedToTheCommonOnes) {
   NSRunLoop::mainRunLoop()->addCommonMode("tracking");
   const Item root = item(3, 10);
@@ -352,19 +194,6 @@ TEST_F(ORLFProgressIndicatorTest, ClearsTheIndicatorOfItsItemsWhenItGoes) {
   EXPECT_EQ(root->currentIndicator(), nullptr);
 }
 
-TEST_F(ORLFProgressIndicatorTest, EndsAHoldInSilenceWhenItIsGone) {
-  auto leaving = std::make_shared<ORLFProgressIndicator>();
-  leaving->setDelegate(delegate);
-  const Item root = item(1, 2);
-  leaving->displayProgressItem(root);
-  leaving->removeProgressItem(root);
-  leaving.reset();
-  EXPECT_EQ(loop.waiting(), 1U);
-  advance(1000);
-  EXPECT_THAT(delegate->take(), IsEmpty());
-  EXPECT_THAT(loop.later(), IsEmpty());
-}
-
 TEST_F(ORLFProgressIndicatorTest, DestroysNothingInsideItsQueue) {
   struct Dying final : ORLFProgressItem {
     explicit Dying(int& count) : outside(count) {}
@@ -396,27 +225,6 @@ TEST_F(ORLFProgressIndicatorTest, ReadsAndSetsByName) {
   EXPECT_EQ(indicator->valueForKey("normalizedValue"), id(0.25));
   EXPECT_EQ(indicator->message(), "text");
   EXPECT_EQ(indicator->className(), "ORLFProgressIndicator");
-}
-
-/// On the clock of the world.
-TEST(ORLFProgressIndicatorOnTheRealClock, ShowsAHundredthAndHoldsAQuarterOfASecond) {
-  using Clock = std::chrono::steady_clock;
-  const auto delegate = std::make_shared<Watching>();
-  const auto indicator = std::make_shared<ORLFProgressIndicator>();
-  indicator->setDelegate(delegate);
-  const auto root = std::make_shared<ORLFProgressItem>();
-  const auto waitFor = [&](std::size_t count, Clock::duration atMost) {
-    const auto start = Clock::now();
-    while (delegate->shown.size() < count && Clock::now() - start < atMost) pumpMainQueue(0.05);
-    return Clock::now() - start;
-  };
-  root->updateValue(3, 10);
-  indicator->displayProgressItem(root);
-  EXPECT_GE(waitFor(1, std::chrono::seconds(5)), std::chrono::milliseconds(9));
-  EXPECT_THAT(delegate->shown, ElementsAre(3));
-  indicator->removeProgressItem(root);
-  EXPECT_GE(waitFor(3, std::chrono::seconds(5)), std::chrono::milliseconds(250));
-  EXPECT_THAT(delegate->shown, ElementsAre(3, 3, -1));
 }
 
 }  // namespace

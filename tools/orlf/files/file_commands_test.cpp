@@ -117,6 +117,19 @@ TEST_F(FileCommands, StoreInfoTellsOfARepair) {
   EXPECT_EQ(run.err, "orlf: Detected damaged file. Attempting repairs...\n");
 }
 
+TEST_F(FileCommands, StoreInfoLeavesAStoreAloneThatSomebodyWrites) {
+  makeStore(path("a.sqlite"), "delete");
+  StoreDatabase writer(path("a.sqlite"));
+  writer.run("BEGIN EXCLUSIVE");
+  const auto run = runTool({"store-info", path("a.sqlite")});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.out, "");
+  EXPECT_EQ(run.err, "orlf store-info: " + path("a.sqlite") + ": database is locked\n");
+  writer.run("COMMIT");
+  EXPECT_THAT(runTool({"store-info", path("a.sqlite")}).out,
+              StartsWith("Journal mode: delete\nRepaired: no\n"));
+}
+
 TEST_F(FileCommands, StoreInfoFailsForWhatIsNoStore) {
   write("text", "no store");
   const auto run = runTool({"store-info", path("text")});

@@ -36,13 +36,25 @@ const char* wordOf(ORLFPersistentStoreJournalMode mode) {
   }
 }
 
-/// Throws JobFailure for what is no store.
+/// Whether a program that writes the store keeps it from being read: a repair would only come in
+/// its way.
+bool isOfLock(const NSError& error) {
+  constexpr NSInteger kKind = 0xff, kBusy = 5, kLocked = 6;
+  if (!error.userInfo()) return false;
+  const auto cause = error.userInfo()->objectForKey(NSUnderlyingErrorKey).as<NSError>();
+  if (!cause || cause->domain() != NSSQLiteErrorDomain) return false;
+  const NSInteger kind = cause->code() & kKind;
+  return kind == kBusy || kind == kLocked;
+}
+
+/// Throws JobFailure for what is no store, and for one that somebody writes.
 StoreInfo readStore(const NSURL& url) {
   StoreInfo info;
-  info.metadata = NSPersistentStoreCoordinator::metadataForPersistentStoreOfType(NSSQLiteStoreType,
-                                                                                 url, nullptr);
-  info.isRepaired = !info.metadata;
   std::shared_ptr<const NSError> error;
+  info.metadata = NSPersistentStoreCoordinator::metadataForPersistentStoreOfType(
+      NSSQLiteStoreType, url, nullptr, &error);
+  if (!info.metadata && isOfLock(*error)) throw JobFailure(error->localizedDescription());
+  info.isRepaired = !info.metadata;
   if (!info.metadata)
     info.metadata = orlfMetadataForPersistentStoreOfType(NSSQLiteStoreType, url, &error);
   if (!info.metadata) throw JobFailure(error->localizedDescription());

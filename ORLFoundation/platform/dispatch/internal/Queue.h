@@ -34,10 +34,12 @@ class Queue : public std::enable_shared_from_this<Queue> {
 
 /// One item at a time. Who sets the bit kBusy of the state owns the queue: a caller that runs its
 /// own call in it, or the queue's turn in the pool, which goes on until nothing is left. An owner
-/// hands the queue on; nobody takes it from one.
+/// hands the queue on; nobody takes it from one. While it is owned it lives, without its handles
+/// too, so that an entry counts no references.
 class SerialQueue final : public Queue {
  public:
-  SerialQueue(const char* label, WorkerPool& pool, Level level);
+  [[nodiscard]] static std::shared_ptr<SerialQueue> make(const char* label, WorkerPool& pool,
+                                                         Level level);
 
   void async(dispatch_block_t block) override;
   void run(void (*call)(void*), void* argument) override;
@@ -51,14 +53,19 @@ class SerialQueue final : public Queue {
     Waiter* waiter = nullptr;
   };
   struct Turn : Work {
-    std::shared_ptr<Queue> queue;
+    SerialQueue* queue = nullptr;
   };
   class Owned;
 
   static constexpr std::uint32_t kBusy = 1;
-  static constexpr std::uint32_t kPending = 2;
+  static constexpr std::uint32_t kPending = 2;  // Items wait.
+  static constexpr std::uint32_t kUnheld = 4;   // No handle is left.
 
+  SerialQueue(const char* label, WorkerPool& pool, Level level);
+
+  static void letGo(SerialQueue* queue);
   void waitForTurn();
+  [[nodiscard]] bool leave();
   void handOn();
   void submitTurn();
   [[nodiscard]] bool takeItem(Item& item);

@@ -54,6 +54,16 @@ class SerialQueue::Owned {
 SerialQueue::SerialQueue(const char* label, WorkerPool& pool, Level level)
     : Queue(label), pool_(pool), level_(level) {
   turn_.run = serveTurn;
+  turn_.queue = this;
+}
+
+std::shared_ptr<SerialQueue> SerialQueue::make(const char* label, WorkerPool& pool, Level level) {
+  return {new SerialQueue(label, pool, level), &SerialQueue::letGo};
+}
+
+/// In place of its deletion when the last handle goes: an owner deletes it when he leaves it.
+void SerialQueue::letGo(SerialQueue* queue) {
+  if ((queue->state_.fetch_or(kUnheld, std::memory_order_acq_rel) & kBusy) == 0) delete queue;
 }
 
 void SerialQueue::run(void (*call)(void*), void* argument) {
@@ -71,10 +81,19 @@ bool SerialQueue::tryTake() {
 }
 
 void SerialQueue::giveBack() {
-  std::uint32_t alone = kBusy;
-  if (!state_.compare_exchange_strong(alone, 0, std::memory_order_release,
-                                      std::memory_order_relaxed))
-    handOn();
+  if (!leave()) handOn();
+}
+
+/// By the owner: answers false when items wait. Otherwise the queue is not his any more, and may be
+/// gone.
+bool SerialQueue::leave() {
+  std::uint32_t found = kBusy;
+  if (state_.compare_exchange_strong(found, 0, std::memory_order_release,
+                                     std::memory_order_acquire))
+    return true;
+  if ((found & kPending) != 0) return false;
+  delete this;
+  return true;
 }
 
 void SerialQueue::async(dispatch_block_t block) {
@@ -123,22 +142,19 @@ void SerialQueue::handOn() {
 }
 
 /// By the owner: the turn owns the queue from here on.
-void SerialQueue::submitTurn() {
-  turn_.queue = shared_from_this();
-  pool_.submit(level_, &turn_);
-}
+void SerialQueue::submitTurn() { pool_.submit(level_, &turn_); }
 
-/// The next item, or false when there is none and the queue is left.
+/// The next item, or false when there is none and the queue was left.
 bool SerialQueue::takeItem(Item& item) {
-  const std::lock_guard guard(lock_);
-  if (items_.empty()) {
-    state_.store(0, std::memory_order_release);
-    return false;
-  }
-  item = std::move(items_.front());
-  items_.pop_front();
-  if (items_.empty()) state_.fetch_and(~kPending, std::memory_order_relaxed);
-  return true;
+  do {
+    const std::lock_guard guard(lock_);
+    if (items_.empty()) continue;
+    item = std::move(items_.front());
+    items_.pop_front();
+    if (items_.empty()) state_.fetch_and(~kPending, std::memory_order_relaxed);
+    return true;
+  } while (!leave());
+  return false;
 }
 
 /// Answers whether the queue is still owned and is to have another turn.
@@ -159,9 +175,7 @@ bool SerialQueue::serveSome() {
 }
 
 void SerialQueue::serveTurn(Work* work) noexcept {
-  // Held until the last look at the queue; its destruction is no item's affair.
-  const std::shared_ptr<Queue> held = std::move(static_cast<Turn*>(work)->queue);
-  auto& queue = static_cast<SerialQueue&>(*held);
+  SerialQueue& queue = *static_cast<Turn*>(work)->queue;
   if (queue.serveSome()) queue.submitTurn();
 }
 

@@ -11,7 +11,12 @@ class HeldName final : public NodeName {
  public:
   explicit HeldName(const NodeUser& user) : user_(user) {}
 
-  [[nodiscard]] bool isGone() const override { return !path(); }
+  [[nodiscard]] bool isGone() const override {
+    if (!path()) return true;
+    waitForChangesAround(*path());
+    isKnown_ = false;
+    return !path();
+  }
   [[nodiscard]] bool isChanged() const override { return path() != user_.name; }
   [[nodiscard]] const std::optional<std::string>& path() const {
     if (!isKnown_) path_ = pathOfDescriptor(user_.request.descriptor);

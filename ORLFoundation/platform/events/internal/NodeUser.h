@@ -39,6 +39,9 @@ struct NodeUser {
   std::weak_ptr<NodeUser> guarded;
   [[nodiscard]] bool isGuard() const noexcept { return request.descriptor < 0; }
 
+  /// While it is being added: what happens is not noted.
+  bool isNew = false;
+
   /// Noted since the last look.
   bool isTouched = false;
   bool hasLostEvents = false;

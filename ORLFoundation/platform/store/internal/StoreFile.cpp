@@ -59,7 +59,15 @@ bool StoreFile::failWithResult(int result, NSErrorSlot error) const {
   const bool isOther = kind == SQLITE_NOTADB || kind == SQLITE_CORRUPT || kind == SQLITE_TOOBIG;
   const NSInteger code =
       isOther ? NSInteger{NSFileReadCorruptFileError} : NSInteger{NSFileReadUnknownError};
-  return NSFillErrorSlot(error, NSCocoaErrorDomain, code, path_ + ": " + ::sqlite3_errstr(result));
+  const auto cause = NSError::errorWithDomain(
+      NSSQLiteErrorDomain, result,
+      NSDictionary::dictionaryWithEntries({{NSLocalizedDescriptionKey, ::sqlite3_errstr(result)}}));
+  return NSFillErrorSlot(
+      error, NSError::errorWithDomain(
+                 NSCocoaErrorDomain, code,
+                 NSDictionary::dictionaryWithEntries(
+                     {{NSLocalizedDescriptionKey, path_ + ": " + ::sqlite3_errstr(result)},
+                      {NSUnderlyingErrorKey, cause}})));
 }
 
 bool StoreFile::failAsOtherFormat(const std::string& reason, NSErrorSlot error) const {

@@ -57,5 +57,9 @@ inline constexpr std::array<std::uint64_t, kMostShortDigits + 1> kShortPowersOfT
   const int estimate = (bitWidth(value) * 1233) >> 12;
   return estimate + (value >= powerOfTen(estimate) ? 1 : 0);
 }
+[[nodiscard]] constexpr int shortDigitCount(std::uint64_t value) noexcept {
+  const int estimate = (static_cast<int>(std::bit_width(value)) * 1233) >> 12;
+  return estimate + (value >= shortPowerOfTen(estimate) ? 1 : 0);
+}
 
 }  // namespace ORLFoundation::internal::value

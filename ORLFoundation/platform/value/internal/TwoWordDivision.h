@@ -1,4 +1,4 @@
-/// Division of two words of 64 bits by one, and what it serves: zeros at the end of a mantissa.
+/// Division of two words of 64 bits by one.
 #pragma once
 
 #include <ORLFoundation/platform/value/internal/PowersOfTen.h>
@@ -27,6 +27,18 @@ struct ShortDivision {
   const Wide dividend = (Wide{high} << 64) | low;
   return {lowWord(dividend / divisor), lowWord(dividend % divisor)};
 #endif
+}
+
+struct WordDivision {
+  Wide quotient;
+  std::uint64_t remainder;
+};
+
+/// Two words by one, whatever they are.
+[[nodiscard]] inline WordDivision divideWide(Wide dividend, std::uint64_t divisor) noexcept {
+  const std::uint64_t high = highWord(dividend);
+  const ShortDivision lower = divideTwoWords(high % divisor, lowWord(dividend), divisor);
+  return {(Wide{high / divisor} << 64) | lower.quotient, lower.remainder};
 }
 
 }  // namespace ORLFoundation::internal::value

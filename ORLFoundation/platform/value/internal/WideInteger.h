@@ -21,6 +21,11 @@ struct WideInteger {
   }
 };
 
+/// The two's complement of a negative number, without a branch.
+[[nodiscard]] constexpr Wide withSign(Wide value, bool isNegative) noexcept {
+  return (value ^ (Wide{0} - Wide{isNegative})) + Wide{isNegative};
+}
+
 [[nodiscard]] constexpr WideInteger sum(const WideInteger& left,
                                         const WideInteger& right) noexcept {
   WideInteger result{left.low + right.low, left.high + right.high};
@@ -86,12 +91,13 @@ enum class Dropped : unsigned { kNothing, kBelowHalf, kHalf, kAboveHalf };
   return digits == Dropped::kHalf ? Dropped::kAboveHalf : digits;
 }
 
-/// The class of a remainder of a division.
-[[nodiscard]] constexpr Dropped classOfRemainder(Wide remainder, Wide divisor) noexcept {
-  if (remainder == 0) return Dropped::kNothing;
-  const Wide rest = divisor - remainder;
-  if (remainder == rest) return Dropped::kHalf;
-  return remainder < rest ? Dropped::kBelowHalf : Dropped::kAboveHalf;
+/// The class of a remainder of a division, without a branch that would be guessed wrong half the
+/// time.
+template <class Word>
+[[nodiscard]] constexpr Dropped classOfRemainder(Word remainder, Word divisor) noexcept {
+  const Word rest = divisor - remainder;
+  return static_cast<Dropped>(unsigned{remainder != 0} + unsigned{remainder >= rest} +
+                              unsigned{remainder > rest});
 }
 
 struct WideQuotient {
