@@ -15,6 +15,7 @@
 namespace {
 
 using orlftool::LineStreamBuffer;
+using orlftool::ProgressPause;
 using orlftool::ProgressScreen;
 using orlftool::TappedStreamBuffer;
 
@@ -84,6 +85,21 @@ TEST(ProgressScreen, TakesAwayAllRowsOfALineThatTheTerminalBroke) {
   pipe.take();
   screen.close();
   EXPECT_EQ(pipe.take(), "\r\x1B[K\x1B[A\x1B[K\x1B[A\x1B[K");
+}
+
+TEST(ProgressScreen, ShowsNothingWhileItIsPaused) {
+  { const ProgressPause nothing; }
+  Pipe pipe;
+  ProgressScreen screen(pipe.in());
+  screen.show("line");
+  {
+    const ProgressPause pause;
+    screen.show("next");
+    screen.print("note\n");
+  }
+  EXPECT_EQ(pipe.take(), "line\r\x1B[Knote\n");
+  screen.show("next");
+  EXPECT_EQ(pipe.take(), "next");
 }
 
 TEST(ProgressScreen, TakesItsLineAwayBeforeASignalEndsTheProgram) {
