@@ -1,6 +1,7 @@
 // The fast path of the main enumeration gives what the general walk gives, over rules of every
 // shape, zones with every kind of clock change, both directions and odd start dates.
 #include <ORLFoundation/platform/log/LogCapture.h>
+#include <ORLFoundation/platform/time/ZoneTable.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrence_testing.h>
 #include <ORLFoundation/recurrence/internal/ORLFCivilWindows.h>
 #include <gtest/gtest.h>
@@ -72,6 +73,18 @@ const double kOddStarts[] = {std::numeric_limits<double>::quiet_NaN(),
                              -0.0,
                              0x1p-1074};
 
+/// A clock that goes ahead of GMT by a day and behind it by a day in turns, each month.
+std::shared_ptr<NSTimeZone> zoneOfGreatChanges() {
+  using internal::time::ZoneTable;
+  constexpr std::int64_t kDay = 86400;
+  std::vector<ZoneTable::Segment> segments = {{ZoneTable::kBeginningOfTime, 0, 0, 0, false}};
+  for (std::int32_t month = 0; month < 600; ++month)
+    segments.push_back({(18'000 + 31 * month) * kDay + 3600 * month, 0, 0,
+                        (month % 2 == 0 ? -25 : 25) * 3600, month % 2 == 0});
+  return std::make_shared<NSTimeZone>("Test/GreatChanges",
+                                      std::make_shared<const ZoneTable>(segments, false));
+}
+
 class RandomWalks {
  public:
   [[nodiscard]] NSInteger below(NSInteger bound) {
@@ -104,12 +117,14 @@ class RandomWalks {
   }
   [[nodiscard]] NSDate start(const NSCalendar& calendar) {
     if (below(20) == 0) return NSDate::dateWithTimeIntervalSinceReferenceDate(oneOf(kOddStarts));
+    if (below(3) == 0) return startNearClockChange(*calendar.timeZone());
     const Start& start = oneOf(kStarts);
     return at(calendar, start.year, start.month, start.day, start.hour, start.minute)
         .dateByAddingTimeInterval(start.fraction);
   }
   [[nodiscard]] std::shared_ptr<NSCalendar> calendar() {
     auto calendar = calendarIn(oneOf(kZones));
+    if (below(12) == 0) calendar->setTimeZone(zoneOfGreatChanges());
     calendar->setFirstWeekday(oneOf(std::array<NSInteger, 3>{1, 2, 7}));
     calendar->setMinimumDaysInFirstWeek(oneOf(std::array<NSInteger, 3>{1, 1, 4}));
     if (below(4) == 0) calendar->setLocaleIdentifier("ar_EG");
@@ -135,6 +150,17 @@ class RandomWalks {
       days->push_back(std::make_shared<ORLFDateRecurrenceDayOfWeek>(weekday, number));
     }
     return days;
+  }
+
+  /// Within four days of a change, on a quarter of an hour.
+  [[nodiscard]] NSDate startNearClockChange(const NSTimeZone& zone) {
+    constexpr NSInteger kDay = 86400;
+    constexpr NSInteger kQuarter = 900;
+    const NSDate some =
+        NSDate::dateWithTimeIntervalSince1970(static_cast<double>(kDay * (below(80'000) - 30'000)));
+    const NSDate change = zone.nextDaylightSavingTimeTransitionAfterDate(some).value_or(some);
+    return change.dateByAddingTimeInterval(
+        static_cast<double>((below(8 * kDay / kQuarter) - 4 * kDay / kQuarter) * kQuarter));
   }
 
   std::mt19937_64 engine_{20200131};
@@ -250,7 +276,8 @@ TEST(ORLFCivilWindows, ServeWhatIsNamedByDaysOfTheMonthOrOfTheWeek) {
       {"WeekdaysWithANumber", {.frequency = kWeekly, .daysOfTheWeek = weekdays({{1, 1}})}, false},
       {"Daily", {.frequency = kDaily, .daysOfTheMonth = {{1}}}, true},
       {"Weeks", {.frequency = kYearly, .weeksOfTheYear = {{1}}}, false},
-      {"Simple", {.frequency = kMonthly}, false},
+      {"Simple", {.frequency = kMonthly}, true},
+      {"EmptyLists", {.frequency = kWeekly, .daysOfTheMonth = {{}}}, false},
   };
   const auto calendar = calendarIn("UTC");
   const NSDate start = at(*calendar, 2023, 1, 2, 9, 30);

@@ -4,103 +4,25 @@
     progress_terminal.py ORLF
 """
 
-import fcntl
 import os
 import re
 import signal
-import struct
 import subprocess
 import sys
 import tempfile
-import termios
 import threading
 import time
 import unittest
 from concurrent.futures import ThreadPoolExecutor
 
+from terminal_run import DEADLINE, ERASE, Run, set_width
+
 ORLF = sys.argv.pop(1)
 RESULT = b"3 jobs, 6 parts, 300 steps\n"
-ERASE = b"\r\x1b[K"
-DEADLINE = 60
-
-
-def set_width(descriptor, columns):
-    fcntl.ioctl(descriptor, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
-
-
-class Run:
-    """A run of the tool with its messages, and on demand its output, on a terminal of its own."""
-
-    def __init__(self, *arguments, columns=80, term="xterm", output_too=False, act=None):
-        self.written = b""
-        self.mark = 0
-        master, slave = os.openpty()
-        set_width(slave, columns)
-
-        def take_terminal():
-            os.setsid()
-            fcntl.ioctl(2, termios.TIOCSCTTY, 0)
-
-        self.process = process = subprocess.Popen(
-            [ORLF, *arguments], stdin=slave, stderr=slave,
-            stdout=slave if output_too else subprocess.PIPE, preexec_fn=take_terminal,
-            env={**os.environ, "TERM": term})
-        os.close(slave)
-        reader = threading.Thread(target=self.read, args=(master,))
-        reader.start()
-        if act:
-            act(self, master)
-        self.output = None
-        if process.stdout:
-            with process.stdout as output:
-                self.output = output.read()
-        self.status = process.wait(DEADLINE)
-        reader.join(DEADLINE)
-        os.close(master)
-
-    def read(self, master):
-        while True:
-            try:
-                piece = os.read(master, 65536)
-            except OSError:
-                return
-            if not piece:
-                return
-            self.written += piece
-
-    def wait_for(self, pattern):
-        end = time.monotonic() + DEADLINE
-        while not re.search(pattern, self.written):
-            if time.monotonic() > end:
-                raise AssertionError(f"{pattern} never came: {self.written!r}")
-            time.sleep(0.01)
-
-    def frames(self):
-        """The lines that were drawn one over the other."""
-        return [frame for frame in re.split(rb"\r\x1b\[K(?:\x1b\[A\x1b\[K)*", self.written) if frame]
-
-    def screen(self):
-        """What stands on the terminal in the end, blank ends left out."""
-        rows, row, column = [bytearray()], 0, 0
-        for part in re.findall(rb"\x1b\[[KA]|\r|\n|[^\x1b\r\n]+", self.written):
-            if part == b"\r":
-                column = 0
-            elif part == b"\n":
-                row += 1
-                if row == len(rows):
-                    rows.append(bytearray())
-            elif part == b"\x1b[K":
-                del rows[row][column:]
-            elif part == b"\x1b[A":
-                row -= 1
-            else:
-                rows[row][column:column + len(part)] = part
-                column += len(part)
-        return b"\n".join(bytes(each).rstrip() for each in rows).strip()
 
 
 def demo(*arguments, seconds="1.2", **options):
-    return Run("progress-demo", "--seconds", seconds, *arguments, **options)
+    return Run(ORLF, "progress-demo", "--seconds", seconds, *arguments, **options)
 
 
 def narrow_later(run, master):
@@ -142,7 +64,7 @@ def slow_table(folder):
 
     feeder = threading.Thread(target=feed)
     feeder.start()
-    run = Run("csv", path, columns=100)
+    run = Run(ORLF, "csv", path, columns=100)
     feeder.join(DEADLINE)
     return run
 
@@ -156,7 +78,7 @@ def long_mirror(folder):
     open(first, "w").close()
     for name in range(1, MIRRORED):
         os.link(first, os.path.join(source, "many", str(name)))
-    return Run("mirror", source, destination, columns=100, act=slow_down)
+    return Run(ORLF, "mirror", source, destination, columns=100, act=slow_down)
 
 
 MIRRORED = 20000

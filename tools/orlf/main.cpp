@@ -8,10 +8,12 @@
 #include <string>
 #include <vector>
 
+#include "io/ending_signals.h"
 #include "tool.h"
 
 int main(int count, char** arguments) {
   std::ios::sync_with_stdio(false);
+  const orlftool::EndingSignals signals;
   // Worker threads may still run when main has returned: what they use stays.
   OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
 #ifdef ORLF_HAS_SECRET_SERVICE

@@ -1,5 +1,6 @@
 #include <ORLFoundation/platform/files/WholeFile.h>
 
+#include <ORLFoundation/platform/base/TemporaryPath.h>
 #include <ORLFoundation/platform/value/NSUUID.h>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -44,12 +45,12 @@ class Descriptor {
   int number_;
 };
 
-/// Removes its file when it dies, unless it was moved away.
+/// Removes its file when it dies, or when a signal ends the program, unless it was moved away.
 class TemporaryFile {
  public:
   /// Empty, of a new name beside the target.
   TemporaryFile(const std::string& target, mode_t mode)
-      : path_(target + "." + NSUUID::UUID().UUIDString().substr(0, 8)) {
+      : path_(target + "." + NSUUID::UUID().UUIDString().substr(0, 8)), noted_(path_) {
     const Descriptor file(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
     isThere_ = file.number() >= 0;
   }
@@ -77,7 +78,8 @@ class TemporaryFile {
   }
 
  private:
-  std::string path_;
+  const std::string path_;
+  const base::TemporaryPath noted_;
   bool isThere_ = false;
 };
 

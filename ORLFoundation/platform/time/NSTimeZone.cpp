@@ -1,9 +1,9 @@
 
 #include <ORLFoundation/platform/time/NSTimeZone.h>
 
+#include <ORLFoundation/platform/time/ZoneTable.h>
 #include <ORLFoundation/platform/time/internal/CalendarInstants.h>
 #include <ORLFoundation/platform/time/internal/SystemZone.h>
-#include <ORLFoundation/platform/time/internal/ZoneTable.h>
 
 #include <algorithm>
 #include <cctype>

@@ -3,14 +3,14 @@
 
 #include <ORLFoundation/platform/base/CheckedArithmetic.h>
 #include <ORLFoundation/platform/base/CivilDays.h>
+#include <ORLFoundation/platform/time/ZoneTable.h>
 #include <ORLFoundation/recurrence/ORLFFrequencyFacts.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
 #include <ORLFoundation/recurrence/internal/ORLFRuleLists.h>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
-#include <functional>
-#include <iterator>
 
 namespace ORLFoundation::internal::recurrence {
 namespace {
@@ -25,14 +25,16 @@ constexpr NSInteger kFirstYear = 1;
 constexpr NSInteger kLastYear = 30'000;
 constexpr std::int32_t kFirstDay = base::civil::dayFromDate(kFirstYear, 1, 1);
 constexpr std::int32_t kLastDay = base::civil::dayFromDate(kLastYear, 12, 31);
+constexpr std::int64_t kFirstMonth = base::civil::monthNumber(kFirstYear, 1);
+constexpr std::int64_t kLastMonth = base::civil::monthNumber(kLastYear, kMonthsPerYear);
 constexpr NSInteger kFarthestStep = 100'000'000;
-/// Clocks change by a day at most; dates farther from a change show a time that no other instant
-/// shows.
-constexpr double kReachOfClockChange = kSecondsPerDay + 3600;
-/// No month has more Mondays.
-constexpr NSInteger kMostOfAWeekday = 5;
-/// Every month has as many days.
+/// No clock is farther from GMT than 25 hours, so that none changes by more than 50: farther from a
+/// change each time is shown once.
+constexpr double kReachOfClockChange = 50 * 3600;
+constexpr auto kWeek = static_cast<std::int32_t>(kDaysPerWeek);
+/// Every month has as many days, and none has more.
 constexpr NSInteger kDaysOfAnyMonth = 28;
+constexpr NSInteger kMostDaysOfAMonth = 31;
 
 bool stepsByMonths(const Rule& rule) {
   return rule.frequency() != ORLFDateRecurrenceFrequencyDaily &&
@@ -78,19 +80,26 @@ bool namesPlaceInMonth(const ORLFDateRecurrenceDayOfWeek& day, bool ofListedMont
          (day.weekNumber() > 0 || !ofListedMonths);
 }
 
-/// The day of the month, of a month of that length that begins on `firstDay`.
-NSInteger dayOfEntry(const ORLFDateRecurrenceDayOfWeek& entry, std::int32_t firstDay,
-                     NSInteger length) {
+/// Which day it is of a month of that length that begins on that weekday; 0 where it has none.
+std::int32_t dayOfEntry(const ORLFDateRecurrenceDayOfWeek& entry, std::int32_t weekdayOfFirst,
+                        std::int32_t length) {
   const NSInteger number = entry.weekNumber();
-  if (entry.dayOfTheWeek() == kAnyDay) return number > 0 ? number : length;
-  const NSInteger first =
-      1 + floorModulo(entry.dayOfTheWeek() - base::civil::weekdayOfDay(firstDay), kDaysPerWeek);
-  if (number > 0) return number > kMostOfAWeekday ? 0 : first + kDaysPerWeek * (number - 1);
-  return first + (length - first) / kDaysPerWeek * kDaysPerWeek;
+  if (entry.dayOfTheWeek() == kAnyDay)
+    return number > 0 ? static_cast<std::int32_t>(number) : length;
+  const auto later = static_cast<std::int32_t>(entry.dayOfTheWeek()) - weekdayOfFirst;
+  const std::int32_t first = 1 + (later < 0 ? later + kWeek : later);
+  const std::int32_t lastPlace = first + 4 * kWeek <= length ? 5 : 4;
+  if (number > lastPlace) return 0;
+  return first + kWeek * ((number > 0 ? static_cast<std::int32_t>(number) : lastPlace) - 1);
 }
 
 bool namesWeekdayOfTheWeek(const ORLFDateRecurrenceDayOfWeek& day) {
   return day.dayOfTheWeek() >= 1 && day.dayOfTheWeek() <= kDaysPerWeek && day.weekNumber() == 0;
+}
+
+/// The days 1 to `last` of a month.
+constexpr std::uint32_t daysUpTo(std::int32_t last) {
+  return static_cast<std::uint32_t>((std::uint64_t{2} << last) - 2);
 }
 
 }  // namespace
@@ -99,8 +108,12 @@ std::optional<ORLFCivilWindows> ORLFCivilWindows::forRule(
     const Rule& rule, const Rule::EnumerateDatesStartDate& arguments) {
   const auto source = sourceOf(rule);
   const auto units = lengthOfUnit(rule.frequency());
-  const auto step = units ? base::checkedProduct(rule.interval(), *units) : std::nullopt;
-  if (!source || !step || arguments.calendar.calendarIdentifier() != NSCalendarIdentifierGregorian)
+  const auto step =
+      units ? base::checkedProduct(rule.interval(), arguments.backwards ? -*units : *units)
+            : std::nullopt;
+  const bool isNear = step && *step >= -kFarthestStep && *step <= kFarthestStep;
+  if (!source || !isNear ||
+      arguments.calendar.calendarIdentifier() != NSCalendarIdentifierGregorian)
     return std::nullopt;
   std::optional<ORLFCivilWindows> windows(
       ORLFCivilWindows(rule, arguments.calendar, *source, *step, arguments.backwards));
@@ -110,18 +123,33 @@ std::optional<ORLFCivilWindows> ORLFCivilWindows::forRule(
 
 ORLFCivilWindows::ORLFCivilWindows(const Rule& rule, const NSCalendar& calendar, Source source,
                                    NSInteger step, bool backwards)
-    : rule_(rule),
-      zone_(*calendar.timeZone()),
-      firstWeekday_(calendar.firstWeekday()),
+    : zone_(*calendar.timeZone()),
+      firstWeekday_(static_cast<std::int32_t>(calendar.firstWeekday())),
       source_(source),
       byMonths_(stepsByMonths(rule)),
-      step_(step),
-      backwards_(backwards) {}
+      backwards_(backwards),
+      standsOrWalksAway_(rule.interval() <= 0),
+      daysOfTheWeek_(rule.daysOfTheWeek()),
+      step_(step) {
+  if (const auto& days = rule.daysOfTheMonth())
+    for (const NSInteger day : *days)
+      if (day >= 1 && day <= kMostDaysOfAMonth) daysOfTheMonth_ |= DaySet{1} << day;
+  if (const auto& months = rule.monthsOfTheYear())
+    for (const NSInteger month : *months) months_ |= 1U << month;
+  if (source == Source::kDaysOfTheWeek)
+    mayLog_ = !std::all_of(daysOfTheWeek_->begin(), daysOfTheWeek_->end(), [](const auto& entry) {
+      return entry->dayOfTheWeek() != kAnyDay && entry->weekNumber() > 0;
+    });
+  if (source == Source::kDaysOfTheSameWeek)
+    for (const auto& entry : *daysOfTheWeek_)
+      daysOfTheSameWeek_ |= 1U << floorModulo(entry->dayOfTheWeek() - firstWeekday_, kDaysPerWeek);
+}
 
 /// nil where the lists work together otherwise than each month (or week) by itself.
 std::optional<ORLFCivilWindows::Source> ORLFCivilWindows::sourceOf(const Rule& rule) {
-  if (rule.isSimpleRecurrence() || holdsEntries(rule.weeksOfTheYear()) ||
-      holdsEntries(rule.daysOfTheYear()) || !namesOnlyMonthsOfTheYear(rule) || leavesADayOpen(rule))
+  if (rule.isSimpleRecurrence()) return Source::kNearEnd;
+  if (holdsEntries(rule.weeksOfTheYear()) || holdsEntries(rule.daysOfTheYear()) ||
+      !namesOnlyMonthsOfTheYear(rule) || leavesADayOpen(rule))
     return std::nullopt;
   const bool weekly = rule.frequency() == ORLFDateRecurrenceFrequencyWeekly;
   const bool ofListedMonths = holdsEntries(rule.monthsOfTheYear());
@@ -149,143 +177,204 @@ bool ORLFCivilWindows::startAt(NSDate startDate) {
     return false;
   const double seconds = startDate.timeIntervalSince1970();
   const auto local = static_cast<std::int64_t>(seconds) + zone_.secondsFromGMTForDate(startDate);
-  secondsOfDay_ = floorModulo(local, kSecondsPerDay);
+  secondOfDay_ = floorModulo(local, kSecondsPerDay);
   const auto start = civilDay(base::civil::floorDivide(local, kSecondsPerDay));
   if (!start) return false;
-  start_ = *start;
-  setEnd(start_, current_);
+  reached_ = byMonths_ ? base::civil::monthNumber(start->year, start->month) : start->day;
+  dayOfMonth_ = start->dayOfMonth;
+  ends_.front().isServed = setEnd(*start, ends_.front());
   return true;
 }
 
-std::optional<NSDate> ORLFCivilWindows::collectNext(Dates& window) {
-  const std::optional<CivilDay> end = endOfWindow(++index_);
-  if (index_ > 1) std::swap(current_, next_);
-  next_.date.reset();
-  if (end) setEnd(*end, next_);
-  if (!current_.date || !next_.date) return std::nullopt;
-  gatherDays();
-  window.clear();
-  for (const Day day : inWindow_) {
-    const std::optional<NSDate> date = dateOfDay(day);
-    if (!date) return std::nullopt;
-    window.push_back(*date);
-  }
-  return next_.date;
-}
+// What follows runs for each window: it is inline, from the smallest to the one that calls them
+// all.
 
-/// Counted from the start date, as every end is, so that a day that clamps once comes back.
-std::optional<ORLFCivilWindows::CivilDay> ORLFCivilWindows::endOfWindow(
-    NSInteger index) const noexcept {
-  const auto steps = base::checkedProduct(index, backwards_ ? -1 : 1);
-  const auto units = steps ? base::checkedProduct(*steps, step_) : std::nullopt;
-  if (!units || *units > kFarthestStep || *units < -kFarthestStep) return std::nullopt;
-  if (!byMonths_) return civilDay(start_.day + *units);
-  const NSInteger months = start_.year * kMonthsPerYear + start_.month - 1 + *units;
-  const NSInteger year = months / kMonthsPerYear;
-  if (months < 0 || year < kFirstYear || year > kLastYear) return std::nullopt;
-  CivilDay end;
-  end.year = static_cast<std::int32_t>(year);
-  end.month = static_cast<std::int32_t>(months % kMonthsPerYear) + 1;
-  end.dayOfMonth = std::min(start_.dayOfMonth, base::civil::daysInMonth(end.year, end.month));
-  end.day = base::civil::dayFromDate(end.year, end.month, end.dayOfMonth);
-  return end;
-}
-
-std::optional<ORLFCivilWindows::CivilDay> ORLFCivilWindows::civilDay(std::int64_t number) noexcept {
+inline std::optional<ORLFCivilWindows::CivilDay> ORLFCivilWindows::civilDay(
+    std::int64_t number) noexcept {
   if (number < kFirstDay || number > kLastDay) return std::nullopt;
   const auto day = static_cast<Day>(number);
   const base::civil::Date date = base::civil::dateFromDay(day);
-  return CivilDay{day, date.year, date.month, date.day};
+  return CivilDay{day, date.year, date.month, date.day,
+                  base::civil::daysInMonth(date.year, date.month)};
 }
 
-void ORLFCivilWindows::setEnd(const CivilDay& day, WindowEnd& end) {
-  end.date = dateOfDay(day.day);
-  end.day = day.day;
-  end.named.clear();
-  if (!end.date) return;
-  if (source_ == Source::kDaysOfTheSameWeek)
-    nameDaysInWeek(day, end.named);
-  else if (!holdsEntries(rule_.monthsOfTheYear()))
-    nameDaysInMonth(day, day.month, end.named);
-  else
-    for (const NSInteger month : *rule_.monthsOfTheYear())
-      nameDaysInMonth(day, static_cast<std::int32_t>(month), end.named);
-  if (source_ == Source::kDaysOfTheWeek && !areSteady(end.named)) end.date.reset();
+/// Each has the start date's day of the month where its month has one, so that a day that clamps
+/// once comes back. Past the first or the last year none is served again: steps go one way.
+inline std::optional<ORLFCivilWindows::CivilDay> ORLFCivilWindows::moveToNextEnd() noexcept {
+  reached_ += step_;
+  if (!byMonths_) return civilDay(reached_);
+  if (reached_ < kFirstMonth || reached_ > kLastMonth) return std::nullopt;
+  const auto [year, month] = base::civil::yearMonthFromNumber(reached_);
+  const std::int32_t length = base::civil::daysInMonth(year, month);
+  const std::int32_t dayOfMonth = std::min(dayOfMonth_, length);
+  return CivilDay{base::civil::dayFromDate(year, month, dayOfMonth), year, month, dayOfMonth,
+                  length};
 }
 
-/// Near a clock change the general walk may log of an entry and take another day for it, inside the
-/// window or not.
-bool ORLFCivilWindows::areSteady(const Days& days) noexcept {
-  return std::all_of(days.begin(), days.end(),
-                     [this](Day day) { return dateOfDay(day).has_value(); });
+inline ORLFCivilWindows::DaySet ORLFCivilWindows::placesInMonth(Day before,
+                                                                std::int32_t length) const {
+  const std::int32_t weekdayOfFirst = base::civil::weekdayOfDay(before + 1);
+  DaySet days = 0;
+  for (const auto& entry : *daysOfTheWeek_)
+    days |= DaySet{1} << dayOfEntry(*entry, weekdayOfFirst, length);
+  return days;
 }
 
-/// In a month of the date's year. Days that the month lacks are left out.
-void ORLFCivilWindows::nameDaysInMonth(const CivilDay& date, std::int32_t month,
-                                       Days& named) const {
-  const NSInteger length = base::civil::daysInMonth(date.year, month);
-  const Day before = base::civil::dayFromDate(date.year, month, 0);
-  const auto name = [&](NSInteger day) {
-    if (day >= 1 && day <= length) named.push_back(before + static_cast<Day>(day));
-  };
+/// Only those in the day's own month: a week that runs over its end loses the rest, as required.
+inline ORLFCivilWindows::DaySet ORLFCivilWindows::daysOfTheWeekOf(const CivilDay& day) const {
+  const std::int32_t later = base::civil::weekdayOfDay(day.day) - firstWeekday_;
+  const std::int32_t firstOfWeek = day.dayOfMonth - (later < 0 ? later + kWeek : later);
+  return firstOfWeek < 0 ? daysOfTheSameWeek_ >> -firstOfWeek : daysOfTheSameWeek_ << firstOfWeek;
+}
+
+/// In a month of the day's year.
+inline ORLFCivilWindows::DaySet ORLFCivilWindows::daysNamed(const CivilDay& day, Day before,
+                                                            std::int32_t length) const {
   switch (source_) {
-    case Source::kDayOfTheDate:
-      return name(date.dayOfMonth);
     case Source::kDaysOfTheMonth:
-      for (const NSInteger day : *rule_.daysOfTheMonth()) name(day);
-      return;
+      return daysOfTheMonth_ & daysUpTo(length);
+    case Source::kDayOfTheDate:
+      return (DaySet{1} << day.dayOfMonth) & daysUpTo(length);
     case Source::kDaysOfTheWeek:
-      for (const auto& entry : *rule_.daysOfTheWeek()) name(dayOfEntry(*entry, before + 1, length));
-      return;
+      return placesInMonth(before, length) & daysUpTo(length);
     case Source::kDaysOfTheSameWeek:
-      return;
+      return daysOfTheWeekOf(day) & daysUpTo(length);
+    case Source::kNearEnd:
+      break;
+  }
+  return 0;
+}
+
+/// A window has its near end and not its far one.
+inline ORLFCivilWindows::DaySet ORLFCivilWindows::aheadInMonth(const CivilDay& day,
+                                                               std::int32_t month) const noexcept {
+  constexpr DaySet kAll = ~DaySet{0};
+  if (month != day.month) return (month > day.month) != backwards_ ? kAll : DaySet{0};
+  return backwards_ ? (DaySet{2} << day.dayOfMonth) - 1 : kAll << day.dayOfMonth;
+}
+
+inline void ORLFCivilWindows::nameDays(const CivilDay& day, WindowEnd& end) const {
+  if (months_ == 0) {
+    const Day before = day.day - day.dayOfMonth;
+    end.monthCount = 1;
+    end.months[0] = {before, daysNamed(day, before, day.daysInMonth), aheadInMonth(day, day.month)};
+    return;
+  }
+  end.monthCount = 0;
+  for (std::uint32_t rest = months_; rest != 0; rest &= rest - 1) {
+    const std::int32_t month = std::countr_zero(rest);
+    const Day before = base::civil::dayFromDate(day.year, month, 0);
+    const std::int32_t length = base::civil::daysInMonth(day.year, month);
+    end.months[end.monthCount++] = {before, daysNamed(day, before, length),
+                                    aheadInMonth(day, month)};
   }
 }
 
-/// Only those in the date's own month: a week that runs over its end loses the rest, as required.
-void ORLFCivilWindows::nameDaysInWeek(const CivilDay& date, Days& named) const {
-  const Day beforeMonth = date.day - date.dayOfMonth;
-  const NSInteger length = base::civil::daysInMonth(date.year, date.month);
-  const auto firstOfWeek = static_cast<Day>(
-      date.day - floorModulo(base::civil::weekdayOfDay(date.day) - firstWeekday_, kDaysPerWeek));
-  for (const auto& entry : *rule_.daysOfTheWeek()) {
-    const auto day = static_cast<Day>(
-        firstOfWeek + floorModulo(entry->dayOfTheWeek() - firstWeekday_, kDaysPerWeek));
-    if (day > beforeMonth && day <= beforeMonth + length) named.push_back(day);
+inline std::optional<NSDate> ORLFCivilWindows::dateOfDay(Day day) noexcept {
+  constexpr auto kDayLength = static_cast<double>(kSecondsPerDay);
+  double date = static_cast<double>(day) * kDayLength + secondsFromMidnight_;
+  if (!(date >= firstSteady_ && date <= lastSteady_)) {
+    if (!findStretch(day)) return std::nullopt;
+    date = static_cast<double>(day) * kDayLength + secondsFromMidnight_;
   }
+  return NSDate::dateWithTimeIntervalSinceReferenceDate(date);
 }
 
-/// The days of both ends that lie in the window, which has its near end and not its far one, in the
-/// order of the walk and each once.
-void ORLFCivilWindows::gatherDays() {
-  const auto isInside = [this](Day day) {
-    return backwards_ ? day <= current_.day && day > next_.day
-                      : day >= current_.day && day < next_.day;
+/// Whether the end's windows are the same wherever on its day and on the next ones it lies: its own
+/// month and those beside it are not listed, and what is listed depends on its year alone.
+inline bool ORLFCivilWindows::isFarFromNamedDays(const CivilDay& day) const noexcept {
+  constexpr std::uint32_t kThreeMonths = 7;
+  return source_ == Source::kDaysOfTheMonth && months_ != 0 && day.month != kMonthsPerYear &&
+         (months_ >> (day.month - 1) & kThreeMonths) == 0;
+}
+
+/// The general walk may log of an entry that names a last day or any day where a clock change
+/// leaves its time out, and take another day for it, inside the window or not.
+inline bool ORLFCivilWindows::areSteady(const WindowEnd& end) noexcept {
+  for (std::size_t i = 0; i < end.monthCount; ++i)
+    for (DaySet rest = end.months[i].named; rest != 0; rest &= rest - 1)
+      if (!dateOfDay(end.months[i].before + std::countr_zero(rest))) return false;
+  return true;
+}
+
+inline bool ORLFCivilWindows::setEnd(const CivilDay& day, WindowEnd& end) {
+  end.day = day.day;
+  if (!isFarFromNamedDays(day) && !dateOfDay(day.day)) return false;
+  if (source_ == Source::kNearEnd) return true;
+  nameDays(day, end);
+  return !mayLog_ || areSteady(end);
+}
+
+/// In the order of the walk.
+inline bool ORLFCivilWindows::add(Day before, DaySet days, Dates& window) {
+  for (DaySet rest = days; rest != 0;) {
+    const int place =
+        backwards_ ? static_cast<int>(std::bit_width(rest)) - 1 : std::countr_zero(rest);
+    rest ^= DaySet{1} << place;
+    const std::optional<NSDate> date = dateOfDay(before + place);
+    if (!date) return false;
+    window.push_back(*date);
+  }
+  return true;
+}
+
+/// Both ends name days of the same months, or all months of the one come before those of the other.
+inline bool ORLFCivilWindows::gather(const WindowEnd& nearEnd, const WindowEnd& farEnd,
+                                     Dates& window) {
+  const bool nameTheSame = nearEnd.months[0].before == farEnd.months[0].before;
+  const std::size_t count = nearEnd.monthCount;
+  const auto inOrder = [&](std::size_t index) { return backwards_ ? count - 1 - index : index; };
+  for (std::size_t i = 0; i < count; ++i) {
+    const MonthOfDays& month = nearEnd.months[inOrder(i)];
+    const MonthOfDays& other = farEnd.months[inOrder(i)];
+    const DaySet days = nameTheSame ? (month.named | other.named) & ~other.ahead : month.named;
+    if (!add(month.before, days & month.ahead, window)) return false;
+  }
+  for (std::size_t i = 0; !nameTheSame && i < count; ++i) {
+    const MonthOfDays& month = farEnd.months[inOrder(i)];
+    if (!add(month.before, month.named & ~month.ahead, window)) return false;
+  }
+  return true;
+}
+
+bool ORLFCivilWindows::collectNext(Dates& window) {
+  const WindowEnd& nearEnd = ends_[isNearFirst_ ? 0 : 1];
+  WindowEnd& farEnd = ends_[isNearFirst_ ? 1 : 0];
+  isNearFirst_ = !isNearFirst_;
+  const std::optional<CivilDay> end = moveToNextEnd();
+  farEnd.isServed = end && setEnd(*end, farEnd);
+  if (!nearEnd.isServed || !farEnd.isServed) return false;
+  window.clear();
+  if (source_ == Source::kNearEnd) return add(nearEnd.day - 1, DaySet{2}, window);
+  return standsOrWalksAway_ || gather(nearEnd, farEnd, window);
+}
+
+/// Finds the stretch of dates around that day or, near a clock change, that day alone.
+bool ORLFCivilWindows::findStretch(Day day) noexcept {
+  using time::ZoneTable;
+  const ZoneTable& zone = zone_.table();
+  const std::int64_t midnight = base::civil::joinSeconds(day, 0);
+  const std::int64_t local = midnight + secondOfDay_;
+  const ZoneTable::Stretch stretch = zone.stretchAt(local);
+  const auto setStretch = [&](std::int64_t instant, double first, double last) {
+    firstSteady_ = first - NSTimeIntervalSince1970;
+    lastSteady_ = last - NSTimeIntervalSince1970;
+    secondsFromMidnight_ = static_cast<double>(instant - midnight) - NSTimeIntervalSince1970;
   };
-  inWindow_.clear();
-  std::copy_if(current_.named.begin(), current_.named.end(), std::back_inserter(inWindow_),
-               isInside);
-  std::copy_if(next_.named.begin(), next_.named.end(), std::back_inserter(inWindow_), isInside);
-  if (inWindow_.size() < 2) return;
-  if (backwards_)
-    std::sort(inWindow_.begin(), inWindow_.end(), std::greater<>());
-  else
-    std::sort(inWindow_.begin(), inWindow_.end());
-  const auto end = std::unique(inWindow_.begin(), inWindow_.end());
-  inWindow_.resize(static_cast<std::size_t>(end - inWindow_.begin()));
-}
-
-/// The start date's time of day on that day; nil near a clock change.
-std::optional<NSDate> ORLFCivilWindows::dateOfDay(Day day) noexcept {
-  const auto local = static_cast<double>(base::civil::joinSeconds(day, secondsOfDay_));
-  if (!isSteady(local - offset_)) {
-    const auto stretch = zone_.offsetStretchForDate(NSDate::dateWithTimeIntervalSince1970(local));
-    firstSteady_ = stretch.begin + kReachOfClockChange;
-    lastSteady_ = stretch.end - kReachOfClockChange;
-    offset_ = static_cast<double>(stretch.secondsFromGMT);
-    if (!isSteady(local - offset_)) return std::nullopt;
+  const auto instant = static_cast<double>(local - stretch.offset);
+  // The ends of time are as good as any beyond the years that are counted with.
+  const double first = static_cast<double>(stretch.begin) + kReachOfClockChange;
+  const double last = static_cast<double>(stretch.end) - kReachOfClockChange;
+  if (instant >= first && instant <= last) {
+    setStretch(local - stretch.offset, first, last);
+    return true;
   }
-  return NSDate::dateWithTimeIntervalSince1970(local - offset_);
+  const std::int64_t shown = zone.firstInstantOfLocal(local);
+  const bool isShownOnce =
+      shown == zone.lastInstantOfLocal(local) && shown + zone.offsetAt(shown) == local;
+  const auto alone = static_cast<double>(shown);
+  setStretch(shown, alone, isShownOnce ? alone : alone - 1);
+  return isShownOnce;
 }
 
 }  // namespace ORLFoundation::internal::recurrence

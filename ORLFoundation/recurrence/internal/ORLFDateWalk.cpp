@@ -39,24 +39,26 @@ NSUInteger ORLFDateWalk::run() {
   int emptiness = 0;
   NSInteger index = 0;
   while (!stop_) {
-    const std::optional<NSDate> next = collectNextWindow(++index);
+    const bool goesOn = collectNextWindow(++index);
     emptiness = window_.empty() ? emptiness + kEmptinessOfPeriod : 0;
     deliver();
-    if (emptiness >= kEmptinessLimit || !next) break;
-    current_ = *next;
+    if (emptiness >= kEmptinessLimit || !goesOn) break;
   }
   return static_cast<NSUInteger>(index);
 }
 
-std::optional<NSDate> ORLFDateWalk::collectNextWindow(NSInteger index) {
-  if (civil_) {
-    const std::optional<NSDate> end = civil_->collectNext(window_);
-    ofNext_.quiet = false;  // The patterns of this window's end have not been made.
-    if (end) return end;
+bool ORLFDateWalk::collectNextWindow(NSInteger index) {
+  if (civil_ && civil_->collectNext(window_)) {
+    // Neither this window's end nor its patterns have been made.
+    current_.reset();
+    ofNext_.quiet = false;
+    return true;
   }
-  const std::optional<NSDate> end = endOfWindow(index);
-  collectWindow(end);
-  return end;
+  if (!current_) current_ = endOfWindow(index - 1);
+  const std::optional<NSDate> next = endOfWindow(index);
+  collectWindow(next);
+  current_ = next;
+  return next.has_value();
 }
 
 /// Always counted from the start date, so that a month's end that clamps once stays out of the
@@ -78,14 +80,14 @@ bool ORLFDateWalk::isPassedOver(std::optional<NSDate> next) const noexcept {
 void ORLFDateWalk::collectWindow(std::optional<NSDate> next) {
   window_.clear();
   if (simple_) {
-    if (!isPassedOver(next)) window_.assign(1, current_);
+    if (!isPassedOver(next)) window_.assign(1, *current_);
     return;
   }
   if (!next) return;
   if (ofNext_.quiet)
     std::swap(ofCurrent_, ofNext_);
   else
-    resolvePatterns(current_, ofCurrent_);
+    resolvePatterns(*current_, ofCurrent_);
   resolvePatterns(*next, ofNext_);
   keepDatesInWindow(ofCurrent_.dates, *next);
   keepDatesInWindow(ofNext_.dates, *next);
@@ -112,8 +114,8 @@ void ORLFDateWalk::resolvePatterns(NSDate date, PeriodDates& into) {
 void ORLFDateWalk::keepDatesInWindow(const Dates& dates, NSDate next) {
   for (const NSDate date : dates) {
     const bool inside = arguments_.backwards
-                            ? orlfIsOnOrBefore(date, current_) && orlfIsAfter(date, next)
-                            : orlfIsOnOrAfter(date, current_) && orlfIsBefore(date, next);
+                            ? orlfIsOnOrBefore(date, *current_) && orlfIsAfter(date, next)
+                            : orlfIsOnOrAfter(date, *current_) && orlfIsBefore(date, next);
     if (inside) window_.push_back(date);
   }
 }

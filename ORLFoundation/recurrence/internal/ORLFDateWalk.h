@@ -33,7 +33,8 @@ class ORLFDateWalk {
   };
 
   [[nodiscard]] std::optional<NSDate> endOfWindow(NSInteger index) const noexcept;
-  [[nodiscard]] std::optional<NSDate> collectNextWindow(NSInteger index);
+  /// Whether the calendar goes on after it.
+  [[nodiscard]] bool collectNextWindow(NSInteger index);
   void collectWindow(std::optional<NSDate> next);
   [[nodiscard]] bool isPassedOver(std::optional<NSDate> next) const noexcept;
   void resolvePatterns(NSDate date, PeriodDates& into);
@@ -51,7 +52,7 @@ class ORLFDateWalk {
   PeriodDates ofCurrent_;
   PeriodDates ofNext_;
   Dates window_;
-  NSDate current_;
+  std::optional<NSDate> current_;  // the near end, made where the general walk needs it
   NSUInteger delivered_ = 0;
   bool stop_ = false;
 };

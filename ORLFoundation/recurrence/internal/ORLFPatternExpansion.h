@@ -16,7 +16,7 @@ namespace ORLFoundation::internal::recurrence {
 
 class ORLFPatternExpansion {
  public:
-  using Patterns = boost::container::small_vector<NSDateComponents, 8>;
+  using Patterns = boost::container::small_vector<NSDateComponents, 6>;
 
   /// The rule and the calendar must outlive the expansion.
   ORLFPatternExpansion(const ORLFDateRecurrenceRule& rule, std::optional<NSDate> referenceDate,

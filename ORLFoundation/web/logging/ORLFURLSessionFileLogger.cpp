@@ -9,7 +9,6 @@
 #include <ORLFoundation/platform/time/NSISO8601DateFormatter.h>
 #include <ORLFoundation/web/logging/ORLFURLSessionSecretMask.h>
 
-#include <exception>
 #include <utility>
 
 namespace ORLFoundation {
@@ -91,7 +90,7 @@ std::optional<std::string> ORLFURLSessionFileLogger::redact(
     if (!applied) return redacted;
     for (const Processor& processor : *applied) redacted = processor->process(std::move(redacted));
     return redacted;
-  } catch (const std::exception&) {
+  } catch (...) {
     NSLog("A text was left out of a session's log: it could not be masked.");
     return std::nullopt;
   }

@@ -200,13 +200,18 @@ TEST_F(FileLogger, RefusesAProcessorThatIsNil) {
 
 TEST_F(FileLogger, LeavesOutWhatAProcessorThrowsOn) {
   LogCapture log;
-  logger_.addRequestBodyProcessor(
-      std::make_shared<Rule>([](const auto&) -> std::optional<std::string> {
-        throw NSException(NSGenericException, "no");
-      }));
-  logBody("secret");
-  EXPECT_EQ(logged(), kSent + "\n\n");
-  EXPECT_THAT(log.lines(), ElementsAre(HasSubstr("left out")));
+  const Rule::Function functions[] = {[](const auto&) -> std::optional<std::string> {
+                                        throw NSException(NSGenericException, "no");
+                                      },
+                                      [](const auto&) -> std::optional<std::string> { throw 7; }};
+  for (const auto& function : functions) {
+    const auto rule = std::make_shared<Rule>(function);
+    logger_.addRequestBodyProcessor(rule);
+    logBody("secret");
+    logger_.removeRequestBodyProcessor(rule);
+  }
+  EXPECT_EQ(logged(), kSent + "\n\n" + kSent + "\n\n");
+  EXPECT_THAT(log.lines(), ElementsAre(HasSubstr("left out"), HasSubstr("left out")));
 }
 
 TEST_F(FileLogger, LeavesOutWhatAMaskCannotReadInTime) {

@@ -115,13 +115,13 @@ TEST(ORLFURLSessionLogReplacement, TakesLinearTimeWhateverTheText) {
   const std::string quotes(size, '"');
   const std::string blanks = "\"password\"" + std::string(size, ' ');
   const std::string value = "\"password\":" + std::string(size, 'x');
-  std::string keys;
-  while (keys.size() < size) keys += "\"password\"";
+  std::string keys;  // a body of 100 MB
+  while (keys.size() < size * 25) keys += "\"password\"";
   const double seconds = orlftest::processorSecondsOf([&] {
     EXPECT_EQ(mask->process(quotes), quotes);
     EXPECT_EQ(mask->process(blanks), blanks);
     EXPECT_EQ(mask->process(value), "\"password\":\"***\"");
-    EXPECT_EQ(mask->process(keys), keys);
+    EXPECT_TRUE(mask->process(keys) == keys);
   });
   EXPECT_LT(seconds, 1);
 }

@@ -2,6 +2,7 @@
 
 #include <ORLFoundation/platform/object/NSURLErrors.h>
 #include <ORLFoundation/platform/operation/NSOperationQueue.h>
+#include <ORLFoundation/web/session/internal/SessionFields.h>
 
 #include <array>
 #include <cstdio>
@@ -27,7 +28,10 @@ std::shared_ptr<ORLFURLSession> ORLFURLSession::initWithConfiguration(
 ORLFURLSession::ORLFURLSession(Passkey /*passkey*/,
                                std::shared_ptr<ORLFURLSessionDelegate> delegate,
                                std::shared_ptr<NSOperationQueue> delegateQueue)
-    : delegate_(std::move(delegate)), delegateQueue_(std::move(delegateQueue)) {}
+    : fields_(std::make_unique<Fields>()) {
+  fields_->delegate = std::move(delegate);
+  fields_->delegateQueue = std::move(delegateQueue);
+}
 
 ORLFURLSession::~ORLFURLSession() = default;
 
@@ -42,9 +46,9 @@ void ORLFURLSession::invalidateSessionCancelingTasks(bool cancelingTasks) {
     session_->finishTasksAndInvalidate();
   }
   std::shared_ptr<ORLFURLSessionDelegate> before;
-  const std::lock_guard guard(lock_);
-  sessionInvalidated_ = true;
-  delegate_.swap(before);
+  const std::lock_guard guard(fields_->lock);
+  fields_->sessionInvalidated = true;
+  fields_->delegate.swap(before);
 }
 
 std::shared_ptr<NSURLSessionDataTask> ORLFURLSession::dataTaskWithRequest(
@@ -66,8 +70,8 @@ std::shared_ptr<NSURLSessionDownloadTask> ORLFURLSession::downloadTaskWithReques
 void ORLFURLSession::addReceiver(const NSURLSessionTask& task, const Receiver& receiver) {
   if (!receiver) return;
   Receiver stored = receiver;
-  const std::lock_guard guard(tasksLock_);
-  sessionTasks_[task.taskIdentifier()].swap(stored);
+  const std::lock_guard guard(fields_->tasksLock);
+  fields_->sessionTasks[task.taskIdentifier()].swap(stored);
 }
 
 void ORLFURLSession::taskDidFailAuthentication(const std::shared_ptr<ORLFURLSessionTask>& task,
@@ -98,43 +102,36 @@ std::string ORLFURLSession::uniqueIDForTask(const std::shared_ptr<ORLFURLSession
 }
 
 bool ORLFURLSession::sessionInvalidated() const {
-  const std::lock_guard guard(lock_);
-  return sessionInvalidated_;
+  return fields_->read(fields_->sessionInvalidated);
 }
 
 std::shared_ptr<ORLFURLSessionDelegate> ORLFURLSession::delegate() const {
-  const std::lock_guard guard(lock_);
-  return delegate_;
+  return fields_->read(fields_->delegate);
 }
 
 void ORLFURLSession::setDelegate(std::shared_ptr<ORLFURLSessionDelegate> value) {
-  const std::lock_guard guard(lock_);
-  delegate_.swap(value);
+  fields_->exchange(fields_->delegate, std::move(value));
 }
 
 std::shared_ptr<NSOperationQueue> ORLFURLSession::delegateQueue() const {
-  const std::lock_guard guard(lock_);
-  return delegateQueue_;
+  return fields_->read(fields_->delegateQueue);
 }
 
 void ORLFURLSession::setDelegateQueue(std::shared_ptr<NSOperationQueue> value) {
-  const std::lock_guard guard(lock_);
-  delegateQueue_.swap(value);
+  fields_->exchange(fields_->delegateQueue, std::move(value));
 }
 
 std::shared_ptr<ORLFURLSessionLogger> ORLFURLSession::logger() const {
-  const std::lock_guard guard(lock_);
-  return logger_;
+  return fields_->read(fields_->logger);
 }
 
 void ORLFURLSession::setLogger(std::shared_ptr<ORLFURLSessionLogger> value) {
-  const std::lock_guard guard(lock_);
-  logger_.swap(value);
+  fields_->exchange(fields_->logger, std::move(value));
 }
 
 ORLFURLSession::Receivers ORLFURLSession::sessionTasks() const {
-  const std::lock_guard guard(tasksLock_);
-  return sessionTasks_;
+  const std::lock_guard guard(fields_->tasksLock);
+  return fields_->sessionTasks;
 }
 
 }  // namespace ORLFoundation

@@ -29,7 +29,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -37,6 +36,10 @@
 namespace ORLFoundation {
 
 class ORLFURLSessionLogger;
+
+namespace internal::session {
+struct SessionFields;
+}  // namespace internal::session
 
 /// Posted by `resume` with the session as its object and the task under the key.
 inline constexpr std::string_view ORLFURLSessionDidResumeTaskNotification =
@@ -181,6 +184,7 @@ class ORLFURLSession : public NSObject,
 
  private:
   friend class ORLFURLSessionTask;
+  using Fields = internal::session::SessionFields;
 
   [[nodiscard]] std::shared_ptr<ORLFURLSession> self();
   void addReceiver(const NSURLSessionTask& task, const Receiver& receiver);
@@ -193,15 +197,7 @@ class ORLFURLSession : public NSObject,
                   const std::shared_ptr<NSURLRequest>& request);
 
   std::shared_ptr<NSURLSession> session_;
-
-  mutable std::mutex lock_;  // guards the four that follow
-  bool sessionInvalidated_ = false;
-  std::shared_ptr<ORLFURLSessionDelegate> delegate_;
-  std::shared_ptr<NSOperationQueue> delegateQueue_;
-  std::shared_ptr<ORLFURLSessionLogger> logger_;
-
-  mutable std::recursive_mutex tasksLock_;
-  Receivers sessionTasks_;
+  const std::unique_ptr<Fields> fields_;
 };
 
 }  // namespace ORLFoundation

@@ -13,7 +13,6 @@
 /// `std::make_shared`. Everything is safe on any thread.
 #pragma once
 
-#include <ORLFoundation/platform/dispatch/dispatch_semaphore.h>
 #include <ORLFoundation/platform/net/NSURLRequest.h>
 #include <ORLFoundation/platform/net/NSURLResponse.h>
 #include <ORLFoundation/platform/net/NSURLSessionDelegate.h>
@@ -177,6 +176,8 @@ class ORLFURLSessionTask : public NSObject,
 
  private:
   using Fields = internal::session::TaskFields;
+  /// What an end takes as it stands when it begins.
+  struct Ending;
 
   [[nodiscard]] std::shared_ptr<ORLFURLSessionTask> self();
   void clearOutcome();
@@ -191,9 +192,7 @@ class ORLFURLSessionTask : public NSObject,
   void askForAuthentication(const std::shared_ptr<NSURLResponse>& response,
                             const std::shared_ptr<const NSError>& error);
   void retry(const std::shared_ptr<NSURLRequest>& request);
-  void end(const Completion& handler, const dispatch_semaphore_t& lock,
-           const std::shared_ptr<NSURLRequest>& request,
-           const std::shared_ptr<const NSError>& error);
+  void end(const Ending& ending);
   void updateDownload(std::int64_t value, std::int64_t max);
 
   const std::shared_ptr<ORLFURLSession> session_;

@@ -109,50 +109,52 @@ void ORLFURLSessionTask::retry(const std::shared_ptr<NSURLRequest>& request) {
   if (begins) start();
 }
 
+struct ORLFURLSessionTask::Ending {
+  Completion handler;
+  dispatch_semaphore_t lock;
+  std::shared_ptr<NSURLRequest> request;
+  std::shared_ptr<const NSError> error;
+};
+
 void ORLFURLSessionTask::endWithResult(id result, std::shared_ptr<NSURLResponse> response,
                                        std::shared_ptr<const NSError> error) {
   const auto task = self();
-  Completion handler;
-  dispatch_semaphore_t lock;
-  std::shared_ptr<NSURLRequest> asked;
+  Ending ending;
+  ending.error = std::move(error);
   {
     const std::lock_guard guard(fields_->lock);
-    handler = fields_->completionHandler;
-    lock = fields_->completionLock;
-    asked = fields_->request;
+    ending.handler = fields_->completionHandler;
+    ending.lock = fields_->completionLock;
+    ending.request = fields_->request;
   }
   setResponse(std::move(response));
   setResult(std::move(result));
   completionQueue()->addOperationWithBlock(
-      [task, handler = std::move(handler), lock, asked, error = std::move(error)] {
-        task->end(handler, lock, asked, error);
-      });
+      [task, ending = std::move(ending)] { task->end(ending); });
 }
 
-void ORLFURLSessionTask::end(const Completion& handler, const dispatch_semaphore_t& lock,
-                             const std::shared_ptr<NSURLRequest>& request,
-                             const std::shared_ptr<const NSError>& error) {
+void ORLFURLSessionTask::end(const Ending& ending) {
   const auto me = std::this_thread::get_id();
   {
     const std::lock_guard guard(fields_->lock);
     fields_->handlers.push_back(me);
   }
-  if (handler) handler(self(), error);
-  std::shared_ptr<const NSError> before = error;
+  if (ending.handler) ending.handler(self(), ending.error);
+  std::shared_ptr<const NSError> before = ending.error;
   dispatch_semaphore_t present;
   changeValue("state", [&] {
     const std::lock_guard guard(fields_->lock);
     auto& handlers = fields_->handlers;
     handlers.erase(std::find(handlers.begin(), handlers.end(), me));
-    if (fields_->request == request) {
+    if (fields_->request == ending.request) {
       fields_->state = ORLURLSessionTaskStateCompleted;
       fields_->error.swap(before);
     }
     present = fields_->completionLock;
   });
-  if (lock) dispatch_semaphore_signal(lock);
+  if (ending.lock) dispatch_semaphore_signal(ending.lock);
   // One that was made since the end began.
-  if (present && present != lock) dispatch_semaphore_signal(present);
+  if (present && present != ending.lock) dispatch_semaphore_signal(present);
 }
 
 }  // namespace ORLFoundation

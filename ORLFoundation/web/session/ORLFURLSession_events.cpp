@@ -1,5 +1,7 @@
 #include <ORLFoundation/web/session/ORLFURLSession.h>
 
+#include <ORLFoundation/web/session/internal/SessionFields.h>
+
 #include <utility>
 
 namespace ORLFoundation {
@@ -8,16 +10,16 @@ template <class Delegate, class Block>
 void ORLFURLSession::route(const std::shared_ptr<NSURLSessionTask>& task, const Block& block) {
   const auto session = self();  // whose lock is given back before the last reference goes
   std::shared_ptr<Delegate> receiver;
-  const std::lock_guard guard(tasksLock_);
-  const auto found = sessionTasks_.find(task->taskIdentifier());
-  if (found == sessionTasks_.end()) return;
+  const std::lock_guard guard(fields_->tasksLock);
+  const auto found = fields_->sessionTasks.find(task->taskIdentifier());
+  if (found == fields_->sessionTasks.end()) return;
   receiver = std::dynamic_pointer_cast<Delegate>(found->second);
   if (receiver) block(*receiver);
 }
 
 void ORLFURLSession::performRouted(const std::function<void()>& block) {
   const auto session = self();
-  const std::lock_guard guard(tasksLock_);
+  const std::lock_guard guard(fields_->tasksLock);
   block();
 }
 
@@ -26,8 +28,8 @@ void ORLFURLSession::URLSessionDidBecomeInvalidWithError(
     const std::shared_ptr<const NSError>& /*error*/) {
   const auto session = self();
   Receivers left;  // to be let go of outside of the lock
-  const std::lock_guard guard(tasksLock_);
-  sessionTasks_.swap(left);
+  const std::lock_guard guard(fields_->tasksLock);
+  fields_->sessionTasks.swap(left);
 }
 
 void ORLFURLSession::URLSessionTaskDidCompleteWithError(
@@ -35,14 +37,14 @@ void ORLFURLSession::URLSessionTaskDidCompleteWithError(
     const std::shared_ptr<const NSError>& error) {
   const auto owner = self();
   Receiver left;
-  const std::lock_guard guard(tasksLock_);
+  const std::lock_guard guard(fields_->tasksLock);
   route<NSURLSessionTaskDelegate>(task, [&](NSURLSessionTaskDelegate& receiver) {
     receiver.URLSessionTaskDidCompleteWithError(session, task, error);
   });
-  const auto found = sessionTasks_.find(task->taskIdentifier());
-  if (found == sessionTasks_.end()) return;
+  const auto found = fields_->sessionTasks.find(task->taskIdentifier());
+  if (found == fields_->sessionTasks.end()) return;
   left.swap(found->second);
-  sessionTasks_.erase(found);
+  fields_->sessionTasks.erase(found);
 }
 
 void ORLFURLSession::URLSessionTaskDidSendBodyData(const std::shared_ptr<NSURLSession>& session,

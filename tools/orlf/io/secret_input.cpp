@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -35,36 +36,47 @@ class OpenFile {
   int number_;
 };
 
-volatile sig_atomic_t caughtSignal = 0;
+// What the signals' handler leaves, on whatever thread it runs.
+std::atomic<int> caughtSignal{0};
+std::atomic<int> signalsEnd{-1};
+static_assert(std::atomic<int>::is_always_lock_free);
+
+extern "C" void keepSignal(int number) {
+  const int before = errno;
+  caughtSignal = number;
+  static_cast<void>(!::write(signalsEnd, "", 1));
+  errno = before;
+}
 
 /// Has the signals that end or stop a program end the waiting for input instead, for as long as it
 /// lives. What came is sent again when the terminal is as it was.
 class HeldSignals {
  public:
   HeldSignals() {
+    // A pipe, since a signal may come to another thread than the one that waits.
+    if (::pipe2(ends_.data(), O_CLOEXEC | O_NONBLOCK) != 0) return;
     caughtSignal = 0;
-    // Held back but while input is waited for: none is missed between two steps.
-    sigset_t held;
-    sigemptyset(&held);
-    for (const int signal : kSignals) sigaddset(&held, signal);
-    ::pthread_sigmask(SIG_BLOCK, &held, &maskBefore_);
+    signalsEnd = ends_[1];
     struct sigaction action {};
-    action.sa_handler = [](int signal) { caughtSignal = signal; };
+    action.sa_handler = &keepSignal;
     for (std::size_t i = 0; i < kSignals.size(); ++i)
       ::sigaction(kSignals[i], &action, &before_[i]);
   }
   ~HeldSignals() {
+    if (!areHeld()) return;
     for (std::size_t i = 0; i < kSignals.size(); ++i)
       ::sigaction(kSignals[i], &before_[i], nullptr);
+    signalsEnd = -1;
+    for (const int end : ends_) ::close(end);
     if (caughtSignal != 0) ::raise(caughtSignal);
-    ::pthread_sigmask(SIG_SETMASK, &maskBefore_, nullptr);
   }
+  [[nodiscard]] bool areHeld() const { return ends_[0] >= 0; }
   /// Waits until there is something to be read; false where a signal came first.
   [[nodiscard]] bool waitForInput(int file) const {
-    pollfd polled{file, POLLIN, 0};
-    while (::ppoll(&polled, 1, nullptr, &maskBefore_) < 0)
-      if (errno != EINTR || caughtSignal != 0) return false;
-    return true;
+    std::array<pollfd, 2> polled{pollfd{file, POLLIN, 0}, pollfd{ends_[0], POLLIN, 0}};
+    while (::poll(polled.data(), polled.size(), -1) < 0)
+      if (errno != EINTR) return false;
+    return caughtSignal == 0;
   }
   HeldSignals(const HeldSignals&) = delete;
   HeldSignals& operator=(const HeldSignals&) = delete;
@@ -72,7 +84,7 @@ class HeldSignals {
  private:
   static constexpr std::array kSignals{SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGTSTP};
   std::array<struct sigaction, kSignals.size()> before_{};
-  sigset_t maskBefore_{};
+  std::array<int, 2> ends_{-1, -1};
 };
 
 /// A terminal that does not show what is typed, for as long as it lives.
@@ -117,7 +129,7 @@ WipedBytes readBytes(int file, const std::string& name, const HeldSignals* signa
   }
   explicit_bzero(piece.data(), piece.size());
   if (!failure.empty()) throw JobFailure(name + ": " + failure);
-  if (isLine && bytes.empty()) throw JobFailure(name + ": no password was typed");
+  if (isLine && bytes.empty()) throw JobFailure(name + ": nothing was typed");
   if (!bytes.empty() && bytes.back() == '\n') bytes.pop_back();
   if (!bytes.empty() && bytes.back() == '\r') bytes.pop_back();
   return bytes;
@@ -126,18 +138,25 @@ WipedBytes readBytes(int file, const std::string& name, const HeldSignals* signa
 WipedBytes ask(int terminal, const std::string& prompt) {
   const HeldSignals held;
   const SilentTerminal silent(terminal);
-  if (!silent.isSilent()) throw JobFailure("the terminal cannot be kept from showing the password");
+  if (!held.areHeld() || !silent.isSilent())
+    throw JobFailure("the terminal cannot be kept from showing what is typed");
   const std::string shown = oneLine(prompt);
   if (::write(terminal, shown.data(), shown.size()) < 0)
     throw JobFailure(std::string("the terminal cannot be written to: ") + std::strerror(errno));
   return readBytes(terminal, "the terminal", &held);
 }
 
-Secret askOnTerminal(const SecretRequest& request) {
-  const OpenFile terminal(::open("/dev/tty", O_RDWR | O_CLOEXEC | O_NOCTTY));
-  if (terminal.number() < 0)
-    throw UsageFailure(std::string(request.option) +
-                       " FILE is needed, or - for the standard input: there is no terminal to ask");
+/// Throws UsageFailure with a text of the caller where there is no terminal.
+OpenFile openTerminal(const std::string& otherwise) {
+  const int terminal = ::open("/dev/tty", O_RDWR | O_CLOEXEC | O_NOCTTY);
+  if (terminal < 0) throw UsageFailure(otherwise);
+  return OpenFile(terminal);
+}
+
+Secret askForPassword(const SecretRequest& request) {
+  const OpenFile terminal =
+      openTerminal(std::string(request.option) +
+                   " FILE is needed, or - for the standard input: there is no terminal to ask");
   WipedBytes typed = ask(terminal.number(), request.prompt);
   if (request.isNew && ask(terminal.number(), "Again: ") != typed)
     throw JobFailure("the two passwords differ");
@@ -146,8 +165,13 @@ Secret askOnTerminal(const SecretRequest& request) {
 
 }  // namespace
 
+Secret askOnTerminal(const std::string& prompt, const std::string& otherwise) {
+  const OpenFile terminal = openTerminal(otherwise);
+  return Secret(ask(terminal.number(), prompt));
+}
+
 Secret readSecret(const SecretRequest& request) {
-  if (!request.file) return askOnTerminal(request);
+  if (!request.file) return askForPassword(request);
   if (*request.file == "-") return Secret(readBytes(STDIN_FILENO, "standard input"));
   const OpenFile file(::open(request.file->c_str(), O_RDONLY | O_CLOEXEC));
   if (file.number() < 0)

@@ -38,4 +38,8 @@ struct SecretRequest {
 /// differ.
 [[nodiscard]] Secret readSecret(const SecretRequest& request);
 
+/// A line that is typed at the terminal, on any thread. Throws UsageFailure with the text
+/// `otherwise` where there is no terminal, JobFailure where nothing is typed.
+[[nodiscard]] Secret askOnTerminal(const std::string& prompt, const std::string& otherwise);
+
 }  // namespace orlftool

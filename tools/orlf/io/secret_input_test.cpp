@@ -12,6 +12,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <thread>
 
 #include "cli/failure.h"
 
@@ -148,8 +149,30 @@ TEST_F(SecretInput, EndsAtCtrlCWithTheTerminalAsItWas) {
   EXPECT_TRUE(WIFSIGNALED(session.status));
   EXPECT_EQ(WTERMSIG(session.status), SIGINT);
   EXPECT_TRUE(session.showsTypingAfterwards);
-  EXPECT_THAT(atTerminal({"\x04"}, work).given, HasSubstr("no password was typed"));
+  EXPECT_THAT(atTerminal({"\x04"}, work).given, HasSubstr("nothing was typed"));
   EXPECT_EQ(atTerminal({" \n"}, work).given, " ");
+}
+
+TEST_F(SecretInput, EndsAtCtrlCOnAnyThread) {
+  const auto work = [] {
+    std::string given;
+    std::thread([&] { given = outcome([] { return secretOf(std::nullopt); }); }).join();
+    return given;
+  };
+  const Session session = atTerminal({"s3c\x03"}, work);
+  EXPECT_EQ(session.given, "");
+  EXPECT_TRUE(WIFSIGNALED(session.status) && WTERMSIG(session.status) == SIGINT);
+  EXPECT_TRUE(session.showsTypingAfterwards);
+  EXPECT_EQ(atTerminal({"word\n"}, work).given, "word");
+}
+
+TEST_F(SecretInput, AsksForAnyLine) {
+  const Session session = atTerminal({"Token: abc\n"}, [] {
+    return outcome([] { return orlftool::askOnTerminal("Header: ", "no terminal"); });
+  });
+  EXPECT_EQ(session.given, "Token: abc");
+  EXPECT_THAT(session.shown, Not(HasSubstr("abc")));
+  EXPECT_FALSE(session.showedTyping);
 }
 
 TEST_F(SecretInput, SaysWhatToDoWithoutATerminal) {

@@ -4,8 +4,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
-#include <atomic>
 #include <cerrno>
 
 #include "progress/progress_text.h"
@@ -13,36 +11,13 @@
 namespace orlftool {
 namespace {
 
-constexpr std::string_view kEraseRow = "\r\x1B[K";
 constexpr std::string_view kRowAbove = "\x1B[A\x1B[K";
-
-/// The descriptor on which a line is shown; -1 for none. A signal's handler reads it.
-std::atomic<int> shownOn{-1};
-static_assert(std::atomic<int>::is_always_lock_free);
-
-extern "C" void endWithoutTheLine(int number) {
-  const int descriptor = shownOn.exchange(-1);
-  if (descriptor >= 0) static_cast<void>(!::write(descriptor, kEraseRow.data(), kEraseRow.size()));
-  static_cast<void>(std::signal(number, SIG_DFL));
-  static_cast<void>(std::raise(number));  // comes when this handler has returned
-}
 
 }  // namespace
 
-ProgressScreen::ProgressScreen(int descriptor) : descriptor_(descriptor) {
-  for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
-    struct sigaction before {};
-    if (::sigaction(number, nullptr, &before) != 0 || before.sa_handler != SIG_DFL) continue;
-    struct sigaction action {};
-    action.sa_handler = &endWithoutTheLine;
-    if (::sigaction(number, &action, nullptr) == 0) before_.emplace_back(number, before);
-  }
-}
+ProgressScreen::ProgressScreen(int descriptor) : descriptor_(descriptor) {}
 
-ProgressScreen::~ProgressScreen() {
-  close();
-  for (const auto& [number, action] : before_) ::sigaction(number, &action, nullptr);
-}
+ProgressScreen::~ProgressScreen() { close(); }
 
 std::size_t ProgressScreen::columns() const {
   struct winsize size {};
@@ -58,7 +33,7 @@ void ProgressScreen::show(const std::string& line) {
   erase(output);
   output += line;
   shown_ = line;
-  shownOn = descriptor_;
+  setRowToErase(descriptor_);
   write(output);
 }
 
@@ -84,7 +59,7 @@ void ProgressScreen::erase(std::string& output) {
   const std::size_t width = columnsOfText(shown_);
   for (std::size_t row = columns(); row < width; row += columns()) output += kRowAbove;
   shown_.clear();
-  shownOn = -1;
+  setRowToErase(-1);
 }
 
 void ProgressScreen::write(std::string_view bytes) const {

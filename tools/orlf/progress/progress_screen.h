@@ -5,12 +5,12 @@
 /// then. SIGINT, SIGTERM and SIGHUP take it away too before they end the program.
 #pragma once
 
-#include <csignal>
 #include <cstddef>
 #include <mutex>
 #include <string>
 #include <string_view>
-#include <vector>
+
+#include "io/ending_signals.h"
 
 namespace orlftool {
 
@@ -40,7 +40,7 @@ class ProgressScreen {
   std::mutex lock_;
   std::string shown_;
   bool isClosed_ = false;
-  std::vector<std::pair<int, struct sigaction>> before_;
+  const EndingSignals signals_;
 };
 
 }  // namespace orlftool

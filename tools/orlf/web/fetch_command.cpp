@@ -3,6 +3,7 @@
 #include <ORLFoundation/platform/object/NSURLErrors.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
 #include <ORLFoundation/web/logging/ORLFURLSessionFileLogger.h>
+#include <ORLFoundation/web/logging/ORLFURLSessionLogReplacement.h>
 #include <ORLFoundation/web/session/ORLFHTTPURLResponse.h>
 #include <ORLFoundation/web/session/ORLFURLSession.h>
 #include <sys/stat.h>
@@ -129,6 +130,11 @@ class Fetch {
         fileURLOfArgument("--log", *arguments_.log), "orlf fetch");
     for (const auto* fields : {&headers, &retries})
       for (const std::string& secret : secretsOf(*fields)) logger->addSecret(secret);
+    logger->addSecret(passwordOf(url_));
+    const auto credentials =
+        ORLFURLSessionLogReplacement::initWithMatchExpression(R"((?<=://)[^/?#]*@)", 0, "***@");
+    logger->addRequestURLProcessor(credentials);
+    logger->addDownloadURLProcessor(credentials);
     if (arguments_.masks.empty()) return logger;
     const auto mask = std::make_shared<FieldMask>(arguments_.masks);
     logger->addRequestURLProcessor(mask);

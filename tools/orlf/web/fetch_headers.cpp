@@ -1,57 +1,32 @@
 #include "web/fetch_headers.h"
 
+#include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/Base64.h>
 #include <ORLFoundation/platform/net/NSHTTPHeaderFields.h>
-#include <fcntl.h>
-#include <termios.h>
-#include <unistd.h>
+
+#include <algorithm>
+#include <string_view>
 
 #include "cli/failure.h"
 #include "io/input_file.h"
+#include "io/secret_input.h"
 #include "io/text_lines.h"
 #include "values/trimmed.h"
 
 namespace orlftool {
 namespace {
 
-/// The terminal, which shows nothing of what is typed while this lives.
-class SilentTerminal {
- public:
-  SilentTerminal() : terminal_(::open("/dev/tty", O_RDWR | O_CLOEXEC)) {
-    if (terminal_ < 0 || ::tcgetattr(terminal_, &before_) != 0) return;
-    termios silent = before_;
-    silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-    isSilent_ = ::tcsetattr(terminal_, TCSAFLUSH, &silent) == 0;
-  }
-  ~SilentTerminal() {
-    if (isSilent_) ::tcsetattr(terminal_, TCSAFLUSH, &before_);
-    if (terminal_ >= 0) ::close(terminal_);
-  }
-  SilentTerminal(const SilentTerminal&) = delete;
-  SilentTerminal& operator=(const SilentTerminal&) = delete;
-
-  [[nodiscard]] bool isSilent() const { return isSilent_; }
-  [[nodiscard]] std::string line(std::string_view prompt) {
-    show(prompt);
-    std::string typed;
-    for (char c = 0; ::read(terminal_, &c, 1) == 1 && c != '\n';) typed += c;
-    show("\n");
-    return typed;
-  }
-
- private:
-  void show(std::string_view text) {
-    if (::write(terminal_, text.data(), text.size()) < 0) isSilent_ = false;
-  }
-
-  const int terminal_;
-  termios before_{};
-  bool isSilent_ = false;
-};
+namespace base = ORLFoundation::internal::base;
 
 std::string typedHeader(const std::string& option) {
-  SilentTerminal terminal;
-  if (!terminal.isSilent()) throw JobFailure(option + ": there is no terminal to ask at");
-  return terminal.line("Header field (Name: value), which is not shown: ");
+  return std::string(askOnTerminal("Header field (Name: value), which is not shown: ",
+                                   option + ": there is no terminal to ask at")
+                         .text());
+}
+
+std::string_view withoutQuotes(std::string_view text) {
+  const bool isQuoted = text.size() > 1 && text.front() == '"' && text.back() == '"';
+  return isQuoted ? text.substr(1, text.size() - 2) : text;
 }
 
 HeaderField readHeader(const std::string& option, std::string_view text) {
@@ -64,6 +39,30 @@ HeaderField readHeader(const std::string& option, std::string_view text) {
   if (ORLFoundation::NSIsHTTPToken(field.name) && ORLFoundation::NSIsHTTPFieldValue(field.value))
     return field;
   throw UsageFailure(option + ": expected a header field such as 'Accept: text/csv'");
+}
+
+/// "a=1; b=2" is "a=1", "1", "b=2" and "2"; "Bearer X" is "X" too.
+void addParts(std::string_view value, std::vector<std::string>& secrets) {
+  if (const auto blank = value.find(' '); blank != std::string_view::npos)
+    secrets.emplace_back(trimmed(value.substr(blank)));
+  while (!value.empty()) {
+    const std::string_view part = value.substr(0, value.find_first_of(";,"));
+    value.remove_prefix(std::min(value.size(), part.size() + 1));
+    const std::string_view text = trimmed(part);
+    const auto sign = text.find('=');
+    if (sign != std::string_view::npos) secrets.emplace_back(withoutQuotes(text.substr(sign + 1)));
+    secrets.emplace_back(text);
+  }
+}
+
+/// What "Basic" hides: the name with its password, and the password alone.
+void addCredentials(std::string_view value, std::vector<std::string>& secrets) {
+  constexpr std::string_view kScheme = "basic ";
+  if (!base::equalsIgnoringCase(value.substr(0, kScheme.size()), kScheme)) return;
+  const std::string both = base::bytesOfLooseBase64Text(value.substr(kScheme.size()));
+  secrets.push_back(both);
+  if (const auto colon = both.find(':'); colon != std::string::npos)
+    secrets.push_back(both.substr(colon + 1));
 }
 
 }  // namespace
@@ -88,8 +87,8 @@ std::vector<std::string> secretsOf(const std::vector<HeaderField>& fields) {
   std::vector<std::string> secrets;
   for (const HeaderField& field : fields) {
     secrets.push_back(field.value);
-    const auto blank = field.value.find_last_of(" =");
-    if (blank != std::string::npos) secrets.push_back(field.value.substr(blank + 1));
+    addParts(field.value, secrets);
+    addCredentials(field.value, secrets);
   }
   return secrets;
 }

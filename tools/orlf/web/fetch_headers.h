@@ -17,7 +17,8 @@ struct HeaderField {
 [[nodiscard]] std::vector<HeaderField> readHeaders(const std::string& option,
                                                    const std::vector<std::string>& texts);
 
-/// What of fields must not stand in a log: their values, and the last word of each ("Bearer X").
+/// What of fields must not stand in a log: their values, the words of each ("Bearer X"), the values
+/// of its parts ("a=X; b=Y"), and the name and password that are in "Basic" credentials.
 [[nodiscard]] std::vector<std::string> secretsOf(const std::vector<HeaderField>& fields);
 
 }  // namespace orlftool

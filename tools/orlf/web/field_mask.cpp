@@ -97,7 +97,11 @@ std::string meaningOfFormName(std::string_view name) {
 }  // namespace
 
 FieldMask::FieldMask(const std::vector<std::string>& names) {
-  for (const std::string& name : names) names_.push_back(lowered(name));
+  constexpr std::size_t kEscapedCharacter = 6, kQuotes = 2;
+  for (const std::string& name : names) {
+    names_.push_back(lowered(name));
+    mostNameBytes_ = std::max(mostNameBytes_, name.size() * kEscapedCharacter + kQuotes);
+  }
 }
 
 bool FieldMask::isMasked(std::string name) const {
@@ -112,21 +116,30 @@ std::optional<std::string> FieldMask::process(std::optional<std::string> string)
   return withoutFormValues(withoutJSONValues(*string));
 }
 
+/// Every quote may be the first of a name, also one that ends a text or is escaped in one: who
+/// writes a quote too many before the field does not show its value by it. Of escaped ones names of
+/// no more than some length are looked at, so that the time stays in proportion to the text.
 std::string FieldMask::withoutJSONValues(std::string_view text) const {
   std::string masked;
-  std::size_t kept = 0;
+  std::size_t kept = 0, end = 0, colon = 0;
   for (std::size_t at = text.find('"'); at != std::string_view::npos; at = text.find('"', at)) {
-    const std::size_t end = endOfJSONText(text, at);
-    const std::size_t colon = withoutBlanks(text, end);
+    const bool isEscaped = at + 1 < end;
+    if (!isEscaped) {
+      end = endOfJSONText(text, at);
+      colon = withoutBlanks(text, end);
+    }
     const bool isName = colon < text.size() && text[colon] == ':' &&
+                        (!isEscaped || end - at <= mostNameBytes_) &&
                         isMasked(meaningOfJSONText(text.substr(at + 1, end - at - 2)));
-    at = end;
+    ++at;
     if (!isName) continue;
     const std::size_t value = withoutBlanks(text, colon + 1);
-    at = endOfJSONValue(text, value);
+    const std::size_t endOfValue = endOfJSONValue(text, value);
     masked += text.substr(kept, value - kept);
     masked += "\"" + std::string(kMask) + "\"";
-    kept = at;
+    kept = endOfValue;
+    const bool isText = value < text.size() && text[value] == '"';
+    at = isText ? endOfValue - 1 : endOfValue;
   }
   return masked + std::string(text.substr(kept));
 }

@@ -32,6 +32,7 @@ class FieldMask final : public ORLFoundation::ORLFURLSessionLogProcessor {
   [[nodiscard]] std::string withoutFormValues(std::string_view text) const;
 
   std::vector<std::string> names_;
+  std::size_t mostNameBytes_ = 0;  // of a name with its quotes, each character escaped
 };
 
 }  // namespace orlftool

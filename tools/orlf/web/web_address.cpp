@@ -2,6 +2,7 @@
 
 #include <ORLFoundation/platform/net/NSURLResponse.h>
 #include <ORLFoundation/platform/object/Id.h>
+#include <ORLFoundation/platform/text/NSStringPercentEncoding.h>
 
 #include <algorithm>
 #include <array>
@@ -35,6 +36,19 @@ NSURL readAddressArgument(const std::string& text) {
   if (isKnown && (!isWeb || !url->host().value_or("").empty())) return *url;
   throw UsageFailure(
       "URL: expected an address such as https://example.com/rates.csv, or of file: or data:");
+}
+
+std::string passwordOf(const NSURL& url) {
+  const std::string& text = url.absoluteString();
+  const std::size_t slashes = text.find("//");
+  if (slashes == std::string::npos) return "";
+  const std::size_t begin = slashes + 2;
+  const std::string authority = text.substr(begin, text.find_first_of("/?#", begin) - begin);
+  const std::size_t end = authority.rfind('@');
+  const std::size_t colon = authority.find(':');
+  if (end == std::string::npos || colon >= end) return "";
+  const std::string password = authority.substr(colon + 1, end - colon - 1);
+  return stringByRemovingPercentEncoding(password).value_or(password);
 }
 
 std::string shownAddress(const NSURL& url) {

@@ -1,6 +1,8 @@
 /// The file that a download goes to until its delegate has it.
 #pragma once
 
+#include <ORLFoundation/platform/base/TemporaryPath.h>
+
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -9,7 +11,8 @@
 
 namespace ORLFoundation::internal::net {
 
-/// Only its owner may read it. It goes with the object, unless somebody has moved it away.
+/// Only its owner may read it. It goes with the object, or when a signal ends the program, unless
+/// somebody has moved it away.
 class TemporaryFile {
  public:
   /// In the folder that TMPDIR names, else in /tmp. null, with errno, where none can be made.
@@ -26,9 +29,10 @@ class TemporaryFile {
 
  private:
   TemporaryFile(std::string path, int descriptor)
-      : path_(std::move(path)), descriptor_(descriptor) {}
+      : path_(std::move(path)), noted_(path_), descriptor_(descriptor) {}
 
   const std::string path_;
+  const base::TemporaryPath noted_;
   int descriptor_;
 };
 

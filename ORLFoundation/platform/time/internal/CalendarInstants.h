@@ -4,8 +4,8 @@
 #pragma once
 
 #include <ORLFoundation/platform/base/CivilDays.h>
+#include <ORLFoundation/platform/time/ZoneTable.h>
 #include <ORLFoundation/platform/time/internal/CalendarRules.h>
-#include <ORLFoundation/platform/time/internal/ZoneTable.h>
 #include <ORLFoundation/platform/value/NSDate.h>
 
 #include <cmath>

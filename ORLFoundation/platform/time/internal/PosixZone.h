@@ -2,7 +2,7 @@
 /// of GMT, with daylight saving time from the second Sunday of March to the first one of November.
 #pragma once
 
-#include <ORLFoundation/platform/time/internal/ZoneTable.h>
+#include <ORLFoundation/platform/time/ZoneTable.h>
 
 #include <memory>
 #include <string_view>

@@ -1,8 +1,8 @@
 #include <ORLFoundation/platform/time/internal/SystemZone.h>
 
 #include <ORLFoundation/platform/log/NSLog.h>
+#include <ORLFoundation/platform/time/ZoneTable.h>
 #include <ORLFoundation/platform/time/internal/PosixZone.h>
-#include <ORLFoundation/platform/time/internal/ZoneTable.h>
 
 #include <filesystem>
 #include <string_view>

@@ -57,6 +57,7 @@ void Destination::throwUnwritable(int number) const {
 FileByteStream& Destination::makeFile() {
   const std::string name =
       "." + name_.substr(0, 200) + "." + NSUUID::UUID().UUIDString().substr(0, kDigits);
+  noted_.emplace(parentOf(path_) + "/" + name);
   OpenFile file = parent_.open(name, O_RDWR | O_CREAT | O_EXCL, kNewFile);
   if (!file.isOpen()) throwUnwritable(errno);
   temporaryName_ = name;

@@ -2,11 +2,13 @@
 /// at the end.
 #pragma once
 
+#include <ORLFoundation/platform/base/TemporaryPath.h>
 #include <ORLFoundation/platform/container/FileByteStream.h>
 #include <ORLFoundation/platform/files/HeldFolder.h>
 #include <ORLFoundation/platform/files/ReplacementFolder.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace ORLFoundation::internal::archives {
@@ -21,7 +23,8 @@ class Destination {
   Destination(const Destination&) = delete;
   Destination& operator=(const Destination&) = delete;
 
-  /// An empty file, readable as the process's mask allows. It is to be closed before it appears.
+  /// An empty file, readable as the process's mask allows. It is to be closed before it appears. A
+  /// signal that ends the program removes it.
   [[nodiscard]] container::FileByteStream& makeFile();
   /// The path of an empty folder, for the user alone.
   [[nodiscard]] std::string makeFolder();
@@ -35,6 +38,7 @@ class Destination {
   files::HeldFolder parent_;
   const std::string name_;
   std::string temporaryName_;
+  std::optional<base::TemporaryPath> noted_;
   std::unique_ptr<container::FileByteStream> file_;
   std::unique_ptr<files::ReplacementFolder> folder_;
 };

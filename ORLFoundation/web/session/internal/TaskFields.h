@@ -1,32 +1,29 @@
 /// What a session's task keeps, under one lock.
 #pragma once
 
+#include <ORLFoundation/platform/dispatch/dispatch_semaphore.h>
 #include <ORLFoundation/platform/object/NSMutableData.h>
 #include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
 #include <ORLFoundation/web/session/ORLFURLSessionTask.h>
+#include <ORLFoundation/web/session/internal/LockedFields.h>
 
 #include <cstddef>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
-#include <utility>
 #include <vector>
 
 namespace ORLFoundation::internal::session {
 
-struct TaskFields {
+struct TaskFields : LockedFields {
   using Completion = ORLFURLSessionTask::Completion;
   /// A completion that came while the task was being started.
   struct Held {
     std::shared_ptr<NSURLSessionTask> task;
     std::shared_ptr<const NSError> error;
   };
-
-  /// Nothing is called, and nothing let go of, under it.
-  mutable std::mutex lock;
 
   bool canceled = false;
   std::shared_ptr<NSURLRequest> request;
@@ -56,19 +53,6 @@ struct TaskFields {
   std::vector<std::thread::id> handlers;
   /// Threads that wait on the completion lock.
   std::size_t waiters = 0;
-
-  template <class Value>
-  [[nodiscard]] Value read(const Value& field) const {
-    const std::lock_guard guard(lock);
-    return field;
-  }
-  /// Answers the old value, to be let go of by the caller.
-  template <class Value>
-  Value exchange(Value& field, Value value) {
-    const std::lock_guard guard(lock);
-    std::swap(field, value);
-    return value;
-  }
 
   // With the lock held.
 

@@ -1,5 +1,5 @@
 
-#include <ORLFoundation/platform/time/internal/ZoneTable.h>
+#include <ORLFoundation/platform/time/ZoneTable.h>
 
 #include <ORLFoundation/platform/base/CivilDays.h>
 #include <cctz/time_zone.h>
@@ -83,7 +83,10 @@ std::shared_ptr<const ZoneTable> ZoneTable::fixed(std::int32_t offset) {
 
 ZoneTable::ZoneTable(std::vector<Segment> segments, bool repeats) : segments_(std::move(segments)) {
   setLocalBeginnings(segments_);
-  if (repeats) repeatsFrom_ = segments_.back().start;
+  if (repeats) {
+    repeatsFrom_ = segments_.back().start;
+    indexSize_ = std::min(kIndexSize, placeInIndex(repeatsFrom_));
+  }
   for (const Segment& segment : segments_)
     largestOffset_ = std::max<std::int64_t>(largestOffset_, segment.offset);
   segments_.push_back({kEndOfTime, kEndOfTime, kEndOfTime, segments_.back().offset,
@@ -107,6 +110,7 @@ std::int64_t ZoneTable::cyclesPast(std::int64_t time) const noexcept {
 
 const ZoneTable::Segment& ZoneTable::segmentOutsideIndex(std::int64_t instant) const noexcept {
   const std::int64_t within = instant - cyclesPast(instant) * kCycle;
+  if (placeInIndex(within) < indexSize_) return segmentAt(within);
   const auto next = std::upper_bound(
       segments_.begin() + 1, segments_.end() - 1, within,
       [](std::int64_t time, const Segment& segment) { return time < segment.start; });
@@ -117,6 +121,12 @@ const ZoneTable::Segment& ZoneTable::segmentOfLocalOutsideIndex(
     std::int64_t local, std::int64_t Segment::*begin) const noexcept {
   // A local time near the seam is as well read a cycle earlier: both sides agree.
   const std::int64_t within = local - cyclesPast(local - largestOffset_) * kCycle;
+  const std::uint64_t place = placeInIndex(within - largestOffset_);
+  if (place < indexSize_) {
+    const Segment* segment = &segments_[index_[place]];
+    while (within >= segment[1].*begin) ++segment;
+    return *segment;
+  }
   const auto next = std::upper_bound(
       segments_.begin() + 1, segments_.end() - 1, within,
       [begin](std::int64_t time, const Segment& segment) { return time < segment.*begin; });
@@ -132,7 +142,7 @@ std::int64_t ZoneTable::startAtClockChange(std::int64_t local,
 
 ZoneTable::Stretch ZoneTable::stretchAt(std::int64_t instant) const noexcept {
   const std::int64_t later = cyclesPast(instant) * kCycle;
-  const Segment& segment = segmentAt(instant);
+  const Segment& segment = segmentAt(instant - later);
   const std::int64_t begin = segment.start;
   const std::int64_t end = (&segment)[1].start;
   return {begin == kBeginningOfTime ? begin : begin + later, end == kEndOfTime ? end : end + later,

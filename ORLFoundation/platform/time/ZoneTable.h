@@ -32,8 +32,8 @@ class ZoneTable {
   /// The segment of an instant within the table. Instants of later repetitions are brought into it
   /// first, so its `start` may lie whole cycles before them.
   [[nodiscard]] const Segment& segmentAt(std::int64_t instant) const noexcept {
-    const auto place = static_cast<std::uint64_t>(instant - kIndexStart) >> kIndexShift;
-    if (place >= kIndexSize) return segmentOutsideIndex(instant);
+    const std::uint64_t place = placeInIndex(instant);
+    if (place >= indexSize_) return segmentOutsideIndex(instant);
     const Segment* segment = &segments_[index_[place]];
     while (instant >= segment[1].start) ++segment;
     return *segment;
@@ -60,8 +60,7 @@ class ZoneTable {
   }
   /// Whether the offset stays the same for `margin` seconds before and after the instant.
   [[nodiscard]] bool isSteadyAround(std::int64_t instant, std::int64_t margin) const noexcept {
-    const auto place = static_cast<std::uint64_t>(instant - kIndexStart) >> kIndexShift;
-    if (place >= kIndexSize) return segments_.size() == 2;
+    if (placeInIndex(instant) >= indexSize_) return segments_.size() == 2;
     const Segment& segment = segmentAt(instant);
     return instant - margin >= segment.start && instant + margin < (&segment)[1].start;
   }
@@ -80,18 +79,20 @@ class ZoneTable {
   ZoneTable(std::vector<Segment> segments, bool repeats);
 
  private:
-  // The index covers 1900 to about 2200 in steps of some 12 days.
+  // The index covers 1900 to about 2500 in steps of some 24 days, and ends where a table repeats.
   static constexpr std::int64_t kIndexStart = -2208988800;
-  static constexpr int kIndexShift = 20;
+  static constexpr int kIndexShift = 21;
   static constexpr std::uint64_t kIndexSize = 9030;
 
+  [[nodiscard]] static constexpr std::uint64_t placeInIndex(std::int64_t instant) noexcept {
+    return static_cast<std::uint64_t>(instant - kIndexStart) >> kIndexShift;
+  }
   [[nodiscard]] const Segment& segmentOutsideIndex(std::int64_t instant) const noexcept;
   template <std::int64_t Segment::*begin>
   [[nodiscard]] const Segment& segmentOfLocal(std::int64_t local) const noexcept {
     // The segment of an instant that is certainly not later, then on to the right one.
-    const auto place =
-        static_cast<std::uint64_t>(local - largestOffset_ - kIndexStart) >> kIndexShift;
-    if (place >= kIndexSize) return segmentOfLocalOutsideIndex(local, begin);
+    const std::uint64_t place = placeInIndex(local - largestOffset_);
+    if (place >= indexSize_) return segmentOfLocalOutsideIndex(local, begin);
     const Segment* segment = &segments_[index_[place]];
     while (local >= segment[1].*begin) ++segment;
     return *segment;
@@ -104,6 +105,7 @@ class ZoneTable {
 
   std::vector<Segment> segments_;  // closed by one at the end of time
   const std::uint16_t* index_;     // by step: the segment at the step's beginning
+  std::uint64_t indexSize_ = kIndexSize;
   std::vector<std::uint16_t> ownIndex_;
   std::int64_t repeatsFrom_ = kEndOfTime;
   std::int64_t largestOffset_ = 0;
