@@ -34,4 +34,5 @@ if(ORLF_BUILD_BENCHMARKS)
   find_package(date REQUIRED)                           # date::date-tz, a peer
   pkg_check_modules(LIBICAL REQUIRED IMPORTED_TARGET libical)  # PkgConfig::LIBICAL, a peer
   pkg_check_modules(NETTLE REQUIRED IMPORTED_TARGET nettle)    # PkgConfig::NETTLE, a peer
+  include(ORLFDecimalPeers)                             # orlf_decimal_peers
 endif()

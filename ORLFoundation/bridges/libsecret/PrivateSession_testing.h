@@ -6,7 +6,9 @@
 #include <tests/support/TemporaryFolder.h>
 
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
+#include <fstream>
 #include <functional>
 #include <initializer_list>
 #include <optional>
@@ -59,11 +61,22 @@ class RunningProgram {
     g_output_stream_write_all(pipe, input.data(), input.size(), nullptr, nullptr, nullptr);
     g_output_stream_close(pipe, nullptr, nullptr);
   }
-  void stop(bool isToFreeze) const {
-    g_subprocess_send_signal(process_.get(), isToFreeze ? 19 : 18);
+  /// Makes it stand still, or go on; returns when it does.
+  void freeze(bool isToFreeze) const {
+    g_subprocess_send_signal(process_.get(), isToFreeze ? SIGSTOP : SIGCONT);
+    while (isToFreeze != isFrozen()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
 
  private:
+  /// As the kernel tells behind the program's name, which stands in brackets.
+  [[nodiscard]] bool isFrozen() const {
+    std::ifstream file(std::string("/proc/") + g_subprocess_get_identifier(process_.get()) +
+                       "/stat");
+    std::string text;
+    std::getline(file, text);
+    return text.find(") T ") != std::string::npos;
+  }
+
   internal::libsecret::ObjectPointer<GSubprocess> process_;
 };
 
@@ -90,14 +103,7 @@ class PrivateSessionBus {
       unsetenv(name);
     }
     setenv("DBUS_SESSION_BUS_ADDRESS", address_.c_str(), 1);
-    using namespace internal::libsecret;
-    ErrorSlot error;
-    own_.reset(g_dbus_connection_new_for_address_sync(
-        address_.c_str(),
-        GDBusConnectionFlags(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                             G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-        nullptr, nullptr, error.slot()));
-    if (!own_) throw std::runtime_error(error.error()->message);
+    own_ = connectAgain();
   }
   ~PrivateSessionBus() {
     for (const auto& [name, value] : before_) {
@@ -111,6 +117,18 @@ class PrivateSessionBus {
   PrivateSessionBus& operator=(const PrivateSessionBus&) = delete;
 
   [[nodiscard]] const std::string& address() const { return address_; }
+  /// One more connection.
+  [[nodiscard]] internal::libsecret::ObjectPointer<GDBusConnection> connectAgain() const {
+    using namespace internal::libsecret;
+    ErrorSlot error;
+    ObjectPointer<GDBusConnection> made(g_dbus_connection_new_for_address_sync(
+        address_.c_str(),
+        GDBusConnectionFlags(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                             G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+        nullptr, nullptr, error.slot()));
+    if (!made) throw std::runtime_error(error.error()->message);
+    return made;
+  }
   /// A connection of the test's own.
   [[nodiscard]] GDBusConnection* connection() const { return own_.get(); }
   void stop() { program_.reset(); }
@@ -176,7 +194,7 @@ class PrivateKeyring {
     bus_.awaitName(kSecretsName, false);
   }
   /// Makes it stand still, or go on.
-  void freeze(bool isToFreeze) const { program_->stop(isToFreeze); }
+  void freeze(bool isToFreeze) const { program_->freeze(isToFreeze); }
 
   void lock() const {
     const auto reply = bus_.call(

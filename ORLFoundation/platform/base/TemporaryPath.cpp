@@ -13,9 +13,8 @@
 namespace ORLFoundation::internal::base {
 namespace {
 
-enum class State : std::uint8_t { Free, BeingWritten, Noted };
-
-static_assert(std::atomic<State>::is_always_lock_free && std::atomic<void*>::is_always_lock_free);
+static_assert(std::atomic<std::uint8_t>::is_always_lock_free &&
+              std::atomic<void*>::is_always_lock_free);
 
 std::atomic<bool> isEnding{false};
 
@@ -23,6 +22,8 @@ std::atomic<bool> isEnding{false};
 
 /// Slots are used again and never given back, so that a handler may walk over them at any time.
 struct TemporaryPath::Slot {
+  enum class State : std::uint8_t { Free, BeingWritten, Noted };
+
   std::atomic<State> state{State::BeingWritten};
   std::array<char, PATH_MAX> path{};
   Slot* next = nullptr;
@@ -35,8 +36,8 @@ std::atomic<TemporaryPath::Slot*> TemporaryPath::Slot::first{nullptr};
 /// A free slot, or a new one; null where there is no memory for it.
 TemporaryPath::Slot* TemporaryPath::takeSlot() noexcept {
   for (Slot* slot = Slot::first; slot != nullptr; slot = slot->next) {
-    State expected = State::Free;
-    if (slot->state.compare_exchange_strong(expected, State::BeingWritten)) return slot;
+    Slot::State expected = Slot::State::Free;
+    if (slot->state.compare_exchange_strong(expected, Slot::State::BeingWritten)) return slot;
   }
   auto* const made = new (std::nothrow) Slot;
   if (made == nullptr) return nullptr;
@@ -53,11 +54,11 @@ TemporaryPath::TemporaryPath(std::string_view path) noexcept
   while (isEnding) ::pause();
   std::memcpy(slot_->path.data(), path.data(), path.size());
   slot_->path.at(path.size()) = '\0';
-  slot_->state = State::Noted;
+  slot_->state = Slot::State::Noted;
 }
 
 TemporaryPath::~TemporaryPath() {
-  if (slot_ != nullptr) slot_->state = State::Free;
+  if (slot_ != nullptr) slot_->state = Slot::State::Free;
 }
 
 void removeTemporaryFiles() noexcept {
@@ -65,7 +66,7 @@ void removeTemporaryFiles() noexcept {
   const int before = errno;
   isEnding = true;
   for (const Slot* slot = Slot::first; slot != nullptr; slot = slot->next)
-    if (slot->state == State::Noted) ::unlink(slot->path.data());
+    if (slot->state == Slot::State::Noted) ::unlink(slot->path.data());
   errno = before;
 }
 

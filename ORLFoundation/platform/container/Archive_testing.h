@@ -7,11 +7,14 @@
 #include <ORLFoundation/platform/crypto/SecRandom.h>
 #include <gtest/gtest.h>
 #include <openssl/sha.h>
+#include <sys/stat.h>
+#include <tests/support/TemporaryFolder.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <deque>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <span>
@@ -115,6 +118,48 @@ class ScriptedRandomBytes {
   std::shared_ptr<ORLFoundation::SecRandomSource> before_;
 };
 
+// A folder, "a.txt" with "hello\n" and a link to it.
+inline constexpr const char* kArchiveExample =
+    "414130313700545950314450415450000055494432f50147494431144d4f4432ed01464c4731004d544d5400"
+    "f153650000000015cd5b074141303142005459503146504154500500612e74787455494432f5014749443114"
+    "4d4f4432a401464c4731004d544d5400f153650000000015cd5b0744415441060068656c6c6f0a4141303143"
+    "00545950314c5041545001006c4c4e4b500500612e74787455494432f50147494431144d4f4432ed01464c47"
+    "31004d544d5400f153650000000015cd5b07";
+
+/// An entry, and the bytes of its blobs.
+struct ArchiveEntry {
+  using Field = ORLFoundation::ArchiveHeader::Field;
+
+  static Field type(char letter) { return Field::uint("TYP", static_cast<std::uint8_t>(letter)); }
+  static ArchiveEntry folder(const std::string& path, std::uint64_t mode = 0755) {
+    return {{type('D'), Field::string("PAT", path), Field::uint("MOD", mode)}, ""};
+  }
+  static ArchiveEntry file(const std::string& path, const std::string& data,
+                           std::uint64_t mode = 0644) {
+    return {{type('F'), Field::string("PAT", path), Field::uint("MOD", mode),
+             Field::blob("DAT", data.size())},
+            data};
+  }
+  static ArchiveEntry link(const std::string& path, const std::string& target) {
+    return {{type('L'), Field::string("PAT", path), Field::string("LNK", target)}, ""};
+  }
+
+  std::vector<Field> fields;
+  std::string data;
+};
+
+inline Octets archiveOf(const std::vector<ArchiveEntry>& entries) {
+  Octets bytes;
+  for (const ArchiveEntry& entry : entries) {
+    ORLFoundation::ArchiveHeader header;
+    for (const ArchiveEntry::Field& field : entry.fields) header.append(field);
+    const Octets start = header.encodedData();
+    bytes.insert(bytes.end(), start.begin(), start.end());
+    bytes.insert(bytes.end(), entry.data.begin(), entry.data.end());
+  }
+  return bytes;
+}
+
 /// The code of `ArchiveErrorDomain` that work throws; 0 where it throws nothing.
 template <class Work>
 ORLFoundation::NSInteger archiveErrorOf(const Work& work) {
@@ -126,5 +171,40 @@ ORLFoundation::NSInteger archiveErrorOf(const Work& work) {
   }
   return 0;
 }
+
+/// Archives that are packed and extracted in a folder of the test's own.
+class ArchiveFolderTest : public TemporaryFolderTest {
+ protected:
+  /// Extracts into a new folder "to".
+  void extract(const Octets& archive,
+               const ORLFoundation::ArchiveStream::ExtractionOptions& options = {}) {
+    std::filesystem::remove_all(folder_ / "to");
+    std::filesystem::create_directory(folder_ / "to");
+    MemoryByteStream memory(archive);
+    const auto target = ORLFoundation::ArchiveStream::extractStream(path("to"), options);
+    const auto entries = ORLFoundation::ArchiveStream::decodeStream(memory);
+    ORLFoundation::ArchiveStream::process(*entries, *target, options);
+    target->close();
+  }
+  ORLFoundation::NSInteger codeOf(
+      const Octets& archive, const ORLFoundation::ArchiveStream::ExtractionOptions& options = {}) {
+    return archiveErrorOf([&] { extract(archive, options); });
+  }
+  [[nodiscard]] mode_t modeOf(const std::string& name) const {
+    struct stat status {};
+    EXPECT_EQ(::lstat(path(name).c_str(), &status), 0) << name;
+    return status.st_mode & 07777;
+  }
+  [[nodiscard]] Octets packed(
+      const std::string& name,
+      const ORLFoundation::ArchiveStream::PackingOptions& options = {}) const {
+    MemoryByteStream memory;
+    const auto entries = ORLFoundation::ArchiveStream::encodeStream(memory);
+    entries->writeDirectoryContents(
+        path(name), ORLFoundation::ArchiveHeader::FieldKeySet("TYP,PAT,DAT,UID,GID,MOD"), options);
+    entries->close();
+    return memory.bytes();
+  }
+};
 
 }  // namespace orlftest

@@ -219,6 +219,27 @@ TEST(SealedContainer, RefusesEveryChange) {
   EXPECT_EQ(archiveErrorOf([&] { static_cast<void>(opened(longer)); }), ArchiveErrorDamaged);
 }
 
+TEST(SealedContainer, GivesNothingMoreOnceItHasFailed) {
+  const Form form{.payload = Octets(0x4000 * 3), .segmentSize = 0x4000};
+  const Octets container = sealed(form);
+  // Within the second segment, and behind the last.
+  const std::size_t segments = container.size() - form.payload.size();
+  Octets changed = container, longer = container;
+  changed[segments + 0x4000] ^= 1;
+  longer.push_back(0);
+  for (const auto& [bytes, given] : {std::pair{changed, std::size_t{0x4000}}, {longer, 0xc000}}) {
+    MemoryByteStream memory(bytes);
+    ArchiveEncryptionContext context(memory);
+    context.setSymmetricKey(countingKey());
+    const auto stream = ArchiveByteStream::decryptionStream(memory, context);
+    Octets piece(given);
+    EXPECT_EQ(stream->read(piece), given);
+    for (int again = 0; again < 20; ++again)
+      EXPECT_EQ(archiveErrorOf([&] { static_cast<void>(stream->read(piece)); }),
+                ArchiveErrorDamaged);
+  }
+}
+
 TEST(SealedContainer, RefusesOtherKeys) {
   const auto code = [](const Octets& container, const SymmetricKey& key, const char* password) {
     return archiveErrorOf([&] { static_cast<void>(opened(container, key, password)); });

@@ -1,5 +1,6 @@
-// Requests one after the other, eight at a time, and long bodies, beside libcurl's multi interface
-// used as it is. The server is a thread a connection, in the same process.
+// Requests one after the other, eight at a time, and long bodies to memory and to files, beside
+// libcurl's multi interface used as it is. The server is a thread a connection, in the same
+// process. Where threads may run decides much: run it also with `taskset -c 0`, on one processor.
 #include <ORLFoundation/platform/net/NSURLSession.h>
 
 #include <ORLFoundation/platform/net/NSURLRequest.h>
@@ -14,7 +15,9 @@
 
 #include <condition_variable>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -77,11 +80,19 @@ std::string addressOf(std::size_t size) {
 }
 
 /// Begins the next request as each ends.
-class Chain : public NSURLSessionDataDelegate {
+class Chain : public NSURLSessionDataDelegate, public NSURLSessionDownloadDelegate {
  public:
-  Chain(std::size_t size, std::int64_t requests)
+  Chain(std::size_t size, std::int64_t requests, bool downloads)
       : request_(NSURLRequest::requestWithURL(NSURL::URLWithString(addressOf(size)))),
-        left_(requests) {}
+        left_(requests),
+        downloads_(downloads) {}
+
+  void URLSessionDownloadTaskDidFinishDownloadingToURL(
+      const std::shared_ptr<NSURLSession>& /*session*/,
+      const std::shared_ptr<NSURLSessionDownloadTask>& /*downloadTask*/,
+      const NSURL& location) override {
+    written_ += std::filesystem::file_size(location.path());
+  }
 
   void URLSessionDataTaskDidReceiveData(const std::shared_ptr<NSURLSession>& /*session*/,
                                         const std::shared_ptr<NSURLSessionDataTask>& /*dataTask*/,
@@ -104,17 +115,20 @@ class Chain : public NSURLSessionDataDelegate {
     streams_ = streams;
     for (std::int64_t i = 0; i < streams; ++i) begin(session);
     done_.wait(guard, [&] { return ended_ == streams_; });
-    return failed_ ? 0 : body_.length();
+    return failed_ ? 0 : body_.length() + written_;
   }
 
  private:
   void begin(NSURLSession& session) {
     ++started_;
+    if (downloads_) return session.downloadTaskWithRequest(request_)->resume();
     session.dataTaskWithRequest(request_)->resume();
   }
 
   const std::shared_ptr<NSURLRequest> request_;
   const std::int64_t left_;
+  const bool downloads_;
+  std::size_t written_ = 0;
   std::int64_t started_ = 0, ended_ = 0, streams_ = 0;
   bool failed_ = false;
   NSMutableData body_;
@@ -122,9 +136,10 @@ class Chain : public NSURLSessionDataDelegate {
   std::condition_variable done_;
 };
 
-void ours(benchmark::State& state, std::size_t size, std::int64_t requests, std::int64_t streams) {
+void ours(benchmark::State& state, std::size_t size, std::int64_t requests, std::int64_t streams,
+          bool downloads) {
   for (auto _ : state) {
-    const auto chain = std::make_shared<Chain>(size, requests);
+    const auto chain = std::make_shared<Chain>(size, requests, downloads);
     const auto configuration = NSURLSessionConfiguration::defaultSessionConfiguration();
     configuration->setHTTPMaximumConnectionsPerHost(streams);
     const auto session = NSURLSession::sessionWithConfiguration(configuration, chain, nullptr);
@@ -138,6 +153,28 @@ std::size_t append(char* bytes, std::size_t size, std::size_t count, void* body)
   static_cast<NSMutableData*>(body)->appendBytes(
       {reinterpret_cast<const std::uint8_t*>(bytes), size * count});
   return size * count;
+}
+
+/// A body to a file of libcurl's own way of writing, which is removed again.
+void file(benchmark::State& state, std::size_t size) {
+  const std::string address = addressOf(size);
+  const std::string path = std::filesystem::temp_directory_path() / "orlf-benchmark-download";
+  for (auto _ : state) {
+    CURLM* const all = curl_multi_init();
+    CURL* const handle = curl_easy_init();
+    std::FILE* const stream = std::fopen(path.c_str(), "wb");
+    curl_easy_setopt(handle, CURLOPT_URL, address.c_str());
+    curl_easy_setopt(handle, CURLOPT_WRITEDATA, stream);
+    curl_multi_add_handle(all, handle);
+    int running = 1;
+    while (curl_multi_perform(all, &running) == CURLM_OK && running > 0)
+      curl_multi_poll(all, nullptr, 0, 1000, nullptr);
+    curl_multi_cleanup(all);
+    curl_easy_cleanup(handle);
+    std::fclose(stream);
+    if (std::filesystem::file_size(path) != size) state.SkipWithError("bytes are missing");
+    std::filesystem::remove(path);
+  }
 }
 
 void multi(benchmark::State& state, std::size_t size, std::int64_t requests, std::int64_t streams) {
@@ -182,18 +219,24 @@ void multi(benchmark::State& state, std::size_t size, std::int64_t requests, std
   state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * requests);
 }
 
-BENCHMARK_CAPTURE(ours, chained, kSmall, kRequests, 1)->Name("load1KBChained/ours")->UseRealTime();
+constexpr std::size_t kLong = 200'000'000;
+
+BENCHMARK_CAPTURE(ours, chained, kSmall, kRequests, 1, false)
+    ->Name("load1KBChained/ours")
+    ->UseRealTime();
 BENCHMARK_CAPTURE(multi, chained, kSmall, kRequests, 1)
     ->Name("load1KBChained/libcurl")
     ->UseRealTime();
-BENCHMARK_CAPTURE(ours, eight, kSmall, kRequests, 8)
+BENCHMARK_CAPTURE(ours, eight, kSmall, kRequests, 8, false)
     ->Name("load1KBEightAtOnce/ours")
     ->UseRealTime();
 BENCHMARK_CAPTURE(multi, eight, kSmall, kRequests, 8)
     ->Name("load1KBEightAtOnce/libcurl")
     ->UseRealTime();
-BENCHMARK_CAPTURE(ours, long, 200'000'000, 1, 1)->Name("load200MB/ours")->UseRealTime();
-BENCHMARK_CAPTURE(multi, long, 200'000'000, 1, 1)->Name("load200MB/libcurl")->UseRealTime();
+BENCHMARK_CAPTURE(ours, long, kLong, 1, 1, false)->Name("load200MB/ours")->UseRealTime();
+BENCHMARK_CAPTURE(multi, long, kLong, 1, 1)->Name("load200MB/libcurl")->UseRealTime();
+BENCHMARK_CAPTURE(ours, file, kLong, 1, 1, true)->Name("download200MB/ours")->UseRealTime();
+BENCHMARK_CAPTURE(file, file, kLong)->Name("download200MB/libcurl")->UseRealTime();
 
 }  // namespace
 }  // namespace ORLFoundation

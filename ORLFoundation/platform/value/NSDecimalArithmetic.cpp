@@ -5,6 +5,7 @@
 #include <ORLFoundation/platform/value/internal/WideInteger.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace ORLFoundation {
 
@@ -58,6 +59,31 @@ bool addWithinDigits(const NSDecimal& upper, const NSDecimal& lower, NSDecimal& 
   return true;
 }
 
+struct SignedSum {
+  Wide digits;
+  bool isNegative;
+};
+
+/// The sum of two magnitudes below 2^127 under their signs, without a branch.
+constexpr SignedSum signedSum(Wide left, bool isLeftNegative, Wide right,
+                              bool isRightNegative) noexcept {
+  const bool areUnlike = isLeftNegative != isRightNegative;
+  const Wide sum = left + withSign(right, areUnlike);
+  const bool isTurned = areUnlike && (sum >> 127) != 0;
+  return {withSign(sum, isTurned), isLeftNegative != isTurned};
+}
+
+/// Mantissas of 64 bits that are at most this many digits apart have an exact sum.
+constexpr int kShortDistance = 18;
+
+/// Both mantissas short, their exponents at most `kShortDistance` apart.
+NSDecimal addShort(const NSDecimal& left, const NSDecimal& right, int distance) noexcept {
+  const SignedSum sum = signedSum(
+      Wide{left.shortMantissa()} * shortPowerOfTen(std::max(distance, 0)), left.isNegative(),
+      Wide{right.shortMantissa()} * shortPowerOfTen(std::max(-distance, 0)), right.isNegative());
+  return {sum.digits, std::min(left.exponent(), right.exponent()), sum.isNegative};
+}
+
 /// Drops at most 19 digits.
 NSDecimal roundByWord(const NSDecimal& number, int drop, NSRoundingMode mode) noexcept {
   const std::uint64_t unit = shortPowerOfTen(drop);
@@ -108,6 +134,19 @@ NSDecimalResult divideShort(const NSDecimal& left, const NSDecimal& right,
 }  // namespace
 
 namespace internal::value {
+
+NSDecimalResult add(const NSDecimal& left, const NSDecimal& right, NSRoundingMode mode) noexcept {
+  const int distance = left.exponent() - right.exponent();
+  if (distance == 0 && !left.isNaN() && !right.isNaN()) {
+    const SignedSum sum =
+        signedSum(left.mantissa(), left.isNegative(), right.mantissa(), right.isNegative());
+    if (sum.digits < NSDecimal::kMantissaEnd)
+      return {NSDecimal(sum.digits, left.exponent(), sum.isNegative)};
+  } else if (left.isShort() && right.isShort() && std::abs(distance) <= kShortDistance) {
+    return {addShort(left, right, distance)};
+  }
+  return addLong(left, right, mode);
+}
 
 NSDecimalResult addLong(const NSDecimal& left, const NSDecimal& right,
                         NSRoundingMode mode) noexcept {

@@ -10,7 +10,8 @@
 #pragma once
 
 #include <ORLFoundation/platform/value/NSDecimal.h>
-#include <ORLFoundation/platform/value/internal/PowersOfTen.h>
+
+#include <cstdint>
 
 namespace ORLFoundation {
 
@@ -21,7 +22,11 @@ struct NSDecimalResult {
 
 namespace internal::value {
 
-/// Any two operands: what the calculations below come to where they see no shorter way.
+/// Any two operands; these take shorter ways where there are some.
+[[nodiscard]] NSDecimalResult add(const NSDecimal& left, const NSDecimal& right,
+                                  NSRoundingMode mode) noexcept;
+
+/// Any two operands, always the general way.
 [[nodiscard]] NSDecimalResult addLong(const NSDecimal& left, const NSDecimal& right,
                                       NSRoundingMode mode) noexcept;
 [[nodiscard]] NSDecimalResult multiplyLong(const NSDecimal& left, const NSDecimal& right,
@@ -31,53 +36,27 @@ namespace internal::value {
 [[nodiscard]] NSDecimalResult roundLong(const NSDecimal& number, NSInteger scale,
                                         NSRoundingMode mode) noexcept;
 
-/// Mantissas of 64 bits that are at most this many digits apart have an exact sum.
-inline constexpr int kShortDistance = 18;
-
-/// The two's complement of a negative number, without a branch.
-[[nodiscard]] constexpr Wide withSign(Wide value, bool isNegative) noexcept {
-  return (value ^ (Wide{0} - Wide{isNegative})) + Wide{isNegative};
+/// Sums of money mostly have one exponent and mantissas below 2^62.
+[[nodiscard]] constexpr bool areAlike(const NSDecimal& left, const NSDecimal& right) noexcept {
+  return left.exponent() == right.exponent() && left.isShort() && right.isShort() &&
+         (left.shortMantissa() | right.shortMantissa()) >> 62 == 0;
 }
-
-struct SignedSum {
-  Wide digits;
-  bool isNegative;
-};
-
-/// The sum of two magnitudes below 2^127 under their signs, without a branch.
-[[nodiscard]] constexpr SignedSum signedSum(Wide left, bool isLeftNegative, Wide right,
-                                            bool isRightNegative) noexcept {
-  const bool areUnlike = isLeftNegative != isRightNegative;
-  const Wide sum = left + withSign(right, areUnlike);
-  const bool isTurned = areUnlike && (sum >> 127) != 0;
-  return {withSign(sum, isTurned), isLeftNegative != isTurned};
-}
-
-/// Sums of money: both mantissas short, their exponents at most `kShortDistance` apart.
-[[nodiscard]] constexpr NSDecimal addShort(const NSDecimal& left, const NSDecimal& right) noexcept {
-  const int distance = left.exponent() - right.exponent();
-  const SignedSum sum = signedSum(
-      Wide{left.shortMantissa()} * shortPowerOfTen(distance > 0 ? distance : 0), left.isNegative(),
-      Wide{right.shortMantissa()} * shortPowerOfTen(distance < 0 ? -distance : 0),
-      right.isNegative());
-  return {sum.digits, distance > 0 ? right.exponent() : left.exponent(), sum.isNegative};
+[[nodiscard]] constexpr NSDecimal addAlike(const NSDecimal& left, const NSDecimal& right) noexcept {
+  const auto first = static_cast<std::int64_t>(left.shortMantissa());
+  const auto second = static_cast<std::int64_t>(right.shortMantissa());
+  const std::int64_t sum =
+      (left.isNegative() ? -first : first) + (right.isNegative() ? -second : second);
+  return {static_cast<std::uint64_t>(sum < 0 ? -sum : sum), left.exponent(), sum < 0};
 }
 
 }  // namespace internal::value
 
+/// Short, so that it stands where it is called: a result that comes back by memory takes twice as
+/// long.
 [[nodiscard]] inline NSDecimalResult NSDecimalAdd(const NSDecimal& left, const NSDecimal& right,
                                                   NSRoundingMode mode = NSRoundPlain) noexcept {
-  const int distance = left.exponent() - right.exponent();
-  if (distance == 0 && !left.isNaN() && !right.isNaN()) {
-    const internal::value::SignedSum sum = internal::value::signedSum(
-        left.mantissa(), left.isNegative(), right.mantissa(), right.isNegative());
-    if (sum.digits < NSDecimal::kMantissaEnd)
-      return {NSDecimal(sum.digits, left.exponent(), sum.isNegative)};
-  } else if (left.isShort() && right.isShort() && distance >= -internal::value::kShortDistance &&
-             distance <= internal::value::kShortDistance) {
-    return {internal::value::addShort(left, right)};
-  }
-  return internal::value::addLong(left, right, mode);
+  if (internal::value::areAlike(left, right)) return {internal::value::addAlike(left, right)};
+  return internal::value::add(left, right, mode);
 }
 
 [[nodiscard]] inline NSDecimalResult NSDecimalSubtract(
@@ -88,8 +67,8 @@ struct SignedSum {
 [[nodiscard]] inline NSDecimalResult NSDecimalMultiply(
     const NSDecimal& left, const NSDecimal& right, NSRoundingMode mode = NSRoundPlain) noexcept {
   if (left.isShort() && right.isShort()) {
-    const internal::value::Wide product =
-        internal::value::Wide{left.shortMantissa()} * right.shortMantissa();
+    const NSDecimal::Mantissa product =
+        NSDecimal::Mantissa{left.shortMantissa()} * right.shortMantissa();
     const int exponent = left.exponent() + right.exponent();
     if (product < NSDecimal::kMantissaEnd && exponent >= NSDecimal::kSmallestExponent &&
         exponent <= NSDecimal::kLargestExponent)

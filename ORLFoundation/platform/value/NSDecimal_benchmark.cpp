@@ -1,24 +1,19 @@
-// Decimals against two peers on the same operands: numbers the size of money, and numbers of 34 to
-// 38 digits. Every benchmark checks that all give the same results.
+// Decimals against their peers on the same operands: numbers the size of money, and numbers of 34
+// to 38 digits. Every benchmark checks that all give the same results.
 #include <ORLFoundation/platform/value/NSDecimalArithmetic.h>
 #include <ORLFoundation/platform/value/NSDecimalSum.h>
+#include <ORLFoundation/platform/value/NSDecimal_peers_testing.h>
 #include <benchmark/benchmark.h>
 
 #include <array>
-#include <boost/multiprecision/cpp_dec_float.hpp>
 #include <random>
 #include <string>
 #include <vector>
 
-#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__)
-#define ORLF_HAS_DECIMAL128 1
-#endif
-
 namespace ORLFoundation {
 namespace {
 
-using DecFloat = boost::multiprecision::number<boost::multiprecision::cpp_dec_float<38>,
-                                               boost::multiprecision::et_off>;
+using namespace orlftest;
 
 constexpr std::size_t kCount = 1024;
 enum class Size { kMoney, kLong };
@@ -53,74 +48,8 @@ struct Ours {
   static Number round(const Number& a) { return NSDecimalRound(a, 2).value; }
   static bool less(const Number& a, const Number& b) { return a.compare(b) == NSOrderedAscending; }
   static std::string print(const Number& a) { return a.stringValue(); }
-  static bool agrees(const NSDecimal& expected, const Number& actual);
+  static bool agrees(const NSDecimal& expected, const Number& actual) { return expected == actual; }
 };
-
-struct BoostFloat {
-  using Number = DecFloat;
-  static Number parse(const std::string& text) { return Number(text); }
-  static Number add(const Number& a, const Number& b) { return a + b; }
-  static Number multiply(const Number& a, const Number& b) { return a * b; }
-  static Number divide(const Number& a, const Number& b) { return a / b; }
-  static Number round(const Number& a) {
-    static const Number hundred(100), half(0.5);
-    const Number moved = a * hundred;
-    return trunc(moved < 0 ? Number(moved - half) : Number(moved + half)) / hundred;
-  }
-  static bool less(const Number& a, const Number& b) { return a < b; }
-  static std::string print(const Number& a) { return a.str(0, std::ios_base::fixed); }
-  static bool agrees(const NSDecimal& expected, const Number& actual);
-};
-
-#ifdef ORLF_HAS_DECIMAL128
-/// The compiler's decimals of 34 digits. It has no text functions for them, so that operands and
-/// results pass through our digits.
-struct Decimal128 {
-  typedef float Number __attribute__((mode(TD)));
-
-  static Number whole(unsigned long long value) { return static_cast<Number>(value); }
-
-  static Number of(const NSDecimal& value) {
-    const Number ten = whole(10), word = whole(1ULL << 32) * whole(1ULL << 32);
-    const auto high = static_cast<unsigned long long>(value.mantissa() >> 64);
-    Number number = whole(high) * word + whole(value.shortMantissa());
-    for (int i = value.exponent(); i < 0; ++i) number /= ten;
-    for (int i = value.exponent(); i > 0; --i) number *= ten;
-    return value.isNegative() ? -number : number;
-  }
-  static Number parse(const std::string& text) { return of(NSDecimal::parse(text)); }
-  static Number add(Number a, Number b) { return a + b; }
-  static Number multiply(Number a, Number b) { return a * b; }
-  static Number divide(Number a, Number b) { return a / b; }
-  /// For numbers whose hundredfold fits 64 bits.
-  static Number round(Number a) {
-    static const Number half = whole(1) / whole(2), hundred = whole(100), zero = whole(0);
-    const Number moved = a * hundred;
-    const auto cents = static_cast<long long>(moved < zero ? moved - half : moved + half);
-    return static_cast<Number>(cents) / hundred;
-  }
-  static bool less(Number a, Number b) { return a < b; }
-  static bool agrees(const NSDecimal& expected, Number actual) {
-    const Number wanted = of(expected);
-    const Number off = wanted < actual ? actual - wanted : wanted - actual;
-    static const Number part = of(NSDecimal(1, -30, false));
-    return off <= (wanted < whole(0) ? -wanted : wanted) * part;
-  }
-};
-#endif
-
-/// Agreement in 30 digits is what all can promise of a quotient.
-bool agreesWithText(const NSDecimal& expected, const NSDecimal& actual) {
-  const NSDecimal off = NSDecimalSubtract(expected, actual).value;
-  const NSDecimal size = expected.isNegative() ? expected.negated() : expected;
-  const NSDecimal bound = NSDecimalMultiplyByPowerOf10(size, -30).value;
-  return off.compare(bound) != NSOrderedDescending &&
-         off.negated().compare(bound) != NSOrderedDescending;
-}
-bool Ours::agrees(const NSDecimal& expected, const Number& actual) { return expected == actual; }
-bool BoostFloat::agrees(const NSDecimal& expected, const Number& actual) {
-  return agreesWithText(expected, NSDecimal::parse(actual.str(38, std::ios_base::scientific)));
-}
 
 template <class Library>
 std::vector<typename Library::Number> numbers(Size size, unsigned seed) {
@@ -233,6 +162,78 @@ void print(benchmark::State& state) {
   }
 }
 
+/// Stands for a peer that is not here; `scripts/bench` knows the words.
+[[maybe_unused]] void notInstalled(benchmark::State& state) {
+  state.SkipWithError("not installed");
+  for (auto _ : state) continue;
+}
+
+/// Times a call on arrays, then checks each result against ours.
+template <class Peer, class Call, class Expected>
+void runArrays(benchmark::State& state, Call call, Expected expected) {
+  std::vector<ArrayNumber> results(kCount);
+  for (auto _ : state) {
+    call(results.data());
+    benchmark::ClobberMemory();
+  }
+  state.SetItemsProcessed(state.iterations() * std::int64_t{kCount});
+  std::array<char, 64> text{};
+  for (std::size_t i = 0; i < kCount; ++i) {
+    const std::string_view written(text.data(), Peer::kPrint(&results[i], text.data()));
+    if (!agreesIn(Peer::kDigits, expected(i), NSDecimal::parse(written)))
+      return state.SkipWithError("a wrong result");
+  }
+}
+[[maybe_unused]] std::vector<ArrayText> arrayTexts(Size size, unsigned seed) {
+  std::vector<ArrayText> list;
+  for (const std::string& text : texts(size, seed)) list.push_back({text.c_str(), text.size()});
+  return list;
+}
+template <class Peer>
+std::vector<ArrayNumber> arrayNumbers(const std::vector<ArrayText>& given) {
+  std::vector<ArrayNumber> list(given.size());
+  Peer::kParse(given.data(), list.data(), list.size());
+  return list;
+}
+template <class Peer, Size size, ArrayCalculation* work, auto expected>
+void calculateInArrays(benchmark::State& state) {
+  const auto left = arrayNumbers<Peer>(arrayTexts(size, 0));
+  const auto right = arrayNumbers<Peer>(arrayTexts(size, 1));
+  const auto ourLeft = numbers<Ours>(size, 0);
+  const auto ourRight = numbers<Ours>(size, 1);
+  runArrays<Peer>(
+      state, [&](ArrayNumber* results) { work(left.data(), right.data(), results, kCount); },
+      [&](std::size_t i) { return expected(ourLeft[i], ourRight[i]); });
+}
+template <class Peer, Size size>
+void roundInArrays(benchmark::State& state) {
+  const auto ourLeft = numbers<Ours>(size, 0);
+  const auto ourRight = numbers<Ours>(size, 1);
+  const std::vector<ArrayText> cent(kCount, {"0.01", 4});
+  const auto cents = arrayNumbers<Peer>(cent);
+  auto values = arrayNumbers<Peer>(arrayTexts(size, 0));
+  if (size == Size::kMoney) {
+    const auto left = values;
+    const auto right = arrayNumbers<Peer>(arrayTexts(size, 1));
+    Peer::kMultiply(left.data(), right.data(), values.data(), kCount);
+  }
+  runArrays<Peer>(
+      state,
+      [&](ArrayNumber* results) { Peer::kRound(values.data(), cents.data(), results, kCount); },
+      [&](std::size_t i) {
+        return Ours::round(size == Size::kMoney ? Ours::multiply(ourLeft[i], ourRight[i])
+                                                : ourLeft[i]);
+      });
+}
+template <class Peer, Size size>
+void parseInArrays(benchmark::State& state) {
+  const auto given = arrayTexts(size, 0);
+  const auto ours = numbers<Ours>(size, 0);
+  runArrays<Peer>(
+      state, [&](ArrayNumber* results) { Peer::kParse(given.data(), results, kCount); },
+      [&](std::size_t i) { return ours[i]; });
+}
+
 /// Amounts of one exponent in one sum, against the loop over single additions.
 struct Loop {
   static NSDecimal sum(const std::vector<NSDecimal>& values) {
@@ -300,6 +301,35 @@ ORLF_BENCHMARK_TEXT(parse, Money);
 ORLF_BENCHMARK_TEXT(parse, Long);
 ORLF_BENCHMARK_TEXT(print, Money);
 ORLF_BENCHMARK_TEXT(print, Long);
+
+#define ORLF_BENCHMARK_ARRAYS(Peer, size, engine)                                       \
+  BENCHMARK(calculateInArrays<Peer, Size::k##size, Peer::kAdd, Ours::add>)              \
+      ->Name("add" #size "/" engine);                                                   \
+  BENCHMARK(calculateInArrays<Peer, Size::k##size, Peer::kMultiply, Ours::multiply>)    \
+      ->Name("multiply" #size "/" engine);                                              \
+  BENCHMARK(calculateInArrays<Peer, Size::k##size, Peer::kDivide, Ours::divide>)        \
+      ->Name("divide" #size "/" engine);                                                \
+  BENCHMARK(roundInArrays<Peer, Size::k##size>)->Name("roundToCents" #size "/" engine); \
+  BENCHMARK(parseInArrays<Peer, Size::k##size>)->Name("parse" #size "/" engine)
+#define ORLF_BENCHMARK_MISSING(size, engine)                      \
+  BENCHMARK(notInstalled)->Name("add" #size "/" engine);          \
+  BENCHMARK(notInstalled)->Name("multiply" #size "/" engine);     \
+  BENCHMARK(notInstalled)->Name("divide" #size "/" engine);       \
+  BENCHMARK(notInstalled)->Name("roundToCents" #size "/" engine); \
+  BENCHMARK(notInstalled)->Name("parse" #size "/" engine)
+
+#ifdef ORLF_HAS_BID
+ORLF_BENCHMARK_ARRAYS(IntelBid, Money, "bid");
+ORLF_BENCHMARK_ARRAYS(IntelBid, Long, "bid");
+#else
+ORLF_BENCHMARK_MISSING(Money, "bid");
+ORLF_BENCHMARK_MISSING(Long, "bid");
+#endif
+#ifdef ORLF_HAS_RUST_DECIMAL
+ORLF_BENCHMARK_ARRAYS(RustDecimal, Money, "rust_decimal");
+#else
+ORLF_BENCHMARK_MISSING(Money, "rust_decimal");
+#endif
 BENCHMARK_TEMPLATE(sum, Bulk)->Name("sumMoney/ours");
 BENCHMARK_TEMPLATE(sum, Loop)->Name("sumMoney/loop");
 BENCHMARK_TEMPLATE(sumOfProducts, Bulk)->Name("sumOfProductsMoney/ours");

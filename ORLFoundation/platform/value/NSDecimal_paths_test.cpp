@@ -3,6 +3,7 @@
 // exponent.
 #include <ORLFoundation/platform/value/NSDecimalArithmetic.h>
 #include <ORLFoundation/platform/value/internal/DecimalReader.h>
+#include <ORLFoundation/platform/value/internal/PowersOfTen.h>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -47,13 +48,16 @@ class WildSource {
  private:
   ways::Wide mantissa() {
     const ways::Wide bits = ways::Wide{engine_()} << 64 | engine_();
-    constexpr std::array<ways::Wide, 5> kBounds = {0, ways::Wide{1} << 64, NSDecimal::kMantissaEnd,
+    constexpr std::array<ways::Wide, 6> kBounds = {0,
+                                                   ways::Wide{1} << 62,
+                                                   ways::Wide{1} << 64,
+                                                   NSDecimal::kMantissaEnd,
                                                    NSDecimal::kMantissaEnd / 2,
                                                    ways::powerOfTen(19)};
     switch (between(0, 3)) {
       case 0: {
         // Next to where one word, or 38 digits, end.
-        const ways::Wide bound = kBounds[static_cast<std::size_t>(between(0, 4))];
+        const ways::Wide bound = kBounds[static_cast<std::size_t>(between(0, 5))];
         return (bound + static_cast<ways::Wide>(between(0, 3))) % NSDecimal::kMantissaEnd;
       }
       case 1:

@@ -41,6 +41,9 @@
 namespace ORLFoundation {
 
 class ORLFFileSystemObserver;
+namespace internal::store {
+struct PasswordChange;
+}
 
 /// Posted on the stores' queue when the file changed and was read again, also after the store's own
 /// writing. The object is the store; no user information.
@@ -168,6 +171,8 @@ class ORLFEncryptedStore final : public NSObject {
   void letGo();
   void setStore(id list);
   [[nodiscard]] NSData filePassword() const;
+  bool mergeIntoFile(const NSURL& url, const internal::store::PasswordChange& change,
+                     NSErrorSlot error);
 
   std::atomic<bool> storeInKeychain_;
   mutable std::mutex lock_;  // of what follows

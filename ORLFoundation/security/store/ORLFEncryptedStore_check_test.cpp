@@ -4,14 +4,17 @@
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/plist/NSPropertyListSerialization.h>
 #include <ORLFoundation/security/store/ORLFEncryptedStore_testing.h>
+#include <ORLFoundation/security/store/internal/StoreLock.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <tests/support/ProcessorTime.h>
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <fstream>
 #include <limits>
-#include <random>
+#include <thread>
 
 namespace ORLFoundation {
 namespace {
@@ -206,6 +209,33 @@ TEST_F(CheckedStore, MergesNothingUnderAWrongPasswordOrIntoDamage) {
   EXPECT_FALSE(right->mergePassword("p", "bob", "bank", noContext(), &error));
   EXPECT_EQ(error->code(), NSFileReadNoSuchFileError);
   EXPECT_FALSE(std::filesystem::exists(path("store")));
+}
+
+/// Whether somebody waits for a lock of a whole file, as the kernel tells.
+bool waitsForALock() {
+  std::ifstream locks("/proc/locks");
+  for (std::string line; std::getline(locks, line);)
+    if (line.find("-> FLOCK") != std::string::npos) return true;
+  return false;
+}
+
+TEST_F(CheckedStore, MergesIntoTheFileThatIsOpenWhenItsTurnComes) {
+  ASSERT_TRUE(Store::writeEncryptedPropertyList(contentWith("shop", {}), url("other"), "pw"));
+  const auto store = open();
+  std::thread merging;
+  {
+    const internal::store::StoreLock lock(url(), nullptr);
+    ASSERT_TRUE(lock.isHeld());
+    merging =
+        std::thread([&] { EXPECT_TRUE(store->mergePassword("p", "bob", "shop", std::nullopt)); });
+    // It is right however late the thread comes; mostly it is seen to wait.
+    for (int turn = 0; turn < 1000 && !waitsForALock(); ++turn)
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    EXPECT_TRUE(store->openAtURL(url("other"), "pw"));
+  }
+  merging.join();
+  EXPECT_EQ(contentOf(), contentWith("bank", {entryOf("ann", "s3cret-of-ann", false)}));
+  EXPECT_EQ(contentOf("pw", "other"), contentWith("shop", {entryOf("bob", "p", false)}));
 }
 
 TEST_F(CheckedStore, SaysWhenNoLockCanBeMade) {

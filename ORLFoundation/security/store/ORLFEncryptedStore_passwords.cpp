@@ -71,22 +71,32 @@ bool ORLFEncryptedStore::setPassword(const std::optional<std::string>& password,
 bool ORLFEncryptedStore::mergePassword(const std::optional<std::string>& password,
                                        const std::string& forUser, const std::string& service,
                                        const std::optional<NSData>& context, NSErrorSlot error) {
-  const std::optional<NSURL> url = this->url();
-  if (!url || closed()) return false;
-  // Taken before the queue is entered, and by nobody in it: no one waits for the other.
-  const StoreLock lock(*url, error);
-  if (!lock.isHeld()) return false;
-  return dispatch_sync(sharedEventQueue(), [&] {
-    const CheckedStoreFile file = checkStoreFile(*url, filePassword().text(), error);
-    if (file.finding == ORLFEncryptedStoreUnreadable) return false;
-    if (file.finding != ORLFEncryptedStoreOpens)
-      return NSFillErrorSlot(error, NSCocoaErrorDomain, NSFileReadCorruptFileError,
-                             reasonOf(file.finding));
-    const PasswordOutcome outcome = changePassword(
-        file.content.as<NSMutableDictionary>(),
-        {password, forUser, service, context.value_or(noContext()), storeInKeychain()});
-    return outcome.isToBeSaved ? saveEncryptedStore(file.content, error) : isDone(outcome, error);
-  });
+  while (true) {
+    const std::optional<NSURL> url = this->url();
+    if (!url || closed()) return false;
+    // Taken before the queue is entered, and by nobody in it: no one waits for the other.
+    const StoreLock lock(*url, error);
+    if (!lock.isHeld()) return false;
+    const auto isMerged = dispatch_sync(sharedEventQueue(), [&]() -> std::optional<bool> {
+      // Another file was opened while this waited.
+      if (this->url() != url) return std::nullopt;
+      return mergeIntoFile(
+          *url, {password, forUser, service, context.value_or(noContext()), storeInKeychain()},
+          error);
+    });
+    if (isMerged) return *isMerged;
+  }
+}
+
+bool ORLFEncryptedStore::mergeIntoFile(const NSURL& url, const PasswordChange& change,
+                                       NSErrorSlot error) {
+  const CheckedStoreFile file = checkStoreFile(url, filePassword().text(), error);
+  if (file.finding == ORLFEncryptedStoreUnreadable) return false;
+  if (file.finding != ORLFEncryptedStoreOpens)
+    return NSFillErrorSlot(error, NSCocoaErrorDomain, NSFileReadCorruptFileError,
+                           reasonOf(file.finding));
+  const PasswordOutcome outcome = changePassword(file.content.as<NSMutableDictionary>(), change);
+  return outcome.isToBeSaved ? saveEncryptedStore(file.content, error) : isDone(outcome, error);
 }
 
 }  // namespace ORLFoundation

@@ -1,6 +1,6 @@
 /// A `SecretService` that asks the user only where that is allowed, and tells a prompt that was
 /// dismissed from one that was answered: libsecret itself takes a dismissed deletion for a done
-/// one.
+/// one. Its prompts are run here (RunningPrompt.h).
 #pragma once
 
 #include <ORLFoundation/bridges/libsecret/internal/CallDeadline.h>

@@ -2,16 +2,6 @@
 
 namespace ORLFoundation::internal::compression {
 
-int BitWriter::finish() noexcept {
-  flush();
-  if (count_ == 0) return 0;
-  const int spare = static_cast<int>(count_) - 8;
-  ++at_;
-  bits_ = 0;
-  count_ = 0;
-  return spare;
-}
-
 bool BackwardBits::begin(std::span<const std::uint8_t> bytes, int spare) noexcept {
   begin_ = bytes.data();
   at_ = begin_ + bytes.size();

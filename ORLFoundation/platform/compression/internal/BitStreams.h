@@ -24,8 +24,17 @@ class BitWriter {
     bits_ >>= count_ & ~7U;
     count_ &= 7U;
   }
-  /// Fills the last byte with zeros, and tells how many, as a number from -7 to 0.
-  int finish() noexcept;
+  /// Fills the last byte with zeros, and tells how many, as a number from -7 to 0. In the header,
+  /// as the others are: a writer whose address is known elsewhere is not kept in registers.
+  int finish() noexcept {
+    flush();
+    if (count_ == 0) return 0;
+    const int spare = static_cast<int>(count_) - 8;
+    ++at_;
+    bits_ = 0;
+    count_ = 0;
+    return spare;
+  }
   [[nodiscard]] std::size_t length() const noexcept {
     return static_cast<std::size_t>(at_ - begin_);
   }

@@ -13,11 +13,9 @@ constexpr unsigned kLeadingZeroBytes = 8;
 constexpr std::size_t kMostBitsOfTriplet = 54, kMostBitsOfLiteral = 10, kSlack = 16;
 
 void pushSymbol(BitWriter& bits, const EncoderSymbol& symbol, std::uint32_t& state) noexcept {
-  const bool isFull = state >= static_cast<std::uint32_t>(symbol.firstState);
-  const auto count = static_cast<unsigned>(symbol.bits) - (isFull ? 0U : 1U);
+  const unsigned count = symbol.bitsFor(state);
   bits.push(state & ((1U << count) - 1), count);
-  state =
-      static_cast<std::uint32_t>(isFull ? symbol.fullNext : symbol.shortNext) + (state >> count);
+  state = symbol.next(state, count);
 }
 
 /// The bits of its own, then the symbol, which is read first.
@@ -97,7 +95,8 @@ void BlockEncoder::finishBlock(std::vector<std::uint8_t>& output) {
 
   literalBytes_.resize(literalCount_ * kMostBitsOfLiteral / 8 + kSlack);
   BitWriter literalBits(literalBytes_.data());
-  std::array<std::uint32_t, 4> states{};
+  std::array<std::uint32_t, 4> states{kLiteralStates, kLiteralStates, kLiteralStates,
+                                      kLiteralStates};
   for (std::size_t at = literalCount_; at > 0; at -= 4) {
     for (std::size_t i = 4; i-- > 0;)
       pushSymbol(literalBits, literal_.symbols[literals_[at - 4 + i]], states[i]);
@@ -111,7 +110,7 @@ void BlockEncoder::finishBlock(std::vector<std::uint8_t>& output) {
     bits.push(0, 8);
     bits.flush();
   }
-  std::uint32_t l = 0, m = 0, d = 0;
+  std::uint32_t l = kLStates, m = kMStates, d = kDStates;
   for (std::size_t i = tripletCount_; i-- > 0;) {
     const Triplet& triplet = triplets_[i];
     const std::uint8_t dSymbol = symbolOfD(triplet.distance);
@@ -130,10 +129,10 @@ void BlockEncoder::finishBlock(std::vector<std::uint8_t>& output) {
   header.literalPayload = static_cast<std::uint32_t>(literalBits.length());
   header.tripletPayload = static_cast<std::uint32_t>(bits.length());
   for (std::size_t i = 0; i < 4; ++i)
-    header.literalStates[i] = static_cast<std::uint16_t>(states[i]);
-  header.lState = static_cast<std::uint16_t>(l);
-  header.mState = static_cast<std::uint16_t>(m);
-  header.dState = static_cast<std::uint16_t>(d);
+    header.literalStates[i] = static_cast<std::uint16_t>(states[i] - kLiteralStates);
+  header.lState = static_cast<std::uint16_t>(l - kLStates);
+  header.mState = static_cast<std::uint16_t>(m - kMStates);
+  header.dState = static_cast<std::uint16_t>(d - kDStates);
   appendBlockHeader(header, output);
   output.insert(output.end(), literalBytes_.begin(), literalBytes_.begin() + header.literalPayload);
   output.insert(output.end(), tripletBytes_.begin(), tripletBytes_.begin() + header.tripletPayload);

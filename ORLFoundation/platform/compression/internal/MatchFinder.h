@@ -25,6 +25,10 @@ class MatchFinder {
   struct Slot {
     std::array<std::int32_t, kWays> places;
     std::array<std::uint32_t, kWays> bytes;
+
+    void add(std::size_t place, std::uint32_t fourBytes) noexcept;
+    /// A bit for each of the places at which the same four bytes stood.
+    [[nodiscard]] unsigned waysTo(std::uint32_t fourBytes) const noexcept;
   };
   struct Match {
     std::size_t at = 0;
@@ -34,8 +38,11 @@ class MatchFinder {
     [[nodiscard]] std::size_t end() const noexcept { return at + length; }
   };
 
+  [[nodiscard]] Slot& slotFor(std::uint32_t fourBytes) noexcept;
   [[nodiscard]] Match longest(const Slot& slot, std::size_t at, std::uint32_t bytes) const noexcept;
   void take(Match found);
+  /// Notes the places of what was handed on, and gives back where it ends.
+  std::size_t noteHandedOn(std::size_t from) noexcept;
   void emit(const Match& match);
 
   std::vector<Slot> slots_;

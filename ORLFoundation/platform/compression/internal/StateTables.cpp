@@ -108,13 +108,9 @@ void makeEncoderSymbols(std::span<const std::uint16_t> frequencies, std::size_t 
     const std::size_t frequency = frequencies[symbol];
     if (frequency == 0) continue;
     const unsigned bits = SymbolShape(states, frequency).bits;
-    const auto next = [&](unsigned shift) {
-      return static_cast<std::int16_t>(offset + (states >> shift) - frequency);
-    };
-    // A symbol that owns every state writes no bits, and never one less.
-    symbols[symbol] = {static_cast<std::int16_t>((frequency << bits) - states),
-                       static_cast<std::int16_t>(bits), next(bits),
-                       bits == 0 ? std::int16_t{0} : next(bits - 1)};
+    // The states that write all bits begin at (frequency << bits) - N, counted from 0 on.
+    symbols[symbol] = {static_cast<std::uint32_t>((bits << 16) - (frequency << bits)),
+                       static_cast<std::uint32_t>(offset + states - frequency)};
     offset += frequency;
   }
 }

@@ -25,13 +25,22 @@ struct ValueState {
   std::uint32_t base = 0;
 };
 
-/// How an encoder leaves a state: with `bits` low bits written from `firstState` on, with one less
-/// below it; then it adds what is left to a number.
+/// How an encoder leaves a state, which it counts from N on: it writes the low bits, drops them and
+/// adds a number. A symbol of frequency f that owns the states from `first` on writes one of two
+/// numbers of bits that follow each other, the greater one from some state on.
 struct EncoderSymbol {
-  std::int16_t firstState = 0;
-  std::int16_t bits = 0;
-  std::int16_t fullNext = 0;
-  std::int16_t shortNext = 0;
+  /// The greater number of bits, 16 bits up, less the first state that writes as many: with a state
+  /// added, what stands 16 bits up is the number for that state.
+  std::uint32_t bitsLessState = 0;
+  /// `first` - f + N.
+  std::uint32_t base = 0;
+
+  [[nodiscard]] unsigned bitsFor(std::uint32_t state) const noexcept {
+    return (state + bitsLessState) >> 16;
+  }
+  [[nodiscard]] std::uint32_t next(std::uint32_t state, unsigned bits) const noexcept {
+    return base + (state >> bits);
+  }
 };
 
 /// Whether the frequencies make a table: they add up to the number of states, or to nothing.

@@ -23,18 +23,41 @@ TEST(StateTables, GiveAStateOfTheDecoderToEachShareOfASymbol) {
   }
 }
 
+/// A symbol as published, in a table of N states: from the first state on that writes all bits,
+/// what is left is added to one number, below it to another.
+struct PublishedSymbol {
+  std::size_t first, bits;
+  std::ptrdiff_t next, shortNext;
+};
+
+void expectPublished(const EncoderSymbol& symbol, const PublishedSymbol& published,
+                     std::size_t states) {
+  for (std::size_t state = 0; state < states; ++state) {
+    const bool isFull = state >= published.first;
+    const std::size_t bits = published.bits - (isFull ? 0 : 1);
+    const auto counted = static_cast<std::uint32_t>(states + state);
+    ASSERT_EQ(symbol.bitsFor(counted), bits) << state;
+    const std::ptrdiff_t next = (isFull ? published.next : published.shortNext) +
+                                static_cast<std::ptrdiff_t>(state >> bits);
+    ASSERT_EQ(symbol.next(counted, static_cast<unsigned>(bits)),
+              states + static_cast<std::size_t>(next))
+        << state;
+  }
+}
+
 TEST(StateTables, TellTheEncoderWhereASymbolLeads) {
   const std::array<std::uint16_t, 2> frequencies{3, 5};
   std::array<EncoderSymbol, 2> symbols;
   makeEncoderSymbols(frequencies, 8, symbols);
-  EXPECT_EQ(symbols[0].firstState, 4);
-  EXPECT_EQ(symbols[0].bits, 2);
-  EXPECT_EQ(symbols[0].fullNext, -1);
-  EXPECT_EQ(symbols[0].shortNext, 1);
-  EXPECT_EQ(symbols[1].firstState, 2);
-  EXPECT_EQ(symbols[1].bits, 1);
-  EXPECT_EQ(symbols[1].fullNext, 2);
-  EXPECT_EQ(symbols[1].shortNext, 6);
+  expectPublished(symbols[0], {4, 2, -1, 1}, 8);
+  expectPublished(symbols[1], {2, 1, 2, 6}, 8);
+}
+
+TEST(StateTables, LeaveTheStateAsItIsForTheOnlySymbol) {
+  const std::array<std::uint16_t, 2> frequencies{0, 1024};
+  std::array<EncoderSymbol, 2> symbols;
+  makeEncoderSymbols(frequencies, 1024, symbols);
+  expectPublished(symbols[1], {0, 0, 0, 0}, 1024);
 }
 
 TEST(StateTables, CutValuesAtTheStatedBases) {
@@ -71,15 +94,15 @@ TEST(StateTables, LeadBackFromEverySymbolToEveryState) {
     makeEncoderSymbols(frequencies, kLiteralStates, symbols);
     for (std::size_t symbol = 0; symbol < symbols.size(); ++symbol) {
       if (frequencies[symbol] == 0) continue;
-      for (int before = 0; before < static_cast<int>(kLiteralStates); ++before) {
+      constexpr std::uint32_t kFirst = kLiteralStates;
+      for (std::uint32_t before = 0; before < kFirst; ++before) {
         const EncoderSymbol& code = symbols[symbol];
-        const bool isFull = before >= code.firstState;
-        const int bits = isFull ? code.bits : code.bits - 1;
-        const int after = (isFull ? code.fullNext : code.shortNext) + (before >> bits);
-        const LiteralState& state = states.at(static_cast<std::size_t>(after));
+        const unsigned bits = code.bitsFor(kFirst + before);
+        const std::uint32_t after = code.next(kFirst + before, bits) - kFirst;
+        const LiteralState& state = states.at(after);
         ASSERT_EQ(state.symbol, symbol);
         ASSERT_EQ(state.bits, bits);
-        ASSERT_EQ(state.next + (before & ((1 << bits) - 1)), before);
+        ASSERT_EQ(static_cast<std::uint32_t>(state.next) + (before & ((1U << bits) - 1)), before);
       }
     }
   }

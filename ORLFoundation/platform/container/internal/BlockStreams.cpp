@@ -2,84 +2,53 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
-#include <utility>
 
 namespace ORLFoundation::internal::container {
 namespace {
 
-constexpr std::size_t kMostAtHand = std::size_t{128} << 20;
 constexpr char kLZFSELetter = 'e';
 
-template <class Piece>
-std::unique_ptr<Piece> spareOrNew(std::vector<std::unique_ptr<Piece>>& spare) {
-  if (spare.empty()) return std::make_unique<Piece>();
-  std::unique_ptr<Piece> piece = std::move(spare.back());
-  spare.pop_back();
-  return piece;
+std::size_t boundedBlockSize(std::size_t asked) {
+  return std::clamp<std::size_t>(asked, 1, ArchiveByteStream::kMostBlockBytes);
 }
 
 }  // namespace
 
-std::size_t mostPiecesOf(std::size_t bytes) {
-  return std::clamp<std::size_t>(kMostAtHand / (2 * bytes), 1, std::size_t{2} * threadsForWork());
-}
-
 BlockWriter::BlockWriter(ArchiveCompression compression, ArchiveByteStream& to,
                          std::size_t blockSize)
-    : compression_(compression),
-      to_(to),
-      blockSize_(std::clamp<std::size_t>(blockSize, 1, kMostBlockBytes)),
-      mostBlocks_(mostPiecesOf(blockSize_)) {
+    : to_(to),
+      blocks_(boundedBlockSize(blockSize),
+              {.work =
+                   [packs = compression == ArchiveCompression::lzfse](Block& block) {
+                     block.stored.clear();
+                     if (packs) block.encoder.append(block.raw, block.stored);
+                     block.isStored = !packs || block.stored.size() >= block.raw.size();
+                   },
+               .finish = [this](Block& block) { writeBlock(block); }}) {
   Bytes start(kBlockMagic.begin(), kBlockMagic.end());
   start.push_back(static_cast<std::uint8_t>(kLZFSELetter));
-  appendBig(start, blockSize_, 8);
+  appendBig(start, boundedBlockSize(blockSize), 8);
   to_.write(start);
 }
 
-void BlockWriter::write(std::span<const std::uint8_t> bytes) {
-  while (!bytes.empty()) {
-    if (!block_) {
-      block_ = spareOrNew(spare_);
-      block_->raw.clear();
-      block_->raw.reserve(blockSize_);
-    }
-    const std::size_t count = std::min(bytes.size(), blockSize_ - block_->raw.size());
-    appendBytes(block_->raw, bytes.first(count));
-    bytes = bytes.subspan(count);
-    if (block_->raw.size() == blockSize_) finishBlock();
-  }
-}
-
-void BlockWriter::finishBlock() {
-  if (work_.count() == mostBlocks_) writeFirst();
-  begun_.push_back(std::move(block_));
-  work_.add([block = begun_.back().get(), packs = compression_ == ArchiveCompression::lzfse] {
-    block->stored.clear();
-    if (packs) block->encoder.append(block->raw, block->stored);
-    block->isStored = !packs || block->stored.size() >= block->raw.size();
-  });
-}
-
-void BlockWriter::writeFirst() {
-  work_.takeFirst();
-  std::unique_ptr<Block> block = std::move(begun_.front());
-  begun_.pop_front();
-  const Bytes& bytes = block->isStored ? block->raw : block->stored;
+void BlockWriter::writeBlock(const Block& block) {
+  const Bytes& bytes = block.isStored ? block.raw : block.stored;
   Bytes header;
-  appendBig(header, block->raw.size(), 8);
+  appendBig(header, block.raw.size(), 8);
   appendBig(header, bytes.size(), 8);
   to_.write(header);
   to_.write(bytes);
-  spare_.push_back(std::move(block));
 }
 
-void BlockWriter::close() {
-  if (block_) finishBlock();
-  while (!begun_.empty()) writeFirst();
-}
+BlockReader::BlockReader(ArchiveByteStream& from)
+    : from_(from),
+      left_(from.length()),
+      blockSize_(readStart()),
+      blocks_(blockSize_,
+              {.fetch = [this](Block& block) { return readBlock(block); }, .work = &unpack}) {}
 
-BlockReader::BlockReader(ArchiveByteStream& from) : from_(from), left_(from.length()) {
+/// The size of a full block.
+std::size_t BlockReader::readStart() {
   std::array<std::uint8_t, kBlockStartBytes> start{};
   if (from_.read(start) != start.size() || !beginsWith(start, kBlockMagic))
     throwDamaged("it ends within its first bytes");
@@ -90,13 +59,11 @@ BlockReader::BlockReader(ArchiveByteStream& from) : from_(from), left_(from.leng
     throwDamaged("its blocks have an impossible size");
   if (size > kMostBlockBytes)
     throw ArchiveError(ArchiveErrorTooLarge, "The archive's blocks are larger than 64 MiB.");
-  blockSize_ = size;
-  mostBlocks_ = mostPiecesOf(blockSize_);
   left_ -= std::min<std::uint64_t>(left_, start.size());
+  return size;
 }
 
-/// Has a thread unpack the next block; false at the end.
-bool BlockReader::beginBlock() {
+bool BlockReader::readBlock(Block& block) {
   std::array<std::uint8_t, kBlockHeaderBytes> header{};
   const std::size_t count = from_.read(header);
   if (count == 0) return false;
@@ -109,45 +76,18 @@ bool BlockReader::beginBlock() {
   isLast_ = raw < blockSize_;
   if (stored > left_) throwDamaged("it ends within a block");
   left_ -= stored;
-  std::unique_ptr<Block> block = spareOrNew(spare_);
-  block->raw.resize(raw);
-  block->stored.resize(stored);
-  Bytes& bytes = stored == raw ? block->raw : block->stored;
+  block.raw.resize(raw);
+  block.stored.resize(stored);
+  Bytes& bytes = stored == raw ? block.raw : block.stored;
   if (from_.read(bytes) != bytes.size()) throwDamaged("it ends within a block");
-  begun_.push_back(std::move(block));
-  work_.add([one = begun_.back().get()] {
-    const bool isPacked = one->stored.size() != one->raw.size();
-    if (isPacked && !one->decoder.decode(one->stored, one->raw))
-      throwDamaged("a block does not unpack");
-  });
   return true;
 }
 
-bool BlockReader::nextBlock() {
-  while (work_.count() < mostBlocks_ && beginBlock()) {
-  }
-  if (begun_.empty()) return false;
-  if (block_) spare_.push_back(std::move(block_));
-  work_.takeFirst();
-  block_ = std::move(begun_.front());
-  begun_.pop_front();
-  given_ = 0;
-  return true;
-}
-
-std::size_t BlockReader::read(std::span<std::uint8_t> bytes) {
-  std::size_t done = 0;
-  while (done < bytes.size()) {
-    if (!block_ || given_ == block_->raw.size()) {
-      if (!nextBlock()) break;
-      continue;
-    }
-    const std::size_t count = std::min(bytes.size() - done, block_->raw.size() - given_);
-    std::memcpy(bytes.data() + done, block_->raw.data() + given_, count);
-    given_ += count;
-    done += count;
-  }
-  return done;
+/// On any thread.
+void BlockReader::unpack(Block& block) {
+  const bool isPacked = block.stored.size() != block.raw.size();
+  if (isPacked && !block.decoder.decode(block.stored, block.raw))
+    throwDamaged("a block does not unpack");
 }
 
 }  // namespace ORLFoundation::internal::container

@@ -5,30 +5,24 @@
 #include <ORLFoundation/platform/compression/LZFSE.h>
 #include <ORLFoundation/platform/container/ArchiveByteStream.h>
 #include <ORLFoundation/platform/container/internal/HeaderFields.h>
-#include <ORLFoundation/platform/container/internal/OrderedWork.h>
+#include <ORLFoundation/platform/container/internal/Pieces.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
-#include <memory>
-#include <optional>
 #include <span>
-#include <vector>
+#include <string_view>
 
 namespace ORLFoundation::internal::container {
 
 inline constexpr std::string_view kBlockMagic = "pbz";
 inline constexpr std::size_t kBlockStartBytes = 12, kBlockHeaderBytes = 16;
 
-/// How many pieces of this size may be at hand, so that all take 128 MiB at most.
-[[nodiscard]] std::size_t mostPiecesOf(std::size_t bytes);
-
 class BlockWriter final : public ArchiveByteStream {
  public:
   BlockWriter(ArchiveCompression compression, ArchiveByteStream& to, std::size_t blockSize);
 
-  void write(std::span<const std::uint8_t> bytes) override;
-  void close() override;
+  void write(std::span<const std::uint8_t> bytes) override { blocks_.write(bytes); }
+  void close() override { blocks_.close(); }
 
  private:
   struct Block {
@@ -38,24 +32,19 @@ class BlockWriter final : public ArchiveByteStream {
     compression::LZFSEEncoder encoder;
   };
 
-  void finishBlock();
-  void writeFirst();
+  void writeBlock(const Block& block);
 
-  const ArchiveCompression compression_;
   ArchiveByteStream& to_;
-  const std::size_t blockSize_;
-  const std::size_t mostBlocks_;
-  std::unique_ptr<Block> block_;
-  std::vector<std::unique_ptr<Block>> spare_;
-  std::deque<std::unique_ptr<Block>> begun_;
-  OrderedWork work_;
+  PieceCutter<Block> blocks_;
 };
 
 class BlockReader final : public ArchiveByteStream {
  public:
   explicit BlockReader(ArchiveByteStream& from);
 
-  [[nodiscard]] std::size_t read(std::span<std::uint8_t> bytes) override;
+  [[nodiscard]] std::size_t read(std::span<std::uint8_t> bytes) override {
+    return blocks_.read(bytes);
+  }
 
  private:
   struct Block {
@@ -64,19 +53,15 @@ class BlockReader final : public ArchiveByteStream {
     compression::LZFSEDecoder decoder;
   };
 
-  [[nodiscard]] bool beginBlock();
-  [[nodiscard]] bool nextBlock();
+  static void unpack(Block& block);
+  [[nodiscard]] std::size_t readStart();
+  [[nodiscard]] bool readBlock(Block& block);
 
   ArchiveByteStream& from_;
-  std::size_t blockSize_ = 0;
-  std::size_t mostBlocks_ = 1;
-  std::uint64_t left_ = 0;
+  std::uint64_t left_;
+  const std::size_t blockSize_;
   bool isLast_ = false;
-  std::unique_ptr<Block> block_;
-  std::size_t given_ = 0;
-  std::vector<std::unique_ptr<Block>> spare_;
-  std::deque<std::unique_ptr<Block>> begun_;
-  OrderedWork work_;
+  PieceJoiner<Block> blocks_;
 };
 
 }  // namespace ORLFoundation::internal::container

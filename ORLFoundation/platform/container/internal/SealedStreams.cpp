@@ -1,13 +1,11 @@
 #include <ORLFoundation/platform/container/internal/SealedStreams.h>
 
-#include <ORLFoundation/platform/container/internal/BlockStreams.h>
 #include <ORLFoundation/platform/crypto/CommonCrypto.h>
 #include <ORLFoundation/platform/crypto/SecRandom.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <utility>
 
 namespace ORLFoundation::internal::container {
 namespace {
@@ -38,53 +36,34 @@ std::shared_ptr<const ChainKey> clusterKeyOf(const ChainKey& mainKey, std::uint3
   return key;
 }
 
-template <class Piece>
-std::unique_ptr<Piece> spareOrNewSegment(std::vector<std::unique_ptr<Piece>>& spare) {
-  if (spare.empty()) return std::make_unique<Piece>();
-  std::unique_ptr<Piece> piece = std::move(spare.back());
-  spare.pop_back();
-  return piece;
-}
-
 }  // namespace
 
 SealedWriter::SealedWriter(ArchiveByteStream& to, const ArchiveEncryptionContext& context)
     : to_(to),
       prologue_(context.prologue()),
-      mostSegments_(mostPiecesOf(prologue_.plan.segmentBytes)),
-      place_(prologue_.size()) {
+      place_(prologue_.size()),
+      segments_(prologue_.plan.segmentBytes,
+                {.prepare = [this](Segment& segment) { number(segment); },
+                 .work = [root = prologue_.plan](Segment& segment) { seal(segment, root); },
+                 .finish = [this](Segment& segment) { writeSegment(segment); }}) {
   // One salt must not serve one key twice.
   fillRandom(prologue_.salt);
   deriveMainKey(prologue_, mainKey_);
 }
 
 void SealedWriter::write(std::span<const std::uint8_t> bytes) {
-  const std::size_t most = prologue_.plan.segmentBytes;
   prologue_.plan.rawBytes += bytes.size();
-  while (!bytes.empty()) {
-    if (!segment_) {
-      segment_ = spareOrNewSegment(spare_);
-      segment_->raw.clear();
-      segment_->raw.reserve(most);
-    }
-    const std::size_t count = std::min(bytes.size(), most - segment_->raw.size());
-    appendBytes(segment_->raw, bytes.first(count));
-    bytes = bytes.subspan(count);
-    if (segment_->raw.size() == most) finishSegment();
-  }
+  segments_.write(bytes);
 }
 
-void SealedWriter::finishSegment() {
-  if (work_.count() == mostSegments_) writeFirst();
+/// Gives a segment its place in a cluster, whose key it takes.
+void SealedWriter::number(Segment& segment) {
   const std::size_t perCluster = prologue_.plan.segmentsPerCluster;
-  const auto index = static_cast<std::uint32_t>(begunSegments_ % perCluster);
-  if (index == 0)
+  segment.index = static_cast<std::uint32_t>(begunSegments_ % perCluster);
+  if (segment.index == 0)
     clusterKey_ = clusterKeyOf(mainKey_, static_cast<std::uint32_t>(begunSegments_ / perCluster));
-  segment_->clusterKey = clusterKey_;
-  segment_->index = index;
+  segment.clusterKey = clusterKey_;
   ++begunSegments_;
-  begun_.push_back(std::move(segment_));
-  work_.add([one = begun_.back().get(), this] { seal(*one, prologue_.plan); });
 }
 
 /// On any thread.
@@ -102,19 +81,15 @@ void SealedWriter::seal(Segment& segment, const SealedRoot& root) {
   segment.tag = Seal::ofSegment(*segment.clusterKey, segment.index).close(segment.stored, {});
 }
 
-void SealedWriter::writeFirst() {
-  work_.takeFirst();
-  std::unique_ptr<Segment> segment = std::move(begun_.front());
-  begun_.pop_front();
-  if (segment->index == 0) {
+void SealedWriter::writeSegment(const Segment& segment) {
+  if (segment.index == 0) {
     clusters_.push_back({place_, {}, {}});
     place_ += prologue_.plan.clusterHeaderBytes();
   }
-  appendBytes(clusters_.back().headers, segment->header);
-  appendBytes(clusters_.back().tags, segment->tag);
-  to_.writeAt(place_, segment->stored);
-  place_ += segment->stored.size();
-  spare_.push_back(std::move(segment));
+  appendBytes(clusters_.back().headers, segment.header);
+  appendBytes(clusters_.back().tags, segment.tag);
+  to_.writeAt(place_, segment.stored);
+  place_ += segment.stored.size();
 }
 
 /// From the last cluster to the first, since each one's tag covers the next one's. The tag of the
@@ -156,8 +131,7 @@ void SealedWriter::writeRoot(const Tag& firstClusterTag) {
 }
 
 void SealedWriter::close() {
-  if (segment_) finishSegment();
-  while (!begun_.empty()) writeFirst();
+  segments_.close();
   Bytes padding(prologue_.paddingBytes);
   fillRandom(padding);
   if (!padding.empty()) to_.writeAt(place_, padding);
@@ -166,17 +140,23 @@ void SealedWriter::close() {
 }
 
 SealedReader::SealedReader(ArchiveByteStream& from, const ArchiveEncryptionContext& context)
-    : from_(from), nextClusterTag_(context.prologue().firstClusterTag) {
-  const SealedPrologue& prologue = context.prologue();
+    : from_(from),
+      root_(openRoot(context.prologue())),
+      readBytes_(context.prologue().size()),
+      nextClusterTag_(context.prologue().firstClusterTag),
+      segments_(root_.segmentBytes,
+                {.fetch = [this](Segment& segment) { return readSegment(segment); },
+                 .work = [this](Segment& segment) { open(segment, root_); },
+                 .end = [this] { checkEnd(); }}) {}
+
+SealedRoot SealedReader::openRoot(const SealedPrologue& prologue) {
   deriveMainKey(prologue, mainKey_);
   std::array<std::uint8_t, kRootBytes> root = prologue.root;
   if (!Seal::ofRoot(mainKey_).open(root, prologue.rootTag, prologue.firstClusterTag,
                                    prologue.authData))
     throw ArchiveError(ArchiveErrorWrongKey,
                        "The key is another one, or the archive's first bytes were altered.");
-  root_ = SealedRoot::rootWithBytes(root);
-  readBytes_ = prologue.size();
-  mostSegments_ = mostPiecesOf(root_.segmentBytes);
+  return SealedRoot::rootWithBytes(root);
 }
 
 void SealedReader::readExactly(std::span<std::uint8_t> bytes) {
@@ -197,8 +177,7 @@ void SealedReader::readClusterHeader() {
   nextClusterTag_ = next;
 }
 
-/// Has a thread open the next segment; false behind the last.
-bool SealedReader::beginSegment() {
+bool SealedReader::readSegment(Segment& segment) {
   if (begunBytes_ == root_.rawBytes) return false;
   if (segmentIndex_ == 0) readClusterHeader();
   const ByteSpan header = ByteSpan(headers_).subspan(segmentIndex_ * root_.segmentHeaderBytes(),
@@ -208,18 +187,15 @@ bool SealedReader::beginSegment() {
       std::min<std::uint64_t>(root_.segmentBytes, root_.rawBytes - begunBytes_);
   if (original != expected || stored > original || stored == 0)
     throwDamaged("a segment has impossible sizes");
-  std::unique_ptr<Segment> segment = spareOrNewSegment(spare_);
-  segment->raw.resize(original);
-  segment->stored.resize(stored);
-  readExactly(segment->stored);
-  segment->checksum.assign(header.begin() + 8, header.end());
-  segment->tag = arrayAt<kTagBytes>(tags_, segmentIndex_ * kTagBytes);
-  segment->clusterKey = clusterKey_;
-  segment->index = static_cast<std::uint32_t>(segmentIndex_);
+  segment.raw.resize(original);
+  segment.stored.resize(stored);
+  readExactly(segment.stored);
+  segment.checksum.assign(header.begin() + 8, header.end());
+  segment.tag = arrayAt<kTagBytes>(tags_, segmentIndex_ * kTagBytes);
+  segment.clusterKey = clusterKey_;
+  segment.index = static_cast<std::uint32_t>(segmentIndex_);
   begunBytes_ += original;
   segmentIndex_ = (segmentIndex_ + 1) % root_.segmentsPerCluster;
-  begun_.push_back(std::move(segment));
-  work_.add([one = begun_.back().get(), this] { open(*one, root_); });
   return true;
 }
 
@@ -236,20 +212,7 @@ void SealedReader::open(Segment& segment, const SealedRoot& root) {
     throwDamaged("a segment does not have its checksum");
 }
 
-bool SealedReader::nextSegment() {
-  while (work_.count() < mostSegments_ && beginSegment()) {
-  }
-  if (begun_.empty()) return false;
-  if (segment_) spare_.push_back(std::move(segment_));
-  work_.takeFirst();
-  segment_ = std::move(begun_.front());
-  begun_.pop_front();
-  given_ = 0;
-  return true;
-}
-
 void SealedReader::checkEnd() {
-  if (std::exchange(isEndChecked_, true)) return;
   if (readBytes_ > root_.containerBytes) throwDamaged("it is longer than it says");
   const std::uint64_t count = root_.containerBytes - readBytes_;
   if (count > kMostPadding)
@@ -260,22 +223,6 @@ void SealedReader::checkEnd() {
     throwDamaged("what follows its segments was altered");
   std::array<std::uint8_t, 1> more{};
   if (from_.read(more) != 0) throwDamaged("it is longer than it says");
-}
-
-std::size_t SealedReader::read(std::span<std::uint8_t> bytes) {
-  std::size_t done = 0;
-  while (done < bytes.size()) {
-    if (!segment_ || given_ == segment_->raw.size()) {
-      if (nextSegment()) continue;
-      checkEnd();
-      break;
-    }
-    const std::size_t count = std::min(bytes.size() - done, segment_->raw.size() - given_);
-    std::memcpy(bytes.data() + done, segment_->raw.data() + given_, count);
-    given_ += count;
-    done += count;
-  }
-  return done;
 }
 
 }  // namespace ORLFoundation::internal::container

@@ -3,12 +3,11 @@
 
 #include <ORLFoundation/platform/compression/LZFSE.h>
 #include <ORLFoundation/platform/container/ArchiveByteStream.h>
-#include <ORLFoundation/platform/container/internal/OrderedWork.h>
+#include <ORLFoundation/platform/container/internal/Pieces.h>
 #include <ORLFoundation/platform/container/internal/SealedPrologue.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <span>
 #include <vector>
@@ -39,24 +38,20 @@ class SealedWriter final : public ArchiveByteStream {
     Bytes tags;
   };
 
+  void number(Segment& segment);
   static void seal(Segment& segment, const SealedRoot& root);
-  void finishSegment();
-  void writeFirst();
+  void writeSegment(const Segment& segment);
   [[nodiscard]] Tag writeClusterHeaders(const Bytes& padding);
   void writeRoot(const Tag& firstClusterTag);
 
   ArchiveByteStream& to_;
   SealedPrologue prologue_;
   ChainKey mainKey_;
-  const std::size_t mostSegments_;
   std::uint64_t place_;
   std::uint64_t begunSegments_ = 0;
   std::shared_ptr<const ChainKey> clusterKey_;
   std::vector<Cluster> clusters_;
-  std::unique_ptr<Segment> segment_;
-  std::vector<std::unique_ptr<Segment>> spare_;
-  std::deque<std::unique_ptr<Segment>> begun_;
-  OrderedWork work_;
+  PieceCutter<Segment> segments_;
 };
 
 class SealedReader final : public ArchiveByteStream {
@@ -66,7 +61,9 @@ class SealedReader final : public ArchiveByteStream {
 
   /// Gives nothing of a segment whose tag was not checked. At the end everything behind the last
   /// segment has been checked too.
-  [[nodiscard]] std::size_t read(std::span<std::uint8_t> bytes) override;
+  [[nodiscard]] std::size_t read(std::span<std::uint8_t> bytes) override {
+    return segments_.read(bytes);
+  }
   [[nodiscard]] std::uint64_t length() const override { return root_.rawBytes; }
 
  private:
@@ -81,29 +78,23 @@ class SealedReader final : public ArchiveByteStream {
   };
 
   static void open(Segment& segment, const SealedRoot& root);
+  [[nodiscard]] SealedRoot openRoot(const SealedPrologue& prologue);
   void readExactly(std::span<std::uint8_t> bytes);
   void readClusterHeader();
-  [[nodiscard]] bool beginSegment();
-  [[nodiscard]] bool nextSegment();
+  [[nodiscard]] bool readSegment(Segment& segment);
   void checkEnd();
 
   ArchiveByteStream& from_;
   ChainKey mainKey_;
-  SealedRoot root_;
-  std::size_t mostSegments_ = 1;
-  std::uint64_t readBytes_ = 0;
+  const SealedRoot root_;
+  std::uint64_t readBytes_;
   std::uint64_t begunBytes_ = 0;
   std::uint32_t clusterIndex_ = 0;
   std::size_t segmentIndex_ = 0;
-  Tag nextClusterTag_{};
+  Tag nextClusterTag_;
   std::shared_ptr<const ChainKey> clusterKey_;
   Bytes headers_, tags_;
-  bool isEndChecked_ = false;
-  std::unique_ptr<Segment> segment_;
-  std::size_t given_ = 0;
-  std::vector<std::unique_ptr<Segment>> spare_;
-  std::deque<std::unique_ptr<Segment>> begun_;
-  OrderedWork work_;
+  PieceJoiner<Segment> segments_;
 };
 
 }  // namespace ORLFoundation::internal::container

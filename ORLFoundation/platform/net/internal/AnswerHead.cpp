@@ -9,7 +9,7 @@
 namespace ORLFoundation::internal::net {
 namespace {
 
-std::string textOf(std::string_view bytes) {
+std::string readableTextOf(std::string_view bytes) {
   if (base::isUTF8(bytes)) return std::string(bytes);
   std::string text;
   for (const char byte : bytes)
@@ -29,7 +29,7 @@ bool AnswerHead::take(std::string_view line) {
   } else if (line.substr(0, 5) == "HTTP/") {
     begin(line);
   } else if (line.front() == ' ' || line.front() == '\t') {
-    if (last_ != nullptr) last_->append(" ").append(textOf(trimmed(line)));
+    if (last_ != nullptr) last_->append(" ").append(readableTextOf(trimmed(line)));
   } else {
     takeField(line);
   }
@@ -41,7 +41,7 @@ void AnswerHead::begin(std::string_view statusLine) {
   last_ = nullptr;
   status_ = 0;
   const std::size_t blank = statusLine.find(' ');
-  version_ = textOf(statusLine.substr(0, blank));
+  version_ = readableTextOf(statusLine.substr(0, blank));
   if (blank == std::string_view::npos) return;
   const std::string_view code = trimmed(statusLine.substr(blank));
   std::from_chars(code.data(), code.data() + code.size(), status_);
@@ -52,8 +52,8 @@ void AnswerHead::takeField(std::string_view line) {
   const std::string_view name = trimmed(line.substr(0, colon));
   last_ = nullptr;
   if (colon == std::string_view::npos || name.empty()) return;
-  std::string value = textOf(trimmed(line.substr(colon + 1)));
-  const auto [field, isNew] = fields_.try_emplace(textOf(name), value);
+  std::string value = readableTextOf(trimmed(line.substr(colon + 1)));
+  const auto [field, isNew] = fields_.try_emplace(readableTextOf(name), value);
   if (!isNew) field->second.append(", ").append(value);
   last_ = &field->second;
 }

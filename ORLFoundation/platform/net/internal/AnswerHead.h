@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace ORLFoundation::internal::net {
 
@@ -26,6 +27,8 @@ class AnswerHead {
   [[nodiscard]] const std::string& version() const noexcept { return version_; }
   /// Values of one name are joined with ", ". Bytes that are no UTF-8 are read as ISO Latin 1.
   [[nodiscard]] const NSHTTPHeaderFields& fields() const noexcept { return fields_; }
+  /// They are gone from here afterwards.
+  [[nodiscard]] NSHTTPHeaderFields takeFields() noexcept { return std::move(fields_); }
 
  private:
   void begin(std::string_view statusLine);

@@ -32,6 +32,11 @@ std::string_view trimmed(std::string_view text) noexcept {
   return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
+std::string_view textOf(const NSHTTPHeaderFields& fields, std::string_view name) noexcept {
+  const auto found = fields.find(name);
+  return found == fields.end() ? std::string_view() : found->second;
+}
+
 std::optional<std::string> fieldOf(const NSHTTPHeaderFields& fields, std::string_view name) {
   const auto found = fields.find(name);
   return found == fields.end() ? std::nullopt : std::optional(found->second);
@@ -54,19 +59,18 @@ std::optional<std::string> charsetIn(std::string_view contentType) {
 }
 
 std::optional<std::string> mediaTypeOf(const NSHTTPHeaderFields& fields) {
-  return mediaTypeIn(fieldOf(fields, "Content-Type").value_or(""));
+  return mediaTypeIn(textOf(fields, "Content-Type"));
 }
 
 std::optional<std::string> charsetOf(const NSHTTPHeaderFields& fields) {
-  return charsetIn(fieldOf(fields, "Content-Type").value_or(""));
+  return charsetIn(textOf(fields, "Content-Type"));
 }
 
 std::int64_t lengthOf(const NSHTTPHeaderFields& fields) {
   constexpr std::int64_t kUnknown = -1;
-  const std::string encoding = fieldOf(fields, "Content-Encoding").value_or("");
-  if (!trimmed(encoding).empty() && !equalsLower(trimmed(encoding), "identity")) return kUnknown;
-  const std::string field = fieldOf(fields, "Content-Length").value_or("");
-  const std::string_view text = trimmed(field);
+  const std::string_view encoding = trimmed(textOf(fields, "Content-Encoding"));
+  if (!encoding.empty() && !equalsLower(encoding, "identity")) return kUnknown;
+  const std::string_view text = trimmed(textOf(fields, "Content-Length"));
   if (text.empty() || !isDigit(text.front())) return kUnknown;
   std::int64_t length = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), length);

@@ -13,6 +13,9 @@ namespace ORLFoundation::internal::net {
 /// Without the blanks around it.
 [[nodiscard]] std::string_view trimmed(std::string_view text) noexcept;
 
+/// A field's value, for as long as the fields stand; "" where there is none.
+[[nodiscard]] std::string_view textOf(const NSHTTPHeaderFields& fields,
+                                      std::string_view name) noexcept;
 /// A field's value; nil where there is none.
 [[nodiscard]] std::optional<std::string> fieldOf(const NSHTTPHeaderFields& fields,
                                                  std::string_view name);

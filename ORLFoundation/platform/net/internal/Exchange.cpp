@@ -2,7 +2,6 @@
 
 #include <ORLFoundation/platform/net/NSURLResponse.h>
 #include <ORLFoundation/platform/net/internal/ContentFacts.h>
-#include <ORLFoundation/platform/net/internal/CookieJar.h>
 #include <ORLFoundation/platform/object/NSError.h>
 
 #include <string_view>
@@ -15,10 +14,6 @@ using std::chrono::steady_clock;
 
 /// A redirect's body is read, so that its connection can be used again, unless it is longer.
 constexpr std::size_t kMostSkipped = std::size_t{256} * 1024;
-/// What libcurl reads from a socket at a time.
-constexpr long kBufferSize = long{64} * 1024;
-/// libcurl's own limit on connecting, beyond every other.
-constexpr long kConnectTimeout = 7L * 24 * 60 * 60 * 1000;
 
 }  // namespace
 
@@ -26,91 +21,78 @@ Exchange::Exchange(Loader& loader, std::shared_ptr<LoadingTask> task,
                    std::shared_ptr<Recipient> recipient, TransferPlan plan)
     : Transfer(std::move(task), std::move(recipient)),
       loader_(loader),
-      plan_(std::move(plan)),
-      hop_(plan_.hop),
+      hop_(std::move(plan.hop)),
+      timeout_(plan.timeout),
+      usesCookies_(plan.usesCookies),
+      decodes_(plan.decodes),
       heard_(steady_clock::now()) {}
 
 Exchange::~Exchange() {
+  if (!handle_) return;
   detach();
-  if (handle_ != nullptr) loader_.giveBackHandle(handle_);
+  // Nothing of this may be left in it.
+  handle_->setMethod("GET", nullptr);
+  handle_->setFields(nullptr, true);
+  loader_.giveBackHandle(std::move(handle_));
+}
+
+std::unique_ptr<CurlHandle> Exchange::makeHandle(const NSURLSessionConfiguration& configuration) {
+  auto handle = std::make_unique<CurlHandle>(configuration);
+  void* const self = handle.get();
+  handle->set(CURLOPT_HEADERFUNCTION, &Exchange::onHeader);
+  handle->set(CURLOPT_HEADERDATA, self);
+  handle->set(CURLOPT_WRITEFUNCTION, &Exchange::onBody);
+  handle->set(CURLOPT_WRITEDATA, self);
+  handle->set(CURLOPT_SOCKOPTFUNCTION, &Exchange::onSocket);
+  handle->set(CURLOPT_SOCKOPTDATA, self);
+  handle->set(CURLOPT_PREREQFUNCTION, &Exchange::onRequest);
+  handle->set(CURLOPT_PREREQDATA, self);
+  handle->set(CURLOPT_RESOLVER_START_FUNCTION, &Exchange::onResolve);
+  handle->set(CURLOPT_RESOLVER_START_DATA, self);
+  handle->set(CURLOPT_XFERINFOFUNCTION, &Exchange::onProgress);
+  handle->set(CURLOPT_XFERINFODATA, self);
+  return handle;
 }
 
 Exchange& Exchange::ofHandle(CURL* handle) {
-  char* exchange = nullptr;
-  curl_easy_getinfo(handle, CURLINFO_PRIVATE, &exchange);
-  return *reinterpret_cast<Exchange*>(exchange);
+  char* data = nullptr;
+  curl_easy_getinfo(handle, CURLINFO_PRIVATE, &data);
+  return of(data);
+}
+
+Exchange& Exchange::of(void* handle) noexcept {
+  return *static_cast<const CurlHandle*>(handle)->exchange;
 }
 
 void Exchange::begin() {
   handle_ = loader_.takeHandle();
+  sendHop();
+}
+
+void Exchange::sendHop() {
   setUp();
   multi_ = loader_.multi();
-  curl_multi_add_handle(multi_, handle_);
+  curl_multi_add_handle(multi_, handle_->get());
 }
 
 void Exchange::detach() noexcept {
-  if (multi_ != nullptr) curl_multi_remove_handle(std::exchange(multi_, nullptr), handle_);
+  if (multi_ != nullptr) curl_multi_remove_handle(std::exchange(multi_, nullptr), handle_->get());
 }
 
+// Everything that exchanges and their hops differ in is set here: the handle has served others.
 void Exchange::setUp() {
-  const auto set = [this](CURLoption option, auto value) {
-    curl_easy_setopt(handle_, option, value);
-  };
-  set(CURLOPT_PRIVATE, this);
-  set(CURLOPT_ERRORBUFFER, reason_.data());
-  set(CURLOPT_NOSIGNAL, 1L);
-  set(CURLOPT_QUICK_EXIT, 1L);  // A name that is still being looked up is not waited for.
-  set(CURLOPT_URL, hop_.address.c_str());
-  set(CURLOPT_PROTOCOLS_STR, "http,https");
-  set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
-  set(CURLOPT_CONNECTTIMEOUT_MS, kConnectTimeout);
-  set(CURLOPT_BUFFERSIZE, kBufferSize);
-  set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
-  set(CURLOPT_HEADERFUNCTION, &Exchange::onHeader);
-  set(CURLOPT_HEADERDATA, this);
-  set(CURLOPT_WRITEFUNCTION, &Exchange::onBody);
-  set(CURLOPT_WRITEDATA, this);
-  set(CURLOPT_SOCKOPTFUNCTION, &Exchange::onSocket);
-  set(CURLOPT_SOCKOPTDATA, this);
-  set(CURLOPT_PREREQFUNCTION, &Exchange::onRequest);
-  set(CURLOPT_PREREQDATA, this);
-  set(CURLOPT_RESOLVER_START_FUNCTION, &Exchange::onResolve);
-  set(CURLOPT_RESOLVER_START_DATA, this);
-  set(CURLOPT_SHARE, plan_.usesCookies ? cookieJar() : nullptr);
-  if (plan_.usesCookies) set(CURLOPT_COOKIEFILE, "");  // No file, but what uses the jar.
-  setUpTrust();
-  setUpMethod();
+  handle_->exchange = this;
+  handle_->set(CURLOPT_URL, hop_.address.c_str());
+  handle_->useCookies(usesCookies_);
+  const std::string_view body = hop_.body ? hop_.body->text() : std::string_view();
+  handle_->setMethod(hop_.method, hasBody() ? &body : nullptr);
   setUpFields();
 }
 
-void Exchange::setUpTrust() {
-  curl_easy_setopt(handle_, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-  curl_easy_setopt(handle_, CURLOPT_SSL_VERIFYPEER, 1L);
-  curl_easy_setopt(handle_, CURLOPT_SSL_VERIFYHOST, 2L);
-  // The system's folder of certificates stays beside the file.
-  const std::string& file = loader_.configuration().additionalTrustedCertificatesFile();
-  if (!file.empty()) curl_easy_setopt(handle_, CURLOPT_CAINFO, file.c_str());
-}
-
-void Exchange::setUpMethod() {
+bool Exchange::hasBody() const noexcept {
   const std::string& method = hop_.method;
-  if (method == "HEAD") {
-    curl_easy_setopt(handle_, CURLOPT_NOBODY, 1L);
-    return;
-  }
-  const bool asksForBody = method == "POST" || method == "PUT" || method == "PATCH";
-  if (hop_.body || asksForBody) {
-    const auto body = hop_.body ? hop_.body->text() : std::string_view();
-    curl_easy_setopt(handle_, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
-    curl_easy_setopt(handle_, CURLOPT_POSTFIELDS, body.empty() ? "" : body.data());
-    curl_easy_setopt(handle_, CURLOPT_NOPROGRESS, 0L);
-    curl_easy_setopt(handle_, CURLOPT_XFERINFOFUNCTION, &Exchange::onProgress);
-    curl_easy_setopt(handle_, CURLOPT_XFERINFODATA, this);
-  } else {
-    curl_easy_setopt(handle_, CURLOPT_HTTPGET, 1L);
-  }
-  if (method != "GET" || hop_.body)
-    curl_easy_setopt(handle_, CURLOPT_CUSTOMREQUEST, method.c_str());
+  if (method == "HEAD") return false;
+  return hop_.body || method == "POST" || method == "PUT" || method == "PATCH";
 }
 
 void Exchange::addField(const std::string& line) {
@@ -133,42 +115,44 @@ void Exchange::setUpFields() {
       field.append(": ").append(value);
     addField(field);
   }
-  const auto cookies = fieldOf(hop_.fields, "Cookie");
-  curl_easy_setopt(handle_, CURLOPT_COOKIE, cookies ? cookies->c_str() : nullptr);
-  addField("Expect:");
-  if (hop_.method != "POST" && !fieldOf(hop_.fields, "Content-Type")) addField("Content-Type:");
-  curl_easy_setopt(handle_, CURLOPT_HTTPHEADER, fields_.get());
+  // What libcurl would say of a body on its own.
+  if (hasBody()) addField("Expect:");
+  if (hasBody() && hop_.method != "POST" && !hop_.fields.contains("Content-Type"))
+    addField("Content-Type:");
+  handle_->setFields(fields_.get(), !hop_.fields.contains("Accept-Encoding"));
+  const auto cookies = hop_.fields.find("Cookie");
+  handle_->setCookies(cookies == hop_.fields.end() ? nullptr : &cookies->second);
 }
 
 void Exchange::heard() noexcept {
   heard_ = steady_clock::now();
   if (std::exchange(isStarted_, true)) return;
-  loader_.askAt(timeAfter(heard_, plan_.timeout));
+  loader_.askAt(timeAfter(heard_, timeout_));
 }
 
 LoadTime Exchange::due() const {
-  return isStarted_ && !isPaused_ && !result_ ? timeAfter(heard_, plan_.timeout) : kNeverDue;
+  return isStarted_ && !isPaused_ && !result_ ? timeAfter(heard_, timeout_) : kNeverDue;
 }
 
-int Exchange::onSocket(void* exchange, curl_socket_t /*socket*/, curlsocktype /*purpose*/) {
-  static_cast<Exchange*>(exchange)->heard();
+int Exchange::onSocket(void* handle, curl_socket_t /*socket*/, curlsocktype /*purpose*/) {
+  of(handle).heard();
   return CURL_SOCKOPT_OK;
 }
 
-int Exchange::onRequest(void* exchange, char* /*there*/, char* /*here*/, int /*port*/,
+int Exchange::onRequest(void* handle, char* /*there*/, char* /*here*/, int /*port*/,
                         int /*ownPort*/) {
-  static_cast<Exchange*>(exchange)->heard();
+  of(handle).heard();
   return CURL_PREREQFUNC_OK;
 }
 
-int Exchange::onResolve(void* /*state*/, void* /*reserved*/, void* exchange) {
-  static_cast<Exchange*>(exchange)->heard();
+int Exchange::onResolve(void* /*state*/, void* /*reserved*/, void* handle) {
+  of(handle).heard();
   return 0;
 }
 
-int Exchange::onProgress(void* exchange, curl_off_t /*expected*/, curl_off_t /*received*/,
+int Exchange::onProgress(void* handle, curl_off_t /*expected*/, curl_off_t /*received*/,
                          curl_off_t /*expectedToSend*/, curl_off_t sent) {
-  static_cast<Exchange*>(exchange)->noteSent(sent);
+  of(handle).noteSent(sent);
   return 0;
 }
 
@@ -180,8 +164,8 @@ void Exchange::noteSent(curl_off_t sent) {
   recipient().sent(sent, expected);
 }
 
-std::size_t Exchange::onHeader(char* bytes, std::size_t size, std::size_t count, void* exchange) {
-  auto& self = *static_cast<Exchange*>(exchange);
+std::size_t Exchange::onHeader(char* bytes, std::size_t size, std::size_t count, void* handle) {
+  Exchange& self = of(handle);
   self.heard();
   return self.takeHeader({bytes, size * count}) ? size * count : 0;
 }
@@ -195,11 +179,11 @@ bool Exchange::takeHeader(std::string_view line) {
   if (wasWhole || !head_.isWhole()) return true;
   if (hop_.body) {
     curl_off_t sent = 0;
-    curl_easy_getinfo(handle_, CURLINFO_SIZE_UPLOAD_T, &sent);
+    curl_easy_getinfo(handle_->get(), CURLINFO_SIZE_UPLOAD_T, &sent);
     noteSent(sent);
   }
-  const auto location = fieldOf(head_.fields(), "Location");
-  if (isRedirect(head_.status()) && location && !location->empty()) {
+  const std::string_view location = textOf(head_.fields(), "Location");
+  if (isRedirect(head_.status()) && !location.empty()) {
     location_ = location;
   } else {
     answerBegins();
@@ -209,14 +193,17 @@ bool Exchange::takeHeader(std::string_view line) {
 
 void Exchange::answerBegins() {
   constexpr long kPart = 206;  // A range of the encoded bytes, which nobody can decode.
-  if (plan_.decodes && head_.status() != kPart)
-    encoding_ = bodyEncodingIn(fieldOf(head_.fields(), "Content-Encoding").value_or(""));
-  recipient().began(std::make_shared<NSHTTPURLResponse>(
-      NSURL::URLWithString(hop_.address), head_.status(), head_.version(), head_.fields()));
+  if (decodes_ && head_.status() != kPart)
+    encoding_ = bodyEncodingIn(textOf(head_.fields(), "Content-Encoding"));
+  const NSURL& asked = *task()->request()->URL();
+  auto url = hop_.address == asked.absoluteString() ? std::optional(asked)
+                                                    : NSURL::URLWithString(hop_.address);
+  recipient().began(std::make_shared<NSHTTPURLResponse>(std::move(url), head_.status(),
+                                                        head_.version(), head_.takeFields()));
 }
 
-std::size_t Exchange::onBody(char* bytes, std::size_t size, std::size_t count, void* exchange) {
-  auto& self = *static_cast<Exchange*>(exchange);
+std::size_t Exchange::onBody(char* bytes, std::size_t size, std::size_t count, void* handle) {
+  Exchange& self = of(handle);
   self.heard();
   return self.takeBody({reinterpret_cast<const std::uint8_t*>(bytes), size * count});
 }
@@ -265,9 +252,9 @@ void Exchange::proceed() {
   if (result_) return settle(*result_);
   if (!std::exchange(isPaused_, false)) return;
   heard();
-  loader_.askAt(timeAfter(heard_, plan_.timeout));
+  loader_.askAt(timeAfter(heard_, timeout_));
   // What waited is taken, or refused, within; libcurl would go on after a refusal.
-  const CURLcode result = curl_easy_pause(handle_, CURLPAUSE_CONT);
+  const CURLcode result = curl_easy_pause(handle_->get(), CURLPAUSE_CONT);
   if (result != CURLE_OK) settle(result);
 }
 
@@ -285,8 +272,8 @@ NSURLError Exchange::codeOfFailure(CURLcode result) const {
   // So libcurl calls a line of a head that is longer than it takes.
   if (result == CURLE_OUT_OF_MEMORY && !head_.isWhole()) return NSURLErrorBadServerResponse;
   CurlFailure failure{static_cast<int>(result)};
-  curl_easy_getinfo(handle_, CURLINFO_SSL_VERIFYRESULT, &failure.verified);
-  curl_easy_getinfo(handle_, CURLINFO_OS_ERRNO, &failure.systemError);
+  curl_easy_getinfo(handle_->get(), CURLINFO_SSL_VERIFYRESULT, &failure.verified);
+  curl_easy_getinfo(handle_->get(), CURLINFO_OS_ERRNO, &failure.systemError);
   return codeOf(failure);
 }
 
@@ -299,7 +286,7 @@ void Exchange::settle(CURLcode result) {
   if (result == CURLE_OK && !head_.isWhole()) result = CURLE_WEIRD_SERVER_REPLY;
   loader_.finish(task(), result == CURLE_OK
                              ? nullptr
-                             : failure(codeOfFailure(result), refusal_ ? "" : reason_.data()));
+                             : failure(codeOfFailure(result), refusal_ ? "" : handle_->reason()));
 }
 
 void Exchange::follow() {
@@ -317,11 +304,7 @@ void Exchange::follow() {
   sent_ = 0;
   isStarted_ = false;  // It may have to wait for a connection again.
   refusal_.reset();
-  curl_easy_setopt(handle_, CURLOPT_COOKIEFILE, nullptr);  // What was set is not given back else.
-  curl_easy_reset(handle_);
-  setUp();
-  multi_ = loader_.multi();
-  curl_multi_add_handle(multi_, handle_);
+  sendHop();
 }
 
 }  // namespace ORLFoundation::internal::net

@@ -3,13 +3,13 @@
 
 #include <ORLFoundation/platform/net/internal/AnswerHead.h>
 #include <ORLFoundation/platform/net/internal/BodyDecoder.h>
+#include <ORLFoundation/platform/net/internal/CurlHandle.h>
 #include <ORLFoundation/platform/net/internal/Loader.h>
 #include <ORLFoundation/platform/net/internal/Transfer.h>
 #include <ORLFoundation/platform/net/internal/TransferPlan.h>
 
 #include <curl/curl.h>
 
-#include <array>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -25,6 +25,9 @@ class Exchange final : public Transfer {
            TransferPlan plan);
   ~Exchange() override;
 
+  /// For a loader's exchanges.
+  [[nodiscard]] static std::unique_ptr<CurlHandle> makeHandle(
+      const NSURLSessionConfiguration& configuration);
   [[nodiscard]] static Exchange& ofHandle(CURL* handle);
 
   void begin() override;
@@ -38,11 +41,11 @@ class Exchange final : public Transfer {
     void operator()(curl_slist* list) const noexcept { curl_slist_free_all(list); }
   };
 
+  void sendHop();
   void setUp();
-  void setUpMethod();
   void setUpFields();
-  void setUpTrust();
   void addField(const std::string& line);
+  [[nodiscard]] bool hasBody() const noexcept;
   void detach() noexcept;
   void settle(CURLcode result);
   [[nodiscard]] NSURLError codeOfFailure(CURLcode result) const;
@@ -50,13 +53,14 @@ class Exchange final : public Transfer {
   void heard() noexcept;
   void noteSent(curl_off_t sent);
 
-  // What libcurl calls.
-  static std::size_t onHeader(char* bytes, std::size_t size, std::size_t count, void* exchange);
-  static std::size_t onBody(char* bytes, std::size_t size, std::size_t count, void* exchange);
-  static int onProgress(void* exchange, curl_off_t, curl_off_t, curl_off_t, curl_off_t sent);
-  static int onSocket(void* exchange, curl_socket_t, curlsocktype);
-  static int onRequest(void* exchange, char*, char*, int, int);
-  static int onResolve(void*, void*, void* exchange);
+  // What libcurl calls, with a `CurlHandle`.
+  [[nodiscard]] static Exchange& of(void* handle) noexcept;
+  static std::size_t onHeader(char* bytes, std::size_t size, std::size_t count, void* handle);
+  static std::size_t onBody(char* bytes, std::size_t size, std::size_t count, void* handle);
+  static int onProgress(void* handle, curl_off_t, curl_off_t, curl_off_t, curl_off_t sent);
+  static int onSocket(void* handle, curl_socket_t, curlsocktype);
+  static int onRequest(void* handle, char*, char*, int, int);
+  static int onResolve(void*, void*, void* handle);
   [[nodiscard]] bool takeHeader(std::string_view line);
   [[nodiscard]] std::size_t takeBody(std::span<const std::uint8_t> bytes);
   [[nodiscard]] Recipient::Taking takeAnswer(std::span<const std::uint8_t> bytes);
@@ -64,13 +68,14 @@ class Exchange final : public Transfer {
   void answerBegins();
 
   Loader& loader_;
-  const TransferPlan plan_;
   Hop hop_;
+  const double timeout_;  ///< Seconds of silence.
+  const bool usesCookies_;
+  const bool decodes_;
   int redirects_ = 0;
-  CURL* handle_ = nullptr;
+  std::unique_ptr<CurlHandle> handle_;
   CURLM* multi_ = nullptr;  ///< That has the handle.
   std::unique_ptr<curl_slist, FreeList> fields_;
-  std::array<char, CURL_ERROR_SIZE> reason_{};
   AnswerHead head_;
   std::optional<std::string> location_;  ///< Of a redirect that is followed.
   std::size_t skipped_ = 0;              ///< Bytes of its body.

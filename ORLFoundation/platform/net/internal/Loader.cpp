@@ -110,23 +110,19 @@ void Loader::closeMulti() {
   localLoads_.clear();
   servers_.clear();
   transfers_.clear();
-  for (CURL* const handle : handles_) curl_easy_cleanup(handle);
   handles_.clear();
   curl_multi_cleanup(multi);
 }
 
-CURL* Loader::takeHandle() {
-  if (handles_.empty()) return curl_easy_init();
-  CURL* const handle = handles_.back();
+std::unique_ptr<CurlHandle> Loader::takeHandle() {
+  if (handles_.empty()) return Exchange::makeHandle(configuration());
+  auto handle = std::move(handles_.back());
   handles_.pop_back();
   return handle;
 }
 
-void Loader::giveBackHandle(CURL* handle) {
-  if (handles_.size() >= kMostIdleHandles) return curl_easy_cleanup(handle);
-  curl_easy_setopt(handle, CURLOPT_COOKIEFILE, nullptr);  // What was set is not given back else.
-  curl_easy_reset(handle);
-  handles_.push_back(handle);
+void Loader::giveBackHandle(std::unique_ptr<CurlHandle> handle) {
+  if (handles_.size() < kMostIdleHandles) handles_.push_back(std::move(handle));
 }
 
 void Loader::doOrders() {
@@ -161,7 +157,7 @@ void Loader::doOrder(const LoaderOrder& order) {
 void Loader::start(const std::shared_ptr<LoadingTask>& task) {
   auto recipient = std::make_shared<Recipient>(task, shared_from_this());
   if (task->isCancelled() || isInvalidated_) return recipient->ended(failure(NSURLErrorCancelled));
-  const TransferPlan plan = planOf(*task->request(), *configuration_);
+  TransferPlan plan = planOf(*task->request(), *configuration_);
   if (plan.failure) return recipient->ended(failure(*plan.failure));
   std::unique_ptr<Transfer> transfer;
   if (plan.isLocal) {
@@ -169,8 +165,9 @@ void Loader::start(const std::shared_ptr<LoadingTask>& task) {
     localLoads_.push_back(local.get());
     transfer = std::move(local);
   } else {
-    transfer = std::make_unique<Exchange>(*this, task, std::move(recipient), plan);
-    transfer->origin = plan.origin;
+    std::string origin = std::move(plan.origin);
+    transfer = std::make_unique<Exchange>(*this, task, std::move(recipient), std::move(plan));
+    transfer->origin = std::move(origin);
   }
   transfer->lastTime = timeAfter(steady_clock::now(), plan.resourceTimeout);
   askAt(transfer->lastTime);

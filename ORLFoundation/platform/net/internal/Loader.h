@@ -3,6 +3,7 @@
 #pragma once
 
 #include <ORLFoundation/platform/net/NSURLSessionConfiguration.h>
+#include <ORLFoundation/platform/net/internal/CurlHandle.h>
 #include <ORLFoundation/platform/net/internal/Delivery.h>
 #include <ORLFoundation/platform/net/internal/LoaderThreads.h>
 
@@ -61,8 +62,8 @@ class Loader final : public LoaderWork, public std::enable_shared_from_this<Load
 
   // For transfers, on the loader's thread.
   [[nodiscard]] CURLM* multi() const noexcept { return multi_; }
-  [[nodiscard]] CURL* takeHandle();
-  void giveBackHandle(CURL* handle);
+  [[nodiscard]] std::unique_ptr<CurlHandle> takeHandle();
+  void giveBackHandle(std::unique_ptr<CurlHandle> handle);
   /// A transfer is to be asked at this time whether it is due.
   void askAt(std::chrono::steady_clock::time_point time) noexcept;
   /// Ends the task's transfer and destroys it.
@@ -111,7 +112,7 @@ class Loader final : public LoaderWork, public std::enable_shared_from_this<Load
   std::unordered_map<const LoadingTask*, std::unique_ptr<Transfer>> transfers_;
   std::map<std::string, Server> servers_;
   std::vector<LocalLoad*> localLoads_;
-  std::vector<CURL*> handles_;  ///< That nobody uses.
+  std::vector<std::unique_ptr<CurlHandle>> handles_;  ///< That nobody uses.
   std::chrono::steady_clock::time_point performedAt_;
   std::chrono::steady_clock::time_point nextQuestion_ =
       std::chrono::steady_clock::time_point::max();

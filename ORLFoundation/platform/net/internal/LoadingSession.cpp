@@ -8,6 +8,9 @@ LoadingSession::LoadingSession(const std::shared_ptr<NSURLSessionConfiguration>&
                                const std::shared_ptr<NSURLSessionDelegate>& delegate,
                                std::shared_ptr<NSOperationQueue> delegateQueue)
     : delegate_(delegate),
+      kinds_{dynamic_cast<NSURLSessionTaskDelegate*>(delegate.get()),
+             dynamic_cast<NSURLSessionDataDelegate*>(delegate.get()),
+             dynamic_cast<NSURLSessionDownloadDelegate*>(delegate.get())},
       loader_(std::make_shared<Loader>(
           configuration ? copyOf(configuration)
                         : NSURLSessionConfiguration::defaultSessionConfiguration(),

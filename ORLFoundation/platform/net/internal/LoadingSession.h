@@ -29,6 +29,13 @@ class LoadingSession final : public NSURLSession {
   void finishTasksAndInvalidate() override;
 
   [[nodiscard]] std::shared_ptr<NSURLSessionDelegate> delegate() const { return delegate_.lock(); }
+  /// The delegate as what it is besides; null for what it is not. For who holds it.
+  struct DelegateKinds {
+    NSURLSessionTaskDelegate* ofTasks = nullptr;
+    NSURLSessionDataDelegate* ofData = nullptr;
+    NSURLSessionDownloadDelegate* ofDownloads = nullptr;
+  };
+  [[nodiscard]] const DelegateKinds& delegateKinds() const noexcept { return kinds_; }
   [[nodiscard]] Loader& loader() const noexcept { return *loader_; }
   /// A task of this number that has ended or died.
   void forget(NSUInteger identifier);
@@ -42,6 +49,7 @@ class LoadingSession final : public NSURLSession {
   void invalidate();
 
   const std::weak_ptr<NSURLSessionDelegate> delegate_;
+  const DelegateKinds kinds_;
   const std::shared_ptr<Loader> loader_;
   std::mutex lock_;
   bool isClosed_ = false;

@@ -4,7 +4,6 @@
 #include <ORLFoundation/platform/net/internal/Loader.h>
 #include <ORLFoundation/platform/object/NSError.h>
 
-#include <tuple>
 #include <utility>
 
 namespace ORLFoundation::internal::net {
@@ -39,11 +38,15 @@ Recipient::Recipient(std::shared_ptr<LoadingTask> task, std::shared_ptr<Loader> 
       downloadTask_(task->downloadTask()),
       mostBytes_(loader_->configuration().maximumBodyLength()),
       task_(std::move(task)) {
-  std::tie(session_, delegate_) = task_->holders();
-  taskDelegate_ = dynamic_cast<NSURLSessionTaskDelegate*>(delegate_.get());
-  if (dataTask_) dataDelegate_ = dynamic_cast<NSURLSessionDataDelegate*>(delegate_.get());
-  if (downloadTask_)
-    downloadDelegate_ = dynamic_cast<NSURLSessionDownloadDelegate*>(delegate_.get());
+  auto [session, delegate] = task_->holders();
+  if (delegate) {
+    const LoadingSession::DelegateKinds& kinds = session->delegateKinds();
+    taskDelegate_ = kinds.ofTasks;
+    if (dataTask_) dataDelegate_ = kinds.ofData;
+    if (downloadTask_) downloadDelegate_ = kinds.ofDownloads;
+  }
+  session_ = std::move(session);
+  delegate_ = std::move(delegate);
 }
 
 void Recipient::sent(std::int64_t total, std::int64_t expected) {

@@ -32,11 +32,6 @@ NSHTTPHeaderFields fieldsOf(const NSURLRequest& request,
   return fields;
 }
 
-/// Of encoded bytes a range would be of no use.
-void askForEncodings(NSHTTPHeaderFields& fields) {
-  fields.emplace("Accept-Encoding", fields.contains("Range") ? "identity" : "gzip, deflate");
-}
-
 std::string withoutFragment(const std::string& address) {
   return address.substr(0, address.find('#'));
 }
@@ -63,11 +58,13 @@ TransferPlan planOf(const NSURLRequest& request, const NSURLSessionConfiguration
   plan.hop = {withoutFragment(request.URL()->absoluteString()), request.HTTPMethod(),
               fieldsOf(request, configuration, policy), request.HTTPBody()};
   plan.decodes = !plan.hop.fields.contains("Accept-Encoding");
-  if (plan.decodes) askForEncodings(plan.hop.fields);
-  plan.origin = originOf(plan.hop.address);
+  // Of encoded bytes a range would be of no use.
+  if (plan.hop.fields.contains("Range")) plan.hop.fields.emplace("Accept-Encoding", "identity");
+  const std::string host = base::lowerASCII(request.URL()->host().value_or(""));
   // libcurl would take the next word of the path for a host that is not there.
-  if (plan.origin.empty() || request.URL()->host().value_or("").empty())
-    plan.failure = NSURLErrorBadURL;
+  if (host.empty()) return plan.failure = NSURLErrorBadURL, plan;
+  const NSInteger port = request.URL()->port().value_or(scheme == "https" ? 443 : 80);
+  plan.origin = scheme + "://" + host + ":" + std::to_string(port);
   plan.usesCookies = request.HTTPShouldHandleCookies() && configuration.HTTPShouldSetCookies();
   return plan;
 }

@@ -21,6 +21,11 @@ struct WideInteger {
   }
 };
 
+/// The two's complement of a negative number, without a branch.
+[[nodiscard]] constexpr Wide withSign(Wide value, bool isNegative) noexcept {
+  return (value ^ (Wide{0} - Wide{isNegative})) + Wide{isNegative};
+}
+
 [[nodiscard]] constexpr WideInteger sum(const WideInteger& left,
                                         const WideInteger& right) noexcept {
   WideInteger result{left.low + right.low, left.high + right.high};
