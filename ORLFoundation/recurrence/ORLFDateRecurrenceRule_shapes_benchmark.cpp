@@ -1,7 +1,8 @@
-// Dates of rules of twelve shapes, those that calendars use most among the ones whose lists work
-// together or repeat the start date, in New York from 1997-09-02 09:00. "general" is the walk that
-// serves every rule, without the fast path; both give the same dates. A rule whose lists fail the
-// conditions of the expansion tells the log so, which here takes the words and drops them.
+// Rules of twelve shapes: those that calendars use most among the ones that repeat the start date
+// or whose lists work together, in New York from 1997-09-02 09:00. "general" is the walk that
+// serves every rule, without the fast path; both give the same dates. An item is a date, or a
+// period where a rule has no date at all: what its lists name never comes together. Where a
+// condition of the expansion fails, the log is told, which here drops the words.
 
 #include <ORLFoundation/platform/log/NSLog.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
@@ -49,20 +50,20 @@ class Walk {
     calendar_->setTimeZone(NSTimeZone::timeZoneWithName("America/New_York"));
   }
 
-  /// Answers how many dates there were: fewer than asked for where the rule has no more.
+  /// Answers how many dates there were, or periods where there was no date.
   template <class Visit>
   std::size_t run(ORLFDateWalk::Paths paths, Visit visit) const {
     std::size_t given = 0;
-    ORLFDateWalk(
-        *rule_, {.calendar = *calendar_, .startDate = kStart},
-        [&](NSDate date, NSUInteger count, bool& stop) {
-          visit(date);
-          given = count;
-          stop = count == kDates;
-        },
-        paths)
-        .run();
-    return given;
+    const NSUInteger periods = ORLFDateWalk(
+                                   *rule_, {.calendar = *calendar_, .startDate = kStart},
+                                   [&](NSDate date, NSUInteger count, bool& stop) {
+                                     visit(date);
+                                     given = count;
+                                     stop = count == kDates;
+                                   },
+                                   paths)
+                                   .run();
+    return given == 0 ? periods : given;
   }
 
  private:

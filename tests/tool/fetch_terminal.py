@@ -147,6 +147,8 @@ class FetchTerminal(unittest.TestCase):
         def act(run, master):
             run.wait_for(rb"which is not shown: ")
             self.assertFalse(echoes(master))
+            time.sleep(0.5)  # longer than a job goes without a display of its progress
+            self.assertEqual(run.screen(), b"Header field (Name: value), which is not shown:")
             os.write(master, b"Token: hush-hush\n")
 
         run = self.run_on_terminal("fetch", self.server.url("1"), "--header", "-", act=act)

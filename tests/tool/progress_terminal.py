@@ -202,5 +202,7 @@ class Progress(unittest.TestCase):
 
 
 if __name__ == "__main__":
+    # A background job may be told to ignore it, and its children with it.
+    signal.signal(signal.SIGINT, signal.default_int_handler)
     with FOLDER:
         unittest.main()

@@ -11,7 +11,6 @@
 #include <tests/support/TemporaryFolder.h>
 
 #include <atomic>
-#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <new>
@@ -121,7 +120,7 @@ TEST_F(ORLFPersistentStoreRepairOfFiles, PassesTheAddressOnAsItIs) {
 
 /// What the writer has told of, in memory that outlives it.
 struct Told {
-  std::atomic<bool> isWriting{false};
+  std::atomic<int> steps{0};
   std::atomic<int> committed{0};
 };
 
@@ -140,26 +139,28 @@ class CrashedStores : public ORLFPersistentStoreRepairOfFiles {
   /// reaches the file long before it is committed.
   [[noreturn]] void writeForEver(Told& told) const {
     StoreDatabase store(path("crashed.sqlite"));
-    store.run("PRAGMA synchronous=OFF; PRAGMA cache_size=1; PRAGMA cache_spill=1");
-    told.isWriting = true;
+    const auto run = [&](const std::string& sql) {
+      store.run(sql);
+      ++told.steps;
+    };
+    run("PRAGMA synchronous=OFF; PRAGMA cache_size=1; PRAGMA cache_spill=1");
     for (int number = 1;; ++number) {
-      store.run("BEGIN; UPDATE Z_METADATA SET Z_UUID = '" + std::to_string(number) + "'");
+      run("BEGIN; UPDATE Z_METADATA SET Z_UUID = '" + std::to_string(number) + "'");
       for (int row = 0; row < kRowsOfTransaction; ++row)
-        store.run("INSERT INTO ZROW VALUES (" + std::to_string(number) + ", randomblob(900))");
-      store.run("UPDATE ZROW SET Z_DATA = randomblob(900) WHERE Z_NUMBER % 3 = " +
-                std::to_string(number % 3));
-      store.run("COMMIT");
+        run("INSERT INTO ZROW VALUES (" + std::to_string(number) + ", randomblob(900))");
+      run("UPDATE ZROW SET Z_DATA = randomblob(900) WHERE Z_NUMBER % 3 = " +
+          std::to_string(number % 3));
+      run("COMMIT");
       told.committed = number;
     }
   }
-  /// Lets a writer work for a while, from its first transaction on, and kills it; how many
+  /// Kills a writer somewhere behind so many steps, however quick or slow it is; how many
   /// transactions it told of.
-  int crash(std::chrono::microseconds after) const {
+  int crash(int steps) const {
     Told& told = *new (memory_) Told;
     const pid_t writer = ::fork();
     if (writer == 0) writeForEver(told);
-    while (!told.isWriting) std::this_thread::sleep_for(std::chrono::microseconds(100));
-    std::this_thread::sleep_for(after);
+    while (told.steps < steps) std::this_thread::yield();
     ::kill(writer, SIGKILL);
     ::waitpid(writer, nullptr, 0);
     return told.committed;
@@ -171,7 +172,7 @@ class CrashedStores : public ORLFPersistentStoreRepairOfFiles {
 
 TEST_F(CrashedStores, AreReadOrRepairedWithAllThatWasCommitted) {
   constexpr int kCrashes = 200, kLeastRepairs = 50;
-  constexpr int kShortest = 50, kLongest = 3000;  // microseconds
+  constexpr int kMostSteps = 4 * kRowsOfTransaction;
   std::mt19937 random(20240131);
   int repairs = 0, commits = 0;
   for (int crashed = 0; crashed < kCrashes; ++crashed) {
@@ -180,8 +181,7 @@ TEST_F(CrashedStores, AreReadOrRepairedWithAllThatWasCommitted) {
     for (const std::string& name : names()) fs::remove(path(name));
     makeStore(path("crashed.sqlite"), isAhead ? "wal" : "delete");
     StoreDatabase(path("crashed.sqlite")).run("CREATE TABLE ZROW (Z_NUMBER INTEGER, Z_DATA BLOB)");
-    const int committed = crash(
-        std::chrono::microseconds(std::uniform_int_distribution<int>(kShortest, kLongest)(random)));
+    const int committed = crash(std::uniform_int_distribution<int>(0, kMostSteps)(random));
     commits += committed;
 
     const LogCapture log;

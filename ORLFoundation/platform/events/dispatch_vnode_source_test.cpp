@@ -54,7 +54,7 @@ class DispatchVNodeSourceTest : public orlftest::TemporaryFolderTest {
       NodeWatcher::shared()->pump();
       dispatch_sync(queue_, [] {});
     }
-    return std::exchange(words_, {});
+    return dispatch_sync(queue_, [this] { return std::exchange(words_, {}); });
   }
 
   const int descriptor_;

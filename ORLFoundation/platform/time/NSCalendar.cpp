@@ -186,8 +186,9 @@ NSDate NSCalendar::findDateAfterDate(NSDate date, const NSDateComponents& matchi
              : nearestMatch(rules_, matchingComponents, from, backward, strict));
 }
 
-bool NSCalendar::areValid(const NSDateComponents& components) const noexcept {
-  return other_ ? other_->areFieldsValid(rules_, components) : areFieldsValid(rules_, components);
+NSDate NSCalendar::resolveValidComponents(const NSDateComponents& components) const noexcept {
+  if (!other_) return dateFromInstant(instantIfValid(rules_, components));
+  return other_->areFieldsValid(rules_, components) ? resolveComponents(components) : notADate();
 }
 
 bool NSCalendar::isDateInWeekend(NSDate date) const noexcept {

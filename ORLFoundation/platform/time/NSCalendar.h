@@ -112,6 +112,12 @@ class NSCalendar : public NSObject {
       const NSDateComponents& components) const noexcept {
     return dateOrNil(resolveComponents(components));
   }
+  /// The date of components that describe one that exists (`isValidDateInCalendar`), nil for all
+  /// others: both questions at the price of one.
+  [[nodiscard]] std::optional<NSDate> dateFromValidComponents(
+      const NSDateComponents& components) const noexcept {
+    return dateOrNil(resolveValidComponents(components));
+  }
   /// `dateBySettingUnit:value:ofDate:options:`  The date itself when it shows the value, else the
   /// start of the next unit that does. Where a month lacks the day, the day after its end stands
   /// for it (so does the clock change for a time left out), unless `NSCalendarMatchStrictly` asks
@@ -164,9 +170,6 @@ class NSCalendar : public NSObject {
   NSCalendar(std::string identifier, std::shared_ptr<NSTimeZone> zone);
 
  private:
-  friend class NSDateComponents;
-  [[nodiscard]] bool areValid(const NSDateComponents& components) const noexcept;
-
   // The operations that may give nil, which they tell by a date that is not a number: it travels in
   // a register, where an optional takes a detour through memory.
   [[nodiscard]] NSDate addUnitToDate(NSCalendarUnit unit, NSInteger value, NSDate toDate,
@@ -174,6 +177,7 @@ class NSCalendar : public NSObject {
   [[nodiscard]] NSDate addComponentsToDate(const NSDateComponents& components, NSDate toDate,
                                            NSUInteger options) const noexcept;
   [[nodiscard]] NSDate resolveComponents(const NSDateComponents& components) const noexcept;
+  [[nodiscard]] NSDate resolveValidComponents(const NSDateComponents& components) const noexcept;
   [[nodiscard]] NSDate setUnitOfDate(NSCalendarUnit unit, NSInteger value, NSDate ofDate,
                                      NSUInteger options) const noexcept;
   [[nodiscard]] NSDate findDateAfterDate(NSDate date, const NSDateComponents& matchingComponents,

@@ -6,7 +6,7 @@
 namespace ORLFoundation {
 
 bool NSDateComponents::isValidDateInCalendar(const NSCalendar& calendar) const {
-  return calendar.areValid(*this);
+  return calendar.dateFromValidComponents(*this).has_value();
 }
 
 }  // namespace ORLFoundation

@@ -90,7 +90,7 @@ NSComparisonResult NSDecimal::compareUnlike(const NSDecimal& other) const noexce
 
 NSUInteger NSDecimal::hash() const noexcept {
   const NSDecimal value = compacted();
-  const auto place = static_cast<std::uint64_t>(value.place_ - 2 * kSmallestExponent);
+  const auto place = static_cast<std::uint64_t>(value.place_ - std::int64_t{2} * kSmallestExponent);
   return mixed(value.low_ ^ mixed(value.high_ ^ mixed(place)));
 }
 

@@ -17,7 +17,9 @@ namespace {
 
 /// A mark and all digits fit so many words.
 constexpr std::size_t kMostWords = 5;
-constexpr std::uint64_t kBase = 100'000'000;
+/// What one word and what two words count to.
+constexpr std::uint64_t kWord = 100'000'000;
+constexpr Wide kTwoWords = Wide{kWord} * kWord;
 
 /// What a text of digits with at most one mark reads as.
 struct Amount {
@@ -40,11 +42,11 @@ void takeOut(std::array<std::uint64_t, kWords>& words, std::size_t at, int bit) 
 template <std::size_t kWords>
 Wide valueOf(const std::array<std::uint64_t, kWords>& words) noexcept {
   if constexpr (kWords == 1) return valueOfDigits(words[0]);
-  if constexpr (kWords == 2) return valueOfDigits(words[0]) * kBase + valueOfDigits(words[1]);
+  if constexpr (kWords == 2) return valueOfDigits(words[0]) * kWord + valueOfDigits(words[1]);
   if constexpr (kWords == kMostWords) {
-    const std::uint64_t middle = valueOfDigits(words[1]) * kBase + valueOfDigits(words[2]);
-    const std::uint64_t last = valueOfDigits(words[3]) * kBase + valueOfDigits(words[4]);
-    return (Wide{valueOfDigits(words[0])} * (kBase * kBase) + middle) * (kBase * kBase) + last;
+    const std::uint64_t middle = valueOfDigits(words[1]) * kWord + valueOfDigits(words[2]);
+    const std::uint64_t last = valueOfDigits(words[3]) * kWord + valueOfDigits(words[4]);
+    return (Wide{valueOfDigits(words[0])} * kTwoWords + middle) * kTwoWords + last;
   }
 }
 

@@ -337,7 +337,7 @@ inline bool ORLFCivilWindows::gather(const WindowEnd& nearEnd, const WindowEnd& 
   return true;
 }
 
-bool ORLFCivilWindows::collectNext(Dates& window) {
+[[gnu::flatten]] bool ORLFCivilWindows::collectNext(Dates& window) {
   const WindowEnd& nearEnd = ends_[isNearFirst_ ? 0 : 1];
   WindowEnd& farEnd = ends_[isNearFirst_ ? 1 : 0];
   isNearFirst_ = !isNearFirst_;

@@ -104,8 +104,7 @@ void ORLFDateWalk::collectWindow(std::optional<NSDate> next) {
 void ORLFDateWalk::resolvePatterns(NSDate date, PeriodDates& into) {
   into.dates.clear();
   for (const NSDateComponents& pattern : expansion_.expand(date)) {
-    if (!pattern.isValidDateInCalendar(arguments_.calendar)) continue;
-    const std::optional<NSDate> resolved = arguments_.calendar.dateFromComponents(pattern);
+    const std::optional<NSDate> resolved = arguments_.calendar.dateFromValidComponents(pattern);
     if (resolved) into.dates.push_back(*resolved);
   }
   into.quiet = expansion_.quiet();

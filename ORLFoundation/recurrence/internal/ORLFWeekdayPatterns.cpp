@@ -40,7 +40,9 @@ void placeLastWeekday(const ORLFWeekdayEntry& entry, NSDateComponents& pattern,
     NSDateComponents inMonth = pattern;
     if (inMonth.month() == NSDateComponentUndefined)
       inMonth.setMonth(period.field(NSCalendarUnitMonth));
-    if (!period.isValid(inMonth)) pattern.setWeekdayOrdinal(last - 1);
+    const bool isValid = period.isValid(inMonth);
+    if (isValid && inMonth == pattern) return;
+    if (!isValid) pattern.setWeekdayOrdinal(last - 1);
   }
   checkValid(pattern, period, conditions);
 }

@@ -1,6 +1,7 @@
 #include <ORLFoundation/security/archives/AppleArchive.h>
 
 #include <ORLFoundation/platform/crypto/SecRandom.h>
+#include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/security/archives/AppleArchive_testing.h>
 #include <ORLFoundation/security/archives/FoundationError.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
@@ -152,6 +153,24 @@ TEST_F(AppleArchives, FailWithEachCaseOfFoundationError) {
   }
   EXPECT_THAT(rows[3].outcome.text, HasSubstr("missing"));
   EXPECT_THAT(names(), ElementsAre("file", "from", "sealed"));
+}
+
+TEST_F(AppleArchives, TellNoPasswordsInErrorsAndLogs) {
+  const LogCapture log;
+  const std::string password = "hush-hush";
+  ASSERT_EQ(::mkfifo(path("from/pipe").c_str(), 0600), 0);
+  ASSERT_TRUE(packQuickly(path("from"), path("a"), password).isGood());
+  std::string told = extractQuickly(path("a"), path("to"), password + "?").text;
+  write("cut", std::string_view(read("a")).substr(0, 700));
+  told += extractQuickly(path("cut"), path("to"), password).text;
+  told += extractQuickly(path("missing"), path("to"), password).text;
+  told += extractQuickly(path("from/a.txt"), path("to"), password).text;
+  told += packQuickly(path("from"), path("a"), password).text;
+  for (const std::string& line : log.lines()) told += line;
+  EXPECT_THAT(told, HasSubstr("Wrong password"));
+  EXPECT_THAT(told, HasSubstr("damaged"));
+  EXPECT_THAT(told, HasSubstr("from/pipe"));
+  EXPECT_THAT(told, testing::Not(HasSubstr("hush")));
 }
 
 class NoRandom final : public SecRandomSource {

@@ -54,11 +54,10 @@ class ContinuePlayer : public std::enable_shared_from_this<ContinuePlayer> {
       // Work that ends has handed its continuation to the main queue before the next step.
       const bool isAwaited = steps[i][0] == "end" && continueOnMain_.count(steps[i][1]) > 0;
       while (isAwaited && loop.waiting() == before) std::this_thread::yield();
-      // So it has to a busy queue, where nothing shows it.
-      if (steps[i][0] == "end" && states.at(i).empty())
-        std::this_thread::sleep_for(std::chrono::milliseconds(3));
+      waitForHandOvers();
       const auto difference = comeTo(states.at(i), steps[i][0] == "main");
       if (!difference.empty()) return "step " + std::to_string(i) + ": " + difference;
+      waitForHandOvers();
     }
     return {};
   }
@@ -67,8 +66,13 @@ class ContinuePlayer : public std::enable_shared_from_this<ContinuePlayer> {
     if (what == "main") return;  // Runs while its state is waited for.
     if (what == "end") {
       dispatch_semaphore_signal(gate(step[1]));
+      ended_.insert(step[1]);
     } else if (what == "orlfDispatch_async_continue") {
-      orlfDispatch_async_continue(queue(step[1]), callback(step[2]), queue(step[3]),
+      // A handle of its own, which goes when the work has handed its continuation over.
+      const auto handle = std::make_shared<dispatch_queue_t>(queue(step[3]));
+      if (!step[2].is_null()) handles_[step[2]] = handle;
+      orlfDispatch_async_continue(queue(step[1]), callback(step[2]),
+                                  *handle ? dispatch_queue_t(handle, handle->get()) : nullptr,
                                   callback(step[4]));
       if (step[3] == "main" && !step[4].is_null()) continueOnMain_.insert(step[2]);
     } else if (what == "orlfDispatch_async_continue_main") {
@@ -77,6 +81,18 @@ class ContinuePlayer : public std::enable_shared_from_this<ContinuePlayer> {
     } else {
       throw std::runtime_error("unknown step " + what);
     }
+  }
+  /// Returns when all work that has begun and was let end has handed its continuation over: to a
+  /// busy queue too, where nothing shows it.
+  void waitForHandOvers() {
+    for (const auto& [name, handle] : handles_) {
+      if (ended_.count(name) == 0 || !hasBegun(name)) continue;
+      while (!handle.expired()) std::this_thread::yield();
+    }
+  }
+  [[nodiscard]] bool hasBegun(const std::string& name) {
+    const std::lock_guard guard(lock_);
+    return hasEverBegun_.count(name) > 0;
   }
   [[nodiscard]] dispatch_queue_t queue(const Json& name) const {
     return name.is_null() ? nullptr : queues_.at(name);
@@ -100,6 +116,7 @@ class ContinuePlayer : public std::enable_shared_from_this<ContinuePlayer> {
       const std::lock_guard guard(lock_);
       if (runsOn == "main") return onMain_.push_back(name);
       began_.insert({name, runsOn});
+      hasEverBegun_.insert(name);
     }
     dispatch_semaphore_wait(gate(name), DISPATCH_TIME_FOREVER);
   }
@@ -127,7 +144,10 @@ class ContinuePlayer : public std::enable_shared_from_this<ContinuePlayer> {
 
   const Queues queues_ = newQueues();
   std::set<std::string> continueOnMain_;
+  std::set<std::string> ended_;
+  std::map<std::string, std::weak_ptr<dispatch_queue_t>> handles_;
   std::mutex lock_;
+  std::set<std::string> hasEverBegun_;
   std::map<std::string, dispatch_semaphore_t> gates_;
   std::set<std::pair<std::string, std::string>> began_;
   std::vector<std::string> onMain_;

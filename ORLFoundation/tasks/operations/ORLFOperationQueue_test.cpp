@@ -114,6 +114,22 @@ TEST_F(ORLFOperationQueueTest, OfTwoWithOneIDTheFirstIsCancelledAndTheSecondRuns
   queue_->waitUntilAllOperationsAreFinished();
 }
 
+TEST_F(ORLFOperationQueueTest, LooksAtItsOperationsOnAQueueOfItsOwnName) {
+  struct Asked final : NSOperation, ORLFSingleInstanceOperation {
+    std::optional<std::string> enqueuedSingleInstanceID() const override {
+      askedOn = dispatch_queue_get_label(nullptr);
+      return "a";
+    }
+    mutable std::string askedOn;
+  };
+  const auto asked = std::make_shared<Asked>();
+  queue_->setSuspended(true);
+  queue_->addOperation(asked);
+  queue_->cancelOperationForSingleInstanceID("a");
+  EXPECT_EQ(asked->askedOn, "com.orlsoftware.foundation.ORLFOperationQueue");
+  EXPECT_TRUE(asked->isCancelled());
+}
+
 TEST_F(ORLFOperationQueueTest, TwoWithOneIDInABatchBothRun) {
   const auto earlier = gated("a");
   const auto first = gated("a");

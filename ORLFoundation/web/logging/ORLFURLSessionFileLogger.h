@@ -58,14 +58,16 @@ class ORLFURLSessionFileLogger : public NSObject, public ORLFURLSessionLogger {
   [[nodiscard]] Processors errorProcessors() const;
   void setErrorProcessors(Processors processors);
 
-  /// `addRequestURLProcessor:` and the like. One that is added twice is applied twice. null raises
-  /// `NSInvalidArgumentException`.
+  /// `addRequestURLProcessor:`, `addRequestBodyProcessor:`, `addResponseBodyProcessor:`,
+  /// `addDownloadURLProcessor:`, `addErrorProcessor:`  One that is added twice is applied twice.
+  /// null raises `NSInvalidArgumentException`.
   void addRequestURLProcessor(const Processor& processor);
   void addRequestBodyProcessor(const Processor& processor);
   void addResponseBodyProcessor(const Processor& processor);
   void addDownloadURLProcessor(const Processor& processor);
   void addErrorProcessor(const Processor& processor);
-  /// `removeRequestURLProcessor:` and the like  Takes away all that equal it.
+  /// `removeRequestURLProcessor:`, `removeRequestBodyProcessor:`, `removeResponseBodyProcessor:`,
+  /// `removeDownloadURLProcessor:`, `removeErrorProcessor:`  Takes away all that equal it.
   void removeRequestURLProcessor(const Processor& processor);
   void removeRequestBodyProcessor(const Processor& processor);
   void removeResponseBodyProcessor(const Processor& processor);
@@ -82,9 +84,10 @@ class ORLFURLSessionFileLogger : public NSObject, public ORLFURLSessionLogger {
   /// `now`  The present moment in UTC, as "2026-11-12T11:08:06Z".
   [[nodiscard]] std::string now() const;
 
-  /// `redactRequestURL:` and the like  The text as it stands in the log: an address, a body, or the
-  /// description of an error. nil stays nil unless a processor makes a text of it. What a processor
-  /// throws on is left out: nil.
+  /// `redactRequestURL:`, `redactRequestBody:`, `redactResponseBody:`, `redactDownloadURL:`,
+  /// `redactError:`  The text as it stands in the log: an address, a body, or the description of an
+  /// error (its `debugDescription` is the same). nil stays nil unless a processor makes a text of
+  /// it. What a processor throws on is left out: nil.
   [[nodiscard]] std::optional<std::string> redactRequestURL(const std::optional<NSURL>& url) const;
   [[nodiscard]] std::optional<std::string> redactRequestBody(
       std::optional<std::string_view> body) const;

@@ -14,6 +14,7 @@
 
 #include "cli/failure.h"
 #include "cli/message_text.h"
+#include "progress/progress_screen.h"
 
 namespace orlftool {
 namespace {
@@ -136,6 +137,7 @@ WipedBytes readBytes(int file, const std::string& name, const HeldSignals* signa
 }
 
 WipedBytes ask(int terminal, const std::string& prompt) {
+  const ProgressPause pause;
   const HeldSignals held;
   const SilentTerminal silent(terminal);
   if (!held.areHeld() || !silent.isSilent())

@@ -84,6 +84,7 @@ Session atTerminal(const std::vector<std::string>& typed,
   if (::pipe(ends) != 0) throw std::runtime_error("no pipe");
   const pid_t child = ::forkpty(&terminal, nullptr, nullptr, nullptr);
   if (child == 0) {
+    std::signal(SIGINT, SIG_DFL);  // a background job may be told to ignore it
     const std::string given = work();
     static_cast<void>(!::write(ends[1], given.data(), given.size()));
     char byte = 0;

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 
 #include "progress/progress_text.h"
@@ -13,11 +14,16 @@ namespace {
 
 constexpr std::string_view kRowAbove = "\x1B[A\x1B[K";
 
+std::atomic<ProgressScreen*> presentScreen{nullptr};
+
 }  // namespace
 
-ProgressScreen::ProgressScreen(int descriptor) : descriptor_(descriptor) {}
+ProgressScreen::ProgressScreen(int descriptor) : descriptor_(descriptor) { presentScreen = this; }
 
-ProgressScreen::~ProgressScreen() { close(); }
+ProgressScreen::~ProgressScreen() {
+  presentScreen = nullptr;
+  close();
+}
 
 std::size_t ProgressScreen::columns() const {
   struct winsize size {};
@@ -28,7 +34,7 @@ std::size_t ProgressScreen::columns() const {
 
 void ProgressScreen::show(const std::string& line) {
   const std::lock_guard guard(lock_);
-  if (isClosed_ || line == shown_) return;
+  if (isClosed_ || isPaused_ || line == shown_) return;
   std::string output;
   erase(output);
   output += line;
@@ -51,6 +57,27 @@ void ProgressScreen::close() {
   erase(output);
   write(output);
   isClosed_ = true;
+}
+
+void ProgressScreen::pause() {
+  const std::lock_guard guard(lock_);
+  std::string output;
+  erase(output);
+  write(output);
+  isPaused_ = true;
+}
+
+void ProgressScreen::resume() {
+  const std::lock_guard guard(lock_);
+  isPaused_ = false;
+}
+
+ProgressPause::ProgressPause() : screen_(presentScreen) {
+  if (screen_ != nullptr) screen_->pause();
+}
+
+ProgressPause::~ProgressPause() {
+  if (screen_ != nullptr) screen_->resume();
 }
 
 void ProgressScreen::erase(std::string& output) {

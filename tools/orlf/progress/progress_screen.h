@@ -31,6 +31,9 @@ class ProgressScreen {
   void print(std::string_view lines);
   /// Takes the line away; none is shown from now on.
   void close();
+  /// Takes the line away until it is resumed.
+  void pause();
+  void resume();
 
  private:
   void erase(std::string& output);
@@ -39,8 +42,21 @@ class ProgressScreen {
   const int descriptor_;
   std::mutex lock_;
   std::string shown_;
-  bool isClosed_ = false;
+  bool isClosed_ = false, isPaused_ = false;
   const EndingSignals signals_;
+};
+
+/// Has the screen that there is, if there is one, show no line while this lives: for questions on
+/// the same terminal. Any thread; the screen is not to go meanwhile.
+class ProgressPause {
+ public:
+  ProgressPause();
+  ~ProgressPause();
+  ProgressPause(const ProgressPause&) = delete;
+  ProgressPause& operator=(const ProgressPause&) = delete;
+
+ private:
+  ProgressScreen* const screen_;
 };
 
 }  // namespace orlftool

@@ -15,6 +15,7 @@
 namespace {
 
 using orlftool::LineStreamBuffer;
+using orlftool::ProgressPause;
 using orlftool::ProgressScreen;
 using orlftool::TappedStreamBuffer;
 
@@ -86,11 +87,27 @@ TEST(ProgressScreen, TakesAwayAllRowsOfALineThatTheTerminalBroke) {
   EXPECT_EQ(pipe.take(), "\r\x1B[K\x1B[A\x1B[K\x1B[A\x1B[K");
 }
 
+TEST(ProgressScreen, ShowsNothingWhileItIsPaused) {
+  { const ProgressPause nothing; }
+  Pipe pipe;
+  ProgressScreen screen(pipe.in());
+  screen.show("line");
+  {
+    const ProgressPause pause;
+    screen.show("next");
+    screen.print("note\n");
+  }
+  EXPECT_EQ(pipe.take(), "line\r\x1B[Knote\n");
+  screen.show("next");
+  EXPECT_EQ(pipe.take(), "next");
+}
+
 TEST(ProgressScreen, TakesItsLineAwayBeforeASignalEndsTheProgram) {
   for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
     Pipe pipe;
     const pid_t child = ::fork();
     if (child == 0) {
+      std::signal(number, SIG_DFL);  // a background job may be told to ignore it
       ProgressScreen screen(pipe.in());
       screen.show("line");
       std::raise(number);
@@ -105,15 +122,14 @@ TEST(ProgressScreen, TakesItsLineAwayBeforeASignalEndsTheProgram) {
 
 TEST(ProgressScreen, LeavesSignalsAsTheyWere) {
   const auto before = std::signal(SIGHUP, SIG_IGN);
+  const auto interruptBefore = std::signal(SIGINT, SIG_DFL);
   {
     Pipe pipe;
     const ProgressScreen screen(pipe.in());
     std::raise(SIGHUP);
   }
   EXPECT_EQ(std::signal(SIGHUP, before), SIG_IGN);
-  struct sigaction action {};
-  ASSERT_EQ(::sigaction(SIGINT, nullptr, &action), 0);
-  EXPECT_EQ(action.sa_handler, SIG_DFL);
+  EXPECT_EQ(std::signal(SIGINT, interruptBefore), SIG_DFL);
 }
 
 TEST(ProgressStreams, GiveWholeLines) {

@@ -6,8 +6,12 @@
 #include <ORLFoundation/web/logging/ORLFURLSessionLogReplacement.h>
 #include <ORLFoundation/web/session/ORLFHTTPURLResponse.h>
 #include <ORLFoundation/web/session/ORLFURLSession.h>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -47,6 +51,17 @@ struct FetchArguments {
   bool ifNewer = false;
   std::vector<std::string> masks, headers, retries;
 };
+
+/// The logger tells nobody that it cannot write, so this is found out before it has to. A new file
+/// is for its user alone, as the logger would make it.
+void expectWritableLog(const NSURL& file) {
+  constexpr mode_t kForItsUserAlone = 0600;
+  const std::string path = file.path();
+  const int log = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY,
+                         kForItsUserAlone);
+  if (log < 0) throw JobFailure(path + ": cannot be written: " + std::strerror(errno));
+  ::close(log);
+}
 
 /// What the old file keeps its place for: the server has none that is newer.
 struct NothingNewer {};
@@ -126,8 +141,9 @@ class Fetch {
   }
   [[nodiscard]] std::shared_ptr<ORLFURLSessionFileLogger> makeLogger(
       const std::vector<HeaderField>& headers, const std::vector<HeaderField>& retries) const {
-    auto logger = std::make_shared<ORLFURLSessionFileLogger>(
-        fileURLOfArgument("--log", *arguments_.log), "orlf fetch");
+    const NSURL file = fileURLOfArgument("--log", *arguments_.log);
+    expectWritableLog(file);
+    auto logger = std::make_shared<ORLFURLSessionFileLogger>(file, "orlf fetch");
     for (const auto* fields : {&headers, &retries})
       for (const std::string& secret : secretsOf(*fields)) logger->addSecret(secret);
     logger->addSecret(passwordOf(url_));

@@ -177,6 +177,16 @@ TEST_F(FetchCommand, LogsNoPartOfCredentialsAndCookies) {
     EXPECT_THAT(log, Not(HasSubstr(secret)));
 }
 
+TEST_F(FetchCommand, SendsNothingWhereItCannotLog) {
+  script({});
+  for (const std::string& log : {path("missing/log"), path("")}) {
+    const auto run = runTool({"fetch", url("/a"), "--log", log});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_THAT(run.err, HasSubstr(": cannot be written: "));
+  }
+  EXPECT_TRUE(server().seen().empty());
+}
+
 TEST_F(FetchCommand, LogsNoPasswordOfAnAddressHoweverShort) {
   script({answer(200, "")});
   const std::string address = url("/a").insert(std::string("http://").size(), "ann:pw@");

@@ -19,7 +19,7 @@ using namespace ORLFoundation;
 
 void printModified(Session& session, const std::string& text) {
   const NSURL url = readAddressArgument(text);
-  if (shownAddress(url) == "data:") throw UsageFailure("URL: an address of data: tells of no date");
+  if (isDataAddress(url)) throw UsageFailure("URL: an address of data has no date");
   std::shared_ptr<const NSError> error;
   const auto date = ORLFURLSession::fetchLastModifiedDateForContentsOfURL(url, &error);
   if (!date && error) throw JobFailure(shownAddress(url) + ": " + failureText(*error));

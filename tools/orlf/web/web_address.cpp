@@ -51,9 +51,11 @@ std::string passwordOf(const NSURL& url) {
   return stringByRemovingPercentEncoding(password).value_or(password);
 }
 
+bool isDataAddress(const NSURL& url) { return lowerScheme(url) == "data"; }
+
 std::string shownAddress(const NSURL& url) {
   const std::string scheme = lowerScheme(url);
-  if (scheme == "data") return "data:";
+  if (isDataAddress(url)) return "data:...";
   std::string text = scheme + "://" + url.host().value_or("");
   if (const auto port = url.port()) text += ":" + std::to_string(*port);
   return oneLine(text + std::string(url.percentEncodedPath()));

@@ -238,13 +238,13 @@ Instant instantFromDay(const CalendarRules& rules, NSInteger day,
                  static_cast<double>(civil::floorModulo(nanosecond, kNanosecondsPerSecond)) * 1e-9};
 }
 
-bool areFieldsValid(const CalendarRules& rules, const NSDateComponents& fields) noexcept {
+Instant instantIfValid(const CalendarRules& rules, const NSDateComponents& fields) noexcept {
   const Instant instant = instantFromFields(rules, fields);
-  if (!instant.exists()) return false;
+  if (!instant.exists()) return Instant::none();
   NSDateComponents asked = fields;
   // Nanoseconds are finer than a date's own steps, so only their range is looked at.
   if (isSet(asked.nanosecond())) {
-    if (asked.nanosecond() < 0 || asked.nanosecond() > 999'999'999) return false;
+    if (!isWithin(asked.nanosecond(), 0, kNanosecondsPerSecond - 1)) return Instant::none();
     asked.setNanosecond(NSDateComponentUndefined);
   }
   // Beside a week of the year alone, the year is the one that the week is counted in; beside a
@@ -255,7 +255,7 @@ bool areFieldsValid(const CalendarRules& rules, const NSDateComponents& fields) 
     asked.setYear(NSDateComponentUndefined);
     asked.setEra(NSDateComponentUndefined);
   }
-  return matchesFields(rules, asked, instant);
+  return matchesFields(rules, asked, instant) ? instant : Instant::none();
 }
 
 bool matchesFields(const CalendarRules& rules, const NSDateComponents& fields,

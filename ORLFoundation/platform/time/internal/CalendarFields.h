@@ -31,9 +31,9 @@ namespace ORLFoundation::internal::time {
                                      const NSDateComponents& fields) noexcept;
 /// Whether the fields tell a day by its week of the year rather than by its month.
 [[nodiscard]] bool isNamedByWeekOfYear(const NSDateComponents& fields) noexcept;
-/// Whether the set fields are those of the instant that they resolve to.
-[[nodiscard]] bool areFieldsValid(const CalendarRules& rules,
-                                  const NSDateComponents& fields) noexcept;
+/// The instant that the fields resolve to; none unless it shows every set field.
+[[nodiscard]] Instant instantIfValid(const CalendarRules& rules,
+                                     const NSDateComponents& fields) noexcept;
 /// Whether the instant shows every set field.
 [[nodiscard]] bool matchesFields(const CalendarRules& rules, const NSDateComponents& fields,
                                  Instant instant) noexcept;
