@@ -1,15 +1,21 @@
 """The record of the sources that clang-tidy passed, and what is left for it to read.
 
-A line of the record holds a hash and a source. The hash is that of the source, of the headers of
-ours that it includes, directly or not, and of the configuration.
+A line of the record holds two hashes and a source. The first hash is that of the source, of the
+headers of ours that it includes, directly or not, and of the configuration. The second leaves out
+all headers but the source's own, so that a change of a header that many include does not have all
+of them read again at once.
 """
 
 import hashlib
 import re
+from pathlib import Path
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*[<"]([^>"]+)[>"]', re.MULTILINE)
 PROOFS = re.compile(r"_(test|benchmark|fuzz)\.cpp$")
-HEAD = "# Sources that passed, each with a hash of what clang-tidy saw. Written by make check-all.\n"
+HEAD = """\
+# Sources that passed: a hash of what clang-tidy saw, one of the source and its header, the source.
+# Written by make check-all.
+"""
 
 
 def sources_of(root):
@@ -49,25 +55,43 @@ class Hashes:
                 waiting += self.headers_of(name)
         return sorted(seen)
 
-    def of(self, source):
+    def own_files_of(self, source):
+        """The source and the header of its class: that of A_more.cpp is A.h."""
+        place = Path(source)
+        header = place.with_name(place.stem.partition("_")[0] + ".h")
+        return [source] + [header.as_posix()] * (self.root / header).is_file()
+
+    def hash_of(self, names):
         digest = hashlib.sha256(self.configuration.encode())
-        for name in self.files_of(source):
+        for name in names:
             digest.update(f"\0{name}\0{self.text(name)}".encode())
         return digest.hexdigest()[:16]
 
+    def of(self, source):
+        """What clang-tidy sees, and of that the source's own."""
+        return self.hash_of(self.files_of(source)), self.hash_of(self.own_files_of(source))
+
 
 def read_record(text):
-    """Source to hash."""
+    """Source to hashes."""
     rows = (line.split() for line in text.splitlines() if line and not line.startswith("#"))
-    return {source: digest for digest, source in rows}
+    return {source: (seen, own) for seen, own, source in rows}
 
 
 def record_text(hashes):
-    return HEAD + "".join(f"{digest} {source}\n" for source, digest in sorted(hashes.items()))
+    return HEAD + "".join(f"{seen} {own} {source}\n" for source, (seen, own) in sorted(hashes.items()))
 
 
 def changed(hashes, record):
-    return [source for source, digest in sorted(hashes.items()) if record.get(source) != digest]
+    """The sources that are new or have changed themselves."""
+    return [source for source, (_, own) in sorted(hashes.items())
+            if source not in record or record[source][1] != own]
+
+
+def record_with(hashes, record, passed):
+    """The record of what stands in it and has not changed itself, with what has passed since."""
+    found = {source: record[source] for source in set(hashes) - set(changed(hashes, record))}
+    return {**found, **{source: both for source, both in hashes.items() if source in passed}}
 
 
 def tenth(sources, commit):
