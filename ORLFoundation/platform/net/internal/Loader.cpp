@@ -159,6 +159,7 @@ void Loader::start(const std::shared_ptr<LoadingTask>& task) {
   if (task->isCancelled() || isInvalidated_) return recipient->ended(failure(NSURLErrorCancelled));
   TransferPlan plan = planOf(*task->request(), *configuration_);
   if (plan.failure) return recipient->ended(failure(*plan.failure));
+  const auto lastTime = timeAfter(steady_clock::now(), plan.resourceTimeout);
   std::unique_ptr<Transfer> transfer;
   if (plan.isLocal) {
     auto local = std::make_unique<LocalLoad>(*this, task, std::move(recipient));
@@ -169,8 +170,8 @@ void Loader::start(const std::shared_ptr<LoadingTask>& task) {
     transfer = std::make_unique<Exchange>(*this, task, std::move(recipient), std::move(plan));
     transfer->origin = std::move(origin);
   }
-  transfer->lastTime = timeAfter(steady_clock::now(), plan.resourceTimeout);
-  askAt(transfer->lastTime);
+  transfer->lastTime = lastTime;
+  askAt(lastTime);
   Transfer& held = *transfer;
   transfers_.emplace(task.get(), std::move(transfer));
   admit(held);
