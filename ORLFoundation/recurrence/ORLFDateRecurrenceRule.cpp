@@ -96,10 +96,11 @@ bool ORLFDateRecurrenceRule::isSimpleRecurrence() const noexcept {
 
 std::shared_ptr<ORLFDateRecurrenceRule> ORLFDateRecurrenceRule::copySimpleRecurrence() {
   if (isSimpleRecurrence()) return receiver();
+  const Recurrence fields{.frequency = fields_.frequency,
+                          .interval = fields_.interval,
+                          .anchorIndex = fields_.interval};
   auto simple = newObjectAs<Rule>();
-  simple->fields_ = {.frequency = fields_.frequency,
-                     .interval = fields_.interval,
-                     .anchorIndex = fields_.interval};
+  simple->fields_ = fields;
   return simple;
 }
 

@@ -1,6 +1,7 @@
 #include <ORLFoundation/platform/crypto/AESGCM.h>
 
 #include <ORLFoundation/platform/crypto/SecRandom.h>
+#include <ORLFoundation/platform/crypto/internal/OpenSSLState.h>
 #include <openssl/evp.h>
 
 #include <limits>
@@ -37,6 +38,7 @@ bool isCountable(std::span<const std::uint8_t> bytes) {
 CipherContext begin(const AES::GCM::SealedBox& box, const SymmetricKey& key, bool seals,
                     std::span<const std::uint8_t> authenticating) {
   const EVP_CIPHER* const cipher = sealingCipherForKey(key.bytes().size());
+  internal::crypto::keepOpenSSLState();
   CipherContext context(EVP_CIPHER_CTX_new());
   int count = 0;
   const bool isReady = cipher != nullptr && context && isCountable(authenticating) &&

@@ -1,5 +1,6 @@
 #include <ORLFoundation/platform/crypto/CommonCrypto.h>
 
+#include <ORLFoundation/platform/crypto/internal/OpenSSLState.h>
 #include <ORLFoundation/platform/crypto/internal/PasswordKey.h>
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
@@ -77,6 +78,7 @@ bool runCipher(EVP_CIPHER_CTX* context, const CCCryptData& data, std::size_t& mo
 CCCryptorStatus CCCrypt(const CCCryptData& data, std::size_t& moved) {
   moved = 0;
   if (const CCCryptorStatus status = checkCrypt(data); status != kCCSuccess) return status;
+  internal::crypto::keepOpenSSLState();
   const BlockCipherContext context(EVP_CIPHER_CTX_new());
   if (!context) return kCCMemoryFailure;
   constexpr std::array<std::uint8_t, kCCBlockSizeAES128> kZeros{};

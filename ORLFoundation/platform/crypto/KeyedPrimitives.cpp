@@ -1,5 +1,6 @@
 #include <ORLFoundation/platform/crypto/KeyedPrimitives.h>
 
+#include <ORLFoundation/platform/crypto/internal/OpenSSLState.h>
 #include <openssl/core_names.h>
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
@@ -25,6 +26,7 @@ struct FreeCounterCipher {
 constexpr std::size_t kMostAtOnce = std::size_t{1} << 30;
 
 EVP_MAC* keyedHash() {
+  keepOpenSSLState();
   static EVP_MAC* const hash = EVP_MAC_fetch(nullptr, "HMAC", nullptr);
   return hash;
 }
@@ -37,6 +39,7 @@ void check(bool isDone) {
 }  // namespace
 
 SHA256Digest sha256(ByteSpan bytes) {
+  keepOpenSSLState();
   SHA256Digest digest{};
   static_cast<void>(SHA256(bytes.data(), bytes.size(), digest.data()));
   return digest;
@@ -77,6 +80,7 @@ void deriveKey(ByteSpan secret, ByteSpan salt, ByteSpan info, std::span<std::uin
 
 bool deriveKeyFromPassword(ByteSpan password, ByteSpan salt, const ScryptCost& cost,
                            std::uint64_t mostMemory, std::span<std::uint8_t> key) {
+  keepOpenSSLState();
   const std::uint8_t none = 0;
   const auto* const text =
       reinterpret_cast<const char*>(password.empty() ? &none : password.data());
@@ -85,6 +89,7 @@ bool deriveKeyFromPassword(ByteSpan password, ByteSpan salt, const ScryptCost& c
 }
 
 void cryptInCounterMode(ByteSpan key, ByteSpan counter, std::span<std::uint8_t> bytes) {
+  keepOpenSSLState();
   const std::unique_ptr<EVP_CIPHER_CTX, FreeCounterCipher> context(EVP_CIPHER_CTX_new());
   check(context && EVP_EncryptInit_ex(context.get(), EVP_aes_256_ctr(), nullptr, key.data(),
                                       counter.data()) == 1);

@@ -1,5 +1,6 @@
 #include <ORLFoundation/platform/crypto/SecKey.h>
 
+#include <ORLFoundation/platform/crypto/internal/OpenSSLState.h>
 #include <openssl/evp.h>
 #include <openssl/rsa.h>
 #include <openssl/x509.h>
@@ -24,6 +25,7 @@ struct FreeDigest {
 
 /// Null for bytes that are no key, or go on behind it.
 Key keyIn(const NSData& data) {
+  internal::crypto::keepOpenSSLState();
   const std::span<const std::uint8_t> bytes = data.bytes();
   const auto read = [bytes](auto reader) -> Key {
     const std::uint8_t* at = bytes.data();

@@ -1,6 +1,7 @@
 #include <ORLFoundation/platform/crypto/SecRandom.h>
 
 #include <ORLFoundation/platform/base/Replaceable.h>
+#include <ORLFoundation/platform/crypto/internal/OpenSSLState.h>
 #include <openssl/rand.h>
 
 #include <algorithm>
@@ -14,6 +15,7 @@ namespace {
 class OpenSSLRandomSource final : public SecRandomSource {
  public:
   bool copyBytes(std::span<std::uint8_t> bytes) override {
+    internal::crypto::keepOpenSSLState();
     // OpenSSL counts in `int`.
     constexpr std::size_t kMostAtOnce = std::numeric_limits<int>::max();
     while (!bytes.empty()) {

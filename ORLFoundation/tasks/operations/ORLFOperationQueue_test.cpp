@@ -128,6 +128,8 @@ TEST_F(ORLFOperationQueueTest, LooksAtItsOperationsOnAQueueOfItsOwnName) {
   queue_->cancelOperationForSingleInstanceID("a");
   EXPECT_EQ(asked->askedOn, "com.orlsoftware.foundation.ORLFOperationQueue");
   EXPECT_TRUE(asked->isCancelled());
+  queue_->setSuspended(false);
+  queue_->waitUntilAllOperationsAreFinished();
 }
 
 TEST_F(ORLFOperationQueueTest, TwoWithOneIDInABatchBothRun) {

@@ -22,6 +22,7 @@ TEST_F(EndingSignalsTest, TakeAwayAFileThatIsNotFinished) {
   write("file", "old");
   for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
     const std::string told = orlftest::inChild([&]() -> std::string {
+      std::signal(number, SIG_DFL);  // which jobs in the background may begin without
       const EndingSignals signals;
       orlftool::writeFileAtomically(path("file"), [&](const std::string& beside) {
         std::ofstream(beside) << "half";
@@ -36,6 +37,12 @@ TEST_F(EndingSignalsTest, TakeAwayAFileThatIsNotFinished) {
 }
 
 TEST_F(EndingSignalsTest, AreAsTheyWereAfterwards) {
+  const auto actionOf = [](int number) {
+    struct sigaction action {};
+    EXPECT_EQ(::sigaction(number, nullptr, &action), 0);
+    return action.sa_handler;
+  };
+  const auto interrupt = actionOf(SIGINT), end = actionOf(SIGTERM);
   const auto before = std::signal(SIGHUP, SIG_IGN);
   {
     const EndingSignals signals;
@@ -43,11 +50,8 @@ TEST_F(EndingSignalsTest, AreAsTheyWereAfterwards) {
     std::raise(SIGHUP);  // who ignored it goes on ignoring it
   }
   EXPECT_EQ(std::signal(SIGHUP, before), SIG_IGN);
-  for (const int number : {SIGINT, SIGTERM}) {
-    struct sigaction action {};
-    ASSERT_EQ(::sigaction(number, nullptr, &action), 0);
-    EXPECT_EQ(action.sa_handler, SIG_DFL);
-  }
+  EXPECT_EQ(actionOf(SIGINT), interrupt);
+  EXPECT_EQ(actionOf(SIGTERM), end);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <ORLFoundation/platform/crypto/internal/PasswordKey.h>
 
+#include <ORLFoundation/platform/crypto/internal/OpenSSLState.h>
 #include <openssl/crypto.h>
 #include <openssl/sha.h>
 
@@ -94,6 +95,7 @@ class KeyedHash {
 
 void deriveKeyOverSHA1(std::string_view password, std::span<const std::uint8_t> salt,
                        std::uint32_t rounds, std::span<std::uint8_t> key) {
+  keepOpenSSLState();
   KeyedHash hash(password);
   Digest sum{};
   for (std::uint32_t number = 1; !key.empty(); ++number) {
