@@ -112,6 +112,7 @@ printf 'wrong horse' | "$orlf" store get "$output/passwords.store" bank ann --pa
 
 say "A file watched over an atomic save: a new file is written beside it and renamed to its name"
 printf 'old\n' >"$output/watched.txt"
+: >"$output/watch.txt"  # what an earlier run has left says "started" too
 "$orlf" watch "$output/watched.txt" --once >"$output/watch.txt" &
 watcher=$!
 until grep -q started "$output/watch.txt"; do sleep 0.05; done
@@ -122,6 +123,7 @@ printf '$ orlf watch watched.txt --once &\n$ mv watched.txt.new watched.txt\n'
 cat "$output/watch.txt"
 
 say "A statement fetched from a bank that wants a token: the log shows neither it nor the password"
+: >"$output/port.txt"
 python3 "$here/bank_server.py" >"$output/port.txt" &
 bank=$!
 trap 'kill "$bank" 2>/dev/null || :' EXIT
