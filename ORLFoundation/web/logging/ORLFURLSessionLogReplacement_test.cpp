@@ -115,8 +115,10 @@ TEST(ORLFURLSessionLogReplacement, TakesLinearTimeWhateverTheText) {
   const std::string quotes(size, '"');
   const std::string blanks = "\"password\"" + std::string(size, ' ');
   const std::string value = "\"password\":" + std::string(size, 'x');
-  std::string keys;  // a body of 100 MB
-  while (keys.size() < size * 25) keys += "\"password\"";
+  // A body of 100 MB. A sanitizer looks through all that is left of a text at each search in it.
+  const std::size_t keysSize = size * (orlftest::kIsSanitized ? 1 : 25);
+  std::string keys;
+  while (keys.size() < keysSize) keys += "\"password\"";
   const double seconds = orlftest::processorSecondsOf([&] {
     EXPECT_EQ(mask->process(quotes), quotes);
     EXPECT_EQ(mask->process(blanks), blanks);
