@@ -279,6 +279,9 @@ void Loader::sleep() {
   // Up to the next millisecond, so that the time is past when the sleep ends.
   if (nextQuestion_ < now + span)
     span = std::chrono::ceil<std::chrono::milliseconds>(std::max(nextQuestion_, now) - now);
+  // What has been read for one stream of a connection may hold another's: no socket tells of it.
+  constexpr std::chrono::milliseconds kLongestSleepOfStreams(50);
+  if (!transfers_.empty()) span = std::min(span, kLongestSleepOfStreams);
   curl_multi_poll(multi_, nullptr, 0, static_cast<int>(span.count()), nullptr);
 }
 
