@@ -59,10 +59,15 @@ std::string bytesOfLooseBase64Text(std::string_view text) {
 
 std::optional<std::string> bytesOfBase64Text(std::string_view text) {
   if (text.size() % kGroupDigits != 0) return std::nullopt;
-  std::string bytes = bytesOfLooseBase64Text(text);
-  // What is written in another way than it would be written again is not taken.
-  if (base64Text(bytes) != text) return std::nullopt;
-  return bytes;
+  const std::size_t filling = text.ends_with("==") ? 2 : text.ends_with('=') ? 1 : 0;
+  const std::string_view digits = text.substr(0, text.size() - filling);
+  // Looked at before anything is decoded: of a malformed key's text nothing stays in memory.
+  if (!std::all_of(digits.begin(), digits.end(), [](char c) { return base64DigitValue(c) >= 0; }))
+    return std::nullopt;
+  const int bitsBehind =
+      filling > 0 ? base64DigitValue(digits.back()) & ((1 << 2 * filling) - 1) : 0;
+  if (bitsBehind != 0) return std::nullopt;
+  return bytesOfLooseBase64Text(digits);
 }
 
 }  // namespace ORLFoundation::internal::base

@@ -46,6 +46,22 @@ TEST(Base64, ReadsNoTextButItsOwn) {
   for (const std::string_view text : rows) EXPECT_EQ(bytesOfBase64Text(text), std::nullopt) << text;
 }
 
+// By its definition, over short texts of few characters.
+TEST(Base64, ReadsWhatIsWrittenAgainAsItStands) {
+  std::mt19937 random(11);
+  const std::string_view some = "AQgwZ8/=\n";
+  int taken = 0;
+  for (int round = 0; round < 20000; ++round) {
+    std::string text(random() % 13, '\0');
+    for (char& c : text) c = some[random() % some.size()];
+    const std::string loose = bytesOfLooseBase64Text(text);
+    const bool isOwn = base64Text(loose) == text;
+    EXPECT_EQ(bytesOfBase64Text(text), isOwn ? std::optional(loose) : std::nullopt) << text;
+    taken += isOwn ? 1 : 0;
+  }
+  EXPECT_GT(taken, 1000);
+}
+
 TEST(Base64, ACharacterOfTheAlphabetHasItsPlaceAsItsValue) {
   int known = 0;
   for (int byte = 0; byte < 256; ++byte) known += base64DigitValue(static_cast<char>(byte)) >= 0;
