@@ -1,9 +1,9 @@
 #include "web/field_mask.h"
 
+#include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/base/Hexadecimal.h>
 
 #include <algorithm>
-#include <cctype>
 
 namespace orlftool {
 namespace {
@@ -14,13 +14,8 @@ constexpr std::string_view kJSONBlanks = " \t\r\n";
 constexpr std::string_view kBeforeNames = "&?;#= \t\r\n\"'<>{},()";
 constexpr std::string_view kAfterValues = "&#\r\n\"'<>";
 
-std::string lowered(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return text;
-}
-
-int digit(char c) { return ORLFoundation::internal::base::hexDigitValue(c); }
+using ORLFoundation::internal::base::hexDigitValue;
+using ORLFoundation::internal::base::lowerASCII;
 
 /// Behind the closing quote of the text that begins at a quote; the end where there is none.
 std::size_t endOfJSONText(std::string_view text, std::size_t at) {
@@ -46,10 +41,13 @@ std::string meaningOfJSONText(std::string_view inside) {
       meaning += inside[at];
     } else {
       int code = 0;
-      for (std::size_t i = 1; i <= kDigits && at + i < inside.size(); ++i)
-        code = code * 16 + std::max(digit(inside[at + i]), 0);
+      for (std::size_t digits = 0; digits < kDigits && at + 1 < inside.size(); ++digits) {
+        const int digit = hexDigitValue(inside[at + 1]);
+        if (digit < 0) break;
+        code = code * 16 + digit;
+        ++at;
+      }
       if (code > 0 && code < 0x80) meaning += static_cast<char>(code);
-      at += kDigits;
     }
   }
   return meaning;
@@ -82,10 +80,10 @@ std::size_t endOfJSONValue(std::string_view text, std::size_t at) {
 std::string meaningOfFormName(std::string_view name) {
   std::string meaning;
   for (std::size_t at = 0; at < name.size(); ++at) {
-    const bool isEscape = name[at] == '%' && at + 2 < name.size() && digit(name[at + 1]) >= 0 &&
-                          digit(name[at + 2]) >= 0;
+    const bool isEscape = name[at] == '%' && at + 2 < name.size() &&
+                          hexDigitValue(name[at + 1]) >= 0 && hexDigitValue(name[at + 2]) >= 0;
     if (isEscape) {
-      meaning += static_cast<char>(digit(name[at + 1]) * 16 + digit(name[at + 2]));
+      meaning += static_cast<char>(hexDigitValue(name[at + 1]) * 16 + hexDigitValue(name[at + 2]));
       at += 2;
     } else {
       meaning += name[at] == '+' ? ' ' : name[at];
@@ -99,13 +97,13 @@ std::string meaningOfFormName(std::string_view name) {
 FieldMask::FieldMask(const std::vector<std::string>& names) {
   constexpr std::size_t kEscapedCharacter = 6, kQuotes = 2;
   for (const std::string& name : names) {
-    names_.push_back(lowered(name));
+    names_.push_back(lowerASCII(name));
     mostNameBytes_ = std::max(mostNameBytes_, name.size() * kEscapedCharacter + kQuotes);
   }
 }
 
-bool FieldMask::isMasked(std::string name) const {
-  const std::string text = lowered(std::move(name));
+bool FieldMask::isMasked(std::string_view name) const {
+  const std::string text = lowerASCII(name);
   return std::any_of(names_.begin(), names_.end(), [&](const std::string& each) {
     return text == each || text.ends_with("[" + each + "]");
   });
@@ -118,11 +116,13 @@ std::optional<std::string> FieldMask::process(std::optional<std::string> string)
 
 /// Every quote may be the first of a name, also one that ends a text or is escaped in one: who
 /// writes a quote too many before the field does not show its value by it. Of escaped ones names of
-/// no more than some length are looked at, so that the time stays in proportion to the text.
+/// no more than some length are looked at, so that the time stays in proportion to the text. The
+/// mask ends with a quote, whatever the value ended with, and what follows is read as it will be
+/// read with the mask in front: masking again changes nothing.
 std::string FieldMask::withoutJSONValues(std::string_view text) const {
   std::string masked;
-  std::size_t kept = 0, end = 0, colon = 0;
-  for (std::size_t at = text.find('"'); at != std::string_view::npos; at = text.find('"', at)) {
+  std::size_t kept = 0, end = 0, colon = 0, at = text.find('"');
+  while (at != std::string_view::npos) {
     const bool isEscaped = at + 1 < end;
     if (!isEscaped) {
       end = endOfJSONText(text, at);
@@ -131,15 +131,15 @@ std::string FieldMask::withoutJSONValues(std::string_view text) const {
     const bool isName = colon < text.size() && text[colon] == ':' &&
                         (!isEscaped || end - at <= mostNameBytes_) &&
                         isMasked(meaningOfJSONText(text.substr(at + 1, end - at - 2)));
-    ++at;
-    if (!isName) continue;
+    if (!isName) {
+      at = text.find('"', at + 1);
+      continue;
+    }
     const std::size_t value = withoutBlanks(text, colon + 1);
-    const std::size_t endOfValue = endOfJSONValue(text, value);
     masked += text.substr(kept, value - kept);
     masked += "\"" + std::string(kMask) + "\"";
-    kept = endOfValue;
-    const bool isText = value < text.size() && text[value] == '"';
-    at = isText ? endOfValue - 1 : endOfValue;
+    kept = endOfJSONValue(text, value);
+    at = kept - 1;
   }
   return masked + std::string(text.substr(kept));
 }

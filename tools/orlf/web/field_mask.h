@@ -27,7 +27,7 @@ class FieldMask final : public ORLFoundation::ORLFURLSessionLogProcessor {
   [[nodiscard]] std::optional<std::string> process(std::optional<std::string> string) override;
 
  private:
-  [[nodiscard]] bool isMasked(std::string name) const;
+  [[nodiscard]] bool isMasked(std::string_view name) const;
   [[nodiscard]] std::string withoutJSONValues(std::string_view text) const;
   [[nodiscard]] std::string withoutFormValues(std::string_view text) const;
 
