@@ -3,11 +3,16 @@
 ///
 ///     struct Host {
 ///       using Bridge = ...;
-///       class Modal { explicit Modal(Host&); void run(); void quit(); };  // a loop within the
-///       loop void run();                                     // until quit void quit(); void
-///       after(int milliseconds, std::function<void()> call); int wakesWhileIdle(int milliseconds);
-///       // but for its own bool servesOnAThreadOfItsOwn();                 // an item there, as on
-///       the main thread
+///       class Modal {  // a loop within the loop
+///         explicit Modal(Host&);
+///         void run();
+///         void quit();
+///       };
+///       void run();  // until quit
+///       void quit();
+///       void after(int milliseconds, std::function<void()> call);
+///       int wakesWhileIdle(int milliseconds);  // but for its own
+///       bool servesOnAThreadOfItsOwn();        // an item there, as on the main thread
 ///     };
 #pragma once
 

@@ -51,6 +51,24 @@ def piped(*arguments):
                           capture_output=True, check=True)
 
 
+def without_streams():
+    """What stands in the place of standard streams that are closed, and how a run without ends."""
+    def start(seconds):
+        return subprocess.Popen([ORLF, "progress-demo", "--seconds", seconds],
+                                preexec_fn=lambda: [os.close(number) for number in (0, 1, 2)])
+
+    with start("600") as process:
+        folder = f"/proc/{process.pid}/fd/"
+        end = time.monotonic() + DEADLINE
+        # Three for the streams, and what the tool makes for itself.
+        while len(os.listdir(folder)) < 4 and time.monotonic() < end:
+            time.sleep(0.01)
+        places = [os.readlink(folder + str(number)) for number in (0, 1, 2)]
+        process.kill()
+    with start("0") as process:
+        return places, process.wait(DEADLINE)
+
+
 def slow_table(folder):
     """A table that comes in pieces: its rows, and the run that reads it."""
     path = os.path.join(folder, "slow.csv")
@@ -82,7 +100,7 @@ def long_mirror(folder):
 
 
 MIRRORED = 20000
-POOL = ThreadPoolExecutor(13)
+POOL = ThreadPoolExecutor(15)
 IN_MEMORY = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
 FOLDER = tempfile.TemporaryDirectory(dir=IN_MEMORY)
 RUNS = {
@@ -95,6 +113,8 @@ RUNS = {
     "quiet": POOL.submit(demo, "--quiet"),
     "failing": POOL.submit(demo, "--fail"),
     "short": POOL.submit(demo, seconds="0"),
+    "narrowest": POOL.submit(demo, columns=1),
+    "closed": POOL.submit(without_streams),
     "piped": POOL.submit(piped),
     "piped quietly": POOL.submit(piped, "--quiet"),
     "table": POOL.submit(slow_table, FOLDER.name),
@@ -122,6 +142,13 @@ class Progress(unittest.TestCase):
 
     def test_fits_two_hundred_columns_with_bar_and_rate(self):
         self.check_line(run_of("wide"), 200, rb"^[|/\\-] \S.* \[#+-*\] +\d+%  \d+/s$")
+
+    def test_writes_nothing_into_a_single_column(self):
+        self.assertEqual(run_of("narrowest").written, b"")
+        self.assertEqual(run_of("narrowest").output, RESULT)
+
+    def test_gives_the_places_of_closed_streams_to_no_file(self):
+        self.assertEqual(run_of("closed"), (["/dev/null"] * 3, 1))
 
     def test_turns_its_spinner_and_names_each_part(self):
         frames = b"\n".join(run_of("wide").frames())

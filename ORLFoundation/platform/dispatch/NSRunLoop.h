@@ -80,7 +80,8 @@ class NSRunLoop final : public NSObject {
   /// alone.
   void addTimer(const std::shared_ptr<NSTimer>& timer, const std::string& forMode);
   /// Calls the block, with what poll(2) reports, each time the loop finds the descriptor ready for
-  /// one of the events, hung up or in error.
+  /// one of the events, hung up or in error. An empty block is not called; nothing comes for a
+  /// negative descriptor.
   [[nodiscard]] std::shared_ptr<NSRunLoopDescriptor> addDescriptor(
       int descriptor, short events, const std::string& forMode,
       std::function<void(short events)> block);

@@ -1,8 +1,9 @@
 /// A call at a time, once or again and again, made by a run loop on its thread. The loop owns the
 /// timer as long as it is valid, and the timer its target.
 ///
-///     const auto timer = NSTimer::timerWithTimeInterval(0.01, false, [view](NSTimer&) {
-///     view->show(); }); NSRunLoop::mainRunLoop()->addTimer(timer, NSRunLoopCommonModes);
+///     const auto show = [view](NSTimer&) { view->show(); };
+///     const auto timer = NSTimer::timerWithTimeInterval(0.01, false, show);
+///     NSRunLoop::mainRunLoop()->addTimer(timer, NSRunLoopCommonModes);
 #pragma once
 
 #include <ORLFoundation/platform/dispatch/NSSelector.h>

@@ -43,7 +43,8 @@ bool DispatchSemaphore::waitUntil(dispatch_time_t timeout) {
 
 bool DispatchSemaphore::signal() {
   const std::lock_guard guard(lock_);
-  ++value_;
+  if (__builtin_add_overflow(value_, 1, &value_))
+    ORLFFatalError("the count of a semaphore overflows", __FILE__, __LINE__);
   hasCount_.notify_one();
   return value_ <= waiting_;
 }

@@ -43,7 +43,7 @@ using dispatch_semaphore_t = std::shared_ptr<DispatchSemaphore>;
 /// nothing: neither the main queue nor its run loop.
 std::int64_t dispatch_semaphore_wait(const dispatch_semaphore_t& semaphore,
                                      dispatch_time_t timeout);
-/// Adds one. Other than 0 when that wakes a thread.
+/// Adds one. Other than 0 when that wakes a thread. A count past 64 bits is a fatal error.
 std::int64_t dispatch_semaphore_signal(const dispatch_semaphore_t& semaphore);
 
 }  // namespace ORLFoundation

@@ -86,5 +86,12 @@ TEST(dispatch_semaphoreDeathTest, NilIsFatal) {
   EXPECT_DEATH(dispatch_semaphore_wait(nullptr, DISPATCH_TIME_NOW), "a semaphore that is nil");
 }
 
+TEST(dispatch_semaphoreDeathTest, ACountThatOverflowsIsFatal) {
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  const auto full = dispatch_semaphore_create(INT64_MAX - 1);
+  EXPECT_EQ(dispatch_semaphore_signal(full), 0);
+  EXPECT_DEATH(dispatch_semaphore_signal(full), "the count of a semaphore overflows");
+}
+
 }  // namespace
 }  // namespace ORLFoundation

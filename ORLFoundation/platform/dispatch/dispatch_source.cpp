@@ -63,7 +63,15 @@ class Source final : public std::enable_shared_from_this<Source> {
     dispatch_async(queue_, [self = shared_from_this()] { self->handle(); });
   }
   void handle() {
-    if (!isCancelled() && onEvent_) onEvent_();
+    try {
+      if (!isCancelled() && onEvent_) onEvent_();
+    } catch (...) {  // Out of the main queue: the source goes on.
+      concludeHandling();
+      throw;
+    }
+    concludeHandling();
+  }
+  void concludeHandling() {
     {
       const std::lock_guard guard(lock_);
       isHandling_ = false;

@@ -33,7 +33,8 @@ enum dispatch_source_type_t : std::int64_t {
                                                        const dispatch_queue_t& queue);
 /// The handlers, each called on the queue; to be set before the source is resumed. The event
 /// handler is called once the descriptor is ready, and again as long as it still is when the
-/// handler has returned; never twice at a time, even on a concurrent queue.
+/// handler has returned; never twice at a time, even on a concurrent queue. What it throws ends the
+/// process, but on the main queue, out of which it comes; the source goes on.
 void dispatch_source_set_event_handler(const dispatch_source_t& source, dispatch_block_t block);
 void dispatch_source_set_cancel_handler(const dispatch_source_t& source, dispatch_block_t block);
 /// How many bytes can be read without waiting; 0 for a source that waits for something else.

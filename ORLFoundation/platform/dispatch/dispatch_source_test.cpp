@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/dispatch/dispatch_source.h>
 
+#include <ORLFoundation/platform/dispatch/NSMainQueue.h>
 #include <ORLFoundation/platform/dispatch/dispatch_semaphore_testing.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,6 +10,7 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <stdexcept>
 #include <string>
 #include <thread>
 
@@ -166,6 +168,27 @@ TEST_F(dispatch_sourceTest, LivesUntilItIsCancelledAndThenDropsItsHandlers) {
   ASSERT_TRUE(comes(ended_));
   dispatch_sync(queue_, [] {});
   EXPECT_EQ(held.use_count(), 1);
+}
+
+TEST_F(dispatch_sourceTest, GoesOnWhenItsHandlerThrowsOutOfTheMainQueue) {
+  while (pumpMainQueue(0)) continue;
+  queue_ = dispatch_get_main_queue();
+  const auto source = makeSource();
+  std::string text;
+  bool isCancelled = false;
+  dispatch_source_set_event_handler(source, [&] {
+    text += read();
+    if (text == "first last") dispatch_source_cancel(source);
+    throw std::runtime_error("refused");
+  });
+  dispatch_source_set_cancel_handler(source, [&] { isCancelled = true; });
+  dispatch_resume(source);
+  for (const char* word : {"first ", "last"}) {
+    write(word);
+    EXPECT_THROW(pumpMainQueue(20), std::runtime_error);
+  }
+  EXPECT_EQ(text, "first last");
+  EXPECT_TRUE(isCancelled);
 }
 
 TEST_F(dispatch_sourceTest, IsNilForWhatItCannotFollow) {

@@ -14,7 +14,7 @@
 ///     queue->addOperation(import);
 ///
 /// An operation is held by a shared pointer; its queue holds it until it has finished. Everything
-/// here is safe on any thread, and nothing may throw out of `main` or out of a block.
+/// here is safe on any thread. What `main` or a completion block throws ends the process.
 #pragma once
 
 #include <ORLFoundation/platform/object/NSObject.h>
@@ -65,7 +65,8 @@ class NSOperation : public NSObject {
 
   /// `cancel`  Sets the flag, for good. An operation that has begun has to look at it; one that has
   /// not leaves its queue without `main`, whatever it depends on, and still counts as finished for
-  /// those who wait for it and for its completion block. Nothing for one that has finished.
+  /// those who wait for it and for its completion block; a suspended queue, and one that runs as
+  /// many as it may, keeps it until it can begin another. Nothing for one that has finished.
   virtual void cancel();
 
   /// Where the operation stands. Observers are not told of changes; the completion block is.
@@ -80,7 +81,8 @@ class NSOperation : public NSObject {
 
   /// `addDependency:`  Begins no sooner than the other has finished, cancelled or not, on whatever
   /// queue that is. No effect on one that has begun, and none of null. Operations that depend on
-  /// each other in a circle, or on one that nobody adds to a queue, never begin.
+  /// each other in a circle, one on itself too, or on one that nobody adds to a queue, never begin.
+  /// A circle holds itself until one of it is cancelled: that one leaves, and the others follow.
   void addDependency(const std::shared_ptr<NSOperation>& operation);
   /// `dependencies`  Each once, in order, finished ones too. Let go of when the operation has
   /// finished.

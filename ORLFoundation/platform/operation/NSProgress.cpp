@@ -48,6 +48,7 @@ std::optional<std::string> NSProgress::localizedDescription() const {
 
 void NSProgress::setLocalizedDescription(std::optional<std::string> value) {
   if (localizedDescription() == value) return;
+  const auto held = weak_from_this().lock();  // An observer may let go of the last that holds it.
   changeValue("localizedDescription", [&] {
     const std::lock_guard guard(progressLock());
     localizedDescription_.swap(value);

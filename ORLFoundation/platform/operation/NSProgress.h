@@ -12,7 +12,8 @@
 ///
 /// The values can be observed under their names ("indeterminate" and "finished" without "is").
 /// Observers are told of changes only, those of the ancestors too, inside the call that makes the
-/// change and on its thread, while no lock of this class is held. Any thread may call everything;
+/// change and on its thread, while no lock of this class is held; they may let go of what changes.
+/// Any thread may call everything;
 /// observers that two threads' changes call at a time see the later state, one of them twice.
 #pragma once
 

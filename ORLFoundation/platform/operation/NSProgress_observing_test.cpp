@@ -119,6 +119,31 @@ TEST(NSProgress, TellsPriorObserversWhileTheOldValueHolds) {
   EXPECT_THAT(seen, ElementsAre(0.25, 0.75));
 }
 
+TEST(NSProgress, MayBeLetGoOfByItsObservers) {
+  for (const NSUInteger options : {NSKeyValueObservingOptionNew, NSKeyValueObservingOptionPrior}) {
+    auto progress = progressOf(4);
+    const std::weak_ptr<NSProgress> weak = progress;
+    std::vector<std::string> heard;
+    std::vector<std::shared_ptr<NSKeyValueObservation>> tokens;
+    for (const char* key : {"completedUnitCount", "finished", "fractionCompleted"})
+      tokens.push_back(progress->addObserver(key, options, [&](const NSKeyValueChange& change) {
+        if (!change.isPrior) heard.emplace_back(change.keyPath);
+        progress = nullptr;
+      }));
+    NSProgress& changed = *progress;
+    changed.setCompletedUnitCount(4);
+    EXPECT_THAT(heard, testing::UnorderedElementsAre("completedUnitCount", "finished",
+                                                     "fractionCompleted"));
+    EXPECT_TRUE(weak.expired());
+  }
+  auto progress = progressOf(4);
+  const auto token = progress->addObserver("localizedDescription", NSKeyValueObservingOptionPrior,
+                                           [&](const NSKeyValueChange&) { progress = nullptr; });
+  NSProgress& changed = *progress;
+  changed.setLocalizedDescription("Reading");
+  EXPECT_EQ(progress, nullptr);
+}
+
 TEST(NSProgress, AddsUpWhatManyThreadsDo) {
   constexpr int kThreads = 4;
   constexpr int kSteps = 2000;

@@ -1,9 +1,9 @@
 /// A task that runs a block.
 ///
-///     const auto task = std::make_shared<ORLFAsyncBlockTask>([](ORLFAsyncBlockTaskStatus& status)
-///     {
+///     const auto scan = [](ORLFAsyncBlockTaskStatus& status) {
 ///       while (!status.canceled() && readRecord()) continue;
-///     });
+///     };
+///     const auto task = std::make_shared<ORLFAsyncBlockTask>(scan);
 ///     task->resume();
 #pragma once
 

@@ -1,5 +1,6 @@
 #include <ORLFoundation/tasks/async/ORLFAsyncTaskBase.h>
 
+#include <ORLFoundation/platform/dispatch/dispatch_queue.h>
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/tasks/async/ORLFAsyncBlockTask.h>
 #include <ORLFoundation/tasks/async/ORLFAsyncTaskBase_testing.h>
@@ -48,6 +49,15 @@ TEST(ORLFAsyncTaskBase, RunsOnAnotherThreadOutsideItsLock) {
   task->waitUntilFinished();
   EXPECT_NE(thread, std::this_thread::get_id());
   EXPECT_TRUE(task->canceled());
+}
+
+TEST(ORLFAsyncTaskBase, RunsOnTheGlobalQueueForWhatTheUserAskedFor) {
+  const char* label = nullptr;
+  const auto task = std::make_shared<WorkingTask>(
+      [&] { label = dispatch_queue_get_label(DISPATCH_CURRENT_QUEUE_LABEL); });
+  task->resume();
+  task->waitUntilFinished();
+  EXPECT_EQ(label, dispatch_queue_get_label(dispatch_get_global_queue(25, 0)));
 }
 
 TEST(ORLFAsyncTaskBase, CancelledBeforeItIsResumedItCanStillRun) {

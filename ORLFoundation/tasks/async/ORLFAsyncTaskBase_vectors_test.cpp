@@ -120,11 +120,11 @@ class TaskPlayer {
     } else if (what == "end") {
       dispatch_semaphore_signal(actor.gate);
     } else if (what == "waitUntilFinished") {
-      Waiter& waiter = waiters_[step.at(2)];
-      waiter.task = step[1];
-      waiter.thread =
+      auto thread =
           std::make_unique<WaitingThread>([task = actor.task.get()] { task->waitUntilFinished(); });
-      waiter.thread->comeToRest();
+      thread->comeToRest();
+      const std::lock_guard guard(lock_);  // The work of a task may begin a wait too.
+      waiters_[step.at(2)] = {.task = step[1], .thread = std::move(thread)};
     } else {
       throw std::runtime_error("unknown step " + what);
     }

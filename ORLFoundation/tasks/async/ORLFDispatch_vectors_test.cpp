@@ -52,7 +52,8 @@ class ContinuePlayer : public std::enable_shared_from_this<ContinuePlayer> {
       const std::size_t before = loop.waiting();
       doStep(steps[i]);
       // Work that ends has handed its continuation to the main queue before the next step.
-      const bool isAwaited = steps[i][0] == "end" && continueOnMain_.count(steps[i][1]) > 0;
+      const bool isAwaited =
+          steps[i][0] == "end" && continueOnMain_.count(steps[i][1]) > 0 && hasBegun(steps[i][1]);
       while (isAwaited && loop.waiting() == before) std::this_thread::yield();
       waitForHandOvers();
       const auto difference = comeTo(states.at(i), steps[i][0] == "main");
@@ -74,13 +75,16 @@ class ContinuePlayer : public std::enable_shared_from_this<ContinuePlayer> {
       orlfDispatch_async_continue(queue(step[1]), callback(step[2]),
                                   *handle ? dispatch_queue_t(handle, handle->get()) : nullptr,
                                   callback(step[4]));
-      if (step[3] == "main" && !step[4].is_null()) continueOnMain_.insert(step[2]);
+      if (step[3] == "main") awaitOnMain(step[2], step[4]);
     } else if (what == "orlfDispatch_async_continue_main") {
       orlfDispatch_async_continue_main(queue(step[1]), callback(step[2]), callback(step[3]));
-      if (!step[3].is_null()) continueOnMain_.insert(step[2]);
+      awaitOnMain(step[2], step[3]);
     } else {
       throw std::runtime_error("unknown step " + what);
     }
+  }
+  void awaitOnMain(const Json& work, const Json& continuation) {
+    if (!work.is_null() && !continuation.is_null()) continueOnMain_.insert(work);
   }
   /// Returns when all work that has begun and was let end has handed its continuation over: to a
   /// busy queue too, where nothing shows it.

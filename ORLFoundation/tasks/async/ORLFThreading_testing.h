@@ -81,7 +81,7 @@ class DeferredPlayer {
     const std::string what = step[0];
     if (what == "off") return doOff(step[1]);
     if (what == "advance") {
-      loop_.advance(std::llround(step[1].get<double>() * 1e9));
+      loop_.advance(ORLFoundation::internal::dispatch::nanosecondsOf(step[1].get<double>()));
     } else if (what == "orlfPerformBlockOnMainThread:afterDelay:") {
       return perform(step);
     } else if (what == "delayedBlock:") {
@@ -94,24 +94,29 @@ class DeferredPlayer {
     return std::nullopt;
   }
   void doObjectStep(const std::string& what, const Json& step) {
-    Object& object = objects_.at(step[1]);
+    if (what == "drop") {
+      objects_.at(step[1]) = nullptr;
+      return;
+    }
+    const Object object = objectNamed(step[1]);
     if (what == "orlfCancelPreviousPerformBlockRequestsWithTarget:") {
       orlfCancelPreviousPerformBlockRequestsWithTarget(object);
     } else if (what == "orlfCancelPreviousPerformBlockRequestsWithTarget:receiptID:") {
       orlfCancelPreviousPerformBlockRequestsWithTarget(object, receiptOf(step[2]));
     } else if (what == "orlfPerformDelayedBlock_:") {
       receiver_ = object;
-      orlfPerformDelayedBlock_(object, delayed_.at(step[2]));
+      orlfPerformDelayedBlock_(object, step[2].is_null() ? nullptr : delayed_.at(step[2]));
       receiver_.reset();
     } else if (what == "orlfReleaseOnMainThread") {
       orlfReleaseOnMainThread(object);
     } else if (what == "orlfAddObjectToRelease:") {
       orlfAddObjectToRelease(object);
-    } else if (what == "drop") {
-      object = nullptr;
     } else {
       throw std::runtime_error("unknown step " + what);
     }
+  }
+  [[nodiscard]] Object objectNamed(const Json& name) const {
+    return name.is_null() ? nullptr : objects_.at(name);
   }
   /// The step on another thread, whose calls the main thread takes, and nothing else.
   Result doOff(const Json& step) {
@@ -129,7 +134,7 @@ class DeferredPlayer {
     return result;
   }
   Result perform(const Json& step) {
-    const Object object = objects_.at(step[1]);
+    const Object object = objectNamed(step[1]);
     const auto made = std::make_shared<Made>();
     made->receiver = object;
     made->receipt =
@@ -144,8 +149,10 @@ class DeferredPlayer {
     const auto made = std::make_shared<Made>();
     const auto kept = ORLFoundation::ORLFDelayedBlock::delayedBlock(blockNamed(name, made));
     made->receipt = kept->receiptID();
-    delayed_[name] = kept;
-    receipts_[name] = made->receipt;
+    if (!name.is_null()) {
+      delayed_[name] = kept;
+      receipts_[name] = made->receipt;
+    }
     return made->receipt - firstReceipt_;
   }
   std::function<void()> blockNamed(const Json& name, const std::shared_ptr<Made>& made) {

@@ -6,6 +6,7 @@
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/operation/NSOperation_testing.h>
 #include <ORLFoundation/platform/value/NSException.h>
+#include <ORLFoundation/tasks/operations/ORLFOperationQueue_gated_testing.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -17,51 +18,10 @@ namespace ORLFoundation {
 namespace {
 
 using orlftest::blockOperation;
+using orlftest::gated;
+using orlftest::Promise;
+using Gated = orlftest::GatedInstance;
 using Operations = NSOperationQueue::Operations;
-
-/// An operation that runs until it is opened, single-instance under its ID.
-class Gated final : public NSOperation, public ORLFSingleInstanceOperation {
- public:
-  explicit Gated(std::optional<std::string> instance = std::nullopt)
-      : instance_(std::move(instance)) {}
-  void main() override {
-    dispatch_semaphore_signal(begun_);
-    dispatch_semaphore_wait(gate_, DISPATCH_TIME_FOREVER);
-  }
-  std::optional<std::string> enqueuedSingleInstanceID() const override { return instance_; }
-  void open() const { dispatch_semaphore_signal(gate_); }
-  void waitUntilBegun() const { dispatch_semaphore_wait(begun_, DISPATCH_TIME_FOREVER); }
-  [[nodiscard]] bool hasBegun() const {
-    return dispatch_semaphore_wait(begun_, DISPATCH_TIME_NOW) == 0;
-  }
-
- private:
-  const std::optional<std::string> instance_;
-  const dispatch_semaphore_t gate_ = dispatch_semaphore_create(0);
-  const dispatch_semaphore_t begun_ = dispatch_semaphore_create(0);
-};
-
-std::shared_ptr<Gated> gated(std::optional<std::string> instance = std::nullopt) {
-  return std::make_shared<Gated>(std::move(instance));
-}
-
-/// An answer that comes on another thread.
-template <class Value>
-class Promise {
- public:
-  void give(Value value) {
-    value_ = std::move(value);
-    dispatch_semaphore_signal(isGiven_);
-  }
-  Value take() {
-    dispatch_semaphore_wait(isGiven_, DISPATCH_TIME_FOREVER);
-    return value_;
-  }
-
- private:
-  Value value_{};
-  const dispatch_semaphore_t isGiven_ = dispatch_semaphore_create(0);
-};
 
 class ORLFOperationQueueTest : public testing::Test {
  protected:
@@ -115,14 +75,14 @@ TEST_F(ORLFOperationQueueTest, OfTwoWithOneIDTheFirstIsCancelledAndTheSecondRuns
 }
 
 TEST_F(ORLFOperationQueueTest, LooksAtItsOperationsOnAQueueOfItsOwnName) {
-  struct Asked final : NSOperation, ORLFSingleInstanceOperation {
+  struct QueueNoting final : NSOperation, ORLFSingleInstanceOperation {
     std::optional<std::string> enqueuedSingleInstanceID() const override {
       askedOn = dispatch_queue_get_label(nullptr);
       return "a";
     }
     mutable std::string askedOn;
   };
-  const auto asked = std::make_shared<Asked>();
+  const auto asked = std::make_shared<QueueNoting>();
   queue_->setSuspended(true);
   queue_->addOperation(asked);
   queue_->cancelOperationForSingleInstanceID("a");

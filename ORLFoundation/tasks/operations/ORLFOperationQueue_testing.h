@@ -61,7 +61,7 @@ class OperationPlayer {
     for (std::size_t i = 0; i < steps.size(); ++i) {
       auto hasReturned = std::make_shared<std::atomic<bool>>(false);
       calls_.push_back({std::thread([this, step = steps[i], hasReturned] {
-                          doStep(step);
+                          tryStep(step);
                           *hasReturned = true;
                         }),
                         hasReturned, false});
@@ -71,7 +71,8 @@ class OperationPlayer {
         if (delivered) delivered->deliver();
         return state();
       });
-      if (!difference.empty()) return "step " + std::to_string(i) + ": " + difference;
+      const std::string why = difference + fault();
+      if (!why.empty()) return "step " + std::to_string(i) + ": " + why;
       closeStep();
     }
     const Json never = expected.value("neverRan", Json::object());
@@ -160,6 +161,18 @@ class OperationPlayer {
     for (const Json& deed : deeds) doStep(deed);
   }
 
+  void tryStep(const Json& step) {
+    try {
+      doStep(step);
+    } catch (const std::exception& error) {
+      const std::lock_guard guard(lock_);
+      fault_ += std::string(" exception: ") + error.what();
+    }
+  }
+  [[nodiscard]] std::string fault() {
+    const std::lock_guard guard(lock_);
+    return fault_;
+  }
   void doStep(const Json& step) {
     const std::string what = step[0];
     if (what == "deliver") return targets_.at(step[1])->deliver();
@@ -177,7 +190,7 @@ class OperationPlayer {
     } else if (what == "orlfSetIsBarrierOperation:") {
       orlfSetIsBarrierOperation(*operation, argument);
     } else if (what == "answer") {
-      std::dynamic_pointer_cast<ScriptedInstance>(operation)->setAnswer(textOrNil(argument));
+      dynamic_cast<ScriptedInstance&>(*operation).setAnswer(textOrNil(argument));
     } else {
       throw std::runtime_error("unknown step " + what);
     }
@@ -353,6 +366,7 @@ class OperationPlayer {
 
   std::recursive_mutex lock_;
   std::map<std::string, Actor> actors_;
+  std::string fault_;
 };
 
 }  // namespace orlftest

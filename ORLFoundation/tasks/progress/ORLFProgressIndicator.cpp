@@ -206,6 +206,7 @@ void ORLFProgressIndicator::updateDisplayValues() {
 }
 
 void ORLFProgressIndicator::updateDisplayValuesWithItem(const Item& item) {
+  const auto indicator = self();  // who is told may let go of the last that holds it
   if (item) {
     {
       const ProgressTreeGuard guard;
@@ -224,7 +225,7 @@ void ORLFProgressIndicator::updateDisplayValuesWithItem(const Item& item) {
     setCurrentValue(0);
     setIndeterminate(true);
   }
-  if (const auto told = delegate()) told->progressIndicatorDidChange(self());
+  if (const auto told = delegate()) told->progressIndicatorDidChange(indicator);
 }
 
 void ORLFProgressIndicator::progressValuesDidChangeForItem(const Item& item) {

@@ -18,7 +18,8 @@
 /// Any thread may call everything, but the display belongs to the main thread:
 /// `updateDisplayValues` and `updateDisplayValuesWithItem` run there. Under the tree's lock
 /// (ORLFProgressItem.h) the indicator enters `sharedProgressIndicatorQueue`, never the other way
-/// round: work on that queue takes no other lock, and nothing is destroyed there.
+/// round: work on that queue takes no lock but those of a timer and of the run loop for it, and no
+/// item or indicator is destroyed there.
 #pragma once
 
 #include <ORLFoundation/platform/dispatch/dispatch_queue.h>

@@ -2,11 +2,16 @@
 
 #include <ORLFoundation/platform/dispatch/NSRunLoop.h>
 #include <ORLFoundation/platform/dispatch/NSTimer.h>
+#include <ORLFoundation/platform/object/NSKeyValueObserving.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressIndicator_testing.h>
 #include <gmock/gmock.h>
 
 #include <cmath>
 #include <memory>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
 
 namespace ORLFoundation {
 namespace {
@@ -77,6 +82,26 @@ TEST_F(ORLFProgressIndicatorTest, CopiesAllThatAnItemShows) {
   EXPECT_EQ(indicator->message(), "Reading");
   EXPECT_TRUE(indicator->indeterminate());
   EXPECT_EQ(indicator->normalizedValue(), 0.375);
+}
+
+TEST_F(ORLFProgressIndicatorTest, TellsOutsideOfTheTreesLockAndOfItsQueue) {
+  const Item root = item(3, 10);
+  const auto updateElsewhere = [&] {
+    std::thread([&] { root->updateValueByIncrement(1); }).join();
+  };
+  const auto token = indicator->addObserver("visible", NSKeyValueObservingOptionNew,
+                                            [&](const NSKeyValueChange&) { updateElsewhere(); });
+  delegate->then = [&, isFirst = true]() mutable {
+    if (!std::exchange(isFirst, false)) return;
+    EXPECT_EQ(indicator->currentValue(), 3);
+    updateElsewhere();
+    EXPECT_TRUE(indicator->displayTimer()) << "what comes in the call is shown next";
+  };
+  indicator->displayProgressItem(root);
+  advance(10);
+  EXPECT_THAT(delegate->take(), ElementsAre(3));
+  advance(10);
+  EXPECT_THAT(delegate->take(), ElementsAre(5));
 }
 
 TEST_F(ORLFProgressIndicatorTest, IsIdleAndIndeterminateWithoutAnItem) {
@@ -192,6 +217,22 @@ TEST_F(ORLFProgressIndicatorTest, ClearsTheIndicatorOfItsItemsWhenItGoes) {
   advance(10);
   EXPECT_TRUE(weak.expired());
   EXPECT_EQ(root->currentIndicator(), nullptr);
+}
+
+TEST_F(ORLFProgressIndicatorTest, ClearsItsItemsInTheOrderOfTheList) {
+  std::vector<Item> left;
+  const auto next = std::make_shared<orlftest::RecordingIndicator>(
+      [&](orlftest::RecordingIndicator&, const std::string& operation, const Item& each) {
+        if (operation == "progressValuesWillChangeForItem:") left.push_back(each);
+      });
+  auto leaving = std::make_shared<ORLFProgressIndicator>();
+  const Item all[] = {item(1, 2), item(2, 2), item(3, 2)};
+  for (const Item& each : all) leaving->displayProgressItem(each);
+  for (const Item& each : all) each->setCurrentIndicator(next);
+  advance(10);
+  leaving.reset();
+  EXPECT_THAT(left, testing::ElementsAreArray(all));
+  for (const Item& each : all) EXPECT_EQ(each->currentIndicator(), nullptr);
 }
 
 TEST_F(ORLFProgressIndicatorTest, DestroysNothingInsideItsQueue) {

@@ -215,7 +215,9 @@ class Player {
     const auto name = step.at(1).get<std::string>();
     if (weak_.count(name) != 0) return takeIndicatorStep(*indicatorNamed(name), operation, step);
     const Item item = items_.at(name);
-    if (!orlftest::takeItemStep(*item, step)) throw std::runtime_error("unknown step " + operation);
+    const auto named = [this](const Json& other) { return itemNamed(other); };
+    if (!orlftest::takeItemStep(*item, step) && !orlftest::takeStepOfTwoItems(*item, step, named))
+      throw std::runtime_error("unknown step " + operation);
   }
 
   bool takeOwnStep(const std::string& operation, const Json& step) {
@@ -234,8 +236,6 @@ class Player {
       delegates_.erase(name);
     } else if (operation == "sharedProgressIndicatorQueue") {
       result_ = dispatch_queue_get_label(ORLFProgressIndicator::sharedProgressIndicatorQueue());
-    } else if (operation == "makeChildCurrent:") {
-      itemNamed(step.at(1))->makeChildCurrent(itemNamed(step.at(2)));
     } else if (operation == "setCurrentIndicator:") {
       const Json& name = step.at(2);
       itemNamed(step.at(1))

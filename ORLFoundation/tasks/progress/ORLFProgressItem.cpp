@@ -26,6 +26,11 @@ constexpr std::array<std::string_view, 3> kBoundKeys{"fractionCompleted", "local
 constexpr NSUInteger kBoundOptions =
     NSKeyValueObservingOptionNew | NSKeyValueObservingOptionInitial;
 
+constexpr auto kValuesWill = &ORLFProgressObservation::progressValuesWillChangeForItem;
+constexpr auto kValuesDid = &ORLFProgressObservation::progressValuesDidChangeForItem;
+constexpr auto kCurrentWill = &ORLFProgressObservation::currentProgressWillChangeForItem;
+constexpr auto kCurrentDid = &ORLFProgressObservation::currentProgressDidChangeForItem;
+
 }  // namespace
 
 namespace internal::progress {
@@ -36,6 +41,18 @@ ProgressTreeLock& progressTreeLock() noexcept {
 }
 
 }  // namespace internal::progress
+
+/// Holds the tree's lock, and the item until that is open again: who is told of a change may let go
+/// of the last that holds it.
+class ORLFProgressItem::Changing {
+ public:
+  explicit Changing(const ORLFProgressItem& item) { item_ = item.self(); }
+  [[nodiscard]] const Item& item() const noexcept { return item_; }
+
+ private:
+  Item item_;
+  const ProgressTreeGuard guard_;
+};
 
 ORLFProgressItem::ORLFProgressItem()
     : observerProgress_(NSProgress::discreteProgressWithTotalUnitCount(kProgressScale)) {}
@@ -92,12 +109,12 @@ std::optional<std::string> ORLFProgressItem::message() const {
 }
 
 void ORLFProgressItem::setMessage(std::optional<std::string> value) {
-  const ProgressTreeGuard guard;
+  const Changing self(*this);
   if (value == message_) return;
-  progressValuesWillChange();
+  report(kValuesWill, self.item());
   changeValue("message", [&] { message_ = value; });
   observerProgress_->setLocalizedDescription(std::move(value));
-  progressValuesDidChange();
+  report(kValuesDid, self.item());
 }
 
 bool ORLFProgressItem::isIndeterminate() const {
@@ -106,12 +123,12 @@ bool ORLFProgressItem::isIndeterminate() const {
 }
 
 void ORLFProgressItem::setIndeterminate(bool value) {
-  const ProgressTreeGuard guard;
+  const Changing self(*this);
   if (value == isIndeterminate_) return;
-  progressValuesWillChange();
+  report(kValuesWill, self.item());
   changeValue("indeterminate", [&] { isIndeterminate_ = value; });
   observerProgress_->setTotalUnitCount(value ? -1 : kProgressScale);
-  progressValuesDidChange();
+  report(kValuesDid, self.item());
 }
 
 std::shared_ptr<ORLFProgressIndicator> ORLFProgressItem::currentIndicator() const {
@@ -120,12 +137,12 @@ std::shared_ptr<ORLFProgressIndicator> ORLFProgressItem::currentIndicator() cons
 }
 
 void ORLFProgressItem::setCurrentIndicator(std::shared_ptr<ORLFProgressIndicator> value) {
-  // Declared before the guard, `value` takes the old indicator out of it.
-  const ProgressTreeGuard guard;
+  // Declared before the lock, `value` takes the old indicator out of it.
+  const Changing self(*this);
   if (value == currentIndicator_) return;
-  progressValuesWillChange();
+  report(kValuesWill, self.item());
   changeValue("currentIndicator", [&] { currentIndicator_.swap(value); });
-  progressValuesDidChange();
+  report(kValuesDid, self.item());
 }
 
 void ORLFProgressItem::store(double value) {
@@ -137,38 +154,38 @@ void ORLFProgressItem::store(double value) {
   });
 }
 
-void ORLFProgressItem::commit() {
+void ORLFProgressItem::commit(const Item& item) {
   const double maximum = maxValue();
   // Divided first: 33.3 of 100 is 332 thousandths.
   const double share = value() / maximum;
   observerProgress_->setCompletedUnitCount(
       maximum > 0 ? wholeUnits(share * static_cast<double>(kProgressScale)) : 0);
   observerProgress_->setTotalUnitCount(kProgressScale);
-  progressValuesDidChange();
+  report(kValuesDid, item);
 }
 
 void ORLFProgressItem::updateValue(double value, double max) {
-  const ProgressTreeGuard guard;
+  const Changing self(*this);
   if (value == this->value() && max == maxValue()) return;
-  progressValuesWillChange();
+  report(kValuesWill, self.item());
   setMaxValue(max > 0 ? max : 0);
   store(value);
-  commit();
+  commit(self.item());
 }
 
 void ORLFProgressItem::updateValue(double value) {
-  const ProgressTreeGuard guard;
+  const Changing self(*this);
   if (value == this->value()) return;
-  progressValuesWillChange();
+  report(kValuesWill, self.item());
   store(value);
-  commit();
+  commit(self.item());
 }
 
 void ORLFProgressItem::updateValueByIncrement(double amount) {
-  const ProgressTreeGuard guard;
-  progressValuesWillChange();
+  const Changing self(*this);
+  report(kValuesWill, self.item());
   store(amount + value());
-  commit();
+  commit(self.item());
 }
 
 std::vector<ORLFProgressItem::Item> ORLFProgressItem::children() const {
@@ -194,20 +211,20 @@ ORLFProgressItem::Item ORLFProgressItem::childProgressItemWithTotalCount(double 
                                                                          double pendingPercentage) {
   auto child = std::make_shared<ORLFProgressItem>();
   child->updateValue(0, count > 0 ? count : 0);
-  const ProgressTreeGuard guard;
+  const Changing self(*this);
   addProgressItem(*observerProgress_, child, pendingPercentage);
-  child->changeValue("parent", [&] { child->parent_ = self(); });
+  child->changeValue("parent", [&] { child->parent_ = self.item(); });
   changeValue("children", [&] { children_.push_back(child); });
   return child;
 }
 
 void ORLFProgressItem::makeChildCurrent(const Item& child) {
-  const ProgressTreeGuard guard;
+  const Changing self(*this);
   if (child && std::find(children_.begin(), children_.end(), child) == children_.end()) return;
   if (child == currentChild_.lock()) return;
-  currentProgressWillChange();
+  report(kCurrentWill, self.item());
   changeValue("currentChild", [&] { currentChild_ = child; });
-  currentProgressDidChange();
+  report(kCurrentDid, self.item());
 }
 
 void ORLFProgressItem::addToIndicator() {
@@ -231,26 +248,29 @@ void ORLFProgressItem::removeFromIndicator() {
   if (const auto indicator = currentIndicator_) indicator->removeProgressItem(item);
 }
 
-void ORLFProgressItem::report(Notice notice) {
-  const ProgressTreeGuard guard;
-  if (const Item parent = parent_.lock()) return ((*parent).*notice)(self());
-  if (const auto indicator = currentIndicator_) ((*indicator).*notice)(self());
+void ORLFProgressItem::report(Notice notice, const Item& item) {
+  if (const Item parent = parent_.lock()) return ((*parent).*notice)(item);
+  if (const auto indicator = currentIndicator_) ((*indicator).*notice)(item);
 }
 
 void ORLFProgressItem::progressValuesWillChange() {
-  report(&ORLFProgressObservation::progressValuesWillChangeForItem);
+  const Changing self(*this);
+  report(kValuesWill, self.item());
 }
 
 void ORLFProgressItem::progressValuesDidChange() {
-  report(&ORLFProgressObservation::progressValuesDidChangeForItem);
+  const Changing self(*this);
+  report(kValuesDid, self.item());
 }
 
 void ORLFProgressItem::currentProgressWillChange() {
-  report(&ORLFProgressObservation::currentProgressWillChangeForItem);
+  const Changing self(*this);
+  report(kCurrentWill, self.item());
 }
 
 void ORLFProgressItem::currentProgressDidChange() {
-  report(&ORLFProgressObservation::currentProgressDidChangeForItem);
+  const Changing self(*this);
+  report(kCurrentDid, self.item());
 }
 
 void ORLFProgressItem::progressValuesWillChangeForItem(const Item& item) {
@@ -286,9 +306,9 @@ void ORLFProgressItem::setBoundProgress(std::shared_ptr<NSProgress> value) {
 }
 
 void ORLFProgressItem::bindToProgress(const std::shared_ptr<NSProgress>& progress) {
+  const Item item = self();  // outlives the guard: who is told may let go of the item
   const std::lock_guard guard(bindingLock_);
   if (!progress || boundProgress()) return;
-  const Item item = self();
   for (const std::string_view key : kBoundKeys)
     progress->addObserver(item, key, kBoundOptions, kBoundProgressContext);
   // Last: the first notices, which come at once, find no progress to read.
@@ -296,10 +316,11 @@ void ORLFProgressItem::bindToProgress(const std::shared_ptr<NSProgress>& progres
 }
 
 void ORLFProgressItem::unbindFromProgress(const std::shared_ptr<NSProgress>& progress) {
+  const Item item = self();  // outlives the guard: who is told may let go of the item
   const std::lock_guard guard(bindingLock_);
   if (!progress || progress != boundProgress()) return;
   for (const std::string_view key : kBoundKeys)
-    progress->removeObserver(*this, key, kBoundProgressContext);
+    progress->removeObserver(*item, key, kBoundProgressContext);
   setBoundProgress(nullptr);
 }
 

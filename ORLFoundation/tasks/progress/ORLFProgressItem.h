@@ -12,7 +12,8 @@
 ///     part->removeFromIndicator();
 ///     indicator->removeProgressItem(root);
 ///
-/// Any thread may call everything. One recursive lock, that of the tree, serves all items of the
+/// Any thread may call everything, and who is told of a change may let go of what changes. One
+/// recursive lock, that of the tree, serves all items of the
 /// process: it is held over each update and all notices that the update sends upward, those of
 /// observed keys included. Binding has a lock of its own in each item, held while an outside
 /// progress reports. The order is: binding lock, tree lock, queue of the indicators; whoever is
@@ -148,11 +149,12 @@ class ORLFProgressItem : public NSObject, public ORLFProgressObservation {
 
  private:
   using Notice = void (ORLFProgressObservation::*)(const Item& item);
+  class Changing;
 
   [[nodiscard]] Item self() const;
-  void report(Notice notice);
+  void report(Notice notice, const Item& item);
   void store(double value);
-  void commit();
+  void commit(const Item& item);
   void setBoundProgress(std::shared_ptr<NSProgress> value);
 
   // The tree lock guards what follows; the three numbers can be read without it.

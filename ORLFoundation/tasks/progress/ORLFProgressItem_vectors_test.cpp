@@ -15,6 +15,7 @@ namespace {
 using orlftest::disagreement;
 using orlftest::Json;
 using orlftest::RecordingIndicator;
+using orlftest::scriptOfReal;
 using orlftest::scriptOfText;
 using orlftest::VirtualMainLoop;
 
@@ -39,14 +40,16 @@ class TreeScript {
           });
     } else if (operation == "child") {
       items_[step.at(2).get<std::string>()] =
-          items_.at(name)->childProgressItemWithTotalCount(step.at(3).get<double>());
+          items_.at(name)->childProgressItemWithTotalCount(orlftest::realOfScript(step.at(3)));
     } else if (operation == "display") {
       indicators_.at(name)->displayProgressItem(itemNamed(step.at(2)));
     } else if (operation == "remove") {
       indicators_.at(name)->removeProgressItem(itemNamed(step.at(2)));
-    } else if (operation == "makeChildCurrent:") {
-      items_.at(name)->makeChildCurrent(itemNamed(step.at(2)));
-    } else if (!orlftest::takeItemStep(*items_.at(name), step)) {
+    } else if (operation == "setCurrentIndicator:") {
+      const Json& indicator = step.at(2);
+      items_.at(name)->setCurrentIndicator(indicator.is_null() ? nullptr
+                                                               : indicators_.at(indicator));
+    } else if (!takeOtherStep(*items_.at(name), step)) {
       throw std::runtime_error("unknown step " + operation);
     }
     return events_;
@@ -70,16 +73,16 @@ class TreeScript {
           {"currentChild", nameOf(item->currentChild())},
           {"currentIndeterminate", item->currentIndeterminate()},
           {"currentIndicator", nullptr},
-          {"currentMaxValue", item->currentMaxValue()},
+          {"currentMaxValue", scriptOfReal(item->currentMaxValue())},
           {"currentMessage", scriptOfText(item->currentMessage())},
-          {"currentMinValue", item->currentMinValue()},
-          {"currentValue", item->currentValue()},
+          {"currentMinValue", scriptOfReal(item->currentMinValue())},
+          {"currentValue", scriptOfReal(item->currentValue())},
           {"indeterminate", item->isIndeterminate()},
-          {"maxValue", item->maxValue()},
+          {"maxValue", scriptOfReal(item->maxValue())},
           {"message", scriptOfText(item->message())},
-          {"minValue", item->minValue()},
+          {"minValue", scriptOfReal(item->minValue())},
           {"totalUnitCount", item->observerProgress()->totalUnitCount()},
-          {"value", item->value()},
+          {"value", scriptOfReal(item->value())},
       };
       for (const auto& [indicatorName, each] : indicators_)
         if (each == indicator) all[name]["currentIndicator"] = indicatorName;
@@ -93,6 +96,11 @@ class TreeScript {
 
  private:
   using Item = std::shared_ptr<ORLFProgressItem>;
+
+  [[nodiscard]] bool takeOtherStep(ORLFProgressItem& item, const Json& step) const {
+    const auto named = [this](const Json& other) { return itemNamed(other); };
+    return orlftest::takeItemStep(item, step) || orlftest::takeStepOfTwoItems(item, step, named);
+  }
 
   Item itemNamed(const Json& name) const {
     return name.is_null() ? nullptr : items_.at(name.get<std::string>());

@@ -7,6 +7,8 @@
 #include <cmath>
 #include <cstdint>
 #include <functional>
+#include <map>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <stdexcept>
@@ -103,6 +105,33 @@ class RecordingIndicator final : public ORLFoundation::ORLFProgressIndicator {
     item.currentProgressDidChange();
   else
     return false;
+  return true;
+}
+
+/// Takes one that names another item, by what `named` finds for its name, nil for null; answers
+/// false for any other. Scripts have no outside progress but nil.
+template <class Named>
+[[nodiscard]] bool takeStepOfTwoItems(ORLFoundation::ORLFProgressItem& item,
+                                      const nlohmann::json& step, const Named& named) {
+  using Item = ORLFoundation::ORLFProgressItem;
+  using Operation = void (Item::*)(const std::shared_ptr<Item>&);
+  static const std::map<std::string, Operation> kOperations{
+      {"makeChildCurrent:", &Item::makeChildCurrent},
+      {"progressValuesWillChangeForItem:", &Item::progressValuesWillChangeForItem},
+      {"progressValuesDidChangeForItem:", &Item::progressValuesDidChangeForItem},
+      {"currentProgressWillChangeForItem:", &Item::currentProgressWillChangeForItem},
+      {"currentProgressDidChangeForItem:", &Item::currentProgressDidChangeForItem}};
+  const auto name = step.at(0).get<std::string>();
+  const auto found = kOperations.find(name);
+  if (found != kOperations.end()) {
+    (item.*found->second)(named(step.at(2)));
+  } else if (name == "bindToProgress:" && step.at(2).is_null()) {
+    item.bindToProgress(nullptr);
+  } else if (name == "unbindFromProgress:" && step.at(2).is_null()) {
+    item.unbindFromProgress(nullptr);
+  } else {
+    return false;
+  }
   return true;
 }
 

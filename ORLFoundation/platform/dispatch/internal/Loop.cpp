@@ -341,7 +341,7 @@ bool Loop::serveDescriptors(std::string_view mode, Deadline deadline, bool mayWa
     ran = true;
     beginCall();
     const CalledWatch called(*watches[i]);
-    watches[i]->ready(events);
+    if (watches[i]->ready) watches[i]->ready(events);
   }
   return ran;
 }

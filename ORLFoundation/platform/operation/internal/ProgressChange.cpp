@@ -147,7 +147,8 @@ void ProgressChange::make() {
     }
     expected = rehearse();
   }
-  // Kept to the end: the notices name them.
+  // Kept to the end: the notices name them, and whoever is told may let go of them.
+  const auto receiver = receiver_.weak_from_this().lock();
   const auto rehearsed = ancestors_;
   Notices late;
   tell(expected, [&] {

@@ -49,7 +49,7 @@ void Ending::tellWaiters() {
   for (const auto& waiter : std::exchange(queueWaiters, {})) dispatch_semaphore_signal(waiter);
 }
 
-void Ending::complete() {
+void Ending::complete() noexcept {
   if (completion) std::exchange(completion, nullptr)();
 }
 

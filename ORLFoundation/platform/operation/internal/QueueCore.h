@@ -33,7 +33,7 @@ struct Ending {
   /// Lets go on whoever waits for the operation.
   void tellWaiters();
   /// Then the operation's completion block.
-  void complete();
+  void complete() noexcept;
 };
 
 /// The urgencies, the highest first.
