@@ -7,6 +7,7 @@
 
 #include <array>
 #include <random>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -257,6 +258,19 @@ struct Bulk {
   }
 };
 
+/// Ranges that are too short for vectors.
+struct ShortRanges {
+  static NSDecimal sumOfProducts(std::span<const NSDecimal> left,
+                                 std::span<const NSDecimal> right) {
+    constexpr std::size_t kPairs = 48;
+    NSDecimalAccumulator total;
+    for (; left.size() > kPairs; left = left.subspan(kPairs), right = right.subspan(kPairs))
+      total.addProducts(left.first(kPairs), right.first(kPairs));
+    total.addProducts(left, right);
+    return total.sum().value;
+  }
+};
+
 template <class Way>
 void sum(benchmark::State& state) {
   const auto values = numbers<Ours>(Size::kMoney, 0);
@@ -333,6 +347,7 @@ ORLF_BENCHMARK_MISSING(Money, "rust_decimal");
 BENCHMARK_TEMPLATE(sum, Bulk)->Name("sumMoney/ours");
 BENCHMARK_TEMPLATE(sum, Loop)->Name("sumMoney/loop");
 BENCHMARK_TEMPLATE(sumOfProducts, Bulk)->Name("sumOfProductsMoney/ours");
+BENCHMARK_TEMPLATE(sumOfProducts, ShortRanges)->Name("sumOfProductsMoney/shortRanges");
 BENCHMARK_TEMPLATE(sumOfProducts, Loop)->Name("sumOfProductsMoney/loop");
 
 }  // namespace

@@ -33,6 +33,9 @@ class Source {
     return {static_cast<Mantissa>(between(0, 9999999999)), static_cast<int>(between(-6, 0)),
             between(0, 1) == 1};
   }
+  NSDecimal ofTwoPlaces() {
+    return {static_cast<Mantissa>(between(0, 999999999)), -2, between(0, 1) == 1};
+  }
   NSDecimal any() {
     switch (between(0, 4)) {
       case 0:
@@ -170,9 +173,14 @@ TEST(NSDecimalLaws, SumsOfManyAgreeWithFractions) {
   for (int i = 0; i < kRandomCalculations / 10; ++i) {
     std::vector<NSDecimal> left, right;
     const bool isMoney = source.between(0, 1) == 0;
-    for (NSInteger count = source.between(0, 12); count > 0; --count) {
-      left.push_back(isMoney ? source.moneySized() : source.any());
-      right.push_back(isMoney ? source.moneySized() : source.any());
+    const bool isColumn = source.between(0, 2) == 0;
+    for (NSInteger count = source.between(0, isColumn ? 60 : 12); count > 0; --count) {
+      left.push_back(isColumn  ? source.ofTwoPlaces()
+                     : isMoney ? source.moneySized()
+                               : source.any());
+      right.push_back(isColumn  ? source.ofTwoPlaces()
+                      : isMoney ? source.moneySized()
+                                : source.any());
       if (source.between(0, 5) == 0) left.push_back(left.back().negated());
       if (left.size() > right.size()) right.push_back(right.back());
     }

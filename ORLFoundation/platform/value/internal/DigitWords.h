@@ -10,7 +10,9 @@
 namespace ORLFoundation::internal::value {
 
 inline constexpr std::size_t kDigitsOfWord = 8;
+inline constexpr std::size_t kHalfWord = kDigitsOfWord / 2;
 inline constexpr std::uint64_t kEachByte = 0x0101010101010101;
+inline constexpr std::uint64_t kZeroDigits = kEachByte * '0';
 
 /// Where a text's first byte in memory is the lowest of a word.
 inline constexpr bool hasDigitWords = std::endian::native == std::endian::little;
@@ -22,36 +24,28 @@ template <class Word>
   return word;
 }
 
-/// At most eight characters, at least one, in the lowest bytes.
-[[nodiscard]] inline std::uint64_t wordOf(const char* text, std::size_t size) noexcept {
-  if (size == kDigitsOfWord) return wordAt<std::uint64_t>(text);
-  // What both ends hold is the same in both.
-  const auto joined = [&](std::uint64_t first, std::uint64_t last, std::size_t at) {
-    return first | last << 8 * at;
-  };
-  if (size >= 4)
-    return joined(wordAt<std::uint32_t>(text), wordAt<std::uint32_t>(text + size - 4), size - 4);
-  const std::uint64_t ends =
-      joined(wordAt<std::uint8_t>(text), wordAt<std::uint8_t>(text + size - 1), size - 1);
-  return joined(ends, wordAt<std::uint8_t>(text + size / 2), size / 2);
+/// The digits of a text of four to eight characters at the end of a word; zeros stand before them.
+/// A character that is no digit is a byte above 9.
+[[nodiscard]] inline std::uint64_t digitWord(const char* text, std::size_t size) noexcept {
+  constexpr std::uint64_t kZeros = kZeroDigits >> 32;
+  const std::uint64_t first = wordAt<std::uint32_t>(text) ^ kZeros;
+  const std::uint64_t last = wordAt<std::uint32_t>(text + size - kHalfWord) ^ kZeros;
+  // What both halves hold moves out of the first one.
+  return last << 32 | static_cast<std::uint32_t>(first << 8 * (kDigitsOfWord - size));
 }
 
-/// The digits of a text that ends with the last word; zeros stand before it. A character that is no
-/// digit is a byte above 9.
+/// The same of a text of at least eight characters, in words.
 template <std::size_t kWords>
 [[nodiscard]] std::array<std::uint64_t, kWords> digitWords(const char* text,
                                                            std::size_t size) noexcept {
-  constexpr std::uint64_t kZeros = kEachByte * '0';
   std::array<std::uint64_t, kWords> words{};
   std::size_t left = size;
   for (std::size_t i = kWords; i-- > 0 && left > 0;) {
     if (left >= kDigitsOfWord) {
       left -= kDigitsOfWord;
-      words[i] = wordAt<std::uint64_t>(text + left) ^ kZeros;
+      words[i] = wordAt<std::uint64_t>(text + left) ^ kZeroDigits;
     } else {
-      const std::uint64_t word =
-          size >= kDigitsOfWord ? wordAt<std::uint64_t>(text) : wordOf(text, size);
-      words[i] = (word ^ kZeros) << 8 * (kDigitsOfWord - left);
+      words[i] = (wordAt<std::uint64_t>(text) ^ kZeroDigits) << 8 * (kDigitsOfWord - left);
       left = 0;
     }
   }
