@@ -10,6 +10,7 @@
 
 #include <array>
 #include <csignal>
+#include <stdexcept>
 
 namespace ORLFoundation {
 namespace {
@@ -199,6 +200,20 @@ TEST_F(ORLFDirectoryReplacementFaults, FollowsNoLinkThatIsPutInPlaceOfAFolderMea
       EXPECT_EQ(treeAt(folder_ / "destination").dump().find("secret"), std::string::npos);
     }
   EXPECT_GT(refusals, count / 10);
+}
+
+TEST_F(ORLFDirectoryReplacementFaults, LeaveNoTemporaryFolderWhereTheCallerThrows) {
+  makeTrees();
+  NSFileManager manager;
+  manager.setCopyNotice([](const std::string& item) {
+    if (item.ends_with("/n")) throw std::runtime_error("stopped");
+  });
+  EXPECT_THROW(static_cast<void>(orlfReplaceContentsOfDirectoryAtURL(
+                   manager, NSURL::fileURLWithPath(path("destination")),
+                   NSURL::fileURLWithPath(path("source")), 0, nullptr)),
+               std::runtime_error);
+  EXPECT_EQ(treeAt(folder_ / "destination"), items()) << "nothing but items is left";
+  EXPECT_EQ(halfDone(), "");
 }
 
 TEST_F(ORLFDirectoryReplacementFaults, TellsOfAFullDisk) {

@@ -4,9 +4,6 @@
 #include <ORLFoundation/platform/files/FileCalls_testing.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <tests/support/ChildProcess.h>
 #include <tests/support/TemporaryFolder.h>
 
 namespace ORLFoundation {
@@ -204,6 +201,32 @@ TEST_F(ORLFDirectoryReplacement, RefusesRootsThatAreMissingEqualOrNested) {
     EXPECT_EQ(error->domain(), NSCocoaErrorDomain) << row.name;
     EXPECT_EQ(error->code(), row.code) << row.name << ": " << error->localizedDescription();
     EXPECT_EQ(treeAt(folder_ / "trees"), before) << row.name;
+  }
+}
+
+TEST_F(ORLFDirectoryReplacement, NamesTheRootThatCannotBeLookedAt) {
+  make({{"a", "old"}}, {{"a", "new"}});
+  // Where the roots stand is found out by climbing, first from the destination.
+  const auto replaceRefusing = [&](int refused) {
+    int climbs = 0;
+    NSFileManager manager(
+        std::make_shared<FileCallsOfTest>([&](FileCall call, std::string_view name) {
+          errno = EACCES;
+          return call != FileCall::Open || name != ".." || climbs++ != refused;
+        }));
+    static_cast<void>(replace(manager));
+    return climbs;
+  };
+  const int climbs = replaceRefusing(-1);
+  EXPECT_EQ(error_, nullptr);
+  for (const bool isSource : {false, true}) {
+    makeTree(folder_ / "destination", {{"a", "old"}});
+    replaceRefusing(isSource ? climbs - 1 : 0);
+    EXPECT_EQ(code(), NSFileReadNoPermissionError);
+    EXPECT_EQ(description(),
+              fs::canonical(folder_ / (isSource ? "source" : "destination")).string() +
+                  ": Permission denied");
+    EXPECT_EQ(destination(), TreeJson({{"a", "old"}}));
   }
 }
 

@@ -2,6 +2,7 @@
 // which journal it is, the two behind it how many sixteens of bytes are the store's.
 #include <ORLFoundation/files/repair/ORLFPersistentStoreRepair.h>
 #include <ORLFoundation/platform/log/NSLog.h>
+#include <tests/support/Files.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,7 +10,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <string_view>
@@ -17,18 +17,9 @@
 namespace {
 
 using namespace ORLFoundation;
-namespace fs = std::filesystem;
 
 constexpr std::array kJournals{"-journal", "-wal", ""};
 constexpr std::size_t kHeader = 3, kUnit = 16;
-
-/// In memory, where the system offers that.
-std::string placeOfStore() {
-  const fs::path memory = "/dev/shm";
-  const fs::path folder =
-      ::access(memory.c_str(), W_OK | X_OK) == 0 ? memory : fs::temp_directory_path();
-  return folder / ("orlf_repair_fuzz_" + std::to_string(::getpid()));
-}
 
 void write(const std::string& path, std::string_view bytes) {
   if (!(std::ofstream(path, std::ios::binary) << bytes).flush()) std::abort();
@@ -38,7 +29,8 @@ void write(const std::string& path, std::string_view bytes) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < kHeader) return 0;
-  static const std::string path = placeOfStore();
+  static const std::string path =
+      orlftest::folderInMemory() + "/orlf_repair_fuzz_" + std::to_string(::getpid());
   static const auto loudSink = NSSetLogSink([](std::string_view) {});
   const std::string_view bytes(reinterpret_cast<const char*>(data) + kHeader, size - kHeader);
   const std::size_t length = std::min(kUnit * (data[1] * 256U + data[2]), bytes.size());

@@ -2,6 +2,7 @@
 
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
+#include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/store/SQLiteCalls.h>
 #include <gtest/gtest.h>
 #include <tests/support/Files.h>
@@ -54,10 +55,18 @@ class CallsOfRow final : public SQLiteCalls {
   std::string text_;
 };
 
+std::shared_ptr<NSDictionary> dictionaryOf(const Json& object);
+
 id objectOf(const Json& value) {
+  if (value.is_object()) return dictionaryOf(value);
   if (value.is_string()) return value.get<std::string>();
+  if (value.is_boolean()) return value.get<bool>();
   if (value.is_number_integer()) return value.get<NSInteger>();
-  throw std::runtime_error("no value of metadata: " + value.dump());
+  if (value.is_number()) return value.get<double>();
+  if (value.is_null()) return NSNull{};
+  const auto list = std::make_shared<NSMutableArray>();
+  for (const Json& member : value) list->addObject(objectOf(member));
+  return list;
 }
 
 std::shared_ptr<NSDictionary> dictionaryOf(const Json& object) {

@@ -116,10 +116,10 @@ class WatcherPlayer {
     const auto name = step.at(0).get<std::string>();
     Json result;
     if (name == "watch") result = watch();
-    if (name == "monitor") result = DirectoryWatcherParts::start(*watcher_, "/folder");
+    if (name == "monitor" && watcher_) result = DirectoryWatcherParts::start(*watcher_, "/folder");
     if (name == "report") report(step.at(1).get<int>());
     if (name == "dropTarget") target_ = nullptr;
-    if (name == "invalidate") watcher_->invalidate();
+    if (name == "invalidate" && watcher_) watcher_->invalidate();
     if (name == "destroy") watcher_ = nullptr;
     Json held = Json::array();
     for (const auto& [kind, isHeld] : events_->held.items()) held.push_back(kind);
@@ -207,14 +207,19 @@ TEST_F(FaultyCallDeathTest, EndsTheProcessWithAText) {
   EXPECT_DEATH(DirectoryWatcherParts::fire(*watcher_), "kq >= 0");
 }
 
-TEST_F(FaultyCall, LetsGoOfAllWhenTheRunLoopTakesNoSource) {
+TEST_F(FaultyCall, IsTheLastAndLetsGoOfAll) {
   watcher_->invalidate();
-  events_->failing = "runLoopSource";
-  EXPECT_FALSE(DirectoryWatcherParts::start(*watcher_, "/folder"));
-  EXPECT_TRUE(events_->held.empty());
-  EXPECT_EQ(watcher_->dirFD(), -1);
-  EXPECT_EQ(watcher_->kq(), -1);
-  EXPECT_EQ(watcher_->dirKQRef(), nullptr);
+  for (const char* failing : {"open", "queue", "register", "reference", "runLoopSource"}) {
+    SCOPED_TRACE(failing);
+    events_->failing = failing;
+    events_->trace.clear();
+    EXPECT_FALSE(DirectoryWatcherParts::start(*watcher_, "/folder"));
+    EXPECT_EQ(events_->trace.back().at(0), failing);
+    EXPECT_TRUE(events_->held.empty());
+    EXPECT_EQ(watcher_->dirFD(), -1);
+    EXPECT_EQ(watcher_->kq(), -1);
+    EXPECT_EQ(watcher_->dirKQRef(), nullptr);
+  }
 }
 
 }  // namespace

@@ -132,8 +132,10 @@ void ORLFFileSystemObserver::handle(const Fired& fired) {
   if (isReopened) event = ORLFFileSystemEventChanged;
   if (event == ORLFFileSystemEventMoved) event = eventForMove(fired.descriptor, place);
   if (isEnd && !isReopened) end(fired);
+  const bool wasObserving = isObserving();
   if (event != ORLFFileSystemEventNone && eventHandler_) eventHandler_(event, place);
-  if ((flags & kNodeSettled) != 0 && settledHandler_) settledHandler_();
+  const bool isStopped = wasObserving && !isObserving();
+  if ((flags & kNodeSettled) != 0 && settledHandler_ && !isStopped) settledHandler_();
 }
 
 bool ORLFFileSystemObserver::reopen(const Fired& fired) {

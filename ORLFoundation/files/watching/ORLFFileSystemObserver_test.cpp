@@ -274,6 +274,19 @@ TEST_F(FileSystemObserver, TellsWhenAWriterHasFinished) {
   EXPECT_EQ(settledNow(), 1) << "also after a replacement";
 }
 
+TEST_F(FileSystemObserver, TellsOfNoFinishedWriterToWhoHasStopped) {
+  int settled = 0;
+  observed_.observer->setSettledHandler([&] { ++settled; });
+  start();
+  observed_.onEvent = [&](NSInteger) { observed_.observer->stopObserving(); };
+  dispatch_sync(observed_.queue, [&] {
+    appendTo(path("file"));
+    internal::events::NodeWatcher::shared()->pump();
+  });
+  EXPECT_THAT(observed_.numbers(), ElementsAre(2));
+  EXPECT_EQ(settled, 0);
+}
+
 TEST_F(FileSystemObserver, RefusesPathsThatLeadNowhere) {
   const auto starts = [&](const std::string& at) {
     ObservedFile observed(at);

@@ -90,7 +90,7 @@ struct World : FileEvents {
   std::map<std::int32_t, std::string> files;
   std::map<std::string, std::optional<std::string>> places;
   std::map<std::string, std::string> answers;
-  bool refusesNext = false;
+  int refusals = 0;
   std::int32_t descriptors = 0;
   /// Descriptors that the observer opened in vain, and those whose source was cancelled.
   std::set<std::int32_t> ended;
@@ -141,7 +141,8 @@ class World::Source final : public DispatchVNodeSource {
 dispatch_vnode_source_t World::makeSource(std::int32_t descriptor, std::uint64_t mask,
                                           const dispatch_queue_t& queue,
                                           const std::optional<std::string>& path) {
-  const bool isMade = !std::exchange(refusesNext, false);
+  const bool isMade = refusals == 0;
+  if (!isMade) --refusals;
   EXPECT_TRUE(!path || *path == kPath);
   note({"source", nameOf(descriptor), mask, isMade});
   if (!isMade && path) ended.insert(descriptor);
@@ -171,15 +172,10 @@ class ObserverPlayer {
 
   Json play(const Json& step) {
     const auto name = step.at(0).get<std::string>();
-    Json result = apply(step);
-    if (name == "fire") fire(step.at(1).get<std::uint64_t>());
+    const Json result = apply(step);
     if (name == "drain" || name == "fire") {
       queue_.runUntilEmpty();
       EXPECT_EQ(world_->closed, world_->ended);
-    }
-    if (name == "release") {
-      observer_ = nullptr;
-      result = !weak_.expired();
     }
     const auto source = sourceInUse();
     const auto observer = weak_.lock();
@@ -190,28 +186,39 @@ class ObserverPlayer {
   }
 
  private:
+  /// Of a number, or of a text in hexadecimal.
+  static std::uint64_t numberOf(const Json& value) {
+    return value.is_string() ? std::stoull(value.get<std::string>(), nullptr, 16)
+                             : value.get<std::uint64_t>();
+  }
   static std::optional<std::string> textOf(const Json& value) {
     return value.is_null() ? std::nullopt : std::optional(value.get<std::string>());
   }
 
-  /// What a handler may do too.
+  /// What a handler may do too. What is asked of an observer that is gone gives nothing.
   Json apply(const Json& step) {
     const auto name = step.at(0).get<std::string>();
-    const auto observer = weak_.lock();
-    if (name == "start") return observer->startObserving();
-    if (name == "stop") observer->stopObserving();
-    if (name == "observe") return observe(*observer, step);
     if (name == "put") world_->standing = textOf(step.at(1));
     if (name == "at") world_->places[step.at(1)] = textOf(step.at(2));
     if (name == "trash") world_->answers[step.at(1)] = step.at(2);
-    if (name == "refuse") world_->refusesNext = true;
+    if (name == "refuse") world_->refusals = step.at(1).get<int>();
+    if (name == "fire") fire(numberOf(step.at(1)));
+    if (name == "release") {
+      observer_ = nullptr;
+      return !weak_.expired();
+    }
+    const auto observer = weak_.lock();
+    if (!observer) return {};
+    if (name == "start") return observer->startObserving();
+    if (name == "stop") observer->stopObserving();
+    if (name == "observe") return observe(*observer, step);
     return {};
   }
 
   bool observe(ORLFFileSystemObserver& observer, const Json& step) {
     const auto file = textOf(step.at(1));
     const std::int32_t descriptor = file ? world_->openFile(*file) : -1;
-    return observer.startObservingFileDescriptor(descriptor, step.at(2).get<std::uint64_t>());
+    return observer.startObservingFileDescriptor(descriptor, numberOf(step.at(2)));
   }
 
   std::shared_ptr<World::Source> sourceInUse() const {

@@ -37,14 +37,38 @@ bool hasName(int descriptor) {
   return ::fstat(descriptor, &file) == 0 && file.st_nlink > 0;
 }
 
+bool areOneFile(int first, int second) {
+  struct stat one {
+  }, other{};
+  return ::fstat(first, &one) == 0 && ::fstat(second, &other) == 0 && one.st_dev == other.st_dev &&
+         one.st_ino == other.st_ino;
+}
+
+/// While a name is being given to another file the kernel leads to the one before, which has none
+/// any more: what stands there is found when that is over.
+int openNamed(const std::string& path) {
+  int nameless = -1;
+  while (true) {
+    const int descriptor = ::open(path.c_str(), O_PATH | O_CLOEXEC);
+    const int number = errno;
+    const bool isAgain = descriptor >= 0 && nameless >= 0 && areOneFile(descriptor, nameless);
+    if (nameless >= 0) ::close(nameless);
+    errno = number;
+    if (descriptor < 0 || hasName(descriptor)) return descriptor;
+    if (isAgain) {
+      ::close(descriptor);
+      errno = ENOENT;
+      return -1;
+    }
+    nameless = descriptor;
+    waitForChangesAround(linkOfDescriptor(nameless));
+  }
+}
+
 }  // namespace
 
 int openForEvents(const std::string& path) {
-  if (path.find('\0') == std::string::npos) {
-    const int descriptor = ::open(path.c_str(), O_PATH | O_CLOEXEC);
-    if (descriptor < 0 || hasName(descriptor)) return descriptor;
-    ::close(descriptor);
-  }
+  if (path.find('\0') == std::string::npos) return openNamed(path);
   errno = ENOENT;
   return -1;
 }

@@ -13,7 +13,8 @@
 namespace ORLFoundation::internal::events {
 
 /// -1, with errno, for what cannot be found: a file without a name too, to which the kernel leads
-/// until its removal is over, and those of file systems that count no names. Links are followed.
+/// until its removal is over, and those of file systems that count no names. A file that takes
+/// another one's place meanwhile is found: one of them is. Links are followed.
 /// The descriptor is closed by `close` and in programs that this process starts. While it is held,
 /// the file system that the file stands in cannot be unmounted but lazily.
 [[nodiscard]] int openForEvents(const std::string& path);

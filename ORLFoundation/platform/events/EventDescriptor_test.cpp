@@ -7,8 +7,10 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <filesystem>
+#include <thread>
 
 namespace ORLFoundation::internal::events {
 namespace {
@@ -100,6 +102,24 @@ TEST_F(EventDescriptor, IsNotOfAFileWithoutAName) {
   fs::remove(path("a"));
   EXPECT_EQ(open(link), -1);
   EXPECT_EQ(errno, ENOENT);
+}
+
+TEST_F(EventDescriptor, IsFoundHoweverOftenItIsReplaced) {
+  constexpr int kOpenings = 10'000;
+  write("a", "text");
+  std::atomic<bool> isEnding{false};
+  std::thread replacing([&] {
+    while (!isEnding) fs::rename(write("new", "text"), path("a"));
+  });
+  int found = 0;
+  for (int opening = 0; opening < kOpenings; ++opening) {
+    const int descriptor = openForEvents(path("a"));
+    if (descriptor >= 0) ++found;
+    ::close(descriptor);
+  }
+  isEnding = true;
+  replacing.join();
+  EXPECT_EQ(found, kOpenings);
 }
 
 TEST_F(EventDescriptor, LeavesNothingBehindWhereItWaits) {

@@ -1,5 +1,6 @@
 #include <ORLFoundation/platform/events/KernelEvents.h>
 
+#include <ORLFoundation/platform/events/EventDescriptor.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/inotify.h>
@@ -103,6 +104,10 @@ class ProcessMounts final : public MountTable {
 };
 
 }  // namespace
+
+void KernelQueue::waitForChangesAround(const std::string& path) {
+  events::waitForChangesAround(path);
+}
 
 std::unique_ptr<KernelQueue> KernelQueue::make() {
   const int descriptor = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);

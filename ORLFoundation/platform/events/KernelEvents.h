@@ -34,6 +34,9 @@ class KernelQueue {
   /// All events that wait, in their order, without waiting.
   [[nodiscard]] virtual std::vector<KernelEvent> read() = 0;
 
+  /// Returns when changes of names that are under way in the folder around a path are over.
+  virtual void waitForChangesAround(const std::string& path);
+
   /// nullptr, with errno, where the kernel gives no queue.
   [[nodiscard]] static std::unique_ptr<KernelQueue> make();
 };

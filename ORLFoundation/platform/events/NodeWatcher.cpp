@@ -40,22 +40,24 @@ std::unique_ptr<NodeWatch> NodeWatcher::watch(NodeRequest request) {
   const std::lock_guard reporting(reportLock_);
   NodeTurn none(false);
   Touched touched;
+  int error = 0;
   {
     const std::lock_guard guarding(lock_);
     touched = collect();  // what happened before is not the new user's
-    if (!add(user, user->handle())) {
-      const int error = errno;
-      report(touched, none);
-      errno = error;
-      return nullptr;
-    }
-    if (user->state.isFolder()) guard(user);
-    if (user->request.openedAt) passOverArrival(*user, touched);
-    noteStart(*user);
-    if (user->due != 0) touched.push_back(user);
+    error = add(user, user->handle()) ? 0 : errno;
+    if (error == 0) begin(user, touched);
   }
   report(touched, none);
-  return std::make_unique<NodeWatch>(*this, user);
+  if (error == 0) return std::make_unique<NodeWatch>(*this, user);
+  errno = error;
+  return nullptr;
+}
+
+void NodeWatcher::begin(const std::shared_ptr<NodeUser>& user, Touched& touched) {
+  if (user->state.isFolder()) guard(user);
+  if (user->request.openedAt) passOverArrival(*user, touched);
+  noteStart(*user);
+  if (user->due != 0) touched.push_back(user);
 }
 
 void NodeWatcher::pump() {
@@ -98,8 +100,9 @@ NodeWatcher::Touched NodeWatcher::collect(bool looksAtMounts) {
   for (const KernelEvent& event : queue_->read()) take(event, touched);
   if (looksAtMounts || areMountsDue_) takeMounts(touched);
   for (const auto& user : touched) {
-    if ((user->events & IN_MOVE_SELF) != 0 && user->state.isFolder()) guard(user);
-    user->due |= user->flagsSinceLook();
+    const bool mayBeElsewhere = (user->events & IN_MOVE_SELF) != 0 || user->hasLostEvents;
+    if (mayBeElsewhere && user->state.isFolder()) guard(user);
+    user->due |= user->flagsSinceLook(*queue_);
   }
   return touched;
 }
@@ -208,7 +211,7 @@ void NodeWatcher::remove(const std::shared_ptr<NodeUser>& user) {
 void NodeWatcher::passOverArrival(NodeUser& user, Touched& touched) {
   const auto path = pathOfDescriptor(user.request.descriptor);
   if (!path) return;
-  waitForChangesAround(*path);
+  queue_->waitForChangesAround(*path);
   user.isNew = true;
   for (const auto& other : collect(false)) touched.push_back(other);
   user.isNew = false;
@@ -216,8 +219,11 @@ void NodeWatcher::passOverArrival(NodeUser& user, Touched& touched) {
 
 void NodeWatcher::noteStart(NodeUser& user) {
   // Looked at once it is watched: what changes from here on brings an event.
+  const std::uint32_t linksBefore = user.state.links;
   if (const auto state = stateOfDescriptor(user.request.descriptor)) user.state = *state;
   user.name = pathOfDescriptor(user.request.descriptor);
+  const bool hasLostItsName = user.state.links < linksBefore && !user.name;
+  if (hasLostItsName && !user.state.isFolder()) user.due |= kNodeDelete;
   if (!mounts_.contains(user.state.mount))
     if (auto found = mountTable_->mounts()) mounts_ = std::move(*found);
   user.isMounted = mounts_.contains(user.state.mount);

@@ -130,6 +130,7 @@ class NodeWatcher {
   void takeMounts(Touched& touched);
   [[nodiscard]] bool readMounts();
   [[nodiscard]] bool add(const std::shared_ptr<NodeUser>& user, const std::string& path);
+  void begin(const std::shared_ptr<NodeUser>& user, Touched& touched);
   void guard(const std::shared_ptr<NodeUser>& user);
   void remove(const std::shared_ptr<NodeUser>& user);
   void passOverArrival(NodeUser& user, Touched& touched);

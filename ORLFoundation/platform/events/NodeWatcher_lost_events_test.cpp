@@ -83,6 +83,18 @@ TEST_F(LostEvents, AreFoundInFolders) {
   EXPECT_EQ(folder.flags() & kNodeDelete, kNodeDelete);
 }
 
+TEST_F(LostEvents, OfTheMoveOfAFolderLeaveItsEndToBeTold) {
+  fs::create_directory(path("e"));
+  WatchedNode folder(watcher_, path("d"));
+  fs::rename(path("d"), path("e/d"));
+  queue_->loseNext();
+  watcher_.pump();
+  EXPECT_EQ(folder.flags() & kNodeRename, kNodeRename);
+  fs::remove(path("e/d"));
+  watcher_.pump();
+  EXPECT_EQ(folder.flags() & kNodeDelete, kNodeDelete);
+}
+
 TEST_F(LostEvents, CountAsAWriteWhereTheClockCannotTell) {
   WatchedNode node(watcher_, write("fresh", "text"));
   queue_->loseNext();

@@ -229,8 +229,36 @@ TEST_F(Held, TemporaryFoldersAreLockedAndClearedWhenTheirOwnersAreGone) {
   EXPECT_FALSE(fs::exists(path("root/.orlf-replacing-00000000")));
   EXPECT_TRUE(fs::exists(path("root/.orlf-replacing-0000000g/file")));
   EXPECT_TRUE(fs::exists(path("root/.orlf-replacing-00000001")));
+  EXPECT_TRUE(ReplacementFolder::isName(nameOfPath(living->folder().path())));
   living->remove();
   EXPECT_FALSE(fs::exists(living->folder().path()));
+}
+
+/// Another process may take a new folder for an abandoned one before it is locked.
+TEST_F(Held, TemporaryFoldersAreMadeAgainWhereAnotherLocksThem) {
+  struct {
+    int number, refusals, made;
+    bool isDone;
+  } const rows[] = {{EWOULDBLOCK, 3, 4, true}, {EWOULDBLOCK, 100, 8, false}, {EIO, 1, 1, false}};
+  for (const auto& row : rows) {
+    int locks = 0, made = 0;
+    const auto calls = std::make_shared<FileCallsOfTest>([&](FileCall call, std::string_view) {
+      made += call == FileCall::MakeFolder ? 1 : 0;
+      errno = row.number;
+      return call != FileCall::Lock || ++locks > row.refusals;
+    });
+    HeldFolder root(*calls, path("outside"));
+    FileOutcome failure;
+    const auto folder = ReplacementFolder::make(root, failure);
+    EXPECT_EQ(folder != nullptr, row.isDone);
+    EXPECT_EQ(made, row.made);
+    if (!row.isDone) {
+      ASSERT_TRUE(failure);
+      EXPECT_EQ(failure->number, row.number);
+    }
+    if (folder) folder->remove();
+    EXPECT_THAT(names("outside"), ElementsAre("file"));
+  }
 }
 
 }  // namespace

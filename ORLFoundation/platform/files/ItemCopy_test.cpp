@@ -186,6 +186,38 @@ TEST_F(Copies, AreToldOfAFileThatTurnsIntoAPipe) {
   EXPECT_FALSE(fs::exists(path("b")));
 }
 
+/// Calls of which one, of a kind and a name, fails with an errno each time.
+std::shared_ptr<FileCalls> callsThatRefuseAt(FileCall refused, const char* at, int number) {
+  return std::make_shared<FileCallsOfTest>([=](FileCall call, std::string_view name) {
+    if (call != refused || name != at) return true;
+    errno = number;
+    return false;
+  });
+}
+
+TEST_F(Copies, TellWhatTheyFailedWith) {
+  write("f/a", "x");
+  auto failure = copy("f", "g", callsThatRefuseAt(FileCall::Open, "g", EMFILE));
+  ASSERT_TRUE(failure);
+  EXPECT_EQ(failure->number, EMFILE);
+  EXPECT_EQ(failure->path, path("g"));
+  fs::resize_file(path("f/a"), 1 << 20);  // with a hole
+  failure = copy("f/a", "h", callsThatRefuse(FileCall::Seek, EIO));
+  ASSERT_TRUE(failure);
+  EXPECT_EQ(failure->number, EIO);
+  EXPECT_EQ(failure->path, path("f/a"));
+}
+
+TEST_F(Copies, OfAFileThatIsCutMeanwhileEnd) {
+  write("a", std::string(3000, 'x'));
+  const auto calls = std::make_shared<FileCallsOfTest>([&](FileCall call, std::string_view) {
+    if (call == FileCall::Read) fs::resize_file(path("a"), 1000);
+    return true;
+  });
+  EXPECT_FALSE(copy("a", "b", calls));
+  EXPECT_EQ(read("b"), std::string(1000, 'x'));
+}
+
 TEST_F(Copies, WriteOverNothing) {
   write("a", "1");
   write("b", "2");

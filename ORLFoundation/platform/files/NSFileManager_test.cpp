@@ -101,6 +101,8 @@ TEST_F(FileManager, CreatesNewFilesOverNothing) {
   EXPECT_FALSE(manager_.createNewFileAtPath(path("l"), NSData("two")));
   EXPECT_EQ(read("a"), "one");
   EXPECT_EQ(fs::status(path("a")).permissions(), fs::perms(0444));
+  EXPECT_FALSE(manager_.createNewFileAtPath("", NSData("x")));
+  EXPECT_FALSE(manager_.createNewFileAtPath(path("b") + std::string("\0x", 2), NSData("x")));
   for (const FileCall call : {FileCall::Write, FileCall::SetMode, FileCall::Close}) {
     NSFileManager full(callsThatRefuse(call, ENOSPC));
     EXPECT_FALSE(full.createNewFileAtPath(path("b"), NSData("x"), mode));

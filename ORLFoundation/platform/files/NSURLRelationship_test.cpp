@@ -2,10 +2,13 @@
 
 #include <ORLFoundation/platform/files/internal/TrashFolders.h>
 #include <gtest/gtest.h>
+#include <pwd.h>
 #include <sys/stat.h>
 #include <tests/support/TemporaryFolder.h>
+#include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <filesystem>
 
 namespace ORLFoundation {
@@ -109,6 +112,46 @@ TEST_F(Trash, IsThatOfTheProcess) {
   EXPECT_TRUE(places.isTop("/proc"));
   EXPECT_FALSE(places.isTop(folder_));
   EXPECT_TRUE(places.home.ends_with("/Trash")) << places.home;
+}
+
+/// A variable of the environment, for as long as it lives; null for none.
+class Variable {
+ public:
+  Variable(const char* name, const char* value) : name_(name) {
+    if (const char* const before = std::getenv(name)) before_ = before;
+    set(value);
+  }
+  ~Variable() { set(before_ ? before_->c_str() : nullptr); }
+  Variable(const Variable&) = delete;
+  Variable& operator=(const Variable&) = delete;
+
+ private:
+  void set(const char* value) const {
+    EXPECT_EQ(value == nullptr ? ::unsetenv(name_) : ::setenv(name_, value, 1), 0);
+  }
+
+  const char* const name_;
+  std::optional<std::string> before_;
+};
+
+TEST_F(Trash, StandsWhereTheEnvironmentSays) {
+  const passwd* const entry = ::getpwuid(::getuid());
+  const std::string recorded =
+      entry == nullptr ? "" : std::string(entry->pw_dir) + "/.local/share/Trash";
+  const struct {
+    const char *data, *home;
+    std::string trash;
+  } rows[] = {{"/data", "/home/ann", "/data/Trash"},
+              {nullptr, "/home/ann", "/home/ann/.local/share/Trash"},
+              {"", "/home/ann", "/home/ann/.local/share/Trash"},
+              {"data", "/home/ann", "/home/ann/.local/share/Trash"},
+              {nullptr, "ann", recorded},
+              {nullptr, "", recorded},
+              {nullptr, nullptr, recorded}};
+  for (const auto& row : rows) {
+    const Variable data("XDG_DATA_HOME", row.data), home("HOME", row.home);
+    EXPECT_EQ(internal::files::trashPlaces().home, row.trash);
+  }
 }
 
 TEST_F(Trash, IsAskedByAddress) {

@@ -1,10 +1,9 @@
 #include <ORLFoundation/platform/files/ReplacementFolder.h>
 
-#include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/Hexadecimal.h>
 #include <ORLFoundation/platform/files/ItemChange.h>
 #include <ORLFoundation/platform/value/NSUUID.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <utility>
@@ -16,8 +15,6 @@ constexpr std::string_view kPrefix = ".orlf-replacing-";
 constexpr std::size_t kDigits = 8;
 constexpr mode_t kOwnFolder = 0700;
 constexpr int kMostTries = 8;
-
-bool isDigitOfName(char c) { return base::isDigit(c) || (c >= 'A' && c <= 'F'); }
 
 /// Open and locked; not open where another process holds it, or removed it.
 OpenFile lockedFolder(HeldFolder& root, const std::string& name) {
@@ -68,7 +65,8 @@ void ReplacementFolder::removeAbandoned(HeldFolder& root) {
 bool ReplacementFolder::isName(std::string_view name) noexcept {
   if (!name.starts_with(kPrefix)) return false;
   const std::string_view digits = name.substr(kPrefix.size());
-  return digits.size() == kDigits && std::all_of(digits.begin(), digits.end(), isDigitOfName);
+  return digits.size() == kDigits &&
+         digits.find_first_not_of(base::kUpperHexDigits) == std::string_view::npos;
 }
 
 void ReplacementFolder::remove() {

@@ -1,6 +1,7 @@
 /// Object stores in SQLite for tests, made by the database library itself.
 #pragma once
 
+#include <ORLFoundation/platform/base/Hexadecimal.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/plist/NSPropertyListSerialization.h>
 #include <sqlite3.h>
@@ -52,13 +53,7 @@ inline constexpr const char* kStoreIdentifier = "0F2D9A1C-5B7E-4C63-9A50-1B2C3D4
 /// A blob as a literal of SQL; NULL for nil.
 inline std::string blobLiteral(const std::optional<NSData>& data) {
   if (!data) return "NULL";
-  constexpr const char* kDigits = "0123456789ABCDEF";
-  std::string literal = "x'";
-  for (const std::uint8_t byte : data->bytes()) {
-    literal += kDigits[byte >> 4U];
-    literal += kDigits[byte & 0xFU];
-  }
-  return literal + "'";
+  return "x'" + internal::base::hexText(data->text()) + "'";
 }
 
 inline std::optional<NSData> storePlist() {

@@ -79,8 +79,9 @@ FileOutcome HeldTrees::check() {
   const auto destination = identityOf(calls_, destination_.number());
   if (!destination) return failed(FileWork::Read, destination_);
   const auto isInner = isWithin(calls_, destination_, *source);
-  const auto isOuter = isInner && !*isInner ? isWithin(calls_, source_, *destination) : isInner;
-  if (!isOuter) return failed(FileWork::Read, destination_);
+  if (!isInner) return failed(FileWork::Read, destination_);
+  const auto isOuter = *isInner ? isInner : isWithin(calls_, source_, *destination);
+  if (!isOuter) return failed(FileWork::Read, source_);
   if (!*isOuter) return std::nullopt;
   return FileFailure{FileWork::Write, EINVAL, destination_.path(),
                      "it is the folder to copy from, lies in it, or holds it"};

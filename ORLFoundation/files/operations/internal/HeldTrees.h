@@ -21,6 +21,9 @@ class HeldTrees final : public ReplacementTrees {
   /// Works as the manager does.
   HeldTrees(const NSFileManager& manager, const std::string& destination,
             const std::string& source);
+  ~HeldTrees() override { endTemporaryFolder(); }
+  HeldTrees(const HeldTrees&) = delete;
+  HeldTrees& operator=(const HeldTrees&) = delete;
 
   /// Why the two cannot be worked on; nothing when they can. Asked first.
   [[nodiscard]] files::FileOutcome check();
@@ -42,7 +45,7 @@ class HeldTrees final : public ReplacementTrees {
   void discard(const std::string& destinationItem) override;
   [[nodiscard]] bool remove(const std::string& destinationItem, NSErrorSlot error) override;
   [[nodiscard]] bool settle(NSErrorSlot error) override;
-  void endTemporaryFolder() override;
+  void endTemporaryFolder() final;
 
  private:
   [[nodiscard]] files::HeldFolder& root(Side side) noexcept;

@@ -9,12 +9,13 @@ namespace {
 /// The name of a user's descriptor, asked for once at most.
 class HeldName final : public NodeName {
  public:
-  explicit HeldName(const NodeUser& user) : user_(user) {}
+  HeldName(const NodeUser& user, KernelQueue& queue) : user_(user), queue_(queue) {}
 
   [[nodiscard]] bool isGone() const override {
-    if (!path()) return true;
-    waitForChangesAround(*path());
-    isKnown_ = false;
+    if (const auto& found = path()) {
+      queue_.waitForChangesAround(*found);
+      isKnown_ = false;
+    }
     return !path();
   }
   [[nodiscard]] bool isChanged() const override { return path() != user_.name; }
@@ -27,6 +28,7 @@ class HeldName final : public NodeName {
 
  private:
   const NodeUser& user_;
+  KernelQueue& queue_;
   mutable bool isKnown_ = false;
   mutable std::optional<std::string> path_;
 };
@@ -54,7 +56,7 @@ void NodeUser::touch(std::uint32_t eventMask) {
   if ((request.flags & kNodeSettled) != 0 && settled_.take(eventMask)) noted |= kNodeSettled;
 }
 
-std::uint64_t NodeUser::flagsSinceLook() {
+std::uint64_t NodeUser::flagsSinceLook(KernelQueue& queue) {
   std::uint64_t flags = std::exchange(noted, 0);
   const std::uint32_t mask = std::exchange(events, 0);
   const bool isCompared = std::exchange(hasLostEvents, false);
@@ -65,7 +67,7 @@ std::uint64_t NodeUser::flagsSinceLook() {
   }
   const std::optional<NodeState> now = stateOfDescriptor(request.descriptor);
   if (now) {
-    const HeldName held(*this);
+    const HeldName held(*this, queue);
     flags |= flagsOfEvents(mask, state, *now, held);
     if (isCompared) flags |= flagsLost(*now, held);
     if ((flags & kNodeRename) != 0 || held.isKnown()) name = held.path();

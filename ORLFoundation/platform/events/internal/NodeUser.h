@@ -24,7 +24,7 @@ struct NodeUser {
   /// Notes what befell the node for `flagsSinceLook`; a mask of 0 asks for no more than a look.
   void touch(std::uint32_t eventMask);
   /// Looks at the node and gives the asked flags of everything noted since the last look.
-  [[nodiscard]] std::uint64_t flagsSinceLook();
+  [[nodiscard]] std::uint64_t flagsSinceLook(KernelQueue& queue);
 
   const NodeRequest request;
   int watch = -1;  ///< The kernel's number, -1 while there is none.
