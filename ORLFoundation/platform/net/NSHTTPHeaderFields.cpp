@@ -3,6 +3,7 @@
 #include <ORLFoundation/platform/base/ASCII.h>
 
 #include <algorithm>
+#include <cstddef>
 
 namespace ORLFoundation {
 
@@ -10,9 +11,13 @@ using namespace internal::base;
 
 bool NSHTTPFieldNameOrder::operator()(std::string_view left,
                                       std::string_view right) const noexcept {
-  return std::lexicographical_compare(
-      left.begin(), left.end(), right.begin(), right.end(),
-      [](char one, char other) { return lowerASCII(one) < lowerASCII(other); });
+  const std::size_t common = std::min(left.size(), right.size());
+  for (std::size_t index = 0; index < common; ++index) {
+    if (left[index] == right[index]) continue;
+    const char one = lowerASCII(left[index]), other = lowerASCII(right[index]);
+    if (one != other) return one < other;
+  }
+  return left.size() < right.size();
 }
 
 bool NSIsHTTPToken(std::string_view text) noexcept {

@@ -66,6 +66,14 @@ TEST_F(NSURLSessionFailures, NameWhatTheServerBroke) {
       {"/raw?bytes=HTTP/1.1+200+OK%0D%0AContent-Length:+x%0D%0A%0D%0A",
        NSURLErrorBadServerResponse},
       {"/raw?bytes=HTTP/1.1+200+OK%0D%0AA:+%00%0D%0A%0D%0A", NSURLErrorBadServerResponse},
+      {"/raw?bytes=HTTP/1.1+200+OK%0D%0A+folded:+1%0D%0A%0D%0A", NSURLErrorBadServerResponse},
+      {"/raw?bytes=HTTP/1.1+101+OK%0D%0AUpgrade:+x%0D%0A%0D%0Abody", NSURLErrorBadServerResponse},
+      {"/raw?bytes=HTTP/1.1+200+OK%0D%0ATransfer-Encoding:+x%0D%0A%0D%0Abody",
+       NSURLErrorCannotDecodeContentData},
+      {"/raw?bytes=HTTP/1.1+200+OK%0D%0ATransfer-Encoding:+chunked%0D%0A%0D%0A5%0D%0Ahel",
+       NSURLErrorNetworkConnectionLost},
+      {"/raw?bytes=HTTP/1.1+200+OK%0D%0ATransfer-Encoding:+chunked%0D%0A%0D%0A2%0D%0Aok%0D%0A",
+       NSURLErrorNetworkConnectionLost},
       {"/endless/header", NSURLErrorBadServerResponse},
       {"/endless/line", NSURLErrorBadServerResponse},
       {"/endless/interim", NSURLErrorBadServerResponse},
@@ -83,6 +91,62 @@ TEST_F(NSURLSessionFailures, NameWhatTheServerBroke) {
       EXPECT_THAT(record.events, Not(testing::Contains("download"))) << path;
     }
   }
+}
+
+TEST_F(NSURLSessionFailures, AreLengthsOfWhichEachReaderMakesAnother) {
+  Loading loading;
+  const auto told = [&](const std::string& fields) {
+    const std::string head = "/raw?bytes=HTTP/1.1+200+OK%0D%0A";
+    return loading.data(LocalServer::shared().url(head + fields + "%0D%0A%0D%0Aabcde"));
+  };
+  for (const char* lengths :
+       {"Content-Length:+3%0D%0AContent-Length:+5", "Content-Length:+5%0D%0AContent-Length:+3",
+        "Content-Length:+5,+3", "Content-Length:+%2B5", "Content-Length:+0x5", "Content-Length:+-5",
+        "Content-Length:+5x", "Content-Length:+5,x", "Content-Length:+5.0",
+        "Content-Length:", "Content-Length:+,5", "Content-Length:+9223372036854775808",
+        "Content-Length+:+5", "Content-Length:%0D%0A+5", "Content-Length:+5%0D%0A+",
+        "Transfer-Encoding+:+chunked", "Transfer-Encoding:%0D%0A+chunked"}) {
+    const TaskRecord record = told(lengths);
+    EXPECT_EQ(record.code(), NSURLErrorBadServerResponse) << lengths;
+    EXPECT_EQ(record.body, "") << lengths;
+    EXPECT_EQ(record.response, nullptr) << lengths;
+  }
+  for (const char* lengths : {"Content-Length:+5", "Content-Length:+5%0D%0AContent-Length:+5",
+                              "Content-Length:+005", "X:+1"})
+    EXPECT_EQ(told(lengths).body, "abcde") << lengths;
+  EXPECT_EQ(told("Content-Length:+3").body, "abc");
+  const char* const chunked =
+      "/raw?bytes=HTTP/1.1+200+OK%0D%0AContent-Length:+0x3%0D%0ATransfer-Encoding:+chunked"
+      "%0D%0A%0D%0A5%0D%0Aabcde%0D%0A0%0D%0A%0D%0A";
+  EXPECT_EQ(loading.data(LocalServer::shared().url(chunked)).body, "abcde");
+}
+
+TEST_F(NSURLSessionFailures, AreFieldsThatFoldNothingAlsoAfterAnswersWithFields) {
+  Loading loading;
+  for (int i = 0; i < 20; ++i) {
+    EXPECT_EQ(loading.data(LocalServer::shared().url("/headed/200?X-Long-Name=value")).code(), 0);
+    const auto folded =
+        LocalServer::shared().url("/raw?bytes=HTTP/1.1+200+OK%0D%0A+more%0D%0A%0D%0A");
+    EXPECT_EQ(loading.data(folded).code(), NSURLErrorBadServerResponse);
+  }
+}
+
+TEST_F(NSURLSessionFailures, AreExtensionsOfAChunkWithoutEndWhichCountAsSilence) {
+  Loading loading;
+  const auto start = Clock::now();
+  const TaskRecord record = loading.data(patientRequest("/endless/extension", 0.2));
+  EXPECT_EQ(record.code(), NSURLErrorTimedOut);
+  EXPECT_EQ(record.body, "hello");
+  EXPECT_GE(secondsSince(start), 0.2);
+}
+
+TEST_F(NSURLSessionFailures, AreNotThoseOfServersThatCloseAConnectionUnasked) {
+  Loading loading;
+  for (int i = 0; i < 20; ++i) {
+    const TaskRecord record = loading.data(LocalServer::shared().url("/echo?once"));
+    EXPECT_EQ(record.status(), 200) << i;
+  }
+  EXPECT_EQ(loading.data(LocalServer::shared().url("/redirect/16?once=1")).status(), 200);
 }
 
 TEST_F(NSURLSessionFailures, KeepTheResponseThatCameBeforeThem) {
@@ -251,6 +315,9 @@ TEST_F(NSURLSessionFailures, OfFilesSayWhy) {
   EXPECT_EQ(loading.data(NSURL::fileURLWithPath(path("none"))).code(), NSURLErrorFileDoesNotExist);
   EXPECT_EQ(loading.data(NSURL::URLWithString("file://elsewhere/etc/passwd").value()).code(),
             NSURLErrorFileDoesNotExist);
+  for (const char* text : {"file:CMakeCache.txt", "file:../etc/passwd", "file:", "file:///%00"})
+    EXPECT_EQ(loading.data(NSURL::URLWithString(text).value()).code(), NSURLErrorFileDoesNotExist)
+        << text;
   ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
   EXPECT_EQ(loading.data(NSURL::fileURLWithPath(path("pipe"))).code(), NSURLErrorCannotOpenFile);
   std::filesystem::remove(path("pipe"));

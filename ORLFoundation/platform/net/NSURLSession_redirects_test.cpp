@@ -105,6 +105,24 @@ TEST(NSURLSessionRedirects, OfOtherStatusesAndWithoutAPlaceAreAnswers) {
   EXPECT_EQ(loading.data(redirected(302, "")).status(), 302);
 }
 
+TEST(NSURLSessionRedirects, ToTwoPlacesAreRefused) {
+  Loading loading;
+  const auto led = [&](const std::string& fields, const std::string& status = "302") {
+    return loading.data(LocalServer::shared().url("/raw?bytes=HTTP/1.1+" + status + "+X%0D%0A" +
+                                                  fields +
+                                                  "%0D%0AContent-Length:+2%0D%0A%0D%0Aok"));
+  };
+  for (const char* places :
+       {"Location:+/echo%0D%0ALocation:+/status/204", "Location:+http:%0D%0ALocation:+//localhost/",
+        "Location:+/echo%0D%0A+x", "Location:+/echo%0D%0ALocation:"}) {
+    const TaskRecord record = led(places);
+    EXPECT_EQ(record.code(), NSURLErrorBadServerResponse) << places;
+    EXPECT_EQ(record.response, nullptr) << places;
+  }
+  EXPECT_EQ(led("Location:+/status/204%0D%0Alocation+:+/status/204").status(), 204);
+  EXPECT_EQ(led("Location:+/echo%0D%0ALocation:+/status/204", "201").body, "ok");
+}
+
 TEST(NSURLSessionRedirects, PassOverTheirBodies) {
   Loading loading;
   for (const char* size : {"10", "100000", "5000000"}) {

@@ -181,6 +181,21 @@ TEST(NSURLSession, LeavesBodiesEncodedWhereTheRequestSaysHow) {
   EXPECT_EQ(loading.data(request).body.substr(0, 2), "\x1F\x8B");
 }
 
+TEST(NSURLSession, AsksTheProxyThatTheEnvironmentNamesAsItBegins) {
+  const std::string proxy = LocalServer::shared().text("");
+  const auto asked = [&](const char* name, const char* address) {
+    static_cast<void>(Loading().data(LocalServer::shared().url("/requests")));
+    ::setenv(name, proxy.c_str(), 1);
+    static_cast<void>(Loading().data(NSURL::URLWithString(address).value()));
+    ::unsetenv(name);
+    return Loading().data(LocalServer::shared().url("/requests")).body;
+  };
+  for (const char* name : {"http_proxy", "all_proxy", "ALL_PROXY"})
+    EXPECT_EQ(asked(name, "http://shop.invalid/echo"), "GET /echo") << name;
+  for (const char* name : {"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"})
+    EXPECT_EQ(asked(name, "https://shop.invalid/"), "CONNECT /shop.invalid:443") << name;
+}
+
 TEST(NSURLSession, NumbersItsTasksFromOne) {
   Loading loading;
   const auto request = requestTo("/echo");

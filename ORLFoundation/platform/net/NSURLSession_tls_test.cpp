@@ -243,7 +243,7 @@ TEST(NSURLSessionTLS, KeepsSecretsFromAnotherScheme) {
 }
 
 TEST(NSURLSessionTLS, SpeaksHTTP2SideBySideOverFewConnections) {
-  constexpr std::size_t kRequests = 6;
+  constexpr std::size_t kRequests = 50;
   constexpr NSInteger kConnections = 3;
   const auto configuration = trusting();
   configuration->setHTTPMaximumConnectionsPerHost(kConnections);

@@ -168,7 +168,7 @@ def bomb(e):
 
 
 def endless(e):
-    """A body, a header or interim answers without end."""
+    """A body, a header, interim answers or the extension of a chunk without end."""
     kind = e.words[0]
     if kind == "body":
         e.send("HTTP/1.1 200 OK\r\n\r\n")
@@ -178,6 +178,9 @@ def endless(e):
         piece = b"".join(b"X-Field-%d: %s\r\n" % (i, b"v" * 900) for i in range(60))
     elif kind == "line":
         e.send("HTTP/1.1 200 OK\r\nX-Long: ")
+        piece = b"x" * 65536
+    elif kind == "extension":
+        e.send("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nhello\r\n5;x=")
         piece = b"x" * 65536
     else:
         piece = b"HTTP/1.1 103 Early Hints\r\nLink: </x>\r\n\r\n" * 1000
@@ -243,19 +246,23 @@ ANSWERS["slow-reader"] = echo
 def serve(connection):
     connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
     reader = connection.makefile("rb")
+    is_last = False
     try:
         while True:
             line = reader.readline(65536)
-            if not line:
+            if not line or is_last:
                 return
             method, target, _ = line.decode("latin-1").split(" ", 2)
             if target.startswith("http://"):  # As a proxy is asked.
                 target = "/" + target.split("/", 3)[3]
+            elif method == "CONNECT":
+                target = "/" + target
             header = {}
             while (field := reader.readline(1 << 20)) not in (b"\r\n", b""):
                 name, _, value = field.decode("latin-1").partition(":")
                 name = name.lower()
                 header[name] = header[name] + " | " + value.strip() if name in header else value.strip()
+            is_last = "?once" in target  # The next request is met with the connection's end.
             body = read_body(target, reader, header)
             if not target.startswith("/requests"):
                 with log_lock:

@@ -1,5 +1,6 @@
 #include <ORLFoundation/platform/net/internal/AnswerHead.h>
 
+#include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/net/internal/ContentFacts.h>
 
@@ -29,9 +30,9 @@ bool AnswerHead::take(std::string_view line) {
   } else if (line.substr(0, 5) == "HTTP/") {
     begin(line);
   } else if (line.front() == ' ' || line.front() == '\t') {
-    if (last_ != nullptr) last_->append(" ").append(readableTextOf(trimmed(line)));
+    return fold(trimmed(line));
   } else {
-    takeField(line);
+    return takeField(line);
   }
   return true;
 }
@@ -39,6 +40,8 @@ bool AnswerHead::take(std::string_view line) {
 void AnswerHead::begin(std::string_view statusLine) {
   fields_.clear();
   last_ = nullptr;
+  kind_ = Kind::Other;
+  isLocationClear_ = true;
   status_ = 0;
   const std::size_t blank = statusLine.find(' ');
   version_ = readableTextOf(statusLine.substr(0, blank));
@@ -47,15 +50,35 @@ void AnswerHead::begin(std::string_view statusLine) {
   std::from_chars(code.data(), code.data() + code.size(), status_);
 }
 
-void AnswerHead::takeField(std::string_view line) {
+AnswerHead::Kind AnswerHead::kindOf(std::string_view name) noexcept {
+  if (base::equalsLower(name, "content-length") || base::equalsLower(name, "transfer-encoding"))
+    return Kind::Framing;
+  return base::equalsLower(name, "location") ? Kind::Location : Kind::Other;
+}
+
+bool AnswerHead::takeField(std::string_view line) {
   const std::size_t colon = line.find(':');
-  const std::string_view name = trimmed(line.substr(0, colon));
+  const std::string_view written = line.substr(0, colon), name = trimmed(written);
   last_ = nullptr;
-  if (colon == std::string_view::npos || name.empty()) return;
+  kind_ = Kind::Other;
+  if (colon == std::string_view::npos || name.empty()) return true;
+  kind_ = kindOf(name);
+  if (kind_ == Kind::Framing && name.size() != written.size()) return false;
   std::string value = readableTextOf(trimmed(line.substr(colon + 1)));
   const auto [field, isNew] = fields_.try_emplace(readableTextOf(name), value);
+  if (!isNew && kind_ == Kind::Location) {
+    isLocationClear_ = isLocationClear_ && field->second == value;
+    return true;
+  }
   if (!isNew) field->second.append(", ").append(value);
   last_ = &field->second;
+  return true;
+}
+
+bool AnswerHead::fold(std::string_view more) {
+  if (kind_ == Kind::Location) isLocationClear_ = false;
+  if (last_ != nullptr) last_->append(" ").append(readableTextOf(more));
+  return kind_ != Kind::Framing;
 }
 
 }  // namespace ORLFoundation::internal::net

@@ -1,6 +1,7 @@
 #include <ORLFoundation/platform/net/internal/ContentFacts.h>
 
 #include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/Trimmed.h>
 
 #include <charconv>
 
@@ -27,9 +28,7 @@ std::string_view withoutQuotes(std::string_view text) {
 
 std::string_view trimmed(std::string_view text) noexcept {
   constexpr std::string_view kBlanks = " \t";
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+  return base::trimmed(text, kBlanks);
 }
 
 std::string_view textOf(const NSHTTPHeaderFields& fields, std::string_view name) noexcept {
@@ -64,6 +63,20 @@ std::optional<std::string> mediaTypeOf(const NSHTTPHeaderFields& fields) {
 
 std::optional<std::string> charsetOf(const NSHTTPHeaderFields& fields) {
   return charsetIn(textOf(fields, "Content-Type"));
+}
+
+bool isLengthClear(const NSHTTPHeaderFields& fields) noexcept {
+  const auto found = fields.find("Content-Length");
+  if (found == fields.end() || fields.contains("Transfer-Encoding")) return true;
+  std::string_view text = found->second;
+  const std::string_view first = cutTo(',', text);
+  std::int64_t length = 0;
+  if (first.empty() || !isDigit(first.front())) return false;
+  const auto [end, error] = std::from_chars(first.data(), first.data() + first.size(), length);
+  if (error != std::errc() || end != first.data() + first.size()) return false;
+  while (!text.empty())
+    if (cutTo(',', text) != first) return false;
+  return true;
 }
 
 std::int64_t lengthOf(const NSHTTPHeaderFields& fields) {

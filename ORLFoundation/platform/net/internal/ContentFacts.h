@@ -31,4 +31,8 @@ namespace ORLFoundation::internal::net {
 /// the body is encoded.
 [[nodiscard]] std::int64_t lengthOf(const NSHTTPHeaderFields& fields);
 
+/// Whether no two readers could take the body to end in different places: its length is told in
+/// digits alone, the same each time, or not at all. It does not count beside a Transfer-Encoding.
+[[nodiscard]] bool isLengthClear(const NSHTTPHeaderFields& fields) noexcept;
+
 }  // namespace ORLFoundation::internal::net

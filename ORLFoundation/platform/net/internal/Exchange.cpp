@@ -24,34 +24,17 @@ Exchange::Exchange(Loader& loader, std::shared_ptr<LoadingTask> task,
       hop_(std::move(plan.hop)),
       timeout_(plan.timeout),
       usesCookies_(plan.usesCookies),
-      decodes_(plan.decodes),
-      heard_(steady_clock::now()) {}
+      decodes_(plan.decodes) {}
 
-Exchange::~Exchange() {
-  if (!handle_) return;
-  detach();
-  // Nothing of this may be left in it.
-  handle_->setMethod("GET", nullptr);
-  handle_->setFields(nullptr, true);
-  loader_.giveBackHandle(std::move(handle_));
-}
+Exchange::~Exchange() { detach(); }
 
-std::unique_ptr<CurlHandle> Exchange::makeHandle(const NSURLSessionConfiguration& configuration) {
-  auto handle = std::make_unique<CurlHandle>(configuration);
-  void* const self = handle.get();
-  handle->set(CURLOPT_HEADERFUNCTION, &Exchange::onHeader);
-  handle->set(CURLOPT_HEADERDATA, self);
-  handle->set(CURLOPT_WRITEFUNCTION, &Exchange::onBody);
-  handle->set(CURLOPT_WRITEDATA, self);
-  handle->set(CURLOPT_SOCKOPTFUNCTION, &Exchange::onSocket);
-  handle->set(CURLOPT_SOCKOPTDATA, self);
-  handle->set(CURLOPT_PREREQFUNCTION, &Exchange::onRequest);
-  handle->set(CURLOPT_PREREQDATA, self);
-  handle->set(CURLOPT_RESOLVER_START_FUNCTION, &Exchange::onResolve);
-  handle->set(CURLOPT_RESOLVER_START_DATA, self);
-  handle->set(CURLOPT_XFERINFOFUNCTION, &Exchange::onProgress);
-  handle->set(CURLOPT_XFERINFODATA, self);
-  return handle;
+void Exchange::setUpPattern(const CurlPattern& pattern) {
+  pattern.set(CURLOPT_HEADERFUNCTION, &Exchange::onHeader);
+  pattern.set(CURLOPT_WRITEFUNCTION, &Exchange::onBody);
+  pattern.set(CURLOPT_SOCKOPTFUNCTION, &Exchange::onSocket);
+  pattern.set(CURLOPT_PREREQFUNCTION, &Exchange::onRequest);
+  pattern.set(CURLOPT_RESOLVER_START_FUNCTION, &Exchange::onResolve);
+  pattern.set(CURLOPT_XFERINFOFUNCTION, &Exchange::onProgress);
 }
 
 Exchange& Exchange::ofHandle(CURL* handle) {
@@ -60,16 +43,16 @@ Exchange& Exchange::ofHandle(CURL* handle) {
   return of(data);
 }
 
-Exchange& Exchange::of(void* handle) noexcept {
-  return *static_cast<const CurlHandle*>(handle)->exchange;
-}
+Exchange& Exchange::of(void* self) noexcept { return *static_cast<Exchange*>(self); }
 
-void Exchange::begin() {
-  handle_ = loader_.takeHandle();
-  sendHop();
-}
+void Exchange::begin() { sendHop(); }
 
 void Exchange::sendHop() {
+  handle_.emplace(loader_.pattern());
+  for (const CURLoption data :
+       {CURLOPT_PRIVATE, CURLOPT_HEADERDATA, CURLOPT_WRITEDATA, CURLOPT_SOCKOPTDATA,
+        CURLOPT_PREREQDATA, CURLOPT_RESOLVER_START_DATA, CURLOPT_XFERINFODATA})
+    handle_->set(data, static_cast<void*>(this));
   setUp();
   multi_ = loader_.multi();
   curl_multi_add_handle(multi_, handle_->get());
@@ -79,49 +62,41 @@ void Exchange::detach() noexcept {
   if (multi_ != nullptr) curl_multi_remove_handle(std::exchange(multi_, nullptr), handle_->get());
 }
 
-// Everything that exchanges and their hops differ in is set here: the handle has served others.
 void Exchange::setUp() {
-  handle_->exchange = this;
   handle_->set(CURLOPT_URL, hop_.address.c_str());
-  handle_->useCookies(usesCookies_);
+  if (usesCookies_) handle_->useCookies();
   const std::string_view body = hop_.body ? hop_.body->text() : std::string_view();
-  handle_->setMethod(hop_.method, hasBody() ? &body : nullptr);
-  setUpFields();
+  const bool has = hasBody();
+  handle_->setMethod(hop_.method, has ? &body : nullptr);
+  setUpFields(has);
 }
 
 bool Exchange::hasBody() const noexcept {
-  const std::string& method = hop_.method;
+  const std::string_view method = hop_.method;
   if (method == "HEAD") return false;
   return hop_.body || method == "POST" || method == "PUT" || method == "PATCH";
 }
 
-void Exchange::addField(const std::string& line) {
-  curl_slist* const list = curl_slist_append(fields_.get(), line.c_str());
-  static_cast<void>(fields_.release());
-  fields_.reset(list);
-}
-
-void Exchange::setUpFields() {
-  fields_.reset();
+void Exchange::setUpFields(bool hasBody) {
   for (const auto& [name, value] : hop_.fields) {
     // The jar's cookies and the request's own go in one field.
-    if (!NSHTTPFieldNameOrder()(name, "Cookie") && !NSHTTPFieldNameOrder()("Cookie", name))
+    if (!NSHTTPFieldNameOrder()(name, "Cookie") && !NSHTTPFieldNameOrder()("Cookie", name)) {
+      handle_->set(CURLOPT_COOKIE, value.c_str());
       continue;
+    }
     std::string field = name;
     // libcurl leaves a field out whose value is blank, unless it is told so.
     if (trimmed(value).empty())
       field += ';';
     else
       field.append(": ").append(value);
-    addField(field);
+    handle_->addField(field);
   }
   // What libcurl would say of a body on its own.
-  if (hasBody()) addField("Expect:");
-  if (hasBody() && hop_.method != "POST" && !hop_.fields.contains("Content-Type"))
-    addField("Content-Type:");
-  handle_->setFields(fields_.get(), !hop_.fields.contains("Accept-Encoding"));
-  const auto cookies = hop_.fields.find("Cookie");
-  handle_->setCookies(cookies == hop_.fields.end() ? nullptr : &cookies->second);
+  if (hasBody) handle_->addField("Expect:");
+  if (hasBody && hop_.method != "POST" && !hop_.fields.contains("Content-Type"))
+    handle_->addField("Content-Type:");
+  handle_->useFields(!hop_.fields.contains("Accept-Encoding"));
 }
 
 void Exchange::heard() noexcept {
@@ -134,25 +109,25 @@ LoadTime Exchange::due() const {
   return isStarted_ && !isPaused_ && !result_ ? timeAfter(heard_, timeout_) : kNeverDue;
 }
 
-int Exchange::onSocket(void* handle, curl_socket_t /*socket*/, curlsocktype /*purpose*/) {
-  of(handle).heard();
+int Exchange::onSocket(void* self, curl_socket_t /*socket*/, curlsocktype /*purpose*/) {
+  of(self).heard();
   return CURL_SOCKOPT_OK;
 }
 
-int Exchange::onRequest(void* handle, char* /*there*/, char* /*here*/, int /*port*/,
+int Exchange::onRequest(void* self, char* /*there*/, char* /*here*/, int /*port*/,
                         int /*ownPort*/) {
-  of(handle).heard();
+  of(self).heard();
   return CURL_PREREQFUNC_OK;
 }
 
-int Exchange::onResolve(void* /*state*/, void* /*reserved*/, void* handle) {
-  of(handle).heard();
+int Exchange::onResolve(void* /*state*/, void* /*reserved*/, void* self) {
+  of(self).heard();
   return 0;
 }
 
-int Exchange::onProgress(void* handle, curl_off_t /*expected*/, curl_off_t /*received*/,
+int Exchange::onProgress(void* self, curl_off_t /*expected*/, curl_off_t /*received*/,
                          curl_off_t /*expectedToSend*/, curl_off_t sent) {
-  of(handle).noteSent(sent);
+  of(self).noteSent(sent);
   return 0;
 }
 
@@ -164,10 +139,9 @@ void Exchange::noteSent(curl_off_t sent) {
   recipient().sent(sent, expected);
 }
 
-std::size_t Exchange::onHeader(char* bytes, std::size_t size, std::size_t count, void* handle) {
-  Exchange& self = of(handle);
-  self.heard();
-  return self.takeHeader({bytes, size * count}) ? size * count : 0;
+std::size_t Exchange::onHeader(char* bytes, std::size_t size, std::size_t count, void* self) {
+  of(self).heard();
+  return of(self).takeHeader({bytes, size * count}) ? size * count : 0;
 }
 
 bool Exchange::takeHeader(std::string_view line) {
@@ -177,17 +151,20 @@ bool Exchange::takeHeader(std::string_view line) {
     return false;
   }
   if (wasWhole || !head_.isWhole()) return true;
+  if (!isLengthClear(head_.fields()) || (isRedirect(head_.status()) && !head_.isLocationClear())) {
+    refusal_ = NSURLErrorBadServerResponse;
+    return false;
+  }
   if (hop_.body) {
     curl_off_t sent = 0;
     curl_easy_getinfo(handle_->get(), CURLINFO_SIZE_UPLOAD_T, &sent);
     noteSent(sent);
   }
-  const std::string_view location = textOf(head_.fields(), "Location");
-  if (isRedirect(head_.status()) && !location.empty()) {
-    location_ = location;
-  } else {
-    answerBegins();
+  if (isRedirect(head_.status())) {
+    const std::string_view location = textOf(head_.fields(), "Location");
+    if (!location.empty()) location_ = location;
   }
+  if (!location_) answerBegins();
   return true;
 }
 
@@ -202,10 +179,9 @@ void Exchange::answerBegins() {
                                                         head_.version(), head_.takeFields()));
 }
 
-std::size_t Exchange::onBody(char* bytes, std::size_t size, std::size_t count, void* handle) {
-  Exchange& self = of(handle);
-  self.heard();
-  return self.takeBody({reinterpret_cast<const std::uint8_t*>(bytes), size * count});
+std::size_t Exchange::onBody(char* bytes, std::size_t size, std::size_t count, void* self) {
+  of(self).heard();
+  return of(self).takeBody({reinterpret_cast<const std::uint8_t*>(bytes), size * count});
 }
 
 std::size_t Exchange::takeBody(std::span<const std::uint8_t> bytes) {

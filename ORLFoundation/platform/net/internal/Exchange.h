@@ -25,9 +25,8 @@ class Exchange final : public Transfer {
            TransferPlan plan);
   ~Exchange() override;
 
-  /// For a loader's exchanges.
-  [[nodiscard]] static std::unique_ptr<CurlHandle> makeHandle(
-      const NSURLSessionConfiguration& configuration);
+  /// Of a loader's exchanges.
+  static void setUpPattern(const CurlPattern& pattern);
   [[nodiscard]] static Exchange& ofHandle(CURL* handle);
 
   void begin() override;
@@ -37,14 +36,9 @@ class Exchange final : public Transfer {
   void ended(CURLcode result);
 
  private:
-  struct FreeList {
-    void operator()(curl_slist* list) const noexcept { curl_slist_free_all(list); }
-  };
-
   void sendHop();
   void setUp();
-  void setUpFields();
-  void addField(const std::string& line);
+  void setUpFields(bool hasBody);
   [[nodiscard]] bool hasBody() const noexcept;
   void detach() noexcept;
   void settle(CURLcode result);
@@ -53,14 +47,14 @@ class Exchange final : public Transfer {
   void heard() noexcept;
   void noteSent(curl_off_t sent);
 
-  // What libcurl calls, with a `CurlHandle`.
-  [[nodiscard]] static Exchange& of(void* handle) noexcept;
-  static std::size_t onHeader(char* bytes, std::size_t size, std::size_t count, void* handle);
-  static std::size_t onBody(char* bytes, std::size_t size, std::size_t count, void* handle);
-  static int onProgress(void* handle, curl_off_t, curl_off_t, curl_off_t, curl_off_t sent);
-  static int onSocket(void* handle, curl_socket_t, curlsocktype);
-  static int onRequest(void* handle, char*, char*, int, int);
-  static int onResolve(void*, void*, void* handle);
+  // What libcurl calls, with the exchange.
+  [[nodiscard]] static Exchange& of(void* self) noexcept;
+  static std::size_t onHeader(char* bytes, std::size_t size, std::size_t count, void* self);
+  static std::size_t onBody(char* bytes, std::size_t size, std::size_t count, void* self);
+  static int onProgress(void* self, curl_off_t, curl_off_t, curl_off_t, curl_off_t sent);
+  static int onSocket(void* self, curl_socket_t, curlsocktype);
+  static int onRequest(void* self, char*, char*, int, int);
+  static int onResolve(void*, void*, void* self);
   [[nodiscard]] bool takeHeader(std::string_view line);
   [[nodiscard]] std::size_t takeBody(std::span<const std::uint8_t> bytes);
   [[nodiscard]] Recipient::Taking takeAnswer(std::span<const std::uint8_t> bytes);
@@ -73,9 +67,8 @@ class Exchange final : public Transfer {
   const bool usesCookies_;
   const bool decodes_;
   int redirects_ = 0;
-  std::unique_ptr<CurlHandle> handle_;
-  CURLM* multi_ = nullptr;  ///< That has the handle.
-  std::unique_ptr<curl_slist, FreeList> fields_;
+  std::optional<CurlHandle> handle_;  ///< Of the hop.
+  CURLM* multi_ = nullptr;            ///< That has the handle.
   AnswerHead head_;
   std::optional<std::string> location_;  ///< Of a redirect that is followed.
   std::size_t skipped_ = 0;              ///< Bytes of its body.
@@ -86,7 +79,7 @@ class Exchange final : public Transfer {
   bool isStarted_ = false;
   bool isPaused_ = false;
   std::optional<CURLcode> result_;  ///< While the delegate has not answered.
-  LoadTime heard_;
+  LoadTime heard_ = kNeverDue;
 };
 
 }  // namespace ORLFoundation::internal::net

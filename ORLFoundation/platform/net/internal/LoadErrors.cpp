@@ -26,6 +26,7 @@ constexpr Row kTransferErrors[] = {
     {CURLE_COULDNT_CONNECT, NSURLErrorCannotConnectToHost},
     {CURLE_PROXY, NSURLErrorCannotConnectToHost},
     {CURLE_WEIRD_SERVER_REPLY, NSURLErrorBadServerResponse},
+    {CURLE_BAD_FUNCTION_ARGUMENT, NSURLErrorBadServerResponse},  // A field that folds nothing.
     {CURLE_HTTP2, NSURLErrorNetworkConnectionLost},
     {CURLE_HTTP2_STREAM, NSURLErrorNetworkConnectionLost},
     {CURLE_PARTIAL_FILE, NSURLErrorNetworkConnectionLost},

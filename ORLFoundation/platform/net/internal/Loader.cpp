@@ -17,7 +17,6 @@ using std::chrono::steady_clock;
 
 /// A server that speaks HTTP/2 answers so many at once over one connection.
 constexpr std::size_t kMostStreams = 100;
-constexpr std::size_t kMostIdleHandles = 128;
 constexpr std::chrono::milliseconds kLongestSleep{60'000};
 /// Where the process had no descriptors left for waking the thread.
 constexpr std::chrono::milliseconds kUnwakedSleep{5};
@@ -31,26 +30,29 @@ Loader::Loader(std::shared_ptr<NSURLSessionConfiguration> configuration,
 
 Loader::~Loader() = default;
 
-bool Loader::isOwnThread() const noexcept { return thread_ == std::this_thread::get_id(); }
-
 void Loader::give(LoaderOrder order) {
   const bool needsThread =
       order.kind == LoaderOrder::Start || order.kind == LoaderOrder::Invalidate;
   const std::lock_guard guard(lock_);
+  if (isLeaving_) return;
   if (!hasThread_) {
     if (!needsThread) return;
     runOnLoaderThread(shared_from_this());
     hasThread_ = true;
   }
-  // Orders that wait have woken the thread, or it is about to look for them.
-  if (orders_.empty() && multi_ != nullptr && !isOwnThread()) curl_multi_wakeup(multi_);
   orders_.push_back(std::move(order));
+  wake();
+}
+
+/// Under the lock. A thread that is awake looks for orders before it sleeps.
+void Loader::wake() noexcept {
+  if (std::exchange(isAsleep_, false)) multi_->wake();
 }
 
 void Loader::leave() {
   const std::lock_guard guard(lock_);
   isLeaving_ = true;
-  if (multi_ != nullptr) curl_multi_wakeup(multi_);
+  wake();
 }
 
 void Loader::run() {
@@ -58,7 +60,8 @@ void Loader::run() {
     openMulti();
     while (!mayEnd()) {
       doOrders();
-      perform();
+      multi_->runDue();
+      endTransfers();
       stepLocalLoads();
       endSilentOnes();
       tellInvalidation();
@@ -68,11 +71,13 @@ void Loader::run() {
   } while (hasMore());
 }
 
-/// Orders that were given while the thread was about to end keep it.
+/// Orders that were given while the thread was about to end keep it. Those that come too late for
+/// the process are dropped: they may hold the session, which holds this.
 bool Loader::hasMore() {
+  std::vector<LoaderOrder> dropped;  // Outlives the lock: a session that dies gives an order.
   const std::lock_guard guard(lock_);
-  hasThread_ = !orders_.empty() && !isLeaving_;
-  if (!hasThread_) thread_ = std::thread::id();
+  if (isLeaving_) dropped.swap(orders_);
+  hasThread_ = !orders_.empty();
   return hasThread_;
 }
 
@@ -81,57 +86,40 @@ bool Loader::hasOrders() {
   return !orders_.empty() || isLeaving_;
 }
 
+/// Whether nothing is left to do without further orders, and none is to be expected.
+bool Loader::isDone() const noexcept {
+  return transfers_.empty() && invalidations_.empty() && (isClosed_ || isInvalidated_);
+}
+
 bool Loader::mayEnd() {
   const std::lock_guard guard(lock_);
-  if (isLeaving_) return true;
-  return orders_.empty() && transfers_.empty() && invalidations_.empty() &&
-         (isClosed_ || isInvalidated_);
+  return isLeaving_ || (orders_.empty() && isDone());
 }
 
 void Loader::openMulti() {
-  CURLM* const multi = curl_multi_init();
   const NSInteger connections =
       std::max<NSInteger>(configuration_->HTTPMaximumConnectionsPerHost(), 1);
-  const long most = static_cast<long>(std::min<NSInteger>(connections, 100'000));
-  curl_multi_setopt(multi, CURLMOPT_MAX_HOST_CONNECTIONS, most);
-  curl_multi_setopt(multi, CURLMOPT_MAXCONNECTS, std::max(64L, 2 * most));
-  canBeWoken_ = curl_multi_wakeup(multi) == CURLM_OK;
-  const std::lock_guard guard(lock_);
-  multi_ = multi;
-  thread_ = std::this_thread::get_id();
+  multi_.emplace(static_cast<long>(std::min<NSInteger>(connections, 100'000)));
+  pattern_.emplace(*configuration_);
+  Exchange::setUpPattern(*pattern_);
 }
 
 void Loader::closeMulti() {
-  CURLM* multi = nullptr;
-  {
-    const std::lock_guard guard(lock_);
-    multi = std::exchange(multi_, nullptr);
-  }
   localLoads_.clear();
   servers_.clear();
   transfers_.clear();
-  handles_.clear();
-  curl_multi_cleanup(multi);
-}
-
-std::unique_ptr<CurlHandle> Loader::takeHandle() {
-  if (handles_.empty()) return Exchange::makeHandle(configuration());
-  auto handle = std::move(handles_.back());
-  handles_.pop_back();
-  return handle;
-}
-
-void Loader::giveBackHandle(std::unique_ptr<CurlHandle> handle) {
-  if (handles_.size() < kMostIdleHandles) handles_.push_back(std::move(handle));
+  invalidations_.clear();
+  pattern_.reset();
+  multi_.reset();
 }
 
 void Loader::doOrders() {
-  std::vector<LoaderOrder> orders;
   {
     const std::lock_guard guard(lock_);
-    orders.swap(orders_);
+    orders_.swap(taken_);
   }
-  for (const LoaderOrder& order : orders) doOrder(order);
+  for (const LoaderOrder& order : taken_) doOrder(order);
+  taken_.clear();
 }
 
 void Loader::doOrder(const LoaderOrder& order) {
@@ -224,16 +212,9 @@ void Loader::finish(const std::shared_ptr<LoadingTask>& task,
   transfer->recipient().ended(std::move(error));
 }
 
-void Loader::perform() {
-  int running = 0;
-  performedAt_ = steady_clock::now();
-  curl_multi_perform(multi_, &running);
-  int left = 0;
-  while (const CURLMsg* const message = curl_multi_info_read(multi_, &left)) {
-    if (message->msg != CURLMSG_DONE) continue;
-    const CURLcode result = message->data.result;
-    Exchange::ofHandle(message->easy_handle).ended(result);
-  }
+void Loader::endTransfers() {
+  while (const auto ended = multi_->nextEnded())
+    Exchange::ofHandle(ended->handle).ended(ended->result);
 }
 
 void Loader::stepLocalLoads() {
@@ -247,7 +228,7 @@ void Loader::askAt(steady_clock::time_point time) noexcept {
 
 // What came while a delegate held up the thread is read before it counts as silence.
 void Loader::endSilentOnes() {
-  const auto now = performedAt_;
+  const auto now = lookedAt_;
   if (now < nextQuestion_) return;
   nextQuestion_ = kNeverDue;
   std::vector<std::shared_ptr<LoadingTask>> due;
@@ -270,19 +251,30 @@ void Loader::tellInvalidation() {
     });
 }
 
+/// Whether the thread may sleep until it is woken.
+bool Loader::fallAsleep() {
+  if (std::any_of(localLoads_.begin(), localLoads_.end(),
+                  [](const LocalLoad* load) { return load->isReady(); }))
+    return false;
+  const std::lock_guard guard(lock_);
+  isAsleep_ = orders_.empty() && !isLeaving_ && !isDone();
+  return isAsleep_;
+}
+
 void Loader::sleep() {
-  const bool hasWork = std::any_of(localLoads_.begin(), localLoads_.end(),
-                                   [](const LocalLoad* load) { return load->isReady(); });
-  if (hasWork || hasOrders() || mayEnd()) return;
-  const auto now = steady_clock::now();
-  std::chrono::milliseconds span = canBeWoken_ ? kLongestSleep : kUnwakedSleep;
+  lookedAt_ = steady_clock::now();
+  std::chrono::milliseconds span{0};
+  if (fallAsleep()) span = multi_->canBeWoken() ? kLongestSleep : kUnwakedSleep;
   // Up to the next millisecond, so that the time is past when the sleep ends.
-  if (nextQuestion_ < now + span)
-    span = std::chrono::ceil<std::chrono::milliseconds>(std::max(nextQuestion_, now) - now);
-  // What has been read for one stream of a connection may hold another's: no socket tells of it.
-  constexpr std::chrono::milliseconds kLongestSleepOfStreams(50);
-  if (!transfers_.empty()) span = std::min(span, kLongestSleepOfStreams);
-  curl_multi_poll(multi_, nullptr, 0, static_cast<int>(span.count()), nullptr);
+  if (nextQuestion_ < lookedAt_ + span)
+    span = std::chrono::ceil<std::chrono::milliseconds>(std::max(nextQuestion_, lookedAt_) -
+                                                        lookedAt_);
+  multi_->wait(span);
+  {
+    const std::lock_guard guard(lock_);
+    isAsleep_ = false;
+  }
+  endTransfers();
 }
 
 }  // namespace ORLFoundation::internal::net

@@ -4,20 +4,19 @@
 
 #include <ORLFoundation/platform/net/NSURLSessionConfiguration.h>
 #include <ORLFoundation/platform/net/internal/CurlHandle.h>
+#include <ORLFoundation/platform/net/internal/CurlMulti.h>
 #include <ORLFoundation/platform/net/internal/Delivery.h>
 #include <ORLFoundation/platform/net/internal/LoaderThreads.h>
-
-#include <curl/curl.h>
 
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
+#include <list>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
-#include <thread>
 #include <unordered_map>
 #include <vector>
 
@@ -61,9 +60,9 @@ class Loader final : public LoaderWork, public std::enable_shared_from_this<Load
   [[nodiscard]] Delivery& delivery() const noexcept { return *delivery_; }
 
   // For transfers, on the loader's thread.
-  [[nodiscard]] CURLM* multi() const noexcept { return multi_; }
-  [[nodiscard]] std::unique_ptr<CurlHandle> takeHandle();
-  void giveBackHandle(std::unique_ptr<CurlHandle> handle);
+  [[nodiscard]] CURLM* multi() const noexcept { return multi_->get(); }
+  /// What the handles of requests are copied from.
+  [[nodiscard]] const CurlPattern& pattern() const noexcept { return *pattern_; }
   /// A transfer is to be asked at this time whether it is due.
   void askAt(std::chrono::steady_clock::time_point time) noexcept;
   /// Ends the task's transfer and destroys it.
@@ -73,12 +72,13 @@ class Loader final : public LoaderWork, public std::enable_shared_from_this<Load
   /// What runs and waits at one server.
   struct Server {
     std::size_t running = 0;
-    std::deque<std::shared_ptr<LoadingTask>> waiting;
+    std::list<std::shared_ptr<LoadingTask>> waiting;
   };
 
-  [[nodiscard]] bool isOwnThread() const noexcept;
+  void wake() noexcept;
   [[nodiscard]] bool hasMore();
   [[nodiscard]] bool hasOrders();
+  [[nodiscard]] bool isDone() const noexcept;
   [[nodiscard]] bool mayEnd();
   void doOrders();
   void doOrder(const LoaderOrder& order);
@@ -86,10 +86,11 @@ class Loader final : public LoaderWork, public std::enable_shared_from_this<Load
   void admit(Transfer& transfer);
   void leaveServer(const Transfer& transfer);
   [[nodiscard]] std::size_t mostAtOnce(const std::string& origin) const noexcept;
-  void perform();
+  void endTransfers();
   void stepLocalLoads();
   void endSilentOnes();
   void tellInvalidation();
+  [[nodiscard]] bool fallAsleep();
   void sleep();
   void openMulti();
   void closeMulti();
@@ -101,19 +102,19 @@ class Loader final : public LoaderWork, public std::enable_shared_from_this<Load
   std::vector<LoaderOrder> orders_;
   bool hasThread_ = false;
   bool isLeaving_ = false;
-  std::thread::id thread_;
-  CURLM* multi_ = nullptr;  ///< Changed under the lock, on the loader's thread.
+  bool isAsleep_ = false;  ///< Whether an order has to wake the thread.
 
   // The loader's thread alone.
-  bool canBeWoken_ = true;
+  std::optional<CurlMulti> multi_;      ///< While the thread runs; anybody may wake it that sleeps.
+  std::optional<CurlPattern> pattern_;  ///< While the thread runs, too.
+  std::vector<LoaderOrder> taken_;      ///< Orders that are being done.
   bool isClosed_ = false;
   bool isInvalidated_ = false;
   std::vector<LoaderOrder> invalidations_;
   std::unordered_map<const LoadingTask*, std::unique_ptr<Transfer>> transfers_;
   std::map<std::string, Server> servers_;
   std::vector<LocalLoad*> localLoads_;
-  std::vector<std::unique_ptr<CurlHandle>> handles_;  ///< That nobody uses.
-  std::chrono::steady_clock::time_point performedAt_;
+  std::chrono::steady_clock::time_point lookedAt_;  ///< When sockets were last asked for news.
   std::chrono::steady_clock::time_point nextQuestion_ =
       std::chrono::steady_clock::time_point::max();
 };

@@ -7,10 +7,12 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <cstdlib>
 #include <mutex>
 #include <set>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace ORLFoundation::internal::net {
@@ -24,10 +26,17 @@ class Threads {
   void enter(const std::shared_ptr<LoaderWork>& work) {
     const std::lock_guard guard(lock_);
     running_.insert(work);
+    ++count_;
   }
-  void leave(const std::shared_ptr<LoaderWork>& work) {
-    const std::lock_guard guard(lock_);
-    running_.erase(running_.find(work));
+  /// The thread has left once it has let go of its work too, which may hold much.
+  void leave(std::shared_ptr<LoaderWork> work) {
+    std::unique_lock guard(lock_);
+    auto kept = running_.extract(running_.find(work));
+    guard.unlock();
+    kept = {};
+    work.reset();
+    guard.lock();
+    --count_;
     hasLeft_.notify_all();
   }
   void end() {
@@ -37,13 +46,14 @@ class Threads {
     guard.unlock();
     for (const auto& work : works) work->leave();
     guard.lock();
-    hasLeft_.wait_for(guard, kPatience, [&] { return running_.empty(); });
+    hasLeft_.wait_for(guard, kPatience, [&] { return count_ == 0; });
   }
 
  private:
   const pid_t process_ = ::getpid();
   std::mutex lock_;
   std::condition_variable hasLeft_;
+  std::size_t count_ = 0;
   /// Twice where work runs again before its thread of before has ended.
   std::multiset<std::shared_ptr<LoaderWork>> running_;
 };
@@ -73,9 +83,9 @@ void runOnLoaderThread(const std::shared_ptr<LoaderWork>& work) {
   const base::NoSignals noSignals;
   all.enter(work);
   try {
-    std::thread([&all, work] {
-      work->run();
-      all.leave(work);
+    std::thread([&all, own = work]() mutable {
+      own->run();
+      all.leave(std::move(own));
     }).detach();
   } catch (...) {
     all.leave(work);

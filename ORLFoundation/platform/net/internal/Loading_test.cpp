@@ -1,15 +1,21 @@
+#include <ORLFoundation/platform/net/NSURLRequest.h>
+#include <ORLFoundation/platform/net/NSURLSessionDelegate.h>
 #include <ORLFoundation/platform/net/internal/AnswerHead.h>
 #include <ORLFoundation/platform/net/internal/DataAddress.h>
 #include <ORLFoundation/platform/net/internal/LoadErrors.h>
+#include <ORLFoundation/platform/net/internal/LoadingSession.h>
 #include <ORLFoundation/platform/net/internal/Redirect.h>
 #include <ORLFoundation/platform/net/internal/Transfer.h>
 #include <ORLFoundation/platform/object/NSError.h>
 #include <curl/curl.h>
 #include <gtest/gtest.h>
 #include <openssl/x509_vfy.h>
+#include <tests/support/Waiting.h>
 
+#include <atomic>
 #include <cerrno>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -38,6 +44,8 @@ TEST(AnswerHead, ReadsStatusVersionAndFields) {
   EXPECT_EQ(head.fields(), (NSHTTPHeaderFields{{"A", "1"}, {"B", "2"}}));
   EXPECT_EQ(headOf("HTTP/2 200\r\n\r\n").version(), "HTTP/2");
   EXPECT_FALSE(headOf("HTTP/1.1 200 OK\r\nA: 1\r\n").isWhole());
+  for (const char* none : {"HTTP/1.1 200 OK\r\nHTTP/1.1 x\r\n", "HTTP/1.1\r\n"})
+    EXPECT_EQ(headOf(none).status(), 0) << none;
 }
 
 TEST(AnswerHead, JoinsRepeatedAndFoldedFields) {
@@ -58,6 +66,55 @@ TEST(AnswerHead, PassesOverInterimAnswersAndTrailers) {
 TEST(AnswerHead, ReadsOtherBytesAsLatin1) {
   EXPECT_EQ(headOf("HTTP/1.1 200 OK\nA: r\xE9\n\n").fields().find("A")->second, "r\xC3\xA9");
   EXPECT_EQ(headOf("HTTP/1.1 200 OK\nA: r\xC3\xA9\n\n").fields().find("A")->second, "r\xC3\xA9");
+}
+
+TEST(AnswerHead, RefusesFieldsOfTheBodysLengthThatLibcurlPassesOver) {
+  for (const char* line : {"Content-Length : 5\r\n", "content-length\t:5\r\n",
+                           "Transfer-Encoding : chunked\r\n", "TRANSFER-ENCODING  :x\n"}) {
+    AnswerHead head;
+    EXPECT_TRUE(head.take("HTTP/1.1 200 OK\r\n"));
+    EXPECT_FALSE(head.take(line)) << line;
+  }
+  for (const char* line :
+       {"Content-Length:\r\n", "Content-Length: 5\r\n", "transfer-encoding:\r\n"}) {
+    AnswerHead head;
+    EXPECT_TRUE(head.take("HTTP/1.1 200 OK\r\n"));
+    EXPECT_TRUE(head.take(line));
+    EXPECT_FALSE(head.take(" 5\r\n")) << line;
+  }
+  const AnswerHead head = headOf(
+      "HTTP/1.1 103 Hints\r\nContent-Length: 5\r\n\r\nHTTP/1.1 200 OK\r\n folded\r\n"
+      "Content-Length: 5\r\nContent-Type : text/csv\r\n ;a=b\r\nContent-Lengths : 6\r\n\r\n");
+  EXPECT_EQ(head.fields(), (NSHTTPHeaderFields{{"Content-Length", "5"},
+                                               {"Content-Lengths", "6"},
+                                               {"Content-Type", "text/csv ;a=b"}}));
+}
+
+TEST(AnswerHead, KnowsWhetherItLeadsToOnePlace) {
+  struct Row {
+    const char* fields;
+    bool isClear;
+    const char* location;
+  };
+  const Row rows[] = {
+      {"A: 1\r\nA: 2\r\n", true, ""},
+      {"Location: /a, b\r\n", true, "/a, b"},
+      {"Location : /a\r\nlocation:/a \r\nLOCATION: /a\r\n", true, "/a"},
+      {"Location: /a\r\nLocation: /b\r\n", false, "/a"},
+      {"Location: /a\r\nLocation: /b\r\nLocation: /a\r\n", false, "/a"},
+      {"Location: http:\r\nLocation: //y.org/\r\n", false, "http:"},
+      {"Location: /a\r\nLocation:\r\n", false, "/a"},
+      {"Location: /a\r\n b\r\n", false, "/a b"},
+      {"Location: /a\r\nLocation: /a\r\n b\r\n", false, "/a"},
+      {"Location: /a\r\nA: 1\r\n b\r\n", true, "/a"},
+      {"Location: /a\r\nLocation: /b\r\n\r\nHTTP/1.1 302 Found\r\nLocation: /c\r\n", true, "/c"},
+  };
+  for (const Row& row : rows) {
+    const AnswerHead head = headOf(std::string("HTTP/1.1 103 Hints\r\n") + row.fields + "\r\n");
+    EXPECT_EQ(head.isLocationClear(), row.isClear) << row.fields;
+    const auto found = head.fields().find("Location");
+    EXPECT_EQ(found == head.fields().end() ? "" : found->second, row.location) << row.fields;
+  }
 }
 
 TEST(AnswerHead, RefusesTooManyBytesOfAllHeadsTogether) {
@@ -163,6 +220,7 @@ TEST(LoadErrors, MapEveryFailureOfATransfer) {
       {{CURLE_COULDNT_CONNECT, 0, ENETDOWN}, NSURLErrorNotConnectedToInternet},
       {{CURLE_PROXY}, NSURLErrorCannotConnectToHost},
       {{CURLE_WEIRD_SERVER_REPLY}, NSURLErrorBadServerResponse},
+      {{CURLE_BAD_FUNCTION_ARGUMENT}, NSURLErrorBadServerResponse},
       {{CURLE_HTTP2}, NSURLErrorNetworkConnectionLost},
       {{CURLE_HTTP2_STREAM}, NSURLErrorNetworkConnectionLost},
       {{CURLE_PARTIAL_FILE}, NSURLErrorNetworkConnectionLost},
@@ -233,6 +291,40 @@ TEST(LoadTime, AddsSecondsAndKnowsNever) {
   for (const double never : {1e9, 1e300, std::numeric_limits<double>::infinity(),
                              std::numeric_limits<double>::quiet_NaN()})
     EXPECT_EQ(timeAfter(start, never), kNeverDue);
+}
+
+/// Holds up the thread that loads while it is told that its task has ended.
+class HeldUp final : public NSURLSessionTaskDelegate {
+ public:
+  void URLSessionTaskDidCompleteWithError(
+      const std::shared_ptr<NSURLSession>& /*session*/,
+      const std::shared_ptr<NSURLSessionTask>& /*task*/,
+      const std::shared_ptr<const NSError>& /*error*/) override {
+    isTold = true;
+    EXPECT_TRUE(orlftest::becomes([this] { return mayGoOn.load(); }));
+  }
+
+  std::atomic<bool> isTold{false};
+  std::atomic<bool> mayGoOn{false};
+};
+
+TEST(Loader, LetsGoOfASessionWhoseInvalidationComesTooLateForTheProcess) {
+  auto delegate = std::make_shared<HeldUp>();
+  auto session = std::make_shared<LoadingSession>(nullptr, delegate, nullptr);
+  session->dataTaskWithRequest(NSURLRequest::requestWithURL(NSURL::URLWithString("data:,x")))
+      ->resume();
+  ASSERT_TRUE(orlftest::becomes([&] { return delegate->isTold.load(); }));
+  session->invalidateAndCancel();
+  session->loader().leave();
+  session->finishTasksAndInvalidate();
+  session->loader().give({LoaderOrder::Invalidate, nullptr, session, delegate});
+  const std::weak_ptr<LoadingSession> heldSession = session;
+  const std::weak_ptr<HeldUp> heldDelegate = delegate;
+  session.reset();
+  delegate->mayGoOn = true;
+  delegate.reset();
+  EXPECT_TRUE(orlftest::becomes([&] { return heldSession.expired(); }));
+  EXPECT_TRUE(orlftest::becomes([&] { return heldDelegate.expired(); }));
 }
 
 }  // namespace

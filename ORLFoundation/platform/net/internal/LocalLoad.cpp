@@ -47,6 +47,8 @@ void LocalLoad::beginFile(const NSURL& url) {
   const std::string host = url.host().value_or("");
   if (!host.empty() && host != "localhost") return fail(NSURLErrorFileDoesNotExist);
   const std::string path = url.path();
+  // "file:name" would be read from wherever the program stands.
+  if (path.empty() || path.front() != '/') return fail(NSURLErrorFileDoesNotExist);
   if (path.find('\0') != std::string::npos) return fail(NSURLErrorFileDoesNotExist);
   descriptor_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   struct stat status {};

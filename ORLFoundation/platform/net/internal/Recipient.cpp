@@ -12,25 +12,24 @@ namespace {
 /// How many bytes may wait for a delegate before the server has to.
 constexpr std::int64_t kMostUndelivered = std::int64_t{4} * 1024 * 1024;
 
-/// Calls back once; when it was never called, as its last copy goes, with the cancelling answer.
-class Answer {
+}  // namespace
+
+/// Answers once for a delegate; as its last copy goes, if it never did, with cancelling.
+class Recipient::Answer {
  public:
-  explicit Answer(std::function<void(NSURLSessionResponseDisposition)> use)
-      : use_(std::move(use)) {}
+  explicit Answer(std::shared_ptr<Recipient> recipient) : recipient_(std::move(recipient)) {}
   ~Answer() { give(NSURLSessionResponseCancel); }
   Answer(const Answer&) = delete;
   Answer& operator=(const Answer&) = delete;
 
   void give(NSURLSessionResponseDisposition disposition) {
-    if (!isGiven_.exchange(true)) use_(disposition);
+    if (!isGiven_.exchange(true)) recipient_->answered(disposition);
   }
 
  private:
-  const std::function<void(NSURLSessionResponseDisposition)> use_;
+  const std::shared_ptr<Recipient> recipient_;
   std::atomic<bool> isGiven_{false};
 };
-
-}  // namespace
 
 Recipient::Recipient(std::shared_ptr<LoadingTask> task, std::shared_ptr<Loader> loader)
     : loader_(std::move(loader)),
@@ -68,8 +67,7 @@ void Recipient::began(std::shared_ptr<NSURLResponse> response) {
   isOpen_ = false;
   loader_->delivery().deliver([self = shared_from_this(), response = std::move(response)] {
     if (self->task_->isCancelled()) return;
-    const auto answer = std::make_shared<Answer>(
-        [self](NSURLSessionResponseDisposition disposition) { self->answered(disposition); });
+    const auto answer = std::make_shared<Answer>(self);
     self->dataDelegate_->URLSessionDataTaskDidReceiveResponse(
         self->session_, self->dataTask_, response,
         [answer](NSURLSessionResponseDisposition disposition) { answer->give(disposition); });

@@ -41,6 +41,8 @@ class Recipient : public std::enable_shared_from_this<Recipient> {
   void ended(std::shared_ptr<const NSError> error);
 
  private:
+  class Answer;
+
   void answered(NSURLSessionResponseDisposition disposition);
   [[nodiscard]] bool hasRoom() noexcept;
   [[nodiscard]] Taking refuse(NSURLError code) noexcept;

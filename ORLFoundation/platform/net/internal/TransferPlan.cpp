@@ -51,9 +51,10 @@ TransferPlan planOf(const NSURLRequest& request, const NSURLSessionConfiguration
                         kTimeout);
   plan.resourceTimeout = above0(configuration.timeoutIntervalForResource(), kResourceTimeout);
   const std::string scheme = base::lowerASCII(request.URL()->scheme().value_or(""));
-  plan.isLocal = scheme == "file" || scheme == "data";
+  const auto isOf = [&](std::string_view name) { return std::string_view(scheme) == name; };
+  plan.isLocal = isOf("file") || isOf("data");
   if (plan.isLocal) return plan;
-  if (scheme != "http" && scheme != "https")
+  if (!isOf("http") && !isOf("https"))
     return plan.failure = scheme.empty() ? NSURLErrorBadURL : NSURLErrorUnsupportedURL, plan;
   plan.hop = {withoutFragment(request.URL()->absoluteString()), request.HTTPMethod(),
               fieldsOf(request, configuration, policy), request.HTTPBody()};
@@ -63,8 +64,10 @@ TransferPlan planOf(const NSURLRequest& request, const NSURLSessionConfiguration
   const std::string host = base::lowerASCII(request.URL()->host().value_or(""));
   // libcurl would take the next word of the path for a host that is not there.
   if (host.empty()) return plan.failure = NSURLErrorBadURL, plan;
-  const NSInteger port = request.URL()->port().value_or(scheme == "https" ? 443 : 80);
-  plan.origin = scheme + "://" + host + ":" + std::to_string(port);
+  const NSInteger port = request.URL()->port().value_or(isOf("https") ? 443 : 80);
+  constexpr std::size_t kPortSize = 20;
+  plan.origin.reserve(scheme.size() + host.size() + kPortSize);
+  plan.origin.append(scheme).append("://").append(host).append(":").append(std::to_string(port));
   plan.usesCookies = request.HTTPShouldHandleCookies() && configuration.HTTPShouldSetCookies();
   return plan;
 }
