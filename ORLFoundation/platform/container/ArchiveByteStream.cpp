@@ -17,7 +17,7 @@ std::shared_ptr<ArchiveByteStream> ArchiveByteStream::fileStream(const std::stri
                                                                  FileMode mode, NSErrorSlot error) {
   constexpr mode_t kNewFile = 0666;  // of which the process's mask takes away
   FileCalls& calls = *FileCalls::system();
-  const bool reads = mode == FileMode::readOnly;
+  const bool reads = mode != FileMode::createNew;
   OpenFile file(calls,
                 calls.open(AT_FDCWD, path, reads ? O_RDONLY : O_RDWR | O_CREAT | O_EXCL, kNewFile));
   if (file.isOpen()) return std::make_shared<FileByteStream>(calls, std::move(file), path);

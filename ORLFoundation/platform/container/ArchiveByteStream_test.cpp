@@ -141,6 +141,9 @@ TEST_F(ArchiveByteStreams, OpenFilesOrTellWhyNot) {
   write("there", "1");
   EXPECT_EQ(ArchiveByteStream::fileStream(path("there"), Mode::createNew, &error), nullptr);
   EXPECT_EQ(error->code(), 516);
+  // A mode that is none makes nothing.
+  EXPECT_EQ(ArchiveByteStream::fileStream(path("missing"), static_cast<Mode>(2)), nullptr);
+  EXPECT_FALSE(std::filesystem::exists(path("missing")));
   EXPECT_EQ(ArchiveStream::extractStream(path("missing"), {}, &error), nullptr);
   EXPECT_EQ(error->code(), 4);
   const auto made = ArchiveByteStream::fileStream(path("new"), Mode::createNew);

@@ -3,6 +3,7 @@
 #include <ORLFoundation/platform/container/internal/SealedPrologue.h>
 
 #include <algorithm>
+#include <initializer_list>
 #include <utility>
 
 namespace ORLFoundation {
@@ -11,13 +12,26 @@ using internal::container::SealedPrologue;
 
 namespace {
 
+using Profile = ArchiveEncryptionContext::Profile;
+using Checksum = ArchiveEncryptionContext::Checksum;
+
 constexpr std::size_t kKeyBytes = 32;
+
+/// Throws for a value outside its enumeration, of which no container could be made.
+template <class Value>
+void checkKnown(Value value, std::initializer_list<Value> known) {
+  if (std::find(known.begin(), known.end(), value) == known.end())
+    throw ArchiveError(ArchiveErrorUnsupported, "Containers of that form are not made here.");
+}
 
 }  // namespace
 
 ArchiveEncryptionContext::ArchiveEncryptionContext(Profile profile,
                                                    ArchiveCompression compressionAlgorithm)
     : prologue_(std::make_unique<SealedPrologue>()) {
+  checkKnown(profile, {Profile::hkdf_sha256_aesctr_hmac__symmetric__none,
+                       Profile::hkdf_sha256_aesctr_hmac__scrypt__none});
+  checkKnown(compressionAlgorithm, {ArchiveCompression::none, ArchiveCompression::lzfse});
   prologue_->profile = profile;
   prologue_->plan.compression = compressionAlgorithm;
 }
@@ -67,6 +81,7 @@ void ArchiveEncryptionContext::setSegmentsPerCluster(std::size_t count) {
 }
 
 void ArchiveEncryptionContext::setChecksum(Checksum checksum) {
+  checkKnown(checksum, {Checksum::none, Checksum::murmurHash64, Checksum::sha256});
   prologue_->plan.checksum = checksum;
 }
 

@@ -37,7 +37,8 @@ class ArchiveEncryptionContext {
   /// What each segment's bytes are checked by once more.
   enum class Checksum : std::uint8_t { none = 0, murmurHash64 = 1, sha256 = 2 };
 
-  /// `init(profile:compressionAlgorithm:)`  For a new container.
+  /// `init(profile:compressionAlgorithm:)`  For a new container. Throws `ArchiveError` for values
+  /// that are none of their enumerations'.
   ArchiveEncryptionContext(Profile profile, ArchiveCompression compressionAlgorithm);
   /// `init(from:)`  Of a container that a stream is at the beginning of; the segments follow.
   /// Throws `ArchiveError` where there is none, and for other profiles.
@@ -64,7 +65,7 @@ class ArchiveEncryptionContext {
   void setSegmentSize(std::size_t bytes);
   /// At least 32, at most 65,536; 256 unless it is set.
   void setSegmentsPerCluster(std::size_t count);
-  /// SHA-256 unless it is set.
+  /// SHA-256 unless it is set. Throws `ArchiveError` for a value that is none.
   void setChecksum(Checksum checksum);
   /// Random bytes behind the last segment; none unless it is set.
   void setPaddingBytes(std::size_t count);

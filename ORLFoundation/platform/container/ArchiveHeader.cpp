@@ -30,7 +30,9 @@ constexpr std::array kBlobForms{BlobForm{'A', 2}, BlobForm{'B', 4}, BlobForm{'C'
 
 constexpr std::array<std::size_t, 4> kNumberWidths{1, 2, 4, 8};
 
-bool isKeyCharacter(char c) { return (c >= 'A' && c <= 'Z') || internal::base::isDigit(c); }
+bool isKeyCharacter(char c) {
+  return internal::base::isUpperLetter(c) || internal::base::isDigit(c);
+}
 
 bool fits(std::uint64_t value, std::size_t width) {
   return width == 8 || value >> (8 * width) == 0;

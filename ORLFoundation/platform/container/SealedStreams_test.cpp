@@ -272,6 +272,22 @@ TEST(SealedContainer, RefusesFormsThatItDoesNotRead) {
   EXPECT_EQ(code(11, 1), ArchiveErrorTooLarge);
 }
 
+TEST(SealedContainer, MakesNoFormsThatAreNone) {
+  const auto code = [](auto make) { return archiveErrorOf(make); };
+  for (const std::uint32_t profile : {0U, 2U, 4U, 6U})
+    EXPECT_EQ(code([&] {
+                const ArchiveEncryptionContext made(static_cast<Profile>(profile),
+                                                    ArchiveCompression::lzfse);
+              }),
+              ArchiveErrorUnsupported);
+  EXPECT_EQ(code([&] {
+              const ArchiveEncryptionContext made(kSymmetric, static_cast<ArchiveCompression>(2));
+            }),
+            ArchiveErrorUnsupported);
+  ArchiveEncryptionContext context(kSymmetric, ArchiveCompression::none);
+  EXPECT_EQ(code([&] { context.setChecksum(static_cast<Checksum>(3)); }), ArchiveErrorUnsupported);
+}
+
 TEST(SealedContainer, TakesNoMoreMemoryForAPasswordThanAllowed) {
   Octets container = sealed(forms()[3]);
   for (const int strength : {2, 3}) {

@@ -1,6 +1,7 @@
 #include <ORLFoundation/platform/text/NSStringBytes.h>
 
 #include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/UTF16.h>
 #include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/text/internal/ByteTables.h>
 #include <ORLFoundation/platform/value/NSException.h>
@@ -61,13 +62,7 @@ void appendUnit(Bytes& bytes, std::uint32_t unit, bool isBigEndian) {
 }
 
 bool appendUTF16(Bytes& bytes, char32_t character, bool isBigEndian) {
-  if (character < 0x10000) {
-    appendUnit(bytes, character, isBigEndian);
-  } else {
-    const char32_t offset = character - 0x10000;
-    appendUnit(bytes, 0xD800 + (offset >> 10), isBigEndian);
-    appendUnit(bytes, 0xDC00 + (offset & 0x3FF), isBigEndian);
-  }
+  forEachUnit(character, [&](char16_t unit) { appendUnit(bytes, unit, isBigEndian); });
   return true;
 }
 

@@ -8,6 +8,7 @@
 namespace ORLFoundation {
 namespace {
 
+using internal::base::continuesUTF8Character;
 using internal::base::firstUTF8Character;
 using internal::base::UTF8Character;
 
@@ -16,8 +17,7 @@ UTF8Character lastUTF8Character(std::string_view text) noexcept {
   constexpr std::size_t kLongest = 4;
   for (std::size_t length = 1; length <= std::min(kLongest, text.size()); ++length) {
     const std::string_view tail = text.substr(text.size() - length);
-    const bool isContinued = (static_cast<unsigned char>(tail.front()) & 0xC0U) == 0x80;
-    if (isContinued) continue;
+    if (continuesUTF8Character(tail.front())) continue;
     const UTF8Character character = firstUTF8Character(tail);
     if (character.length == length) return character;
     break;

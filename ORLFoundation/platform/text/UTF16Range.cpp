@@ -1,5 +1,7 @@
 #include <ORLFoundation/platform/text/UTF16Range.h>
 
+#include <ORLFoundation/platform/base/UTF8.h>
+
 #include <algorithm>
 #include <cstddef>
 
@@ -8,9 +10,8 @@ namespace {
 
 // The units that a character's first byte stands for; the other bytes stand for none.
 NSUInteger unitsOfByte(char byte) noexcept {
-  const auto value = static_cast<unsigned char>(byte);
-  if ((value & 0xC0) == 0x80) return 0;
-  return value >= 0xF0 ? 2 : 1;
+  if (base::continuesUTF8Character(byte)) return 0;
+  return static_cast<unsigned char>(byte) >= 0xF0 ? 2 : 1;
 }
 
 // The byte at which the character begins that holds the unit.

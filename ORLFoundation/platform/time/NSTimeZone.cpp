@@ -1,12 +1,12 @@
 
 #include <ORLFoundation/platform/time/NSTimeZone.h>
 
+#include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/time/ZoneTable.h>
 #include <ORLFoundation/platform/time/internal/CalendarInstants.h>
 #include <ORLFoundation/platform/time/internal/SystemZone.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -41,8 +41,8 @@ ZoneCache& zoneCache() {
 
 // Only names within the zoneinfo folder: no absolute path, no way up, no name of a scheme.
 bool isZoneName(std::string_view name) {
-  const auto isNameCharacter = [](unsigned char c) {
-    return std::isalnum(c) || c == '/' || c == '_' || c == '-' || c == '+';
+  const auto isNameCharacter = [](char c) {
+    return internal::base::isLetterOrDigit(c) || c == '/' || c == '_' || c == '-' || c == '+';
   };
   return !name.empty() && name.size() < 64 && name.front() != '/' &&
          name.find("//") == std::string_view::npos && name.substr(0, 6) != "Fixed/" &&
@@ -60,7 +60,7 @@ std::optional<NSInteger> twoDigits(std::string_view text) {
   if (text.empty() || text.size() > 2) return std::nullopt;
   NSInteger value = 0;
   for (const char c : text) {
-    if (c < '0' || c > '9') return std::nullopt;
+    if (!internal::base::isDigit(c)) return std::nullopt;
     value = value * 10 + (c - '0');
   }
   return value;

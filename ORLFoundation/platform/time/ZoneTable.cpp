@@ -149,4 +149,22 @@ ZoneTable::Stretch ZoneTable::stretchAt(std::int64_t instant) const noexcept {
           segment.offset};
 }
 
+ZoneTable::LocalStretch ZoneTable::localStretchAt(std::int64_t local) const noexcept {
+  const std::int64_t later = cyclesPast(local - largestOffset_) * kCycle;
+  const Segment& segment = segmentOfLocal<&Segment::firstLocal>(local - later);
+  const Segment& next = (&segment)[1];
+  const bool isLast = next.start == kEndOfTime;
+  LocalStretch stretch{segment.firstLocal,
+                       isLast ? kEndOfTime : std::min(next.lastLocal, next.start + segment.offset),
+                       segment.offset};
+  if (repeatsFrom_ == kEndOfTime) return stretch;
+  // Times of one reading of the table, since the change at its seam has another before it each
+  // time.
+  const std::int64_t seam = repeatsFrom_ + largestOffset_;
+  if (isLast) stretch.end = seam;
+  if (later != 0) stretch.begin = std::max(stretch.begin, seam - kCycle) + later;
+  stretch.end += later;
+  return stretch;
+}
+
 }  // namespace ORLFoundation::internal::time

@@ -71,6 +71,15 @@ class ZoneTable {
     std::int32_t offset;
   };
   [[nodiscard]] Stretch stretchAt(std::int64_t instant) const noexcept;
+  /// Local times that the zone's clock shows once each, all at one offset.
+  struct LocalStretch {
+    std::int64_t begin;  // kBeginningOfTime where no change comes before
+    std::int64_t end;    // kEndOfTime where no change follows
+    std::int32_t offset;
+  };
+  /// The stretch that holds a local time, or ends before it where a clock change leaves that time
+  /// out or doubles it. A stretch may end where the table repeats, without a change.
+  [[nodiscard]] LocalStretch localStretchAt(std::int64_t local) const noexcept;
 
   static constexpr std::int64_t kBeginningOfTime = std::numeric_limits<std::int64_t>::min();
   static constexpr std::int64_t kEndOfTime = std::numeric_limits<std::int64_t>::max();

@@ -47,6 +47,23 @@ void expectLocal(const ZoneTable& table, const Library& library, std::int64_t lo
   ASSERT_EQ(table.firstInstantOfLocal(local), seconds(lookup.pre)) << local;
   ASSERT_EQ(table.lastInstantOfLocal(local), seconds(isGap ? lookup.pre : lookup.post)) << local;
   ASSERT_EQ(table.startInstantOfLocal(local), seconds(isGap ? lookup.trans : lookup.pre)) << local;
+  const bool isShownOnce = lookup.kind == cctz::time_zone::civil_lookup::UNIQUE;
+  const ZoneTable::LocalStretch stretch = table.localStretchAt(local);
+  ASSERT_EQ(local < stretch.end, isShownOnce) << local;
+  if (!isShownOnce) return;
+  ASSERT_LE(stretch.begin, local);
+  ASSERT_EQ(local - stretch.offset, seconds(lookup.pre)) << local;
+}
+
+void expectShownOnceThroughout(const ZoneTable& table, const Library& library, std::int64_t local) {
+  const ZoneTable::LocalStretch stretch = table.localStretchAt(local);
+  if (local >= stretch.end) return;
+  for (const std::int64_t end : {stretch.begin, stretch.end - 1}) {
+    if (end == ZoneTable::kBeginningOfTime || end == ZoneTable::kEndOfTime - 1) continue;
+    const auto lookup = library.local(end);
+    ASSERT_EQ(lookup.kind, cctz::time_zone::civil_lookup::UNIQUE) << end;
+    ASSERT_EQ(end - stretch.offset, seconds(lookup.pre)) << end;
+  }
 }
 
 struct Span {
@@ -103,6 +120,7 @@ TEST(ZoneTable, AgreesWithTheLibraryAroundEveryChangeOfItsTable) {
         ASSERT_EQ(table->offsetAt(change + near), library.offsetAt(change + near));
         const std::int64_t local = change + near + table->offsetAt(change - 1);
         ASSERT_NO_FATAL_FAILURE(expectLocal(*table, library, local)) << name;
+        ASSERT_NO_FATAL_FAILURE(expectShownOnceThroughout(*table, library, local)) << name;
       }
     }
     EXPECT_GT(changes, 2) << name;
@@ -127,6 +145,41 @@ TEST(ZoneTable, IsSteadyExactlyWhereNoChangeIsNear) {
   EXPECT_FALSE(table->isSteadyAround(change, 1000));
   EXPECT_TRUE(table->isSteadyAround(change + 1000, 1000));
   EXPECT_TRUE(ZoneTable::fixed(3600)->isSteadyAround(startOfYear(3000), 1'000'000));
+}
+
+TEST(ZoneTable, TellsTheLocalTimesShownOnceBetweenTwoChanges) {
+  const auto table = ZoneTable::read("America/New_York");
+  const std::int64_t spring = civil::joinSeconds(civil::dayFromDate(2024, 3, 10), 3 * 3600);
+  const std::int64_t autumn = civil::joinSeconds(civil::dayFromDate(2024, 11, 3), 3600);
+  const ZoneTable::LocalStretch summer = table->localStretchAt(startOfYear(2024) + 180 * 86400);
+  EXPECT_EQ(summer.begin, spring);
+  EXPECT_EQ(summer.end, autumn);
+  EXPECT_EQ(summer.offset, -4 * 3600);
+  for (const std::int64_t leftOut : {spring - 3600, spring - 1})
+    EXPECT_LE(table->localStretchAt(leftOut).end, leftOut);
+  for (const std::int64_t doubled : {autumn, autumn + 3599})
+    EXPECT_LE(table->localStretchAt(doubled).end, doubled);
+  EXPECT_EQ(table->localStretchAt(autumn + 3600).begin, autumn + 3600);
+}
+
+TEST(ZoneTable, ShowsEveryLocalTimeOnceAtAFixedOffset) {
+  const ZoneTable::LocalStretch all = ZoneTable::fixed(3600)->localStretchAt(startOfYear(3000));
+  EXPECT_EQ(all.begin, ZoneTable::kBeginningOfTime);
+  EXPECT_EQ(all.end, ZoneTable::kEndOfTime);
+  EXPECT_EQ(all.offset, 3600);
+}
+
+TEST(ZoneTable, TellsLocalTimesShownOnceOfOneRepetitionOnly) {
+  const auto table = ZoneTable::read("America/New_York");
+  const Library library("America/New_York");
+  for (std::int64_t day = 0; day < 6 * 366; ++day) {
+    // Where the table repeats for the first time, and the second.
+    for (const std::int32_t year : {2405, 2805}) {
+      const std::int64_t local = startOfYear(year) + day * 86400 + 5400;
+      ASSERT_NO_FATAL_FAILURE(expectLocal(*table, library, local));
+      ASSERT_NO_FATAL_FAILURE(expectShownOnceThroughout(*table, library, local));
+    }
+  }
 }
 
 TEST(ZoneTable, HasNoTableForNamesUnknown) {

@@ -1,5 +1,6 @@
 #include <ORLFoundation/platform/xml/NSXMLParser.h>
 
+#include <ORLFoundation/platform/base/UTF16.h>
 #include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/stream/NSInputStream.h>
 #include <ORLFoundation/platform/xml/NSXMLParser_testing.h>
@@ -91,12 +92,7 @@ std::string inUTF16(std::string_view text, bool isBigEndian) {
   while (!text.empty()) {
     const auto character = internal::base::firstUTF8Character(text);
     text.remove_prefix(character.length);
-    if (character.codePoint < 0x10000) {
-      append(character.codePoint);
-    } else {
-      append(0xD800 + ((character.codePoint - 0x10000) >> 10));
-      append(0xDC00 + ((character.codePoint - 0x10000) & 0x3FF));
-    }
+    internal::base::forEachUnit(character.codePoint, append);
   }
   return bytes;
 }

@@ -70,12 +70,12 @@ std::string_view lastLabel(std::string_view host) {
 
 /// How many letters a label has; marks on them are none.
 std::size_t lettersOf(std::string_view label) {
-  const auto* bytes = reinterpret_cast<const std::uint8_t*>(label.data());
   std::size_t letters = 0;
-  for (std::size_t at = 0; at < label.size();) {
-    UChar32 character = U_SENTINEL;
-    U8_NEXT(bytes, at, label.size(), character);
-    if (character >= 0 && (U_GET_GC_MASK(character) & U_GC_L_MASK) != 0) ++letters;
+  while (!label.empty()) {
+    const base::UTF8Character first = base::firstUTF8Character(label);
+    const auto character = static_cast<UChar32>(first.codePoint);
+    if (!first.isBroken && (U_GET_GC_MASK(character) & U_GC_L_MASK) != 0) ++letters;
+    label.remove_prefix(first.length);
   }
   return letters;
 }

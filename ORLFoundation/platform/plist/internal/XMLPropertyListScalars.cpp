@@ -4,6 +4,7 @@
 #include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/base/Base64.h>
 #include <ORLFoundation/platform/base/CivilDays.h>
+#include <ORLFoundation/platform/base/Trimmed.h>
 #include <ORLFoundation/platform/plist/PropertyListTable.h>
 
 #include <algorithm>
@@ -21,12 +22,6 @@ namespace civil = base::civil;
 constexpr std::string_view kBlanks = " \t\n\r";
 constexpr int kMostYear = 32767;
 constexpr std::int32_t kDaysToReference = 11323;  // from 1970-01-01 to 2001-01-01
-
-std::string_view trimmed(std::string_view text) noexcept {
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
 
 // Takes a sign off the text; true for minus.
 bool takeSign(std::string_view& text) noexcept {
@@ -51,7 +46,7 @@ int takeDigits(std::string_view& text, std::size_t digits, char mark) {
 }  // namespace
 
 std::pair<std::uint64_t, bool> integerFromXML(std::string_view text) {
-  text = trimmed(text);
+  text = base::trimmed(text, kBlanks);
   const bool isNegative = takeSign(text);
   const bool isHexadecimal = text.starts_with("0x") || text.starts_with("0X");
   if (isHexadecimal) text.remove_prefix(2);
@@ -66,7 +61,7 @@ std::pair<std::uint64_t, bool> integerFromXML(std::string_view text) {
 }
 
 double realFromXML(std::string_view text) {
-  text = trimmed(text);
+  text = base::trimmed(text, kBlanks);
   const bool isNegative = takeSign(text);
   double value = 0;
   if (base::equalsLower(text, "nan")) {
@@ -83,7 +78,7 @@ double realFromXML(std::string_view text) {
 }
 
 double dateFromXML(std::string_view text) {
-  text = trimmed(text);
+  text = base::trimmed(text, kBlanks);
   const bool isNegative = text.starts_with('-');
   if (isNegative) text.remove_prefix(1);
   const int digitsOfYear =

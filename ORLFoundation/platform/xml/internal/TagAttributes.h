@@ -14,9 +14,13 @@
 
 namespace ORLFoundation::internal::xml {
 
-/// A text of libxml2, empty for null.
+/// Texts of libxml2: up to its zero byte, empty for null; and between two places.
 [[nodiscard]] inline std::string_view viewOf(const unsigned char* text) noexcept {
   return text == nullptr ? std::string_view() : reinterpret_cast<const char*>(text);
+}
+[[nodiscard]] inline std::string_view viewOf(const unsigned char* begin,
+                                             const unsigned char* end) noexcept {
+  return {reinterpret_cast<const char*>(begin), static_cast<std::size_t>(end - begin)};
 }
 
 class TagAttributes {
@@ -43,9 +47,7 @@ class TagAttributes {
   /// Of the `index`th attribute.
   [[nodiscard]] static std::string_view valueOf(Texts attributes, std::size_t index) noexcept {
     const std::size_t at = index * kTextsOfAnAttribute;
-    const unsigned char* const begin = attributes[at + 3];
-    return {reinterpret_cast<const char*>(begin),
-            static_cast<std::size_t>(attributes[at + 4] - begin)};
+    return viewOf(attributes[at + 3], attributes[at + 4]);
   }
   void renew();
 
