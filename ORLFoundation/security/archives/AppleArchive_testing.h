@@ -4,8 +4,12 @@
 #include <ORLFoundation/platform/container/ArchiveError.h>
 #include <ORLFoundation/security/archives/AppleArchive.h>
 #include <ORLFoundation/security/archives/internal/ArchiveJobs.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <tests/support/TemporaryFolder.h>
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <utility>
@@ -69,5 +73,38 @@ inline Outcome extractQuickly(const std::string& from, const std::string& to,
                 password ? std::optional(secret(*password)) : std::nullopt);
   });
 }
+
+/// A folder of two files, an empty folder and a link, with modes of their own, to be packed.
+class AppleArchives : public TemporaryFolderTest {
+ protected:
+  AppleArchives() : TemporaryFolderTest(parentInMemory()) {}
+  void SetUp() override {
+    write("from/a.txt", "hello\n");
+    write("from/books/may.csv", text());
+    std::filesystem::create_directory(folder_ / "from/empty");
+    std::filesystem::create_symlink("../elsewhere", folder_ / "from/books/link");
+    ::chmod(path("from/a.txt").c_str(), 0640);
+    ::chmod(path("from/books").c_str(), 0710);
+  }
+  static std::string text() {
+    std::string lines;
+    for (int i = 0; i < 20000; ++i)
+      lines += "2024-05-01;" + std::to_string(i * 37 % 9973) + ";rent\n";
+    return lines;
+  }
+  [[nodiscard]] ORLFoundation::NSURL url(const std::string& name) const {
+    return ORLFoundation::NSURL::fileURLWithPath(path(name));
+  }
+  void expectTree(const std::string& name) const {
+    EXPECT_EQ(read(name + "/a.txt"), "hello\n");
+    EXPECT_EQ(read(name + "/books/may.csv"), text());
+    EXPECT_THAT(names(name), testing::ElementsAre("a.txt", "books", "empty"));
+    EXPECT_EQ(std::filesystem::read_symlink(folder_ / name / "books/link"), "../elsewhere");
+    EXPECT_EQ(std::filesystem::status(folder_ / name / "a.txt").permissions(),
+              std::filesystem::perms{0640});
+    EXPECT_EQ(std::filesystem::status(folder_ / name / "books").permissions(),
+              std::filesystem::perms{0710});
+  }
+};
 
 }  // namespace orlftest

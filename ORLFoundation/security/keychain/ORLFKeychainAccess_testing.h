@@ -205,7 +205,7 @@ class KeychainScript {
   }
   static std::optional<NSURL> url(const orlftest::Json& value) {
     if (value.is_null()) return std::nullopt;
-    return NSURL::URLWithString(value.get<std::string>()).value();
+    return NSURL::URLWithString(value.get<std::string>());
   }
   static orlftest::Json json(const std::optional<std::string>& value) {
     return value ? orlftest::Json(*value) : orlftest::Json();
@@ -275,8 +275,8 @@ class KeychainScript {
 
   /// A line begins with a text, in which "any" stands for a number; without a query it ends there.
   static std::string lineDisagreement(const orlftest::Json& expected, const std::string& line) {
-    std::string pattern =
-        std::regex_replace(expected.at("text").get<std::string>(), std::regex("([().])"), "\\$1");
+    std::string pattern = std::regex_replace(expected.at("text").get<std::string>(),
+                                             std::regex(R"([.*+?^${}()|[\]\\])"), R"(\$&)");
     pattern = std::regex_replace(pattern, std::regex(": any"), ": -?[0-9]+");
     const bool hasQuery = pattern.ends_with("For Query: ");
     if (!std::regex_match(line, std::regex(pattern + (hasQuery ? "\\{[^]*\\}" : ""))))

@@ -66,16 +66,23 @@ TEST(ORLFKeychainAccess, AgreesWithVectorsOfQueries) {
         }}});
 }
 
+/// What an entitlement may hold: texts, numbers and lists of them.
+id entitlementOf(const Json& value) {
+  if (value.is_string()) return value.get<std::string>();
+  if (value.is_boolean()) return value.get<bool>();
+  if (!value.is_array()) return value.get<std::int64_t>();
+  std::vector<id> members;
+  for (const Json& member : value) members.push_back(entitlementOf(member));
+  return std::make_shared<NSArray>(members);
+}
+
 TEST(ORLFKeychainAccess, AgreesWithVectorsOfTheSharedGroup) {
   orlftest::runJsonVectors(
       "keychain_group",
       {{"sharedAccessGroupName", [](const Json& in, const Json& out) {
           NSMutableDictionary entitlements;
-          if (!in.at("groups").is_null()) {
-            std::vector<id> groups;
-            for (const Json& group : in.at("groups")) groups.emplace_back(group.get<std::string>());
-            entitlements.setObject(std::make_shared<NSArray>(groups), "keychain-access-groups");
-          }
+          if (!in.at("groups").is_null())
+            entitlements.setObject(entitlementOf(in.at("groups")), "keychain-access-groups");
           const Replaced<std::shared_ptr<const NSDictionary>> entitled(
               &SecSetTaskEntitlements, std::make_shared<NSDictionary>(entitlements.entries()));
           NSMutableDictionary information;

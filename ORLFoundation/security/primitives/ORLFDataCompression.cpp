@@ -67,7 +67,7 @@ std::optional<NSData> gzippedData(const NSData& data) {
   return gzippedDataWithCompressionLevel(data, -1.0F);
 }
 
-std::optional<NSData> gunzippedData(const NSData& data, std::size_t most) {
+std::optional<NSData> gunzippedData(const NSData& data, std::size_t most, std::size_t* used) {
   const std::size_t length = data.length();
   if (length == 0) return std::nullopt;
   Stream stream(data.bytes());
@@ -82,6 +82,7 @@ std::optional<NSData> gunzippedData(const NSData& data, std::size_t most) {
   }
   if (inflateEnd(&stream) != Z_OK || status != Z_STREAM_END || stream.given > most)
     return std::nullopt;
+  if (used != nullptr) *used = stream.taken;
   output.resize(stream.given);
   return NSData(std::move(output));
 }

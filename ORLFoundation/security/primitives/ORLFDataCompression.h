@@ -19,8 +19,10 @@ namespace ORLFoundation {
 /// `gunzippedData`  The bytes that a gzip or a zlib stream holds; what stands behind the stream is
 /// passed over. nil for no bytes, and for streams that are damaged or cut off. The result is as
 /// large as the stream says: up to some 1,030 times its own size. nil for more bytes than `most`,
-/// of which no more are held.
+/// of which no more are held. `used` is told how many bytes the stream takes, unless the result is
+/// nil.
 [[nodiscard]] std::optional<NSData> gunzippedData(
-    const NSData& data, std::size_t most = std::numeric_limits<std::size_t>::max());
+    const NSData& data, std::size_t most = std::numeric_limits<std::size_t>::max(),
+    std::size_t* used = nullptr);
 
 }  // namespace ORLFoundation

@@ -51,9 +51,11 @@ TEST(DataCompression, TakesLevelsAsNinths) {
   EXPECT_EQ(compressionLevel(-std::numeric_limits<float>::infinity()), -1);
   EXPECT_EQ(compressionLevel(1.05F), 9);
   EXPECT_EQ(compressionLevel(1.06F), 10);
-  EXPECT_EQ(compressionLevel(1e30F), 10);
-  EXPECT_EQ(compressionLevel(std::numeric_limits<float>::infinity()), 10);
-  EXPECT_EQ(compressionLevel(std::numeric_limits<float>::quiet_NaN()), 10);
+  EXPECT_EQ(compressionLevel(1.5F), 14) << "13.5, away from zero";
+  EXPECT_EQ(compressionLevel(100.0F), 900);
+  for (const float argument : {1e30F, std::numeric_limits<float>::infinity(),
+                               std::numeric_limits<float>::quiet_NaN(), 2.4e8F})
+    EXPECT_EQ(compressionLevel(argument), 1 << 30) << argument;
 }
 
 TEST(DataCompression, WritesWhatZlibWrites) {
@@ -117,7 +119,14 @@ TEST(DataCompression, PassesOverWhatStandsBehindTheStream) {
   const NSData packed = *gzippedData(dataOf("text"));
   std::vector<std::uint8_t> bytes(packed.bytes().begin(), packed.bytes().end());
   bytes.insert(bytes.end(), {1, 2, 3});
-  EXPECT_EQ(gunzippedData(NSData(bytes)), dataOf("text"));
+  std::size_t used = 7;
+  EXPECT_EQ(gunzippedData(NSData(bytes), 4, &used), dataOf("text"));
+  EXPECT_EQ(used, packed.length());
+  EXPECT_EQ(gunzippedData(packed, 4, &used), dataOf("text"));
+  EXPECT_EQ(used, packed.length());
+  used = 7;
+  EXPECT_EQ(gunzippedData(packed, 3, &used), std::nullopt);
+  EXPECT_EQ(used, 7U);
 }
 
 TEST(DataCompression, GrowsAsFarAsTheStreamSays) {

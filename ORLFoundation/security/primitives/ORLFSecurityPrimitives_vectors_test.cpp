@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <memory>
 #include <optional>
+#include <regex>
 #include <stdexcept>
 #include <string>
 
@@ -51,11 +52,15 @@ std::optional<std::string> base64Of(const std::optional<NSData>& data) {
 
 /// The bytes that a row describes by a formula of their place and their count.
 NSData patternOf(const Json& in) {
-  if (in.at("formula") != "byte i is (i*31+n) mod 256")
-    throw std::runtime_error("unknown formula " + in.at("formula").dump());
+  const auto formula = in.at("formula").get<std::string>();
+  std::smatch parts;
+  if (!std::regex_match(formula, parts, std::regex(R"(byte i is \(i\*(\d+)\+(n|\d+)\) mod 256)")))
+    throw std::runtime_error("unknown formula " + formula);
   std::vector<std::uint8_t> bytes(in.at("n").get<std::size_t>());
+  const std::size_t factor = std::stoul(parts.str(1));
+  const std::size_t first = parts.str(2) == "n" ? bytes.size() : std::stoul(parts.str(2));
   for (std::size_t i = 0; i < bytes.size(); ++i)
-    bytes[i] = static_cast<std::uint8_t>(i * 31 + bytes.size());
+    bytes[i] = static_cast<std::uint8_t>(i * factor + first);
   return NSData(std::move(bytes));
 }
 

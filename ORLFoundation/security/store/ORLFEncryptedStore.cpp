@@ -114,13 +114,13 @@ bool ORLFEncryptedStore::openAtURL(const NSURL& url, std::string_view password, 
 }
 
 void ORLFEncryptedStore::observe(const NSURL& url, const NSData& password) {
-  letGo();
+  const std::uint64_t opening = letGo();
   const std::weak_ptr<NSObject> self = weak_from_this();
   const auto observer = std::make_shared<ORLFFileSystemObserver>(
       url, sharedEventQueue(),
-      [self, url, password](NSInteger event, const std::optional<NSURL>& /*location*/) {
+      [self, opening, url, password](NSInteger event, const std::optional<NSURL>& /*location*/) {
         if (const auto store = std::static_pointer_cast<ORLFEncryptedStore>(self.lock()))
-          store->handleEvent(event, url, password);
+          store->handleEvent(event, opening, url, password);
       });
   {
     const std::lock_guard guard(lock_);
@@ -132,13 +132,12 @@ void ORLFEncryptedStore::observe(const NSURL& url, const NSData& password) {
   observer->startObserving();
 }
 
-void ORLFEncryptedStore::handleEvent(NSInteger event, const NSURL& url, const NSData& password) {
+void ORLFEncryptedStore::handleEvent(NSInteger event, std::uint64_t opening, const NSURL& url,
+                                     const NSData& password) {
   const bool isChange = event == ORLFFileSystemEventChanged;
   if (isChange || event == ORLFFileSystemEventStarted) {
     id list = readStoreFile(url, password.text(), nullptr);
-    if (list.isNil() || closed()) return;
-    setStore(std::move(list));
-    if (isChange)
+    if (!list.isNil() && setStore(std::move(list), opening) && isChange)
       NSNotificationCenter::defaultCenter()->postNotificationName(
           ORLFEncryptedStoreDidChangeNotification, shared_from_this());
     return;
@@ -164,16 +163,19 @@ bool ORLFEncryptedStore::close(bool remove, NSErrorSlot error) {
   });
 }
 
-void ORLFEncryptedStore::letGo() {
+std::uint64_t ORLFEncryptedStore::letGo() {
   std::shared_ptr<ORLFFileSystemObserver> observer;
   id store;
+  std::uint64_t opening = 0;
   {
     const std::lock_guard guard(lock_);
     observer.swap(observer_);
     std::swap(store, store_);
     closed_ = true;
+    opening = ++opening_;
   }
   if (observer) observer->stopObserving();
+  return opening;
 }
 
 bool ORLFEncryptedStore::saveEncryptedStore(const id& list, NSErrorSlot error) {
@@ -189,7 +191,11 @@ bool ORLFEncryptedStore::saveEncryptedStore(const id& list, NSErrorSlot error) {
     password = password_;
   }
   if (!url || !writeStoreFile(list, *url, password.text(), error)) return false;
-  if (observer && !observer->isObserving()) observer->startObserving();
+  if (observer && !observer->isObserving()) {
+    observer->startObserving();
+    // The store was closed, or opened anew, meanwhile.
+    if (this->observer() != observer) observer->stopObserving();
+  }
   return true;
 }
 
@@ -213,9 +219,12 @@ id ORLFEncryptedStore::store() const {
   return store_;
 }
 
-void ORLFEncryptedStore::setStore(id list) {
+/// False, and the content stays, once another file was opened or this one closed.
+bool ORLFEncryptedStore::setStore(id list, std::uint64_t opening) {
   const std::lock_guard guard(lock_);
+  if (opening != opening_) return false;
   std::swap(store_, list);
+  return true;
 }
 
 std::shared_ptr<ORLFFileSystemObserver> ORLFEncryptedStore::observer() const {

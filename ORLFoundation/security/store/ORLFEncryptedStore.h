@@ -167,9 +167,11 @@ class ORLFEncryptedStore final : public NSObject {
   [[nodiscard]] static bool readAtOpening(const NSURL& url, const NSData& password, bool& created,
                                           NSErrorSlot error);
   void observe(const NSURL& url, const NSData& password);
-  void handleEvent(NSInteger event, const NSURL& url, const NSData& password);
-  void letGo();
-  void setStore(id list);
+  /// Of the opening with that number.
+  void handleEvent(NSInteger event, std::uint64_t opening, const NSURL& url,
+                   const NSData& password);
+  std::uint64_t letGo();
+  bool setStore(id list, std::uint64_t opening);
   [[nodiscard]] NSData filePassword() const;
   bool mergeIntoFile(const NSURL& url, const internal::store::PasswordChange& change,
                      NSErrorSlot error);
@@ -177,6 +179,8 @@ class ORLFEncryptedStore final : public NSObject {
   std::atomic<bool> storeInKeychain_;
   mutable std::mutex lock_;  // of what follows
   bool closed_ = false;
+  /// How often a file was let go: events of one before are on the queue still.
+  std::uint64_t opening_ = 0;
   std::shared_ptr<ORLFFileSystemObserver> observer_;
   id store_;
   std::optional<NSURL> url_;

@@ -238,6 +238,34 @@ TEST_F(CheckedStore, MergesIntoTheFileThatIsOpenWhenItsTurnComes) {
   EXPECT_EQ(contentOf("pw", "other"), contentWith("shop", {entryOf("bob", "p", false)}));
 }
 
+TEST_F(CheckedStore, MergesNothingOnceItWasClosedMeanwhile) {
+  const auto store = open();
+  store->setStoreInKeychain(true);
+  std::thread merging;
+  {
+    const internal::store::StoreLock lock(url(), nullptr);
+    merging =
+        std::thread([&] { EXPECT_FALSE(store->mergePassword("p", "bob", "bank", std::nullopt)); });
+    for (int turn = 0; turn < 1000 && !waitsForALock(); ++turn)
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    EXPECT_TRUE(store->close(false));
+  }
+  merging.join();
+  EXPECT_THAT(keychain_->calls, testing::IsEmpty());
+  EXPECT_EQ(contentOf(), contentWith("bank", {entryOf("ann", "s3cret-of-ann", false)}));
+}
+
+TEST_F(CheckedStore, LeavesALockThatSomebodyHolds) {
+  const auto store = open();
+  {
+    const internal::store::StoreLock lock(url(), nullptr);
+    EXPECT_TRUE(store->close(true));
+    EXPECT_THAT(names(), ElementsAre("store.lock"));
+  }
+  EXPECT_TRUE(store->close(true));
+  EXPECT_THAT(names(), ElementsAre());
+}
+
 TEST_F(CheckedStore, SaysWhenNoLockCanBeMade) {
   const auto store = open();
   std::filesystem::create_symlink("store", path("store.lock"));

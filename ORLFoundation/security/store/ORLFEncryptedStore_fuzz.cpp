@@ -2,6 +2,8 @@
 // one of five findings, and a file that opens is written and read again.
 
 #include <ORLFoundation/security/store/ORLFEncryptedStore.h>
+#include <tests/support/Files.h>
+#include <unistd.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -11,18 +13,14 @@
 #include <memory>
 #include <string>
 
-#include <unistd.h>
-
 using namespace ORLFoundation;
 
 namespace {
 
-/// One file in memory, where the system offers that, gone at the process's end.
+/// One file, gone at the process's end.
 struct StoreFile {
   const std::filesystem::path path =
-      std::filesystem::path(
-          ::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : std::filesystem::temp_directory_path())
-          .append("orlf-store-fuzz-" + std::to_string(::getpid()));
+      orlftest::folderInMemory() + "/orlf-encrypted-store-fuzz-" + std::to_string(::getpid());
   const NSURL url = NSURL::fileURLWithPath(path.string());
   ~StoreFile() {
     std::error_code ignored;

@@ -80,6 +80,7 @@ bool ORLFEncryptedStore::mergePassword(const std::optional<std::string>& passwor
     const auto isMerged = dispatch_sync(sharedEventQueue(), [&]() -> std::optional<bool> {
       // Another file was opened while this waited.
       if (this->url() != url) return std::nullopt;
+      if (closed()) return false;
       return mergeIntoFile(
           *url, {password, forUser, service, context.value_or(noContext()), storeInKeychain()},
           error);

@@ -4,11 +4,14 @@
 #include <ORLFoundation/platform/files/NSFileErrors.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/notification/NSNotificationCenter.h>
+#include <ORLFoundation/platform/plist/NSPropertyListSerialization.h>
 #include <ORLFoundation/platform/process/NSBundle.h>
 #include <ORLFoundation/security/store/ORLFEncryptedStore_testing.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
+#include <chrono>
+#include <future>
 #include <thread>
 
 namespace ORLFoundation {
@@ -186,6 +189,47 @@ TEST_F(EncryptedStore, ReadsUnderTheAddressAndThePasswordOfItsOpening) {
   ASSERT_TRUE(Store::writeEncryptedPropertyList(contentWith("c", {}), url("a"), "1"));
   waitForStores();
   EXPECT_EQ(store->store(), contentWith("b", {}));
+}
+
+// An opening waits on the queue, and behind it an event of the file before.
+TEST_F(EncryptedStore, TakesNoContentFromALateEventOfTheFileBefore) {
+  const LogCapture log;
+  ASSERT_TRUE(Store::writeEncryptedPropertyList(contentWith("b", {}), url("b"), "pw"));
+  const auto store = open("pw", "a");
+  fs::remove(path("a"));
+  waitForStores();
+  std::promise<void> go;
+  dispatch_async(Store::sharedEventQueue(), [&] { go.get_future().wait(); });
+  std::thread opening([&] { EXPECT_TRUE(store->openAtURL(url("b"), "pw")); });
+  // It is right however late the thread comes; mostly it waits by now.
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  EXPECT_TRUE(store->saveEncryptedStore(contentWith("a", {})));
+  id found;
+  bool isOpened = false;
+  dispatch_async(Store::sharedEventQueue(), [&] {
+    found = store->store();
+    isOpened = store->url() == url("b");
+  });
+  go.set_value();
+  opening.join();
+  waitForStores();
+  EXPECT_TRUE(!isOpened || found.isNil()) << found.description();
+  EXPECT_EQ(store->store(), contentWith("b", {}));
+}
+
+TEST_F(EncryptedStore, ObservesNothingOnceClosedInTheMidstOfSaving) {
+  const LogCapture log;
+  for (int round = 0; round < 20; ++round) {
+    const auto store = open();
+    const auto observer = store->observer();
+    fs::remove(path("store"));
+    waitForStores();
+    std::thread saving([&] { store->saveEncryptedStore(contentWith("bank", {})); });
+    std::this_thread::sleep_for(std::chrono::microseconds(30 * round));
+    EXPECT_TRUE(store->close(false));
+    saving.join();
+    EXPECT_FALSE(observer->isObserving()) << round;
+  }
 }
 
 TEST_F(EncryptedStore, SavesNothingOnceClosed) {

@@ -56,10 +56,12 @@ std::unique_ptr<FileByteStream> openArchive(const std::string& path) {
   }
 }
 
-/// The first four bytes, fewer of a shorter file.
-std::string magicOf(const FileByteStream& file) {
+/// The first four bytes, fewer of a shorter file. Pipes, which are not read from any place, are
+/// streams that cannot be made.
+std::string magicOf(const FileByteStream& file, const std::string& path) {
   std::array<std::byte, 4> bytes{};
   const ssize_t count = FileCalls::system()->read(file.number(), bytes, 0);
+  if (count < 0) throwUnopened(errno, path);
   std::string magic;
   for (ssize_t i = 0; i < count; ++i)
     magic += static_cast<char>(bytes[static_cast<std::size_t>(i)]);
@@ -93,7 +95,7 @@ std::shared_ptr<ArchiveByteStream> openSealed(FileByteStream& file,
 /// A thousand times at most, and at the end.
 void ArchiveJob::report(std::uint64_t done, std::uint64_t total) {
   if (!options_.progress) return;
-  const std::uint64_t step = std::max<std::uint64_t>(1, total / kReports);
+  const std::uint64_t step = total / kReports + (total % kReports != 0 ? 1 : 0);
   if (reported_ && done < total && done - *reported_ < step) return;
   reported_ = done;
   options_.progress->updateValue(static_cast<double>(std::min(done, total)),
@@ -164,21 +166,21 @@ void ArchiveJob::extract(const NSURL& source, const NSURL& to,
   const std::string from = pathOf(source, FileWork::Read);
   Destination destination(pathOf(to, FileWork::Write));
   const std::unique_ptr<FileByteStream> file = openArchive(from);
-  const bool isProtected = magicOf(*file) == kSealedMagic;
+  const std::string magic = magicOf(*file, from);
+  const bool isProtected = magic == kSealedMagic;
   if (isProtected && (!password || password->length() == 0))
     throwFoundationError(FoundationError::archiveRequiresPassword);
   if (!isProtected && password)
     throw ArchiveError(ArchiveErrorNotProtected,
                        "A password was given, and the archive is not protected.");
   report(0, file->length());
-  extractEntries(*file, password, destination.makeFolder());
+  extractEntries(*file, magic, password, destination.makeFolder());
   check_();
   destination.appear();
 }
 
-void ArchiveJob::extractEntries(FileByteStream& file, const std::optional<NSData>& password,
-                                const std::string& folder) {
-  const std::string magic = magicOf(file);
+void ArchiveJob::extractEntries(FileByteStream& file, std::string_view magic,
+                                const std::optional<NSData>& password, const std::string& folder) {
   if (magic == kSealedMagic) {
     ArchiveEncryptionContext context(file);
     const auto opened = openSealed(file, context, *password);

@@ -14,6 +14,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace ORLFoundation::internal::archives {
 
@@ -34,8 +35,8 @@ class ArchiveJob {
   void packEntries(const std::string& source, container::FileByteStream& file,
                    ArchiveByteStream& over, std::uint64_t total);
   [[nodiscard]] std::uint64_t bytesIn(files::HeldFolder& folder) const;
-  void extractEntries(container::FileByteStream& file, const std::optional<NSData>& password,
-                      const std::string& folder);
+  void extractEntries(container::FileByteStream& file, std::string_view magic,
+                      const std::optional<NSData>& password, const std::string& folder);
   void processEntries(container::FileByteStream& file, ArchiveByteStream& over,
                       const std::string& folder);
   void report(std::uint64_t done, std::uint64_t total);

@@ -6,6 +6,7 @@
 #include <ORLFoundation/security/store/ORLFEncryptedStore_testing.h>
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <numeric>
 
 namespace ORLFoundation {
@@ -89,13 +90,41 @@ TEST_F(EncryptedStoreFile, ReadsWhatIsMissingAsAFailureAndBrokenListsToo) {
 TEST_F(EncryptedStoreFile, ReadsListsOfOtherShapesAsTheyStand) {
   for (const char* text : {"<array/>", "<string>s</string>", "<dict/>",
                            "<dict><key>iv</key><string>1</string><key>salt</key><data/>"
-                           "<key>data</key><data/></dict>"}) {
+                           "<key>data</key><data/></dict>",
+                           // Nothing that could be decrypted: no block, and no whole one.
+                           "<dict><key>iv</key><data>AAAAAAAAAAAAAAAAAAAAAA==</data><key>salt</key>"
+                           "<data/><key>data</key><data/></dict>",
+                           "<dict><key>iv</key><data>AAAAAAAAAAAAAAAAAAAAAA==</data><key>salt</key>"
+                           "<data/><key>data</key><data>AAAA</data></dict>"}) {
     write("store", std::string("<plist>") + text + "</plist>");
     Error error;
     const id list = Store::readEncryptedPropertyListForFileAtURL(url(), "pw", &error);
     EXPECT_EQ(error, nullptr) << text;
     EXPECT_EQ(list, NSPropertyListSerialization::propertyListWithData(NSData(read("store")), 0));
     EXPECT_FALSE(list.as<NSMutableDictionary>()) << "parsed as immutable";
+  }
+}
+
+class ZeroSource final : public SecRandomSource {
+ public:
+  bool copyBytes(std::span<std::uint8_t> bytes) override {
+    std::fill(bytes.begin(), bytes.end(), std::uint8_t{0});
+    return true;
+  }
+};
+
+// A vector of another length is none, and does not stand for zeros.
+TEST_F(EncryptedStoreFile, ReadsAListWithAVectorOfAnotherLengthAsItStands) {
+  const Replaced source(SecSetRandomSource, std::make_shared<ZeroSource>());
+  ASSERT_TRUE(Store::writeEncryptedPropertyList(contentWith("bank", {}), url(), "pw"));
+  EXPECT_EQ(contentOf(), contentWith("bank", {}));
+  for (const std::size_t length : {0U, 15U, 17U}) {
+    const auto list = std::make_shared<NSMutableDictionary>(outerList()->entries());
+    list->setObject(NSData(std::vector<std::uint8_t>(length)), "iv");
+    write("other",
+          NSPropertyListSerialization::dataWithPropertyList(list, NSPropertyListXMLFormat_v1_0, 0)
+              ->text());
+    EXPECT_EQ(contentOf("pw", "other"), id(list)) << length;
   }
 }
 
