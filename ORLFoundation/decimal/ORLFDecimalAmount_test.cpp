@@ -4,9 +4,9 @@
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber_testing.h>
 #include <gtest/gtest.h>
+#include <tests/support/Files.h>
 #include <tests/support/VectorFile.h>
 
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <regex>
 #include <string>
@@ -33,6 +33,10 @@ void expectAll(const std::vector<AmountCase>& rows) {
 
 TEST(ORLFDecimalAmount, GivesNilForNothing) {
   EXPECT_EQ(read(std::nullopt), "nil");
+  // What an emptied text held before does not count.
+  std::optional<std::string_view> text = "5";
+  text.reset();
+  EXPECT_EQ(read(text), "nil");
   expectAll({{"", "nil"}, {"   ", "nil"}, {"$", "nil"}, {"()", "nil"}, {"-", "nil"}});
 }
 
@@ -49,6 +53,10 @@ TEST(ORLFDecimalAmount, SkipsWhatStandsBeforeTheNumberAndSomeOfWhatFollows) {
              {"5e\u0301", "nil"},
              {"5\U0001F600", "5"},
              {"5\U0001D400", "nil"},
+             {"5\U0001F600e+3", "5000"},
+             {"(5\U0001F600)", "-5"},
+             {"5\U0001F600\U0001D400", "nil"},
+             {"\U0001D400(5)", "5"},
              {"\U0001D7D95", "5"},
              {"5\xFF", "5"}});
 }
@@ -105,6 +113,11 @@ TEST(ORLFDecimalAmount, TellsThousandsFromDecimalsByTheirPlaces) {
              {"1,,2", "nil"},
              {"1,2,3", "nil"},
              {"1,2e+3,4", "nil"},
+             {"1e+3,4", "nil"},
+             {"1e+3.", "nil"},
+             {"1e,+3", "nil"},
+             {"1e+3,456", "nil"},
+             {"1,234e+3,456", "nil"},
              {"1.23,", "123"},
              {",5", "0.5"},
              {".", "nil"}});
@@ -130,7 +143,17 @@ TEST(ORLFDecimalAmount, ReadsOneFraction) {
              {"- 99999/100000", "-1"},
              {"3 9999/10000", "3.9999"},
              {"9223372036854775807/1", "9223372036854775808"},
+             {"99999999999999999999/1", "9223372036854775808"},
              {"99999999999999999999/99999999999999999999", "1"}});
+}
+
+TEST(ORLFDecimalAmount, EndsAtTheFirstCharacterThatFitsNoAmount) {
+  // Read on, the improper fraction would leave the rest alone, and a line in the log.
+  expectAll({{"7/2-5", "nil"},
+             {"7/2+5", "nil"},
+             {"3 7/2e+1e+1", "nil"},
+             {"3 7/2 x", "nil"},
+             {"3 7/2e1", "nil"}});
 }
 
 TEST(ORLFDecimalAmount, IgnoresTheFractionBehindASeparator) {
@@ -163,14 +186,11 @@ bool isPlainAmount(const std::string& text) {
 }
 
 TEST(ORLFDecimalAmount, AgreesWithOtherReadersOnPlainAmountsAsTyped) {
-  std::ifstream file(std::string(ORLF_SOURCE_DIR) + "/tests/data/amounts/amounts_typed.tsv");
-  std::string line;
-  ASSERT_TRUE(std::getline(file, line));
   int texts = 0, plain = 0;
-  while (std::getline(file, line)) {
-    const std::size_t end = line.find('\t');
-    const std::string text = nlohmann::json::parse(line.substr(0, end)).get<std::string>();
-    const std::string expected = line.substr(end + 1, line.find('\t', end + 1) - end - 1);
+  for (const auto& row : orlftest::tabbedRows(std::string(ORLF_SOURCE_DIR) +
+                                              "/tests/data/amounts/amounts_typed.tsv")) {
+    const std::string text = nlohmann::json::parse(row.at(0)).get<std::string>();
+    const std::string& expected = row.at(1);
     const std::string value = read(text);
     ++texts;
     if (!isPlainAmount(text)) continue;

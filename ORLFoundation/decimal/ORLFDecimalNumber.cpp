@@ -2,16 +2,14 @@
 
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
 
-#include <charconv>
+#include <ORLFoundation/platform/base/FixedText.h>
 
 namespace ORLFoundation {
 namespace {
 
 using Optional = std::optional<NSDecimalNumber>;
 
-/// "%f": the longest double has 309 digits before the point.
-constexpr std::size_t kLongestDoubleText = 320;
-constexpr int kDoublePlaces = 6;
+constexpr int kDoublePlaces = 6;  // "%f"
 
 const NSDecimalNumber& minusOne() {
   static const NSDecimalNumber number("-1");
@@ -76,10 +74,7 @@ NSDecimalNumber orlfDecimalNumberWithInt(std::int32_t value) noexcept {
 }
 
 NSDecimalNumber orlfDecimalNumberWithDouble(double value) noexcept {
-  char text[kLongestDoubleText];
-  const auto written =
-      std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, kDoublePlaces);
-  return NSDecimalNumber(std::string_view(text, static_cast<std::size_t>(written.ptr - text)));
+  return NSDecimalNumber(internal::base::FixedText<kDoublePlaces>(value).view());
 }
 
 Optional orlfDecimalNumberWithString(std::optional<std::string_view> text) noexcept {

@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
 
+#include <ORLFoundation/decimal/ORLFDecimalNumberHandler_testing.h>
 #include <ORLFoundation/decimal/ORLFMutableDecimalNumberHandler.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber_testing.h>
 #include <ORLFoundation/platform/value/NSException.h>
@@ -13,14 +14,8 @@ namespace ORLFoundation {
 namespace {
 
 using Handler = std::shared_ptr<ORLFDecimalNumberHandler>;
-
-/// A different value in each field, so that none can stand for another.
-constexpr ORLFDecimalNumberHandler::Fields kFields = {.roundingMode = NSRoundBankers,
-                                                      .scale = -2,
-                                                      .exactnessBehavior = 11,
-                                                      .overflowBehavior = 12,
-                                                      .underflowBehavior = 13,
-                                                      .divideByZeroBehavior = 14};
+using orlftest::expectHandlerFields;
+using orlftest::kHandlerFields;
 
 Handler handler(const ORLFDecimalNumberHandler::Fields& fields) {
   return ORLFDecimalNumberHandler::decimalNumberHandlerWithRoundingMode(fields);
@@ -38,24 +33,16 @@ std::string answerOf(const ORLFDecimalNumberHandler& handler, NSUInteger error,
   }
 }
 
-void expectFields(const ORLFDecimalNumberHandler& handler) {
-  EXPECT_EQ(handler.roundingMode(), kFields.roundingMode);
-  EXPECT_EQ(handler.scale(), kFields.scale);
-  EXPECT_EQ(handler.exactnessBehavior(), kFields.exactnessBehavior);
-  EXPECT_EQ(handler.overflowBehavior(), kFields.overflowBehavior);
-  EXPECT_EQ(handler.underflowBehavior(), kFields.underflowBehavior);
-  EXPECT_EQ(handler.divideByZeroBehavior(), kFields.divideByZeroBehavior);
-}
-
 TEST(ORLFDecimalNumberHandler, KeepsItsSixValuesUnchecked) {
-  expectFields(*handler(kFields));
+  expectHandlerFields(*handler(kHandlerFields));
   const auto odd = handler({.roundingMode = static_cast<NSRoundingMode>(99), .scale = -32768});
   EXPECT_EQ(odd->roundingMode(), 99U);
   EXPECT_EQ(odd->scale(), -32768);
 }
 
 TEST(ORLFDecimalNumberHandler, MakesAnImmutableHandlerThroughTheMutableClassToo) {
-  const auto made = ORLFMutableDecimalNumberHandler::decimalNumberHandlerWithRoundingMode(kFields);
+  const auto made =
+      ORLFMutableDecimalNumberHandler::decimalNumberHandlerWithRoundingMode(kHandlerFields);
   EXPECT_EQ(made->className(), "ORLFDecimalNumberHandler");
   EXPECT_EQ(std::dynamic_pointer_cast<ORLFMutableDecimalNumberHandler>(made), nullptr);
 }
@@ -124,55 +111,55 @@ TEST(ORLFDecimalNumberHandler, RaisesOnLossOfPrecisionInCalculations) {
 }
 
 TEST(ORLFDecimalNumberHandler, IsItsOwnCopy) {
-  const auto made = handler(kFields);
+  const auto made = handler(kHandlerFields);
   EXPECT_EQ(made->copy(), made);
 }
 
 TEST(ORLFDecimalNumberHandler, CopiesToAnEqualOneWhereNothingOwnsIt) {
-  ORLFDecimalNumberHandler made(kFields);
+  ORLFDecimalNumberHandler made(kHandlerFields);
   const auto copy = std::dynamic_pointer_cast<ORLFDecimalNumberHandler>(made.copy());
   ASSERT_NE(copy, nullptr);
   EXPECT_NE(copy.get(), &made);
-  expectFields(*copy);
+  expectHandlerFields(*copy);
 }
 
 TEST(ORLFDecimalNumberHandler, GivesANewMutableCopyWithTheSameValues) {
-  const auto made = handler(kFields);
+  const auto made = handler(kHandlerFields);
   const auto copy = std::dynamic_pointer_cast<ORLFMutableDecimalNumberHandler>(made->mutableCopy());
   ASSERT_NE(copy, nullptr);
-  expectFields(*copy);
+  expectHandlerFields(*copy);
   copy->setScale(5);
-  EXPECT_EQ(made->scale(), kFields.scale);
+  EXPECT_EQ(made->scale(), kHandlerFields.scale);
 }
 
 TEST(ORLFMutableDecimalNumberHandler, ChangesEachFieldByItself) {
   ORLFMutableDecimalNumberHandler made{ORLFDecimalNumberHandler::Fields{}};
-  made.setRoundingMode(kFields.roundingMode);
-  made.setScale(kFields.scale);
-  made.setExactnessBehavior(kFields.exactnessBehavior);
-  made.setOverflowBehavior(kFields.overflowBehavior);
-  made.setUnderflowBehavior(kFields.underflowBehavior);
-  made.setDivideByZeroBehavior(kFields.divideByZeroBehavior);
-  expectFields(made);
+  made.setRoundingMode(kHandlerFields.roundingMode);
+  made.setScale(kHandlerFields.scale);
+  made.setExactnessBehavior(kHandlerFields.exactnessBehavior);
+  made.setOverflowBehavior(kHandlerFields.overflowBehavior);
+  made.setUnderflowBehavior(kHandlerFields.underflowBehavior);
+  made.setDivideByZeroBehavior(kHandlerFields.divideByZeroBehavior);
+  expectHandlerFields(made);
 }
 
 TEST(ORLFMutableDecimalNumberHandler, CopiesToASnapshotThatCannotChange) {
-  const auto made = std::make_shared<ORLFMutableDecimalNumberHandler>(kFields);
+  const auto made = std::make_shared<ORLFMutableDecimalNumberHandler>(kHandlerFields);
   const auto snapshot = std::dynamic_pointer_cast<ORLFDecimalNumberHandler>(made->copy());
   ASSERT_NE(snapshot, nullptr);
   EXPECT_EQ(snapshot->className(), "ORLFDecimalNumberHandler");
   EXPECT_NE(std::static_pointer_cast<NSObject>(snapshot), std::static_pointer_cast<NSObject>(made));
   made->setScale(9);
   made->setRoundingMode(NSRoundUp);
-  expectFields(*snapshot);
+  expectHandlerFields(*snapshot);
 }
 
 TEST(ORLFMutableDecimalNumberHandler, GivesANewMutableCopy) {
-  const auto made = std::make_shared<ORLFMutableDecimalNumberHandler>(kFields);
+  const auto made = std::make_shared<ORLFMutableDecimalNumberHandler>(kHandlerFields);
   const auto copy = made->mutableCopy();
   EXPECT_NE(copy, std::static_pointer_cast<NSObject>(made));
   EXPECT_EQ(copy->className(), "ORLFMutableDecimalNumberHandler");
-  expectFields(*std::dynamic_pointer_cast<ORLFDecimalNumberHandler>(copy));
+  expectHandlerFields(*std::dynamic_pointer_cast<ORLFDecimalNumberHandler>(copy));
 }
 
 }  // namespace

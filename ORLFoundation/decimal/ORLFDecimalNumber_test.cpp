@@ -9,7 +9,9 @@
 
 #include <array>
 #include <limits>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace ORLFoundation {
 namespace {
@@ -103,6 +105,10 @@ TEST(ORLFDecimalNumber, GivesNilForTextThatIsNoNumber) {
   EXPECT_EQ(orlfDecimalNumberWithString("one"), std::nullopt);
   EXPECT_EQ(orlfDecimalNumberWithString(""), std::nullopt);
   EXPECT_EQ(orlfDecimalNumberWithString(std::nullopt), std::nullopt);
+  // What an emptied text held before does not count.
+  std::optional<std::string_view> text = "5";
+  text.reset();
+  EXPECT_EQ(orlfDecimalNumberWithString(text), std::nullopt);
 }
 
 TEST(ORLFDecimalNumber, NegatesAndTakesTheAbsoluteValue) {

@@ -105,6 +105,20 @@ TEST(ORLFDecimalSolver, GivesNilForAStopUnlessThatCallWasTheAnswer) {
   EXPECT_EQ(trace(std::nullopt, std::nullopt, "7", 2, 10).found, "nil");
 }
 
+TEST(ORLFDecimalSolver, GivesNilUnaskedWhereTheMidpointIsAnError) {
+  const ORLFDecimalNumberHandler exact(
+      {.scale = NSDecimalNoScale, .exactnessBehavior = ORLFDecimalErrorBehaviorReturnNil});
+  int calls = 0;
+  // Half of 38 nines has 39 digits.
+  const auto found = aproximateValueUsingLinearRegressionLowerBound(
+      number("0"), number(std::string(38, '9')), &exact, [&](const NSDecimalNumber&, bool& stop) {
+        stop = ++calls > 5;
+        return 1;
+      });
+  EXPECT_EQ(found, std::nullopt);
+  EXPECT_EQ(calls, 0);
+}
+
 struct RestCase {
   const char* name;
   NSInteger said;

@@ -31,7 +31,7 @@ double withoutSignOfZero(double value) { return value == 0 ? 0.0 : value; }
 // divisor gives too many.
 std::optional<double> bestStep(double span, double magnitude, NSUInteger requestedStepCount) {
   NSUInteger best = 0;
-  double stepSize = 0;
+  std::optional<double> stepSize;
   for (const int divisor : kDivisors) {
     const double step = magnitude / divisor;
     const NSUInteger count = countFromDouble(std::ceil(span / step));
@@ -40,7 +40,6 @@ std::optional<double> bestStep(double span, double magnitude, NSUInteger request
       best = count;
     }
   }
-  if (best == 0) return std::nullopt;
   return stepSize;
 }
 
@@ -101,7 +100,6 @@ bool ORLFMathematicalAxis::isOriginStepIndex(NSUInteger index) const noexcept {
 
 std::string ORLFMathematicalAxis::labelForStepIndex(double index) const {
   const auto thousands = static_cast<float>(valueForStepIndex(countFromDouble(index)) / 1000.0);
-  if (thousands == 0.0F) return decimalText(thousands);
   if (thousands > -1.0F && thousands < 1.0F) return decimalText(thousands * 1000.0F);
   const double whole = std::trunc(static_cast<double>(thousands));
   if (whole > -1000 && whole < 1000) return decimalText(thousands) + "K";

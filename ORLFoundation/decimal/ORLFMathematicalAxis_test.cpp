@@ -130,6 +130,10 @@ const LabelCase kLabels[] = {
     {"Millions", 0, 10000000, 5, 1, "2.5M"},
     {"Thousandths", 0, 0.5, 6, 1, "0.2"},
     {"GroupedMillions", 0, 1e10, 5, 1, "2,500M"},
+    {"LastThousand", 999000, 1000000, 3, 0, "999K"},
+    {"BehindTheLastThousand", 999000, 1000000, 3, 1, "999.5K"},
+    {"LastThousandBelowZero", -1000000, -999000, 3, 2, "-999K"},
+    {"AMillionBelowZero", -1000000, -999000, 3, 0, "-1M"},
 };
 
 TEST_F(ORLFMathematicalAxisTest, LabelsAreInThousandsAndMillions) {
@@ -149,7 +153,9 @@ TEST_F(ORLFMathematicalAxisTest, LabelIndexIsCutAndHasNoSign) {
   EXPECT_EQ(axis.labelForStepIndex(1.9), "20");
   EXPECT_EQ(axis.labelForStepIndex(-3), "0");
   EXPECT_EQ(axis.labelForStepIndex(kNotANumber), "0");
-  EXPECT_FALSE(axis.labelForStepIndex(kInfinity).empty());
+  // Two to the 64 is the first that no count holds: it counts as the largest.
+  EXPECT_EQ(axis.labelForStepIndex(18446744073709551616.0), axis.labelForStepIndex(kInfinity));
+  EXPECT_NE(axis.labelForStepIndex(kInfinity), "0");
 }
 
 TEST_F(ORLFMathematicalAxisTest, ScalingAndUnscalingAreInverse) {

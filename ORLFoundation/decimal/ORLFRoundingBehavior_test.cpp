@@ -152,5 +152,16 @@ TEST(ORLFRoundingBehavior, AnswersOtherErrorsAsTold) {
   EXPECT_THROW((void)large.decimalNumberByDividingBy(number("0"), &raising), NSException);
 }
 
+TEST(ORLFRoundingBehavior, TellsTheOperandsOfAnErrorInTheirOrder) {
+  const ORLFRoundingBehavior raising(NSRoundPlain);
+  std::string reason;
+  try {
+    (void)number("7").decimalNumberByDividingBy(number("0"), &raising);
+  } catch (const NSException& exception) {
+    reason = exception.reason();
+  }
+  EXPECT_EQ(reason, "The error was 4 for left=7 and right=0");
+}
+
 }  // namespace
 }  // namespace ORLFoundation

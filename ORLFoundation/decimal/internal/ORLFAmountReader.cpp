@@ -3,12 +3,13 @@
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
 #include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/base/CheckedArithmetic.h>
-#include <ORLFoundation/platform/base/UTF8.h>
+#include <ORLFoundation/platform/base/FixedText.h>
+#include <ORLFoundation/platform/base/UTF16.h>
 #include <ORLFoundation/platform/log/NSLog.h>
 #include <ORLFoundation/platform/text/NSCharacterSet.h>
 
 #include <algorithm>
-#include <charconv>
+#include <iterator>
 #include <limits>
 
 namespace ORLFoundation::internal::decimal {
@@ -16,8 +17,8 @@ namespace {
 
 /// The digits that a group between two separators holds at least.
 constexpr std::size_t kSmallestGroup = 2;
-constexpr int kThousandsGroup = 3;
-constexpr int kFractionPlaces = 4;
+constexpr std::size_t kThousandsGroup = 3;
+constexpr int kFractionPlaces = 4;  // "%.4f"
 
 using base::isDigit;
 
@@ -31,58 +32,46 @@ bool isLetter(char32_t c) {
   return letters.longCharacterIsMember(c);
 }
 
-constexpr char32_t kFirstOfPairs = 0xD800;
-constexpr char32_t kSecondOfPairs = 0xDC00;
-constexpr char32_t kFirstPair = 0x10000;
-
-bool isFirstOfPair(char32_t unit) noexcept {
-  return unit >= kFirstOfPairs && unit < kSecondOfPairs;
-}
-bool isSecondOfPair(char32_t unit) noexcept { return unit >= kSecondOfPairs && unit < 0xE000; }
-
-/// Broken bytes stand for U+FFFD.
-std::u16string utf16(std::string_view text) {
-  std::u16string units;
-  units.reserve(text.size());
-  while (!text.empty()) {
-    const base::UTF8Character character = base::firstUTF8Character(text);
-    text.remove_prefix(character.length);
-    if (character.codePoint < kFirstPair) {
-      units += static_cast<char16_t>(character.codePoint);
-    } else {
-      const char32_t offset = character.codePoint - kFirstPair;
-      units += static_cast<char16_t>(kFirstOfPairs + (offset >> 10));
-      units += static_cast<char16_t>(kSecondOfPairs + (offset & 0x3FF));
-    }
-  }
-  return units;
-}
-
-/// "%.4f"
-std::string fourPlaces(double value) {
-  char text[64];
-  const auto written =
-      std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, kFractionPlaces);
-  return {text, written.ptr};
-}
+bool isNine(char c) { return c == '9'; }
 
 /// Adds one to the whole number that ends at `end`; gives its new end. No digits count as 0.
 std::size_t addOne(std::string& digits, std::size_t end) {
-  std::size_t at = end;
-  while (at > 0 && digits[at - 1] == '9') digits[--at] = '0';
-  if (at > 0 && isDigit(digits[at - 1])) {
-    ++digits[at - 1];
+  const auto behind = std::next(digits.begin(), static_cast<std::ptrdiff_t>(end));
+  const auto nines = std::find_if_not(std::make_reverse_iterator(behind), digits.rend(), isNine);
+  std::fill(nines.base(), behind, '0');
+  if (nines != digits.rend() && isDigit(*nines)) {
+    ++*nines;
     return end;
   }
-  digits.insert(at, 1, '1');
+  digits.insert(nines.base(), '1');
   return end + 1;
+}
+
+std::u16string_view digitsAtBeginning(std::u16string_view text) {
+  const auto end = std::find_if_not(text.begin(), text.end(), isDigit<char16_t>);
+  return {text.begin(), end};
+}
+
+std::u16string_view digitsAtEnd(std::u16string_view text) {
+  const auto before = std::find_if_not(text.rbegin(), text.rend(), isDigit<char16_t>);
+  return {before.base(), text.end()};
+}
+
+/// The value of a run of digits; one that is too long ends at the largest integer.
+std::int64_t integerOf(std::u16string_view digits) {
+  std::int64_t value = 0;
+  for (const char16_t digit : digits) {
+    const auto shifted = base::checkedProduct(value, 10);
+    const auto longer = shifted ? base::checkedSum(*shifted, digit - u'0') : std::nullopt;
+    if (!longer) return std::numeric_limits<std::int64_t>::max();
+    value = *longer;
+  }
+  return value;
 }
 
 }  // namespace
 
-ORLFAmountReader::ORLFAmountReader(std::string_view text) : text_(utf16(text)) {
-  buffer_.reserve(text.size());
-}
+ORLFAmountReader::ORLFAmountReader(std::string_view text) : text_(base::utf16Units(text)) {}
 
 std::optional<NSDecimalNumber> ORLFAmountReader::read() {
   for (std::size_t i = 0; i < text_.size(); ++i) {
@@ -98,11 +87,10 @@ std::optional<NSDecimalNumber> ORLFAmountReader::read() {
 }
 
 char32_t ORLFAmountReader::codePointAt(std::size_t index) const {
-  // The text was well-formed: a second half follows its first.
-  if (isSecondOfPair(text_[index])) --index;
   const char32_t unit = text_[index];
-  if (!isFirstOfPair(unit)) return unit;
-  return kFirstPair + ((unit - kFirstOfPairs) << 10) + (text_[index + 1] - kSecondOfPairs);
+  if (!base::isLeadingUnit(unit)) return unit;
+  // No half stands alone in units made from UTF-8.
+  return base::codePointOfUnits(unit, text_[index + 1]);
 }
 
 void ORLFAmountReader::rememberEnds(std::size_t index) {
@@ -163,18 +151,17 @@ bool ORLFAmountReader::takeExponent() {
 
 bool ORLFAmountReader::takeSlash(std::size_t index) {
   if (inExponent_ || fraction_.met) return false;
-  std::size_t from = index;
-  while (from > 0 && isDigit(text_[from - 1])) --from;
-  std::size_t to = index + 1;
-  while (to < text_.size() && isDigit(text_[to])) ++to;
-  // 5/0 and 5/ are 5.
-  const std::int64_t denominator = std::max<std::int64_t>(integerBetween(index + 1, to), 1);
+  const std::u16string_view text = text_;
+  const std::u16string_view over = digitsAtEnd(text.substr(0, index));
+  const std::u16string_view under = digitsAtBeginning(text.substr(index + 1));
+  const std::int64_t denominator = integerOf(under);
   fraction_.met = true;
-  fraction_.start = buffer_.size() - (index - from);
-  fraction_.length = to - from - 1;
-  fraction_.value =
-      *orlfDecimalNumberByDividingBy(orlfDecimalNumberWithInteger(integerBetween(from, index)),
-                                     orlfDecimalNumberWithInteger(denominator));
+  fraction_.start = buffer_.size() - over.size();
+  fraction_.length = over.size() + under.size();
+  // 5/0 and 5/ are 5.
+  fraction_.value = *orlfDecimalNumberByDividingBy(
+      orlfDecimalNumberWithInteger(integerOf(over)),
+      orlfDecimalNumberWithInteger(denominator == 0 ? 1 : denominator));
   return true;
 }
 
@@ -195,22 +182,11 @@ bool ORLFAmountReader::takeOther(std::size_t index) const {
   return buffer_.empty() || !isLetter(codePointAt(index));
 }
 
-/// The value of a run of digits; one that is too long ends at the largest integer.
-std::int64_t ORLFAmountReader::integerBetween(std::size_t from, std::size_t to) const {
-  std::int64_t value = 0;
-  for (; from < to; ++from) {
-    const auto shifted = base::checkedProduct(value, 10);
-    const auto longer = shifted ? base::checkedSum(*shifted, text_[from] - u'0') : std::nullopt;
-    if (!longer) return std::numeric_limits<std::int64_t>::max();
-    value = *longer;
-  }
-  return value;
-}
-
 /// Writes the fraction's value in place of its digits. 3 1/2 becomes 3.5000; an improper fraction
 /// only stands alone. A proper one that rounds to 1 is carried: 3 99999/100000 becomes 4.0000.
 void ORLFAmountReader::placeFraction() {
-  std::string text = fourPlaces(fraction_.value.doubleValue());
+  const base::FixedText<kFractionPlaces> value(fraction_.value.doubleValue());
+  std::string text(value.view());
   const bool isProper = fraction_.value.compare(NSDecimalNumber::one()) == NSOrderedAscending;
   const bool isAlone = fraction_.start == 0 && fraction_.length == buffer_.size();
   if (!isProper && !isAlone) {

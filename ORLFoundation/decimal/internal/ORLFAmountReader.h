@@ -4,7 +4,6 @@
 #include <ORLFoundation/platform/number/NSDecimalNumber.h>
 
 #include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,10 +23,10 @@ class ORLFAmountReader {
   struct Separators {
     std::size_t lastPosition = 0;
     char16_t last = 0;
-    int count = 0;
+    std::size_t count = 0;
     bool mixed = false;
     /// Digits after the last one, those of an exponent left out.
-    int digitsSince = 0;
+    std::size_t digitsSince = 0;
   };
   /// A fraction such as 1/2. Its digits stand in the buffer without the "/".
   struct Fraction {
@@ -47,10 +46,9 @@ class ORLFAmountReader {
   bool takePlus();
   bool takeOther(std::size_t index) const;
 
-  /// The code point of the character, also from the second half of a pair.
+  /// The code point that begins here; a second half, which no letter or space is, for itself.
   [[nodiscard]] char32_t codePointAt(std::size_t index) const;
   void rememberEnds(std::size_t index);
-  [[nodiscard]] std::int64_t integerBetween(std::size_t from, std::size_t to) const;
 
   void placeFraction();
   void placePoint();
