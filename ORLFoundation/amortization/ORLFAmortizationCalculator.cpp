@@ -3,13 +3,11 @@
 
 #include <ORLFoundation/amortization/internal/ORLFRateSearch.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
+#include <ORLFoundation/platform/base/FixedText.h>
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 
-#include <charconv>
 #include <cmath>
-#include <iterator>
-#include <string_view>
 
 namespace ORLFoundation {
 
@@ -35,11 +33,7 @@ ORLFCashFlows flowsOf(const NSArray& dataset, NSUInteger options, const PointGen
 // "%0.17f" read back: the rate to 17 places.
 NSDecimalNumber decimalFromRate(double rate) {
   constexpr int kPlaces = 17;
-  char text[400];
-  const auto end =
-      std::to_chars(std::begin(text), std::end(text), rate, std::chars_format::fixed, kPlaces);
-  return NSDecimalNumber::decimalNumberWithString(
-      std::string_view(text, static_cast<std::size_t>(end.ptr - text)));
+  return NSDecimalNumber::decimalNumberWithString(internal::base::FixedText<kPlaces>(rate).view());
 }
 
 }  // namespace

@@ -155,6 +155,14 @@ TEST(AnnualInterval, CountsYearsOf365Days) {
   EXPECT_EQ(years("2024-01-01T00:00:00Z", "2023-01-01T00:00:00Z"), -1.0);
 }
 
+TEST(AnnualInterval, CountsADayThatTheZoneLeftOut) {
+  const auto calendar = orlftest::calendarIn("Pacific/Apia");
+  EXPECT_EQ(
+      Calculator::annualIntervalFromDate(orlftest::at(*calendar, 2011, 12, 1),
+                                         orlftest::at(*calendar, 2012, 1, 31), calendar.get()),
+      61 / 365.0);
+}
+
 TEST(AnnualInterval, IsZeroForNil) {
   const auto date = orlftest::dateFromVector("2024-01-01T00:00:00Z");
   const auto calendar =

@@ -133,7 +133,6 @@ std::shared_ptr<NSObject> ORLFAmortizationPlan::copy() { return copyOfPlan(); }
 std::shared_ptr<ORLFAmortizationPlan> ORLFAmortizationPlan::copyOfPlan() const {
   auto plan = newObjectAs<ORLFAmortizationPlan>();
   std::vector<Segment> members;
-  members.reserve(segments_.size());
   for (const Segment& member : segments_) members.push_back(copyOf(member));
   plan->setSegments(std::move(members));
   plan->setEndDate(endDate_);

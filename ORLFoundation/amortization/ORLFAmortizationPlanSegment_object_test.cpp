@@ -5,6 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <set>
+#include <string>
+
 namespace orlftest {
 namespace {
 
@@ -127,6 +130,25 @@ TEST(ORLFAmortizationPlanSegment, DiffersByEachOfItsValues) {
     EXPECT_FALSE(left->isEqualSegment(right.get())) << right->description();
     EXPECT_FALSE(right->isEqualSegment(left.get())) << right->description();
   }
+}
+
+TEST(ORLFAmortizationPlanSegment, SpreadsItsHashOverEachOfItsValues) {
+  std::set<NSUInteger> hashes;
+  for (NSInteger index = 1; index <= 20; ++index) {
+    const NSDecimalNumber value = number(std::to_string(index));
+    for (int field = 0; field < 7; ++field) {
+      const auto segment = makeSegment({.frequency = noPeriod()});
+      if (field == 0) segment->setStartDate(utc(2000 + index, 1, 1));
+      if (field == 1) segment->setCurrentPrincipal(value);
+      if (field == 2) segment->setContribution(value);
+      if (field == 3) segment->setContributionFrequncy(monthly(index));
+      if (field == 4) segment->setAnualCompoundingRate(value);
+      if (field == 5) segment->setCompoundingFrequncy(monthly(index));
+      if (field == 6) segment->setAnualInflationRate(value);
+      hashes.insert(segment->hash());
+    }
+  }
+  EXPECT_GT(hashes.size(), 130U);
 }
 
 TEST(ORLFAmortizationPlanSegment, CopiesItsValuesAndNoPlan) {

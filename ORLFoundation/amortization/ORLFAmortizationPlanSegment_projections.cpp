@@ -6,7 +6,6 @@
 #include <ORLFoundation/amortization/internal/ORLFPlanProjection.h>
 #include <ORLFoundation/calendar/ORLFDateOrdering.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumber.h>
-#include <ORLFoundation/platform/base/CheckedArithmetic.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 
@@ -173,10 +172,8 @@ std::optional<NSDate> ORLFAmortizationPlanSegment::contributionDateAfterDate(
   if (!contributionFrequncy_) return std::nullopt;
   const ORLFDateRecurrencePeriod& period = *contributionFrequncy_;
   if (!startDate_) return dateByAddingRecurrencePeriod(usingCalendar, period, 1, date, 0);
-  const auto next = internal::base::checkedSum(
-      intervalInRecurrencePeriod(usingCalendar, period, *startDate_, date), 1);
-  if (!next) return std::nullopt;
-  return dateByAddingRecurrencePeriod(usingCalendar, period, *next, *startDate_, 0);
+  const NSInteger periods = intervalInRecurrencePeriod(usingCalendar, period, *startDate_, date);
+  return dateByAddingRecurrencePeriod(usingCalendar, period, periods + 1, *startDate_, 0);
 }
 
 }  // namespace ORLFoundation

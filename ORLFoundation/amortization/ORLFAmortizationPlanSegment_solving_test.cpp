@@ -103,6 +103,13 @@ TEST(ORLFAmortizationPlanSegment, GivesUpWhereTheDatesLeaveTheCalendar) {
             static_cast<NSUInteger>(NSIntegerMax));
 }
 
+TEST(ORLFAmortizationPlanSegment, GivesUpWhereThePeriodsLeaveTheCalendarThoughTheBalanceStays) {
+  EXPECT_EQ(periodsTo("7", {.principal = number("7"),
+                            .contribution = number("0"),
+                            .frequency = monthly(NSIntegerMax)}),
+            static_cast<NSUInteger>(NSIntegerMax));
+}
+
 // ---- payments, present and future value ----
 
 TEST(ORLFAmortizationPlanSegment, FindsThePrincipalThatPaymentsPayOff) {
@@ -220,6 +227,15 @@ TEST(ORLFAmortizationPlanSegment, GivesNotANumberForValuesWithoutAFrequency) {
                                                         .usingCalendar = utcCalendar()});
   ASSERT_TRUE(value);
   EXPECT_EQ(value->compare(NSDecimalNumber::notANumber()), NSOrderedSame);
+  // Rates over no periods are infinite, and nil ones no number.
+  for (const Decimal& inflation : {Decimal(number("0.12")), Decimal()}) {
+    const auto later = Class::furureValueForPresentValue({.presentValue = number("1000"),
+                                                          .numberOfPeriods = 24,
+                                                          .anualInflationRate = inflation,
+                                                          .usingCalendar = utcCalendar()});
+    ASSERT_TRUE(later);
+    EXPECT_EQ(later->compare(NSDecimalNumber::notANumber()), NSOrderedSame);
+  }
 }
 
 }  // namespace

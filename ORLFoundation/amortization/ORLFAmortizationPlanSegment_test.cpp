@@ -1,5 +1,6 @@
 #include <ORLFoundation/amortization/ORLFAmortizationPlan_testing.h>
-#include <ORLFoundation/platform/value/NSException.h>
+#include <ORLFoundation/decimal/ORLFRoundingBehavior.h>
+#include <ORLFoundation/platform/value/NSException_testing.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -67,6 +68,10 @@ const PrincipalCase kPrincipalCases[] = {
      kJan25,
      {.contribution = number("100"), .rate = number("0.12"), .inflation = number("0.03")},
      "1298.308853"},
+    {"RaisesContributionsThatDoubleEachPeriod",
+     utc(2024, 4, 1),
+     {.contribution = number("100"), .rate = number("0.12"), .inflation = number("12")},
+     sixPlaces((std::pow(g, 3) - std::pow(2, 3)) / (0.01 - 1) * 100 * g)},
     {"LeavesThePlainAnnuityWhenRatesAreTheSame",
      kJan25,
      {.contribution = number("100"), .rate = number("0.12"), .inflation = number("0.12")},
@@ -129,7 +134,18 @@ TEST(ORLFAmortizationPlanSegment, RoundsEachStepWithoutGrowthAndOnlyTheEndWithGr
 }
 
 TEST(ORLFAmortizationPlanSegment, RefusesAnIntervalOfZeroWithoutGrowth) {
-  EXPECT_THROW((void)principalOn(kJan25, {.frequency = monthly(0)}), NSException);
+  EXPECT_EQ(nameOfException([] { (void)principalOn(kJan25, {.frequency = monthly(0)}); }),
+            NSInvalidArgumentException);
+}
+
+TEST(ORLFAmortizationPlanSegment, HasNoPrincipalWhereTheContributionsAreAnError) {
+  const ORLFRoundingBehavior rounded(NSRoundPlain, 2, ORLFDecimalErrorBehaviorReturnNil);
+  const Terms huge{.principal = number("1"), .contribution = number("9e164")};
+  EXPECT_EQ(principalOn(utc(2024, 2, 1), huge, &rounded), number("9e164"));
+  for (const char* const principal : {"1", "0", "-9e164"}) {
+    const Terms terms{.principal = number(principal), .contribution = number("9e164")};
+    EXPECT_EQ(principalOn(kJan25, terms, &rounded), std::nullopt) << principal;
+  }
 }
 
 TEST(ORLFAmortizationPlanSegment, GivesNotANumberForTotalsThatAreNotFinite) {
@@ -171,6 +187,13 @@ TEST(ORLFAmortizationPlanSegment, GivesNoContributionDateBeyondTheCalendar) {
   EXPECT_EQ(Class::contributionDateAfterCount(1, kJan24, nullptr, utcCalendar()), std::nullopt);
 }
 
+TEST(ORLFAmortizationPlanSegment, CountsContributionDatesUpToTheLargestInteger) {
+  constexpr auto kLargest = static_cast<NSUInteger>(NSIntegerMax);
+  EXPECT_EQ(Class::contributionDateAfterCount(kLargest, kJan24, monthly(0), utcCalendar()), kJan24);
+  EXPECT_EQ(Class::contributionDateAfterCount(kLargest + 1, kJan24, monthly(0), utcCalendar()),
+            std::nullopt);
+}
+
 TEST(ORLFAmortizationPlanSegment, StepsFromItsStartSoThatTheDayNeverDrifts) {
   const auto segment = makeSegment({});
   segment->setStartDate(utc(2024, 1, 31));
@@ -190,6 +213,19 @@ TEST(ORLFAmortizationPlanSegment, FindsTheContributionDateStrictlyAfterADate) {
   EXPECT_EQ(segment->contributionDateAfterDate(utc(2024, 1, 10), utcCalendar()), utc(2024, 3, 10));
   EXPECT_EQ(segment->contributionDateAfterDate(utc(2024, 3, 9), utcCalendar()), utc(2024, 3, 10));
   EXPECT_EQ(segment->contributionDateAfterDate(utc(2024, 3, 10), utcCalendar()), utc(2024, 5, 10));
+}
+
+TEST(ORLFAmortizationPlanSegment, StepsWithoutAStartIntoTheNextYear) {
+  EXPECT_EQ(makeSegment({})->contributionDateAfterDate(utc(2024, 12, 15), utcCalendar()),
+            utc(2025, 1, 15));
+}
+
+TEST(ORLFAmortizationPlanSegment, HasNoLaterContributionDateWithoutAFrequency) {
+  const auto segment = makeSegment({.frequency = noPeriod()});
+  EXPECT_EQ(segment->contributionDateAfterDate(kJan24, utcCalendar()), std::nullopt);
+  segment->setStartDate(kJan24);
+  EXPECT_EQ(segment->contributionDateAfterDate(utc(2023, 1, 1), utcCalendar()), kJan24);
+  EXPECT_EQ(segment->contributionDateAfterDate(kJan25, utcCalendar()), std::nullopt);
 }
 
 // ---- contributions between dates ----
@@ -235,6 +271,12 @@ TEST(ORLFAmortizationPlanSegment, HasNoContributionsWithoutAContribution) {
   segment->setStartDate(kJan24);
   EXPECT_EQ(contributionsOf(segment, kJan24, kJan25, true), std::nullopt);
   EXPECT_EQ(contributionsOf(segment, kJan24, kJan25, false), std::nullopt);
+}
+
+TEST(ORLFAmortizationPlanSegment, HasNoContributionsFromADateBeyondTheCalendar) {
+  const NSDate beyond = NSDate::dateWithTimeIntervalSinceReferenceDate(1e300);
+  const auto segment = makeSegment({.contribution = number("100")});
+  EXPECT_EQ(contributionsOf(segment, beyond, kJan25, false), std::nullopt);
 }
 
 TEST(ORLFAmortizationPlanSegment, ReadsANegativeCountAsUnsigned) {

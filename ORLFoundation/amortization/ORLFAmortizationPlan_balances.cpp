@@ -17,7 +17,6 @@ using namespace internal::amortization;
 namespace {
 
 NSDate earlierOf(NSDate left, NSDate right) { return orlfIsBefore(right, left) ? right : left; }
-NSDate laterOf(NSDate left, NSDate right) { return orlfIsAfter(right, left) ? right : left; }
 
 ORLFPlanProjection projectionOf(const ORLFAmortizationPlanSegment& member,
                                 NSDate fristContributionDate, const NSCalendar& calendar,
@@ -156,20 +155,18 @@ class ORLFAmortizationPlan::BestBalance {
 
 std::optional<NSDecimalNumber> ORLFAmortizationPlan::bestBalance(
     const BalanceBetweenDates& arguments, NSComparisonResult beaten) const {
-  const auto planStart = planStartDate();
-  if (!planStart) return std::nullopt;
   const NSCalendar& calendar = arguments.usingCalendar;
-  const NSDate start = arguments.startDate.value_or(*planStart);
   const NSDate end = arguments.endDate.value_or(endDate_.value_or(NSDate::distantFuture()));
   const auto balanceOn = [&](NSDate date, bool inclusive) {
     return plannedBalanceOnDate(date, inclusive, calendar, arguments.roundingBehavior);
   };
 
   BestBalance best(beaten);
-  NSDate cursor = laterOf(*planStart, start);
-  while (const auto index = memberOnDate(cursor)) {
+  auto cursor =
+      isAfter(arguments.startDate, planStartDate()) ? arguments.startDate : planStartDate();
+  while (const auto index = cursor ? memberOnDate(*cursor) : std::nullopt) {
+    const NSDate from = *cursor;
     const NSDate memberEnd = endOfMember(*index);
-    const NSDate from = laterOf(start, cursor);
     const NSDate to = earlierOf(end, memberEnd);
     const auto balanceAtStart = balanceOn(from, true);
     best.offer(balanceAtStart, from);

@@ -64,17 +64,11 @@ void clearRange(Segments& members, const Place& place, NSDate end, std::optional
 }
 
 /// A stretch that carries the balance on unchanged.
-Segment makeFiller(const std::shared_ptr<ORLFDateRecurrencePeriod>& frequency) {
+Segment makeFiller(const std::shared_ptr<ORLFDateRecurrencePeriod>& frequency,
+                   std::optional<NSDate> start = std::nullopt) {
   auto filler = std::make_shared<ORLFAmortizationPlanSegment>();
   filler->setContribution(NSDecimalNumber::zero());
   filler->setContributionFrequncy(frequency);
-  return filler;
-}
-
-Segment makeFiller(const Segment& beside, const std::shared_ptr<ORLFAmortizationPlan>& plan,
-                   std::optional<NSDate> start) {
-  auto filler = makeFiller(beside->contributionFrequncy());
-  filler->setAmortizationPlan(plan);
   filler->setStartDate(start);
   return filler;
 }
@@ -85,11 +79,10 @@ void insertAt(Segments& members, std::size_t index, const Segment& member, bool 
               std::optional<NSDate> planEnd) {
   ORLFConditionAssert(index <= members.size(), "insertionIndex <= segments.count",
                       "Should never be insertionIndex > segments.count");
-  if (index > members.size()) return;
   if (isLast) removeMembers(members, index, members.size());
   const bool leavesGap =
       !isLast && index == members.size() && isAfter(member->startDate(), planEnd);
-  if (leavesGap) members.push_back(makeFiller(member, member->amortizationPlan(), planEnd));
+  if (leavesGap) members.push_back(makeFiller(member->contributionFrequncy(), planEnd));
   const std::size_t position = leavesGap ? index + 1 : index;
   members.insert(std::next(members.begin(), static_cast<std::ptrdiff_t>(position)), member);
 }
@@ -100,10 +93,8 @@ void ORLFAmortizationPlan::setPlanSegment(const Segment& segment,
                                           std::optional<NSDate> fromStartDate,
                                           std::optional<NSDate> toEndDate, bool lastSegmentOfPlan) {
   refuseNull(segment);
-  const auto self = std::static_pointer_cast<ORLFAmortizationPlan>(weak_from_this().lock());
   const NSDate end = toEndDate.value_or(NSDate::distantFuture());
   auto member = copyOf(segment);
-  member->setAmortizationPlan(self);
   member->setStartDate(fromStartDate);
 
   Segments members = segments_;
@@ -113,7 +104,7 @@ void ORLFAmortizationPlan::setPlanSegment(const Segment& segment,
     insertAt(members, *place.insertion, member, lastSegmentOfPlan, endDate_);
   } else {
     if (isBefore(end, planStartDate()))
-      members.insert(members.begin(), makeFiller(member, self, end));
+      members.insert(members.begin(), makeFiller(member->contributionFrequncy(), end));
     members.insert(members.begin(), member);
   }
   setEndDate(lastSegmentOfPlan || !isAfter(endDate_, end) ? end : endDate_);

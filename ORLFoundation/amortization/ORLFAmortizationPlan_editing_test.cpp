@@ -340,6 +340,30 @@ TEST(ORLFAmortizationPlan, TellsObserversOfTheLastSegmentWhenItsSegmentsChange) 
   EXPECT_THAT(heard, testing::SizeIs(2));
 }
 
+TEST(ORLFAmortizationPlan, MovesTheMemberBesideTheLastOneInAPlanWithoutAnEnd) {
+  const Plan plan = makePlan({{year(2024), {}}, {year(2027), {}}}, year(2030));
+  plan->setEndDate(std::nullopt);
+  plan->setPlanSegment(makeSegment({}), year(2023), year(2025), false);
+  EXPECT_EQ(yearsOf(*plan), "2023 2025 2027 | 2025");
+}
+
+TEST(ORLFAmortizationPlan, LogsNothingWhereItInserts) {
+  const LogCapture log;
+  for (const bool isLast : {false, true}) {
+    for (const NSInteger first : {2020, 2024, 2026, 2030, 2032, 2033, 2040})
+      threeMembers()->setPlanSegment(makeSegment({}), year(first), year(first + 1), isLast);
+  }
+  EXPECT_THAT(log.lines(), ElementsAre());
+}
+
+TEST(ORLFAmortizationPlan, FillsARangeOfWhichNothingIsTrimmedAsTheLastOfThePlan) {
+  const Plan plan = makePlan({{year(2024), {}}, {year(2029), {}}}, year(2032));
+  plan->setEndDate(year(2026));
+  // The start is not before the end: no trim, and the filler up to the end is all that follows.
+  EXPECT_EQ(yearsOf(*plan->amortizationPlanWithStartDate(year(2028), year(2028))),
+            "2024 2026 | 2028");
+}
+
 TEST(ORLFAmortizationPlan, ReadsDerivedValuesByKey) {
   const Plan plan = threeMembers();
   EXPECT_EQ(plan->valueForKey("planStartDate").as<NSDate>(), year(2024));

@@ -9,6 +9,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <set>
+#include <string>
+
 namespace orlftest {
 namespace {
 
@@ -63,6 +66,8 @@ TEST(ORLFAmortizationPlan, AnswersWithoutSegments) {
       testing::ElementsAre(NSDecimalNumber::zero(), NSDecimalNumber::zero()));
   EXPECT_EQ(plan->plannedPeakBalanceBetweenStartDate({.usingCalendar = utcCalendar()}),
             std::nullopt);
+  EXPECT_EQ(plan->planSegementNoCopyForDate({.date = kJan24, .usingCalendar = utcCalendar()}),
+            nullptr);
   EXPECT_EQ(plan->contributionDateAfterDate(std::nullopt, utcCalendar()), std::nullopt);
   EXPECT_EQ(plan->contributionDateBeforeDate(kJan24, utcCalendar()), std::nullopt);
   plan->setPlanSegment(makeSegment({}), kJan24, kJan25, false);
@@ -115,6 +120,30 @@ TEST(ORLFAmortizationPlan, HasNoLastContributionDateWhereASegmentNeverEnds) {
   EXPECT_EQ(last, std::nullopt);
 }
 
+TEST(ORLFAmortizationPlan, HasNoLastContributionDateWithoutAFrequencyOrAStart) {
+  const auto lastOf = [](const Plan& plan) {
+    std::optional<NSDate> last = kJan24;
+    const Segment segment = plan->planSegementNoCopyForDate(
+        {.date = utc(2024, 6, 1), .usingCalendar = utcCalendar(), .lastContributionDate = &last});
+    EXPECT_EQ(segment, plan->firstSegment());
+    return last;
+  };
+  const auto withoutFrequency = std::make_shared<ORLFAmortizationPlan>();
+  withoutFrequency->setPlanSegment(makeSegment({.frequency = noPeriod()}), kJan24, kJan25, true);
+  EXPECT_EQ(lastOf(withoutFrequency), std::nullopt);
+  const auto withoutStart = std::make_shared<ORLFAmortizationPlan>();
+  withoutStart->setPlanSegment(makeSegment({}), std::nullopt, kJan25, true);
+  EXPECT_EQ(lastOf(withoutStart), std::nullopt);
+}
+
+TEST(ORLFAmortizationPlan, HasNoSegmentBeforeItsStartThoughALaterMemberStartsEarlier) {
+  const Plan plan = twoYears();
+  plan->setSegments({plan->lastSegment(), plan->firstSegment()});
+  EXPECT_EQ(
+      plan->planSegementNoCopyForDate({.date = utc(2024, 6, 1), .usingCalendar = utcCalendar()}),
+      nullptr);
+}
+
 TEST(ORLFAmortizationPlan, HandsOutACopyOfTheSegmentInForce) {
   const Plan plan = twoYears();
   const Segment copy = plan->planSegementForDate({.date = kJan24, .usingCalendar = utcCalendar()});
@@ -155,6 +184,21 @@ TEST(ORLFAmortizationPlan, EqualsByEndAndSegments) {
   other->setEndDate(std::nullopt);
   EXPECT_TRUE(open->isEqual(other.get()));
   EXPECT_FALSE(plan->isEqual(makePlan({{kJan24, {.principal = number("1000")}}}, kJan26).get()));
+}
+
+TEST(ORLFAmortizationPlan, SpreadsItsHashOverItsEndAndItsSegments) {
+  std::set<NSUInteger> ofEnds;
+  std::set<NSUInteger> ofSegments;
+  for (NSInteger index = 1; index <= 100; ++index) {
+    const Plan plan = twoYears();
+    plan->setEndDate(utc(2026 + index, 1, 1));
+    ofEnds.insert(plan->hash());
+    const Plan other = twoYears();
+    other->lastSegment()->setContribution(number(std::to_string(index)));
+    ofSegments.insert(other->hash());
+  }
+  EXPECT_GT(ofEnds.size(), 90U);
+  EXPECT_GT(ofSegments.size(), 90U);
 }
 
 TEST(ORLFAmortizationPlan, DescribesItsSegmentsAndItsEnd) {

@@ -1,4 +1,5 @@
 #include <ORLFoundation/amortization/ORLFAmortizationPlan_testing.h>
+#include <ORLFoundation/decimal/ORLFRoundingBehavior.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -72,6 +73,16 @@ TEST(ORLFAmortizationPlan, TakesTheNextSegmentOnABoundaryInManyBalances) {
   }
 }
 
+TEST(ORLFAmortizationPlan, CountsItsStartFromTheFirstMoveOnInManyBalances) {
+  // The second date is taken where the walk has come to: in the member of 2025.
+  const Plan plan = makePlan(
+      {{kJan24, {.principal = number("1000")}}, {kJan25, {.principal = number("7000")}}}, kJan26);
+  for (const bool inclusive : {true, false}) {
+    EXPECT_THAT(balancesOf(plan, {utc(2025, 7, 1), kJan24}, inclusive),
+                ElementsAre("7000", "7000"));
+  }
+}
+
 TEST(ORLFAmortizationPlan, PassesOverSegmentsBetweenDatesInManyBalances) {
   const Plan plan = makePlan({{kJan24, {.principal = number("1000"), .contribution = number("1")}},
                               {utc(2024, 4, 1), {.contribution = number("10")}},
@@ -141,6 +152,21 @@ TEST(ORLFAmortizationPlan, SumsContributionsOverItsSegments) {
 TEST(ORLFAmortizationPlan, PassesOverSegmentsWithoutContributions) {
   const Plan plan = makePlan({{kJan24, {}}, {kJan25, {.contribution = number("50")}}}, kJan26);
   EXPECT_EQ(contributionsOf(plan, std::nullopt, kJan26), "600");
+}
+
+TEST(ORLFAmortizationPlan, HasNoSumOfContributionsAfterASumThatIsAnError) {
+  const Terms huge{.contribution = number("9e164")};
+  const Plan plan = makePlan(
+      {{kJan24, huge}, {utc(2024, 2, 1), huge}, {utc(2024, 3, 1), {.contribution = number("1")}}},
+      utc(2024, 4, 1));
+  const ORLFRoundingBehavior rounded(NSRoundPlain, 2, ORLFDecimalErrorBehaviorReturnNil);
+  const auto sumUntil = [&](NSDate end) {
+    return textOf(plan->plannedContributionsFromStartDate(
+        {.toEndDate = end, .usingCalendar = utcCalendar(), .roundingBehavior = &rounded}));
+  };
+  EXPECT_EQ(sumUntil(utc(2024, 2, 1)), number("9e164").stringValue());
+  EXPECT_EQ(sumUntil(utc(2024, 3, 1)), "nil");
+  EXPECT_EQ(sumUntil(utc(2024, 4, 1)), "nil");
 }
 
 TEST(ORLFAmortizationPlan, FindsTheNextContributionDate) {

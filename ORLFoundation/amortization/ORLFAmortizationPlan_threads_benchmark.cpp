@@ -1,14 +1,21 @@
 // What two threads do beside one: balances of a plan, dates of a rule, products and sums of
-// decimals. Both threads ask the same objects. "ours" is two threads at once, in wall time for all
-// that they did together; the ratio of "oneThread" is then how many times the work of one thread
-// two do. Processor time for each piece of work shows whether they wait for each other where other
-// programs use the processors too.
+// decimals. Both threads ask the same objects. Each thread stays on a processor of its own and
+// counts what it does until one common end, so that processors of unlike speed do not wait for each
+// other. "ours" is the time for a piece of work of two threads at once; "oneThread" is that of one
+// thread alone, which takes turns on the same two processors. Their ratio is how many times the
+// work of one thread two do: 2 where they share nothing.
 
 #include <ORLFoundation/amortization/ORLFAmortizationPlan_testing.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 #include <benchmark/benchmark.h>
 
+#include <sched.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -65,28 +72,90 @@ double decimals() {
   return sum.doubleValue();
 }
 
-void run(benchmark::State& state, double (*work)()) {
-  const double expected = work();
-  bool agrees = true;
-  for (auto _ : state) agrees = work() == expected && agrees;
-  if (!agrees) state.SkipWithError("a thread came to another answer");
-  state.SetItemsProcessed(state.iterations());
+using Clock = std::chrono::steady_clock;
+using Answer = double (*)();
+
+constexpr std::chrono::milliseconds kSpan{20};
+constexpr std::chrono::milliseconds kTimeToStart{1};
+
+/// The first two that the process may use; one of them twice where there is but one.
+std::vector<int> twoProcessors() {
+  cpu_set_t allowed;
+  CPU_ZERO(&allowed);
+  sched_getaffinity(0, sizeof allowed, &allowed);
+  std::vector<int> list;
+  for (int processor = 0; processor < CPU_SETSIZE && list.size() < 2; ++processor)
+    if (CPU_ISSET(processor, &allowed)) list.push_back(processor);
+  list.resize(2, list.front());
+  return list;
+}
+
+void stayOn(int processor) {
+  cpu_set_t only;
+  CPU_ZERO(&only);
+  CPU_SET(processor, &only);
+  sched_setaffinity(0, sizeof only, &only);
+}
+
+class Counter {
+ public:
+  explicit Counter(Answer work) : work_(work), expected_(work()) {}
+
+  /// Adds what threads on these processors, one on each, do in one span.
+  void count(const std::vector<int>& processors) {
+    const Clock::time_point start = Clock::now() + kTimeToStart;
+    std::vector<std::thread> threads;
+    threads.reserve(processors.size());
+    for (const int processor : processors)
+      threads.emplace_back([this, processor, start] {
+        stayOn(processor);
+        std::this_thread::sleep_until(start);
+        std::int64_t pieces = 0;
+        for (; Clock::now() < start + kSpan; ++pieces)
+          if (work_() != expected_) agrees_ = false;
+        pieces_ += pieces;
+      });
+    for (std::thread& thread : threads) thread.join();
+  }
+  [[nodiscard]] std::int64_t pieces() const { return pieces_; }
+  [[nodiscard]] bool agrees() const { return agrees_; }
+
+ private:
+  Answer work_;
+  double expected_;
+  std::atomic<std::int64_t> pieces_ = 0;
+  std::atomic<bool> agrees_ = true;
+};
+
+/// Each turn takes one span, with threads on the processors of the turn.
+void run(benchmark::State& state, Answer work, const std::vector<std::vector<int>>& turns) {
+  Counter counter(work);
+  for (auto _ : state) {
+    for (const std::vector<int>& processors : turns) counter.count(processors);
+    state.SetIterationTime(std::chrono::duration<double>(kSpan).count() *
+                           static_cast<double>(turns.size()));
+  }
+  if (!counter.agrees()) state.SkipWithError("a thread came to another answer");
+  state.SetItemsProcessed(counter.pieces());
 }
 
 const bool kRegistered = [] {
   struct Work {
     std::string name;
-    double (*answer)();
+    Answer answer;
   };
+  const std::vector<int> both = twoProcessors();
   for (const Work& work : {Work{"balancesOnTwoThreads", balances}, Work{"datesOnTwoThreads", dates},
                            Work{"decimalsOnTwoThreads", decimals}}) {
-    benchmark::RegisterBenchmark((work.name + "/ours").c_str(), run, work.answer)
-        ->Threads(2)
-        ->UseRealTime()
-        ->Unit(benchmark::kMicrosecond);
-    benchmark::RegisterBenchmark((work.name + "/oneThread").c_str(), run, work.answer)
-        ->UseRealTime()
-        ->Unit(benchmark::kMicrosecond);
+    const auto add = [&](const char* engine, std::vector<std::vector<int>> turns) {
+      benchmark::RegisterBenchmark(
+          (work.name + engine).c_str(),
+          [answer = work.answer, turns](benchmark::State& state) { run(state, answer, turns); })
+          ->UseManualTime()
+          ->Unit(benchmark::kMicrosecond);
+    };
+    add("/ours", {both});
+    add("/oneThread", {{both[0]}, {both[1]}});
   }
   return true;
 }();

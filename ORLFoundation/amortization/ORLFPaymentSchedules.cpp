@@ -4,7 +4,6 @@
 #include <ORLFoundation/platform/time/NSCalendar.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 
-#include <cmath>
 #include <initializer_list>
 #include <utility>
 #include <vector>
@@ -85,7 +84,7 @@ NSUInteger daysPerPeriod(const ORLFDateRecurrenceRule& rule) {
   }
 }
 
-double periodsInYear(ORLFDateRecurrenceFrequency frequency) {
+NSUInteger periodsInYear(ORLFDateRecurrenceFrequency frequency) {
   switch (frequency) {
     case ORLFDateRecurrenceFrequencyYearly:
       return 1;
@@ -221,9 +220,9 @@ ORLFPaymentSchedule absoluteScheduleForAnnualPaymentsIncludingDate(NSDate date,
 
 NSUInteger numberOfPaymentPeriodsPerYear(const ORLFDateRecurrenceRule& rule) {
   if (rule.interval() < 1) return 0;
-  const double periods =
-      std::floor(periodsInYear(rule.frequency()) / static_cast<double>(rule.interval()));
-  return static_cast<NSUInteger>(periods) * daysPerPeriod(rule);
+  const NSUInteger periods =
+      periodsInYear(rule.frequency()) / static_cast<NSUInteger>(rule.interval());
+  return periods * daysPerPeriod(rule);
 }
 
 }  // namespace ORLFoundation
