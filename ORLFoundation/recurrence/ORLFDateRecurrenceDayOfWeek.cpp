@@ -2,7 +2,6 @@
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceDayOfWeek.h>
 
 #include <ORLFoundation/platform/object/NSKeyTable.h>
-#include <ORLFoundation/recurrence/internal/ORLFRecurrenceArithmetic.h>
 #include <ORLFoundation/recurrence/internal/ORLFRecurrenceKeys.h>
 
 #include <iterator>
@@ -66,7 +65,7 @@ bool ORLFDateRecurrenceDayOfWeek::isEqual(const NSObject* other) const {
 }
 
 NSUInteger ORLFDateRecurrenceDayOfWeek::hash() const {
-  return static_cast<NSUInteger>(wrappedSum(dayOfTheWeek_, weekNumber_));
+  return static_cast<NSUInteger>(dayOfTheWeek_) + static_cast<NSUInteger>(weekNumber_);
 }
 
 std::shared_ptr<NSObject> ORLFDateRecurrenceDayOfWeek::copy() {
@@ -79,7 +78,7 @@ std::shared_ptr<NSObject> ORLFDateRecurrenceDayOfWeek::copy() {
 }
 
 std::shared_ptr<NSObject> ORLFDateRecurrenceDayOfWeek::newObjectOfReceiversClass() const {
-  return std::make_shared<ORLFDateRecurrenceDayOfWeek>(dayOfTheWeek_, weekNumber_);
+  return std::make_shared<ORLFDateRecurrenceDayOfWeek>(dayOfTheWeek_);
 }
 
 }  // namespace ORLFoundation

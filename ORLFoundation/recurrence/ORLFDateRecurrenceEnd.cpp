@@ -34,11 +34,14 @@ void ORLFDateRecurrenceEnd::setOccurrenceCount(NSUInteger occurrenceCount) {
 
 bool ORLFDateRecurrenceEnd::shouldEndForDate(std::optional<NSDate> date, NSInteger count,
                                              bool backwards) const {
-  if (!endDate_) return static_cast<NSUInteger>(count) >= occurrenceCount_;
-  ORLFConditionAssert(date.has_value(), "date != nil",
+  ORLFConditionAssert(date.has_value() || !endDate_, "date != nil",
                       "NIL date for ORLFDateRecurrenceEnd with and end date");
-  if (!date) return true;
-  return backwards ? !orlfIsBefore(*endDate_, *date) : !orlfIsAfter(*endDate_, *date);
+  if (endDate_ && !date) return true;
+  return shouldEndForDate(date.value_or(NSDate()), count, backwards);
+}
+
+bool ORLFDateRecurrenceEnd::isReachedBy(NSDate date, bool backwards) const {
+  return backwards ? !orlfIsBefore(*endDate_, date) : !orlfIsAfter(*endDate_, date);
 }
 
 const NSKeyTable& ORLFDateRecurrenceEnd::keyTable() const {

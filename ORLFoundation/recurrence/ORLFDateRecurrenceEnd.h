@@ -33,6 +33,11 @@ class ORLFDateRecurrenceEnd : public NSObject, public NSSecureCoding {
   /// date fails a condition, which is logged, and stops.
   [[nodiscard]] bool shouldEndForDate(std::optional<NSDate> date, NSInteger count,
                                       bool backwards) const;
+  /// The same of a date that is there, for walks that ask before each.
+  [[nodiscard]] bool shouldEndForDate(NSDate date, NSInteger count, bool backwards) const {
+    return endDate_ ? isReachedBy(date, backwards)
+                    : static_cast<NSUInteger>(count) >= occurrenceCount_;
+  }
 
   [[nodiscard]] const NSKeyTable& keyTable() const override;
   [[nodiscard]] std::string className() const override;
@@ -59,6 +64,8 @@ class ORLFDateRecurrenceEnd : public NSObject, public NSSecureCoding {
   [[nodiscard]] std::shared_ptr<NSObject> newObjectOfReceiversClass() const override;
 
  private:
+  [[nodiscard]] bool isReachedBy(NSDate date, bool backwards) const;
+
   std::optional<NSDate> endDate_;
   NSUInteger occurrenceCount_;
 };

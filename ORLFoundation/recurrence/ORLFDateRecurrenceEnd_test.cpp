@@ -52,6 +52,17 @@ TEST(ORLFDateRecurrenceEnd, EndsAfterItsCountOfDates) {
   EXPECT_TRUE(End::initEndWithOccurrenceCount(0)->shouldEndForDate(afterReference(0), 0, false));
 }
 
+TEST(ORLFDateRecurrenceEnd, AnswersForADateThatMayBeNil) {
+  const LogCapture log;
+  const auto byDate = End::initEndWithEndDate(afterReference(100));
+  EXPECT_FALSE(byDate->shouldEndForDate(std::optional(afterReference(99)), 0, false));
+  EXPECT_TRUE(byDate->shouldEndForDate(std::optional(afterReference(100)), 0, false));
+  const auto byCount = End::initEndWithOccurrenceCount(3);
+  EXPECT_FALSE(byCount->shouldEndForDate(std::nullopt, 2, false));
+  EXPECT_TRUE(byCount->shouldEndForDate(std::nullopt, 3, false));
+  EXPECT_TRUE(log.lines().empty());
+}
+
 TEST(ORLFDateRecurrenceEnd, LogsANilDateAndEnds) {
   const LogCapture log;
   EXPECT_TRUE(
@@ -102,6 +113,7 @@ TEST(ORLFDateRecurrenceEnd, CopiesOneOnTheStackToAnEqualEndOfItsClass) {
   const auto copy = std::dynamic_pointer_cast<Deadline>(deadline.copy());
   ASSERT_TRUE(copy);
   EXPECT_TRUE(copy->isEqual(&deadline));
+  EXPECT_EQ(copy->endDate(), afterReference(5));
   EXPECT_EQ(copy->occurrenceCount(), 7U);
   End end(std::nullopt, 3);
   EXPECT_TRUE(end.copy()->isEqual(&end));

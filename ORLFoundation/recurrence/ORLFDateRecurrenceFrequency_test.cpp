@@ -44,7 +44,7 @@ TEST(ORLFDateRecurrenceFrequency, OrdersTheMoreFrequentFirst) {
 TEST(ORLFDateRecurrenceFrequencyDeathTest, StopsTheProcessForAnUnknownOne) {
   const auto unknown = static_cast<ORLFDateRecurrenceFrequency>(32);
   EXPECT_DEATH(static_cast<void>(countInYear(unknown)),
-               "Fatal error.*ORLFoundation/DateRecurrenceRule.*28");
+               "Fatal error: file ORLFoundation/DateRecurrenceRule, line 28");
   EXPECT_DEATH(static_cast<void>(description(unknown)), "Fatal error");
   EXPECT_DEATH(static_cast<void>(unknown < ORLFDateRecurrenceFrequencyDaily), "Fatal error");
 }

@@ -166,6 +166,9 @@ TEST(ORLFDateRecurrencePeriod, CountsWithAnIntervalOfZeroOrLess) {
   EXPECT_EQ(intervalInRecurrencePeriod(*calendar, *every(-1, ORLFDateRecurrenceFrequencyMonthly),
                                        from, to),
             -7);
+  EXPECT_EQ(intervalInRecurrencePeriod(*calendar, *every(-2, ORLFDateRecurrenceFrequencyMonthly),
+                                       from, to),
+            -3);
 }
 
 }  // namespace

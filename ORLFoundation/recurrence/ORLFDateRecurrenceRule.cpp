@@ -31,7 +31,7 @@ Rule::Recurrence withoutNil(Rule::Recurrence fields) {
 NSInteger normalizedAnchor(NSInteger anchor, NSInteger interval) {
   if (anchor < 0) return wrappedSum(wrappedSum(interval, anchor), 1);
   if (anchor == 0) return interval;
-  return remainder(anchor - 1, interval) + 1;
+  return reducedPlace(anchor, interval);
 }
 
 bool equalLists(const Rule::DaysOfTheWeek& left, const Rule::DaysOfTheWeek& right) {

@@ -319,8 +319,9 @@ TEST(RuleDescription, NilAndEmptyListsHaveNone) {
 TEST(RuleDescriptionDeathTest, UnknownFrequenciesAndMonthsStopTheProcess) {
   EXPECT_DEATH((void)std::make_shared<Rule>(static_cast<ORLFDateRecurrenceFrequency>(7), 1)
                    ->humanReadableDescription(),
-               "Fatal error");
-  EXPECT_DEATH((void)Rule::partialDescriptionForMonthsOfYear(numbers({13})), "Fatal error");
+               "Fatal error: file ORLFoundation/DateRecurrenceRule, line");
+  EXPECT_DEATH((void)Rule::partialDescriptionForMonthsOfYear(numbers({13})),
+               "Fatal error: file ORLFoundation/DateRecurrenceRule, line");
 }
 
 }  // namespace

@@ -28,9 +28,6 @@ constexpr std::int32_t kLastDay = base::civil::dayFromDate(kLastYear, 12, 31);
 constexpr std::int64_t kFirstMonth = base::civil::monthNumber(kFirstYear, 1);
 constexpr std::int64_t kLastMonth = base::civil::monthNumber(kLastYear, kMonthsPerYear);
 constexpr NSInteger kFarthestStep = 100'000'000;
-/// No clock is farther from GMT than 25 hours, so that none changes by more than 50: farther from a
-/// change each time is shown once.
-constexpr double kReachOfClockChange = 50 * 3600;
 constexpr auto kWeek = static_cast<std::int32_t>(kDaysPerWeek);
 /// Every month has as many days, and none has more.
 constexpr NSInteger kDaysOfAnyMonth = 28;
@@ -80,13 +77,13 @@ bool namesPlaceInMonth(const ORLFDateRecurrenceDayOfWeek& day, bool ofListedMont
          (day.weekNumber() > 0 || !ofListedMonths);
 }
 
-/// Which day it is of a month of that length that begins on that weekday; 0 where it has none.
-std::int32_t dayOfEntry(const ORLFDateRecurrenceDayOfWeek& entry, std::int32_t weekdayOfFirst,
-                        std::int32_t length) {
+/// Which day it is of that month; 0 where it has none.
+std::int32_t dayOfEntry(const ORLFDateRecurrenceDayOfWeek& entry, ORLFCivilMonth month) {
+  const std::int32_t length = month.length();
   const NSInteger number = entry.weekNumber();
   if (entry.dayOfTheWeek() == kAnyDay)
     return number > 0 ? static_cast<std::int32_t>(number) : length;
-  const auto later = static_cast<std::int32_t>(entry.dayOfTheWeek()) - weekdayOfFirst;
+  const auto later = static_cast<std::int32_t>(entry.dayOfTheWeek()) - month.weekdayOfFirst();
   const std::int32_t first = 1 + (later < 0 ? later + kWeek : later);
   const std::int32_t lastPlace = first + 4 * kWeek <= length ? 5 : 4;
   if (number > lastPlace) return 0;
@@ -178,203 +175,216 @@ bool ORLFCivilWindows::startAt(NSDate startDate) {
   const double seconds = startDate.timeIntervalSince1970();
   const auto local = static_cast<std::int64_t>(seconds) + zone_.secondsFromGMTForDate(startDate);
   secondOfDay_ = floorModulo(local, kSecondsPerDay);
-  const auto start = civilDay(base::civil::floorDivide(local, kSecondsPerDay));
-  if (!start) return false;
-  reached_ = byMonths_ ? base::civil::monthNumber(start->year, start->month) : start->day;
-  dayOfMonth_ = start->dayOfMonth;
-  ends_.front().isServed = setEnd(*start, ends_.front());
+  reached_ = base::civil::floorDivide(local, kSecondsPerDay);
+  if (!moveToDay(end_)) return false;
+  if (byMonths_) reached_ = end_.monthNumber;
+  dayOfMonth_ = end_.dayOfMonth;
+  pickMonths(end_);
+  end_.isServed = isServed(end_);
   return true;
 }
 
 // What follows runs for each window: it is inline, from the smallest to the one that calls them
 // all.
 
-inline std::optional<ORLFCivilWindows::CivilDay> ORLFCivilWindows::civilDay(
-    std::int64_t number) noexcept {
-  if (number < kFirstDay || number > kLastDay) return std::nullopt;
-  const auto day = static_cast<Day>(number);
+inline std::int64_t ORLFCivilWindows::localTimeOn(Day day) const noexcept {
+  return base::civil::joinSeconds(day, secondOfDay_);
+}
+
+inline bool ORLFCivilWindows::isSteady(std::int64_t local) noexcept {
+  return static_cast<std::uint64_t>(local) - static_cast<std::uint64_t>(firstSteady_) <
+             steadyLength_ ||
+         findSteadyTimes(local);
+}
+
+inline NSDate ORLFCivilWindows::dateOfSteadyTime(std::int64_t local) const noexcept {
+  return NSDate::dateWithTimeIntervalSinceReferenceDate(static_cast<double>(local + timeZero_));
+}
+
+inline bool ORLFCivilWindows::moveToDay(WindowEnd& end) const noexcept {
+  if (reached_ < kFirstDay || reached_ > kLastDay) return false;
+  const auto day = static_cast<Day>(reached_);
+  end.dayOfMonth = day - end.month.before;
+  if (end.dayOfMonth >= 1 && end.dayOfMonth <= end.month.length()) return true;
   const base::civil::Date date = base::civil::dateFromDay(day);
-  return CivilDay{day, date.year, date.month, date.day,
-                  base::civil::daysInMonth(date.year, date.month)};
+  end.monthNumber = static_cast<std::int32_t>(base::civil::monthNumber(date.year, date.month));
+  end.month = civilMonth(end.monthNumber);
+  end.dayOfMonth = date.day;
+  return true;
 }
 
 /// Each has the start date's day of the month where its month has one, so that a day that clamps
 /// once comes back. Past the first or the last year none is served again: steps go one way.
-inline std::optional<ORLFCivilWindows::CivilDay> ORLFCivilWindows::moveToNextEnd() noexcept {
+inline bool ORLFCivilWindows::moveToNext(WindowEnd& end) {
   reached_ += step_;
-  if (!byMonths_) return civilDay(reached_);
-  if (reached_ < kFirstMonth || reached_ > kLastMonth) return std::nullopt;
-  const auto [year, month] = base::civil::yearMonthFromNumber(reached_);
-  const std::int32_t length = base::civil::daysInMonth(year, month);
-  const std::int32_t dayOfMonth = std::min(dayOfMonth_, length);
-  return CivilDay{base::civil::dayFromDate(year, month, dayOfMonth), year, month, dayOfMonth,
-                  length};
+  if (!byMonths_) {
+    if (!moveToDay(end)) return false;
+  } else {
+    if (reached_ < kFirstMonth || reached_ > kLastMonth) return false;
+    end.monthNumber = static_cast<std::int32_t>(reached_);
+    end.month = civilMonth(reached_);
+    end.dayOfMonth = std::min(dayOfMonth_, end.month.length());
+  }
+  return true;
 }
 
-inline ORLFCivilWindows::DaySet ORLFCivilWindows::placesInMonth(Day before,
-                                                                std::int32_t length) const {
-  const std::int32_t weekdayOfFirst = base::civil::weekdayOfDay(before + 1);
+inline ORLFCivilWindows::DaySet ORLFCivilWindows::placesInMonth(ORLFCivilMonth month) const {
   DaySet days = 0;
-  for (const auto& entry : *daysOfTheWeek_)
-    days |= DaySet{1} << dayOfEntry(*entry, weekdayOfFirst, length);
+  for (const auto& entry : *daysOfTheWeek_) days |= DaySet{1} << dayOfEntry(*entry, month);
   return days;
 }
 
-/// Only those in the day's own month: a week that runs over its end loses the rest, as required.
-inline ORLFCivilWindows::DaySet ORLFCivilWindows::daysOfTheWeekOf(const CivilDay& day) const {
-  const std::int32_t later = base::civil::weekdayOfDay(day.day) - firstWeekday_;
-  const std::int32_t firstOfWeek = day.dayOfMonth - (later < 0 ? later + kWeek : later);
+/// Only those in the end's own month: a week that runs over its end loses the rest, as required.
+inline ORLFCivilWindows::DaySet ORLFCivilWindows::daysOfTheWeekOf(const WindowEnd& end) const {
+  const std::int32_t later = base::civil::weekdayOfDay(end.day()) - firstWeekday_;
+  const std::int32_t firstOfWeek = end.dayOfMonth - (later < 0 ? later + kWeek : later);
   return firstOfWeek < 0 ? daysOfTheSameWeek_ >> -firstOfWeek : daysOfTheSameWeek_ << firstOfWeek;
 }
 
-/// In a month of the day's year.
-inline ORLFCivilWindows::DaySet ORLFCivilWindows::daysNamed(const CivilDay& day, Day before,
-                                                            std::int32_t length) const {
-  switch (source_) {
-    case Source::kDaysOfTheMonth:
-      return daysOfTheMonth_ & daysUpTo(length);
-    case Source::kDayOfTheDate:
-      return (DaySet{1} << day.dayOfMonth) & daysUpTo(length);
-    case Source::kDaysOfTheWeek:
-      return placesInMonth(before, length) & daysUpTo(length);
-    case Source::kDaysOfTheSameWeek:
-      return daysOfTheWeekOf(day) & daysUpTo(length);
-    case Source::kNearEnd:
-      break;
+inline ORLFCivilWindows::DaySet ORLFCivilWindows::daysNamedInKind(ORLFCivilMonth month) {
+  DaySet& named = namedInKind_[month.kind];
+  if ((knownKinds_ >> month.kind & 1) == 0) {
+    named = source_ == Source::kDaysOfTheMonth ? daysOfTheMonth_ : placesInMonth(month);
+    knownKinds_ |= 1U << month.kind;
   }
-  return 0;
+  return named;
 }
 
-/// A window has its near end and not its far one.
-inline ORLFCivilWindows::DaySet ORLFCivilWindows::aheadInMonth(const CivilDay& day,
-                                                               std::int32_t month) const noexcept {
-  constexpr DaySet kAll = ~DaySet{0};
-  if (month != day.month) return (month > day.month) != backwards_ ? kAll : DaySet{0};
-  return backwards_ ? (DaySet{2} << day.dayOfMonth) - 1 : kAll << day.dayOfMonth;
+/// In the end's own month or a listed one.
+inline ORLFCivilWindows::DaySet ORLFCivilWindows::daysNamed(const WindowEnd& end,
+                                                            ORLFCivilMonth month) {
+  const DaySet named =
+      source_ == Source::kDayOfTheDate ? DaySet{1} << end.dayOfMonth : daysNamedInKind(month);
+  return named & daysUpTo(month.length());
 }
 
-inline void ORLFCivilWindows::nameDays(const CivilDay& day, WindowEnd& end) const {
-  if (months_ == 0) {
-    const Day before = day.day - day.dayOfMonth;
-    end.monthCount = 1;
-    end.months[0] = {before, daysNamed(day, before, day.daysInMonth), aheadInMonth(day, day.month)};
-    return;
-  }
-  end.monthCount = 0;
-  for (std::uint32_t rest = months_; rest != 0; rest &= rest - 1) {
-    const std::int32_t month = std::countr_zero(rest);
-    const Day before = base::civil::dayFromDate(day.year, month, 0);
-    const std::int32_t length = base::civil::daysInMonth(day.year, month);
-    end.months[end.monthCount++] = {before, daysNamed(day, before, length),
-                                    aheadInMonth(day, month)};
-  }
+inline void ORLFCivilWindows::pickMonths(WindowEnd& end) {
+  if (months_ != 0)
+    end.monthOfYear = base::civil::yearMonthFromNumber(end.monthNumber).month;
+  else if (source_ == Source::kDaysOfTheSameWeek)
+    end.named = daysOfTheWeekOf(end) & daysUpTo(end.month.length());
+  else if (source_ != Source::kNearEnd)
+    end.named = daysNamed(end, end.month);
 }
 
-inline std::optional<NSDate> ORLFCivilWindows::dateOfDay(Day day) noexcept {
-  constexpr auto kDayLength = static_cast<double>(kSecondsPerDay);
-  double date = static_cast<double>(day) * kDayLength + secondsFromMidnight_;
-  if (!(date >= firstSteady_ && date <= lastSteady_)) {
-    if (!findStretch(day)) return std::nullopt;
-    date = static_cast<double>(day) * kDayLength + secondsFromMidnight_;
-  }
-  return NSDate::dateWithTimeIntervalSinceReferenceDate(date);
+/// The days of a month, or the months of a year, that the walk reaches after one of them.
+inline std::uint32_t ORLFCivilWindows::ahead(std::int32_t place) const noexcept {
+  return notBehind(place) & ~(1U << place);
+}
+
+inline std::uint32_t ORLFCivilWindows::notBehind(std::int32_t place) const noexcept {
+  constexpr std::uint32_t kAll = ~std::uint32_t{0};
+  return backwards_ ? kAll >> (31 - place) : kAll << place;
+}
+
+/// The first in the order of the walk.
+inline int ORLFCivilWindows::takeNext(std::uint32_t& places) const noexcept {
+  const int place =
+      backwards_ ? static_cast<int>(std::bit_width(places)) - 1 : std::countr_zero(places);
+  places ^= 1U << place;
+  return place;
 }
 
 /// Whether the end's windows are the same wherever on its day and on the next ones it lies: its own
 /// month and those beside it are not listed, and what is listed depends on its year alone.
-inline bool ORLFCivilWindows::isFarFromNamedDays(const CivilDay& day) const noexcept {
+inline bool ORLFCivilWindows::isFarFromNamedDays(const WindowEnd& end) const noexcept {
   constexpr std::uint32_t kThreeMonths = 7;
-  return source_ == Source::kDaysOfTheMonth && months_ != 0 && day.month != kMonthsPerYear &&
-         (months_ >> (day.month - 1) & kThreeMonths) == 0;
+  return source_ == Source::kDaysOfTheMonth && months_ != 0 && end.monthOfYear != kMonthsPerYear &&
+         (months_ >> (end.monthOfYear - 1) & kThreeMonths) == 0;
 }
 
 /// The general walk may log of an entry that names a last day or any day where a clock change
 /// leaves its time out, and take another day for it, inside the window or not.
-inline bool ORLFCivilWindows::areSteady(const WindowEnd& end) noexcept {
-  for (std::size_t i = 0; i < end.monthCount; ++i)
-    for (DaySet rest = end.months[i].named; rest != 0; rest &= rest - 1)
-      if (!dateOfDay(end.months[i].before + std::countr_zero(rest))) return false;
-  return true;
+inline bool ORLFCivilWindows::isServed(const WindowEnd& end) {
+  return (isFarFromNamedDays(end) || isSteady(localTimeOn(end.day()))) &&
+         (!mayLog_ || areNamedDaysSteady(end));
 }
 
-inline bool ORLFCivilWindows::setEnd(const CivilDay& day, WindowEnd& end) {
-  end.day = day.day;
-  if (!isFarFromNamedDays(day) && !dateOfDay(day.day)) return false;
-  if (source_ == Source::kNearEnd) return true;
-  nameDays(day, end);
-  return !mayLog_ || areSteady(end);
+inline bool ORLFCivilWindows::areNamedDaysSteady(const WindowEnd& end) {
+  const auto areSteady = [this](Day before, DaySet days) {
+    for (; days != 0; days &= days - 1)
+      if (!isSteady(localTimeOn(before + std::countr_zero(days)))) return false;
+    return true;
+  };
+  if (months_ == 0) return areSteady(end.month.before, end.named);
+  for (std::uint32_t rest = months_; rest != 0; rest &= rest - 1) {
+    const ORLFCivilMonth month = civilMonth(end.monthBeforeYear() + std::countr_zero(rest));
+    if (!areSteady(month.before, daysNamed(end, month))) return false;
+  }
+  return true;
 }
 
 /// In the order of the walk.
 inline bool ORLFCivilWindows::add(Day before, DaySet days, Dates& window) {
-  for (DaySet rest = days; rest != 0;) {
-    const int place =
-        backwards_ ? static_cast<int>(std::bit_width(rest)) - 1 : std::countr_zero(rest);
-    rest ^= DaySet{1} << place;
-    const std::optional<NSDate> date = dateOfDay(before + place);
-    if (!date) return false;
-    window.push_back(*date);
+  while (days != 0) {
+    const std::int64_t local = localTimeOn(before + takeNext(days));
+    if (!isSteady(local)) return false;
+    window.push_back(dateOfSteadyTime(local));
   }
   return true;
 }
 
-/// Both ends name days of the same months, or all months of the one come before those of the other.
+/// A window has its near end and not its far one.
+inline bool ORLFCivilWindows::gatherFromOwnMonths(const WindowEnd& nearEnd, const WindowEnd& farEnd,
+                                                  Dates& window) {
+  const DaySet notBehindNear = notBehind(nearEnd.dayOfMonth);
+  const DaySet behindFar = ~notBehind(farEnd.dayOfMonth);
+  if (nearEnd.monthNumber == farEnd.monthNumber)
+    return add(nearEnd.month.before, (nearEnd.named | farEnd.named) & notBehindNear & behindFar,
+               window);
+  return add(nearEnd.month.before, nearEnd.named & notBehindNear, window) &&
+         add(farEnd.month.before, farEnd.named & behindFar, window);
+}
+
+/// Ends of one year name days in the same months.
+inline bool ORLFCivilWindows::gatherFromListedMonths(const WindowEnd& nearEnd,
+                                                     const WindowEnd& farEnd, Dates& window) {
+  const bool isOneYear = nearEnd.monthBeforeYear() == farEnd.monthBeforeYear();
+  const auto addMonths = [&](const WindowEnd& end, std::uint32_t months) {
+    while (months != 0) {
+      const std::int32_t number = end.monthBeforeYear() + takeNext(months);
+      const ORLFCivilMonth month = civilMonth(number);
+      DaySet days = daysNamed(end, month);
+      if (isOneYear && source_ == Source::kDayOfTheDate) days |= daysNamed(farEnd, month);
+      if (number == nearEnd.monthNumber) days &= notBehind(nearEnd.dayOfMonth);
+      if (number == farEnd.monthNumber) days &= ~notBehind(farEnd.dayOfMonth);
+      if (!add(month.before, days, window)) return false;
+    }
+    return true;
+  };
+  const std::uint32_t notBehindNear = months_ & notBehind(nearEnd.monthOfYear);
+  const std::uint32_t notAheadOfFar = months_ & ~ahead(farEnd.monthOfYear);
+  if (isOneYear) return addMonths(nearEnd, notBehindNear & notAheadOfFar);
+  return addMonths(nearEnd, notBehindNear) && addMonths(farEnd, notAheadOfFar);
+}
+
 inline bool ORLFCivilWindows::gather(const WindowEnd& nearEnd, const WindowEnd& farEnd,
                                      Dates& window) {
-  const bool nameTheSame = nearEnd.months[0].before == farEnd.months[0].before;
-  const std::size_t count = nearEnd.monthCount;
-  const auto inOrder = [&](std::size_t index) { return backwards_ ? count - 1 - index : index; };
-  for (std::size_t i = 0; i < count; ++i) {
-    const MonthOfDays& month = nearEnd.months[inOrder(i)];
-    const MonthOfDays& other = farEnd.months[inOrder(i)];
-    const DaySet days = nameTheSame ? (month.named | other.named) & ~other.ahead : month.named;
-    if (!add(month.before, days & month.ahead, window)) return false;
-  }
-  for (std::size_t i = 0; !nameTheSame && i < count; ++i) {
-    const MonthOfDays& month = farEnd.months[inOrder(i)];
-    if (!add(month.before, month.named & ~month.ahead, window)) return false;
-  }
-  return true;
+  if (source_ == Source::kNearEnd) return add(nearEnd.day() - 1, DaySet{2}, window);
+  if (standsOrWalksAway_) return true;
+  return months_ == 0 ? gatherFromOwnMonths(nearEnd, farEnd, window)
+                      : gatherFromListedMonths(nearEnd, farEnd, window);
 }
 
+/// From one end of the window to the other, so that a clock change is met once.
 [[gnu::flatten]] bool ORLFCivilWindows::collectNext(Dates& window) {
-  const WindowEnd& nearEnd = ends_[isNearFirst_ ? 0 : 1];
-  WindowEnd& farEnd = ends_[isNearFirst_ ? 1 : 0];
-  isNearFirst_ = !isNearFirst_;
-  const std::optional<CivilDay> end = moveToNextEnd();
-  farEnd.isServed = end && setEnd(*end, farEnd);
-  if (!nearEnd.isServed || !farEnd.isServed) return false;
+  const WindowEnd nearEnd = end_;
   window.clear();
-  if (source_ == Source::kNearEnd) return add(nearEnd.day - 1, DaySet{2}, window);
-  return standsOrWalksAway_ || gather(nearEnd, farEnd, window);
+  end_.isServed = false;
+  if (!moveToNext(end_)) return false;
+  pickMonths(end_);
+  const bool isGathered = nearEnd.isServed && gather(nearEnd, end_, window);
+  end_.isServed = isServed(end_);
+  return isGathered && end_.isServed;
 }
 
-/// Finds the stretch of dates around that day or, near a clock change, that day alone.
-bool ORLFCivilWindows::findStretch(Day day) noexcept {
-  using time::ZoneTable;
-  const ZoneTable& zone = zone_.table();
-  const std::int64_t midnight = base::civil::joinSeconds(day, 0);
-  const std::int64_t local = midnight + secondOfDay_;
-  const ZoneTable::Stretch stretch = zone.stretchAt(local);
-  const auto setStretch = [&](std::int64_t instant, double first, double last) {
-    firstSteady_ = first - NSTimeIntervalSince1970;
-    lastSteady_ = last - NSTimeIntervalSince1970;
-    secondsFromMidnight_ = static_cast<double>(instant - midnight) - NSTimeIntervalSince1970;
-  };
-  const auto instant = static_cast<double>(local - stretch.offset);
-  // The ends of time are as good as any beyond the years that are counted with.
-  const double first = static_cast<double>(stretch.begin) + kReachOfClockChange;
-  const double last = static_cast<double>(stretch.end) - kReachOfClockChange;
-  if (instant >= first && instant <= last) {
-    setStretch(local - stretch.offset, first, last);
-    return true;
-  }
-  const std::int64_t shown = zone.firstInstantOfLocal(local);
-  const bool isShownOnce =
-      shown == zone.lastInstantOfLocal(local) && shown + zone.offsetAt(shown) == local;
-  const auto alone = static_cast<double>(shown);
-  setStretch(shown, alone, isShownOnce ? alone : alone - 1);
-  return isShownOnce;
+bool ORLFCivilWindows::findSteadyTimes(std::int64_t local) noexcept {
+  const time::ZoneTable::LocalStretch stretch = zone_.table().localStretchAt(local);
+  firstSteady_ = stretch.begin;
+  steadyLength_ = static_cast<std::uint64_t>(std::max(stretch.end, stretch.begin)) -
+                  static_cast<std::uint64_t>(stretch.begin);
+  timeZero_ = -stretch.offset - static_cast<std::int64_t>(NSTimeIntervalSince1970);
+  return local < stretch.end;
 }
 
 }  // namespace ORLFoundation::internal::recurrence

@@ -9,6 +9,7 @@
 
 #include <ORLFoundation/platform/time/NSCalendar.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
+#include <ORLFoundation/recurrence/internal/ORLFCivilMonths.h>
 
 #include <array>
 #include <boost/container/small_vector.hpp>
@@ -43,28 +44,23 @@ class ORLFCivilWindows {
     kDaysOfTheWeek,
     kDaysOfTheSameWeek
   };
-  struct CivilDay {
-    Day day = 0;
-    std::int32_t year = 0;
-    std::int32_t month = 0;
-    std::int32_t dayOfMonth = 0;
-    std::int32_t daysInMonth = 0;
-  };
-  /// The days that an end names in one month, and where that month lies.
-  struct MonthOfDays {
-    Day before = 0;  // the day before its first
-    DaySet named = 0;
-    /// The days that are not yet behind at the end, named or not: those that the window beginning
-    /// there may have, while the one ending there may not.
-    DaySet ahead = 0;
-  };
-  /// One end of a window with the months that its period's patterns name days in, in order. The
-  /// general walk serves the windows of an end that is not served.
+  /// One end of a window: where a simple rule has a date, and what picks the months in which the
+  /// other rules name days.
   struct WindowEnd {
+    /// Else the general walk serves the windows on both sides.
     bool isServed = false;
-    Day day = 0;
-    std::size_t monthCount = 0;
-    std::array<MonthOfDays, 12> months{};
+    std::int32_t monthNumber = 0;
+    ORLFCivilMonth month{};
+    std::int32_t dayOfMonth = 0;
+    // What it names in its own month or, where months are listed, its own month's place in the year
+    // of which they are.
+    DaySet named = 0;
+    std::int32_t monthOfYear = 0;
+
+    [[nodiscard]] Day day() const noexcept { return month.before + dayOfMonth; }
+    [[nodiscard]] std::int32_t monthBeforeYear() const noexcept {
+      return monthNumber - monthOfYear;
+    }
   };
 
   ORLFCivilWindows(const ORLFDateRecurrenceRule& rule, const NSCalendar& calendar, Source source,
@@ -72,24 +68,36 @@ class ORLFCivilWindows {
 
   [[nodiscard]] static std::optional<Source> sourceOf(const ORLFDateRecurrenceRule& rule);
   [[nodiscard]] bool startAt(NSDate startDate);
-  [[nodiscard]] static std::optional<CivilDay> civilDay(std::int64_t number) noexcept;
-  [[nodiscard]] std::optional<CivilDay> moveToNextEnd() noexcept;
 
-  [[nodiscard]] bool setEnd(const CivilDay& day, WindowEnd& end);
-  void nameDays(const CivilDay& day, WindowEnd& end) const;
-  [[nodiscard]] DaySet daysNamed(const CivilDay& day, Day before, std::int32_t length) const;
-  [[nodiscard]] DaySet placesInMonth(Day before, std::int32_t length) const;
-  [[nodiscard]] DaySet daysOfTheWeekOf(const CivilDay& day) const;
-  [[nodiscard]] DaySet aheadInMonth(const CivilDay& day, std::int32_t month) const noexcept;
-  [[nodiscard]] bool isFarFromNamedDays(const CivilDay& day) const noexcept;
-  [[nodiscard]] bool areSteady(const WindowEnd& end) noexcept;
+  [[nodiscard]] bool moveToNext(WindowEnd& end);
+  [[nodiscard]] bool moveToDay(WindowEnd& end) const noexcept;
+  void pickMonths(WindowEnd& end);
+  [[nodiscard]] bool isServed(const WindowEnd& end);
+  [[nodiscard]] bool isFarFromNamedDays(const WindowEnd& end) const noexcept;
+  [[nodiscard]] bool areNamedDaysSteady(const WindowEnd& end);
+
+  [[nodiscard]] DaySet daysNamed(const WindowEnd& end, ORLFCivilMonth month);
+  [[nodiscard]] DaySet daysNamedInKind(ORLFCivilMonth month);
+  [[nodiscard]] DaySet placesInMonth(ORLFCivilMonth month) const;
+  [[nodiscard]] DaySet daysOfTheWeekOf(const WindowEnd& end) const;
+
+  [[nodiscard]] std::uint32_t ahead(std::int32_t place) const noexcept;
+  [[nodiscard]] std::uint32_t notBehind(std::int32_t place) const noexcept;
+  [[nodiscard]] int takeNext(std::uint32_t& places) const noexcept;
 
   [[nodiscard]] bool gather(const WindowEnd& nearEnd, const WindowEnd& farEnd, Dates& window);
+  [[nodiscard]] bool gatherFromOwnMonths(const WindowEnd& nearEnd, const WindowEnd& farEnd,
+                                         Dates& window);
+  [[nodiscard]] bool gatherFromListedMonths(const WindowEnd& nearEnd, const WindowEnd& farEnd,
+                                            Dates& window);
   [[nodiscard]] bool add(Day before, DaySet days, Dates& window);
 
-  /// The start date's time of day on that day; nil where the zone's clock does not show it once.
-  [[nodiscard]] std::optional<NSDate> dateOfDay(Day day) noexcept;
-  [[nodiscard]] bool findStretch(Day day) noexcept;
+  /// The start date's time of day on that day, seconds since 1970 of the zone's clock.
+  [[nodiscard]] std::int64_t localTimeOn(Day day) const noexcept;
+  /// Whether the zone's clock shows a time once, so that `dateOfSteadyTime` tells its date.
+  [[nodiscard]] bool isSteady(std::int64_t local) noexcept;
+  [[nodiscard]] bool findSteadyTimes(std::int64_t local) noexcept;
+  [[nodiscard]] NSDate dateOfSteadyTime(std::int64_t local) const noexcept;
 
   const NSTimeZone& zone_;
   std::int32_t firstWeekday_;
@@ -103,20 +111,22 @@ class ORLFCivilWindows {
   DaySet daysOfTheMonth_ = 0;
   std::uint32_t daysOfTheSameWeek_ = 0;  // bit 0 is the week's first day
   std::uint32_t months_ = 0;             // bit 1 is January; none where no month is named
+  // What lists that name the same days in all months of one kind name in those that came up.
+  std::array<DaySet, ORLFCivilMonth::kKinds> namedInKind_{};
+  std::uint32_t knownKinds_ = 0;
 
   std::int64_t step_;  // months or days, below 0 toward earlier dates
   /// The end that was reached last: the number of its month, or of its day.
   std::int64_t reached_ = 0;
   std::int32_t dayOfMonth_ = 0;  // the start date's
   std::int64_t secondOfDay_ = 0;
-  bool isNearFirst_ = true;
-  std::array<WindowEnd, 2> ends_;
+  WindowEnd end_;
 
-  // The dates of one offset among which the last one asked for lay, without those near a clock
-  // change, and how far that offset puts them from GMT's midnight: seconds since 2001.
-  double firstSteady_ = 1;
-  double lastSteady_ = 0;
-  double secondsFromMidnight_ = 0;
+  // The times around the last one asked for that the clock shows once, at one offset, and the
+  // seconds from the reference date to the time 0, had it that offset.
+  std::int64_t firstSteady_ = 0;
+  std::uint64_t steadyLength_ = 0;
+  std::int64_t timeZero_ = 0;
 };
 
 }  // namespace ORLFoundation::internal::recurrence

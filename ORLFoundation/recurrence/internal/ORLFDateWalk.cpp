@@ -35,32 +35,6 @@ ORLFDateWalk::ORLFDateWalk(const ORLFDateRecurrenceRule& rule,
       expansion_(rule, arguments.startDate, &arguments.calendar),
       current_(arguments.startDate) {}
 
-NSUInteger ORLFDateWalk::run() {
-  int emptiness = 0;
-  NSInteger index = 0;
-  while (!stop_) {
-    const bool goesOn = collectNextWindow(++index);
-    emptiness = window_.empty() ? emptiness + kEmptinessOfPeriod : 0;
-    deliver();
-    if (emptiness >= kEmptinessLimit || !goesOn) break;
-  }
-  return static_cast<NSUInteger>(index);
-}
-
-bool ORLFDateWalk::collectNextWindow(NSInteger index) {
-  if (civil_ && civil_->collectNext(window_)) {
-    // Neither this window's end nor its patterns have been made.
-    current_.reset();
-    ofNext_.quiet = false;
-    return true;
-  }
-  if (!current_) current_ = endOfWindow(index - 1);
-  const std::optional<NSDate> next = endOfWindow(index);
-  collectWindow(next);
-  current_ = next;
-  return next.has_value();
-}
-
 /// Always counted from the start date, so that a month's end that clamps once stays out of the
 /// windows after it. nil where the calendar ends, and with it the walk.
 std::optional<NSDate> ORLFDateWalk::endOfWindow(NSInteger index) const noexcept {
@@ -76,7 +50,8 @@ bool ORLFDateWalk::isPassedOver(std::optional<NSDate> next) const noexcept {
 }
 
 /// A window holds its near end and not its far end. Neither end need sit on a boundary of the
-/// calendar, so both ends' patterns give candidates.
+/// calendar, so both ends' patterns give candidates. Each window logs what its patterns fail, those
+/// of the window before too, as required.
 void ORLFDateWalk::collectWindow(std::optional<NSDate> next) {
   window_.clear();
   if (simple_) {
@@ -84,10 +59,12 @@ void ORLFDateWalk::collectWindow(std::optional<NSDate> next) {
     return;
   }
   if (!next) return;
-  if (ofNext_.quiet)
+  if (ofNext_.areMade) {
     std::swap(ofCurrent_, ofNext_);
-  else
+    ofCurrent_.failed.log();
+  } else {
     resolvePatterns(*current_, ofCurrent_);
+  }
   resolvePatterns(*next, ofNext_);
   keepDatesInWindow(ofCurrent_.dates, *next);
   keepDatesInWindow(ofNext_.dates, *next);
@@ -107,7 +84,8 @@ void ORLFDateWalk::resolvePatterns(NSDate date, PeriodDates& into) {
     const std::optional<NSDate> resolved = arguments_.calendar.dateFromValidComponents(pattern);
     if (resolved) into.dates.push_back(*resolved);
   }
-  into.quiet = expansion_.quiet();
+  into.failed = expansion_.failedConditions();
+  into.areMade = true;
 }
 
 void ORLFDateWalk::keepDatesInWindow(const Dates& dates, NSDate next) {
@@ -120,7 +98,7 @@ void ORLFDateWalk::keepDatesInWindow(const Dates& dates, NSDate next) {
 }
 
 /// The end counts the dates delivered before, the block counts its own too.
-void ORLFDateWalk::deliver() {
+inline void ORLFDateWalk::deliver() {
   for (const NSDate date : window_) {
     if (arguments_.end)
       stop_ = arguments_.end->shouldEndForDate(date, static_cast<NSInteger>(delivered_),
@@ -129,6 +107,32 @@ void ORLFDateWalk::deliver() {
     usingBlock_(date, ++delivered_, stop_);
     if (stop_) return;
   }
+}
+
+inline bool ORLFDateWalk::collectNextWindow(NSInteger index) {
+  if (civil_ && civil_->collectNext(window_)) {
+    // Neither this window's end nor its patterns have been made.
+    current_.reset();
+    ofNext_.areMade = false;
+    return true;
+  }
+  if (!current_) current_ = endOfWindow(index - 1);
+  const std::optional<NSDate> next = endOfWindow(index);
+  collectWindow(next);
+  current_ = next;
+  return next.has_value();
+}
+
+NSUInteger ORLFDateWalk::run() {
+  int emptiness = 0;
+  NSInteger index = 0;
+  while (!stop_) {
+    const bool goesOn = collectNextWindow(++index);
+    emptiness = window_.empty() ? emptiness + kEmptinessOfPeriod : 0;
+    deliver();
+    if (emptiness >= kEmptinessLimit || !goesOn) break;
+  }
+  return static_cast<NSUInteger>(index);
 }
 
 }  // namespace ORLFoundation::internal::recurrence

@@ -28,8 +28,8 @@ class ORLFDateWalk {
   /// The dates that the patterns of one period describe, inside a window or not.
   struct PeriodDates {
     Dates dates;
-    /// Making them logged nothing, so that they may serve the next window too.
-    bool quiet = false;
+    ORLFFailedConditions failed;
+    bool areMade = false;
   };
 
   [[nodiscard]] std::optional<NSDate> endOfWindow(NSInteger index) const noexcept;

@@ -41,6 +41,8 @@ std::optional<Rule::Recurrence> exactPattern(const Rule& rule, NSDate referenceD
   const NSDateComponents date = calendar.components(
       NSCalendarUnitMonth | NSCalendarUnitDay | NSCalendarUnitWeekday, referenceDate);
   switch (rule.frequency()) {
+    case ORLFDateRecurrenceFrequencyDaily:
+      break;
     case ORLFDateRecurrenceFrequencyMonthly:
     case ORLFDateRecurrenceFrequencyQuarterly:
       return exactDay(rule, date);
@@ -48,8 +50,6 @@ std::optional<Rule::Recurrence> exactPattern(const Rule& rule, NSDate referenceD
       return exactWeekday(rule, date);
     case ORLFDateRecurrenceFrequencyYearly:
       return exactDayAndMonth(rule, date);
-    case ORLFDateRecurrenceFrequencyDaily:
-      break;
   }
   return std::nullopt;
 }

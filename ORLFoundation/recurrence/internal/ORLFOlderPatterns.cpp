@@ -48,8 +48,7 @@ bool expandMonths(WorkingSet& patterns, const Rule& rule) {
   WorkingSet expanded;
   for (const NSInteger month : *rule.monthsOfTheYear())
     for (NSInteger quarter = 0; quarter < repeats; ++quarter)
-      append(expanded, patterns, kMonthField,
-             quarter * months + remainder(wrappedSum(month, -1), months) + 1);
+      append(expanded, patterns, kMonthField, quarter * months + reducedPlace(month, months));
   patterns = std::move(expanded);
   return true;
 }

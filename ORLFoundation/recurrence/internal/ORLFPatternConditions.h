@@ -1,10 +1,11 @@
-/// The conditions of the expansion of patterns. A failed one is logged and remembered, since an
-/// expansion that logs must be made anew wherever its result is wanted again.
+/// The conditions of the expansion of patterns. A failed one is logged and remembered, since
+/// whoever takes the patterns again, as if they were made anew, logs it again.
 #pragma once
 
 #include <ORLFoundation/platform/time/NSDateComponents.h>
 #include <ORLFoundation/support/diagnostics/ORLFCondition.h>
 
+#include <boost/container/small_vector.hpp>
 #include <string_view>
 
 namespace ORLFoundation::internal::recurrence {
@@ -39,11 +40,31 @@ inline constexpr ORLFPatternField kWeekdayOrdinalField = {
     "dateComponenet.weekdayOrdinal == NSDateComponentUndefined",
     "NSDateComponents weekdayOrdinal should not be defined yet"};
 
+/// The texts of conditions that failed, in order. They outlive everything.
+class ORLFFailedConditions {
+ public:
+  void clear() noexcept { texts_.clear(); }
+  void add(std::string_view condition, std::string_view message) {
+    texts_.push_back({condition, message});
+  }
+  void log() const {
+    for (const Texts& texts : texts_) ORLFLogFailedCondition(texts.condition, texts.message);
+  }
+
+ private:
+  struct Texts {
+    std::string_view condition;
+    std::string_view message;
+  };
+  boost::container::small_vector<Texts, 2> texts_;
+};
+
 class ORLFPatternConditions {
  public:
   void check(bool holds, std::string_view condition, std::string_view message) {
-    ORLFConditionAssert(holds, condition, message);
-    quiet_ = quiet_ && holds;
+    if (holds) return;
+    failed_.add(condition, message);
+    ORLFLogFailedCondition(condition, message);
   }
   /// Writes a field, after the condition that it is not written yet.
   void write(NSDateComponents& pattern, const ORLFPatternField& field, NSInteger value) {
@@ -52,12 +73,12 @@ class ORLFPatternConditions {
     pattern.setValueForComponent(value, field.unit);
   }
 
-  void reset() noexcept { quiet_ = true; }
-  /// No condition failed since the last reset.
-  [[nodiscard]] bool quiet() const noexcept { return quiet_; }
+  void reset() noexcept { failed_.clear(); }
+  /// Those since the last reset.
+  [[nodiscard]] const ORLFFailedConditions& failed() const noexcept { return failed_; }
 
  private:
-  bool quiet_ = true;
+  ORLFFailedConditions failed_;
 };
 
 }  // namespace ORLFoundation::internal::recurrence

@@ -14,11 +14,6 @@ namespace {
 constexpr NSUInteger kTimeOfDay =
     NSCalendarUnitHour | NSCalendarUnitMinute | NSCalendarUnitSecond | NSCalendarUnitNanosecond;
 
-/// 1 to `months` for positive values; values below 1 keep a sign that no month has.
-NSInteger reducedMonth(NSInteger month, NSInteger months) {
-  return remainder(wrappedSum(month, -1), months) + 1;
-}
-
 /// The fields of a period's date that the stages of a rule may read.
 NSUInteger unitsRead(const ORLFDateRecurrenceRule& rule) {
   NSUInteger units = NSCalendarUnitYear | NSCalendarUnitMonth;
@@ -72,7 +67,7 @@ void ORLFPatternExpansion::expandMonths() {
   const bool ofTheQuarter = (!hasReference_ || !calendar_) && isQuarterly(rule_.frequency());
   if (ofTheQuarter) {
     expandBy(months, [this](NSInteger month, const NSDateComponents& pattern) {
-      const NSInteger first = reducedMonth(month, kMonthsPerQuarter);
+      const NSInteger first = reducedPlace(month, kMonthsPerQuarter);
       for (NSInteger quarter = 0; quarter < kQuartersPerYear; ++quarter) {
         NSDateComponents copy = pattern;
         conditions_.write(copy, kMonthField, first + kMonthsPerQuarter * quarter);
@@ -82,7 +77,7 @@ void ORLFPatternExpansion::expandMonths() {
   } else {
     expandBy(months, [this](NSInteger month, const NSDateComponents& pattern) {
       NSDateComponents copy = pattern;
-      conditions_.write(copy, kMonthField, reducedMonth(month, kMonthsPerYear));
+      conditions_.write(copy, kMonthField, reducedPlace(month, kMonthsPerYear));
       add(copy);
     });
   }

@@ -27,8 +27,10 @@ class ORLFPatternExpansion {
   /// The patterns of the period that the date picks, until the next call. Once the buffers have
   /// grown to the largest set of the rule, nothing is allocated.
   const Patterns& expand(std::optional<NSDate> date);
-  /// The last expansion logged nothing.
-  [[nodiscard]] bool quiet() const noexcept { return conditions_.quiet(); }
+  /// What the last expansion logged.
+  [[nodiscard]] const ORLFFailedConditions& failedConditions() const noexcept {
+    return conditions_.failed();
+  }
 
  private:
   // The stages, in order.

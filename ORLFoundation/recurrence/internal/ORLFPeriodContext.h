@@ -21,8 +21,11 @@ class ORLFPeriodContext {
   [[nodiscard]] NSInteger field(NSCalendarUnit unit) const noexcept {
     return calendar_ && date_ ? fields_.valueForComponent(unit) : 0;
   }
+  /// Most patterns that do not match name another month, which must be among the fields.
   [[nodiscard]] bool matches(const NSDateComponents& pattern) const noexcept {
-    return calendar_ && date_ && calendar_->date(*date_, pattern);
+    const NSInteger month = pattern.month();
+    return calendar_ && date_ && (month == NSDateComponentUndefined || month == fields_.month()) &&
+           calendar_->date(*date_, pattern);
   }
   /// The highest value of a unit in the date's month.
   [[nodiscard]] NSInteger lastInMonth(NSCalendarUnit unit) const noexcept {

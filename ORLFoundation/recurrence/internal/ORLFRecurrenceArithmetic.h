@@ -15,4 +15,10 @@ namespace ORLFoundation::internal::recurrence {
   return static_cast<NSInteger>(static_cast<NSUInteger>(left) + static_cast<NSUInteger>(right));
 }
 
+/// A place that counts from 1, brought into 1 to `places`; one below 1 keeps a sign that no place
+/// has.
+[[nodiscard]] constexpr NSInteger reducedPlace(NSInteger place, NSInteger places) noexcept {
+  return remainder(wrappedSum(place, -1), places) + 1;
+}
+
 }  // namespace ORLFoundation::internal::recurrence

@@ -47,41 +47,30 @@ void placeLastWeekday(const ORLFWeekdayEntry& entry, NSDateComponents& pattern,
   checkValid(pattern, period, conditions);
 }
 
-/// Sets the last day of the month that the pattern describes; nil, which is logged, when it
-/// describes none.
-std::optional<NSDate> placeLastDay(NSDateComponents& pattern, const ORLFPeriodContext& period,
-                                   ORLFPatternConditions& conditions) {
+/// Sets the last day of the month that the pattern describes. One that describes none is logged and
+/// stays as it is.
+void placeLastDay(NSDateComponents& pattern, const ORLFPeriodContext& period,
+                  ORLFPatternConditions& conditions) {
   const std::optional<NSDate> resolved = period.resolve(pattern);
   conditions.check(resolved.has_value(), "dateForComponent != nil",
                    "We should always have date at this point");
   if (resolved) pattern.setDay(period.lastInMonth(NSCalendarUnitDay, *resolved));
-  return resolved;
 }
 
 bool qualifies(NSInteger weekday, NSDate date, const ORLFPeriodContext& period) {
   return period.isInWeekend(date) == (weekday == kWeekendDay);
 }
 
-void placeLastQualifyingDay(NSInteger weekday, NSDateComponents& pattern,
-                            const ORLFPeriodContext& period, ORLFPatternConditions& conditions) {
-  if (!placeLastDay(pattern, period, conditions)) return;
-  for (int step = 0; step < kLongestSearch; ++step) {
-    const std::optional<NSDate> resolved = period.resolve(pattern);
-    if (!resolved || qualifies(weekday, *resolved, period)) return;
-    pattern.setDay(pattern.day() - 1);
-  }
-}
-
-void placeQualifyingDay(NSInteger weekday, NSInteger number, NSDateComponents& pattern,
-                        const ORLFPeriodContext& period) {
-  pattern.setDay(1);
+/// Moves the pattern's day on, by `step` at a time, to the nth that qualifies.
+void seekQualifyingDay(NSInteger weekday, NSInteger number, NSInteger step,
+                       NSDateComponents& pattern, const ORLFPeriodContext& period) {
   NSInteger remaining = number;
-  for (int step = 0; step < kLongestSearch; ++step) {
+  for (int days = 0; days < kLongestSearch; ++days) {
     const std::optional<NSDate> resolved = period.resolve(pattern);
     if (!resolved) return;
     if (qualifies(weekday, *resolved, period)) --remaining;
     if (remaining == 0) return;
-    pattern.setDay(pattern.day() + 1);
+    pattern.setDay(pattern.day() + step);
   }
 }
 
@@ -90,15 +79,13 @@ void placeDay(const ORLFWeekdayEntry& entry, NSDateComponents& pattern,
   if (pattern.month() == NSDateComponentUndefined)
     pattern.setMonth(period.field(NSCalendarUnitMonth));
   const bool fromStart = entry.number > 0;
-  if (entry.weekday == kAnyDay && fromStart) {
-    pattern.setDay(entry.number);
-  } else if (entry.weekday == kAnyDay) {
+  if (fromStart)
+    pattern.setDay(entry.weekday == kAnyDay ? entry.number : 1);
+  else
     placeLastDay(pattern, period, conditions);
-  } else if (fromStart) {
-    placeQualifyingDay(entry.weekday, entry.number, pattern, period);
-  } else {
-    placeLastQualifyingDay(entry.weekday, pattern, period, conditions);
-  }
+  if (entry.weekday != kAnyDay)
+    seekQualifyingDay(entry.weekday, fromStart ? entry.number : 1, fromStart ? 1 : -1, pattern,
+                      period);
   checkValid(pattern, period, conditions);
 }
 
