@@ -136,6 +136,23 @@ TEST_F(Reach, CannotStartWhereTheKernelIsSilent) {
   reachability->stopNotifier();
 }
 
+TEST_F(Reach, MayBeLetGoOfByWhoIsTold) {
+  auto reachability = ORLFReachability::reachabilityWithHostName("192.0.2.7");
+  const std::weak_ptr<ORLFReachability> weak = reachability;
+  Notified notified(nullptr);
+  const auto token = NSNotificationCenter::defaultCenter()->addObserverForName(
+      std::string(kReachabilityChangedNotification), nullptr, [&](const NSNotification& told) {
+        EXPECT_EQ(told.object(), id(reachability));
+        reachability = nullptr;
+      });
+  EXPECT_TRUE(reachability->startNotifier());
+  setReachable(false);
+  EXPECT_TRUE(notified.comesTo(1));
+  EXPECT_TRUE(weak.expired());
+  setReachable(true);
+  EXPECT_TRUE(notified.comesTo(1, 0.1));
+}
+
 TEST_F(Reach, EndsWithItsObjectOnAnyThread) {
   auto reachability = ORLFReachability::reachabilityWithHostName("192.0.2.7");
   Notified notified(nullptr);

@@ -20,17 +20,20 @@ std::optional<std::string> textOf(const Json& json) {
 
 std::string checkAgent(const Json& in, const Json& out) {
   ORLFHTTPUserAgent agent;
-  agent.setStringFromWebKit(std::nullopt);
-  agent.setSystemName("Mac");
+  // What a row does not name it leaves nil, but for the literal.
+  for (const char* key : {"stringFromWebKit", "darwinVersionNumber", "CFNetworkVersionNumber",
+                          "systemVersion", "deviceName", "appName", "appVersion"})
+    agent.setValueForKey(id(), key);
   for (const auto& [key, value] : in.items()) agent.setValueForKey(textOf(value), key);
   return disagreement(out.get<std::string>(), agent.userAgentString());
 }
 
 std::string checkWebKit(const Json& in, const Json& out) {
   const auto text = textOf(in.at("userAgent"));
-  return disagreement(textOf(out), text ? std::optional(internal::agent::adjustedWebKitText(
-                                              *text, textOf(in.at("appVersion"))))
-                                        : std::nullopt);
+  const auto version = textOf(in.value("appVersion", Json()));
+  return disagreement(
+      textOf(out),
+      text ? std::optional(internal::agent::adjustedWebKitText(*text, version)) : std::nullopt);
 }
 
 std::string checkVersion(const Json& in, const Json& out) {
@@ -56,6 +59,7 @@ TEST(ORLFWebAgent, AgreesWithVectors) {
 id valueOf(const Json& json) {
   if (json.is_null()) return NSNull();
   if (json.is_boolean()) return json.get<bool>();
+  if (json.is_number_unsigned()) return json.get<std::uint64_t>();
   if (json.is_number_integer()) return json.get<std::int64_t>();
   if (json.is_number()) return json.get<double>();
   if (json.is_string()) return json.get<std::string>();
@@ -69,7 +73,7 @@ id valueOf(const Json& json) {
 std::string checkRead(const Json& in, const Json& out) {
   Json got = Json::object();
   for (const auto& [key, value] :
-       orlfDictionaryWithURLQueryString(in.get<std::string>())->entries()) {
+       orlfDictionaryWithURLQueryString(textOf(in).value_or(""))->entries()) {
     Json& place = got[key.description()];
     const auto set = value.as<NSSet>();
     if (!set) place = value.description();
@@ -87,7 +91,7 @@ std::string checkWritten(const Json& in, const Json& out) {
   for (const auto& [key, value] : in.at("dictionary").items())
     entries.emplace_back(key, valueOf(value));
   const NSDictionary dictionary(entries);
-  const Json& options = in.at("options");
+  const Json options = in.value("options", Json());
   return disagreement(out.get<std::string>(),
                       options.is_null()
                           ? orlfURLQueryString(dictionary)

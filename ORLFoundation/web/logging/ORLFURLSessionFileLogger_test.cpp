@@ -11,6 +11,7 @@
 #include <tests/support/TemporaryFolder.h>
 
 #include <functional>
+#include <thread>
 #include <utility>
 
 namespace ORLFoundation {
@@ -140,6 +141,20 @@ TEST_F(FileLogger, AppliesProcessorsInTheOrderOfTheirAddition) {
   EXPECT_EQ(logger_.redactRequestBody("_"), "_b");
 }
 
+TEST_F(FileLogger, AppliesTheListOfTheMomentAndHoldsNoLockMeanwhile) {
+  logger_.addRequestBodyProcessor(
+      std::make_shared<Rule>([this](const std::optional<std::string>& text) {
+        std::thread([this] {
+          logger_.addRequestBodyProcessor(appending(" late"));
+          logger_.logMessage("meanwhile");
+        }).join();
+        return text;
+      }));
+  EXPECT_EQ(logger_.redactRequestBody("b"), "b");
+  EXPECT_EQ(logged(), "meanwhile\n\n");
+  EXPECT_EQ(logger_.requestBodyProcessors()->size(), 2U);
+}
+
 TEST_F(FileLogger, HasNoListUntilOneIsAdded) {
   const auto a = appending("a");
   EXPECT_EQ(logger_.responseBodyProcessors(), std::nullopt);
@@ -152,6 +167,25 @@ TEST_F(FileLogger, HasNoListUntilOneIsAdded) {
   EXPECT_THAT(*logger_.responseBodyProcessors(), ElementsAre(a));
   logger_.removeResponseBodyProcessor(a);
   EXPECT_THAT(*logger_.responseBodyProcessors(), IsEmpty());
+}
+
+/// Equals all of its class.
+class Alike final : public ORLFURLSessionLogProcessor {
+ public:
+  std::optional<std::string> process(std::optional<std::string> string) override { return string; }
+  [[nodiscard]] bool isEqual(const NSObject* other) const override {
+    return dynamic_cast<const Alike*>(other) != nullptr;
+  }
+  [[nodiscard]] NSUInteger hash() const override { return 1; }
+};
+
+TEST_F(FileLogger, TakesAwayAllThatAreEqual) {
+  const auto a = appending("a");
+  logger_.addErrorProcessor(std::make_shared<Alike>());
+  logger_.addErrorProcessor(a);
+  logger_.addErrorProcessor(std::make_shared<Alike>());
+  logger_.removeErrorProcessor(std::make_shared<Alike>());
+  EXPECT_THAT(*logger_.errorProcessors(), ElementsAre(a));
 }
 
 using Get = ORLFURLSessionFileLogger::Processors (ORLFURLSessionFileLogger::*)() const;
@@ -295,6 +329,15 @@ TEST_F(FileLogger, SendsEntriesToTheLogWithoutAFile) {
   EXPECT_THAT(log.lines(), ElementsAre("one\n", kSent + "body\n\n"));
   EXPECT_EQ(logger.fileURL(), std::nullopt);
   EXPECT_EQ(logger.name(), "Bank");
+}
+
+TEST_F(FileLogger, TakesThePathOfAnyAddress) {
+  LogCapture log;
+  ORLFURLSessionFileLogger(NSURL::URLWithString("https://example.com"), "Bank").logMessage("one");
+  EXPECT_THAT(log.lines(), ElementsAre("one\n")) << "it has no path";
+  ORLFURLSessionFileLogger(NSURL::URLWithString("https://example.com" + path("log")), "Bank")
+      .logMessage("two");
+  EXPECT_EQ(logged(), "two\n\n");
 }
 
 TEST_F(FileLogger, TellsTheMomentInUTC) { EXPECT_EQ(logger_.now(), "2026-11-12T11:08:06Z"); }

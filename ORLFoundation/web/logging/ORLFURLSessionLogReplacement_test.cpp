@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/web/logging/ORLFURLSessionLogReplacement.h>
 
+#include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/text/NSRegularExpression.h>
 #include <gtest/gtest.h>
@@ -83,22 +84,7 @@ TEST(ORLFURLSessionLogReplacement, TakesTheSameCharactersForBlanks) {
   for (char32_t c = 1; c < 0x11000; c += orlftest::kIsSanitized ? 17 : 1) {
     if (c >= 0xD800 && c < 0xE000) continue;
     text += "\"a\"";
-    if (c < 0x80) {
-      text += static_cast<char>(c);
-    } else {
-      if (c < 0x800) {
-        text += static_cast<char>(0xC0 | c >> 6);
-      } else {
-        if (c < 0x10000) {
-          text += static_cast<char>(0xE0 | c >> 12);
-        } else {
-          text += static_cast<char>(0xF0 | c >> 18);
-          text += static_cast<char>(0x80 | (c >> 12 & 0x3F));
-        }
-        text += static_cast<char>(0x80 | (c >> 6 & 0x3F));
-      }
-      text += static_cast<char>(0x80 | (c & 0x3F));
-    }
+    internal::base::appendUTF8(text, c);
     text += ":1,";
   }
   EXPECT_EQ(mask->process(text), byExpression(*mask, text));

@@ -87,6 +87,14 @@ TEST(ORLFURLSessionSecretMask, RefusesSecretsUnderSixBytes) {
   EXPECT_EQ(mask.process("abcdef abcde 日本"), "*** abcde ***");
 }
 
+TEST(ORLFURLSessionSecretMask, MasksWhatIsNamedAfterItHasMasked) {
+  ORLFURLSessionSecretMask mask;
+  EXPECT_TRUE(mask.addSecret("hunter2"));
+  EXPECT_EQ(mask.process("hunter2 sesame"), "*** sesame");
+  EXPECT_TRUE(mask.addSecret("sesame"));
+  EXPECT_EQ(mask.process("hunter2 sesame"), "*** ***");
+}
+
 TEST(ORLFURLSessionSecretMask, MasksSecretsThatOverlapAsOne) {
   EXPECT_EQ(masked({"abcdefgh", "fghijklm"}, "xabcdefghijklmx"), "x***x");
   EXPECT_EQ(masked({"abcdefgh", "cdefgh"}, "abcdefgh cdefgh"), "*** ***");

@@ -3,6 +3,7 @@
 
 #include <ORLFoundation/platform/base/Base64.h>
 #include <ORLFoundation/platform/base/Hexadecimal.h>
+#include <ORLFoundation/platform/base/UTF16.h>
 #include <ORLFoundation/platform/base/UTF8.h>
 
 #include <cstdint>
@@ -52,8 +53,7 @@ inline std::string jsonEscaped(std::string_view text, Random& random) {
     if (sign != kSigns.npos && random() % 2 == 0) {
       (escaped += '\\') += kLetters[sign];
     } else if (c < 0x20 || sign != kSigns.npos || random() % 4 == 0) {
-      if (c >= 0x10000) appendUnit(escaped, 0xD800 + ((c - 0x10000) >> 10), random);
-      appendUnit(escaped, c >= 0x10000 ? 0xDC00 + (c & 0x3FF) : c, random);
+      base::forEachUnit(c, [&](char16_t unit) { appendUnit(escaped, unit, random); });
     } else {
       escaped += text.substr(0, first.length);
     }

@@ -16,6 +16,7 @@ using orlftest::Json;
 id valueOf(const Json& json) {
   if (json.is_null()) return NSNull();
   if (json.is_boolean()) return json.get<bool>();
+  if (json.is_number_unsigned()) return json.get<std::uint64_t>();
   if (json.is_number_integer()) return json.get<std::int64_t>();
   if (json.is_number()) return json.get<double>();
   if (json.is_string()) return json.get<std::string>();
@@ -77,7 +78,17 @@ std::optional<NSNumber> numberOf(const Json& json) {
 }
 
 Json jsonOf(const std::optional<NSNumber>& number) {
-  return number ? Json(number->integerValue()) : Json(nullptr);
+  if (!number) return nullptr;
+  switch (number->kind()) {
+    case NSNumber::Kind::Boolean:
+      return number->boolValue();
+    case NSNumber::Kind::Double:
+      return number->doubleValue();
+    case NSNumber::Kind::UnsignedInteger:
+      return number->unsignedIntegerValue();
+    default:
+      return number->integerValue();
+  }
 }
 
 std::string checkEnumeration(const Json& in, const Json& out) {

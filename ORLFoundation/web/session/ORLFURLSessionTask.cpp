@@ -79,19 +79,15 @@ void ORLFURLSessionTask::start() {
   End end{*this};
   clearOutcome();
   const auto asked = request();
-  const bool isDownload = destinationURL().has_value();
   std::shared_ptr<NSURLSessionTask> made;
-  if (isDownload) {
+  if (destinationURL()) {
     made = session_->downloadTaskWithRequest(asked, task);
+    if (made) session_->sessionTaskLogDownloadRequest(task, asked);
   } else {
     made = session_->dataTaskWithRequest(asked, task);
+    if (made) session_->sessionTaskLogDataRequest(task, asked);
   }
   if (made) {
-    if (isDownload) {
-      session_->sessionTaskLogDownloadRequest(task, asked);
-    } else {
-      session_->sessionTaskLogDataRequest(task, asked);
-    }
     changeValue("connection", [&] { fields_->exchange(fields_->connection, made); });
     made->resume();
   }

@@ -73,6 +73,42 @@ TEST_F(ORLFURLSessionTaskThreads, LosesNoAnswerThatComesBeforeItsStartIsOver) {
   }
 }
 
+TEST_F(ORLFURLSessionTaskThreads, TakesAnAnswerThatWasHeldBackWithinTheLockOfTheTableToo) {
+  answerAtOnce(false);
+  std::atomic<bool> isSeen{false};
+  std::thread looker;
+  bool hasWaited = false;
+  const auto logger = std::make_shared<TellingLogger>();
+  logger->response = [&](const auto&) {
+    looker = std::thread([&] {
+      static_cast<void>(session_->sessionTasks());
+      isSeen = true;
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    hasWaited = !isSeen;
+  };
+  session_->setLogger(logger);
+  notingTask()->resume();
+  ASSERT_TRUE(looker.joinable());
+  looker.join();
+  settle();
+  EXPECT_TRUE(hasWaited);
+}
+
+TEST_F(ORLFURLSessionTaskThreads, MayBeInvalidatedWhileOthersAsk) {
+  std::thread other([&] {
+    for (int i = 0; i < 200; ++i)
+      session_->setDelegate(std::make_shared<AnsweringDelegate>([](auto, const auto&) {}));
+  });
+  for (int i = 0; i < 200; ++i) {
+    static_cast<void>(session_->delegate());
+    session_->invalidateSessionCancelingTasks(i % 2 == 0);
+    EXPECT_TRUE(session_->sessionInvalidated());
+    EXPECT_EQ(session_->taskWithRequest(request_, nullptr), nullptr);
+  }
+  other.join();
+}
+
 TEST_F(ORLFURLSessionTaskThreads, StartsOncePerResumeThatFindsItReady) {
   TaskPointer task;
   const auto token = hearStarts([&] {
@@ -168,6 +204,22 @@ TEST_F(ORLFURLSessionTaskThreads, HoldsWhoComesWhileItsHandlerForwards) {
   answer(2, 200);
   waiter = nullptr;
   EXPECT_EQ(task->state(), ORLURLSessionTaskStateCompleted);
+}
+
+TEST_F(ORLFURLSessionTaskThreads, LetsGoWhoCameWhileItsHandlerForwardedItForNothing) {
+  std::unique_ptr<WaitingThread> waiter;
+  const auto task = session_->taskWithRequest(request_, [&](const TaskPointer& done, const auto&) {
+    done->forward(other_);
+    done->waitUntilFinished();  // at once, and the last one that waits clears the lock
+    waiter = std::make_unique<WaitingThread>([done] { done->waitUntilFinished(); });
+    waiter->comeToRest();
+    EXPECT_FALSE(waiter->hasReturned());
+  });
+  task->resume();
+  answer(1, 200);
+  settle();
+  waiter = nullptr;
+  EXPECT_EQ(task->state(), ORLURLSessionTaskStateReady);
 }
 
 TEST_F(ORLFURLSessionTaskThreads, GoesOnWhenOnlyItsExchangeHoldsIt) {

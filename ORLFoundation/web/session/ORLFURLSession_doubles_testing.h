@@ -13,6 +13,8 @@
 
 namespace orlftest {
 
+using ORLFoundation::NSErrorSlot;
+
 class SessionScript::Receiver final : public ORLFoundation::NSURLSessionDataDelegate,
                                       public ORLFoundation::NSURLSessionDownloadDelegate {
   using Session = std::shared_ptr<ORLFoundation::NSURLSession>;

@@ -74,27 +74,39 @@ class ScriptedServer final : public ExchangeServer {
     if (call == "resume")
       queue_->addOperationWithBlock([this, platform, number] { answer(*platform, number); });
   }
-  void see(const NSURLRequest& request, const std::string& address) {
-    const Json body = request.HTTPBody() ? vectorOfBytes(request.HTTPBody()->text()) : Json();
+  void see(const std::string& method, const std::string& address, const Json& body) {
     const std::string path = address.starts_with(base()) ? address.substr(base().size()) : address;
     const std::lock_guard guard(lock_);
-    seen_.push_back({request.HTTPMethod(), path, body});
+    seen_.push_back({method, path, body});
+  }
+  /// What a server sees of the request and, where it leads on to others, of those: some statuses
+  /// have a form fetched instead of sent again.
+  std::string seeAll(const NSURLRequest& request, const Json& redirects) {
+    std::string address = request.URL()->absoluteString();
+    std::string method = request.HTTPMethod();
+    Json body = request.HTTPBody() ? vectorOfBytes(request.HTTPBody()->text()) : Json();
+    see(method, address, body);
+    for (const Json& redirect : redirects) {
+      const bool fetchesForms = redirect[0] == 301 || redirect[0] == 302;
+      if ((fetchesForms && method == "POST") || (redirect[0] == 303 && method != "HEAD")) {
+        method = "GET";
+        body = nullptr;
+      }
+      address = base() + redirect[1].get<std::string>();
+      see(method, address, body);
+    }
+    return address;
   }
   void answer(ScriptedPlatform& platform, std::size_t number) {
     const ScriptedExchange exchange = platform.exchange(number);
-    std::string address = exchange.request->URL()->absoluteString();
-    see(*exchange.request, address);
+    const Json answer = answers_.at(next_++);
+    const std::string address = seeAll(*exchange.request, answer.value("redirects", Json::array()));
     {
       const std::lock_guard guard(lock_);
       lastRequest_ = exchange.request;
     }
-    const Json answer = answers_.at(next_++);
     if (answer.value("drop", false))
       return platform.tellCompleted(number, NSError::errorWithDomain("NSURLErrorDomain", -1005));
-    for (const Json& redirect : answer.value("redirects", Json::array())) {
-      address = base() + redirect[1].get<std::string>();
-      see(*exchange.request, address);
-    }
     if (answer.contains("status"))
       exchange.state->setResponse(responseOfVector(answer, *NSURL::URLWithString(address)));
     const bool hasBody = exchange.request->HTTPMethod() != "HEAD" && answer.contains("body");
@@ -187,7 +199,8 @@ inline std::string playSendRequest(ExchangeServer& server, const Json& in, Json 
   const auto request = NSMutableURLRequest::requestWithURL(
       NSURL::URLWithString(server.base() + fields.at("url").get<std::string>()));
   request->setHTTPMethod(fields.at("method").get<std::string>());
-  if (!fields.at("body").is_null()) request->setHTTPBody(dataOfVector(fields.at("body")));
+  const Json body = fields.value("body", Json());
+  if (!body.is_null()) request->setHTTPBody(dataOfVector(body));
   request->setCachePolicy(fields.at("cachePolicy").get<NSURLRequestCachePolicy>());
   request->setTimeoutInterval(fields.at("timeoutInterval").get<double>());
   const auto asks = [&](const char* what) {

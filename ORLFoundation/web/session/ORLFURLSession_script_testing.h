@@ -144,6 +144,7 @@ class SessionScript final : private SessionWorld {
     return true;
   }
   void setResponse(std::size_t number, const Json& response) {
+    if (response.is_null()) return provider_.last()->exchange(number).state->setResponse(nullptr);
     const auto made = responseOfVector(response, addressOf(response.at("url")));
     responses_.emplace_back(made, number);
     provider_.last()->exchange(number).state->setResponse(made);
@@ -163,11 +164,10 @@ class SessionScript final : private SessionWorld {
         });
   }
   void beginWait(const std::string& name) {
-    auto& waiter = waiters_[name];
-    waiter = nullptr;
-    waiter =
-        std::make_unique<WaitingThread>([task = tasks_.at(name)] { task->waitUntilFinished(); });
-    waiter->comeToRest();
+    const auto task = tasks_.at(name);
+    const auto waiter = waiters_.emplace(
+        name, std::make_unique<WaitingThread>([task] { task->waitUntilFinished(); }));
+    waiter->second->comeToRest();
   }
   /// Until nothing is left to run on the queues that run.
   void settle() {
@@ -242,7 +242,9 @@ class SessionScript final : private SessionWorld {
                           expectedWaiting_.end();
       while (goesOn && !waiter->hasReturned() && std::chrono::steady_clock::now() < deadline)
         std::this_thread::yield();
-      if (!waiter->hasReturned()) waiting.push_back(name);
+      // A task that several threads wait for is told once.
+      const bool isTold = !waiting.empty() && waiting.back() == name;
+      if (!waiter->hasReturned() && !isTold) waiting.push_back(name);
     }
     return waiting;
   }
@@ -269,7 +271,7 @@ class SessionScript final : private SessionWorld {
   std::shared_ptr<ORLFoundation::internal::session::DownloadFiles> filesBefore_;
   std::vector<std::pair<std::shared_ptr<NSURLResponse>, std::size_t>> responses_;
   std::map<std::string, ORLFURLSession::Receiver> receivers_;
-  std::map<std::string, std::unique_ptr<WaitingThread>> waiters_;
+  std::multimap<std::string, std::unique_ptr<WaitingThread>> waiters_;
   Json expectedWaiting_ = Json::array();
   Json before_ = {{"files", Json::object()},
                   {"items", Json::object()},

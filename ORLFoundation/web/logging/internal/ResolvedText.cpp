@@ -2,6 +2,7 @@
 #include <ORLFoundation/web/logging/internal/ResolvedText.h>
 
 #include <ORLFoundation/platform/base/Hexadecimal.h>
+#include <ORLFoundation/platform/base/UTF16.h>
 #include <ORLFoundation/platform/base/UTF8.h>
 
 #include <algorithm>
@@ -109,11 +110,10 @@ std::size_t ResolvedText::addCharacter(std::string_view text, std::size_t at) {
     addEscape({&value, 1}, at, kShort);
     return kShort;
   }
-  const auto second = *unit >= 0xD800 && *unit < 0xDC00 ? unitAt(text, at + kUnit) : std::nullopt;
-  const bool isPair = second && *second >= 0xDC00 && *second < 0xE000;
+  const auto second = base::isLeadingUnit(*unit) ? unitAt(text, at + kUnit) : std::nullopt;
+  const bool isPair = second && base::isTrailingUnit(*second);
   std::string character;
-  base::appendUTF8(character,
-                   isPair ? 0x10000 + ((*unit - 0xD800) << 10) + (*second - 0xDC00) : *unit);
+  base::appendUTF8(character, isPair ? base::codePointOfUnits(*unit, *second) : *unit);
   const std::size_t length = isPair ? 2 * kUnit : kUnit;
   addEscape(character, at, length);
   return length;
