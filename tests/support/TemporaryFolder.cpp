@@ -12,10 +12,7 @@
 
 namespace orlftest {
 
-std::string parentInMemory() {
-  constexpr const char* kMemory = "/dev/shm";
-  return ::access(kMemory, W_OK | X_OK) == 0 ? kMemory : testing::TempDir();
-}
+std::string parentInMemory() { return folderInMemory(); }
 
 TemporaryFolder::TemporaryFolder() : TemporaryFolder(testing::TempDir()) {}
 

@@ -3,7 +3,9 @@
 #include <tests/support/TemporaryFolder.h>
 #include <tests/support/VectorFile.h>
 
+#include <cmath>
 #include <cstdlib>
+#include <limits>
 #include <optional>
 
 namespace orlftest {
@@ -45,6 +47,36 @@ TEST(VectorFile, NamesFileIdExpectedAndGotOfADisagreement) {
   });
   EXPECT_FALSE(report.passed());
   EXPECT_THAT(report.disagreements, ElementsAre("table.tsv: a-1: expected 7, got 8"));
+}
+
+TEST(VectorFile, ToleratesWhatRowsThatFollowOtherDataAnswerButNotWhatTheyThrow) {
+  const auto report =
+      tsv("id\tcldr_sensitive\tvalue\na-1\ttrue\t7\na-2\tfalse\t7\na-3\ttrue\tx\n",
+          [](const TsvRow& row) { return disagreement(row.integer("value"), std::int64_t{8}); });
+  EXPECT_EQ(report.failed, 2U);
+  EXPECT_THAT(report.tolerated, ElementsAre("table.tsv: a-1: expected 7, got 8"));
+  EXPECT_THAT(report.disagreements,
+              ElementsAre("table.tsv: a-2: expected 7, got 8", HasSubstr("a-3: exception")));
+  const auto lines =
+      jsonl(R"({"id": "j-1", "op": "double", "in": 1, "out": 3, "cldr_sensitive": true})"
+            "\n"
+            R"({"id": "j-2", "op": "double", "in": 1, "out": 3, "cldr_sensitive": false})",
+            kDouble);
+  EXPECT_EQ(lines.failed, 1U);
+  EXPECT_THAT(lines.tolerated, ElementsAre("lines.jsonl: j-1: double: expected 3, got 2"));
+}
+
+TEST(VectorFile, TakesEqualInfinitiesAndTwoNumbersThatAreNoneForTheSame) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  const double nan = std::nan("");
+  EXPECT_EQ(realDisagreement(kInfinity, kInfinity, 0), "");
+  EXPECT_EQ(realDisagreement(nan, nan, 0), "");
+  EXPECT_NE(realDisagreement(kInfinity, -kInfinity, 1), "");
+  EXPECT_NE(realDisagreement(kInfinity, 1, 1), "");
+  EXPECT_NE(realDisagreement(1, nan, 1), "");
+  EXPECT_NE(realDisagreement(nan, 1, 1), "");
+  EXPECT_EQ(realDisagreement(2, 2.1, 0.1), "");
+  EXPECT_NE(realDisagreement(2, 2.3, 0.1), "");
 }
 
 TEST(VectorFile, TellsNilFromEmptyTextAndReadsEscapes) {

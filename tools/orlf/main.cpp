@@ -2,7 +2,9 @@
 #include <ORLFoundation/bridges/libsecret/SecretServiceItemStore.h>
 #endif
 
+#include <fcntl.h>
 #include <openssl/crypto.h>
+#include <unistd.h>
 
 #include <iostream>
 #include <string>
@@ -11,7 +13,21 @@
 #include "io/ending_signals.h"
 #include "tool.h"
 
+namespace {
+
+/// Standard streams that are closed: a file of ours that took the place of one would be given what
+/// is said there. What stands there now can be read or written the wrong way only, so that it fails
+/// as before.
+void holdStandardStreams() {
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+    if (::fcntl(descriptor, F_GETFD) < 0)
+      static_cast<void>(::open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+}
+
+}  // namespace
+
 int main(int count, char** arguments) {
+  holdStandardStreams();
   std::ios::sync_with_stdio(false);
   const orlftool::EndingSignals signals;
   // Worker threads may still run when main has returned: what they use stays.

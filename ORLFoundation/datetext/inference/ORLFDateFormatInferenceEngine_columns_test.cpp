@@ -1,10 +1,10 @@
 // The date columns of real bank exports, whose order is known.
 #include <ORLFoundation/datetext/inference/ORLFDateFormatInferenceEngine.h>
 #include <gtest/gtest.h>
+#include <tests/support/Files.h>
 #include <tests/support/VectorFile.h>
 
 #include <algorithm>
-#include <fstream>
 #include <map>
 #include <sstream>
 #include <string>
@@ -27,14 +27,9 @@ std::vector<std::string> parts(const std::string& text, char separator) {
 
 std::vector<Column> readColumns() {
   std::vector<Column> columns;
-  std::ifstream file(orlftest::testDataFolder() / "dates" / "date_columns.tsv");
-  std::string line;
-  std::getline(file, line);
-  EXPECT_EQ(line, "order\tdates\tsource");
-  while (std::getline(file, line)) {
-    const std::vector<std::string> fields = parts(line, '\t');
-    columns.push_back({fields.at(0), fields.at(2), parts(fields.at(1), '|')});
-  }
+  for (const auto& row :
+       orlftest::tabbedRows(orlftest::testDataFolder() / "dates/date_columns.tsv"))
+    columns.push_back({row.at(0), row.at(2), parts(row.at(1), '|')});
   return columns;
 }
 

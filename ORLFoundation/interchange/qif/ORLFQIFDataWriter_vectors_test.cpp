@@ -31,7 +31,8 @@ class Arguments {
     const auto words = text(label);
     if (!words) return std::nullopt;
     const NSDecimal value = NSDecimal::parse(*words);
-    if (value.isNaN()) throw std::runtime_error("no decimal: " + std::string(*words));
+    if (value.isNaN() && *words != "NaN")
+      throw std::runtime_error("no decimal: " + std::string(*words));
     return NSDecimalNumber(value);
   }
   [[nodiscard]] std::optional<NSNumber> number(const char* label) const { return decimal(label); }

@@ -24,7 +24,8 @@ std::optional<std::string_view> text(const Json& value) {
 std::optional<NSNumber> number(const Json& value) {
   if (value.is_null()) return std::nullopt;
   const NSDecimal decimal = NSDecimal::parse(*text(value));
-  if (decimal.isNaN()) throw std::runtime_error("no decimal: " + std::string(*text(value)));
+  if (decimal.isNaN() && *text(value) != "NaN")
+    throw std::runtime_error("no decimal: " + std::string(*text(value)));
   return decimal;
 }
 

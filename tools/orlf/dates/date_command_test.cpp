@@ -4,10 +4,10 @@
 #include <cstdio>
 #include <fstream>
 #include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include <tests/support/Files.h>
 #include <tests/support/TemporaryFolder.h>
 #include <tests/support/VectorFile.h>
 #include <tests/tool/RunTool.h>
@@ -22,16 +22,8 @@ const std::string kUnreadable = "Invalid date format: Please enter a date with t
 
 std::vector<TypedDate> readTypedDates() {
   std::vector<TypedDate> dates;
-  std::ifstream file(orlftest::testDataFolder() / "dates" / "typed_dates.tsv");
-  std::string row;
-  std::getline(file, row);
-  while (std::getline(file, row)) {
-    std::istringstream fields(row);
-    TypedDate date;
-    std::getline(fields, date.text, '\t');
-    std::getline(fields, date.expected, '\t');
-    dates.push_back(date);
-  }
+  for (const auto& row : orlftest::tabbedRows(orlftest::testDataFolder() / "dates/typed_dates.tsv"))
+    dates.push_back({row.at(0), row.at(1)});
   return dates;
 }
 

@@ -1,11 +1,12 @@
 // The command on the date columns of real bank exports, whose order is known.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <nlohmann/json.hpp>
-#include <sstream>
 #include <string>
 
+#include <tests/support/Files.h>
 #include <tests/support/TemporaryFolder.h>
 #include <tests/support/VectorFile.h>
 #include <tests/tool/RunTool.h>
@@ -20,18 +21,10 @@ struct Column {
 
 std::vector<Column> readColumns() {
   std::vector<Column> columns;
-  std::ifstream file(orlftest::testDataFolder() / "dates" / "date_columns.tsv");
-  std::string row;
-  std::getline(file, row);
-  while (std::getline(file, row)) {
-    std::istringstream fields(row);
-    Column column;
-    std::getline(fields, column.order, '\t');
-    std::getline(fields, column.lines, '\t');
-    std::getline(fields, column.source);
-    for (char& c : column.lines)
-      if (c == '|') c = '\n';
-    columns.push_back(column);
+  for (const auto& row :
+       orlftest::tabbedRows(orlftest::testDataFolder() / "dates/date_columns.tsv")) {
+    columns.push_back({row.at(0), row.at(1), row.at(2)});
+    std::ranges::replace(columns.back().lines, '|', '\n');
   }
   return columns;
 }

@@ -19,6 +19,7 @@
 #include "cli/json_output.h"
 #include "cli/message_text.h"
 #include "commands.h"
+#include "files/file_argument.h"
 #include "session.h"
 #include "values/date_text.h"
 
@@ -99,8 +100,8 @@ std::shared_ptr<ORLFFileSystemObserver> observerOf(const std::string& path,
 /// Of what is there, as it is.
 std::string pathOf(const std::string& name, bool isDirectory) {
   std::error_code code;
-  const fs::path path = fs::absolute(name, code);
-  if (!code && fs::is_directory(path, code) != isDirectory && !code)
+  std::string path = absolutePathOfArgument(isDirectory ? "--directory" : "FILE", name);
+  if (fs::is_directory(path, code) != isDirectory && !code)
     throw JobFailure(
         name + (isDirectory ? ": not a directory" : ": a directory; watch it with --directory"));
   if (code) throw JobFailure(name + ": " + code.message());

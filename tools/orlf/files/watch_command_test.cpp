@@ -144,6 +144,8 @@ TEST_F(WatchCommand, SaysWhatItCannotWatch) {
   EXPECT_THAT(fault({"/" + std::string(4096, 'a')}, 1), HasSubstr("File name too long"));
   EXPECT_THAT(fault({}, 2), HasSubstr("either FILE or --directory"));
   EXPECT_THAT(fault({path("file"), "--directory", folder_}, 2), HasSubstr("either FILE"));
+  EXPECT_THAT(fault({""}, 2), HasSubstr("FILE: expected a path, got ''"));
+  EXPECT_THAT(fault({"--directory", ""}, 2), HasSubstr("--directory: expected a path, got ''"));
   fs::create_symlink(path("round"), path("round"));
   EXPECT_THAT(fault({path("round")}, 1), HasSubstr("Too many levels of symbolic links"));
 }

@@ -2,13 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <tests/support/Files.h>
 #include <tests/support/TemporaryFolder.h>
 #include <tests/tool/RunTool.h>
 #include <array>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <random>
 
@@ -320,9 +319,8 @@ const RealFile kRealFiles[] = {
 TEST(InferTable, IsRightOrAsksOnRealFiles) {
   std::size_t told = 0;
   for (const RealFile& file : kRealFiles) {
-    std::ifstream stream(std::string(ORLF_SOURCE_DIR) + "/tests/data/csv/" + file.name + ".csv",
-                         std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
+    const std::string bytes =
+        orlftest::contentOf(std::string(ORLF_SOURCE_DIR) + "/tests/data/csv/" + file.name + ".csv");
     ASSERT_FALSE(bytes.empty()) << file.name;
     const Answers answers = answersOf(bytes);
     for (std::size_t at = 0; at < kQuestions.size(); ++at) {

@@ -4,12 +4,11 @@
 #include <gtest/gtest.h>
 #include <libxml/parser.h>
 
+#include <tests/support/Files.h>
 #include <tests/support/TemporaryFolder.h>
 #include <tests/tool/RunTool.h>
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <sstream>
 
@@ -197,11 +196,6 @@ TEST(OfxDocument, TakesAMillionNestedTags) {
 
 // Real statements, each beside its paths and texts as another reader of SGML gives them.
 
-std::string contentsOf(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 /// A text with one blank for each run of white space, and none around it.
 std::string folded(const std::string& text) {
   std::istringstream words(text);
@@ -247,9 +241,9 @@ TEST(OfxDocument, HoldsThePathsAndTextsOfRealStatements) {
   for (const auto& entry : std::filesystem::directory_iterator(folder / "expected")) {
     const std::string name = entry.path().filename().string();
     const std::string stem = name.substr(0, name.find(".leaves.tsv"));
-    const std::string bytes = contentsOf(folder / (stem + ".ofx"));
+    const std::string bytes = orlftest::contentOf(folder / (stem + ".ofx"));
     ASSERT_FALSE(bytes.empty()) << stem;
-    const std::string expected = foldedLeaves(contentsOf(entry.path()));
+    const std::string expected = foldedLeaves(orlftest::contentOf(entry.path()));
     for (const bool isIndented : {false, true}) {
       const OfxDocument document = convertOfx(bytes, stem, {.isIndented = isIndented});
       EXPECT_EQ(leavesOf(document.xml), expected) << stem << " " << isIndented;
@@ -264,7 +258,7 @@ TEST(OfxDocument, IsWellFormedForEveryRealStatementUnlessItRemarksOnTags) {
   std::size_t count = 0;
   for (const auto& entry : std::filesystem::directory_iterator(folder)) {
     if (entry.path().extension() != ".ofx") continue;
-    const OfxDocument document = convertOfx(contentsOf(entry.path()), "a.ofx", {});
+    const OfxDocument document = convertOfx(orlftest::contentOf(entry.path()), "a.ofx", {});
     EXPECT_NE(leavesOf(document.xml), "") << entry.path() << testing::PrintToString(document.notes);
     ++count;
   }

@@ -2,6 +2,7 @@
 #include <ORLFoundation/amortization/net_present_value.h>
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
+#include <ORLFoundation/platform/value/NSDecimalSum.h>
 
 #include <algorithm>
 #include <cmath>
@@ -46,7 +47,7 @@ class DatedFlows {
     count_ = flows.size();
     first_ = flows.front().date;
     last_ = flows.back().date;
-    for (const CashFlow& flow : flows) add(flow, calendar);
+    addAll(flows, calendar);
   }
 
   [[nodiscard]] std::size_t count() const { return count_; }
@@ -81,23 +82,31 @@ class DatedFlows {
   }
 
  private:
-  /// Takes the flows in their order; sums are exact.
-  void add(const CashFlow& flow, const NSCalendar& calendar) {
-    const double years =
-        ORLFAmortizationCalculator::annualIntervalFromDate(first_, flow.date, &calendar);
-    if (times_.empty() || times_.back() != years) {
-      times_.push_back(years);
-      values_.push_back(0);
-      sum_ = NSDecimalNumber::zero();
+  void addAll(const std::vector<CashFlow>& flows, const NSCalendar& calendar) {
+    std::vector<NSDecimal> amounts;  // of the last time
+    for (const CashFlow& flow : flows) {
+      const double years =
+          ORLFAmortizationCalculator::annualIntervalFromDate(first_, flow.date, &calendar);
+      if (times_.empty() || times_.back() != years) {
+        if (!times_.empty()) values_.push_back(sumOf(amounts));
+        times_.push_back(years);
+        amounts.clear();
+      }
+      amounts.push_back(flow.amount.decimalValue());
     }
-    sum_ = sum_.decimalNumberByAdding(flow.amount);
-    values_.back() = sum_.doubleValue();
+    values_.push_back(sumOf(amounts));
+  }
+
+  [[nodiscard]] double sumOf(const std::vector<NSDecimal>& amounts) const {
+    const NSDecimalResult sum = NSDecimalSum(amounts);
+    if (sum.error == NSCalculationOverflow)
+      throw JobFailure(file_ + ": the amounts of one time add up to more than a decimal holds");
+    return sum.value.doubleValue();
   }
 
   const std::string& file_;
   std::size_t count_ = 0;
   std::vector<double> times_, values_;
-  NSDecimalNumber sum_;  // of the last time
   NSDate first_, last_;
 };
 

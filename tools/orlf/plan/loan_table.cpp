@@ -1,6 +1,7 @@
 #include "plan/loan_table.h"
 
 #include <ORLFoundation/amortization/ORLFAmortizationCalculator.h>
+#include <ORLFoundation/platform/value/NSDecimalSum.h>
 #include <ORLFoundation/platform/value/NSException.h>
 
 #include <optional>
@@ -49,6 +50,8 @@ class LoanTableMaker {
   LoanTable take() {
     table_.rows.reserve(static_cast<std::size_t>(terms_.periods));
     for (std::int32_t number = 1; number <= terms_.periods; ++number) addRow(number);
+    table_.paid = held(totalOf(&LoanRow::payment));
+    table_.interest = totalOf(&LoanRow::interest);
     return std::move(table_);
   }
 
@@ -66,6 +69,13 @@ class LoanTableMaker {
         "proportion");
   }
 
+  [[nodiscard]] NSDecimalNumber totalOf(NSDecimalNumber LoanRow::*member) const {
+    std::vector<NSDecimal> values;
+    values.reserve(table_.rows.size());
+    for (const LoanRow& row : table_.rows) values.push_back((row.*member).decimalValue());
+    return NSDecimalNumber(NSDecimalSum(values).value);
+  }
+
   void addRow(std::int32_t number) {
     LoanRow row;
     row.number = number;
@@ -77,8 +87,6 @@ class LoanTableMaker {
     row.payment = clears ? owed : table_.payment;
     row.principal = row.payment.decimalNumberBySubtracting(row.interest);
     balance_ = row.balance = owed.decimalNumberBySubtracting(row.payment);
-    table_.paid = held(table_.paid.decimalNumberByAdding(row.payment));
-    table_.interest = table_.interest.decimalNumberByAdding(row.interest);
     table_.rows.push_back(row);
   }
 

@@ -12,6 +12,7 @@
 #include "cli/message_text.h"
 #include "process/process_file.h"
 #include "session.h"
+#include "values/trimmed.h"
 
 namespace orlftool {
 namespace {
@@ -20,13 +21,6 @@ using namespace ORLFoundation;
 using Step = std::shared_ptr<ORLFProcessStep>;
 
 constexpr std::size_t kMostBytesOfALine = 4096;
-constexpr std::string_view kBlanks = " \t\r";
-
-std::string trimmed(std::string_view text) {
-  const std::size_t begin = std::min(text.find_first_not_of(kBlanks), text.size());
-  text.remove_prefix(begin);
-  return std::string(text.substr(0, text.find_last_not_of(kBlanks) + 1));
-}
 
 std::string inQuotes(std::string_view text) { return '"' + oneLine(text) + '"'; }
 
@@ -98,7 +92,7 @@ std::optional<CommandLineOfWalk> readCommandLine(std::istream& in) {
     if (!line.isTooLong) line.text += c;
   }
   if (in.eof() && !isAny) return std::nullopt;
-  line.text = trimmed(line.text);
+  line.text = std::string(trimmed(line.text));
   return line;
 }
 
@@ -133,7 +127,7 @@ void ProcessWalk::refuse(const std::string& reason) {
 bool ProcessWalk::obey(const std::string& line) {
   const std::size_t end = std::min(line.find_first_of(kBlanks), line.size());
   const std::string name = line.substr(0, end);
-  const std::string argument = trimmed(std::string_view(line).substr(end));
+  const std::string argument(trimmed(std::string_view(line).substr(end)));
   const Command* const command = commandNamed(name);
   const bool takesOne = command != nullptr && !command->argument.empty();
   if (command == nullptr || (!takesOne && !argument.empty())) {

@@ -1,5 +1,7 @@
 #include <ORLFoundation/security/primitives/ORLFDataCompression.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <ostream>
@@ -39,9 +41,18 @@ NSData compressed(const std::string& name, const NSData& data,
   throw JobFailure(name + ": it cannot be compressed");
 }
 
+/// Zeros may fill up what stands behind the stream, as on tapes; more, a second stream for one,
+/// would be lost without a word.
 NSData decompressed(const std::string& name, const NSData& data) {
-  if (const auto bytes = gunzippedData(data, kMostDecompressedBytes)) return *bytes;
-  throw JobFailure(name + ": it is no gzip file, is damaged or cut off, or holds more than 1 GB");
+  std::size_t used = 0;
+  const auto bytes = gunzippedData(data, kMostDecompressedBytes, &used);
+  if (!bytes)
+    throw JobFailure(name + ": it is no gzip file, is damaged or cut off, or holds more than 1 GB");
+  const auto behind = data.bytes().subspan(used);
+  if (std::any_of(behind.begin(), behind.end(), [](std::uint8_t byte) { return byte != 0; }))
+    throw JobFailure(name + ": " + std::to_string(behind.size()) +
+                     " bytes stand behind the compressed stream, which alone can be read");
+  return *bytes;
 }
 
 void runGzip(Session& session, const GzipArguments& arguments) {
@@ -61,8 +72,9 @@ void runGzip(Session& session, const GzipArguments& arguments) {
 
 Job declareGzipCommand(Options& options) {
   options.describe(
-      "Print a file of at most 64 MB as gzip compresses it, or with -d what a gzip or zlib file\n"
-      "holds, at most 1 GB.");
+      "Print a file of at most 64 MB as gzip compresses it, or with -d what a gzip or zlib file "
+      "of\n"
+      "one stream holds, at most 1 GB.");
   auto arguments = std::make_shared<GzipArguments>();
   options.text("FILE", arguments->file, "The file, - for the standard input");
   options.flag("-d,--decompress", arguments->decompress, "Print what a compressed file holds");

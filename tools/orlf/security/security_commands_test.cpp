@@ -73,6 +73,13 @@ TEST_F(SecurityCommands, CompressAndDecompress) {
   EXPECT_EQ(cut.exitCode, 1);
   EXPECT_EQ(cut.out, "");
   EXPECT_THAT(cut.err, HasSubstr("is damaged or cut off"));
+  write("two", packed + packed);
+  const ToolRun two = runTool({"gzip", "-d", path("two")});
+  EXPECT_EQ(two.exitCode, 1);
+  EXPECT_EQ(two.out, "");
+  EXPECT_THAT(two.err, HasSubstr(std::to_string(packed.size()) + " bytes stand behind"));
+  write("filled", packed + std::string(100, '\0'));
+  EXPECT_EQ(runTool({"gzip", "-d", path("filled")}).out, text);
   EXPECT_EQ(runTool({"gzip", file, "--level=10"}).exitCode, 2);
   EXPECT_EQ(runTool({"gzip", "-d", file, "--level=1"}).exitCode, 2);
 }

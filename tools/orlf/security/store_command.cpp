@@ -1,10 +1,17 @@
 #include <ORLFoundation/platform/base/Replaced.h>
+#include <ORLFoundation/platform/files/NSFileErrors.h>
 #include <ORLFoundation/platform/keychain/SecItemStore.h>
+#include <ORLFoundation/platform/log/NSLog.h>
+#include <ORLFoundation/platform/plist/NSPropertyListSerialization.h>
 #include <ORLFoundation/security/keychain/ORLFKeychainAccess.h>
 #include <ORLFoundation/security/store/ORLFEncryptedStore.h>
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -49,6 +56,12 @@ Secret filePassword(const StoreArguments& arguments, bool isNew) {
                      .isNew = isNew});
 }
 
+/// An error's text; that of a list that is none does not name the file.
+std::string withFile(const std::string& file, const NSError& error) {
+  const bool namesFile = error.code() != NSPropertyListReadCorruptError;
+  return (namesFile ? "" : file + ": ") + error.localizedDescription();
+}
+
 /// Throws JobFailure for a file that does not open under the password.
 CheckedFile checkedFile(const StoreArguments& arguments) {
   CheckedFile file{fileURLOfArgument("FILE", arguments.file), filePassword(arguments, false)};
@@ -57,7 +70,7 @@ CheckedFile checkedFile(const StoreArguments& arguments) {
     case ORLFEncryptedStoreOpens:
       return file;
     case ORLFEncryptedStoreUnreadable:
-      throw JobFailure(error->localizedDescription());
+      throw JobFailure(withFile(arguments.file, *error));
     case ORLFEncryptedStoreDamaged:
       throw JobFailure(arguments.file + ": the password is right, but the file is damaged");
     case ORLFEncryptedStoreNotEncrypted:
@@ -92,6 +105,15 @@ StoreEntry entryNamed(const StoreArguments& arguments, const CheckedFile& file) 
   throw JobFailure(arguments.file + ": there is no password of " + nameOfEntry(arguments));
 }
 
+/// The library drops the error of making a file, and then finds none.
+std::string whyNotCreated(const std::string& file, const NSURL& url, const NSError& error) {
+  if (error.code() != NSFileReadNoSuchFileError) return withFile(file, error);
+  const auto folder = std::filesystem::path(url.path()).parent_path() / ".";
+  const bool isWritable = ::access(folder.c_str(), W_OK) == 0;
+  return file + ": cannot be written: " +
+         (isWritable ? "it is not there afterwards" : std::strerror(errno));
+}
+
 void createStore(Session& session, const StoreArguments& arguments) {
   const NSURL url = fileURLOfArgument("FILE", arguments.file);
   std::error_code code;
@@ -103,7 +125,7 @@ void createStore(Session& session, const StoreArguments& arguments) {
   Error error;
   const auto store =
       ORLFEncryptedStore::openStoreWithFileAtURL(url, password.text(), &isCreated, &error);
-  if (!store && error) throw JobFailure(error->localizedDescription());
+  if (!store && error) throw JobFailure(whyNotCreated(arguments.file, url, *error));
   if (!isCreated) throw JobFailure(arguments.file + ": it exists already");
   store->close(false);
   if (session.options.json)
@@ -137,6 +159,7 @@ void listStore(Session& session, const StoreArguments& arguments) {
 }
 
 /// While it lives, the desktop's keychain is asked, where this tool has it and no other is in use.
+/// What the library logs of it is said once more, in one line, when the command fails.
 class UsualKeychain {
  public:
   UsualKeychain() {
@@ -147,6 +170,7 @@ class UsualKeychain {
 
  private:
   std::optional<const Replaced<std::shared_ptr<SecItemStore>>> inUse_;
+  const Replaced<NSLogSink> silence_{&NSSetLogSink, [](std::string_view) {}};
 };
 
 /// Throws JobFailure where there is no keychain that keeps passwords for good.
@@ -186,9 +210,13 @@ void changePassword(const StoreArguments& arguments, const CheckedFile& file,
   const bool isDone = store->mergePassword(value, *arguments.user, *arguments.service,
                                            contextOfText(arguments.context.value_or("")), &error);
   store->close(false);
-  if (!isDone)
-    throw JobFailure(error ? arguments.file + ": " + error->localizedDescription()
-                           : "the keychain did not take the password");
+  if (isDone) return;
+  if (error && error->domain() == ORLFSecurityErrorDomain)
+    throw JobFailure(
+        "--keychain: " + SecCopyErrorMessageString(static_cast<OSStatus>(error->code())) + " (" +
+        std::to_string(error->code()) + ")");
+  throw JobFailure(error ? arguments.file + ": " + error->localizedDescription()
+                         : "the keychain did not take the password");
 }
 
 void setPassword(Session& session, const StoreArguments& arguments) {

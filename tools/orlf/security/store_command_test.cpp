@@ -67,6 +67,14 @@ TEST_F(StoreCommand, CreatesAFileOnce) {
   EXPECT_THAT(names(), Not(testing::Contains("other")));
 }
 
+TEST_F(StoreCommand, SaysWhyAFileCannotBeMadeOrRead) {
+  const ToolRun none = store({"create", path("none/my.store")});
+  EXPECT_EQ(none.exitCode, 1);
+  EXPECT_THAT(none.err, HasSubstr("none/my.store: cannot be written: No such file or directory"));
+  EXPECT_THAT(store({"create", path("right/my.store")}).err, HasSubstr("Not a directory"));
+  EXPECT_THAT(store({"list", path("right")}).err, HasSubstr("right: The data is neither"));
+}
+
 TEST_F(StoreCommand, KeepsListsGivesAndDeletesPasswords) {
   create();
   EXPECT_EQ(set("bank", "ann").out, "the password of 'ann' for 'bank' lies in the file\n");
@@ -151,6 +159,19 @@ TEST_F(StoreCommand, WritesNothingUnderAWrongPasswordAndIntoOtherFiles) {
   EXPECT_THAT(names(), ElementsAre("my.store.lock", "right", "value", "wrong"));
 }
 
+/// A keychain that would last and denies access.
+class LastingAndFailing final : public SecItemStore {
+ public:
+  SecItemBackend backend() const override { return {"vault", true, SecItemEncryptionUnknown}; }
+  OSStatus copyMatching(const NSDictionary&, id& result) override {
+    result = nullptr;
+    return errSecAuthFailed;
+  }
+  OSStatus add(const NSDictionary&) override { return errSecAuthFailed; }
+  OSStatus update(const NSDictionary&, const NSDictionary&) override { return errSecAuthFailed; }
+  OSStatus remove(const NSDictionary&) override { return errSecAuthFailed; }
+};
+
 TEST_F(StoreCommand, RefusesTheKeychainUnlessItLasts) {
   create();
   const std::vector<std::string> words{
@@ -161,6 +182,11 @@ TEST_F(StoreCommand, RefusesTheKeychainUnlessItLasts) {
   const ToolRun run = store(words);
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.err, HasSubstr("in-process"));
+  const Replaced failing(SecSetItemStore, std::make_shared<LastingAndFailing>());
+  const ToolRun failed = store(words);
+  EXPECT_EQ(failed.exitCode, 1);
+  EXPECT_EQ(failed.err, "orlf store: --keychain: " + SecCopyErrorMessageString(errSecAuthFailed) +
+                            " (-25293)\n");
   EXPECT_THAT(store({"list", "FILE"}).err, HasSubstr("there are no passwords"));
 }
 

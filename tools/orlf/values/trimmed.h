@@ -1,7 +1,8 @@
 /// Texts without the blanks around them.
 #pragma once
 
-#include <algorithm>
+#include <ORLFoundation/platform/base/Trimmed.h>
+
 #include <string_view>
 
 namespace orlftool {
@@ -11,8 +12,7 @@ inline constexpr std::string_view kBlanks = " \t\r";
 /// The text without the blanks that it begins and ends with.
 [[nodiscard]] inline std::string_view trimmed(std::string_view text,
                                               std::string_view blanks = kBlanks) {
-  text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-  return text.substr(0, text.find_last_not_of(blanks) + 1);
+  return ORLFoundation::internal::base::trimmed(text, blanks);
 }
 
 }  // namespace orlftool

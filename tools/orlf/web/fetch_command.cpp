@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -17,6 +18,7 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -60,7 +62,16 @@ void expectWritableLog(const NSURL& file) {
   const int log = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY,
                          kForItsUserAlone);
   if (log < 0) throw JobFailure(path + ": cannot be written: " + std::strerror(errno));
+  struct stat opened {};
+  const bool isFile = ::fstat(log, &opened) == 0 && S_ISREG(opened.st_mode);
   ::close(log);
+  if (!isFile) throw JobFailure(path + ": cannot be written: it is not a file");
+}
+
+bool isSameFile(const std::string& one, const std::string& other) {
+  std::error_code ignored;
+  return fs::path(one).lexically_normal() == fs::path(other).lexically_normal() ||
+         fs::equivalent(one, other, ignored);
 }
 
 /// What the old file keeps its place for: the server has none that is newer.
@@ -111,6 +122,12 @@ class Fetch {
       throw UsageFailure("--if-newer: give the file to compare with by -o FILE");
     if (!arguments.masks.empty() && !arguments.log)
       throw UsageFailure("--mask: nothing is logged without --log FILE");
+    if (std::ranges::count(arguments.masks, "") > 0)
+      throw UsageFailure("--mask: expected the name of a field, got ''");
+    if (arguments.log && arguments.output &&
+        isSameFile(absolutePathOfArgument("--log", *arguments.log),
+                   absolutePathOfArgument("-o", *arguments.output)))
+      throw UsageFailure("--log: -o would put another file in its place");
     const auto headers = readHeaders("--header", arguments.headers);
     const auto retries = readHeaders("--retry-auth", arguments.retries);
     request_ = makeRequest(headers);

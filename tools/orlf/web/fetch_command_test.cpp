@@ -235,6 +235,25 @@ TEST_F(FetchCommand, RefusesWhatMakesNoSense) {
   EXPECT_TRUE(server().seen().empty());
 }
 
+TEST_F(FetchCommand, NamesAddressesOfSixteenBytesInBrackets) {
+  const auto run = runTool({"fetch", "http://[::1]:1/a"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.err, testing::StartsWith("orlf fetch: http://[::1]:1/a: "));
+}
+
+TEST_F(FetchCommand, KeepsItsLogApartFromTheFile) {
+  script({});
+  write("file", "old");
+  std::filesystem::create_symlink(path("file"), path("link"));
+  for (const std::string& log : {path("file"), path("link"), path("./file")}) {
+    const auto run = runTool({"fetch", url("/a"), "-o", path("file"), "--log", log});
+    EXPECT_EQ(run.exitCode, 2) << log;
+    EXPECT_THAT(run.err, HasSubstr("--log: -o would put another file in its place"));
+  }
+  EXPECT_EQ(read("file"), "old");
+  EXPECT_TRUE(server().seen().empty());
+}
+
 TEST_F(FetchCommand, FetchesFilesAndData) {
   EXPECT_EQ(runTool({"fetch", "file://" + write("source", "text")}).out, "text");
   EXPECT_EQ(runTool({"fetch", "data:,a%20b"}).out, "a b");

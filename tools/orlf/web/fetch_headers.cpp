@@ -73,6 +73,8 @@ std::vector<HeaderField> readHeaders(const std::string& option,
   for (const std::string& text : texts) {
     if (text == "-") {
       fields.push_back(readHeader(option, typedHeader(option)));
+    } else if (text == "@") {
+      throw UsageFailure(option + ": expected a path behind @, got ''");
     } else if (text.starts_with('@')) {
       for (const std::string& line : linesOfText(readInputFile(text.substr(1), "a header file")))
         if (!trimmed(line).empty()) fields.push_back(readHeader(option, line));

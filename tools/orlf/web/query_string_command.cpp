@@ -1,3 +1,4 @@
+#include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/object/NSSet.h>
 #include <ORLFoundation/web/agent/ORLFDictionaryQueryString.h>
 
@@ -57,6 +58,7 @@ void parseQuery(Session& session, const QueryArguments& arguments) {
   std::string_view query = arguments.texts.front();
   if (query.starts_with('?')) query.remove_prefix(1);
   const auto entries = orlfDictionaryWithURLQueryString(query)->entries();
+  const std::size_t dropped = droppedParts(query);
   if (session.options.json) {
     Json object = Json::object();
     for (const auto& [key, value] : entries) {
@@ -71,9 +73,13 @@ void parseQuery(Session& session, const QueryArguments& arguments) {
         table.addRow({oneLine(key.description()), oneLine(text)});
     table.print(session.out);
   }
-  if (const std::size_t dropped = droppedParts(query))
-    printNote(session, std::to_string(dropped) +
-                           " of the parts left out: without '=', or with an escape that is none");
+  if (dropped > 0) {
+    printNote(session,
+              std::to_string(dropped) +
+                  " of the parts left out: without '=', or with an escape that stands for no text");
+  } else if (entries.empty()) {
+    printNote(session, "the query is empty");
+  }
 }
 
 /// Repeated keys become arrays.
@@ -91,6 +97,14 @@ std::shared_ptr<NSDictionary> dictionaryOf(const std::vector<std::string>& texts
   return dictionary;
 }
 
+/// Whether a value that is joined behind others would follow without a comma.
+bool repeatsFirstValue(const NSDictionary& dictionary) {
+  return std::ranges::any_of(dictionary.entries(), [](const auto& entry) {
+    const auto values = entry.second.template as<NSArray>()->members();
+    return std::ranges::count(values, values.front()) > 1;
+  });
+}
+
 bool holdsSigns(const std::vector<std::string>& texts) {
   return std::ranges::any_of(
       texts, [](const std::string& text) { return text.find('&') != std::string::npos; });
@@ -100,7 +114,8 @@ void makeQuery(Session& session, const QueryArguments& arguments) {
   const NSUInteger options =
       (arguments.escapesPlus ? ORLFURLQueryStringEscapesPlus : NSUInteger{0}) |
       (arguments.joinsWithCommas ? ORLFURLQueryStringJoinsWithCommas : NSUInteger{0});
-  const std::string query = orlfURLQueryStringWithOptions(*dictionaryOf(arguments.texts), options);
+  const auto dictionary = dictionaryOf(arguments.texts);
+  const std::string query = orlfURLQueryStringWithOptions(*dictionary, options);
   if (session.options.json) {
     printJson(session.out, {{"query", query}});
   } else {
@@ -108,9 +123,14 @@ void makeQuery(Session& session, const QueryArguments& arguments) {
   }
   if (holdsSigns(arguments.texts))
     printNote(session, "'&' stays as it is in a query, so this one is read back otherwise");
+  if (arguments.joinsWithCommas && repeatsFirstValue(*dictionary))
+    printNote(session, "a value that comes again behind the first one has no comma before it");
 }
 
 void runQuery(Session& session, const QueryArguments& arguments) {
+  for (const std::string& text : arguments.texts)
+    if (!internal::base::isUTF8(text))
+      throw UsageFailure("TEXT: expected UTF-8, got " + quotedForMessage(text));
   if (arguments.action == "parse") return parseQuery(session, arguments);
   if (arguments.action == "make") return makeQuery(session, arguments);
   throw UsageFailure("ACTION: expected parse or make, got " + quotedForMessage(arguments.action));

@@ -1,10 +1,16 @@
+#include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/Hexadecimal.h>
+#include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/dispatch/NSRunLoop.h>
 #include <ORLFoundation/web/agent/ORLFReachability.h>
+#include <arpa/inet.h>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
+#include <string_view>
 
 #include "cli/command_line.h"
 #include "cli/failure.h"
@@ -24,6 +30,46 @@ struct ReachableArguments {
   std::string timeout = "30";
 };
 
+bool isAddress(int family, const std::string& text) {
+  in6_addr address{};
+  return ::inet_pton(family, text.c_str(), &address) == 1;
+}
+
+/// Letters, digits, "-" and "_", or letters beyond ASCII, up to 63 bytes.
+bool isLabel(std::string_view label) {
+  constexpr std::size_t kLongest = 63;
+  return !label.empty() && label.size() <= kLongest && std::ranges::all_of(label, [](char c) {
+    return internal::base::isLetterOrDigit(c) || c == '-' || c == '_' ||
+           static_cast<unsigned char>(c) >= 0x80;
+  });
+}
+
+/// Digits, or "0x" and hexadecimal ones.
+bool isNumber(std::string_view label) {
+  if (label.starts_with("0x") || label.starts_with("0X"))
+    return std::ranges::all_of(label.substr(2),
+                               [](char c) { return internal::base::hexDigitValue(c) >= 0; });
+  return std::ranges::all_of(label, internal::base::isDigit<char>);
+}
+
+/// Whether a text is a name, "127.0.0.1" or "fe80::1%eth0". What ends in a number and is no such
+/// address ("010.0.0.1", "1.2.3") is neither: the system would read it as an address that nobody
+/// meant.
+bool isHost(std::string_view text) {
+  constexpr std::size_t kLongest = 253;
+  if (text.find(':') != std::string_view::npos)
+    return isAddress(AF_INET6, std::string(text.substr(0, text.find('%'))));
+  if (isAddress(AF_INET, std::string(text))) return true;
+  if (text.ends_with('.')) text.remove_suffix(1);
+  if (text.size() > kLongest || !internal::base::isUTF8(text)) return false;
+  std::string_view label;
+  for (std::size_t begin = 0; begin <= text.size(); begin += label.size() + 1) {
+    label = text.substr(begin, text.find('.', begin) - begin);
+    if (!isLabel(label)) return false;
+  }
+  return !isNumber(label);
+}
+
 /// The flags once they can be read: the name has been looked up by then.
 std::optional<SCNetworkReachabilityFlags> flagsWithin(const ORLFReachability& place,
                                                       double seconds) {
@@ -39,7 +85,8 @@ std::optional<SCNetworkReachabilityFlags> flagsWithin(const ORLFReachability& pl
 void tellWhetherReachable(Session& session, const ReachableArguments& arguments) {
   constexpr std::int64_t kLongest = 3600;
   const std::int64_t seconds = readWholeArgument("--timeout", arguments.timeout, 0, kLongest);
-  const auto place = ORLFReachability::reachabilityWithHostName(arguments.host);
+  const auto place =
+      isHost(arguments.host) ? ORLFReachability::reachabilityWithHostName(arguments.host) : nullptr;
   if (!place)
     throw UsageFailure("HOST: expected a name or an address, got " +
                        quotedForMessage(arguments.host));

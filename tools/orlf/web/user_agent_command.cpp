@@ -1,9 +1,11 @@
+#include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/web/agent/ORLFHTTPUserAgent.h>
 
 #include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
+#include <string_view>
 
 #include "cli/command_line.h"
 #include "cli/failure.h"
@@ -24,14 +26,21 @@ struct AgentArguments {
   std::string network = kToolVersion;
 };
 
+bool isControl(char32_t c) {
+  constexpr char32_t kLineSeparator = 0x2028, kParagraphSeparator = 0x2029;
+  return c < 0x20 || (c >= 0x7F && c < 0xA0) || c == kLineSeparator || c == kParagraphSeparator;
+}
+
 /// A header ends at a line end, so no part of it may hold one.
 void expectOneLine(const char* option, const std::string& text) {
   if (text.empty()) throw UsageFailure(std::string(option) + ": expected a text, got none");
-  for (const char c : text)
-    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F)
-      throw UsageFailure(std::string(option) +
-                         ": expected a text without control characters, got " +
+  for (std::string_view rest = text; !rest.empty();) {
+    const auto first = internal::base::firstUTF8Character(rest);
+    rest.remove_prefix(first.length);
+    if (first.isBroken || isControl(first.codePoint))
+      throw UsageFailure(std::string(option) + ": expected UTF-8 without control characters, got " +
                          quotedForMessage(text));
+  }
 }
 
 void printAgent(Session& session, const AgentArguments& arguments) {

@@ -1,12 +1,12 @@
 #include "web/web_address.h"
 
+#include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/net/NSURLResponse.h>
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/text/NSStringPercentEncoding.h>
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <optional>
 
 #include "cli/failure.h"
@@ -20,10 +20,7 @@ using namespace ORLFoundation;
 constexpr std::array kSchemes = {"http", "https", "file", "data"};
 
 std::string lowerScheme(const NSURL& url) {
-  std::string scheme = url.scheme().value_or("");
-  std::transform(scheme.begin(), scheme.end(), scheme.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return scheme;
+  return internal::base::lowerASCII(url.scheme().value_or(""));
 }
 
 }  // namespace
@@ -56,7 +53,9 @@ bool isDataAddress(const NSURL& url) { return lowerScheme(url) == "data"; }
 std::string shownAddress(const NSURL& url) {
   const std::string scheme = lowerScheme(url);
   if (isDataAddress(url)) return "data:...";
-  std::string text = scheme + "://" + url.host().value_or("");
+  std::string host = url.host().value_or("");
+  if (host.find(':') != std::string::npos) host = "[" + host + "]";
+  std::string text = scheme + "://" + host;
   if (const auto port = url.port()) text += ":" + std::to_string(*port);
   return oneLine(text + std::string(url.percentEncodedPath()));
 }

@@ -23,6 +23,72 @@ TEST(UserAgentCommand, PrintsTheTextOfItsFacts) {
             "App/1.2 x86_64 Mac/13.2 (KHTML, like Gecko) CFNetwork/1404 Darwin/22.3.0\n");
 }
 
+TEST(UserAgentCommand, RefusesWhatAHeaderCannotHold) {
+  for (const char* option : {"--app", "--app-version", "--network-version"}) {
+    for (const char* text :
+         {"", "a\nb", "\x7F", "a\xFF", "a\xC2\x85", "\xE2\x80\xA8", "\xE2\x80\xA9"}) {
+      const ToolRun run = runTool({"user-agent", option, text});
+      EXPECT_EQ(run.exitCode, 2) << option << " " << text;
+      EXPECT_EQ(run.out, "");
+      EXPECT_EQ(run.err.find(std::string("orlf user-agent: ") + option + ": expected "), 0U);
+    }
+    EXPECT_EQ(runTool({"user-agent", option, "é 日\xC2\xA0"}).exitCode, 0);
+  }
+}
+
+TEST(QueryStringCommand, RefusesWhatIsNoText) {
+  for (const char* action : {"parse", "make"}) {
+    const ToolRun run = runTool({"query-string", action, "a=\xFF"});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err, "orlf query-string: TEXT: expected UTF-8, got 'a=?'\n");
+  }
+}
+
+TEST(ReachableCommand, TellsHostsFromWhatIsNone) {
+  orlftest::ScriptedKernel kernel;
+  const Replaced<reachability::HostResolver> resolver(
+      reachability::exchangeHostResolver,
+      [](const std::string&) { return reachability::Addresses(); });
+  const std::string label(63, 'a');
+  const std::string name = label + "." + label + "." + label + "." + std::string(61, 'b');
+  for (const std::string& host :
+       {label, name, name + ".", std::string("my_host"), std::string("3com"), std::string("x-1"),
+        std::string("bücher.example"), std::string("1.2y"), std::string("0xg"),
+        std::string("fe80::1%lo")}) {
+    const ToolRun run = runTool({"reachable", host});
+    EXPECT_EQ(run.out, "no\n") << host << run.err;
+    EXPECT_EQ(run.exitCode, 1);
+  }
+  for (const std::string& host : {label + "a",
+                                  name + "b",
+                                  std::string("."),
+                                  std::string(".a"),
+                                  std::string("a.."),
+                                  std::string("a b"),
+                                  std::string("a/b"),
+                                  std::string("a\xFF"),
+                                  std::string("a\n"),
+                                  std::string("[::1]"),
+                                  std::string("::g"),
+                                  std::string("%lo"),
+                                  std::string("1"),
+                                  std::string("1.2.3"),
+                                  std::string("1.2.3.4.5"),
+                                  std::string("256.1.1.1"),
+                                  std::string("01.2.3.4"),
+                                  std::string("1.2.3.4."),
+                                  std::string("0x7F000001"),
+                                  std::string("0X7f.1"),
+                                  std::string("a.0x"),
+                                  std::string("a.1")}) {
+    const ToolRun run = runTool({"reachable", host});
+    EXPECT_EQ(run.exitCode, 2) << host;
+    EXPECT_EQ(run.err.find("orlf reachable: HOST: expected a name or an address, got '"), 0U);
+    EXPECT_EQ(run.out, "");
+  }
+}
+
 TEST(ReachableCommand, AnswersForAddressesAndNames) {
   orlftest::ScriptedKernel kernel;
   const Replaced<reachability::HostResolver> resolver(

@@ -1,5 +1,6 @@
 #include <ORLFoundation/process/definition/internal/ORLFFindingText.h>
 
+#include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/process/engine/ORLFProcessStep.h>
 
 #include <memory>
@@ -10,14 +11,11 @@ namespace {
 
 constexpr std::size_t kMostBytes = 200;
 
-/// Whether a byte of UTF-8 goes on with a character.
-constexpr bool continues(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
-
 }  // namespace
 
 std::string shortened(std::string_view name, std::size_t most) {
   if (name.size() <= most) return std::string(name);
-  while (most > 0 && continues(name[most])) --most;
+  while (most > 0 && base::continuesUTF8Character(name[most])) --most;
   return std::string(name.substr(0, most)) + "...";
 }
 
@@ -30,7 +28,7 @@ std::string quotedFullName(const ORLFProcessStep& step) {
     text.insert(0, parent->identifier() + ".");
   if (text.size() <= kMostBytes) return '"' + text + '"';
   std::size_t begin = text.size() - kMostBytes;
-  while (begin < text.size() && continues(text[begin])) ++begin;
+  while (begin < text.size() && base::continuesUTF8Character(text[begin])) ++begin;
   return "\"..." + text.substr(begin) + '"';
 }
 
