@@ -29,11 +29,11 @@ class NSURLSessionConfiguration;
 
 class NSURLSession : public NSObject {
  public:
-  /// `sessionWithConfiguration:delegate:delegateQueue:`  null where no provider is installed; nil
-  /// for the configuration is the default one, nil for the queue a serial one of the session's own;
-  /// one that is given runs one operation at a time. The delegate is held while tasks run and until
-  /// invalidation is told, and by nothing else of the session's: whoever drops delegate and session
-  /// without invalidating leaves nothing behind.
+  /// `sessionWithConfiguration:delegate:delegateQueue:`  nil for the configuration is the default
+  /// one, nil for the queue a serial one of the session's own; one that is given runs one operation
+  /// at a time. null only where a provider that is installed gives none. The delegate is held while
+  /// tasks run and until invalidation is told, and by nothing else of the session's: whoever drops
+  /// delegate and session without invalidating leaves nothing behind.
   [[nodiscard]] static std::shared_ptr<NSURLSession> sessionWithConfiguration(
       std::shared_ptr<NSURLSessionConfiguration> configuration,
       std::shared_ptr<NSURLSessionDelegate> delegate,
@@ -48,7 +48,7 @@ class NSURLSession : public NSObject {
       const std::shared_ptr<NSURLRequest>& request) = 0;
   /// `invalidateAndCancel`  Cancels all tasks.
   virtual void invalidateAndCancel() = 0;
-  /// `finishTasksAndInvalidate`  Lets running tasks end.
+  /// `finishTasksAndInvalidate`  Lets running tasks end; cancels those that were never resumed.
   virtual void finishTasksAndInvalidate() = 0;
 
   [[nodiscard]] std::string className() const override { return "NSURLSession"; }

@@ -151,6 +151,22 @@ TEST(NSURLSessionThreads, FinishRunningTasksBeforeInvalidationIsTold) {
   EXPECT_EQ(loading.delegate->invalidations_, 1);
 }
 
+TEST(NSURLSessionThreads, CancelTasksThatWereNeverResumedBeforeInvalidationIsTold) {
+  Loading loading;
+  const auto idle = loading.session->dataTaskWithRequest(plainRequest("/echo"));
+  const auto running = loading.session->dataTaskWithRequest(plainRequest("/late/0.05"));
+  running->resume();
+  static_cast<void>(loading.session->downloadTaskWithRequest(plainRequest("/echo")));
+  loading.session->finishTasksAndInvalidate();
+  ASSERT_TRUE(loading.delegate->waitForInvalidation());
+  EXPECT_EQ(loading.delegate->completions(), 2U);
+  EXPECT_EQ(loading.delegate->record(1).code(), NSURLErrorCancelled);
+  EXPECT_EQ(loading.delegate->record(2).body, "late");
+  idle->resume();
+  idle->cancel();
+  EXPECT_EQ(loading.delegate->completions(), 2U);
+}
+
 TEST(NSURLSessionThreads, CancelAllTasksBeforeInvalidationIsTold) {
   for (const auto& queue :
        {std::shared_ptr<NSOperationQueue>(), std::make_shared<NSOperationQueue>()}) {
@@ -188,6 +204,25 @@ TEST(NSURLSessionThreads, CancelTasksThatAreMadeWhileTheyAreInvalidated) {
     EXPECT_EQ(loading.delegate->completions(), made);
     for (NSUInteger task = 1; task <= made; ++task)
       EXPECT_EQ(loading.delegate->record(task).code(), NSURLErrorCancelled);
+  }
+}
+
+TEST(NSURLSessionThreads, EndTasksThatBeginWhileTheyAreInvalidatedBeforeThatIsTold) {
+  const auto request = NSURLRequest::requestWithURL(NSURL::URLWithString("data:,inside"));
+  for (int round = 0; round < 200; ++round) {
+    Loading loading;
+    const auto task = loading.session->dataTaskWithRequest(request);
+    std::atomic<bool> begins{false};
+    std::thread resuming([&] {
+      begins = true;
+      task->resume();
+    });
+    while (!begins) std::this_thread::yield();
+    round % 2 == 0 ? loading.session->finishTasksAndInvalidate()
+                   : loading.session->invalidateAndCancel();
+    EXPECT_TRUE(loading.delegate->waitForInvalidation());
+    EXPECT_EQ(loading.delegate->completions(), 1U) << round;
+    resuming.join();
   }
 }
 

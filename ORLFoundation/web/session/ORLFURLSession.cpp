@@ -9,18 +9,24 @@
 #include <utility>
 
 namespace ORLFoundation {
+namespace {
+
+std::shared_ptr<NSOperationQueue> queueOr(std::shared_ptr<NSOperationQueue> queue) {
+  if (queue) return queue;
+  queue = std::make_shared<NSOperationQueue>();
+  queue->setMaxConcurrentOperationCount(1);
+  return queue;
+}
+
+}  // namespace
 
 std::shared_ptr<ORLFURLSession> ORLFURLSession::initWithConfiguration(
     std::shared_ptr<NSURLSessionConfiguration> configuration,
     std::shared_ptr<ORLFURLSessionDelegate> delegate,
     std::shared_ptr<NSOperationQueue> delegateQueue) {
   if (!configuration) configuration = NSURLSessionConfiguration::defaultSessionConfiguration();
-  if (!delegateQueue) {
-    delegateQueue = std::make_shared<NSOperationQueue>();
-    delegateQueue->setMaxConcurrentOperationCount(1);
-  }
-  auto made =
-      std::make_shared<ORLFURLSession>(Passkey(), std::move(delegate), std::move(delegateQueue));
+  auto made = std::make_shared<ORLFURLSession>(Passkey(), std::move(delegate),
+                                               queueOr(std::move(delegateQueue)));
   made->session_ = NSURLSession::sessionWithConfiguration(std::move(configuration), made, nullptr);
   return made;
 }
@@ -54,6 +60,8 @@ void ORLFURLSession::invalidateSessionCancelingTasks(bool cancelingTasks) {
 std::shared_ptr<NSURLSessionDataTask> ORLFURLSession::dataTaskWithRequest(
     const std::shared_ptr<NSURLRequest>& request, const Receiver& delegate) {
   if (sessionInvalidated()) return nullptr;
+  // Within the lock: where another thread invalidates the session the task may end at once.
+  const std::lock_guard guard(fields_->tasksLock);
   auto task = session_->dataTaskWithRequest(request);
   if (task) addReceiver(*task, delegate);
   return task;
@@ -62,6 +70,7 @@ std::shared_ptr<NSURLSessionDataTask> ORLFURLSession::dataTaskWithRequest(
 std::shared_ptr<NSURLSessionDownloadTask> ORLFURLSession::downloadTaskWithRequest(
     const std::shared_ptr<NSURLRequest>& request, const Receiver& delegate) {
   if (sessionInvalidated()) return nullptr;
+  const std::lock_guard guard(fields_->tasksLock);
   auto task = session_->downloadTaskWithRequest(request);
   if (task) addReceiver(*task, delegate);
   return task;
@@ -72,6 +81,15 @@ void ORLFURLSession::addReceiver(const NSURLSessionTask& task, const Receiver& r
   Receiver stored = receiver;
   const std::lock_guard guard(fields_->tasksLock);
   fields_->sessionTasks[task.taskIdentifier()].swap(stored);
+}
+
+ORLFURLSession::Receiver ORLFURLSession::takeReceiver(const NSURLSessionTask& task) {
+  const std::lock_guard guard(fields_->tasksLock);
+  const auto found = fields_->sessionTasks.find(task.taskIdentifier());
+  if (found == fields_->sessionTasks.end()) return nullptr;
+  Receiver receiver = std::move(found->second);
+  fields_->sessionTasks.erase(found);
+  return receiver;
 }
 
 void ORLFURLSession::taskDidFailAuthentication(const std::shared_ptr<ORLFURLSessionTask>& task,
@@ -118,7 +136,7 @@ std::shared_ptr<NSOperationQueue> ORLFURLSession::delegateQueue() const {
 }
 
 void ORLFURLSession::setDelegateQueue(std::shared_ptr<NSOperationQueue> value) {
-  fields_->exchange(fields_->delegateQueue, std::move(value));
+  fields_->exchange(fields_->delegateQueue, queueOr(std::move(value)));
 }
 
 std::shared_ptr<ORLFURLSessionLogger> ORLFURLSession::logger() const {

@@ -145,6 +145,7 @@ class ORLFURLSession : public NSObject,
   [[nodiscard]] std::shared_ptr<ORLFURLSessionDelegate> delegate() const;
   void setDelegate(std::shared_ptr<ORLFURLSessionDelegate> value);
   /// `delegateQueue`  Where the delegate is asked and, unless a task has another, handlers run.
+  /// null is replaced by a new queue that runs one operation at a time.
   [[nodiscard]] std::shared_ptr<NSOperationQueue> delegateQueue() const;
   void setDelegateQueue(std::shared_ptr<NSOperationQueue> value);
   [[nodiscard]] std::shared_ptr<ORLFURLSessionLogger> logger() const;
@@ -188,6 +189,8 @@ class ORLFURLSession : public NSObject,
 
   [[nodiscard]] std::shared_ptr<ORLFURLSession> self();
   void addReceiver(const NSURLSessionTask& task, const Receiver& receiver);
+  /// Takes it out of the table; null where it is not in it.
+  Receiver takeReceiver(const NSURLSessionTask& task);
   /// Calls the block with the receiver of a task's events, within the lock.
   template <class Delegate, class Block>
   void route(const std::shared_ptr<NSURLSessionTask>& task, const Block& block);

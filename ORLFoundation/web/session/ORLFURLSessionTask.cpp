@@ -89,7 +89,13 @@ void ORLFURLSessionTask::start() {
   }
   if (made) {
     changeValue("connection", [&] { fields_->exchange(fields_->connection, made); });
-    made->resume();
+    try {
+      made->resume();
+    } catch (...) {
+      session_->takeReceiver(*made);
+      changeValue("connection", [this] { fields_->exchange(fields_->connection, {}); });
+      throw;
+    }
   }
   if (!connection()) return;
   NSNotificationCenter::defaultCenter()->postNotificationName(

@@ -66,7 +66,9 @@ class ORLFURLSessionTask : public NSObject,
   ~ORLFURLSessionTask() override;
 
   /// `resume`  Starts a task that is ready. It stays ready where its session was invalidated. The
-  /// notification is posted before the state is running, and no answer is taken before that.
+  /// notification is posted before the state is running, and no answer is taken before that. What
+  /// the platform's task raises where there is no thread to load on goes to the caller, and the
+  /// task stays ready.
   void resume() override;
   /// `cancel`  Only for a running task, which then ends as any other, with what the platform tells
   /// of it. A task whose handler is at work is cancelled by name alone.

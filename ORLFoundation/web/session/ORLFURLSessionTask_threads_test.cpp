@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include <deque>
+#include <system_error>
 #include <thread>
 
 namespace ORLFoundation {
@@ -71,6 +72,56 @@ TEST_F(ORLFURLSessionTaskThreads, LosesNoAnswerThatComesBeforeItsStartIsOver) {
     EXPECT_EQ(task->result().as<NSMutableData>()->text(), "body");
     EXPECT_TRUE(session_->sessionTasks().empty());
   }
+}
+
+TEST_F(ORLFURLSessionTaskThreads, LosesNoEndThatComesAsSoonAsThePlatformHasMadeItsTask) {
+  for (const bool downloads : {false, true}) {
+    std::thread ending;
+    provider_at_once_ = nullptr;
+    provider_at_once_ = std::make_unique<ScriptedProvider>(
+        [&](const auto& platform, const std::string& call, auto number) {
+          if (!call.ends_with("TaskWithRequest:")) return;
+          ending = std::thread([platform, number] {
+            platform->tellCompleted(number, urlError(NSURLErrorCancelled));
+          });
+          std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        });
+    session_ = ORLFURLSession::initWithConfiguration(nullptr);
+    lines_.clear();
+    const auto task = notingTask();
+    if (downloads) task->setDestinationURL(NSURL::fileURLWithPath("/nowhere/file"));
+    task->resume();
+    ASSERT_TRUE(ending.joinable());
+    ending.join();
+    settle();
+    EXPECT_THAT(lines_, ElementsAre("ended in 0"));
+    EXPECT_EQ(task->state(), ORLURLSessionTaskStateCompleted);
+    EXPECT_TRUE(session_->sessionTasks().empty());
+  }
+}
+
+TEST_F(ORLFURLSessionTaskThreads, StaysReadyWhereThePlatformCannotBegin) {
+  bool hasThreads = false;
+  provider_at_once_ = std::make_unique<ScriptedProvider>(
+      [&](const auto&, const std::string& call, auto /*number*/) {
+        if (call == "resume" && !hasThreads)
+          throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
+      });
+  session_ = ORLFURLSession::initWithConfiguration(nullptr);
+  const auto token = hearStarts();
+  const auto task = notingTask();
+  EXPECT_THROW(task->resume(), std::system_error);
+  EXPECT_EQ(task->state(), ORLURLSessionTaskStateReady);
+  EXPECT_EQ(task->connection(), nullptr);
+  EXPECT_TRUE(session_->sessionTasks().empty());
+  task->waitUntilFinished();
+  EXPECT_TRUE(lines_.empty());
+  hasThreads = true;
+  task->resume();
+  EXPECT_THAT(lines_, ElementsAre("started"));
+  provider_at_once_->last()->tellCompleted(2);
+  settle();
+  EXPECT_EQ(task->state(), ORLURLSessionTaskStateCompleted);
 }
 
 TEST_F(ORLFURLSessionTaskThreads, TakesAnAnswerThatWasHeldBackWithinTheLockOfTheTableToo) {

@@ -41,10 +41,7 @@ void ORLFURLSession::URLSessionTaskDidCompleteWithError(
   route<NSURLSessionTaskDelegate>(task, [&](NSURLSessionTaskDelegate& receiver) {
     receiver.URLSessionTaskDidCompleteWithError(session, task, error);
   });
-  const auto found = fields_->sessionTasks.find(task->taskIdentifier());
-  if (found == fields_->sessionTasks.end()) return;
-  left.swap(found->second);
-  fields_->sessionTasks.erase(found);
+  left = takeReceiver(*task);
 }
 
 void ORLFURLSession::URLSessionTaskDidSendBodyData(const std::shared_ptr<NSURLSession>& session,

@@ -82,6 +82,29 @@ TEST(ORLFURLSessionOnLoopback, EndsACancelledTaskAndAnInvalidatedSession) {
   session->invalidateSessionCancelingTasks(true);
 }
 
+/// Between the making of the platform's task and its resuming.
+TEST(ORLFURLSessionOnLoopback, EndsATaskWhoseSessionIsInvalidatedWhileItStarts) {
+  for (const bool cancels : {false, true}) {
+    const auto session = ORLFURLSession::initWithConfiguration(nullptr);
+    const auto logger = std::make_shared<orlftest::TellingLogger>();
+    logger->request = [&](const auto&) {
+      session->invalidateSessionCancelingTasks(cancels);
+      // Time for the platform to tell of it.
+      std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    };
+    session->setLogger(logger);
+    const auto code = std::make_shared<std::atomic<NSInteger>>(0);
+    const auto task = session->taskWithRequest(
+        NSURLRequest::requestWithURL(NSURL::URLWithString("data:,inside")),
+        [code](const auto&, const auto& error) { *code = error ? error->code() : 1; });
+    task->resume();
+    EXPECT_TRUE(orlftest::becomes([&] { return task->state() == ORLURLSessionTaskStateCompleted; }))
+        << cancels;
+    EXPECT_EQ(*code, NSURLErrorCancelled);
+    EXPECT_TRUE(session->sessionTasks().empty());
+  }
+}
+
 /// Sessions that are dropped while they are at work, on any thread, uninvalidated.
 TEST(ORLFURLSessionOnLoopback, GoesOnToTheEndWhenItIsDropped) {
   RealServer server;

@@ -153,6 +153,15 @@ TEST_F(ORLFURLSessionTest, AsksOnItsDelegateQueueTheDelegateOfThatMoment) {
   EXPECT_THAT(counts, ElementsAre(0U));
 }
 
+TEST_F(ORLFURLSessionTest, HasADelegateQueueWhateverItIsGiven) {
+  const auto before = session_->delegateQueue();
+  session_->setDelegateQueue(nullptr);
+  ASSERT_NE(session_->delegateQueue(), nullptr);
+  EXPECT_NE(session_->delegateQueue(), before);
+  EXPECT_EQ(session_->delegateQueue()->maxConcurrentOperationCount(), 1);
+  EXPECT_EQ(dataTask()->completionQueue(), session_->delegateQueue());
+}
+
 TEST_F(ORLFURLSessionTest, TellsNobodyWithoutALogger) {
   const auto task = dataTask();
   session_->sessionTaskLogDataRequest(task, request_);

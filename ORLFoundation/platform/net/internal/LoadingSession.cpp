@@ -56,8 +56,8 @@ void LoadingSession::invalidate() {
   loader_->give(std::move(order));
 }
 
-std::vector<std::shared_ptr<NSURLSessionTask>> LoadingSession::close() {
-  std::vector<std::shared_ptr<NSURLSessionTask>> tasks;
+std::vector<std::shared_ptr<LoadingTask>> LoadingSession::close() {
+  std::vector<std::shared_ptr<LoadingTask>> tasks;
   const std::lock_guard guard(lock_);
   isClosed_ = true;
   for (const auto& [identifier, task] : tasks_)
@@ -67,12 +67,13 @@ std::vector<std::shared_ptr<NSURLSessionTask>> LoadingSession::close() {
 
 // Closed first: a task that another thread makes meanwhile would not be cancelled.
 void LoadingSession::invalidateAndCancel() {
-  for (const auto& task : close()) task->cancel();
+  for (const auto& task : close()) task->stop(task);
   invalidate();
 }
 
+// One that began later would end after the last event.
 void LoadingSession::finishTasksAndInvalidate() {
-  static_cast<void>(close());
+  for (const auto& task : close()) task->stopUnlessBegun(task);
   invalidate();
 }
 

@@ -44,7 +44,7 @@ class LoadingSession final : public NSURLSession {
   template <class Task>
   [[nodiscard]] std::shared_ptr<Task> makeTask(const std::shared_ptr<NSURLRequest>& request);
   /// No task is made any more. Gives those that have not ended.
-  [[nodiscard]] std::vector<std::shared_ptr<NSURLSessionTask>> close();
+  [[nodiscard]] std::vector<std::shared_ptr<LoadingTask>> close();
   /// Tells the loader, once.
   void invalidate();
 
@@ -55,7 +55,7 @@ class LoadingSession final : public NSURLSession {
   bool isClosed_ = false;
   bool isInvalidated_ = false;  ///< Whether the loader knows.
   NSUInteger lastIdentifier_ = 0;
-  std::map<NSUInteger, std::weak_ptr<NSURLSessionTask>> tasks_;  ///< Those that have not ended.
+  std::map<NSUInteger, std::weak_ptr<LoadingTask>> tasks_;  ///< Those that have not ended.
 };
 
 }  // namespace ORLFoundation::internal::net

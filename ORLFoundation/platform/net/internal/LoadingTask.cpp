@@ -44,20 +44,17 @@ LoadingTask::end() {
 }
 
 void LoadingTask::begin(const std::shared_ptr<LoadingTask>& self) {
-  std::shared_ptr<LoadingSession> session;
-  {
-    const std::lock_guard guard(lock_);
-    if (state_ != State::Made) return;
-    state_ = State::Running;
-    session = session_;
-    delegate_ = session->delegate();
-  }
+  std::shared_ptr<NSURLSessionDelegate> left;  // Outlives the lock.
+  const std::lock_guard guard(lock_);
+  if (state_ != State::Made) return;
+  state_ = State::Running;
+  delegate_ = session_->delegate();
   try {
-    session->loader().give({LoaderOrder::Start, self});
+    // Within the lock: who finds the task running finds it ordered too.
+    session_->loader().give({LoaderOrder::Start, self});
   } catch (...) {
-    const std::lock_guard guard(lock_);
     state_ = State::Made;
-    delegate_.reset();
+    left.swap(delegate_);
     throw;
   }
 }
@@ -71,6 +68,15 @@ void LoadingTask::stop(const std::shared_ptr<LoadingTask>& self) {
   }
   begin(self);
   session->loader().give({LoaderOrder::Stop, self});
+}
+
+void LoadingTask::stopUnlessBegun(const std::shared_ptr<LoadingTask>& self) {
+  {
+    const std::lock_guard guard(lock_);
+    if (state_ != State::Made) return;
+    isCancelled_ = true;
+  }
+  begin(self);
 }
 
 }  // namespace ORLFoundation::internal::net

@@ -42,9 +42,13 @@ class LoadingTask {
   [[nodiscard]] std::pair<std::shared_ptr<LoadingSession>, std::shared_ptr<NSURLSessionDelegate>>
   end();
 
- protected:
+  // With the task itself. Each raises `std::system_error` where the session gets no thread.
   void begin(const std::shared_ptr<LoadingTask>& self);
   void stop(const std::shared_ptr<LoadingTask>& self);
+  /// A task that has begun goes on.
+  void stopUnlessBegun(const std::shared_ptr<LoadingTask>& self);
+
+ protected:
   [[nodiscard]] NSUInteger identifier() const noexcept { return identifier_; }
   [[nodiscard]] std::int64_t received() const noexcept { return received_; }
   [[nodiscard]] std::int64_t expected() const noexcept { return expected_; }
