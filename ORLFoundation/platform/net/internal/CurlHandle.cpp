@@ -53,7 +53,8 @@ CurlPattern::~CurlPattern() {
   curl_slist_free_all(encodings_);
 }
 
-CurlHandle::CurlHandle(const CurlPattern& pattern) : handle_(curl_easy_duphandle(pattern.get())) {
+CurlHandle::CurlHandle(const CurlPattern& pattern)
+    : handle_(pattern.get() == nullptr ? nullptr : curl_easy_duphandle(pattern.get())) {
   reason_.front() = '\0';
   set(CURLOPT_ERRORBUFFER, reason_.data());
 }

@@ -32,6 +32,7 @@ class CurlPattern {
   CurlPattern(const CurlPattern&) = delete;
   CurlPattern& operator=(const CurlPattern&) = delete;
 
+  /// null where there was no memory for it.
   [[nodiscard]] CURL* get() const noexcept { return handle_; }
   template <class Value>
   void set(CURLoption option, Value value) const noexcept {
@@ -51,6 +52,7 @@ class CurlHandle {
   CurlHandle(const CurlHandle&) = delete;
   CurlHandle& operator=(const CurlHandle&) = delete;
 
+  /// null where there was no memory for it.
   [[nodiscard]] CURL* get() const noexcept { return handle_; }
   template <class Value>
   void set(CURLoption option, Value value) const noexcept {

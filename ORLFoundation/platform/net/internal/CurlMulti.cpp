@@ -72,7 +72,7 @@ void CurlMulti::forget(curl_socket_t socket) noexcept {
 
 void CurlMulti::runDue() noexcept {
   int running = 0;
-  curl_multi_socket_action(multi_, CURL_SOCKET_TIMEOUT, 0, &running);
+  if (multi_ != nullptr) curl_multi_socket_action(multi_, CURL_SOCKET_TIMEOUT, 0, &running);
 }
 
 void CurlMulti::wait(std::chrono::milliseconds longest) {

@@ -24,6 +24,7 @@ class CurlMulti {
   CurlMulti(const CurlMulti&) = delete;
   CurlMulti& operator=(const CurlMulti&) = delete;
 
+  /// null where there was no memory for it: then there are no transfers.
   [[nodiscard]] CURLM* get() const noexcept { return multi_; }
   /// Whether `wake` is of use: not where the process had no descriptor left.
   [[nodiscard]] bool canBeWoken() const noexcept { return wakening().fd >= 0; }

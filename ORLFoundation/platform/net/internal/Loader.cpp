@@ -106,6 +106,7 @@ void Loader::openMulti() {
 
 void Loader::closeMulti() {
   localLoads_.clear();
+  unsent_.clear();
   servers_.clear();
   transfers_.clear();
   invalidations_.clear();
@@ -154,6 +155,8 @@ void Loader::start(const std::shared_ptr<LoadingTask>& task) {
     localLoads_.push_back(local.get());
     transfer = std::move(local);
   } else {
+    // There was no memory for it before, and so nothing runs in it.
+    if (multi() == nullptr || pattern_->get() == nullptr) openMulti();
     std::string origin = std::move(plan.origin);
     transfer = std::make_unique<Exchange>(*this, task, std::move(recipient), std::move(plan));
     transfer->origin = std::move(origin);
@@ -215,7 +218,13 @@ void Loader::finish(const std::shared_ptr<LoadingTask>& task,
 void Loader::endTransfers() {
   while (const auto ended = multi_->nextEnded())
     Exchange::ofHandle(ended->handle).ended(ended->result);
+  // Each makes place for another one, which may be of this kind too.
+  while (!unsent_.empty())
+    for (const auto& task : std::exchange(unsent_, {}))
+      finish(task, failure(NSURLErrorUnknown, "There is no memory for it."));
 }
+
+void Loader::cannotSend(std::shared_ptr<LoadingTask> task) { unsent_.push_back(std::move(task)); }
 
 void Loader::stepLocalLoads() {
   const std::vector<LocalLoad*> loads = localLoads_;
@@ -253,6 +262,7 @@ void Loader::tellInvalidation() {
 
 /// Whether the thread may sleep until it is woken.
 bool Loader::fallAsleep() {
+  if (!unsent_.empty()) return false;
   if (std::any_of(localLoads_.begin(), localLoads_.end(),
                   [](const LocalLoad* load) { return load->isReady(); }))
     return false;

@@ -65,6 +65,8 @@ class Loader final : public LoaderWork, public std::enable_shared_from_this<Load
   [[nodiscard]] const CurlPattern& pattern() const noexcept { return *pattern_; }
   /// A transfer is to be asked at this time whether it is due.
   void askAt(std::chrono::steady_clock::time_point time) noexcept;
+  /// Ends the task's transfer, for which there is no memory, soon: nothing may end while it begins.
+  void cannotSend(std::shared_ptr<LoadingTask> task);
   /// Ends the task's transfer and destroys it.
   void finish(const std::shared_ptr<LoadingTask>& task, std::shared_ptr<const NSError> error);
 
@@ -114,7 +116,8 @@ class Loader final : public LoaderWork, public std::enable_shared_from_this<Load
   std::unordered_map<const LoadingTask*, std::unique_ptr<Transfer>> transfers_;
   std::map<std::string, Server> servers_;
   std::vector<LocalLoad*> localLoads_;
-  std::chrono::steady_clock::time_point lookedAt_;  ///< When sockets were last asked for news.
+  std::vector<std::shared_ptr<LoadingTask>> unsent_;  ///< Tasks that cannot be sent.
+  std::chrono::steady_clock::time_point lookedAt_;    ///< When sockets were last asked for news.
   std::chrono::steady_clock::time_point nextQuestion_ =
       std::chrono::steady_clock::time_point::max();
 };
