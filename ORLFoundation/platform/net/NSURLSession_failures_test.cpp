@@ -105,7 +105,8 @@ TEST_F(NSURLSessionFailures, AreLengthsOfWhichEachReaderMakesAnother) {
         "Content-Length:+5x", "Content-Length:+5,x", "Content-Length:+5.0",
         "Content-Length:", "Content-Length:+,5", "Content-Length:+9223372036854775808",
         "Content-Length+:+5", "Content-Length:%0D%0A+5", "Content-Length:+5%0D%0A+",
-        "Transfer-Encoding+:+chunked", "Transfer-Encoding:%0D%0A+chunked"}) {
+        "Transfer-Encoding+:+chunked", "Transfer-Encoding:%0D%0A+chunked",
+        "Content-Length:+5%0D%0AHTTP/1.1+200:+OK%0D%0AContent-Length:+3"}) {
     const TaskRecord record = told(lengths);
     EXPECT_EQ(record.code(), NSURLErrorBadServerResponse) << lengths;
     EXPECT_EQ(record.body, "") << lengths;

@@ -121,6 +121,8 @@ TEST(NSURLSessionRedirects, ToTwoPlacesAreRefused) {
   }
   EXPECT_EQ(led("Location:+/status/204%0D%0Alocation+:+/status/204").status(), 204);
   EXPECT_EQ(led("Location:+/echo%0D%0ALocation:+/status/204", "201").body, "ok");
+  // A field that looks like a status is none.
+  EXPECT_EQ(led("Location:+/status/204%0D%0AHTTP/1.1+200:+OK").status(), 204);
 }
 
 TEST(NSURLSessionRedirects, PassOverTheirBodies) {

@@ -25,9 +25,10 @@ bool AnswerHead::take(std::string_view line) {
   if (size_ > kMostBytes) return false;
   if (isWhole_) return true;
   while (!line.empty() && (line.back() == '\r' || line.back() == '\n')) line.remove_suffix(1);
+  const bool isFirst = std::exchange(isFirst_, line.empty());
   if (line.empty()) {
     isWhole_ = status_ >= 200;
-  } else if (line.substr(0, 5) == "HTTP/") {
+  } else if (isFirst && line.substr(0, 5) == "HTTP/") {
     begin(line);
   } else if (line.front() == ' ' || line.front() == '\t') {
     return fold(trimmed(line));

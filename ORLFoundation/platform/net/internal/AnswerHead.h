@@ -43,6 +43,7 @@ class AnswerHead {
   [[nodiscard]] bool fold(std::string_view more);
 
   std::size_t size_ = 0;
+  bool isFirst_ = true;  ///< Whether the next line is a head's first; no other one is a status.
   bool isWhole_ = false;
   long status_ = 0;
   std::string version_;

@@ -44,7 +44,7 @@ TEST(AnswerHead, ReadsStatusVersionAndFields) {
   EXPECT_EQ(head.fields(), (NSHTTPHeaderFields{{"A", "1"}, {"B", "2"}}));
   EXPECT_EQ(headOf("HTTP/2 200\r\n\r\n").version(), "HTTP/2");
   EXPECT_FALSE(headOf("HTTP/1.1 200 OK\r\nA: 1\r\n").isWhole());
-  for (const char* none : {"HTTP/1.1 200 OK\r\nHTTP/1.1 x\r\n", "HTTP/1.1\r\n"})
+  for (const char* none : {"HTTP/1.1 103 Hints\r\n\r\nHTTP/1.1 x\r\n", "HTTP/1.1\r\n"})
     EXPECT_EQ(headOf(none).status(), 0) << none;
 }
 
@@ -61,6 +61,14 @@ TEST(AnswerHead, PassesOverInterimAnswersAndTrailers) {
   EXPECT_TRUE(head.isWhole());
   EXPECT_EQ(head.status(), 200);
   EXPECT_EQ(head.fields(), (NSHTTPHeaderFields{{"B", "2"}}));
+}
+
+TEST(AnswerHead, HasItsStatusInItsFirstLineAlone) {
+  const AnswerHead head = headOf(
+      "HTTP/1.1 201 Made\r\nA: 1\r\nHTTP/1.0 404 Not Found\r\n x\r\nHTTP/x: 2\r\nB: 3\r\n\r\n");
+  EXPECT_EQ(head.status(), 201);
+  EXPECT_EQ(head.version(), "HTTP/1.1");
+  EXPECT_EQ(head.fields(), (NSHTTPHeaderFields{{"A", "1"}, {"B", "3"}, {"HTTP/x", "2"}}));
 }
 
 TEST(AnswerHead, ReadsOtherBytesAsLatin1) {
