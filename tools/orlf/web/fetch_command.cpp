@@ -90,13 +90,17 @@ class Retries final : public ORLFURLSessionDelegate {
                    NSError::errorWithDomain(NSURLErrorDomain, NSURLErrorUserAuthenticationRequired,
                                             userInfo()));
   }
-  /// The task's request with the next field; null where there is none left.
+  /// The task's request with the fields up to the next one; null where there is none left. A
+  /// request without the last one that was tried gets that first: HEAD may have been let in by it.
   [[nodiscard]] std::shared_ptr<NSURLRequest> next(const ORLFURLSessionTask& task) {
-    if (tried_ == std::min(fields_.size(), kMostRetries)) return nullptr;
-    const HeaderField& field = fields_[tried_++];
-    const auto changed =
-        std::static_pointer_cast<NSMutableURLRequest>(task.request()->mutableCopy());
-    changed->setValue(field.value, field.name);
+    const auto request = task.request();
+    if (tried_ == 0 ||
+        request->valueForHTTPHeaderField(fields_[tried_ - 1].name) == fields_[tried_ - 1].value) {
+      if (tried_ == std::min(fields_.size(), kMostRetries)) return nullptr;
+      ++tried_;
+    }
+    const auto changed = std::static_pointer_cast<NSMutableURLRequest>(request->mutableCopy());
+    for (std::size_t i = 0; i < tried_; ++i) changed->setValue(fields_[i].value, fields_[i].name);
     return copyOf<NSURLRequest>(changed);
   }
 
@@ -120,6 +124,8 @@ class Fetch {
       : session_(session), arguments_(arguments), url_(readAddressArgument(arguments.url)) {
     if (arguments.ifNewer && !arguments.output)
       throw UsageFailure("--if-newer: give the file to compare with by -o FILE");
+    if (arguments.ifNewer && !isWebAddress(url_))
+      throw UsageFailure("--if-newer: only servers tell what is newer, so give http or https");
     if (!arguments.masks.empty() && !arguments.log)
       throw UsageFailure("--mask: nothing is logged without --log FILE");
     if (std::ranges::count(arguments.masks, "") > 0)

@@ -139,18 +139,44 @@ TEST_F(FetchCommand, RetriesThreeTimesAtMost) {
   }
 }
 
+/// What HEAD was let in with is not in the request that follows.
+TEST_F(FetchCommand, TriesWhatHeadWasLetInWithForTheFileToo) {
+  write("file", "old");
+  Json guarded = answerOf("new", "Tue, 01 Jan 2199 00:00:00 GMT");
+  guarded["authorized"] = "Bearer two";
+  std::vector<std::string> words{"fetch",      url("/a"),      "-o",
+                                 path("file"), "--if-newer",   "--retry-auth",
+                                 "X-Key: one", "--retry-auth", "Authorization: Bearer two"};
+  script(std::vector<Json>(5, guarded));
+  const auto run = runTool(words);
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_EQ(read("file"), "new");
+  EXPECT_EQ(server().seen().size(), 5U);  // HEAD three times, GET twice.
+  // It may be refused for the file all the same.
+  Json closed = guarded;
+  closed["authorized"] = "Bearer other";
+  script({guarded, guarded, guarded, closed, closed, closed});
+  const auto refused = runTool(words);
+  EXPECT_EQ(refused.exitCode, 1);
+  EXPECT_THAT(refused.err, HasSubstr("the server answered 401"));
+  EXPECT_EQ(server().seen().size(), 5U);
+  EXPECT_EQ(read("file"), "new");
+  EXPECT_THAT(names(), ElementsAre("file"));
+}
+
 TEST_F(FetchCommand, SendsHeadersAndLogsNoSecret) {
   write("header", "Authorization: Bearer hunter2hunter2\nAccept: text/csv, text/plain\n");
   Json guarded = answer(200, R"({"password":"a,b","n":1,"echo":"hunter2hunter2"})");
   guarded["authorized"] = "Bearer hunter2hunter2";
   script({guarded});
-  const auto run = runTool({"fetch", url("/a?token=abc,def&n=1"), "--header", "@" + path("header"),
+  const auto run = runTool({"fetch", url("/a?token=xyz,uvw&n=1"), "--header", "@" + path("header"),
                             "--log", path("log"), "--mask", "password,token"});
   EXPECT_EQ(run.exitCode, 0) << run.err;
   const std::string log = read("log");
   EXPECT_THAT(log, HasSubstr("GET " + url("/a?token=***&n=1")));
   EXPECT_THAT(log, HasSubstr(R"({"password":"***","n":1,"echo":"***"})"));
-  for (const char* secret : {"hunter2", "a,b", "abc", "def"})
+  // None is of hexadecimal digits alone: the log shows addresses of objects.
+  for (const char* secret : {"hunter2", "a,b", "xyz", "uvw"})
     EXPECT_THAT(log, Not(HasSubstr(secret)));
 }
 
@@ -218,6 +244,8 @@ TEST_F(FetchCommand, RefusesWhatMakesNoSense) {
       {"fetch", "ftp://example.com/a"},
       {"fetch", "http:///a"},
       {"fetch", url("/a"), "--if-newer"},
+      {"fetch", "data:,secret", "-o", path("new"), "--if-newer"},
+      {"fetch", "file:///dev/null", "-o", path("new"), "--if-newer"},
       {"fetch", url("/a"), "--mask", "x"},
       {"fetch", url("/a"), "--header", "no colon secret"},
       {"fetch", url("/a"), "--header", "A: b\r\nC: secret"},

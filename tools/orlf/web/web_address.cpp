@@ -29,8 +29,7 @@ NSURL readAddressArgument(const std::string& text) {
   const auto url = NSURL::URLWithString(text);
   const std::string scheme = url ? lowerScheme(*url) : "";
   const bool isKnown = std::find(kSchemes.begin(), kSchemes.end(), scheme) != kSchemes.end();
-  const bool isWeb = scheme.starts_with("http");
-  if (isKnown && (!isWeb || !url->host().value_or("").empty())) return *url;
+  if (isKnown && (!isWebAddress(*url) || !url->host().value_or("").empty())) return *url;
   throw UsageFailure(
       "URL: expected an address such as https://example.com/rates.csv, or of file: or data:");
 }
@@ -47,6 +46,8 @@ std::string passwordOf(const NSURL& url) {
   const std::string password = authority.substr(colon + 1, end - colon - 1);
   return stringByRemovingPercentEncoding(password).value_or(password);
 }
+
+bool isWebAddress(const NSURL& url) { return lowerScheme(url).starts_with("http"); }
 
 bool isDataAddress(const NSURL& url) { return lowerScheme(url) == "data"; }
 
