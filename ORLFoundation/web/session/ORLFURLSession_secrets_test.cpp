@@ -190,7 +190,8 @@ TEST_F(SessionSecrets, ArePasswordsTokensAndCookiesOfALogIn) {
   const auto logIn =
       NSMutableURLRequest::requestWithURL(NSURL::URLWithString(server_.base() + "/login"));
   logIn->setHTTPMethod("POST");
-  logIn->setHTTPBody(NSData(R"({"user":"ann","password":")" + password + R"(","pin":4711})"));
+  logIn->setHTTPBody(
+      NSData(R"({"user":"ann","password":")" + password + R"(","pin":471108150815})"));
   send({{"status", 200},
         {"headers", {{"Set-Cookie", "session=" + cookie}}},
         {"body", R"({"token":")" + token + R"(","cookie":"session=)" + cookie + "\"}"}},
@@ -206,7 +207,7 @@ TEST_F(SessionSecrets, ArePasswordsTokensAndCookiesOfALogIn) {
   EXPECT_THAT(log, HasSubstr(R"({"user":"ann","password":"***","pin":"***"})"));
   EXPECT_THAT(log, HasSubstr(R"({"token":"***","cookie":"session=***"})"));
   EXPECT_THAT(log, HasSubstr("GET " + server_.base() + "/list?token=***&n=1\n"));
-  for (const std::string& secret : {password, token, cookie, std::string("4711")}) {
+  for (const std::string& secret : {password, token, cookie, std::string("471108150815")}) {
     EXPECT_THAT(log, Not(HasSubstr(secret)));
     EXPECT_THAT(texts_, Not(HasSubstr(secret)));
   }
