@@ -3,6 +3,7 @@
 #include <ORLFoundation/platform/files/NSFileErrors.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/plist/NSPropertyListSerialization.h>
+#include <ORLFoundation/security/primitives/ORLFCryptography.h>
 #include <ORLFoundation/security/store/ORLFEncryptedStore_testing.h>
 #include <ORLFoundation/security/store/internal/StoreLock.h>
 #include <gmock/gmock.h>
@@ -120,6 +121,71 @@ TEST_F(CheckedStore, TellsMissingPartsAndOtherContents) {
   ASSERT_TRUE(Store::writeEncryptedPropertyList(
       NSArray::arrayWithObjects({"a list that holds no dictionary"}), url(), "pw"));
   EXPECT_EQ(check(), ORLFEncryptedStoreDamaged);
+}
+
+/// So many times a text.
+std::string times(std::size_t count, std::string_view text) {
+  std::string all;
+  while (count-- > 0) all += text;
+  return all;
+}
+
+/// A list that ends with a tail and takes whole blocks with it.
+std::string listBefore(std::string_view tail) {
+  const std::string begin = "<plist><dict></dict>" + times(40, " "), end = "</plist>";
+  const std::size_t size = begin.size() + end.size() + tail.size();
+  return begin + times((16 - size % 16) % 16, " ") + end + std::string(tail);
+}
+
+TEST_F(CheckedStore, TakesPaddingThatIsWholeAndTextOfThreeQuarters) {
+  struct Row {
+    std::string plain;
+    ORLFEncryptedStoreFinding finding;
+  };
+  const std::string noText = times(16, "\1");
+  const Row rows[] = {
+      {listBefore("\2\2"), ORLFEncryptedStoreOpens},
+      {listBefore(times(16, "\x10")), ORLFEncryptedStoreOpens},
+      // What could be cut off as padding is none.
+      {listBefore(times(9, " ") + "\n"), ORLFEncryptedStoreDamaged},
+      {listBefore(times(32, " ")), ORLFEncryptedStoreDamaged},
+      {times(64, "a"), ORLFEncryptedStoreDamaged},
+      {times(48, "a"), ORLFEncryptedStoreWrongPasswordOrDamaged},
+      {times(48, "a") + noText, ORLFEncryptedStoreDamaged},
+      {times(47, "a") + "\1" + noText, ORLFEncryptedStoreWrongPasswordOrDamaged},
+      {times(16, "\t\n\r") + noText, ORLFEncryptedStoreDamaged},
+      {times(48, " ") + noText, ORLFEncryptedStoreDamaged},
+      {times(24, "\u00E9") + noText, ORLFEncryptedStoreDamaged},
+      {times(64, "\x7F"), ORLFEncryptedStoreWrongPasswordOrDamaged},
+      {times(64, "\x1F"), ORLFEncryptedStoreWrongPasswordOrDamaged},
+      {times(64, "\xE9"), ORLFEncryptedStoreWrongPasswordOrDamaged},
+  };
+  const auto list = outerList();
+  const NSData salt = *list->objectForKey("salt").as<NSData>();
+  const NSData vector = *list->objectForKey("iv").as<NSData>();
+  const NSData key = ORLFCryptography::keyWithLength(16, "pw", salt, 1000);
+  for (const Row& row : rows) {
+    const NSData plain{std::string_view(row.plain)};
+    Bytes sealed(plain.length());
+    std::size_t length = 0;
+    ASSERT_EQ(CCCrypt({.operation = kCCEncrypt,
+                       .algorithm = kCCAlgorithmAES,
+                       .options = 0,
+                       .key = key.bytes(),
+                       .initializationVector = vector.bytes(),
+                       .input = plain.bytes(),
+                       .output = sealed},
+                      length),
+              kCCSuccess)
+        << row.plain;
+    list->setObject(NSData(std::move(sealed)), "data");
+    writeOuter(list);
+    EXPECT_EQ(check(), row.finding) << row.plain;
+    // What opens is what is read.
+    const id outer = NSPropertyListSerialization::propertyListWithData(NSData(read("store")), 0);
+    EXPECT_EQ(!contentOf().isNil() && contentOf() != outer, row.finding == ORLFEncryptedStoreOpens)
+        << row.plain;
+  }
 }
 
 TEST_F(CheckedStore, SaysWhyAFileCannotBeRead) {

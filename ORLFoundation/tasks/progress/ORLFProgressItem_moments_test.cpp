@@ -145,6 +145,8 @@ TEST_F(ORLFProgressItemMoments, AChildHasItsParentAndItsMaximumBeforeItIsListed)
 
 TEST_F(ORLFProgressItemMoments, WhatIsShownWaitsForTheTreesLockAndPlainNumbersDoNot) {
   const auto child = root->childProgressItemWithTotalCount(3);
+  const auto stranger = std::make_shared<ORLFProgressItem>();
+  const auto empty = std::make_shared<ORLFProgressIndicator>();
   const std::function<void()> reads[] = {
       [&] { static_cast<void>(root->currentValue()); },
       [&] { static_cast<void>(root->currentMinValue()); },
@@ -158,7 +160,20 @@ TEST_F(ORLFProgressItemMoments, WhatIsShownWaitsForTheTreesLockAndPlainNumbersDo
       [&] { static_cast<void>(indicator->isDisplayingProgressItem(root)); },
       [&] { static_cast<void>(indicator->isProgressItemVisible(nullptr)); },
       [&] { child->progressValuesDidChange(); },
-      [&] { root->currentProgressDidChangeForItem(child); }};
+      [&] { root->currentProgressDidChangeForItem(child); },
+      // One lock serves all trees.
+      [&] { static_cast<void>(stranger->parent()); },
+      [&] { static_cast<void>(stranger->currentChild()); },
+      [&] { stranger->addToIndicator(); },
+      [&] { stranger->removeFromIndicator(); },
+      [&] { stranger->progressValuesWillChangeForItem(nullptr); },
+      [&] { stranger->progressValuesDidChangeForItem(nullptr); },
+      [&] { stranger->currentProgressWillChangeForItem(nullptr); },
+      [&] { stranger->currentProgressDidChangeForItem(nullptr); },
+      [&] { empty->displayProgressItem(nullptr); },
+      [&] { empty->removeProgressItem(nullptr); },
+      [&] { empty->progressValuesDidChangeForItem(nullptr); },
+      [&] { empty->currentProgressWillChangeForItem(nullptr); }};
   std::vector<std::thread> threads;
   std::atomic<std::size_t> returned{0};
   std::size_t returnedInside = 0;
@@ -182,6 +197,35 @@ TEST_F(ORLFProgressItemMoments, WhatIsShownWaitsForTheTreesLockAndPlainNumbersDo
   for (std::thread& each : threads) each.join();
   EXPECT_EQ(returnedInside, 0U);
   EXPECT_EQ(returned, std::size(reads));
+}
+
+TEST_F(ORLFProgressItemMoments, BindingWaitsWhileTheOutsideProgressReports) {
+  const auto progress = NSProgress::discreteProgressWithTotalUnitCount(4);
+  const auto other = NSProgress::discreteProgressWithTotalUnitCount(4);
+  const auto item = std::make_shared<ORLFProgressItem>();
+  item->bindToProgress(progress);
+  std::vector<std::thread> threads;
+  std::atomic<int> returned{0};
+  int returnedInside = -1;
+  const auto token =
+      item->addObserver("message", NSKeyValueObservingOptionNew, [&](const NSKeyValueChange&) {
+        threads.emplace_back([&] {
+          item->bindToProgress(other);
+          ++returned;
+        });
+        threads.emplace_back([&] {
+          item->unbindFromProgress(other);
+          ++returned;
+        });
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        returnedInside = returned;
+      });
+  progress->setLocalizedDescription("Copying");
+  for (std::thread& each : threads) each.join();
+  EXPECT_EQ(returnedInside, 0);
+  EXPECT_EQ(returned, 2);
+  EXPECT_EQ(item->boundProgress(), progress);
+  item->unbindFromProgress(progress);
 }
 
 /// Writes down that it dies.
