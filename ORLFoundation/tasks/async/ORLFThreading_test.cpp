@@ -2,6 +2,7 @@
 
 #include <ORLFoundation/platform/dispatch/NSMainQueue.h>
 #include <ORLFoundation/platform/dispatch/NSMainQueue_testing.h>
+#include <ORLFoundation/platform/dispatch/NSRunLoop.h>
 #include <ORLFoundation/platform/dispatch/NSThread.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/object/Id.h>
@@ -198,6 +199,32 @@ TEST_F(ORLFThreadingTest, ObjectsThatAreHandedOverDieOnTheMainThreadTogether) {
   EXPECT_EQ(onMain, 400);
   loop_.runReady();
   EXPECT_EQ(onMain, 401) << "the next batch is scheduled anew";
+}
+
+TEST_F(ORLFThreadingTest, ReleasesBeforeWhatIsPerformedAfterIt) {
+  struct Told final : NSObject {
+    explicit Told(std::string& text) : order(text) {}
+    Told(const Told&) = delete;
+    Told& operator=(const Told&) = delete;
+    ~Told() override { order += "released "; }
+    std::string& order;
+  };
+  std::string order;
+  const auto perform = [&](std::uint64_t place, const char* text) {
+    NSRunLoop::mainRunLoop()->performSelector(
+        {.selector = NSSelector("tell", [&order, text](const std::shared_ptr<NSObject>&,
+                                                       const id&) { order += text; }),
+         .target = object_,
+         .argument = nullptr,
+         .order = place,
+         .modes = {NSDefaultRunLoopMode}});
+  };
+  perform(1, "last ");
+  perform(0, "first ");
+  orlfReleaseOnMainThread(std::make_shared<Told>(order));
+  perform(0, "then ");
+  loop_.runReady();
+  EXPECT_EQ(order, "first released then last ");
 }
 
 /// Hands over another object when it dies.

@@ -6,6 +6,8 @@
 #include <ORLFoundation/tasks/progress/ORLFProgressIndicator_testing.h>
 #include <gmock/gmock.h>
 
+#include <atomic>
+#include <chrono>
 #include <cmath>
 #include <memory>
 #include <string>
@@ -257,6 +259,62 @@ TEST_F(ORLFProgressIndicatorTest, DestroysNothingInsideItsQueue) {
     EXPECT_TRUE(weak.expired());
   }
   EXPECT_EQ(outside, 3);
+}
+
+/// Writes down where it dies, and that it is asked for the hold of a removal.
+struct MortalIndicator final : ORLFProgressIndicator {
+  explicit MortalIndicator(std::vector<std::string>& told) : seen(told) {}
+  MortalIndicator(const MortalIndicator&) = delete;
+  MortalIndicator& operator=(const MortalIndicator&) = delete;
+  ~MortalIndicator() override {
+    const char* const label = dispatch_queue_get_label(DISPATCH_CURRENT_QUEUE_LABEL);
+    const bool isInside = label == dispatch_queue_get_label(sharedProgressIndicatorQueue());
+    seen.emplace_back(isInside ? "gone inside the queue" : "gone");
+  }
+  void currentProgressDidChangeForItem(const Item&) override { seen.emplace_back("removed"); }
+  std::vector<std::string>& seen;
+};
+
+TEST_F(ORLFProgressIndicatorTest, LivesThroughTheCallThatLetsGoOfIt) {
+  std::vector<std::string> seen;
+  auto leaving = std::make_shared<MortalIndicator>(seen);
+  auto root = std::make_shared<ORLFProgressItem>();
+  leaving->displayProgressItem(root);
+  advance(10);
+  ORLFProgressIndicator& named = *leaving;
+  leaving.reset();
+  named.removeProgressItem(root);
+  root.reset();
+  EXPECT_THAT(std::exchange(seen, {}), ElementsAre("removed", "gone"));
+
+  leaving = std::make_shared<MortalIndicator>(seen);
+  leaving->updateDisplayTimer();
+  ORLFProgressIndicator& armed = *leaving;
+  leaving.reset();
+  EXPECT_THAT(seen, IsEmpty());
+  armed.stopDisplayTimer();
+  EXPECT_THAT(seen, ElementsAre("gone"));
+}
+
+TEST_F(ORLFProgressIndicatorTest, CopiesTheValuesOfOneMoment) {
+  const Item root = item(3, 10);
+  std::thread updating;
+  std::atomic<bool> isUpdated{false};
+  bool wasUpdatedInside = true;
+  const auto token = indicator->addObserver(
+      "indeterminate", NSKeyValueObservingOptionNew, [&](const NSKeyValueChange&) {
+        updating = std::thread([&] {
+          root->updateValue(20, 30);
+          isUpdated = true;
+        });
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        wasUpdatedInside = isUpdated;
+      });
+  indicator->updateDisplayValuesWithItem(root);
+  updating.join();
+  EXPECT_FALSE(wasUpdatedInside);
+  EXPECT_EQ(indicator->currentValue(), 3);
+  EXPECT_EQ(indicator->maxValue(), 10);
 }
 
 TEST_F(ORLFProgressIndicatorTest, ReadsAndSetsByName) {

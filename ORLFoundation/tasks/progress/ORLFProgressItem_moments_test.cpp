@@ -163,15 +163,13 @@ TEST_F(ORLFProgressItemMoments, WhatIsShownWaitsForTheTreesLockAndPlainNumbersDo
       [&] { root->currentProgressDidChangeForItem(child); },
       // One lock serves all trees.
       [&] { static_cast<void>(stranger->parent()); },
-      [&] { static_cast<void>(stranger->currentChild()); },
-      [&] { stranger->addToIndicator(); },
+      [&] { static_cast<void>(stranger->currentChild()); }, [&] { stranger->addToIndicator(); },
       [&] { stranger->removeFromIndicator(); },
       [&] { stranger->progressValuesWillChangeForItem(nullptr); },
       [&] { stranger->progressValuesDidChangeForItem(nullptr); },
       [&] { stranger->currentProgressWillChangeForItem(nullptr); },
       [&] { stranger->currentProgressDidChangeForItem(nullptr); },
-      [&] { empty->displayProgressItem(nullptr); },
-      [&] { empty->removeProgressItem(nullptr); },
+      [&] { empty->displayProgressItem(nullptr); }, [&] { empty->removeProgressItem(nullptr); },
       [&] { empty->progressValuesDidChangeForItem(nullptr); },
       [&] { empty->currentProgressWillChangeForItem(nullptr); }};
   std::vector<std::thread> threads;
