@@ -49,8 +49,9 @@ class ORLFCivilWindows {
   struct WindowEnd {
     /// Else the general walk serves the windows on both sides.
     bool isServed = false;
+    // January of year 0 until it is moved to a day that is served, all of which come after.
     std::int32_t monthNumber = 0;
-    ORLFCivilMonth month{};
+    ORLFCivilMonth month = civilMonth(0);
     std::int32_t dayOfMonth = 0;
     // What it names in its own month or, where months are listed, its own month's place in the year
     // of which they are.
