@@ -94,6 +94,13 @@ bool namesWeekdayOfTheWeek(const ORLFDateRecurrenceDayOfWeek& day) {
   return day.dayOfTheWeek() >= 1 && day.dayOfTheWeek() <= kDaysPerWeek && day.weekNumber() == 0;
 }
 
+/// A day of the month as a set; none for a number that no month has.
+constexpr std::uint32_t setOfDay(NSInteger day) {
+  return day >= 1 && day <= kMostDaysOfAMonth ? 1U << day : 0;
+}
+static_assert(setOfDay(0) == 0 && setOfDay(1) == 2 && setOfDay(31) == 1U << 31 &&
+              setOfDay(32) == 0);
+
 /// The days 1 to `last` of a month.
 constexpr std::uint32_t daysUpTo(std::int32_t last) {
   return static_cast<std::uint32_t>((std::uint64_t{2} << last) - 2);
@@ -129,8 +136,7 @@ ORLFCivilWindows::ORLFCivilWindows(const Rule& rule, const NSCalendar& calendar,
       daysOfTheWeek_(rule.daysOfTheWeek()),
       step_(step) {
   if (const auto& days = rule.daysOfTheMonth())
-    for (const NSInteger day : *days)
-      if (day >= 1 && day <= kMostDaysOfAMonth) daysOfTheMonth_ |= DaySet{1} << day;
+    for (const NSInteger day : *days) daysOfTheMonth_ |= setOfDay(day);
   if (const auto& months = rule.monthsOfTheYear())
     for (const NSInteger month : *months) months_ |= 1U << month;
   if (source == Source::kDaysOfTheWeek)
@@ -228,6 +234,7 @@ inline bool ORLFCivilWindows::moveToNext(WindowEnd& end) {
   return true;
 }
 
+/// Never empty: bit 0 stands for an entry that has no day there.
 inline ORLFCivilWindows::DaySet ORLFCivilWindows::placesInMonth(ORLFCivilMonth month) const {
   DaySet days = 0;
   for (const auto& entry : *daysOfTheWeek_) days |= DaySet{1} << dayOfEntry(*entry, month);
@@ -238,15 +245,13 @@ inline ORLFCivilWindows::DaySet ORLFCivilWindows::placesInMonth(ORLFCivilMonth m
 inline ORLFCivilWindows::DaySet ORLFCivilWindows::daysOfTheWeekOf(const WindowEnd& end) const {
   const std::int32_t later = base::civil::weekdayOfDay(end.day()) - firstWeekday_;
   const std::int32_t firstOfWeek = end.dayOfMonth - (later < 0 ? later + kWeek : later);
-  return firstOfWeek < 0 ? daysOfTheSameWeek_ >> -firstOfWeek : daysOfTheSameWeek_ << firstOfWeek;
+  return static_cast<DaySet>((std::uint64_t{daysOfTheSameWeek_} << (firstOfWeek + kWeek)) >> kWeek);
 }
 
 inline ORLFCivilWindows::DaySet ORLFCivilWindows::daysNamedInKind(ORLFCivilMonth month) {
   DaySet& named = namedInKind_[month.kind];
-  if ((knownKinds_ >> month.kind & 1) == 0) {
+  if (named == 0)
     named = source_ == Source::kDaysOfTheMonth ? daysOfTheMonth_ : placesInMonth(month);
-    knownKinds_ |= 1U << month.kind;
-  }
   return named;
 }
 
@@ -286,11 +291,11 @@ inline int ORLFCivilWindows::takeNext(std::uint32_t& places) const noexcept {
 }
 
 /// Whether the end's windows are the same wherever on its day and on the next ones it lies: its own
-/// month and those beside it are not listed, and what is listed depends on its year alone.
+/// month and the one after it are not listed, and what is listed depends on its year alone.
 inline bool ORLFCivilWindows::isFarFromNamedDays(const WindowEnd& end) const noexcept {
-  constexpr std::uint32_t kThreeMonths = 7;
+  constexpr std::uint32_t kTwoMonths = 3;
   return source_ == Source::kDaysOfTheMonth && months_ != 0 && end.monthOfYear != kMonthsPerYear &&
-         (months_ >> (end.monthOfYear - 1) & kThreeMonths) == 0;
+         (months_ >> end.monthOfYear & kTwoMonths) == 0;
 }
 
 /// The general walk may log of an entry that names a last day or any day where a clock change
@@ -370,7 +375,6 @@ inline bool ORLFCivilWindows::gather(const WindowEnd& nearEnd, const WindowEnd& 
 [[gnu::flatten]] bool ORLFCivilWindows::collectNext(Dates& window) {
   const WindowEnd nearEnd = end_;
   window.clear();
-  end_.isServed = false;
   if (!moveToNext(end_)) return false;
   pickMonths(end_);
   const bool isGathered = nearEnd.isServed && gather(nearEnd, end_, window);

@@ -112,9 +112,9 @@ class ORLFCivilWindows {
   DaySet daysOfTheMonth_ = 0;
   std::uint32_t daysOfTheSameWeek_ = 0;  // bit 0 is the week's first day
   std::uint32_t months_ = 0;             // bit 1 is January; none where no month is named
-  // What lists that name the same days in all months of one kind name in those that came up.
+  // What lists that name the same days in all months of one kind name in those that came up; empty
+  // before.
   std::array<DaySet, ORLFCivilMonth::kKinds> namedInKind_{};
-  std::uint32_t knownKinds_ = 0;
 
   std::int64_t step_;  // months or days, below 0 toward earlier dates
   /// The end that was reached last: the number of its month, or of its day.

@@ -212,7 +212,7 @@ TEST(ORLFCivilWindows, ServeWindowsWhereTheClockShowsTheTimeOnceAtTheirEndsAndOn
        kNewYork,
        yearsBefore,
        {.frequency = kYearly, .daysOfTheMonth = {{1}}, .monthsOfTheYear = {{2}}},
-       "+1--+1"},
+       "+1+1+1+1"},
       {"AnEndInDecember",
        "Pacific/Apia",
        {2009, 12, 30, 9, 0},
