@@ -49,12 +49,12 @@ void Exchange::begin() { sendHop(); }
 
 void Exchange::sendHop() {
   handle_.emplace(loader_.pattern());
-  if (handle_->get() == nullptr) return loader_.cannotSend(task());
   for (const CURLoption data :
        {CURLOPT_PRIVATE, CURLOPT_HEADERDATA, CURLOPT_WRITEDATA, CURLOPT_SOCKOPTDATA,
         CURLOPT_PREREQDATA, CURLOPT_RESOLVER_START_DATA, CURLOPT_XFERINFODATA})
     handle_->set(data, static_cast<void*>(this));
-  setUp();
+  // The process's cookies would go without a jar for good that is made without memory.
+  if (handle_->get() != nullptr) setUp();
   if (curl_multi_add_handle(loader_.multi(), handle_->get()) != CURLM_OK)
     return loader_.cannotSend(task());
   multi_ = loader_.multi();

@@ -44,6 +44,7 @@ TEST(AnswerHead, ReadsStatusVersionAndFields) {
   EXPECT_EQ(head.fields(), (NSHTTPHeaderFields{{"A", "1"}, {"B", "2"}}));
   EXPECT_EQ(headOf("HTTP/2 200\r\n\r\n").version(), "HTTP/2");
   EXPECT_FALSE(headOf("HTTP/1.1 200 OK\r\nA: 1\r\n").isWhole());
+  EXPECT_FALSE(headOf("HTTP/1.1 199 Interim\r\n\r\n").isWhole());
   for (const char* none : {"HTTP/1.1 103 Hints\r\n\r\nHTTP/1.1 x\r\n", "HTTP/1.1\r\n"})
     EXPECT_EQ(headOf(none).status(), 0) << none;
 }
