@@ -48,7 +48,7 @@ std::optional<double> ORLFRateOfReturn(const ORLFCashFlows& flows) {
     width *= 0.5;
     const double middle = rate + width;
     const double worth = flows.worthAt(middle);
-    if (std::fabs(width) < kTolerance || std::fabs(worth) < kTolerance) return middle;
+    if (std::fmin(std::fabs(width), std::fabs(worth)) < kTolerance) return middle;
     if (!(worth > 0)) rate = middle;
   }
   return std::nullopt;
