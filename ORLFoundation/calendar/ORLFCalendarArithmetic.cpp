@@ -9,6 +9,8 @@
 #include <ORLFoundation/support/diagnostics/ORLFCondition.h>
 #include <ORLFoundation/support/diagnostics/ORLFDebugLog.h>
 
+#include <bit>
+
 namespace ORLFoundation {
 namespace {
 
@@ -20,7 +22,7 @@ constexpr NSUInteger kCountedUnits =
 
 constexpr bool isOneOf(NSCalendarUnit unit, NSUInteger units) {
   const auto bits = static_cast<NSUInteger>(unit);
-  return (bits & (bits - 1)) == 0 && (bits & units) != 0;
+  return std::has_single_bit(bits) && (bits & units) != 0;
 }
 
 NSInteger secondsBetween(const NSCalendar& calendar, NSDate from, NSDate to) noexcept {

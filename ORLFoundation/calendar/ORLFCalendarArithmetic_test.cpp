@@ -5,6 +5,7 @@
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
 namespace ORLFoundation {
@@ -57,6 +58,14 @@ TEST(ORLFCalendarArithmetic, CountsNothingBetweenDatesThatNoCalendarPlaces) {
     EXPECT_EQ(
         orlfIntervalInCalendarUnit(*calendar, static_cast<NSCalendarUnit>(unit), never, NSDate()),
         0);
+}
+
+// Apia had no 30 December in 2011: its clock tells two days from the 29th to the 31st.
+TEST(ORLFCalendarArithmetic, CountsDaysByTheClock) {
+  const auto calendar = calendarIn("Pacific/Apia");
+  EXPECT_EQ(orlfIntervalInCalendarUnit(*calendar, NSCalendarUnitDay, at(*calendar, 2011, 12, 29),
+                                       at(*calendar, 2011, 12, 31)),
+            2);
 }
 
 TEST(ORLFCalendarArithmetic, CountsOneYearExactlyThroughTheProbe) {
@@ -135,6 +144,23 @@ TEST(ORLFCalendarArithmetic, CountsTheFractionOfTheOneSideThatTheCalendarPlaces)
       14.0 / 29);
 }
 
+// The last year that begins within the calendar ends beyond it: no seconds lead to its end.
+TEST(ORLFCalendarArithmetic, CountsNoRestOfAYearThatEndsBeyondTheCalendar) {
+  const auto calendar = calendarIn("UTC");
+  double placed = 0;
+  double beyond = 1e15;
+  while (beyond - placed > 1) {
+    const double middle = std::floor((placed + beyond) / 2);
+    const NSDate date = NSDate::dateWithTimeIntervalSinceReferenceDate(middle);
+    const bool isPlaced = calendar->component(NSCalendarUnitDay, date) != NSDateComponentUndefined;
+    (isPlaced ? placed : beyond) = middle;
+  }
+  EXPECT_EQ(orlfCountOfCalendarUnit(*calendar, NSCalendarUnitYear,
+                                    NSDate::dateWithTimeIntervalSinceReferenceDate(placed),
+                                    at(*calendar, 2024, 1, 1)),
+            0.0);
+}
+
 TEST(ORLFCalendarArithmetic, CountsWholeMonthsThroughAddingOnEveryDayOfFourYears) {
   for (const char* zone : {"America/New_York", "Asia/Kathmandu", "Australia/Lord_Howe"}) {
     const auto calendar = calendarIn(zone);
@@ -201,9 +227,20 @@ TEST(ORLFCalendarArithmetic, ComparesDaysBeforeInstants) {
   EXPECT_EQ(orlfDateOnSameDayAsDate(*calendar, morning, evening), NSOrderedSame);
   EXPECT_EQ(orlfDateOnSameDayAsDate(*calendar, evening, next), NSOrderedAscending);
   EXPECT_EQ(orlfDateOnSameDayAsDate(*calendar, next, evening), NSOrderedDescending);
+  for (const NSDate other : {at(*calendar, 2024, 2, 10), at(*calendar, 2023, 3, 10)})
+    EXPECT_EQ(orlfDateOnSameDayAsDate(*calendar, morning, other), NSOrderedDescending);
   EXPECT_EQ(orlfDateOnSameDayAsDate(*calendar, std::nullopt, next), NSOrderedAscending);
   EXPECT_EQ(orlfDateOnSameDayAsDate(*calendar, next, std::nullopt), NSOrderedAscending);
   EXPECT_EQ(orlfDateOnSameDayAsDate(*calendar, std::nullopt, std::nullopt), NSOrderedAscending);
+}
+
+TEST(ORLFCalendarArithmetic, ComparesDatesThatNoCalendarPlacesAsInstants) {
+  const auto calendar = calendarIn("UTC");
+  const NSDate early = NSDate::dateWithTimeIntervalSinceReferenceDate(-1e15);
+  const NSDate late = NSDate::dateWithTimeIntervalSinceReferenceDate(1e15);
+  EXPECT_EQ(orlfDateOnSameDayAsDate(*calendar, early, late), NSOrderedAscending);
+  EXPECT_EQ(orlfDateOnSameDayAsDate(*calendar, late, early), NSOrderedDescending);
+  EXPECT_EQ(orlfDateOnSameDayAsDate(*calendar, late, late), NSOrderedSame);
 }
 
 }  // namespace

@@ -97,6 +97,21 @@ TEST(FiscalYears, HaveNoQuartersWhereTheCalendarHasNone) {
         orlfDateByRoundingDateDownToCalendarUnit(*calendar, date, NSCalendarUnitQuarter, month, 1));
 }
 
+// The first days that the calendar places: their week begins before them.
+TEST(DateByRoundingDownDate, GivesNoWeekThatBeginsBeforeTheCalendar) {
+  const auto calendar = calendarIn("UTC");
+  constexpr double kDay = 86400;
+  double seconds = -500'000'000 * kDay;
+  const auto date = [&] { return NSDate::dateWithTimeIntervalSinceReferenceDate(seconds); };
+  while (calendar->component(NSCalendarUnitDay, date()) == NSDateComponentUndefined)
+    seconds += kDay;
+  ASSERT_NE(calendar->component(NSCalendarUnitWeekday, date()), 1);
+  for (; calendar->component(NSCalendarUnitWeekday, date()) != 1; seconds += kDay) {
+    EXPECT_FALSE(dateByRoundingDownDate(*calendar, date(), ORLFCalendarIntervalWeek));
+    EXPECT_FALSE(dateByRoundingDownDate(*calendar, date(), ORLFCalendarIntervalTwoWeeks));
+  }
+}
+
 struct LeapDayYear {
   int year, month, day;
   int startYear, startMonth, startDay;

@@ -56,12 +56,12 @@ struct FiscalStart {
   NSInteger yearStartMonth, monthStartDay;
 };
 
-// The month of a date that the calendar can place is 1 to 13; the year's start is any number.
+// The month of a date that the calendar can place is 1 to 13; the year's start is any number. A
+// count of months that leaves its type leads beyond the calendar, as the smallest one does.
 OptionalDate yearRounded(const NSCalendar& calendar, NSInteger month, OptionalDate monthStart,
                          FiscalStart start) noexcept {
-  const auto months = checkedDifference(start.yearStartMonth, month);
-  if (!months) return std::nullopt;
-  return movedStart(calendar, monthStart, start.monthStartDay, *months,
+  const NSInteger months = checkedDifference(start.yearStartMonth, month).value_or(NSIntegerMin);
+  return movedStart(calendar, monthStart, start.monthStartDay, months,
                     month < start.yearStartMonth ? -1 : 0);
 }
 
@@ -70,11 +70,12 @@ OptionalDate quarterRounded(const NSCalendar& calendar, NSDate date, NSInteger m
   const NSInteger quarter =
       orlfComponents(calendar, NSCalendarUnitQuarter, date, start.yearStartMonth, 1).quarter();
   if (quarter == NSDateComponentUndefined) return std::nullopt;
-  const auto months = checkedSum((quarter - 1) * kMonthsPerQuarter - month, start.yearStartMonth);
-  if (!months) return std::nullopt;
+  const NSInteger months =
+      checkedSum((quarter - 1) * kMonthsPerQuarter - month, start.yearStartMonth)
+          .value_or(NSIntegerMin);
   return movedStart(calendar,
                     orlfDateByRoundingDateDownToCalendarUnit(calendar, date, NSCalendarUnitMonth),
-                    start.monthStartDay, *months, month < start.yearStartMonth ? -1 : 0);
+                    start.monthStartDay, months, month < start.yearStartMonth ? -1 : 0);
 }
 
 using Rounding = OptionalDate (*)(const NSCalendar&, OptionalDate, NSCalendarUnit) noexcept;

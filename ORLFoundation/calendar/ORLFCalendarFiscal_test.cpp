@@ -143,6 +143,14 @@ TEST(OrlfComponents, CountMonthsOverASkippedDay) {
       7);
 }
 
+TEST(OrlfComponents, HoldTheFieldsOfTheMaskAlone) {
+  for (const NSCalendarUnit unit :
+       {NSCalendarUnitYear, NSCalendarUnitQuarter, NSCalendarUnitMonth, NSCalendarUnitWeekOfYear,
+        NSCalendarUnitDay, NSCalendarUnitHour})
+    EXPECT_EQ(orlfComponents(utcCalendar(), unit, day("2020-08-15"), 7, 1).setUnits(),
+              static_cast<NSUInteger>(unit));
+}
+
 struct WeekCase {
   const char* name;
   const char* date;
@@ -211,6 +219,33 @@ TEST(OrlfDateByRoundingDateToFiscalUnit, NilGivesNil) {
        {NSCalendarUnitYear, NSCalendarUnitQuarter, NSCalendarUnitMonth, NSCalendarUnitDay}) {
     EXPECT_FALSE(orlfDateByRoundingDateUpToCalendarUnit(utcCalendar(), std::nullopt, unit, 7, 1));
     EXPECT_FALSE(orlfDateByRoundingDateDownToCalendarUnit(utcCalendar(), std::nullopt, unit, 7, 1));
+  }
+}
+
+// Years that begin with each of the twelve months.
+TEST(OrlfDateByRoundingDateToFiscalUnit, TakesTheFirstDayOfTheYearAndTheQuarterOnEveryDayOfAYear) {
+  const auto added = [](NSInteger months, NSDate date) {
+    return *utcCalendar().dateByAddingUnit(NSCalendarUnitMonth, months, date, 0);
+  };
+  for (NSDate date = day("2023-01-01"); date != day("2024-03-01");
+       date = date.dateByAddingTimeInterval(86400)) {
+    const NSDateComponents fields =
+        utcCalendar().components(NSCalendarUnitMonth | NSCalendarUnitDay, date);
+    const NSDate month =
+        *utcCalendar().dateByAddingUnit(NSCalendarUnitDay, 1 - fields.day(), date, 0);
+    for (NSInteger start = 1; start <= 12; ++start) {
+      const NSInteger monthsIn = (fields.month() - start + 12) % 12;
+      const NSDate year = added(-monthsIn, month);
+      EXPECT_EQ(orlfDateByRoundingDateDownToCalendarUnit(utcCalendar(), date, NSCalendarUnitYear,
+                                                         start, 1),
+                year);
+      EXPECT_EQ(
+          orlfDateByRoundingDateUpToCalendarUnit(utcCalendar(), date, NSCalendarUnitYear, start, 1),
+          fields.day() == 1 ? year : added(1, year));
+      EXPECT_EQ(orlfDateByRoundingDateDownToCalendarUnit(utcCalendar(), date, NSCalendarUnitQuarter,
+                                                         start, 1),
+                added(-(monthsIn % 3), month));
+    }
   }
 }
 

@@ -38,16 +38,15 @@ const IntervalRow* rowOf(ORLFCalendarInterval interval) noexcept {
                                                                                 : nullptr;
 }
 
-// Midnight of the Sunday on or before the date, or one week earlier still.
-std::optional<NSDate> startOfWeek(const NSCalendar& calendar, NSDate date, bool twoWeeks) noexcept {
+// The time of the date on the Sunday on or before it, or one week earlier still.
+std::optional<NSDate> sundayBefore(const NSCalendar& calendar, NSDate date,
+                                   bool twoWeeks) noexcept {
   const NSDateComponents fields =
       calendar.components(NSCalendarUnitWeekday | NSCalendarUnitWeek, date);
   NSDateComponents step;
   step.setDay(1 - fields.weekday());
   if (twoWeeks && fields.weekOfYear() % 2 != 0) step.setWeekOfYear(-1);
-  const auto sunday = calendar.dateByAddingComponents(step, date, 0);
-  if (!sunday) return std::nullopt;
-  return calendar.dateFromComponents(calendar.components(kDayFields, *sunday));
+  return calendar.dateByAddingComponents(step, date, 0);
 }
 
 NSInteger firstMonthOfQuarter(NSInteger month) noexcept {
@@ -77,28 +76,16 @@ std::string calendarUnitNameForIntervalType(const NSCalendar& /*calendar*/,
 
 std::optional<NSDate> dateByRoundingDownDate(const NSCalendar& calendar, NSDate date,
                                              ORLFCalendarInterval toInterval) noexcept {
-  NSDateComponents fields = calendar.components(kDayFields, date);
+  const bool twoWeeks = toInterval == ORLFCalendarIntervalTwoWeeks;
+  const bool weeks = twoWeeks || toInterval == ORLFCalendarIntervalWeek;
+  const std::optional<NSDate> day = weeks ? sundayBefore(calendar, date, twoWeeks) : date;
+  if (!day || rowOf(toInterval) == nullptr) return std::nullopt;
+  NSDateComponents fields = calendar.components(kDayFields, *day);
   if (fields.day() == NSDateComponentUndefined) return std::nullopt;
-  switch (toInterval) {
-    case ORLFCalendarIntervalWeek:
-    case ORLFCalendarIntervalTwoWeeks:
-      return startOfWeek(calendar, date, toInterval == ORLFCalendarIntervalTwoWeeks);
-    case ORLFCalendarIntervalYear:
-      fields.setMonth(1);
-      fields.setDay(1);
-      break;
-    case ORLFCalendarIntervalQuarter:
-      fields.setMonth(firstMonthOfQuarter(fields.month()));
-      fields.setDay(1);
-      break;
-    case ORLFCalendarIntervalMonth:
-      fields.setDay(1);
-      break;
-    case ORLFCalendarIntervalDay:
-      break;
-    default:
-      return std::nullopt;
-  }
+  if (toInterval == ORLFCalendarIntervalYear) fields.setMonth(1);
+  if (toInterval == ORLFCalendarIntervalQuarter)
+    fields.setMonth(firstMonthOfQuarter(fields.month()));
+  if (!weeks && toInterval != ORLFCalendarIntervalDay) fields.setDay(1);
   return calendar.dateFromComponents(fields);
 }
 

@@ -30,8 +30,8 @@ enum ORLFCalendarInterval : std::int32_t {
                                                           ORLFCalendarInterval intervalType,
                                                           bool capitalize, NSInteger unitCount);
 /// `dateByRoundingDownDate:toInterval:`  Midnight of the interval's first day; two weeks begin
-/// with the calendar's even week. nil outside the set, and for a date that the calendar cannot
-/// place.
+/// with the calendar's even week. nil outside the set, for a date that the calendar cannot place,
+/// and for one whose week begins before its first date.
 [[nodiscard]] std::optional<NSDate> dateByRoundingDownDate(
     const NSCalendar& calendar, NSDate date, ORLFCalendarInterval toInterval) noexcept;
 /// `dateByAddingInterval:count:toDate:`  Outside the set the date comes back unchanged.

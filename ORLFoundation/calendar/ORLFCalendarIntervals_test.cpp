@@ -40,12 +40,15 @@ struct RoundedCase {
 const RoundedCase kRounded[] = {
     {ORLFCalendarIntervalWeek, "2024-05-15", "2024-05-12"},
     {ORLFCalendarIntervalWeek, "2024-05-12", "2024-05-12"},
+    {ORLFCalendarIntervalWeek, "2024-05-02", "2024-04-28"},
+    {ORLFCalendarIntervalTwoWeeks, "2024-05-08", "2024-04-28"},
     {ORLFCalendarIntervalMonth, "2024-05-15", "2024-05-01"},
     {ORLFCalendarIntervalQuarter, "2024-03-31", "2024-01-01"},
     {ORLFCalendarIntervalQuarter, "2024-04-01", "2024-04-01"},
     {ORLFCalendarIntervalQuarter, "2024-06-30", "2024-04-01"},
     {ORLFCalendarIntervalQuarter, "2024-07-01", "2024-07-01"},
     {ORLFCalendarIntervalQuarter, "2024-09-30", "2024-07-01"},
+    {ORLFCalendarIntervalQuarter, "2024-10-01", "2024-10-01"},
     {ORLFCalendarIntervalQuarter, "2024-12-31", "2024-10-01"},
     {ORLFCalendarIntervalYear, "2024-12-31", "2024-01-01"},
     {ORLFCalendarIntervalDay, "2024-05-15", "2024-05-15"},
@@ -61,8 +64,9 @@ TEST(DateByRoundingDownDate, MatchesTable) {
 }
 
 TEST(DateByRoundingDownDate, ValuesOutsideTheSetGiveNil) {
-  EXPECT_FALSE(dateByRoundingDownDate(utcCalendar(), day("2024-05-15"),
-                                      static_cast<ORLFCalendarInterval>(6)));
+  for (const int outside : {-1, 6})
+    EXPECT_FALSE(dateByRoundingDownDate(utcCalendar(), day("2024-05-15"),
+                                        static_cast<ORLFCalendarInterval>(outside)));
 }
 
 struct CountCase {

@@ -15,7 +15,7 @@ NSInteger orlfMonthsPerQuarter(const NSCalendar& calendar) noexcept {
 std::optional<NSInteger> internal::calendar::quartersSince1970(const NSCalendar& calendar,
                                                                NSDate date) noexcept {
   const NSInteger monthsPerQuarter = orlfMonthsPerQuarter(calendar);
-  if (monthsPerQuarter == NSNotFound || monthsPerQuarter == 0) return NSNotFound;
+  if (monthsPerQuarter == NSNotFound) return NSNotFound;
   const NSDate epoch = NSDate::dateWithTimeIntervalSince1970(0);
   const NSInteger months = calendar.components(NSCalendarUnitMonth, epoch, date, 0).month();
   if (months == NSDateComponentUndefined) return std::nullopt;
@@ -28,7 +28,7 @@ NSInteger orlfQuartersForDateSince1970(const NSCalendar& calendar, NSDate date) 
 
 NSInteger orlfQuarterForDate(const NSCalendar& calendar, NSDate date) noexcept {
   const NSInteger monthsPerQuarter = orlfMonthsPerQuarter(calendar);
-  if (monthsPerQuarter == NSNotFound || monthsPerQuarter == 0) return NSNotFound;
+  if (monthsPerQuarter == NSNotFound) return NSNotFound;
   const NSInteger month = calendar.component(NSCalendarUnitMonth, date);
   return month == NSDateComponentUndefined ? NSNotFound : (month - 1) / monthsPerQuarter + 1;
 }

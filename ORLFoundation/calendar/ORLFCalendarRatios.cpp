@@ -16,13 +16,12 @@ class CachedMaximum {
   explicit constexpr CachedMaximum(NSCalendarUnit unit) : unit_(unit) {}
 
   double value(const NSCalendar& calendar) noexcept {
-    NSUInteger value = value_.load(std::memory_order_relaxed);
-    if (value == 0) {
-      value = NSMaxRange(calendar.maximumRangeOfUnit(unit_));
+    if (value_.load(std::memory_order_relaxed) == 0) {
       NSUInteger unset = 0;
-      if (!value_.compare_exchange_strong(unset, value, std::memory_order_relaxed)) value = unset;
+      value_.compare_exchange_strong(unset, NSMaxRange(calendar.maximumRangeOfUnit(unit_)),
+                                     std::memory_order_relaxed);
     }
-    return static_cast<double>(value);
+    return static_cast<double>(value_.load(std::memory_order_relaxed));
   }
 
  private:
@@ -102,9 +101,7 @@ double orlfRatioOfCalendarUnit(const NSCalendar& calendar, NSCalendarUnit unit,
     const double value = orlfMaximumValueOfUnit(calendar, asked, NSCalendarUnitYear, forDate);
     return asked == NSCalendarUnitEra ? value : std::ceil(value);
   };
-  const double units = inYear(unit);
-  const double inUnits = inYear(inUnit);
-  return units == 0 || inUnits == 0 ? 0 : units / inUnits;
+  return divided(inYear(unit), inYear(inUnit));
 }
 
 std::string orlfNameForCalendarUnit(NSCalendarUnit unit, bool plural) {

@@ -79,6 +79,15 @@ TEST(OrlfRatioOfCalendarUnit, RoundsEachSideUpFirst) {
             2.4);
 }
 
+TEST(OrlfRatioOfCalendarUnit, CountsOneYearOnEitherSide) {
+  EXPECT_EQ(orlfRatioOfCalendarUnit(utcCalendar(), NSCalendarUnitYear, NSCalendarUnitMonth,
+                                    january2024()),
+            1.0 / 12);
+  EXPECT_EQ(orlfRatioOfCalendarUnit(utcCalendar(), NSCalendarUnitMonth, NSCalendarUnitYear,
+                                    january2024()),
+            12);
+}
+
 TEST(OrlfRatioOfCalendarUnit, IsZeroWhereASideIs) {
   EXPECT_EQ(orlfRatioOfCalendarUnit(utcCalendar(), NSCalendarUnitDay, NSCalendarUnitWeekday,
                                     january2024()),

@@ -20,11 +20,12 @@ using Dates = std::vector<NSDate>;
 bool earlier(NSDate left, NSDate right) { return left.compare(right) == NSOrderedAscending; }
 bool later(NSDate left, NSDate right) { return left.compare(right) == NSOrderedDescending; }
 
-// Whether steps of the unit lead anywhere: those of a mask, and of what is no unit, do not.
-bool moves(NSCalendarUnit unit) {
-  NSDateComponents step;
-  step.setValueForComponent(1, unit);
-  return step.setUnits() != 0;
+// Whether steps of so many units lead anywhere: none of length 0 do, nor those of a mask or of what
+// is no unit.
+bool moves(NSInteger step, NSCalendarUnit unit) {
+  NSDateComponents fields;
+  fields.setValueForComponent(step, unit);
+  return step != 0 && fields.setUnits() != 0;
 }
 
 bool isPlaced(const NSCalendar& calendar, NSDate date) {
@@ -37,7 +38,9 @@ bool isPlaced(const NSCalendar& calendar, NSDate date) {
 class SeriesWalk {
  public:
   SeriesWalk(const NSCalendar& calendar, const ORLFRepeatingEvents& events, bool backward)
-      : calendar_(calendar), events_(events), step_(moves(events.unit) ? events.multiplier : 0) {
+      : calendar_(calendar),
+        events_(events),
+        step_(moves(events.multiplier, events.unit) ? events.multiplier : 0) {
     if (backward != (step_ < 0)) step_ = checkedDifference(NSInteger{0}, step_).value_or(0);
   }
 
@@ -48,8 +51,7 @@ class SeriesWalk {
         orlfIntervalInCalendarUnit(calendar_, events_.unit, events_.anchoredOnEventDate, date);
     // Clamped and skipped days, and quarters that are counted by their boundaries, take one more.
     constexpr NSInteger kMargin = 2;
-    const NSInteger leftOut = units / step_ - kMargin;
-    if (leftOut > 0) offset_ = leftOut * step_;
+    offset_ = std::max<NSInteger>(units / step_ - kMargin, 0) * step_;
   }
 
   std::optional<NSDate> next() {
@@ -59,9 +61,8 @@ class SeriesWalk {
       offset_ = *offset;
       const auto date =
           orlfDateByAddingInterval(calendar_, offset_, events_.unit, events_.anchoredOnEventDate);
-      if (!date) break;
-      if (date->isEqualToDate(last_)) continue;
-      last_ = *date;
+      if (date == last_) continue;
+      last_ = date;
       return date;
     }
     return std::nullopt;
@@ -72,7 +73,7 @@ class SeriesWalk {
   const ORLFRepeatingEvents& events_;
   NSInteger step_;
   NSInteger offset_ = 0;
-  NSDate last_ = events_.anchoredOnEventDate;
+  std::optional<NSDate> last_ = events_.anchoredOnEventDate;
 };
 
 struct Range {
@@ -144,8 +145,7 @@ std::optional<NSDate> dateOnward(const NSCalendar& calendar, const ORLFSteppedDa
   do {
     next = orlfDateByAddingInterval(calendar, *offset, dates.calendarUnit, current);
     offset = checkedSum(*offset, step);
-  } while (next && next->isEqualToDate(current) && step != 0 && offset &&
-           moves(dates.calendarUnit));
+  } while (next && next->isEqualToDate(current) && offset && moves(step, dates.calendarUnit));
   return next;
 }
 

@@ -192,6 +192,52 @@ TEST(OrlfDatesOfEventsRepeating, StepsThatDoNotMoveEnd) {
             Texts{"2024-01-15"});
 }
 
+TEST(OrlfDatesOfEventsRepeating, StepsThatDoNotMoveReachNoRange) {
+  for (const char* anchor : {"2023-06-15", "2025-06-15"}) {
+    ORLFRepeatingEvents events{.unit = NSCalendarUnitMonth,
+                               .multiplier = 0,
+                               .anchoredOnEventDate = day(anchor),
+                               .fromDate = day("2024-01-01"),
+                               .toDate = day("2025-01-01")};
+    EXPECT_EQ(orlfDatesOfEventsRepeatingWithUnit(utcCalendar(), events), std::vector<NSDate>());
+    events.multiplier = 1;
+    events.unit = NSCalendarUnitYear | NSCalendarUnitMonth;
+    EXPECT_EQ(orlfDatesOfEventsRepeatingWithUnit(utcCalendar(), events), std::vector<NSDate>());
+  }
+}
+
+// Twice the step is no number any more.
+TEST(OrlfDatesOfEventsRepeating, EndWhereStepsLeaveTheirType) {
+  constexpr NSInteger kNanoseconds = 5'000'000'000'000'000'000;
+  constexpr double kSeconds = 5e9;
+  const NSDate anchor = day("2024-01-15");
+  EXPECT_EQ(orlfDatesOfEventsRepeatingWithUnit(utcCalendar(), {.unit = NSCalendarUnitNanosecond,
+                                                               .multiplier = kNanoseconds,
+                                                               .anchoredOnEventDate = anchor,
+                                                               .fromDate = day("1000-01-01"),
+                                                               .toDate = day("3000-01-01")}),
+            (std::vector<NSDate>{anchor.dateByAddingTimeInterval(-kSeconds), anchor,
+                                 anchor.dateByAddingTimeInterval(kSeconds)}));
+}
+
+// Quarters turn with GMT's, in New York on 31 March and on 30 June at 19:00: two lie between dates
+// that are one step apart.
+TEST(OrlfDatesOfEventsRepeating, JumpShortOfQuartersThatCountTwice) {
+  const auto calendar = orlftest::calendarIn("America/New_York");
+  const NSDate march = orlftest::at(*calendar, 2010, 3, 30, 20);
+  const NSDate june = orlftest::at(*calendar, 2010, 6, 30, 20);
+  ORLFRepeatingEvents events{.unit = NSCalendarUnitQuarter,
+                             .anchoredOnEventDate = march,
+                             .fromDate = june.dateByAddingTimeInterval(-60),
+                             .toDate = june,
+                             .inclusive = true};
+  EXPECT_EQ(orlfDatesOfEventsRepeatingWithUnit(*calendar, events), std::vector<NSDate>{june});
+  events.anchoredOnEventDate = june;
+  events.fromDate = march;
+  events.toDate = march.dateByAddingTimeInterval(60);
+  EXPECT_EQ(orlfDatesOfEventsRepeatingWithUnit(*calendar, events), std::vector<NSDate>{march});
+}
+
 struct SteppedCase {
   const char* name;
   ORLFSteppedDates dates;
@@ -230,6 +276,19 @@ TEST(OrlfDatesAtInterval, MatchesTable) {
   };
   for (const SteppedCase& row : cases)
     EXPECT_EQ(texts(orlfDatesAtInterval(utcCalendar(), row.dates)), row.expected) << row.name;
+}
+
+// A million years are within the calendar, two are not.
+TEST(OrlfDatesAtInterval, EndBeforeAStepThatLeavesTheCalendar) {
+  const NSDate first = day("2024-01-15");
+  const NSDate far = orlftest::at(utcCalendar(), 1'002'024, 1, 15);
+  ORLFSteppedDates dates{.interval = 1'000'000,
+                         .calendarUnit = NSCalendarUnitYear,
+                         .firstDate = first,
+                         .secondDate = orlftest::at(utcCalendar(), 1'300'000, 1, 1)};
+  EXPECT_EQ(orlfDatesAtInterval(utcCalendar(), dates), (std::vector<NSDate>{first, far}));
+  dates.interval = 2'000'000;
+  EXPECT_EQ(orlfDatesAtInterval(utcCalendar(), dates), std::vector<NSDate>{first});
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include <ORLFoundation/calendar/ORLFCompareCalendarUnits.h>
 
+#include <bit>
+
 namespace ORLFoundation {
 namespace {
 
@@ -34,12 +36,10 @@ constexpr Rung kLadder[] = {
     {NSCalendarUnitSecond, kOverSecond, NSOrderedAscending},
 };
 
-constexpr bool isSingleUnit(NSUInteger unit) { return unit != 0 && (unit & (unit - 1)) == 0; }
-
 }  // namespace
 
 NSComparisonResult ORLFCompareCalendarUnits(NSUInteger unit, NSUInteger otherUnit) noexcept {
-  if (!isSingleUnit(unit)) return NSOrderedSame;
+  if (!std::has_single_bit(unit)) return NSOrderedSame;
   for (const Rung& rung : kLadder) {
     if ((rung.units & unit) == 0) continue;
     if ((otherUnit & rung.coarser) != 0) return NSOrderedAscending;

@@ -20,7 +20,8 @@ const std::vector<std::vector<NSUInteger>> kLadder = {
     {NSCalendarUnitMinute},
     {NSCalendarUnitSecond}};
 constexpr NSUInteger kOutside[] = {NSCalendarUnitWeekday, NSCalendarUnitWeekdayOrdinal,
-                                   NSCalendarUnitYearForWeekOfYear, NSCalendarUnitNanosecond};
+                                   NSCalendarUnitYearForWeekOfYear, NSCalendarUnitNanosecond,
+                                   1};  // 1 is no unit
 
 TEST(ORLFCompareCalendarUnits, OrdersTheLadderBothWays) {
   for (std::size_t left = 0; left < kLadder.size(); ++left) {
