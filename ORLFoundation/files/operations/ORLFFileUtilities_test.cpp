@@ -1,11 +1,14 @@
 #include <ORLFoundation/files/operations/ORLFFileUtilities.h>
 
 #include <ORLFoundation/files/operations/ORLFURLAccess.h>
+#include <ORLFoundation/platform/base/Replaced.h>
+#include <ORLFoundation/platform/files/NSFileCoordinator.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <tests/support/TemporaryFolder.h>
 
 #include <filesystem>
+#include <stdexcept>
 
 namespace ORLFoundation {
 namespace {
@@ -127,6 +130,28 @@ TEST_F(FileUtilities, AccessTellsOfTheCoordinationAlone) {
       &error));
   EXPECT_FALSE(isCalled);
   EXPECT_EQ(error->code(), NSFileReadUnsupportedSchemeError);
+}
+
+/// Counts the accesses that are under way.
+struct CountedScope final : NSSecurityScope {
+  bool startAccessing(const NSURL&) override {
+    ++underWay;
+    return true;
+  }
+  void stopAccessing(const NSURL&) override { --underWay; }
+  int underWay = 0;
+};
+
+TEST_F(FileUtilities, AccessEndsWhereTheAccessorThrows) {
+  const auto scope = std::make_shared<CountedScope>();
+  const Replaced inUse(NSSetSecurityScope, std::shared_ptr<NSSecurityScope>(scope));
+  EXPECT_THROW(orlfCoordinatedSecureAccessWithOptions(NSURL::fileURLWithPath(path("a")), 0,
+                                                      [&](const NSURL&) -> Error {
+                                                        EXPECT_EQ(scope->underWay, 1);
+                                                        throw std::runtime_error("no");
+                                                      }),
+               std::runtime_error);
+  EXPECT_EQ(scope->underWay, 0);
 }
 
 }  // namespace

@@ -7,6 +7,22 @@ namespace {
 
 using Error = std::shared_ptr<const NSError>;
 
+/// Access for as long as it lives: it ends also where the accessor throws.
+class Access {
+ public:
+  explicit Access(const NSURL& url)
+      : url_(url), isStarted_(startAccessingSecurityScopedResource(url)) {}
+  ~Access() {
+    if (isStarted_) stopAccessingSecurityScopedResource(url_);
+  }
+  Access(const Access&) = delete;
+  Access& operator=(const Access&) = delete;
+
+ private:
+  const NSURL& url_;
+  const bool isStarted_;
+};
+
 bool answer(const Error& outcome, NSErrorSlot error) {
   if (error != nullptr) *error = outcome;
   return outcome == nullptr;
@@ -25,10 +41,12 @@ Error coordinate(NSFileCoordinator& coordinator, const NSURL& url, NSUInteger op
 bool orlfCoordinatedSecureAccessWithOptions(const NSURL& url, NSUInteger options,
                                             const ORLFURLAccessor& accessor, NSErrorSlot error) {
   const auto coordinator = NSFileCoordinator::fileCoordinator();
-  const bool isStarted = startAccessingSecurityScopedResource(url);
-  const Error outcome = coordinate(*coordinator, url, options,
-                                   [&](const NSURL& given) { static_cast<void>(accessor(given)); });
-  if (isStarted) stopAccessingSecurityScopedResource(url);
+  Error outcome;
+  {
+    const Access access(url);
+    outcome = coordinate(*coordinator, url, options,
+                         [&](const NSURL& given) { static_cast<void>(accessor(given)); });
+  }
   return answer(outcome, error);
 }
 

@@ -23,7 +23,7 @@ using ORLFURLAsynchronousAccessor = std::function<std::shared_ptr<const NSError>
 
 /// `orlfCoordinatedSecureAccessWithOptions:accessor:error:`  Calls the accessor with the address
 /// that the coordinator gives. The answer tells of the coordination alone: true, and nil in the
-/// slot, whatever the accessor answers.
+/// slot, whatever the accessor answers. What it throws comes through, and access ends.
 bool orlfCoordinatedSecureAccessWithOptions(const NSURL& url, NSUInteger options,
                                             const ORLFURLAccessor& accessor,
                                             NSErrorSlot error = nullptr);
