@@ -25,6 +25,24 @@ void onSharedQueue(Work&& work) {
   dispatch_sync(ORLFProgressIndicator::sharedProgressIndicatorQueue(), work);
 }
 
+/// Has a hold end a quarter of a second after its display, also when the delegate throws.
+class HoldEnd {
+ public:
+  explicit HoldEnd(std::weak_ptr<ORLFProgressIndicator> indicator)
+      : indicator_(std::move(indicator)) {}
+  ~HoldEnd() {
+    dispatch_after(dispatch_time(DISPATCH_TIME_NOW, kHoldNanoseconds), dispatch_get_main_queue(),
+                   [weak = std::move(indicator_)] {
+                     if (const auto held = weak.lock()) held->startDisplayTimer();
+                   });
+  }
+  HoldEnd(const HoldEnd&) = delete;
+  HoldEnd& operator=(const HoldEnd&) = delete;
+
+ private:
+  std::weak_ptr<ORLFProgressIndicator> indicator_;
+};
+
 }  // namespace
 
 const dispatch_queue_t& ORLFProgressIndicator::sharedProgressIndicatorQueue() {
@@ -244,11 +262,8 @@ void ORLFProgressIndicator::currentProgressWillChangeForItem(const Item& item) {
   dispatch_async(dispatch_get_main_queue(), [weak, item] {
     const auto indicator = weak.lock();
     if (!indicator) return;
+    const HoldEnd end(weak);
     indicator->updateDisplayValuesWithItem(item);
-    dispatch_after(dispatch_time(DISPATCH_TIME_NOW, kHoldNanoseconds), dispatch_get_main_queue(),
-                   [weak] {
-                     if (const auto held = weak.lock()) held->startDisplayTimer();
-                   });
   });
 }
 

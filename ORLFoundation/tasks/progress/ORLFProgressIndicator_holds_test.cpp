@@ -6,6 +6,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <stdexcept>
 
 namespace ORLFoundation {
 namespace {
@@ -99,6 +100,23 @@ TEST_F(ORLFProgressIndicatorHolds, CountsTheHoldFromTheEndOfTheDisplay) {
   advance(0);
   delegate->then = nullptr;
   EXPECT_THAT(loop.later(), ElementsAre(360 * kMillisecond));
+}
+
+TEST_F(ORLFProgressIndicatorHolds, EndsAHoldWhoseDisplayThrows) {
+  const Item root = item(1, 10);
+  indicator->displayProgressItem(root);
+  advance(10);
+  delegate->take();
+  delegate->then = [] { throw std::runtime_error("no"); };
+  root->currentProgressWillChange();
+  EXPECT_THROW(advance(0), std::runtime_error);
+  delegate->then = nullptr;
+  EXPECT_THAT(delegate->take(), ElementsAre(1));
+  EXPECT_EQ(indicator->displayTimerCounter(), -1);
+  root->updateValue(2);
+  advance(260);
+  EXPECT_EQ(indicator->displayTimerCounter(), 0);
+  EXPECT_THAT(delegate->take(), ElementsAre(2));
 }
 
 TEST_F(ORLFProgressIndicatorHolds, ShowsAgainWhenTheLastOfNestedHoldsEnds) {
