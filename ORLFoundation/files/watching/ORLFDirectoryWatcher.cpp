@@ -68,12 +68,19 @@ void ORLFDirectoryWatcher::KQCallback(const CFFileDescriptorRef& kqRef, CFOption
 
 void ORLFDirectoryWatcher::kqueueFired() {
   ORLF_WATCHER_ASSERT(kq_ >= 0, "kq >= 0");
+  /// Callbacks are for once; the next comes also when the action throws.
+  struct Listening {
+    ~Listening() {
+      if (watcher.dirKQRef_) watcher.events_->enableReadCallBacks(watcher.dirKQRef_);
+    }
+    const ORLFDirectoryWatcher& watcher;
+  };
   const auto self = shared_from_this();  // the action may drop the watcher
+  const Listening listening{*this};
   const std::shared_ptr<NSObject> target = target_.lock();
   const int eventCount = events_->drain(kq_);
   ORLF_WATCHER_ASSERT(eventCount >= 0 && eventCount < 2, "(eventCount >= 0) && (eventCount < 2)");
   if (action_ && target) action_->perform(target, self);
-  if (dirKQRef_) events_->enableReadCallBacks(dirKQRef_);
 }
 
 void ORLFDirectoryWatcher::invalidate() {

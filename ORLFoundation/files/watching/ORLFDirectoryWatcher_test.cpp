@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <poll.h>
 
+#include <stdexcept>
 #include <thread>
 
 namespace ORLFoundation {
@@ -135,6 +136,15 @@ TEST_F(DirectoryWatcher, MayBeStoppedAndDroppedByItsAction) {
   ledger_->onChange = [&] { watcher_ = nullptr; };
   EXPECT_EQ(actionsOf([&] { write("third", ""); }), 1);
   EXPECT_TRUE(ledger_->last.expired());
+}
+
+TEST_F(DirectoryWatcher, GoesOnWhenItsActionThrows) {
+  ledger_->onChange = [] { throw std::runtime_error("refused"); };
+  write("made", "");
+  EXPECT_THROW(turn(), std::runtime_error);
+  EXPECT_EQ(ledger_->changes, 1);
+  ledger_->onChange = nullptr;
+  EXPECT_EQ(actionsOf([&] { write("another", ""); }), 1);
 }
 
 TEST_F(DirectoryWatcher, LeavesTargetsAloneThatHaveNoSuchOperation) {

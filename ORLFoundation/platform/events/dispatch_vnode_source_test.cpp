@@ -1,5 +1,6 @@
 #include <ORLFoundation/platform/events/dispatch_vnode_source.h>
 
+#include <ORLFoundation/platform/dispatch/NSMainQueue.h>
 #include <ORLFoundation/platform/events/EventDescriptor.h>
 #include <ORLFoundation/platform/events/NodeWatcher.h>
 #include <ORLFoundation/platform/events/VNodeSource.h>
@@ -12,6 +13,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <stdexcept>
 #include <thread>
 #include <vector>
 
@@ -63,6 +65,29 @@ class DispatchVNodeSourceTest : public orlftest::TemporaryFolderTest {
   std::vector<std::uint64_t> words_;
   int cancels_ = 0;
 };
+
+TEST_F(DispatchVNodeSourceTest, GoesOnWhenItsHandlerThrowsOutOfTheMainQueue) {
+  while (pumpMainQueue(0)) continue;
+  const auto source = dispatch_source_create(DISPATCH_SOURCE_TYPE_VNODE, descriptor_,
+                                             DISPATCH_VNODE_WRITE, dispatch_get_main_queue());
+  int events = 0;
+  bool isCancelled = false;
+  dispatch_source_set_event_handler(source, [&] {
+    if (++events == 2) dispatch_source_cancel(source);
+    throw std::runtime_error("refused");
+  });
+  dispatch_source_set_cancel_handler(source, [&] {
+    isCancelled = true;
+    ::close(descriptor_);
+  });
+  dispatch_resume(source);
+  for (int writing = 0; writing < 2; ++writing) {
+    append(path("file"));
+    EXPECT_THROW(pumpMainQueue(20), std::runtime_error);
+  }
+  EXPECT_EQ(events, 2);
+  EXPECT_TRUE(isCancelled);
+}
 
 TEST_F(DispatchVNodeSourceTest, JoinsTheFlagsThatCameWhileItsQueueWasBusy) {
   const auto source = make(DISPATCH_VNODE_WRITE | DISPATCH_VNODE_ATTRIB | DISPATCH_VNODE_RENAME);

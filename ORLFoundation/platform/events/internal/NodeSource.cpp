@@ -78,7 +78,16 @@ void NodeSource::run() {
       handler = eventHandler_;
     }
   }
-  if (handler && *handler) (*handler)();
+  try {
+    if (handler && *handler) (*handler)();
+  } catch (...) {  // Out of the main queue: the source goes on.
+    conclude();
+    throw;
+  }
+  conclude();
+}
+
+void NodeSource::conclude() {
   {
     const std::lock_guard guard(lock_);
     isScheduled_ = false;

@@ -34,6 +34,9 @@ class NodeSource final : public DispatchVNodeSource {
   /// With lock_ held: gives the queue one run of the source, unless one waits there.
   void schedule();
   void run();
+  /// Behind the event handler: another run for what came meanwhile, or the end of what was
+  /// cancelled.
+  void conclude();
   /// Runs the cancel handler and drops both.
   void finish();
 
