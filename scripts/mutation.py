@@ -349,14 +349,24 @@ class Equivalent:
     new: tuple
     reason: str
     line: int
+    places: int = 1
 
     def covers(self, file, text, change):
         return file == self.file and (self.old, self.new) == change.lines(text)
+
+    def misfit(self, text, changes):
+        """How the changes of its file that it fits are not as many as it says; None when they are."""
+        count = sum(self.covers(self.file, text, change) for change in changes)
+        if count == self.places:
+            return None
+        fits = {0: "no change", 1: "1 change"}.get(count, f"{count} changes")
+        return f"fits {fits} of {self.file}" + (f", not {self.places}" if self.places > 1 else "")
 
 
 def read_equivalents(text):
     """Blocks apart by blank lines: the file, its lines after `-`, the changed ones after `+`, why.
 
+    A block that is meant for equal lines of its file says so after its name: `X.cpp, 2 places`.
     ValueError names the line of a block that lacks one of them.
     """
     found = []
@@ -370,5 +380,6 @@ def read_equivalents(text):
         reason = " ".join(line for line in lines[1:] if not line.startswith(("-", "+")))
         if not (old and new and reason) or lines[0].startswith(("-", "+")):
             raise ValueError(f"line {number}: a block is a file, lines with -, lines with +, a reason")
-        found.append(Equivalent(lines[0], old, new, reason, number))
+        file, places = re.fullmatch(r"(.*?)(?:, ([0-9]+) places)?", lines[0]).groups()
+        found.append(Equivalent(file, old, new, reason, number, int(places or 1)))
     return found

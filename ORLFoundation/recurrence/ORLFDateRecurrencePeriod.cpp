@@ -17,7 +17,7 @@ using namespace internal::recurrence;
 namespace {
 
 /// No periods a year and no word for a frequency outside the enumeration.
-constexpr ORLFFrequencyFacts kUnknown = {{}, 0, 0.0, "", ""};
+constexpr ORLFFrequencyFacts kUnknown = {};
 
 const ORLFFrequencyFacts& factsOrNone(ORLFDateRecurrenceFrequency frequency) noexcept {
   const ORLFFrequencyFacts* const facts = factsOf(frequency);

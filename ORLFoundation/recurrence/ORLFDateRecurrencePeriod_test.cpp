@@ -144,6 +144,12 @@ TEST(ORLFDateRecurrencePeriod, AddsNothingBeyondTheCalendar) {
   const auto period = every(NSIntegerMax, ORLFDateRecurrenceFrequencyDaily);
   EXPECT_EQ(dateByAddingRecurrencePeriod(*calendar, *period, 2, NSDate(), 0), std::nullopt);
   EXPECT_EQ(dateByAddingRecurrencePeriod(*calendar, *period, 1, NSDate(), 0), std::nullopt);
+  // Wrapping brings any number of months into the year, but a product that does not fit is none.
+  const auto months = every(NSIntegerMax, kMonthly);
+  EXPECT_NE(dateByAddingRecurrencePeriod(*calendar, *months, 1, NSDate(), NSCalendarWrapComponents),
+            std::nullopt);
+  EXPECT_EQ(dateByAddingRecurrencePeriod(*calendar, *months, 2, NSDate(), NSCalendarWrapComponents),
+            std::nullopt);
 }
 
 TEST(ORLFDateRecurrencePeriod, CountsPeriodsBetweenDates) {

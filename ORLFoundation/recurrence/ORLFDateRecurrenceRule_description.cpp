@@ -4,6 +4,7 @@
 #include <ORLFoundation/platform/log/ORLFFatalError.h>
 #include <ORLFoundation/recurrence/ORLFFrequencyFacts.h>
 
+#include <iterator>
 #include <map>
 #include <string>
 #include <string_view>
@@ -42,9 +43,9 @@ std::string monthWord(NSInteger month) {
 // Only 11, 12 and 13 are set apart, so that 111 reads 111st; negative numbers read -1th.
 std::string ordinal(NSInteger number) {
   constexpr std::string_view kSuffixes[] = {"th", "st", "nd", "rd"};
-  const NSInteger last = number % 10;
-  const bool teen = number >= 11 && number <= 13;
-  const bool own = !teen && last >= 1 && last <= 3;
+  const auto last = static_cast<NSUInteger>(number % 10);
+  const bool teen = number == 11 || number == 12 || number == 13;
+  const bool own = !teen && last < std::size(kSuffixes);
   return std::to_string(number) + std::string(kSuffixes[own ? last : 0]);
 }
 

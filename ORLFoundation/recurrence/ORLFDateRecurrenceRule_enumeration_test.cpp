@@ -86,6 +86,10 @@ TEST_F(Enumeration, CountsDatesAcrossWindowsForTheEnd) {
 TEST_F(Enumeration, StopsInTheMiddleOfAWindow) {
   const Rule rule(Rule::Recurrence{.frequency = kMonthly, .daysOfTheMonth = {{1, 10, 20}}});
   EXPECT_EQ(days(rule, morning(2023, 1, 5), 2), (Days{20230110, 20230120}));
+  // An end that is far off does not take the block's stop back.
+  EXPECT_EQ(days(rule, morning(2023, 1, 5), 2,
+                 {.end = ORLFDateRecurrenceEnd::initEndWithOccurrenceCount(99)}),
+            (Days{20230110, 20230120}));
 }
 
 TEST_F(Enumeration, LosesAndDoublesNothingBetweenWindows) {
@@ -109,6 +113,14 @@ TEST_F(Enumeration, BeginsToCountEmptyPeriodsAnewAfterADate) {
   const Rule rule(
       Rule::Recurrence{.frequency = kMonthly, .daysOfTheMonth = {{29}}, .monthsOfTheYear = {{2}}});
   EXPECT_EQ(days(rule, morning(2023, 1, 1), 3), (Days{20240229, 20280229, 20320229}));
+  // After 1896 the next one lies eight years ahead: 60 empty windows follow the one with a date.
+  std::size_t delivered = 0;
+  EXPECT_EQ(internal::recurrence::ORLFDateWalk(
+                rule, {.calendar = *calendar_, .startDate = morning(1896, 2, 1)},
+                [&](NSDate, NSUInteger, bool&) { ++delivered; })
+                .run(),
+            61U);
+  EXPECT_EQ(delivered, 1U);
 }
 
 TEST_F(Enumeration, FindsTheLeapDaysOfAnExactYearlyRule) {

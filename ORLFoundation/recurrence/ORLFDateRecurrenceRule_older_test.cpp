@@ -58,6 +58,20 @@ TEST_F(OlderEnumeration, MovesItsBaseToTheAnchor) {
             (Days{20230615}));
 }
 
+TEST_F(OlderEnumeration, LeavesTheBaseWhereItIsWithAnIntervalThatHasNoSlots) {
+  EXPECT_EQ(days({.frequency = kMonthly, .interval = 1, .anchorIndex = 3}, day(2023, 3, 15), 1),
+            (Days{20230415}));
+  EXPECT_EQ(days({.frequency = kMonthly, .interval = 0, .anchorIndex = 3}, day(2023, 3, 15), 1),
+            (Days{20230315}));
+  EXPECT_EQ(days({.frequency = kMonthly, .interval = -2, .anchorIndex = 3}, day(2023, 3, 15), 2),
+            (Days{20230115, 20221115}));
+}
+
+TEST_F(OlderEnumeration, StandsStillWithAnIntervalOfZero) {
+  EXPECT_EQ(days({.frequency = kDaily, .interval = 0}, day(2023, 3, 15), 3),
+            (Days{20230315, 20230315, 20230315}));
+}
+
 TEST_F(OlderEnumeration, LooksBackFromEachStepForItsPatterns) {
   EXPECT_EQ(days({.frequency = kMonthly, .anchorIndex = 1, .daysOfTheMonth = {{15}}},
                  day(2023, 1, 20), 2),
@@ -73,6 +87,28 @@ TEST_F(OlderEnumeration, PicksDatesByPosition) {
       days({.frequency = kMonthly, .daysOfTheMonth = {{5, 15}}, .setPositions = {{1}}},
            day(2023, 1, 20), 3);
   EXPECT_EQ(first, (Days{20230205, 20230305, 20230405}));
+}
+
+TEST_F(OlderEnumeration, PicksTheOneDateOfAPeriodWithoutPatterns) {
+  for (const NSInteger position : {1, -1}) {
+    EXPECT_EQ(days({.frequency = kMonthly, .setPositions = {{7, position}}}, day(2023, 1, 20), 2),
+              (Days{20230220, 20230320}));
+  }
+}
+
+TEST_F(OlderEnumeration, GivesThePeriodsLastDateFirstBackward) {
+  EXPECT_EQ(days({.frequency = kMonthly, .daysOfTheMonth = {{5, 15}}}, day(2023, 1, 20), 4, true),
+            (Days{20230115, 20230105, 20221215, 20221205}));
+}
+
+TEST_F(OlderEnumeration, CountsAnAbsoluteRuleFromItsCanonicalReferenceDate) {
+  const Rule::Recurrence fields{
+      .frequency = kMonthly, .interval = 3, .anchorIndex = 3, .absolute = true};
+  const NSDate reference = day(2023, 5, 17);
+  const auto canonical =
+      Rule::ruleWithFields(fields)->canonicalReferenceDateForDate(reference, *calendar_);
+  ASSERT_NE(canonical, reference);
+  EXPECT_EQ(days(fields, reference, 1, true), daysOf({canonical.value()}, *calendar_));
 }
 
 TEST_F(OlderEnumeration, GivesEqualDatesOfSeveralPatternsTwice) {
@@ -170,6 +206,16 @@ TEST_F(OlderEnumeration, EndsWhereItStandsStillBesideTheCalendarsBeginning) {
                     .setPositions = {{2}}},
                    first, 5)
                   .empty());
+}
+
+TEST_F(OlderEnumeration, CountsPatternsThatAreMatchedOnOneSideOnly) {
+  // There December lies ahead alone, and the January after it has one behind.
+  const NSDate first =
+      calendar_->dateByAddingUnit(NSCalendarUnitYear, -1'362'022, day(2023, 1, 15), 0).value();
+  EXPECT_EQ(
+      days({.frequency = kYearly, .monthsOfTheYear = {{1, 12}}, .setPositions = {{2}}}, first, 1)
+          .size(),
+      1U);
 }
 
 TEST_F(OlderEnumeration, PassesOverWeekdaysAndNumbersThatNoMonthHas) {

@@ -57,7 +57,7 @@ bool readInterval(std::string_view value, Recurrence& rule) {
 
 bool readDay(std::string_view item, Recurrence& rule) {
   constexpr std::size_t kNameLength = 2;
-  if (item.size() < kNameLength) return false;
+  // An item shorter than a name is all number, and no name is left of it.
   const std::string_view number = item.substr(0, item.size() - kNameLength);
   const auto* found =
       std::find(std::begin(kWeekdays), std::end(kWeekdays), item.substr(number.size()));

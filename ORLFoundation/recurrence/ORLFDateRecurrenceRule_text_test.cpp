@@ -115,6 +115,8 @@ const char* const kUnreadable[] = {
     "RRULE:FREQ=WEEKLY;",
     "RRULE:FREQ",
     "RRULE:FREQ=DAILY=1",
+    "RRULE:COUNT==5",
+    "RRULE:COUNT=5=",
     "RRULE:FREQ=weekly",
     "RRULE:FREQ=HOURLY",
     "RRULE:FREQ=QUARTERLY",
@@ -320,8 +322,10 @@ TEST(RuleDescriptionDeathTest, UnknownFrequenciesAndMonthsStopTheProcess) {
   EXPECT_DEATH((void)std::make_shared<Rule>(static_cast<ORLFDateRecurrenceFrequency>(7), 1)
                    ->humanReadableDescription(),
                "Fatal error: file ORLFoundation/DateRecurrenceRule, line");
-  EXPECT_DEATH((void)Rule::partialDescriptionForMonthsOfYear(numbers({13})),
-               "Fatal error: file ORLFoundation/DateRecurrenceRule, line");
+  for (const NSInteger month : {NSInteger{0}, NSInteger{13}, NSIntegerMin, NSIntegerMax}) {
+    EXPECT_DEATH((void)Rule::partialDescriptionForMonthsOfYear(numbers({month})),
+                 "Fatal error: file ORLFoundation/DateRecurrenceRule, line");
+  }
 }
 
 }  // namespace

@@ -135,6 +135,20 @@ class Equivalents(unittest.TestCase):
         self.assertFalse(block.covers("Other.cpp", text, covered))
         self.assertFalse(block.covers("Walk.cpp", text, Change("comparison turned", 8, 9, ">=")))
 
+    def test_a_block_fits_as_many_changes_as_it_says(self):
+        one, = read_equivalents("F.cpp\n- return a < b;\n+ return a <= b;\nWhy.\n")
+        two, = read_equivalents("F.cpp, 2 places\n- return a < b;\n+ return a <= b;\nWhy.\n")
+        self.assertEqual((two.file, two.places), ("F.cpp", 2))
+
+        def misfits(text):
+            return [block.misfit(text, changes_of(text)) for block in (one, two)]
+
+        once, none = body("return a < b;"), body("return a;")
+        self.assertEqual(misfits(none), ["fits no change of F.cpp", "fits no change of F.cpp, not 2"])
+        self.assertEqual(misfits(once), [None, "fits 1 change of F.cpp, not 2"])
+        self.assertEqual(misfits(once + once), ["fits 2 changes of F.cpp", None])
+        self.assertEqual(misfits(once * 3), ["fits 3 changes of F.cpp", "fits 3 changes of F.cpp, not 2"])
+
     def test_a_block_without_a_reason_is_refused(self):
         with self.assertRaisesRegex(ValueError, "line 3"):
             read_equivalents("# Head.\n\nWalk.cpp\n- if (a < b)\n+ if (a <= b)\n")

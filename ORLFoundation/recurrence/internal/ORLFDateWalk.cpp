@@ -12,9 +12,8 @@
 namespace ORLFoundation::internal::recurrence {
 namespace {
 
-/// Each empty period counts for two, so that 60 in a row end a walk.
-constexpr int kEmptinessLimit = 120;
-constexpr int kEmptinessOfPeriod = 2;
+/// So many empty periods in a row end a walk.
+constexpr int kEmptinessLimit = 60;
 
 std::optional<NSInteger> stepOf(const ORLFDateRecurrenceRule& rule, bool backwards) {
   const NSInteger units = isQuarterly(rule.frequency()) ? kMonthsPerQuarter : 1;
@@ -128,7 +127,7 @@ NSUInteger ORLFDateWalk::run() {
   NSInteger index = 0;
   while (!stop_) {
     const bool goesOn = collectNextWindow(++index);
-    emptiness = window_.empty() ? emptiness + kEmptinessOfPeriod : 0;
+    emptiness = window_.empty() ? emptiness + 1 : 0;
     deliver();
     if (emptiness >= kEmptinessLimit || !goesOn) break;
   }
