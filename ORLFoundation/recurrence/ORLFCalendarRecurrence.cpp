@@ -35,8 +35,8 @@ std::optional<NSDate> position(const ORLFDateRecurrenceRule& rule, const NSCalen
   return found;
 }
 
-/// Walks from `start` and answers the count-th date that lies `beyond` the date asked about; the
-/// last date of the walk when it ends sooner.
+/// Walks from `start` and answers the count-th date that lies `beyond` the date asked about, a
+/// count of 0 taken for 1; the last date of the walk when it ends sooner.
 template <class Beyond>
 std::optional<NSDate> countedDate(const ORLFDateRecurrenceRule& rule, const NSCalendar& calendar,
                                   NSDate start, Direction direction, NSUInteger count,
@@ -114,18 +114,16 @@ std::optional<NSDate> dateAfterDate(const NSCalendar& calendar,
                                     const ORLFDateAfterDate& arguments) {
   const ORLFDateRecurrenceRule& rule = arguments.usingRecurrenceRule;
   const NSDate date = arguments.date;
-  NSUInteger count = arguments.count;
-  if (count == 0) {
-    if (recurrenceRuleIncludesDate(calendar, rule, date, arguments.referenceDate)) return date;
-    count = 1;
-  }
+  if (arguments.count == 0 &&
+      recurrenceRuleIncludesDate(calendar, rule, date, arguments.referenceDate))
+    return date;
   NSDate start = arguments.referenceDate.value_or(date);
   if (orlfIsAfter(start, date))
     start = position(rule, calendar, start, true, [date](NSDate found) {
               return orlfIsOnOrBefore(found, date);
             }).value_or(start);
   return countedDate(rule, calendar, start, {.backwards = false, .exact = arguments.exactMatch},
-                     count, [date](NSDate found) { return orlfIsAfter(found, date); });
+                     arguments.count, [date](NSDate found) { return orlfIsAfter(found, date); });
 }
 
 bool recurrenceRuleIncludesDate(const NSCalendar& calendar,
@@ -156,14 +154,12 @@ std::optional<NSDate> startOfWalk(const NSCalendar& calendar,
     if (!orlfIsBefore(*referenceDate, startDate)) return referenceDate;
     return dateAfterDate(calendar, {.date = startDate,
                                     .usingRecurrenceRule = rule,
-                                    .count = 1,
                                     .referenceDate = referenceDate,
                                     .exactMatch = true});
   }
   if (!orlfIsAfter(*referenceDate, startDate)) return referenceDate;
   return dateBeforeDate(calendar, {.date = startDate,
                                    .usingRecurrenceRule = rule,
-                                   .count = 1,
                                    .referenceDate = referenceDate,
                                    .exactPatternMatch = true});
 }

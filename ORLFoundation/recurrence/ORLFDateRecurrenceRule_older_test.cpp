@@ -237,6 +237,10 @@ TEST_F(OlderEnumeration, EndsWhereTheCalendarEndsAndWithoutADate) {
   EXPECT_TRUE(
       days({.frequency = kMonthly, .interval = 5, .anchorIndex = NSIntegerMin}, day(2023, 1, 20), 5)
           .empty());
+  // Its base is the reference date, and the months of its first step are more than a number holds.
+  EXPECT_TRUE(days({.frequency = kQuarterly, .interval = NSIntegerMax, .anchorIndex = NSIntegerMax},
+                   day(2023, 1, 20), 5)
+                  .empty());
   const NSDate never =
       NSDate::dateWithTimeIntervalSinceReferenceDate(std::numeric_limits<double>::quiet_NaN());
   EXPECT_TRUE(days({.frequency = kMonthly}, never, 5).empty());
