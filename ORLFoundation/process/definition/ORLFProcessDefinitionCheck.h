@@ -33,7 +33,7 @@ enum ORLFProcessDefinitionFindingKind : NSInteger {
   ORLFProcessDefinitionFindingMissingAttribute = 2,
   /// A step or a transition in whose place a later one of its name comes.
   ORLFProcessDefinitionFindingReplaced = 3,
-  /// The "rootstep" is no step at the top of the file.
+  /// The "rootstep" is no step at the top of the file, or there is no `<process>` to name one.
   ORLFProcessDefinitionFindingMissingRootStep = 4,
   /// A `<stepref>` to no step at the top of the file.
   ORLFProcessDefinitionFindingDanglingReference = 5,

@@ -98,6 +98,9 @@ const CheckCase kFaults[] = {
     {"AMissingFirstStepOfTheProcess",
      "<process rootstep='r'>\n<step id='r' firststep='x'><step id='a'/></step></process>",
      {"2:1 8 The group \"r\" begins with \"x\", a step that it does not have"}},
+    {"NoProcess",
+     "\n<steps>\n<step id='r'/></steps>",
+     {"2:1 4 There is no <process>, and so no step to begin with"}},
     {"AMissingTarget",
      "<process rootstep='r'><step id='r' firststep='a'><step id='a'>\n<transition value='n' "
      "stepid='x'/></step></step></process>",

@@ -26,7 +26,9 @@ void CheckingStepBuilder::add(ORLFProcessDefinitionFindingKind kind,
 
 void CheckingStepBuilder::parserDidStartElement(NSXMLParser& parser, const NSXMLStartTag& tag) {
   place_ = {parser.startTagLineNumber(), parser.startTagColumnNumber()};
-  if (tag.didStartElement == "process") processPlace_ = place_;
+  const bool isProcess = tag.didStartElement == "process";
+  if (isProcess || processPlace_ == ORLFProcessDefinitionPlace()) processPlace_ = place_;
+  holdsProcess_ = holdsProcess_ || isProcess;
   checkNames(tag);
   try {
     ORLFProcessStepBuilder::parserDidStartElement(parser, tag);
@@ -92,6 +94,9 @@ std::vector<ORLFProcessDefinitionFinding> CheckingStepBuilder::findingsOfRecords
 }
 
 void CheckingStepBuilder::checkRootStep() {
+  if (!holdsProcess_)
+    add(ORLFProcessDefinitionFindingMissingRootStep, processPlace_,
+        "There is no <process>, and so no step to begin with");
   if (rootStepId() && rootStepDatas().count(*rootStepId()) == 0)
     add(ORLFProcessDefinitionFindingMissingRootStep, processPlace_,
         "The process begins with " + quotedName(*rootStepId()) +

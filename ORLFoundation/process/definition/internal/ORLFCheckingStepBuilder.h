@@ -46,8 +46,10 @@ class CheckingStepBuilder final : public ORLFProcessStepBuilder {
   void checkTrees();
 
   std::vector<ORLFProcessDefinitionFinding> findings_;
-  ORLFProcessDefinitionPlace place_;         // of the tag that is told of
-  ORLFProcessDefinitionPlace processPlace_;  // of the last <process>
+  ORLFProcessDefinitionPlace place_;  // of the tag that is told of
+  // Of the last <process>; of the file's first tag where there is none.
+  ORLFProcessDefinitionPlace processPlace_;
+  bool holdsProcess_ = false;
   std::set<std::string, std::less<>> referred_;
   StepOrigins origins_;
 };
