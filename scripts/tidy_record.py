@@ -1,9 +1,7 @@
 """The record of the sources that clang-tidy passed, and what is left for it to read.
 
-A line of the record holds two hashes and a source. The first hash is that of the source, of the
-headers of ours that it includes, directly or not, and of the configuration. The second leaves out
-all headers but the source's own, so that a change of a header that many include does not have all
-of them read again at once.
+A line of the record holds a hash and a source. The hash is that of the source, of the headers of
+ours that it includes, directly or not, and of the configuration.
 """
 
 import hashlib
@@ -13,8 +11,7 @@ from pathlib import Path
 INCLUDE = re.compile(r'^\s*#\s*include\s*[<"]([^>"]+)[>"]', re.MULTILINE)
 PROOFS = re.compile(r"_(test|benchmark|fuzz)\.cpp$")
 HEAD = """\
-# Sources that passed: a hash of what clang-tidy saw, one of the source and its header, the source.
-# Written by make check-all.
+# Sources that passed: a hash of what clang-tidy saw, the source. Written by make check-all.
 """
 
 
@@ -55,43 +52,33 @@ class Hashes:
                 waiting += self.headers_of(name)
         return sorted(seen)
 
-    def own_files_of(self, source):
-        """The source and the header of its class: that of A_more.cpp is A.h."""
-        place = Path(source)
-        header = place.with_name(place.stem.partition("_")[0] + ".h")
-        return [source] + [header.as_posix()] * (self.root / header).is_file()
-
-    def hash_of(self, names):
+    def of(self, source):
+        """The hash of what clang-tidy sees."""
         digest = hashlib.sha256(self.configuration.encode())
-        for name in names:
+        for name in self.files_of(source):
             digest.update(f"\0{name}\0{self.text(name)}".encode())
         return digest.hexdigest()[:16]
 
-    def of(self, source):
-        """What clang-tidy sees, and of that the source's own."""
-        return self.hash_of(self.files_of(source)), self.hash_of(self.own_files_of(source))
-
 
 def read_record(text):
-    """Source to hashes."""
+    """Source to hash."""
     rows = (line.split() for line in text.splitlines() if line and not line.startswith("#"))
-    return {source: (seen, own) for seen, own, source in rows}
+    return {source: seen for seen, source in rows}
 
 
 def record_text(hashes):
-    return HEAD + "".join(f"{seen} {own} {source}\n" for source, (seen, own) in sorted(hashes.items()))
+    return HEAD + "".join(f"{seen} {source}\n" for source, seen in sorted(hashes.items()))
 
 
 def changed(hashes, record):
-    """The sources that are new or have changed themselves."""
-    return [source for source, (_, own) in sorted(hashes.items())
-            if source not in record or record[source][1] != own]
+    """The sources that are new, or have changed with what they include."""
+    return [source for source, seen in sorted(hashes.items()) if record.get(source) != seen]
 
 
 def record_with(hashes, record, passed):
-    """The record of what stands in it and has not changed itself, with what has passed since."""
-    found = {source: record[source] for source in set(hashes) - set(changed(hashes, record))}
-    return {**found, **{source: both for source, both in hashes.items() if source in passed}}
+    """The record of what stands in it unchanged, with what has passed since."""
+    unread = set(changed(hashes, record)) - set(passed)
+    return {source: seen for source, seen in hashes.items() if source not in unread}
 
 
 def tenth(sources, commit):
