@@ -216,6 +216,13 @@ TEST_F(OlderEnumeration, CountsPatternsThatAreMatchedOnOneSideOnly) {
       days({.frequency = kYearly, .monthsOfTheYear = {{1, 12}}, .setPositions = {{2}}}, first, 1)
           .size(),
       1U);
+  // In the last December that searches reach, January lies behind alone.
+  const NSDate last =
+      calendar_->dateByAddingUnit(NSCalendarUnitYear, 1'357'976, day(2023, 12, 15), 0).value();
+  EXPECT_EQ(
+      days({.frequency = kYearly, .monthsOfTheYear = {{1}}, .setPositions = {{1}}}, last, 1, true)
+          .size(),
+      1U);
 }
 
 TEST_F(OlderEnumeration, PassesOverWeekdaysAndNumbersThatNoMonthHas) {
