@@ -19,7 +19,7 @@ std::shared_ptr<NSURLSession> NSURLSession::sessionWithConfiguration(
     std::shared_ptr<NSURLSessionDelegate> delegate,
     std::shared_ptr<NSOperationQueue> delegateQueue) {
   if (const auto provider = providers.current())
-    return (*provider)(std::move(configuration), std::move(delegate), std::move(delegateQueue));
+    if (auto session = (*provider)(configuration, delegate, delegateQueue)) return session;
   return std::make_shared<internal::net::LoadingSession>(configuration, delegate,
                                                          std::move(delegateQueue));
 }

@@ -55,6 +55,7 @@ class NSURLSession : public NSObject {
 };
 
 /// Makes the sessions that `sessionWithConfiguration` gives, of its three arguments as they stand.
+/// Where it gives null, the library's own session serves.
 using NSURLSessionProvider = std::function<std::shared_ptr<NSURLSession>(
     std::shared_ptr<NSURLSessionConfiguration> configuration,
     std::shared_ptr<NSURLSessionDelegate> delegate,

@@ -113,6 +113,11 @@ class LocalServer {
   const std::string port_;
 };
 
+/// A request for a path of the one server.
+inline std::shared_ptr<ORLFoundation::NSURLRequest> plainRequest(const std::string& path) {
+  return ORLFoundation::NSURLRequest::requestWithURL(LocalServer::shared().url(path));
+}
+
 /// What one task came to.
 struct TaskRecord {
   std::vector<std::string> events;  ///< "sent", "data", "written", "download", "complete".

@@ -20,14 +20,10 @@ namespace {
 using namespace ORLFoundation;
 using orlftest::becomes;
 using orlftest::Loading;
-using orlftest::LocalServer;
+using orlftest::plainRequest;
 using orlftest::RecordingDelegate;
 using orlftest::TaskRecord;
 using testing::ElementsAre;
-
-std::shared_ptr<NSURLRequest> plainRequest(const std::string& path) {
-  return NSURLRequest::requestWithURL(LocalServer::shared().url(path));
-}
 
 std::size_t threadCount() {
   return static_cast<std::size_t>(
@@ -136,96 +132,6 @@ TEST(NSURLSessionThreads, EndEveryTaskOnceInAStormOfCancels) {
   storm(std::make_shared<NSOperationQueue>());
 }
 
-TEST(NSURLSessionThreads, FinishRunningTasksBeforeInvalidationIsTold) {
-  Loading loading;
-  const auto running = loading.session->dataTaskWithRequest(plainRequest("/late/0.05"));
-  running->resume();
-  loading.session->finishTasksAndInvalidate();
-  EXPECT_EQ(loading.session->dataTaskWithRequest(plainRequest("/echo")), nullptr);
-  EXPECT_EQ(loading.session->downloadTaskWithRequest(plainRequest("/echo")), nullptr);
-  ASSERT_TRUE(loading.delegate->waitForInvalidation());
-  EXPECT_EQ(loading.delegate->completions(), 1U);
-  EXPECT_EQ(loading.delegate->record(1).body, "late");
-  loading.session->finishTasksAndInvalidate();
-  loading.session->invalidateAndCancel();
-  EXPECT_EQ(loading.delegate->invalidations_, 1);
-}
-
-TEST(NSURLSessionThreads, CancelTasksThatWereNeverResumedBeforeInvalidationIsTold) {
-  Loading loading;
-  const auto idle = loading.session->dataTaskWithRequest(plainRequest("/echo"));
-  const auto running = loading.session->dataTaskWithRequest(plainRequest("/late/0.05"));
-  running->resume();
-  static_cast<void>(loading.session->downloadTaskWithRequest(plainRequest("/echo")));
-  loading.session->finishTasksAndInvalidate();
-  ASSERT_TRUE(loading.delegate->waitForInvalidation());
-  EXPECT_EQ(loading.delegate->completions(), 2U);
-  EXPECT_EQ(loading.delegate->record(1).code(), NSURLErrorCancelled);
-  EXPECT_EQ(loading.delegate->record(2).body, "late");
-  idle->resume();
-  idle->cancel();
-  EXPECT_EQ(loading.delegate->completions(), 2U);
-}
-
-TEST(NSURLSessionThreads, CancelAllTasksBeforeInvalidationIsTold) {
-  for (const auto& queue :
-       {std::shared_ptr<NSOperationQueue>(), std::make_shared<NSOperationQueue>()}) {
-    Loading loading(nullptr, queue);
-    const auto waiting = loading.session->dataTaskWithRequest(plainRequest("/echo"));
-    for (int i = 0; i < 20; ++i)
-      loading.session->downloadTaskWithRequest(plainRequest("/silent"))->resume();
-    loading.session->invalidateAndCancel();
-    ASSERT_TRUE(loading.delegate->waitForInvalidation());
-    // The download tasks were dropped by the test: the session holds those that run.
-    EXPECT_EQ(loading.delegate->completions(), 21U);
-    for (NSUInteger task = 1; task <= 21; ++task)
-      EXPECT_EQ(loading.delegate->record(task).code(), NSURLErrorCancelled);
-  }
-}
-
-TEST(NSURLSessionThreads, CancelTasksThatAreMadeWhileTheyAreInvalidated) {
-  for (int round = 0; round < 20; ++round) {
-    Loading loading;
-    const auto request = plainRequest("/silent");
-    std::atomic<bool> begins{false};
-    std::size_t made = 0;
-    std::thread maker([&] {
-      begins = true;
-      for (; made < 300; ++made) {
-        const auto task = loading.session->dataTaskWithRequest(request);
-        if (!task) return;
-        task->resume();
-      }
-    });
-    while (!begins) std::this_thread::yield();
-    loading.session->invalidateAndCancel();
-    maker.join();
-    ASSERT_TRUE(loading.delegate->waitForInvalidation());
-    EXPECT_EQ(loading.delegate->completions(), made);
-    for (NSUInteger task = 1; task <= made; ++task)
-      EXPECT_EQ(loading.delegate->record(task).code(), NSURLErrorCancelled);
-  }
-}
-
-TEST(NSURLSessionThreads, EndTasksThatBeginWhileTheyAreInvalidatedBeforeThatIsTold) {
-  const auto request = NSURLRequest::requestWithURL(NSURL::URLWithString("data:,inside"));
-  for (int round = 0; round < 200; ++round) {
-    Loading loading;
-    const auto task = loading.session->dataTaskWithRequest(request);
-    std::atomic<bool> begins{false};
-    std::thread resuming([&] {
-      begins = true;
-      task->resume();
-    });
-    while (!begins) std::this_thread::yield();
-    round % 2 == 0 ? loading.session->finishTasksAndInvalidate()
-                   : loading.session->invalidateAndCancel();
-    EXPECT_TRUE(loading.delegate->waitForInvalidation());
-    EXPECT_EQ(loading.delegate->completions(), 1U) << round;
-    resuming.join();
-  }
-}
-
 TEST(NSURLSessionThreads, HearOfTasksThoughNoDescriptorIsLeft) {
   Loading loading;
   rlimit before{};
@@ -304,12 +210,6 @@ TEST(NSURLSessionThreads, SendNothingOfTasksThatAreCancelledWhileTheyWait) {
   ASSERT_TRUE(loading.delegate->waitForCompletions(50));
   EXPECT_EQ(loading.data(plainRequest("/echo")).status(), 200);
   EXPECT_EQ(Loading().data(plainRequest("/requests")).body, "GET /echo");
-}
-
-TEST(NSURLSessionThreads, TellInvalidationOfASessionThatDidNothing) {
-  Loading loading;
-  loading.session->finishTasksAndInvalidate();
-  EXPECT_TRUE(loading.delegate->waitForInvalidation());
 }
 
 TEST(NSURLSessionThreads, HoldDelegateAndSessionWhileTasksRunAndNoLonger) {
