@@ -5,7 +5,11 @@
 #include <tests/support/TemporaryFolder.h>
 #include <tests/tool/RunTool.h>
 
+#include <sys/stat.h>
+
 #include <filesystem>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -51,6 +55,31 @@ TEST_F(FileCommands, MirrorTellsWhatItWouldDoAndDoesNothing) {
             "keep b/gone\nkeep k\nreplace a\nreplace b/c\nadd n\n"
             "To add: 1, to replace: 2, to remove: 0, to keep: 2\n");
   EXPECT_EQ(treeAt(folder_ / "to"), before);
+}
+
+TEST_F(FileCommands, MirrorTellsBeforehandWhatCannotBeCopied) {
+  makeTrees();
+  const auto refused = [&](const std::string& item) {
+    ASSERT_EQ(::mkfifo(path("from/" + item).c_str(), 0600), 0);
+    for (const std::vector<std::string>& options :
+         {std::vector<std::string>{"--dry-run"}, {"--dry-run", "--keep-removed"}, {}}) {
+      const auto run = mirror(options);
+      EXPECT_EQ(run.exitCode, 1);
+      EXPECT_EQ(run.out, "");
+      EXPECT_EQ(run.err,
+                "orlf mirror: " + fs::path(path("from/" + item)).lexically_normal().string() +
+                    ": it is neither a file, a folder nor a link\n");
+    }
+    std::filesystem::remove(path("from/" + item));
+  };
+  refused("pipe");
+  std::filesystem::create_directories(path("from/new/folder"));
+  refused("new/folder/pipe");
+  std::filesystem::remove(path("from/a"));
+  refused("a");
+  // What is left where it is may be of any kind.
+  ASSERT_EQ(::mkfifo(path("to/pipe").c_str(), 0600), 0);
+  EXPECT_EQ(mirror({"--dry-run"}).exitCode, 0);
 }
 
 TEST_F(FileCommands, MirrorKeepsWhatOnlyTheDestinationHas) {

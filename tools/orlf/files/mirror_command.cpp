@@ -2,9 +2,12 @@
 #include <ORLFoundation/platform/files/NSURLResourceValues.h>
 
 #include <cstddef>
+#include <filesystem>
 #include <memory>
 #include <ostream>
 #include <string>
+#include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "cli/command_line.h"
@@ -29,8 +32,9 @@ struct MirrorArguments {
 /// What is to be done, as the handler hears of it.
 class MirrorPlan {
  public:
+  static constexpr std::string_view kAdd = "add", kReplace = "replace";
   struct Line {
-    const char* action;
+    std::string_view action;
     std::string item;
   };
 
@@ -45,9 +49,9 @@ class MirrorPlan {
       case ORLFDirectoryReplacementActionDescend:
         return true;
       case ORLFDirectoryReplacementActionAdd:
-        return note("add", item, added_);
+        return note(kAdd, item, added_);
       case ORLFDirectoryReplacementActionReplace:
-        return note("replace", item, replaced_);
+        return note(kReplace, item, replaced_);
       default:
         return remove(item);
     }
@@ -57,6 +61,13 @@ class MirrorPlan {
   [[nodiscard]] std::string itemOf(const NSURL& url) const {
     const std::string path = url.path();
     return path.size() > prefixLength_ ? path.substr(prefixLength_) : path;
+  }
+
+  /// Throws the failure that copying from `source` would end in, for what is no file, folder or
+  /// link.
+  void checkKinds(const std::filesystem::path& source) const {
+    for (const Line& line : lines_)
+      if (line.action == kAdd || line.action == kReplace) checkKind(source / line.item);
   }
 
   void print(Session& session) const {
@@ -83,7 +94,17 @@ class MirrorPlan {
   }
 
  private:
-  bool note(const char* action, const std::string& item, std::size_t& count) {
+  static void checkKind(const std::filesystem::path& item) {
+    const auto kind = std::filesystem::symlink_status(item).type();
+    if (kind == std::filesystem::file_type::regular || kind == std::filesystem::file_type::symlink)
+      return;
+    if (kind != std::filesystem::file_type::directory)
+      throw JobFailure(item.string() + ": it is neither a file, a folder nor a link");
+    std::error_code code;
+    for (const auto& each : std::filesystem::directory_iterator(item, code)) checkKind(each.path());
+    if (code) throw JobFailure(item.string() + ": " + code.message());
+  }
+  bool note(std::string_view action, const std::string& item, std::size_t& count) {
     ++count;
     lines_.push_back({action, item});
     return !isDryRun_;
@@ -125,6 +146,7 @@ void runMirror(Session& session, const MirrorArguments& arguments) {
   if (!orlfReplaceContentsOfDirectoryAtURL(manager, NSURL::fileURLWithPath(destination), source, 0,
                                            decide, &error))
     throw JobFailure(error->localizedDescription());
+  if (arguments.isDryRun) plan.checkKinds(std::filesystem::path(source.path()).lexically_normal());
   plan.print(session);
 }
 
