@@ -161,10 +161,6 @@ std::string NSURL::pathExtension() const {
   return point == last.npos || point == 0 ? std::string() : last.substr(point + 1);
 }
 
-bool NSURL::isFileURL() const {
-  constexpr std::string_view file = "file";
-  return std::ranges::equal(text(scheme_), file,
-                            [](char left, char right) { return (left | 0x20) == right; });
-}
+bool NSURL::isFileURL() const { return internal::base::equalsLower(text(scheme_), "file"); }
 
 }  // namespace ORLFoundation

@@ -2,6 +2,7 @@
 
 #include <ORLFoundation/decimal/entry/ORLFNumberFormatter.h>
 #include <ORLFoundation/decimal/entry/ORLFPercentNumberFormatter.h>
+#include <ORLFoundation/platform/base/Trimmed.h>
 #include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
 
@@ -14,16 +15,11 @@ namespace {
 
 using namespace ORLFoundation;
 using internal::base::firstUTF8Character;
+using internal::base::trimmed;
 using internal::base::unitsInUTF16;
 
 constexpr NSInteger kAboveMaximum = 2559;
-
-std::string_view withoutBlanksAround(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\r\n";
-  const std::size_t start = text.find_first_not_of(kBlanks);
-  if (start == std::string_view::npos) return {};
-  return text.substr(start, text.find_last_not_of(kBlanks) - start + 1);
-}
+constexpr std::string_view kBlanks = " \t\r\n";
 
 /// Cuts a UTF-8 text at places told in UTF-16 units, from the left to the right.
 class Cutter {
@@ -108,7 +104,7 @@ SumReader::SumReader(const std::string& locale, const Limit& minimum, const Limi
 SumReader::~SumReader() = default;
 
 TypedSum SumReader::read(std::string_view text) {
-  const std::string_view typed = withoutBlanksAround(text);
+  const std::string_view typed = trimmed(text, kBlanks);
   formatter_->forget();
   TypedSum sum;
   std::optional<NSNumber> value;
@@ -148,7 +144,7 @@ TypedSum readPercentage(const std::string& locale, std::string_view text) {
   formatter.setLocale(std::make_shared<NSLocale>(locale));
   formatter.setGeneratesDecimalNumbers(true);
   TypedSum percentage;
-  if (const auto value = formatter.numberFromString(withoutBlanksAround(text)))
+  if (const auto value = formatter.numberFromString(trimmed(text, kBlanks)))
     percentage.value = NSDecimalNumber(value->decimalValue());
   else
     percentage.fault = "expected a percentage as " + locale + " writes it, " +

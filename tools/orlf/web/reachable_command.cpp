@@ -40,7 +40,7 @@ bool isLabel(std::string_view label) {
   constexpr std::size_t kLongest = 63;
   return !label.empty() && label.size() <= kLongest && std::ranges::all_of(label, [](char c) {
     return internal::base::isLetterOrDigit(c) || c == '-' || c == '_' ||
-           static_cast<unsigned char>(c) >= 0x80;
+           !internal::base::isASCII(c);
   });
 }
 

@@ -4,6 +4,7 @@
 
 #include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/base/Hexadecimal.h>
+#include <ORLFoundation/platform/base/UTF16.h>
 #include <ORLFoundation/platform/base/UTF8.h>
 
 #include <algorithm>
@@ -12,16 +13,14 @@
 namespace ORLFoundation::internal::object {
 namespace {
 
-void appendUnit(std::string& out, char32_t unit) {
+void appendUnit(std::string& out, char16_t unit) {
   out += "\\U";
   base::appendHexByte(out, static_cast<std::uint8_t>(unit >> 8));
   base::appendHexByte(out, static_cast<std::uint8_t>(unit));
 }
 
 void appendUnits(std::string& out, char32_t character) {
-  if (base::unitsInUTF16(character) == 1) return appendUnit(out, character);
-  appendUnit(out, 0xd800 + ((character - 0x10000) >> 10));
-  appendUnit(out, 0xdc00 + ((character - 0x10000) & 0x3ff));
+  base::forEachUnit(character, [&out](char16_t unit) { appendUnit(out, unit); });
 }
 
 void appendASCII(std::string& out, char c) {

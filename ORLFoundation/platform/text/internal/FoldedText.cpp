@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/platform/text/internal/FoldedText.h>
 
+#include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/text/NSStringSearch.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <unicode/normalizer2.h>
@@ -55,7 +56,7 @@ std::int32_t endOfCharacter(const icu::UnicodeString& text, std::int32_t from, b
 }
 
 char16_t foldedASCII(char16_t unit, NSUInteger options) {
-  const bool changes = (options & NSCaseInsensitiveSearch) != 0 && unit >= u'A' && unit <= u'Z';
+  const bool changes = (options & NSCaseInsensitiveSearch) != 0 && base::isUpperLetter(unit);
   return changes ? static_cast<char16_t>(unit - u'A' + u'a') : unit;
 }
 
