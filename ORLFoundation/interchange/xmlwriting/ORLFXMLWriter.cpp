@@ -1,6 +1,7 @@
 #include <ORLFoundation/interchange/xmlwriting/ORLFXMLWriter.h>
 
 #include <ORLFoundation/interchange/sgml/ORLFEntityText.h>
+#include <ORLFoundation/platform/base/Bytes.h>
 #include <ORLFoundation/platform/text/NSStringBytes.h>
 
 #include <array>
@@ -10,13 +11,10 @@
 namespace ORLFoundation {
 namespace {
 
+using internal::base::bytesOf;
 using internal::sgml::appendEscaped;
 
 constexpr std::size_t kPiece = 2048;
-
-std::span<const std::uint8_t> bytesOf(std::string_view text) {
-  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-}
 
 }  // namespace
 

@@ -2,6 +2,8 @@
 
 #include <ORLFoundation/platform/plist/PropertyListTable.h>
 
+#include <ORLFoundation/platform/base/Bytes.h>
+
 #include <algorithm>
 #include <bit>
 #include <limits>
@@ -18,8 +20,7 @@ std::string_view PropertyListTable::text(Index node) const noexcept {
 }
 
 std::span<const std::uint8_t> PropertyListTable::bytes(Index node) const noexcept {
-  const std::string_view found = text(node);
-  return {reinterpret_cast<const std::uint8_t*>(found.data()), found.size()};
+  return base::bytesOf(text(node));
 }
 
 PropertyListTable::Indexes PropertyListTable::members(Index node) const noexcept {

@@ -1,5 +1,6 @@
 #include <ORLFoundation/security/primitives/ORLFDataBlowfish.h>
 
+#include <ORLFoundation/platform/base/Bytes.h>
 #include <ORLFoundation/security/primitives/Blowfish.h>
 
 #include <algorithm>
@@ -11,6 +12,8 @@
 namespace ORLFoundation {
 namespace {
 
+using internal::base::storeLittle;
+
 constexpr std::size_t kBlock = 8;
 /// The schedule reads no more of a key.
 constexpr std::size_t kMostKeyBytes = 72;
@@ -18,10 +21,6 @@ constexpr std::size_t kMostKeyBytes = 72;
 std::uint32_t loadWord(const std::uint8_t* bytes) {
   return std::uint32_t{bytes[0]} | std::uint32_t{bytes[1]} << 8 | std::uint32_t{bytes[2]} << 16 |
          std::uint32_t{bytes[3]} << 24;
-}
-
-void storeWord(std::uint32_t word, std::uint8_t* bytes) {
-  for (int i = 0; i < 4; ++i) bytes[i] = static_cast<std::uint8_t>(word >> 8 * i);
 }
 
 using Cipher = void (*)(const BLOWFISH_CTX*, std::uint32_t*, std::uint32_t*);
@@ -38,8 +37,8 @@ void cryptBlocks(NSMutableData& data, std::string_view key, Cipher cipher) {
     std::uint32_t left = loadWord(block);
     std::uint32_t right = loadWord(block + 4);
     cipher(&schedule, &left, &right);
-    storeWord(left, block);
-    storeWord(right, block + 4);
+    storeLittle(left, block);
+    storeLittle(right, block + 4);
   }
   explicit_bzero(&schedule, sizeof schedule);
 }

@@ -1,6 +1,7 @@
 #include <ORLFoundation/security/primitives/ORLFDataSignature.h>
 
 #include <ORLFoundation/platform/base/Base64.h>
+#include <ORLFoundation/platform/base/Bytes.h>
 
 #include <optional>
 #include <string>
@@ -8,6 +9,8 @@
 
 namespace ORLFoundation {
 namespace {
+
+using internal::base::bytesOf;
 
 constexpr std::string_view kMarker = "Signature: ";
 constexpr int kLeastKeyBits = 2048;
@@ -35,10 +38,6 @@ std::optional<std::string> signatureBytes(std::string_view text) {
   std::string joined(text);
   std::erase_if(joined, [](char c) { return c == '\r' || c == '\n'; });
   return internal::base::bytesOfBase64Text(joined);
-}
-
-std::span<const std::uint8_t> bytesOf(std::string_view text) {
-  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
 
 std::optional<SecKeyAlgorithm> algorithmOf(ORLFSignatureEncoding encoding) {

@@ -1,6 +1,8 @@
 
 #include <ORLFoundation/security/primitives/ORLFMD5.h>
 
+#include <ORLFoundation/platform/base/Bytes.h>
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -9,6 +11,8 @@
 #include <cstring>
 
 namespace {
+
+using ORLFoundation::internal::base::storeLittle;
 
 constexpr std::size_t kBlock = 64, kWords = 16, kLengthAt = 56;
 
@@ -45,10 +49,6 @@ std::array<std::uint32_t, kWords> wordsOf(const std::uint8_t* bytes) {
     for (int byte = 3; byte >= 0; --byte)
       words[i] = words[i] << 8 | bytes[4 * i + static_cast<std::size_t>(byte)];
   return words;
-}
-
-void storeWord(std::uint32_t word, std::uint8_t* out) {
-  for (int i = 0; i < 4; ++i) out[i] = static_cast<std::uint8_t>(word >> 8 * i);
 }
 
 void absorb(ORLFMD5Context& context, const std::uint8_t* block) {
@@ -103,10 +103,10 @@ void ORLFMD5Final(uint8_t digest[16], ORLFMD5Context* context) {
   std::array<std::uint8_t, kBlock + 8> tail{0x80};
   const std::size_t held = context->bits[0] / 8 % kBlock;
   const std::size_t padding = (held < kLengthAt ? kLengthAt : kLengthAt + kBlock) - held;
-  storeWord(context->bits[0], tail.data() + padding);
-  storeWord(context->bits[1], tail.data() + padding + 4);
+  storeLittle(context->bits[0], tail.data() + padding);
+  storeLittle(context->bits[1], tail.data() + padding + 4);
   ORLFMD5Update(context, tail.data(), static_cast<std::uint32_t>(padding + 8));
-  for (std::size_t i = 0; i < 4; ++i) storeWord(context->state[i], digest + 4 * i);
+  for (std::size_t i = 0; i < 4; ++i) storeLittle(context->state[i], digest + 4 * i);
   explicit_bzero(context, sizeof *context);
 }
 

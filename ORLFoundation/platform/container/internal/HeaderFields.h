@@ -2,6 +2,7 @@
 /// with their highest.
 #pragma once
 
+#include <ORLFoundation/platform/base/Bytes.h>
 #include <ORLFoundation/platform/container/ArchiveError.h>
 
 #include <array>
@@ -14,27 +15,14 @@ namespace ORLFoundation::internal::container {
 
 using Bytes = std::vector<std::uint8_t>;
 using ByteSpan = std::span<const std::uint8_t>;
+using base::appendBig;
+using base::appendLittle;
+using base::bigAt;
+using base::bytesOf;
+using base::littleAt;
 
-inline void appendLittle(Bytes& bytes, std::uint64_t value, std::size_t width) {
-  for (std::size_t i = 0; i < width; ++i)
-    bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
-}
-inline void appendBig(Bytes& bytes, std::uint64_t value, std::size_t width) {
-  for (std::size_t i = width; i-- > 0;)
-    bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
-}
 inline void appendBytes(Bytes& bytes, ByteSpan more) {
   bytes.insert(bytes.end(), more.begin(), more.end());
-}
-[[nodiscard]] inline std::uint64_t littleAt(ByteSpan bytes, std::size_t at, std::size_t width) {
-  std::uint64_t value = 0;
-  for (std::size_t i = width; i-- > 0;) value = value << 8 | bytes[at + i];
-  return value;
-}
-[[nodiscard]] inline std::uint64_t bigAt(ByteSpan bytes, std::size_t at, std::size_t width) {
-  std::uint64_t value = 0;
-  for (std::size_t i = 0; i < width; ++i) value = value << 8 | bytes[at + i];
-  return value;
 }
 template <std::size_t Count>
 [[nodiscard]] std::array<std::uint8_t, Count> arrayAt(ByteSpan bytes, std::size_t at) {

@@ -22,10 +22,6 @@ struct Letter {
 constexpr std::array kLetters{Letter{'-', ArchiveCompression::none},
                               Letter{'e', ArchiveCompression::lzfse}};
 
-ByteSpan bytesOf(std::string_view text) {
-  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-}
-
 Bytes infoOf(std::string_view label, std::optional<std::uint32_t> index) {
   Bytes info(label.begin(), label.end());
   if (index) appendLittle(info, *index, 4);

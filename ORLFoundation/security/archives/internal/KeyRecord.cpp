@@ -1,5 +1,6 @@
 #include <ORLFoundation/security/archives/internal/KeyRecord.h>
 
+#include <ORLFoundation/platform/base/Bytes.h>
 #include <ORLFoundation/platform/container/ArchiveError.h>
 #include <ORLFoundation/platform/crypto/AESGCM.h>
 #include <ORLFoundation/platform/crypto/SecRandom.h>
@@ -13,6 +14,8 @@
 namespace ORLFoundation::internal::archives {
 namespace {
 
+using base::appendLittle;
+using base::littleAt;
 using crypto::ByteSpan;
 using crypto::ScryptCost;
 
@@ -22,17 +25,6 @@ constexpr std::size_t kSaltAt = kCostAt + 16, kNonceAt = kSaltAt + kSaltBytes;
 constexpr std::size_t kSealedAt = kNonceAt + AES::GCM::kNonceBytes, kTagAt = kSealedAt + kKeyBytes;
 constexpr std::size_t kRecordBytes = kTagAt + AES::GCM::kTagBytes;
 
-void appendNumber(std::vector<std::uint8_t>& bytes, std::uint64_t value, std::size_t width) {
-  for (std::size_t i = 0; i < width; ++i)
-    bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
-}
-
-std::uint64_t numberAt(ByteSpan bytes, std::size_t at, std::size_t width) {
-  std::uint64_t value = 0;
-  for (std::size_t i = width; i-- > 0;) value = value << 8 | bytes[at + i];
-  return value;
-}
-
 [[noreturn]] void throwUnknown() {
   throw ArchiveError(NSErrorOfFoundationError(FoundationError::unknown));
 }
@@ -40,12 +32,12 @@ std::uint64_t numberAt(ByteSpan bytes, std::size_t at, std::size_t width) {
 /// What stands before the nonce.
 std::vector<std::uint8_t> startOfRecord(const ScryptCost& cost) {
   std::vector<std::uint8_t> record;
-  appendNumber(record, kRecordBytes, 4);
+  appendLittle(record, kRecordBytes, 4);
   record.insert(record.end(), kName.begin(), kName.end());
   record.push_back(0);
-  appendNumber(record, cost.n, 8);
-  appendNumber(record, cost.r, 4);
-  appendNumber(record, cost.p, 4);
+  appendLittle(record, cost.n, 8);
+  appendLittle(record, cost.r, 4);
+  appendLittle(record, cost.p, 4);
   record.resize(kNonceAt);
   if (SecRandomCopyBytes(kSecRandomDefault, kSaltBytes, record.data() + kSaltAt) != 0)
     throwUnknown();
@@ -54,7 +46,7 @@ std::vector<std::uint8_t> startOfRecord(const ScryptCost& cost) {
 
 bool isRecord(ByteSpan record) {
   const auto name = record.subspan(std::min<std::size_t>(record.size(), 4));
-  return record.size() == kRecordBytes && numberAt(record, 0, 4) == kRecordBytes &&
+  return record.size() == kRecordBytes && littleAt(record, 0, 4) == kRecordBytes &&
          std::equal(
              kName.begin(), kName.end(), name.begin(),
              [](char c, std::uint8_t byte) { return static_cast<std::uint8_t>(c) == byte; }) &&
@@ -109,8 +101,8 @@ SymmetricKey archiveKeyOfRecord(ByteSpan record, const NSData& password) {
     throw ArchiveError(ArchiveErrorUnsupported,
                        "The archive is sealed with a key of its own, not with a password.");
   if (!isRecord(record)) throwWrongPassword();
-  const ScryptCost cost{numberAt(record, kCostAt, 8), numberAt(record, kCostAt + 8, 4),
-                        numberAt(record, kCostAt + 12, 4)};
+  const ScryptCost cost{littleAt(record, kCostAt, 8), littleAt(record, kCostAt + 8, 4),
+                        littleAt(record, kCostAt + 12, 4)};
   checkCost(cost);
   AES::GCM::SealedBox box;
   std::copy_n(record.begin() + kNonceAt, box.nonce.size(), box.nonce.begin());
