@@ -3,6 +3,7 @@
 
 #include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/base/CheckedArithmetic.h>
+#include <ORLFoundation/platform/base/NumberText.h>
 #include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/text/NSCharacterSet.h>
 
@@ -16,8 +17,8 @@ namespace ORLFoundation {
 namespace {
 
 namespace base = internal::base;
-
-constexpr std::string_view kDigits = "0123456789";
+using base::endOfDigits;
+using base::takeSign;
 
 std::string_view withoutLeadingSpace(std::string_view text) noexcept {
   while (!text.empty()) {
@@ -28,13 +29,6 @@ std::string_view withoutLeadingSpace(std::string_view text) noexcept {
     text.remove_prefix(first.length);
   }
   return text;
-}
-
-/// Takes a sign off; answers whether it was a minus.
-bool takeSign(std::string_view& text) noexcept {
-  const bool negative = text.starts_with('-');
-  if (negative || text.starts_with('+')) text.remove_prefix(1);
-  return negative;
 }
 
 // Digits as a number with the sign given; ends at the nearest end of 64 bits.
@@ -49,10 +43,6 @@ NSInteger digitsValue(std::string_view digits, bool negative) noexcept {
     value = *next;
   }
   return value;
-}
-
-std::size_t endOfDigits(std::string_view text, std::size_t from) noexcept {
-  return std::min(text.find_first_not_of(kDigits, from), text.size());
 }
 
 /// Where the digits of an exponent end; `from` where none begins there.
@@ -114,7 +104,7 @@ double doubleValue(std::string_view text) {
 
 bool boolValue(std::string_view text) noexcept {
   text = withoutLeadingSpace(text);
-  takeSign(text);
+  static_cast<void>(takeSign(text));
   text.remove_prefix(std::min(text.find_first_not_of('0'), text.size()));
   return !text.empty() && std::string_view("YyTt123456789").find(text.front()) != text.npos;
 }

@@ -4,6 +4,7 @@
 #include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/base/Base64.h>
 #include <ORLFoundation/platform/base/CivilDays.h>
+#include <ORLFoundation/platform/base/NumberText.h>
 #include <ORLFoundation/platform/base/Trimmed.h>
 #include <ORLFoundation/platform/plist/PropertyListTable.h>
 
@@ -23,13 +24,6 @@ constexpr std::string_view kBlanks = " \t\n\r";
 constexpr int kMostYear = 32767;
 constexpr std::int32_t kDaysToReference = 11323;  // from 1970-01-01 to 2001-01-01
 
-// Takes a sign off the text; true for minus.
-bool takeSign(std::string_view& text) noexcept {
-  const bool isNegative = text.starts_with('-');
-  if (isNegative || text.starts_with('+')) text.remove_prefix(1);
-  return isNegative;
-}
-
 // Digits of an exact count at the start of a date's text, and the sign after them.
 int takeDigits(std::string_view& text, std::size_t digits, char mark) {
   int value = 0;
@@ -47,7 +41,7 @@ int takeDigits(std::string_view& text, std::size_t digits, char mark) {
 
 std::pair<std::uint64_t, bool> integerFromXML(std::string_view text) {
   text = base::trimmed(text, kBlanks);
-  const bool isNegative = takeSign(text);
+  const bool isNegative = base::takeSign(text);
   const bool isHexadecimal = text.starts_with("0x") || text.starts_with("0X");
   if (isHexadecimal) text.remove_prefix(2);
   std::uint64_t magnitude = 0;
@@ -62,7 +56,7 @@ std::pair<std::uint64_t, bool> integerFromXML(std::string_view text) {
 
 double realFromXML(std::string_view text) {
   text = base::trimmed(text, kBlanks);
-  const bool isNegative = takeSign(text);
+  const bool isNegative = base::takeSign(text);
   double value = 0;
   if (base::equalsLower(text, "nan")) {
     value = std::numeric_limits<double>::quiet_NaN();

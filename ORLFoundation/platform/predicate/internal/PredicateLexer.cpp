@@ -2,6 +2,7 @@
 #include <ORLFoundation/platform/predicate/internal/PredicateLexer.h>
 
 #include <ORLFoundation/platform/base/ASCII.h>
+#include <ORLFoundation/platform/base/NumberText.h>
 #include <ORLFoundation/platform/text/NSStringNumbers.h>
 
 #include <algorithm>
@@ -14,18 +15,14 @@ namespace {
 using Kind = PredicateToken::Kind;
 
 constexpr std::string_view kSpace = " \t\r\n\v\f";
-constexpr std::string_view kDigits = "0123456789";
 constexpr std::ptrdiff_t kMostKeys = 100;
 
+using base::endOfDigits;
 using base::isDigit;
 
 bool beginsKey(char c) { return base::isLetter(c) || c == '_' || c == '@' || !base::isASCII(c); }
 
 bool isInKey(char c) { return beginsKey(c) || isDigit(c); }
-
-std::size_t endOfDigits(std::string_view text, std::size_t from) {
-  return std::min(text.find_first_not_of(kDigits, from), text.size());
-}
 
 /// The end of the keys, with points between them, that begin at a place.
 std::size_t endOfKeys(std::string_view text, std::size_t at) {
