@@ -1,7 +1,7 @@
 
 #include <ORLFoundation/calendar/ORLFCalendarIntervals.h>
 
-#include <ORLFoundation/platform/process/NSBundle.h>
+#include <ORLFoundation/platform/process/LocalizedText.h>
 
 #include <iterator>
 
@@ -71,7 +71,7 @@ std::string calendarUnitNameForIntervalType(const NSCalendar& /*calendar*/,
   const bool plural = unitCount > 1;
   const char* const word = capitalize ? (plural ? row->pluralCapital : row->singleCapital)
                                       : (plural ? row->plural : row->single);
-  return NSBundle::mainBundle()->localizedStringForKey(word, "", std::nullopt);
+  return internal::process::localizedText(word);
 }
 
 std::optional<NSDate> dateByRoundingDownDate(const NSCalendar& calendar, NSDate date,

@@ -1,7 +1,7 @@
 
 #include <ORLFoundation/calendar/ORLFCalendarRatios.h>
 
-#include <ORLFoundation/platform/process/NSBundle.h>
+#include <ORLFoundation/platform/process/LocalizedText.h>
 #include <ORLFoundation/support/diagnostics/ORLFDebugLog.h>
 
 #include <atomic>
@@ -107,8 +107,7 @@ double orlfRatioOfCalendarUnit(const NSCalendar& calendar, NSCalendarUnit unit,
 std::string orlfNameForCalendarUnit(NSCalendarUnit unit, bool plural) {
   for (const UnitWord& word : kWords) {
     if (word.unit != unit) continue;
-    return NSBundle::mainBundle()->localizedStringForKey(plural ? word.plural : word.single, "",
-                                                         std::nullopt);
+    return internal::process::localizedText(plural ? word.plural : word.single);
   }
   _ORLFDebugLog("Unexpected repeat interval in orlfNameForCalendarUnit: %lu", unit);
   return "unknown";

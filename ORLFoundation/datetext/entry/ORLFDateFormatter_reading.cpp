@@ -9,7 +9,7 @@
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSString.h>
-#include <ORLFoundation/platform/process/NSBundle.h>
+#include <ORLFoundation/platform/process/LocalizedText.h>
 #include <ORLFoundation/platform/text/NSCharacterSet.h>
 #include <ORLFoundation/platform/text/UTF16Range.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
@@ -19,6 +19,7 @@
 
 namespace ORLFoundation {
 
+using internal::process::localizedText;
 using namespace internal::entry;
 namespace base = internal::base;
 
@@ -30,19 +31,15 @@ constexpr std::string_view kFormatWanted = "Please enter a date with the format 
 constexpr std::string_view kTooEarly = "Invalid date";
 constexpr std::string_view kEarliest = "Dates before %@ are not allowed.";
 
-std::string localized(std::string_view text) {
-  return NSBundle::mainBundle()->localizedStringForKey(text, "", std::nullopt);
-}
-
 std::string localizedWith(std::string_view format, std::string_view argument) {
-  return stringWithFormat(localized(format), argument);
+  return stringWithFormat(localizedText(format), argument);
 }
 
 bool fill(NSErrorSlot error, std::string_view description, std::string_view key,
           const std::string& text) {
   if (error == nullptr) return false;
   const auto information = NSDictionary::dictionaryWithEntries(
-      {{NSLocalizedDescriptionKey, localized(description)}, {key, text}});
+      {{NSLocalizedDescriptionKey, localizedText(description)}, {key, text}});
   return NSFillErrorSlot(
       error, NSError::errorWithDomain(NSCocoaErrorDomain, NSFormattingError, information));
 }
@@ -80,7 +77,7 @@ NSRange ORLFDateFormatter::dayRangeForMonth(NSInteger month, NSInteger year,
 
 bool ORLFDateFormatter::readsEmpty(std::optional<NSDate>* object, NSErrorSlot error) const {
   if (!allowNilDates_)
-    NSFillErrorSlot(error, NSCocoaErrorDomain, NSFormattingError, localized(kNoDate));
+    NSFillErrorSlot(error, NSCocoaErrorDomain, NSFormattingError, localizedText(kNoDate));
   if (object != nullptr) object->reset();
   return allowNilDates_;
 }

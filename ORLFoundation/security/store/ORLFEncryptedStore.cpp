@@ -8,7 +8,7 @@
 #include <ORLFoundation/platform/log/NSLog.h>
 #include <ORLFoundation/platform/notification/NSNotificationCenter.h>
 #include <ORLFoundation/platform/object/NSString.h>
-#include <ORLFoundation/platform/process/NSBundle.h>
+#include <ORLFoundation/platform/process/LocalizedText.h>
 #include <ORLFoundation/security/store/internal/PasswordEntries.h>
 #include <ORLFoundation/security/store/internal/StoreFile.h>
 #include <ORLFoundation/security/store/internal/StoreLock.h>
@@ -17,6 +17,7 @@
 
 namespace ORLFoundation {
 
+using internal::process::localizedText;
 using namespace internal::store;
 
 namespace {
@@ -30,10 +31,6 @@ bool isAbsent(const NSURL& url) {
   std::shared_ptr<const NSError> error;
   if (resourceValuesForKeys(URLByResolvingSymlinksInPath(url), {}, &error)) return false;
   return error->domain() == NSCocoaErrorDomain && error->code() == NSFileReadNoSuchFileError;
-}
-
-id localized(std::string_view text) {
-  return NSBundle::mainBundle()->localizedStringForKey(text, "", std::nullopt);
 }
 
 }  // namespace
@@ -237,21 +234,22 @@ std::shared_ptr<NSError> ORLFEncryptedStore::errorForKeychainStatus(std::int32_t
     return NSError::errorWithDomain(
         ORLFSecurityErrorDomain, status,
         NSDictionary::dictionaryWithEntries(
-            {{NSLocalizedDescriptionKey, localized("Communicating with Keychain failed.")},
+            {{NSLocalizedDescriptionKey, localizedText("Communicating with Keychain failed.")},
              {NSLocalizedRecoverySuggestionErrorKey,
-              localized("Make sure the Keychain is unlocked or try restarting.")}}));
+              localizedText("Make sure the Keychain is unlocked or try restarting.")}}));
   return NSError::errorWithDomain(
       ORLFSecurityErrorDomain, status,
       NSDictionary::dictionaryWithEntries(
           {{NSLocalizedDescriptionKey,
-            localized("The information could not be saved in the Keychain.")},
+            localizedText("The information could not be saved in the Keychain.")},
            {NSLocalizedRecoverySuggestionErrorKey,
-            localized("Make sure the Keychain is unlocked, the app has been granted access and/or "
-                      "restarting.")},
+            localizedText(
+                "Make sure the Keychain is unlocked, the app has been granted access and/or "
+                "restarting.")},
            {NSLocalizedFailureReasonErrorKey,
-            localized("The application is not authorized to access the Keychain.")},
+            localizedText("The application is not authorized to access the Keychain.")},
            {NSLocalizedFailureErrorKey,
-            localized("The information was not saved in the Keychain.")}}));
+            localizedText("The information was not saved in the Keychain.")}}));
 }
 
 }  // namespace ORLFoundation
