@@ -17,9 +17,6 @@ using internal::base::checkedDifference;
 using internal::base::checkedSum;
 using Dates = std::vector<NSDate>;
 
-bool earlier(NSDate left, NSDate right) { return left.compare(right) == NSOrderedAscending; }
-bool later(NSDate left, NSDate right) { return left.compare(right) == NSOrderedDescending; }
-
 // Whether steps of so many units lead anywhere: none of length 0 do, nor those of a mask or of what
 // is no unit.
 bool moves(NSInteger step, NSCalendarUnit unit) {
@@ -105,7 +102,7 @@ Dates datesAround(const NSCalendar& calendar, const ORLFRepeatingEvents& events,
   addDownToStart(back, back.next(), range, dates);
   SeriesWalk forward(calendar, events, false);
   addWithin(forward, forward.next(), range, dates);
-  std::sort(dates.begin(), dates.end(), earlier);
+  std::sort(dates.begin(), dates.end(), orlfIsBefore);
   return dates;
 }
 
@@ -132,7 +129,7 @@ Dates datesBefore(const NSCalendar& calendar, const ORLFRepeatingEvents& events,
   auto date = back.next();
   while (date && range.past(*date)) date = back.next();
   addDownToStart(back, date, range, dates);
-  std::sort(dates.begin(), dates.end(), earlier);
+  std::sort(dates.begin(), dates.end(), orlfIsBefore);
   return dates;
 }
 
@@ -190,7 +187,7 @@ Dates orlfDatesAtInterval(const NSCalendar& calendar, const ORLFSteppedDates& da
 
   Dates list{current};
   if (!isPlaced(calendar, limit)) return list;
-  const auto ahead = backward ? later : earlier;
+  const auto ahead = backward ? orlfIsAfter : orlfIsBefore;
   for (bool more = true; more;) {
     const auto next = steppedDate(calendar, dates, step, backward, current);
     if (!next) break;
@@ -198,7 +195,7 @@ Dates orlfDatesAtInterval(const NSCalendar& calendar, const ORLFSteppedDates& da
     current = *next;
     list.push_back(current);
   }
-  std::stable_sort(list.begin(), list.end(), dates.sortAscending ? earlier : later);
+  std::stable_sort(list.begin(), list.end(), dates.sortAscending ? orlfIsBefore : orlfIsAfter);
   return list;
 }
 

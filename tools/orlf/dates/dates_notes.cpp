@@ -1,5 +1,7 @@
 #include "dates/dates_notes.h"
 
+#include <ORLFoundation/calendar/ORLFDateOrdering.h>
+
 #include <optional>
 
 #include "cli/message_text.h"
@@ -8,8 +10,6 @@ namespace orlftool {
 namespace {
 
 using namespace ORLFoundation;
-
-bool isAfter(NSDate left, NSDate right) { return left.compare(right) == NSOrderedDescending; }
 
 /// Those of a list that are counted from an end, which no walk finds: "days -1 and -2 of the
 /// month".
@@ -35,14 +35,14 @@ std::string neverMatching(const ORLFDateRecurrenceRule& rule) {
 
 /// The bounds leave no time between them.
 std::optional<std::string> crossedBounds(const DatesRequest& request) {
-  if (request.asksForRange() && isAfter(*request.from, *request.to))
+  if (request.asksForRange() && orlfIsAfter(*request.from, *request.to))
     return "--from lies after --to";
-  if (request.until && !request.backwards && isAfter(request.start, request.until->date))
+  if (request.until && !request.backwards && orlfIsAfter(request.start, request.until->date))
     return "--until lies before --start";
-  if (request.until && request.backwards && isAfter(request.until->date, request.start))
+  if (request.until && request.backwards && orlfIsAfter(request.until->date, request.start))
     return "--until lies after --start";
   const NSDate first = request.asksForRange() ? *request.from : request.start;
-  if (request.ruleEnd && !request.backwards && isAfter(first, request.ruleEnd->date))
+  if (request.ruleEnd && !request.backwards && orlfIsAfter(first, request.ruleEnd->date))
     return "the rule's UNTIL lies before the first date asked for";
   return std::nullopt;
 }

@@ -1,5 +1,6 @@
 #include "interchange/date_reading.h"
 
+#include <ORLFoundation/calendar/ORLFDateOrdering.h>
 #include <ORLFoundation/platform/format/NSDateFormatter.h>
 #include <ORLFoundation/platform/format/NSLocale.h>
 
@@ -80,11 +81,11 @@ void DateReading::extend(Course& course, const std::optional<NSDate>& date) {
   constexpr std::uint64_t kFactor = 1099511628211U;
   course.fingerprint = (course.fingerprint ^ (date ? date->hash() + 1 : 0)) * kFactor;
   if (!date) return;
-  if (!course.earliest || isEarlier(*date, *course.earliest)) course.earliest = date;
-  if (!course.latest || isEarlier(*course.latest, *date)) course.latest = date;
+  if (!course.earliest || orlfIsBefore(*date, *course.earliest)) course.earliest = date;
+  if (!course.latest || orlfIsBefore(*course.latest, *date)) course.latest = date;
   if (course.last) {
-    course.rises = course.rises || isEarlier(*course.last, *date);
-    course.falls = course.falls || isEarlier(*date, *course.last);
+    course.rises = course.rises || orlfIsBefore(*course.last, *date);
+    course.falls = course.falls || orlfIsBefore(*date, *course.last);
   }
   course.last = date;
 }

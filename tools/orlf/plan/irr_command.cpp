@@ -1,5 +1,6 @@
 #include <ORLFoundation/amortization/ORLFAmortizationCalculator.h>
 #include <ORLFoundation/amortization/net_present_value.h>
+#include <ORLFoundation/calendar/ORLFDateOrdering.h>
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
 #include <ORLFoundation/platform/value/NSDecimalSum.h>
@@ -42,7 +43,7 @@ class DatedFlows {
     if (flows.empty())
       throw JobFailure(file + ": expected lines of a date and an amount, got none");
     std::stable_sort(flows.begin(), flows.end(), [](const CashFlow& left, const CashFlow& right) {
-      return isEarlier(left.date, right.date);
+      return orlfIsBefore(left.date, right.date);
     });
     count_ = flows.size();
     first_ = flows.front().date;

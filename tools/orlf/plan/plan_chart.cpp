@@ -2,6 +2,8 @@
 
 #include "plan/plan_chart.h"
 
+#include <ORLFoundation/calendar/ORLFDateOrdering.h>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -37,9 +39,9 @@ std::vector<Stretch> stretches(const PlanModel& model, NSDate from, NSDate to) {
   const std::vector<PlanTerms>& segments = model.file.segments;
   for (std::size_t i = 0; i < segments.size(); ++i) {
     const NSDate end = i + 1 < segments.size() ? segments[i + 1].start : to;
-    const NSDate left = std::max(from, segments[i].start, isEarlier);
-    const NSDate right = std::min(to, end, isEarlier);
-    if (isEarlier(left, right)) found.push_back({i, left, right});
+    const NSDate left = std::max(from, segments[i].start, orlfIsBefore);
+    const NSDate right = std::min(to, end, orlfIsBefore);
+    if (orlfIsBefore(left, right)) found.push_back({i, left, right});
   }
   return found;
 }
@@ -66,7 +68,7 @@ Grid gridOfStretch(const PlanModel& model, const Stretch& stretch) {
   Grid grid{{stretch.from}, periods};
   for (NSInteger index = first + skip; index <= last; index += skip) {
     const auto date = model.calendar().dateByAddingUnit(unit, index * interval, terms.start, 0);
-    if (date && isEarlier(grid.dates.back(), *date) && isEarlier(*date, stretch.to))
+    if (date && orlfIsBefore(grid.dates.back(), *date) && orlfIsBefore(*date, stretch.to))
       grid.dates.push_back(*date);
   }
   grid.dates.push_back(stretch.to);
@@ -106,8 +108,8 @@ ChartLine lineOfContributions(const PlanModel& model, const std::vector<ChartLin
 }  // namespace
 
 Chart makePlanChart(const PlanModel& model, NSDate from, NSDate to, const std::string& locale) {
-  from = std::max(from, model.start(), isEarlier);
-  if (model.file.end) to = std::min(to, *model.file.end, isEarlier);
+  from = std::max(from, model.start(), orlfIsBefore);
+  if (model.file.end) to = std::min(to, *model.file.end, orlfIsBefore);
   Chart chart;
   chart.title = model.file.title;
   chart.calendar = model.file.calendar;
@@ -117,7 +119,7 @@ Chart makePlanChart(const PlanModel& model, NSDate from, NSDate to, const std::s
     const Grid grid = gridOfStretch(model, stretch);
     chart.lines.push_back(lineOfStretch(model, stretch, grid));
     contributions += grid.contributions;
-    if (isEarlier(from, stretch.from)) chart.marks.push_back(stretch.from);
+    if (orlfIsBefore(from, stretch.from)) chart.marks.push_back(stretch.from);
   }
   chart.isStepped = contributions <= kMostStairs;
   if (!chart.lines.empty()) chart.lines.push_back(lineOfContributions(model, chart.lines));

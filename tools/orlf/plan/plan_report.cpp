@@ -1,5 +1,7 @@
 #include "plan/plan_report.h"
 
+#include <ORLFoundation/calendar/ORLFDateOrdering.h>
+
 #include <algorithm>
 
 #include "cli/failure.h"
@@ -19,7 +21,7 @@ void appendRegularDates(const PlanDates& dates, const NSCalendar& calendar,
   for (NSInteger index = 0;; ++index) {
     const std::optional<NSDate> date =
         calendar.dateByAddingUnit(*dates.every, index, dates.from, 0);
-    if (!date || isEarlier(dates.to, *date)) break;
+    if (!date || orlfIsBefore(dates.to, *date)) break;
     if (list.size() >= kMostRows)
       throw JobFailure(
           "the table would have more than 200000 rows (--every, --from and --to choose fewer)");
@@ -53,15 +55,15 @@ PlanExtreme findExtreme(const PlanModel& model, const PlanDates& dates, bool hig
 /// A principal that a later segment sets hides what came before it, and nothing moves after the
 /// end.
 void refuseHiddenStart(const PlanModel& model, NSDate date) {
-  if (!isEarlier(model.start(), date))
+  if (!orlfIsBefore(model.start(), date))
     throw JobFailure("--on: expected a date after the plan's start, " +
                      shortDateText(model.start(), model.calendar()));
-  if (model.file.end && isEarlier(*model.file.end, date))
+  if (model.file.end && orlfIsBefore(*model.file.end, date))
     throw JobFailure("--on: expected a date that is not after the plan's end, " +
                      shortDateText(*model.file.end, model.calendar()));
   for (std::size_t i = 1; i < model.file.segments.size(); ++i) {
     const PlanTerms& terms = model.file.segments[i];
-    if (!terms.principal || isEarlier(date, terms.start)) continue;
+    if (!terms.principal || orlfIsBefore(date, terms.start)) continue;
     throw JobFailure("segments[" + std::to_string(i) + "] sets a principal of its own on " +
                      shortDateText(terms.start, model.calendar()) +
                      ": the starting principal has no influence after that");
@@ -73,7 +75,7 @@ void refuseHiddenStart(const PlanModel& model, NSDate date) {
 std::vector<NSDate> listPlanDates(const PlanDates& dates, const NSCalendar& calendar) {
   std::vector<NSDate> list = dates.on;
   if (dates.every) appendRegularDates(dates, calendar, list);
-  std::sort(list.begin(), list.end(), isEarlier);
+  std::sort(list.begin(), list.end(), orlfIsBefore);
   list.erase(std::unique(list.begin(), list.end()), list.end());
   return list;
 }

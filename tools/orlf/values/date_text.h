@@ -25,11 +25,6 @@ inline constexpr std::string_view kDateForms =
 [[nodiscard]] ORLFoundation::NSDate readDateOption(std::string_view option, std::string_view text,
                                                    const ORLFoundation::NSCalendar& calendar);
 
-/// Whether the left date is before the right one; the order of dates for algorithms.
-[[nodiscard]] inline bool isEarlier(ORLFoundation::NSDate left, ORLFoundation::NSDate right) {
-  return left.compare(right) == ORLFoundation::NSOrderedAscending;
-}
-
 /// The first instant of the date's day.
 [[nodiscard]] ORLFoundation::NSDate startOfDay(ORLFoundation::NSDate date,
                                                const ORLFoundation::NSCalendar& calendar);
