@@ -8,8 +8,6 @@
 namespace ORLFoundation::internal::base {
 namespace {
 
-constexpr std::string_view kAlphabet =
-    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr std::size_t kGroupBytes = 3;
 constexpr std::size_t kGroupDigits = 4;
 constexpr unsigned kDigitBits = 6;
@@ -17,8 +15,8 @@ constexpr unsigned kDigitBits = 6;
 constexpr std::array<std::int8_t, 256> kValues = [] {
   std::array<std::int8_t, 256> values{};
   for (auto& value : values) value = -1;
-  for (std::size_t i = 0; i < kAlphabet.size(); ++i)
-    values[static_cast<unsigned char>(kAlphabet[i])] = static_cast<std::int8_t>(i);
+  for (std::size_t i = 0; i < kBase64Alphabet.size(); ++i)
+    values[static_cast<unsigned char>(kBase64Alphabet[i])] = static_cast<std::int8_t>(i);
   return values;
 }();
 
@@ -35,7 +33,8 @@ std::string base64Text(std::string_view bytes) {
     for (std::size_t i = 0; i < kGroupBytes; ++i)
       group = group << 8 | (i < count ? static_cast<unsigned char>(bytes[at + i]) : 0U);
     for (std::size_t i = 0; i < kGroupDigits; ++i)
-      text += i <= count ? kAlphabet[group >> (kDigitBits * (kGroupDigits - 1 - i)) & 0x3F] : '=';
+      text +=
+          i <= count ? kBase64Alphabet[group >> (kDigitBits * (kGroupDigits - 1 - i)) & 0x3F] : '=';
   }
   return text;
 }

@@ -7,6 +7,10 @@
 
 namespace ORLFoundation::internal::base {
 
+/// The characters of the values 0 to 63.
+inline constexpr std::string_view kBase64Alphabet =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
 /// 0 to 63 for a character of the alphabet, -1 for any other, "=" among them.
 [[nodiscard]] int base64DigitValue(char c) noexcept;
 

@@ -1,17 +1,20 @@
 
 #include <ORLFoundation/security/primitives/NewBase64.h>
 
+#include <ORLFoundation/platform/base/Base64.h>
+
 #include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 
 namespace {
 
 constexpr std::size_t kLineBytes = 48, kLineCharacters = 64;
 constexpr std::size_t kMostBytes = SIZE_MAX / 4;
 constexpr std::uint8_t kNone = 0xFF;
-constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr std::string_view kAlphabet = ORLFoundation::internal::base::kBase64Alphabet;
 
 using Pair = std::array<char, 2>;
 
