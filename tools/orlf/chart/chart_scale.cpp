@@ -3,6 +3,7 @@
 #include "chart/chart_scale.h"
 
 #include <ORLFoundation/decimal/ORLFMathematicalAxis.h>
+#include <ORLFoundation/platform/base/CivilDays.h>
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
 #include <unicode/dtptngen.h>
 #include <unicode/gregocal.h>
@@ -222,7 +223,7 @@ std::vector<DateTick> dateTicks(NSDate from, NSDate to, int mostTicks, const NSC
   std::vector<DateTick> ticks;
   const double seconds = to.timeIntervalSinceDate(from);
   if (!(seconds > 0)) return ticks;
-  const DateStep& step = stepFor(seconds / 86400, mostTicks);
+  const DateStep& step = stepFor(seconds / internal::base::civil::kSecondsPerDay, mostTicks);
   const DayPrinter printer(step.skeleton, locale);
   const std::optional<NSDate> start = gridStart(from, step, calendar);
   for (NSInteger index = 0; start && index <= NSInteger{2} * mostTicks; ++index) {

@@ -1,5 +1,6 @@
 #include "dates/dates_walk.h"
 
+#include <ORLFoundation/platform/base/CivilDays.h>
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/log/NSLog.h>
 #include <ORLFoundation/recurrence/ORLFCalendarRecurrence.h>
@@ -18,7 +19,7 @@ constexpr double kMostPeriods = 2e6;
 constexpr int kMostDatesPassedOver = 2000000;
 
 double secondsOfFrequency(ORLFDateRecurrenceFrequency frequency) {
-  constexpr double kDay = 86400, kYear = 365.2425 * kDay;
+  constexpr double kDay = internal::base::civil::kSecondsPerDay, kYear = 365.2425 * kDay;
   switch (frequency) {
     case ORLFDateRecurrenceFrequencyDaily:
       return kDay;

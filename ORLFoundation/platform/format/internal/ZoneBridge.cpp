@@ -15,7 +15,7 @@ namespace civil = base::civil;
 namespace {
 
 constexpr double kMillisecondsOfSecond = 1000;
-constexpr double kSecondsOfDay = 86400;
+constexpr double kSecondsOfDay = civil::kSecondsPerDay;
 constexpr NSInteger kSecondsOfHour = 3600;
 // Longer than any offset of a zone, in seconds.
 constexpr double kLargestOffset = 26 * 3600.0;

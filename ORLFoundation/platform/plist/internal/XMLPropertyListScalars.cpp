@@ -7,6 +7,7 @@
 #include <ORLFoundation/platform/base/NumberText.h>
 #include <ORLFoundation/platform/base/Trimmed.h>
 #include <ORLFoundation/platform/plist/PropertyListTable.h>
+#include <ORLFoundation/platform/value/NSDate.h>
 
 #include <algorithm>
 #include <charconv>
@@ -22,7 +23,9 @@ namespace civil = base::civil;
 
 constexpr std::string_view kBlanks = " \t\n\r";
 constexpr int kMostYear = 32767;
-constexpr std::int32_t kDaysToReference = 11323;  // from 1970-01-01 to 2001-01-01
+// From 1970-01-01 to 2001-01-01.
+constexpr auto kDaysToReference =
+    static_cast<std::int32_t>(NSTimeIntervalSince1970 / civil::kSecondsPerDay);
 
 // Digits of an exact count at the start of a date's text, and the sign after them.
 int takeDigits(std::string_view& text, std::size_t digits, char mark) {

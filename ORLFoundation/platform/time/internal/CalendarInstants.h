@@ -54,10 +54,12 @@ struct Instant {
   }
 };
 
-inline constexpr std::int64_t kReferenceSeconds = 978307200;
+inline constexpr std::int64_t kReferenceSeconds =
+    static_cast<std::int64_t>(NSTimeIntervalSince1970);
 inline constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
 /// Instants beyond this many seconds on either side have no result.
-inline constexpr double kMaxSeconds = static_cast<double>((civil::kMaxDay - 20'000) * 86400);
+inline constexpr double kMaxSeconds =
+    static_cast<double>((civil::kMaxDay - 20'000) * civil::kSecondsPerDay);
 
 /// False for a date that is not finite or too far away to count with.
 [[nodiscard]] inline bool splitDate(NSDate date, Instant& instant) noexcept {

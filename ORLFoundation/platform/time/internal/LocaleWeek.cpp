@@ -12,14 +12,12 @@ struct CloseCalendar {
   void operator()(UCalendar* calendar) const { ucal_close(calendar); }
 };
 
-constexpr std::int32_t kSecondsPerDay = 86400;
-
 void setWeekendOfWeekday(LocaleWeek& week, const UCalendar* calendar, std::size_t index) {
   const auto weekday = static_cast<UCalendarDaysOfWeek>(index + 1);
   UErrorCode status = U_ZERO_ERROR;
   const UCalendarWeekdayType type = ucal_getDayOfWeekType(calendar, weekday, &status);
   std::int32_t from = 0;
-  std::int32_t to = type == UCAL_WEEKDAY ? 0 : kSecondsPerDay;
+  std::int32_t to = type == UCAL_WEEKDAY ? 0 : kWholeDay;
   if (type == UCAL_WEEKEND_ONSET)
     from = ucal_getWeekendTransition(calendar, weekday, &status) / 1000;
   if (type == UCAL_WEEKEND_CEASE) to = ucal_getWeekendTransition(calendar, weekday, &status) / 1000;
