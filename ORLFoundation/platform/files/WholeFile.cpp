@@ -1,5 +1,7 @@
 #include <ORLFoundation/platform/files/WholeFile.h>
 
+#include <ORLFoundation/platform/base/Bytes.h>
+#include <ORLFoundation/platform/base/Descriptor.h>
 #include <ORLFoundation/platform/base/TemporaryPath.h>
 #include <ORLFoundation/platform/value/NSUUID.h>
 #include <fcntl.h>
@@ -18,6 +20,8 @@
 namespace ORLFoundation::internal::files {
 namespace {
 
+using base::Descriptor;
+
 constexpr std::size_t kMostBytes = std::size_t{64} << 20;
 constexpr int kMostNamesAside = 1000;
 constexpr mode_t kPrivateMode = 0600;
@@ -27,23 +31,6 @@ constexpr mode_t kModeBits = 07777;
 bool fail(NSErrorSlot error, const std::string& path, int code) {
   return NSFillErrorSlot(error, NSPOSIXErrorDomain, code, path + ": " + std::strerror(code));
 }
-
-/// Closes its file when it dies.
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {}
-  ~Descriptor() {
-    if (number_ >= 0) ::close(number_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  [[nodiscard]] int number() const { return number_; }
-  /// Whether closing told of no failure.
-  [[nodiscard]] bool close() { return ::close(std::exchange(number_, -1)) == 0; }
-
- private:
-  int number_;
-};
 
 /// Removes its file when it dies, or when a signal ends the program, unless it was moved away.
 class TemporaryFile {
@@ -124,19 +111,9 @@ bool makeFolders(const std::string& path) {
   return true;
 }
 
-bool writeAll(int file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = ::write(file, bytes.data(), bytes.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(count));
-  }
-  return true;
-}
-
 bool writeBytes(const std::string& path, std::string_view bytes) {
   Descriptor file(::open(path.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC));
-  return file.number() >= 0 && writeAll(file.number(), bytes) && file.close();
+  return file.number() >= 0 && base::writeAll(file.number(), base::bytesOf(bytes)) && file.close();
 }
 
 /// Brings a written file to the disk, with the mode that it is to have.

@@ -81,20 +81,6 @@ Reading read(std::string_view bytes, const RouteMessage& message, int& error) {
 
 }  // namespace
 
-Descriptor::~Descriptor() {
-  if (number_ >= 0) ::close(number_);
-}
-
-Descriptor::Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
-
-Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
-  if (this != &other) {
-    if (number_ >= 0) ::close(number_);
-    number_ = std::exchange(other.number_, -1);
-  }
-  return *this;
-}
-
 RouteSocketOpener exchangeRouteSocketOpener(RouteSocketOpener opener) {
   return openers.exchange(std::move(opener));
 }

@@ -2,6 +2,8 @@
 /// the kernel.
 #pragma once
 
+#include <ORLFoundation/platform/base/Descriptor.h>
+
 #include <cstdint>
 #include <functional>
 #include <span>
@@ -10,22 +12,7 @@
 
 namespace ORLFoundation::internal::reachability {
 
-/// A descriptor that is closed when its owner dies.
-class Descriptor {
- public:
-  explicit Descriptor(int number = -1) noexcept : number_(number) {}
-  ~Descriptor();
-  Descriptor(Descriptor&& other) noexcept;
-  Descriptor& operator=(Descriptor&& other) noexcept;
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  [[nodiscard]] int number() const noexcept { return number_; }
-  [[nodiscard]] bool isOpen() const noexcept { return number_ >= 0; }
-
- private:
-  int number_;
-};
+using base::Descriptor;
 
 /// Gives a socket of messages that hears the groups of changes, 0 for questions alone; -1 for none.
 using RouteSocketOpener = std::function<int(std::uint32_t groups)>;

@@ -3,8 +3,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <cstddef>
 #include <cstdlib>
 
 namespace ORLFoundation::internal::net {
@@ -24,17 +22,9 @@ TemporaryFile::~TemporaryFile() {
 }
 
 bool TemporaryFile::write(std::span<const std::uint8_t> bytes) const {
-  while (!bytes.empty()) {
-    const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return false;
-    bytes = bytes.subspan(static_cast<std::size_t>(count));
-  }
-  return true;
+  return base::writeAll(descriptor_.number(), bytes);
 }
 
-bool TemporaryFile::close() {
-  return descriptor_ < 0 || ::close(std::exchange(descriptor_, -1)) == 0;
-}
+bool TemporaryFile::close() { return !descriptor_.isOpen() || descriptor_.close(); }
 
 }  // namespace ORLFoundation::internal::net

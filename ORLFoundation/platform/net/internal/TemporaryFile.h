@@ -1,6 +1,7 @@
 /// The file that a download goes to until its delegate has it.
 #pragma once
 
+#include <ORLFoundation/platform/base/Descriptor.h>
 #include <ORLFoundation/platform/base/TemporaryPath.h>
 
 #include <cstdint>
@@ -33,7 +34,7 @@ class TemporaryFile {
 
   const std::string path_;
   const base::TemporaryPath noted_;
-  int descriptor_;
+  base::Descriptor descriptor_;
 };
 
 }  // namespace ORLFoundation::internal::net
