@@ -187,6 +187,12 @@ const std::vector<PowerCase> kPowers = {
     {"2", std::numeric_limits<NSInteger>::max(), "NaN!3"},
     {"2", std::numeric_limits<NSInteger>::min(), "0!2"},
     {"0.5", std::numeric_limits<NSInteger>::max(), "0!2"},
+    {"10", std::numeric_limits<NSInteger>::max(), "NaN!3"},
+    {"10", std::numeric_limits<NSInteger>::min() + 1, "0!2"},
+    {"0.1", std::numeric_limits<NSInteger>::max(), "0!2"},
+    {"0.1", std::numeric_limits<NSInteger>::min() + 1, "NaN!3"},
+    {"5", -115, "4.1538374868278621028243970633760768e-81"},
+    {"-0.05", -113, "-10384593717069655257060992658440192e113"},
     {"NaN", 0, "NaN"},
 };
 

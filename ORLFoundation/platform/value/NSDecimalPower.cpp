@@ -1,9 +1,9 @@
 #include <ORLFoundation/platform/value/NSDecimalArithmetic.h>
 #include <ORLFoundation/platform/value/internal/DecimalRounding.h>
 
-#include <algorithm>
 #include <bit>
 #include <boost/multiprecision/cpp_int.hpp>
+#include <cstdlib>
 
 namespace ORLFoundation {
 namespace {
@@ -21,27 +21,23 @@ using Product =
 
 /// Powers are carried with twice the digits of a decimal, so that the last of its digits is right.
 constexpr int kWorkingDigits = internal::value::kMostWideDigits;
-/// A value of a higher or, below zero, lower place is past every decimal, and so are its powers.
-constexpr std::int64_t kFarthestPlace = 1000;
+/// Of a higher or, below zero, lower exponent a value is past every decimal, and so are its powers.
+constexpr int kFarthestExponent = 1000;
 
-/// A magnitude, cut off where it is not exact.
+/// A magnitude above zero, cut off where it is not exact.
 struct Working {
-  Product digits = 1;
-  std::int64_t exponent = 0;
+  Product digits;
+  int exponent;
   bool exact = true;
 };
 
 Product powerOfTen(int power) { return pow(Product(10), static_cast<unsigned>(power)); }
 
-int digitCount(const Product& value) {
-  if (value == 0) return 0;
-  const auto bits = static_cast<int>(msb(value)) + 1;
-  const int estimate = (bits * 1233) >> 12;
-  return estimate + (value >= powerOfTen(estimate) ? 1 : 0);
-}
+/// As many digits as the value has, or one more.
+int mostDigitsOf(const Product& value) { return (static_cast<int>(msb(value)) * 1233 >> 12) + 2; }
 
 void cutOff(Working& value) {
-  const int surplus = digitCount(value.digits) - kWorkingDigits;
+  const int surplus = mostDigitsOf(value.digits) - kWorkingDigits;
   if (surplus <= 0) return;
   const Product unit = powerOfTen(surplus);
   const Product rest = value.digits % unit;
@@ -50,23 +46,11 @@ void cutOff(Working& value) {
   value.exact = value.exact && rest == 0;
 }
 
-std::int64_t place(const Working& value) { return value.exponent + digitCount(value.digits); }
-
+/// The factor is exact, or the value itself.
 void multiply(Working& value, const Working& factor) {
-  value.exact = value.exact && factor.exact;
   value.digits *= factor.digits;
   value.exponent += factor.exponent;
   cutOff(value);
-}
-
-Product productOf(Wide value) {
-  return (Product(internal::value::highWord(value)) << 64) | internal::value::lowWord(value);
-}
-
-Wide wideOf(const Product& value) {
-  const Product mask = (Product(1) << 64) - 1;
-  return Wide{static_cast<std::uint64_t>(Product(value >> 64) & mask)} << 64 |
-         static_cast<std::uint64_t>(Product(value & mask));
 }
 
 /// From the highest bit of the power down, so that nothing longer than the result is formed.
@@ -76,18 +60,24 @@ Working raised(const Working& base, std::uint64_t power) {
     const Working square = value;
     multiply(value, square);
     if ((power >> bit & 1) != 0) multiply(value, base);
-    if (std::abs(place(value)) > kFarthestPlace) break;
+    if (std::abs(value.exponent) > kFarthestExponent) break;
   }
   return value;
 }
 
 Working inverse(const Working& value) {
-  const int raisedBy = digitCount(value.digits) + kWorkingDigits - 1;
+  const int raisedBy = mostDigitsOf(value.digits) + kWorkingDigits;
   const Product numerator = powerOfTen(raisedBy);
-  Working result{numerator / value.digits, -value.exponent - raisedBy, value.exact};
-  result.exact = result.exact && Product(numerator % value.digits) == 0;
+  const bool exact = value.exact && Product(numerator % value.digits) == 0;
+  Working result{numerator / value.digits, -value.exponent - raisedBy, exact};
   cutOff(result);
   return result;
+}
+
+/// The power of the inverse where that is exact: 1 / 5^120 has 37 digits, 5^120 has 84.
+Working raisedInverse(const Working& base, std::uint64_t power) {
+  const Working inverted = inverse(base);
+  return inverted.exact ? raised(inverted, power) : inverse(raised(base, power));
 }
 
 }  // namespace
@@ -96,19 +86,18 @@ NSDecimalResult NSDecimalPower(const NSDecimal& number, NSInteger power,
                                NSRoundingMode mode) noexcept {
   if (number.isNaN()) return {number};
   if (power == 0) return {NSDecimal::one()};
-  if (number.isZero() && power < 0) return {NSDecimal::notANumber(), NSCalculationDivideByZero};
+  const bool isInverse = power < 0;
+  if (number.isZero() && isInverse) return {NSDecimal::notANumber(), NSCalculationDivideByZero};
   if (number.isZero()) return {};
   const auto bits = static_cast<std::uint64_t>(power);
   const NSDecimal base = number.compacted();
-  Working value =
-      raised({productOf(base.mantissa()), base.exponent()}, power < 0 ? 0 - bits : bits);
-  if (power < 0) value = inverse(value);
-  const WideInteger digits{wideOf(value.digits), wideOf(value.digits >> 128)};
-  const auto exponent = std::clamp(value.exponent, -4 * kFarthestPlace, 4 * kFarthestPlace);
-  return internal::value::rounded(
-      {digits, static_cast<int>(exponent), number.isNegative() && power % 2 != 0,
-       value.exact ? Dropped::kNothing : Dropped::kBelowHalf},
-      mode);
+  const Working exact{Product(base.mantissa()), base.exponent()};
+  const Working value = isInverse ? raisedInverse(exact, 0 - bits) : raised(exact, bits);
+  const WideInteger digits{static_cast<Wide>(value.digits),
+                           static_cast<Wide>(Product(value.digits >> 128))};
+  return internal::value::rounded({digits, value.exponent, number.isNegative() && power % 2 != 0,
+                                   value.exact ? Dropped::kNothing : Dropped::kBelowHalf},
+                                  mode);
 }
 
 }  // namespace ORLFoundation

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <boost/multiprecision/cpp_int.hpp>
+#include <cstdlib>
 #include <random>
 #include <string>
 #include <string_view>
@@ -220,6 +221,31 @@ TEST(NSDecimalLaws, QuotientsAgreeWithFractions) {
     if (quotient.denominator < 0) quotient = {-quotient.numerator, -quotient.denominator};
     ASSERT_EQ(digitsOf(NSDecimalDivide(left, right, mode)), expectedResult(quotient, mode))
         << left.stringValue() << " / " << right.stringValue() << " mode " << mode;
+  }
+}
+
+Fraction powerOf(const Fraction& value, NSInteger power) {
+  const auto times = static_cast<unsigned>(std::abs(power));
+  const cpp_int above = pow(value.numerator, times), below = pow(value.denominator, times);
+  if (power >= 0) return {above, below};
+  return above < 0 ? Fraction{-below, -above} : Fraction{below, above};
+}
+
+TEST(NSDecimalLaws, PowersAgreeWithFractions) {
+  Source source(11);
+  for (int i = 0; i < kRandomCalculations / 3; ++i) {
+    const NSInteger kind = source.between(0, 3);
+    const NSDecimal base = kind == 0   ? source.any()
+                           : kind == 1 ? source.decimalWithExponentBetween(-38, 0)
+                           : kind == 2 ? NSDecimal::fromInteger(source.between(-50, 50))
+                                       : source.moneySized();
+    const NSInteger most = kind == 2 ? 150 : kind == 1 ? 12 : 6;
+    const NSInteger power = source.between(-most, most);
+    if (base.isZero()) continue;
+    const NSRoundingMode mode = source.mode();
+    ASSERT_EQ(digitsOf(NSDecimalPower(base, power, mode)),
+              expectedResult(powerOf(fractionOf(base), power), mode))
+        << base.stringValue() << " to the " << power << " mode " << mode;
   }
 }
 
