@@ -31,12 +31,13 @@ Signed signedWord(std::uint64_t word, bool isNegative) noexcept {
 /// a bit behind.
 constexpr std::size_t kBlock = 32;
 constexpr std::size_t kBlockOfPairs = 16;
+static_assert(std::has_single_bit(kBlock) && std::has_single_bit(kBlockOfPairs));
 /// Where vectors do not take a block, what is like it goes without asking them for each.
 constexpr std::size_t kPairsBeforeVectorsAgain = 512;
 
 /// A sum of so many magnitudes of that many bits fits a word.
 constexpr std::size_t bitsOfBlock(std::size_t count) noexcept {
-  return 64 - std::bit_width(count - 1);
+  return 64 - static_cast<std::size_t>(std::countr_zero(count));
 }
 
 /// Twice the exponent of a value.
@@ -135,13 +136,6 @@ cpp_int powerOfTenWithoutEnd(int exponent) {
   return boost::multiprecision::pow(cpp_int(10), static_cast<unsigned>(exponent));
 }
 
-Wide lowWordsOf(const cpp_int& value) {
-  constexpr std::uint64_t kWord = ~std::uint64_t{0};
-  const auto low = static_cast<std::uint64_t>(cpp_int(value & kWord));
-  const auto high = static_cast<std::uint64_t>(cpp_int(value >> kWordBits & kWord));
-  return Wide{high} << kWordBits | low;
-}
-
 /// What one rounding makes of an exact sum of any length.
 NSDecimalResult roundedSum(const cpp_int& sum, int exponent, NSRoundingMode mode) {
   cpp_int digits = abs(sum);
@@ -153,7 +147,7 @@ NSDecimalResult roundedSum(const cpp_int& sum, int exponent, NSRoundingMode mode
     if (!rest.is_zero()) below = Dropped::kBelowHalf;
     exponent += surplus;
   }
-  const WideInteger wide{lowWordsOf(digits), lowWordsOf(digits >> 2 * kWordBits)};
+  const WideInteger wide{static_cast<Wide>(digits), static_cast<Wide>(cpp_int(digits >> 128))};
   return rounded({wide, exponent, sum < 0, below}, mode);
 }
 
@@ -165,15 +159,14 @@ class NSDecimalAccumulator::WordsAtHand {
   explicit WordsAtHand(NSDecimalAccumulator& accumulator) noexcept : accumulator_(accumulator) {}
 
   Words& of(int exponent) {
-    if (words_ == nullptr || exponent != exponent_) words_ = &accumulator_.sums_[exponent];
-    exponent_ = exponent;
-    return *words_;
+    if (sum_ == nullptr || sum_->first != exponent)
+      sum_ = &*accumulator_.sums_.try_emplace(exponent).first;
+    return sum_->second;
   }
 
  private:
   NSDecimalAccumulator& accumulator_;
-  Words* words_ = nullptr;
-  int exponent_ = 0;
+  Sums::value_type* sum_ = nullptr;
 };
 
 void NSDecimalAccumulator::addAll(std::span<const NSDecimal> values) {
@@ -192,7 +185,6 @@ void NSDecimalAccumulator::addAll(std::span<const NSDecimal> values) {
 void NSDecimalAccumulator::addProducts(std::span<const NSDecimal> left,
                                        std::span<const NSDecimal> right) {
   left = left.first(std::min(left.size(), right.size()));
-  right = right.first(left.size());
   static const PairsAdder addByVectors = pairsAdderOfVectors();
   WordsAtHand words(*this);
   while (addByVectors != nullptr && left.size() >= kPairsOfVectors) {
@@ -270,10 +262,7 @@ void NSDecimalAccumulator::addProductsSingly(std::span<const NSDecimal> left,
 
 void NSDecimalAccumulator::addLongProduct(const NSDecimal& left, const NSDecimal& right,
                                           Words& words) {
-  if (left.isNaN() || right.isNaN()) {
-    isNaN_ = true;
-    return;
-  }
+  if (left.isNaN() || right.isNaN()) isNaN_ = true;
   const bool isNegative = left.isNegative() != right.isNegative();
   const WideInteger digits = product(left.mantissa(), right.mantissa());
   words[0] += signedWord(lowWord(digits.low), isNegative);
@@ -284,16 +273,16 @@ void NSDecimalAccumulator::addLongProduct(const NSDecimal& left, const NSDecimal
 
 NSDecimalResult NSDecimalAccumulator::sum(NSRoundingMode mode) const {
   if (isNaN_) return {NSDecimal::notANumber()};
-  if (sums_.empty()) return {};
-  int exponent = sums_.begin()->first;
   if (sums_.size() == 1) {
-    if (const auto total = shortTotal(sums_.begin()->second)) {
+    const auto& [exponent, words] = *sums_.begin();
+    if (const auto total = shortTotal(words)) {
       const bool isNegative = *total < 0;
       return rounded({{withSign(static_cast<Wide>(*total), isNegative), 0}, exponent, isNegative},
                      mode);
     }
   }
   cpp_int sum = 0;
+  int exponent = 0;
   for (const auto& [lower, words] : sums_) {
     if (!sum.is_zero()) sum *= powerOfTenWithoutEnd(exponent - lower);
     exponent = lower;

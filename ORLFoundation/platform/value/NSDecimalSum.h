@@ -43,6 +43,7 @@ class NSDecimalAccumulator {
   /// The sum of what has one exponent, in words of 64 bits that are added each for itself: more
   /// than 2^62 values fit.
   using Words = std::array<Signed, 4>;
+  using Sums = std::map<int, Words, std::greater<>>;
 
   class WordsAtHand;
 
@@ -52,7 +53,7 @@ class NSDecimalAccumulator {
   void addProductsSingly(std::span<const NSDecimal> left, std::span<const NSDecimal> right);
   void addLongProduct(const NSDecimal& left, const NSDecimal& right, Words& words);
 
-  std::map<int, Words, std::greater<>> sums_;  // by exponent, the largest first
+  Sums sums_;  // by exponent, the largest first
   bool isNaN_ = false;
 };
 

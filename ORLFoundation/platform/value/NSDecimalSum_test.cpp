@@ -103,6 +103,24 @@ TEST(NSDecimalSum, PairsTheProductsByPlace) {
   EXPECT_EQ(NSDecimalSumOfProducts(decimals({"2", "100"}), decimals({"3"})).value, decimal("6"));
 }
 
+// In any of the words of a product, and in none of the others.
+TEST(NSDecimalSum, OfOneProductOfPowersOfTwoIsTheProduct) {
+  constexpr int kMostBits = 126;
+  for (int left = 0; left <= kMostBits; ++left) {
+    for (int right = 0; right <= kMostBits; ++right) {
+      for (const bool isNegative : {false, true}) {
+        const NSDecimal one(NSDecimal::Mantissa{1} << left, 0, isNegative);
+        const NSDecimal other(NSDecimal::Mantissa{1} << right, 0, false);
+        const NSDecimalResult sum =
+            NSDecimalSumOfProducts(std::vector{one}, std::vector{other}, NSRoundDown);
+        const NSDecimalResult product = NSDecimalMultiply(one, other, NSRoundDown);
+        ASSERT_EQ(sum.value, product.value) << left << " and " << right;
+        ASSERT_EQ(sum.error, product.error) << left << " and " << right;
+      }
+    }
+  }
+}
+
 /// Values one by one, which the short ways of ranges never take.
 NSDecimalResult sumOneByOne(const std::vector<NSDecimal>& values, NSRoundingMode mode) {
   NSDecimalAccumulator total;
@@ -201,6 +219,37 @@ TEST(NSDecimalSum, AddsBlocksOfOneExponentAfterThoseOfAnother) {
     expectTheProductsOneByOne(values, values, NSRoundPlain);
     expectTheProductsOneByOne(values, factors, NSRoundPlain);
     expectTheProductsOneByOne(factors, values, NSRoundPlain);
+  }
+}
+
+TEST(NSDecimalSum, AddsBlocksOfEachExponentUnderEachSign) {
+  constexpr std::size_t kCount = 64;
+  for (int exponent = NSDecimal::kSmallestExponent; exponent <= NSDecimal::kLargestExponent;
+       ++exponent) {
+    for (const bool isNegative : {false, true}) {
+      std::vector<NSDecimal> values(kCount, {11, exponent, isNegative});
+      expectTheSumOneByOne(values, NSRoundPlain);
+      expectTheProductsOneByOne(values, std::vector<NSDecimal>(kCount, {3, 0, true}), NSRoundPlain);
+      values.insert(values.end(), kCount, {7, 0, isNegative});
+      expectTheSumOneByOne(values, NSRoundPlain);
+      expectTheProductsOneByOne(values, values, NSRoundPlain);
+    }
+  }
+}
+
+TEST(NSDecimalSum, EndsWithTheShorterOfTwoRanges) {
+  std::vector<NSDecimal> values, factors;
+  for (std::uint64_t i = 0; i < 200; ++i) {
+    values.emplace_back(1000 + i, -2, i % 3 == 0);
+    factors.emplace_back(7 + i, -1, false);
+  }
+  const std::span<const NSDecimal> left(values), right(factors);
+  for (std::size_t count = 0; count < values.size(); ++count) {
+    const NSDecimalResult sum = sumOfProductsOneByOne(
+        {values.begin(), values.begin() + static_cast<std::ptrdiff_t>(count)},
+        {factors.begin(), factors.begin() + static_cast<std::ptrdiff_t>(count)}, NSRoundPlain);
+    ASSERT_EQ(NSDecimalSumOfProducts(left.first(count), right).value, sum.value) << count;
+    ASSERT_EQ(NSDecimalSumOfProducts(left, right.first(count)).value, sum.value) << count;
   }
 }
 
