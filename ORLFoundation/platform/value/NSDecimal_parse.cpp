@@ -25,9 +25,9 @@ constexpr Wide kTwoWords = Wide{kWord} * kWord;
 /// What a text of digits with at most one mark reads as.
 template <class Digits>
 struct Amount {
-  Digits mantissa = 0;
-  std::size_t places = 0;
-  bool isRead = false;
+  Digits mantissa;
+  std::size_t places;
+  bool isRead;
 };
 
 /// A word without the one byte that is no digit, where that is the mark: those before it move up.

@@ -146,11 +146,18 @@ TEST(NSDecimalPaths, RoundedNumbersAreThoseOfTheGeneralWay) {
   }
 }
 
-/// In a place of its own: a byte read before its beginning or behind its end is found out.
+/// In a place of its own, and among digits: a byte read before its beginning or behind its end is
+/// found out.
 void expectOneReading(std::string_view text, std::string_view mark) {
   const std::vector<char> exact(text.begin(), text.end());
   const std::string_view given(exact.data(), exact.size());
-  ASSERT_TRUE(areOneForm(NSDecimal::parse(given, mark), ways::readDecimal(given, mark)))
+  const NSDecimal expected = ways::readDecimal(given, mark);
+  ASSERT_TRUE(areOneForm(NSDecimal::parse(given, mark), expected))
+      << text << " with the mark " << mark;
+  static const std::string around(40, '7');
+  const std::string whole = around + std::string(text) + around;
+  const std::string_view inside = std::string_view(whole).substr(around.size(), text.size());
+  ASSERT_TRUE(areOneForm(NSDecimal::parse(inside, mark), expected))
       << text << " with the mark " << mark;
 }
 
@@ -174,12 +181,56 @@ TEST(NSDecimalPaths, ReadsTextsOfEachLengthWithTheMarkAtEachPlace) {
 TEST(NSDecimalPaths, ReadsStrayCharactersAtEachPlace) {
   for (const std::string_view mark : {".", ",", "", "5", "-", "e", "\xB7", "\xC2\xB7"}) {
     for (const std::string_view other : {".", ",", "-", "e", "E", "/", ":", "5", "\xB7", "\xC2\xB7",
-                                         "\x89", "\xFF", "\x1E", " "}) {
+                                         "\x89", "\xFF", "\x1E", " ", "\xC2"}) {
       for (std::size_t length : {1U, 3U, 4U, 7U, 8U, 9U, 15U, 16U, 17U, 23U, 24U, 32U, 39U, 40U}) {
         for (std::size_t place = 0; place <= length; ++place) {
           std::string text(length, '9');
           expectOneReading(text.insert(place, other), mark);
           expectOneReading(text.insert(length / 2, mark), mark);
+        }
+      }
+    }
+  }
+}
+
+TEST(NSDecimalPaths, ReadsStrayCharactersWithEachMark) {
+  for (int byte = 0; byte < 256; ++byte) {
+    const std::string mark(1, static_cast<char>(byte));
+    for (const char other : {'.', '/', ' ', '\x01', '\x80', '\xFF'}) {
+      for (const std::size_t length : {3U, 7U, 11U, 15U, 20U, 39U}) {
+        for (const char digit : {'0', '1', '9'}) {
+          for (std::size_t place = 0; place <= length; ++place) {
+            std::string text(length, digit);
+            expectOneReading(text.insert(place, 1, other), mark);
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST(NSDecimalPaths, ReadsDigitsAmongStrayCharactersOnly) {
+  for (std::size_t length = 1; length <= 44; ++length) {
+    for (std::size_t digits = 0; digits <= length; ++digits) {
+      for (std::size_t place = 0; place + digits <= length; ++place) {
+        const std::string text = std::string(place, '/') + std::string(digits, '0') +
+                                 std::string(length - place - digits, '/');
+        expectOneReading(text, "0");
+        expectOneReading(text, "/");
+      }
+    }
+  }
+}
+
+TEST(NSDecimalPaths, ReadsEachZeroAsThePlainOne) {
+  for (const std::string_view sign : {"", "-", "+"}) {
+    for (std::size_t length = 1; length <= 44; ++length) {
+      for (std::size_t place = 0; place <= length; ++place) {
+        const std::string text = std::string(sign) + std::string(length, '0').insert(place, ".");
+        for (const std::string_view power : {"", "e5", "e-5", "e-999"}) {
+          expectOneReading(text + std::string(power), ".");
+          ASSERT_TRUE(areOneForm(NSDecimal::parse(text + std::string(power)), NSDecimal()))
+              << text << power;
         }
       }
     }

@@ -4,8 +4,8 @@
 #include <ORLFoundation/platform/value/internal/DecimalRounding.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 namespace ORLFoundation::internal::value {
 namespace {
@@ -29,12 +29,9 @@ class Reader {
     return true;
   }
 
-  bool take(std::string_view mark) noexcept {
-    const auto left = static_cast<std::size_t>(end_ - at_);
-    if (mark.empty() || left < mark.size() || std::memcmp(at_, mark.data(), mark.size()) != 0)
-      return false;
-    at_ += mark.size();
-    return true;
+  void skip(std::string_view mark) noexcept {
+    if (std::string_view(at_, static_cast<std::size_t>(end_ - at_)).starts_with(mark))
+      at_ += mark.size();
   }
 
   /// true for a minus; a plus is taken too.
@@ -69,7 +66,8 @@ class Reader {
     return mantissa_ * shortPowerOfTen(pending_) + chunk_;
   }
   [[nodiscard]] std::int64_t surplus() const noexcept { return surplus_; }
-  [[nodiscard]] Dropped dropped() const noexcept { return dropped_; }
+  /// What is past the 38th digit is half a unit of that digit, or more.
+  [[nodiscard]] bool isHalfOrMore() const noexcept { return isHalfOrMore_; }
 
  private:
   void takeDigit(unsigned digit) noexcept {
@@ -91,12 +89,7 @@ class Reader {
   }
 
   void dropDigit(unsigned digit) noexcept {
-    if (surplus_++ != 0)
-      dropped_ = withMoreBelow(dropped_, digit != 0);
-    else if (digit != 0)
-      dropped_ = digit == 5  ? Dropped::kHalf
-                 : digit < 5 ? Dropped::kBelowHalf
-                             : Dropped::kAboveHalf;
+    if (surplus_++ == 0) isHalfOrMore_ = digit >= 5;
   }
 
   const char* at_;
@@ -106,7 +99,7 @@ class Reader {
   int pending_ = 0;
   bool isFull_ = false;
   std::int64_t surplus_ = 0;
-  Dropped dropped_ = Dropped::kNothing;
+  bool isHalfOrMore_ = false;
 };
 
 }  // namespace
@@ -114,10 +107,11 @@ class Reader {
 NSDecimal readDecimal(std::string_view text, std::string_view decimalMark) noexcept {
   Reader reader(text);
   const bool negative = reader.takeSign();
-  std::int64_t digits = reader.takeDigits();
-  std::int64_t places = 0;
-  if (reader.take(decimalMark)) digits += places = reader.takeDigits();
-  if (digits == 0) return NSDecimal::notANumber();
+  const std::int64_t digits = reader.takeDigits();
+  reader.skip(decimalMark);
+  // None where there is no mark: no digit stands behind the digits then.
+  const std::int64_t places = reader.takeDigits();
+  if (digits + places == 0) return NSDecimal::notANumber();
   std::int64_t exponent = 0;
   if ((reader.take('e') || reader.take('E')) && !reader.takeExponent(exponent))
     return NSDecimal::notANumber();
@@ -125,11 +119,12 @@ NSDecimal readDecimal(std::string_view text, std::string_view decimalMark) noexc
   exponent += reader.surplus() - places;
   const Wide mantissa = reader.mantissa();
   if (mantissa == 0) return {};
-  if (reader.dropped() == Dropped::kNothing && exponent >= NSDecimal::kSmallestExponent &&
+  if (!reader.isHalfOrMore() && exponent >= NSDecimal::kSmallestExponent &&
       exponent <= NSDecimal::kLargestExponent)
     return {mantissa, static_cast<int>(exponent), negative};
   const auto place = static_cast<int>(std::clamp(exponent, -kFarthestExponent, kFarthestExponent));
-  return rounded({{mantissa, 0}, place, negative, reader.dropped()}, NSRoundPlain).value;
+  const Dropped below = reader.isHalfOrMore() ? Dropped::kHalf : Dropped::kNothing;
+  return rounded({{mantissa, 0}, place, negative, below}, NSRoundPlain).value;
 }
 
 }  // namespace ORLFoundation::internal::value
