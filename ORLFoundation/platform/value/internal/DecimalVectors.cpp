@@ -17,7 +17,7 @@ namespace ORLFoundation::internal::value {
 namespace {
 
 constexpr std::size_t kLanes = 4;
-constexpr int kMostBitsOfProduct = 64 - std::bit_width(kPairsOfVectors / kLanes - 1);
+constexpr int kMostBitsOfProduct = 64 - std::countr_zero(kPairsOfVectors / kLanes);
 static_assert(kMostBitsOfProduct == 60);
 static_assert(sizeof(NSDecimal) == 3 * sizeof(std::uint64_t));
 
@@ -149,7 +149,6 @@ ORLF_AVX2 SumOfPairs addPairs(std::span<const NSDecimal> left,
 }  // namespace
 
 PairsAdder pairsAdderOfVectors() noexcept {
-  __builtin_cpu_init();
   return __builtin_cpu_supports("avx2") ? addPairs : nullptr;
 }
 

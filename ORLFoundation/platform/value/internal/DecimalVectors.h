@@ -26,7 +26,7 @@ struct SumOfPairs {
 };
 
 /// Takes blocks from the first on, all of the exponents of the first pair, up to one that does not
-/// go. Both ranges have one length.
+/// go. The right range is not the shorter one.
 using PairsAdder = SumOfPairs (*)(std::span<const NSDecimal> left,
                                   std::span<const NSDecimal> right) noexcept;
 

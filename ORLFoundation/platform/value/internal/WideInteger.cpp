@@ -32,10 +32,10 @@ std::uint64_t quotientWord(Wide& remainder, std::uint64_t next, Wide divisor) no
 /// A power of ten as a divisor: its reciprocal, moved up to 128 bits, turns a division into two
 /// multiplications (Barrett, 1986).
 struct PreparedDivisor {
-  Wide divisor = 0;
-  Wide reciprocal = 0;
+  Wide divisor;
+  Wide reciprocal;
   /// The divisor's bits but one.
-  int shift = 0;
+  int shift;
 };
 
 constexpr PreparedDivisor prepared(Wide divisor) noexcept {
@@ -65,7 +65,7 @@ WideQuotient dropSomeDigits(const WideInteger& value, int count) noexcept {
   Wide remainder = value.low - quotient * by.divisor;
   for (int i = 0; i < 2; ++i) {
     const bool goes = remainder >= by.divisor;
-    quotient += goes ? 1 : 0;
+    quotient += Wide{goes};
     remainder -= by.divisor & (Wide{0} - Wide{goes});
   }
   return {quotient, classOfRemainder(remainder, by.divisor)};
@@ -76,7 +76,6 @@ WideQuotient dropSomeDigits(const WideInteger& value, int count) noexcept {
 int digitCount(const WideInteger& value) noexcept {
   const int width = value.high == 0 ? bitWidth(value.low) : 128 + bitWidth(value.high);
   const int estimate = (width * 1233) >> 12;
-  if (estimate > kMostWideDigits) return estimate;
   return estimate + (value < widePowerOfTen(estimate) ? 0 : 1);
 }
 

@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <random>
+#include <vector>
 
 namespace ORLFoundation::internal::value {
 namespace {
@@ -65,6 +67,35 @@ TEST(WideInteger, DividesByDivisorsOfAnyLength) {
     const WideQuotient divided = divide(sum(product(quotient, divisor), {remainder, 0}), divisor);
     ASSERT_TRUE(divided.quotient == quotient) << i;
     ASSERT_EQ(divided.dropped, classOfRemainder(remainder, divisor)) << i;
+  }
+}
+
+/// Words at both ends and in the middle, where estimates of a quotient are furthest off.
+TEST(WideInteger, DividesWhereWordsAreAtTheirEnds) {
+  constexpr std::uint64_t kMiddle = std::uint64_t{1} << 63;
+  constexpr std::uint64_t kWords[] = {0,
+                                      1,
+                                      2,
+                                      kMiddle >> 1,
+                                      kMiddle - 1,
+                                      kMiddle,
+                                      kMiddle + 1,
+                                      ~std::uint64_t{1},
+                                      ~std::uint64_t{0}};
+  std::vector<Wide> values;
+  for (const std::uint64_t high : kWords)
+    for (const std::uint64_t low : kWords) values.push_back((Wide{high} << 64) | low);
+  for (const Wide divisor : values) {
+    if (divisor == 0) continue;
+    for (const Wide quotient : values) {
+      for (const Wide remainder : {Wide{0}, Wide{1}, divisor / 2, divisor - 1}) {
+        if (remainder >= divisor) continue;
+        const WideQuotient divided =
+            divide(sum(product(quotient, divisor), {remainder, 0}), divisor);
+        ASSERT_TRUE(divided.quotient == quotient);
+        ASSERT_EQ(divided.dropped, classOfRemainder(remainder, divisor));
+      }
+    }
   }
 }
 
