@@ -23,6 +23,9 @@ using Product =
 constexpr int kWorkingDigits = internal::value::kMostWideDigits;
 /// Of a higher or, below zero, lower exponent a value is past every decimal, and so are its powers.
 constexpr int kFarthestExponent = 1000;
+/// 5^54, the last one of 38 digits; what divides it is a power of five.
+constexpr std::uint64_t kItsRoot = 7450580596923828125;
+constexpr Wide kLongestPowerOfFive = Wide{kItsRoot} * kItsRoot;
 
 /// A magnitude above zero, cut off where it is not exact.
 struct Working {
@@ -74,10 +77,11 @@ Working inverse(const Working& value) {
   return result;
 }
 
-/// The power of the inverse where that is exact: 1 / 5^120 has 37 digits, 5^120 has 84.
+/// The power of the inverse where that is shorter: 1 / 5^120 has 37 digits, 5^120 has 84. That of
+/// one over a power of two is the longer one.
 Working raisedInverse(const Working& base, std::uint64_t power) {
-  const Working inverted = inverse(base);
-  return inverted.exact ? raised(inverted, power) : inverse(raised(base, power));
+  const bool isPowerOfFive = kLongestPowerOfFive % static_cast<Wide>(base.digits) == 0;
+  return isPowerOfFive ? raised(inverse(base), power) : inverse(raised(base, power));
 }
 
 }  // namespace
