@@ -6,7 +6,7 @@
 
 #include <array>
 #include <charconv>
-#include <cmath>
+#include <cstdlib>
 
 namespace ORLFoundation {
 
@@ -29,9 +29,9 @@ constexpr int signOf(const NSDecimal& value) noexcept {
   return value.isZero() ? 0 : value.isNegative() ? -1 : 1;
 }
 
-constexpr NSComparisonResult order(int left, int right) noexcept {
-  if (left == right) return NSOrderedSame;
-  return left < right ? NSOrderedAscending : NSOrderedDescending;
+template <class Number>
+constexpr NSComparisonResult order(Number left, Number right) noexcept {
+  return NSComparisonResult{int{left > right} - int{left < right}};
 }
 
 /// Compares two numbers other than zero without their signs.
@@ -45,8 +45,7 @@ NSComparisonResult compareMagnitudes(const NSDecimal& left, const NSDecimal& rig
   if (places != NSOrderedSame) return places;
   if (ourDigits < theirDigits) ours *= powerOfTen(theirDigits - ourDigits);
   if (theirDigits < ourDigits) theirs *= powerOfTen(ourDigits - theirDigits);
-  if (ours == theirs) return NSOrderedSame;
-  return ours < theirs ? NSOrderedAscending : NSOrderedDescending;
+  return order(ours, theirs);
 }
 
 constexpr std::uint64_t mixed(std::uint64_t bits) noexcept {
@@ -57,7 +56,7 @@ constexpr std::uint64_t mixed(std::uint64_t bits) noexcept {
 }  // namespace
 
 NSDecimal NSDecimal::fromDouble(double value) noexcept {
-  if (!std::isfinite(value)) return notANumber();
+  // Infinities and not-a-number have texts that are no numbers.
   char text[kMostDoubleDigits + 16];
   const auto written = std::to_chars(text, text + sizeof text, value, std::chars_format::scientific,
                                      kMostDoubleDigits);
@@ -65,8 +64,8 @@ NSDecimal NSDecimal::fromDouble(double value) noexcept {
 }
 
 NSDecimal NSDecimal::compacted() const noexcept {
-  if (isNaN()) return *this;
   if (isZero()) return {};
+  // Not-a-number stays: its digits are a power of two.
   Wide digits = mantissa();
   int exponent = this->exponent();
   for (const int step : kZeroSteps) {
@@ -81,7 +80,7 @@ NSDecimal NSDecimal::compacted() const noexcept {
 }
 
 NSComparisonResult NSDecimal::compareUnlike(const NSDecimal& other) const noexcept {
-  if (isNaN() || other.isNaN()) return order(isNaN() ? 0 : 1, other.isNaN() ? 0 : 1);
+  if (isNaN() || other.isNaN()) return order(!isNaN(), !other.isNaN());
   const int sign = signOf(*this);
   const NSComparisonResult signs = order(sign, signOf(other));
   if (signs != NSOrderedSame || sign == 0) return signs;
@@ -90,12 +89,11 @@ NSComparisonResult NSDecimal::compareUnlike(const NSDecimal& other) const noexce
 
 NSUInteger NSDecimal::hash() const noexcept {
   const NSDecimal value = compacted();
-  const auto place = static_cast<std::uint64_t>(value.place_ - std::int64_t{2} * kSmallestExponent);
+  const auto place = static_cast<std::uint64_t>(value.place_);
   return mixed(value.low_ ^ mixed(value.high_ ^ mixed(place)));
 }
 
 double NSDecimal::doubleValue() const noexcept {
-  if (isNaN()) return std::nan("");
   const int place = exponent();
   if (isShort() && low_ <= kExactDoubleEnd && place >= -22 && place <= 22) {
     // Both numbers are exact, so that the one operation gives the nearest double.
@@ -104,6 +102,7 @@ double NSDecimal::doubleValue() const noexcept {
     const double value = place < 0 ? magnitude / power : magnitude * power;
     return isNegative() ? -value : value;
   }
+  // The text of not-a-number gives not-a-number too.
   char text[kLongestText];
   const char* end = writeTo(text);
   double value = 0;

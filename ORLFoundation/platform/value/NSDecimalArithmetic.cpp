@@ -18,7 +18,8 @@ constexpr NSInteger kFarthestPower = 1000;
 
 constexpr NSDecimalResult kNotANumber{NSDecimal::notANumber(), NSCalculationNoError};
 
-/// The sum or the difference of two magnitudes, the first of which has the larger exponent.
+/// The sum or the difference of two magnitudes that do not fit 38 digits at the lower exponent. The
+/// first has the larger exponent and, where the signs differ, so many digits that it is the larger.
 ExactValue exactSum(const NSDecimal& upper, const NSDecimal& lower) noexcept {
   const int distance = upper.exponent() - lower.exponent();
   const int room = kMostWideDigits - digitCount(upper.mantissa());
@@ -26,18 +27,14 @@ ExactValue exactSum(const NSDecimal& upper, const NSDecimal& lower) noexcept {
   const WideInteger large = timesPowerOfTen(upper.mantissa(), raised);
   WideQuotient small{lower.mantissa(), Dropped::kNothing};
   if (raised < distance) small = dropDigits({small.quotient, 0}, distance - raised);
-  const WideInteger other{small.quotient, 0};
-  const bool more = small.dropped != Dropped::kNothing;
   ExactValue result{{}, upper.exponent() - raised, upper.isNegative(), small.dropped};
   if (upper.isNegative() == lower.isNegative()) {
-    result.digits = sum(large, other);
-  } else if (large < other) {
-    result.digits = difference(other, large);
-    result.negative = lower.isNegative();
+    result.digits = sum(large, {small.quotient, 0});
   } else {
-    // What was cut off the smaller one comes off the larger: one unit less, and something more.
-    result.digits = difference(large, sum(other, {more ? Wide{1} : 0, 0}));
-    result.below = more ? Dropped::kBelowHalf : Dropped::kNothing;
+    // What was cut off the smaller one comes off the larger: one unit less, and something more. So
+    // many digits are dropped then that its class does not count.
+    const bool more = small.dropped != Dropped::kNothing;
+    result.digits = difference(large, {small.quotient + (more ? 1 : 0), 0});
   }
   return result;
 }
@@ -93,14 +90,14 @@ NSDecimal roundByWord(const NSDecimal& number, int drop, NSRoundingMode mode) no
   return {kept.quotient + (away ? 1 : 0), number.exponent() + drop, number.isNegative()};
 }
 
-/// Rounds a quotient of 38 digits; one without a rest takes no more digits than it needs.
+/// Rounds a quotient of 38 digits; one without a rest takes no more digits than it needs. None is
+/// so near to 10^38 that rounding reaches it: a divisor of 38 digits keeps it one unit away.
 NSDecimalResult roundedQuotient(const WideQuotient& quotient, int exponent, bool negative,
                                 NSRoundingMode mode) noexcept {
   const bool isOdd = (quotient.quotient & 1) != 0;
   const bool away = roundsAway(mode, negative, isOdd, quotient.dropped);
   const Wide digits = quotient.quotient + (away ? 1 : 0);
-  if (digits == NSDecimal::kMantissaEnd || exponent < NSDecimal::kSmallestExponent ||
-      exponent > NSDecimal::kLargestExponent) {
+  if (exponent < NSDecimal::kSmallestExponent || exponent > NSDecimal::kLargestExponent) {
     const NSDecimalResult result =
         rounded({{quotient.quotient, 0}, exponent, negative, quotient.dropped}, mode);
     if (result.error != NSCalculationNoError) return result;

@@ -161,6 +161,27 @@ TEST(NSDecimalArithmetic, RoundsAnUnderflowUpToTheSmallestDecimal) {
   EXPECT_EQ(result.error, NSCalculationLossOfPrecision);
 }
 
+TEST(NSDecimalArithmetic, GivesNotANumberForNotANumberOnEitherSide) {
+  const NSDecimal none = NSDecimal::notANumber();
+  const NSDecimal::Mantissa longest = NSDecimal::kMantissaEnd - 1;
+  for (const NSDecimal::Mantissa mantissa :
+       {NSDecimal::Mantissa{0}, NSDecimal::Mantissa{1}, longest / 10 * 9, longest}) {
+    for (const int exponent : {NSDecimal::kSmallestExponent, 0, NSDecimal::kLargestExponent}) {
+      for (const bool isNegative : {false, true}) {
+        const NSDecimal number(mantissa, exponent, isNegative);
+        for (const auto calculated :
+             {NSDecimalAdd, NSDecimalSubtract, NSDecimalMultiply, NSDecimalDivide}) {
+          EXPECT_EQ(textOf(calculated(none, number, NSRoundPlain)), "NaN") << textOf({number});
+          EXPECT_EQ(textOf(calculated(number, none, NSRoundPlain)), "NaN") << textOf({number});
+        }
+      }
+    }
+  }
+  EXPECT_EQ(textOf(NSDecimalMultiplyByPowerOf10(none, 0)), "NaN");
+  EXPECT_EQ(textOf(NSDecimalMultiplyByPowerOf10(none, -200)), "NaN");
+  EXPECT_EQ(textOf(NSDecimalRound(none, 0)), "NaN");
+}
+
 struct PowerCase {
   const char* base;
   NSInteger power;

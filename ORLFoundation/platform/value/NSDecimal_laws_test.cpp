@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <boost/multiprecision/cpp_int.hpp>
 #include <cstdlib>
 #include <random>
@@ -148,22 +149,58 @@ std::string digitsOf(const NSDecimalResult& result) {
          error;
 }
 
+/// The sum and the difference are those of plain fractions, in the range of a decimal.
+void expectExactSums(const NSDecimal& left, const NSDecimal& right, NSRoundingMode mode) {
+  const Fraction a = fractionOf(left), b = fractionOf(right);
+  const cpp_int first = a.numerator * b.denominator, second = b.numerator * a.denominator;
+  const cpp_int denominator = a.denominator * b.denominator;
+  const NSDecimalResult sum = NSDecimalAdd(left, right, mode);
+  const NSDecimalResult difference = NSDecimalSubtract(left, right, mode);
+  ASSERT_EQ(digitsOf(sum), expectedResult({first + second, denominator}, mode))
+      << left.stringValue() << " + " << right.stringValue() << " mode " << mode;
+  ASSERT_EQ(digitsOf(difference), expectedResult({first - second, denominator}, mode))
+      << left.stringValue() << " - " << right.stringValue() << " mode " << mode;
+  ASSERT_TRUE(sum.value.isNaN() || sum.value.mantissa() < NSDecimal::kMantissaEnd);
+  ASSERT_TRUE(difference.value.isNaN() || difference.value.mantissa() < NSDecimal::kMantissaEnd);
+}
+
+/// The divisor is not zero.
+void expectExactQuotient(const NSDecimal& left, const NSDecimal& right, NSRoundingMode mode) {
+  const Fraction a = fractionOf(left), b = fractionOf(right);
+  Fraction quotient{a.numerator * b.denominator, a.denominator * b.numerator};
+  if (quotient.denominator < 0) quotient = {-quotient.numerator, -quotient.denominator};
+  const NSDecimalResult result = NSDecimalDivide(left, right, mode);
+  ASSERT_EQ(digitsOf(result), expectedResult(quotient, mode))
+      << left.stringValue() << " / " << right.stringValue() << " mode " << mode;
+  ASSERT_TRUE(result.value.isNaN() || result.value.mantissa() < NSDecimal::kMantissaEnd);
+}
+
+constexpr std::array kModes = {NSRoundPlain, NSRoundDown, NSRoundUp, NSRoundBankers};
 constexpr int kRandomCalculations = 60000;
 
 TEST(NSDecimalLaws, SumsAgreeWithFractions) {
   Source source(1);
   for (int i = 0; i < kRandomCalculations; ++i) {
     const NSDecimal left = source.any(), right = source.any();
-    const NSRoundingMode mode = source.mode();
-    const Fraction a = fractionOf(left), b = fractionOf(right);
-    const cpp_int first = a.numerator * b.denominator, second = b.numerator * a.denominator;
-    const cpp_int denominator = a.denominator * b.denominator;
-    ASSERT_EQ(digitsOf(NSDecimalAdd(left, right, mode)),
-              expectedResult({first + second, denominator}, mode))
-        << left.stringValue() << " + " << right.stringValue() << " mode " << mode;
-    ASSERT_EQ(digitsOf(NSDecimalSubtract(left, right, mode)),
-              expectedResult({first - second, denominator}, mode))
-        << left.stringValue() << " - " << right.stringValue() << " mode " << mode;
+    ASSERT_NO_FATAL_FAILURE(expectExactSums(left, right, source.mode()));
+  }
+}
+
+TEST(NSDecimalLaws, SumsAtEachDistanceAgreeWithFractions) {
+  const Mantissa end = NSDecimal::kMantissaEnd;
+  const Mantissa half = end / 2;
+  for (const Mantissa high : {Mantissa{1}, Mantissa{9}, end / 10, end - 1}) {
+    for (const Mantissa low : {Mantissa{1}, half / 10, half - 1, half, half + 1, end - 1}) {
+      for (const int distance : {0, 1, 17, 18, 19, 20, 37, 38, 39, 40, 74, 75, 76, 77, 78, 114}) {
+        for (const int exponent : {0, NSDecimal::kLargestExponent}) {
+          for (const NSRoundingMode mode : kModes) {
+            const NSDecimal upper(high, exponent, false), lower(low, exponent - distance, false);
+            ASSERT_NO_FATAL_FAILURE(expectExactSums(upper, lower, mode));
+            ASSERT_NO_FATAL_FAILURE(expectExactSums(lower.negated(), upper, mode));
+          }
+        }
+      }
+    }
   }
 }
 
@@ -216,11 +253,42 @@ TEST(NSDecimalLaws, QuotientsAgreeWithFractions) {
     const NSDecimal left = source.any(), right = source.any();
     const NSRoundingMode mode = source.mode();
     if (right.isZero()) continue;
-    const Fraction a = fractionOf(left), b = fractionOf(right);
-    Fraction quotient{a.numerator * b.denominator, a.denominator * b.numerator};
-    if (quotient.denominator < 0) quotient = {-quotient.numerator, -quotient.denominator};
-    ASSERT_EQ(digitsOf(NSDecimalDivide(left, right, mode)), expectedResult(quotient, mode))
-        << left.stringValue() << " / " << right.stringValue() << " mode " << mode;
+    ASSERT_NO_FATAL_FAILURE(expectExactQuotient(left, right, mode));
+  }
+}
+
+TEST(NSDecimalLaws, QuotientsThatTieAgreeWithFractions) {
+  for (const NSRoundingMode mode : kModes) {
+    // 38 digits and a half.
+    for (Mantissa below = 1; below <= 15; below += 2) {
+      const NSDecimal odd(NSDecimal::kMantissaEnd - below, 0, false);
+      ASSERT_NO_FATAL_FAILURE(expectExactQuotient(odd, NSDecimal::fromInteger(-2), mode));
+    }
+    // Of two words of 64 bits: a 39th digit of 5 at the end of some.
+    for (std::int64_t dividend = 1; dividend < 40; dividend += 2) {
+      for (int power = 45; power <= 60; ++power) {
+        const NSDecimal divisor = NSDecimal::fromInteger(std::int64_t{1} << power);
+        ASSERT_NO_FATAL_FAILURE(
+            expectExactQuotient(NSDecimal::fromInteger(dividend), divisor, mode));
+      }
+    }
+  }
+}
+
+TEST(NSDecimalLaws, QuotientsAtTheEndsOfTheExponentsAgreeWithFractions) {
+  const Mantissa longest = NSDecimal::kMantissaEnd - 1;
+  for (const Mantissa first : {Mantissa{1}, Mantissa{2}, NSDecimal::kMantissaEnd / 10, longest}) {
+    for (const Mantissa second : {Mantissa{1}, Mantissa{3}, Mantissa{8}, longest / 9, longest}) {
+      for (int exponent = 0; exponent <= 80; ++exponent) {
+        const NSDecimal small(first, NSDecimal::kSmallestExponent, false);
+        const NSDecimal large(first, NSDecimal::kLargestExponent, true);
+        const NSRoundingMode mode = kModes[static_cast<std::size_t>(exponent) % kModes.size()];
+        ASSERT_NO_FATAL_FAILURE(
+            expectExactQuotient(small, NSDecimal(second, exponent - 40, false), mode));
+        ASSERT_NO_FATAL_FAILURE(
+            expectExactQuotient(large, NSDecimal(second, exponent - 79, false), mode));
+      }
+    }
   }
 }
 
@@ -340,6 +408,18 @@ TEST(NSDecimalLaws, DoublesOfAtMost15DigitsComeBack) {
     // A double that has few enough digits is taken without a change.
     const double half = static_cast<double>(source.between(-1000000, 1000000)) / 1024;
     ASSERT_EQ(NSDecimal::fromDouble(half).doubleValue(), half);
+  }
+}
+
+TEST(NSDecimalLaws, DoublesAreThoseOfTheText) {
+  constexpr std::uint64_t kExact = std::uint64_t{1} << 53;
+  for (int exponent = -25; exponent <= 25; ++exponent) {
+    for (std::uint64_t mantissa = kExact - 3; mantissa < kExact + 200; ++mantissa) {
+      const std::string text = std::to_string(mantissa) + "e" + std::to_string(exponent);
+      const NSDecimal value(mantissa, exponent, false);
+      ASSERT_EQ(value.doubleValue(), std::stod(text)) << text;
+      ASSERT_EQ(value.negated().doubleValue(), -std::stod(text)) << text;
+    }
   }
 }
 

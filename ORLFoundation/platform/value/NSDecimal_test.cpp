@@ -5,9 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace ORLFoundation {
@@ -129,6 +131,45 @@ TEST(NSDecimal, HasOneHashForAllFormsOfAValue) {
   EXPECT_EQ(NSDecimal(NSDecimal::Mantissa{0}, 5, true).hash(), NSDecimal::zero().hash());
   EXPECT_EQ(decimal("1e164").hash(), NSDecimal(NSDecimal::kMantissaEnd / 10, 127, false).hash());
   EXPECT_EQ(NSDecimal::notANumber().hash(), decimal("x").hash());
+}
+
+TEST(NSDecimal, HasManyHashesForManyValues) {
+  std::unordered_set<NSUInteger> hashes;
+  std::size_t values = 0;
+  for (int mantissa = 1; mantissa < 1000; ++mantissa) {
+    if (mantissa % 10 == 0) continue;
+    for (int exponent = -4; exponent <= 4; ++exponent) {
+      const NSDecimal value(static_cast<NSDecimal::Mantissa>(mantissa), exponent, false);
+      hashes.insert({value.hash(), value.negated().hash()});
+      values += 2;
+    }
+  }
+  EXPECT_EQ(hashes.size(), values);
+}
+
+TEST(NSDecimal, CompactsEachCountOfZerosAsFarAsTheExponentAllows) {
+  for (const unsigned first : {1U, 9U, 32768U, 65536U}) {
+    NSDecimal::Mantissa mantissa = first;
+    for (int zeroCount = 0; mantissa < NSDecimal::kMantissaEnd; ++zeroCount, mantissa *= 10) {
+      for (int room = 0; room <= NSDecimal::kMostDigits; ++room) {
+        const int exponent = NSDecimal::kLargestExponent - room;
+        const int taken = std::min(zeroCount, room);
+        NSDecimal::Mantissa rest = mantissa;
+        for (int i = 0; i < taken; ++i) rest /= 10;
+        const NSDecimal compacted = NSDecimal(mantissa, exponent, true).compacted();
+        ASSERT_TRUE(compacted.mantissa() == rest) << first << " with " << zeroCount;
+        ASSERT_EQ(compacted.exponent(), exponent + taken) << first << " with " << zeroCount;
+        ASSERT_TRUE(compacted.isNegative());
+      }
+    }
+  }
+}
+
+TEST(NSDecimal, CompactsAllZerosToOneFormAndLeavesNotANumberAlone) {
+  const NSDecimal zero = NSDecimal(0, -5, true).compacted();
+  EXPECT_TRUE(zero.isZero());
+  EXPECT_EQ(zero.exponent(), 0);
+  EXPECT_TRUE(NSDecimal::notANumber().compacted().isNaN());
 }
 
 TEST(NSDecimal, CompactsAsFarAsTheExponentAllows) {

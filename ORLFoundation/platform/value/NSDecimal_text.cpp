@@ -25,7 +25,7 @@ char* writeDigits(char* text, Wide mantissa) noexcept {
   char low[kChunk];
   const char* const lowEnd = std::to_chars(low, low + kChunk, parts.remainder).ptr;
   const auto length = static_cast<std::size_t>(lowEnd - low);
-  std::memset(middle, '0', kChunk - length);
+  std::memset(middle, '0', kChunk);
   std::memcpy(middle + kChunk - length, low, length);
   return middle + kChunk;
 }
