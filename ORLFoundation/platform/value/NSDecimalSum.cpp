@@ -273,6 +273,7 @@ void NSDecimalAccumulator::addLongProduct(const NSDecimal& left, const NSDecimal
 
 NSDecimalResult NSDecimalAccumulator::sum(NSRoundingMode mode) const {
   if (isNaN_) return {NSDecimal::notANumber()};
+  if (sums_.empty()) return {};
   if (sums_.size() == 1) {
     const auto& [exponent, words] = *sums_.begin();
     if (const auto total = shortTotal(words)) {
