@@ -31,7 +31,8 @@ constexpr int signOf(const NSDecimal& value) noexcept {
 
 template <class Number>
 constexpr NSComparisonResult order(Number left, Number right) noexcept {
-  return NSComparisonResult{int{left > right} - int{left < right}};
+  if (left == right) return NSOrderedSame;
+  return left < right ? NSOrderedAscending : NSOrderedDescending;
 }
 
 /// Compares two numbers other than zero without their signs.
