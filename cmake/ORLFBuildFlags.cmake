@@ -45,5 +45,19 @@ add_library(orlf_library_headers OBJECT ${PROJECT_BINARY_DIR}/library_headers.cp
 set_target_properties(orlf_library_headers PROPERTIES POSITION_INDEPENDENT_CODE ON)
 target_link_libraries(orlf_library_headers PRIVATE orlf_build_flags)
 target_precompile_headers(orlf_library_headers PRIVATE
-  <algorithm> <array> <chrono> <cmath> <functional> <map> <memory> <mutex> <optional> <span> <string>
-  <string_view> <unordered_map> <utility> <variant> <vector>)
+  <algorithm>
+  <array>
+  <chrono>
+  <cmath>
+  <functional>
+  <map>
+  <memory>
+  <mutex>
+  <optional>
+  <span>
+  <string>
+  <string_view>
+  <unordered_map>
+  <utility>
+  <variant>
+  <vector>)

@@ -5,9 +5,9 @@
 
 Names each fault as file:line. The table under "Where things stand" in README.md has a row for every
 room (a folder that calls orlf_add_folder) and every folder of the tool, and for none that is gone;
-docs/README.md lists every page of docs/; every page is reachable from README.md; every link leads
-to a file that exists, and to a heading of it; every path in backticks that begins with a folder of
-the repository exists.
+docs/README.md lists every page of docs/, each on one line; every page is reachable from README.md;
+every link leads to a file that exists, and to a heading of it; every path in backticks that begins
+with a folder of the repository exists.
 """
 
 import re
@@ -91,6 +91,10 @@ def check_reach(root, pages):
     for page in pages:
         if page.startswith("docs/") and page != LIST and (root / page).resolve() not in linked[LIST]:
             yield f"{LIST}: does not list {page}"
+    lines = {}
+    for number, target in sorted({(number, target) for number, _, target, _ in links_of(root, LIST)}):
+        if lines.setdefault(target, number) != number:
+            yield f"{LIST}:{number}: {target.name} is listed already"
     reached, waiting = set(), [ENTRY]
     while waiting:
         page = waiting.pop()

@@ -6,10 +6,10 @@
 
 Reads every orlf_add_folder(...) under ROOT/ORLFoundation and every include of their files, and
 names each fault as file:line. A folder states its layer; it includes itself and what it declares
-under USES, which lies in lower layers; public headers include nothing but the standard library and
-installed headers of ours; internal/ headers stay inside their folder; a source includes its own header first; every file
-is listed; the
-umbrella header holds every public header.
+under USES, which lies in lower layers, and folders are added from the ground up; public headers
+include nothing but the standard library and installed headers of ours; internal/ headers stay inside
+their folder; a source includes its own header first; every file is listed; the umbrella header holds
+every public header. Headers of bridges, which are no such folders, use what is installed.
 """
 
 import re
@@ -26,6 +26,7 @@ KEYWORDS = {"LAYER", "HEADERS", "HOUSE_HEADERS", "SOURCES", "USES", "LINKS", "TE
             "BENCHMARK_LINKS", "FUZZERS"}
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 UMBRELLA = "ORLFoundation/ORLFoundation.h"
+BRIDGES = "ORLFoundation/bridges"
 UMBRELLA_HEAD = """/// Everything that the library offers, in one include. scripts/check_includes.py --write-umbrella
 /// writes this file.
 #pragma once
@@ -90,6 +91,21 @@ def check_declarations(folders):
             elif folders[used].layer is not None and folders[used].layer >= folder.layer:
                 yield (f"{place}: {folder.name} of layer {folder.layer} may not use {used} of layer "
                        f"{folders[used].layer}")
+
+
+def check_ground_up(root, folders):
+    """Folders are added in the order of their layers, and none is left out."""
+    place = "ORLFoundation/CMakeLists.txt"
+    text = re.sub(r"#[^\n]*", "", (root / place).read_text())
+    added = [f"ORLFoundation/{name}" for name in re.findall(r"add_subdirectory\(([^)]+)\)", text)]
+    layers = {folder.path: folder.layer for folder in folders.values()}
+    for path in sorted(set(layers) - set(added)):
+        yield f"{place}: {path} is not added"
+    ordered = [path for path in added if layers.get(path) is not None]
+    for below, above in zip(ordered, ordered[1:]):
+        if layers[above] < layers[below]:
+            yield (f"{place}: {above} of layer {layers[above]} is to be added before {below} of layer "
+                   f"{layers[below]}")
 
 
 def closure(folders, names):
@@ -250,14 +266,37 @@ def check_umbrella(root, folders):
         yield f"{UMBRELLA}: <{header}> is no public header"
 
 
+def sources_below(root, folder):
+    return [file for file in sorted((root / folder).rglob("*")) if file.suffix in (".h", ".cpp")]
+
+
 def check_tool(root):
-    for file in sorted((root / "tools").rglob("*")):
-        if file.suffix in (".h", ".cpp"):
-            yield from check_order(root, file, root / "tools/orlf")
-            for number, _, include in includes_of(file):
-                if include.startswith("ORLFoundation/") and "/internal/" in include:
-                    name = file.relative_to(root).as_posix()
-                    yield f"{name}:{number}: <{include}> is internal"
+    for file in sources_below(root, "tools"):
+        yield from check_order(root, file, root / "tools/orlf")
+        for number, _, include in includes_of(file):
+            if include.startswith("ORLFoundation/") and "/internal/" in include:
+                name = file.relative_to(root).as_posix()
+                yield f"{name}:{number}: <{include}> is internal"
+
+
+def check_bridges(root, installed):
+    """What users include of a bridge leads to nothing that they lack."""
+    for file in sources_below(root, BRIDGES):
+        yield from check_order(root, file, root)
+        name = file.relative_to(root).as_posix()
+        is_installed = file.suffix == ".h" and "/internal/" not in name and not is_proof(file)
+        for number, _, include in includes_of(file):
+            if not include.startswith("ORLFoundation/") or include.startswith(BRIDGES + "/"):
+                continue
+            if "/internal/" in include:
+                yield f"{name}:{number}: <{include}> is internal"
+            elif is_installed and include not in installed:
+                yield f"{name}:{number}: <{include}> is not installed"
+
+
+def check_test_helpers(root):
+    for file in sources_below(root, "tests"):
+        yield from check_order(root, file, root)
 
 
 def faults(root):
@@ -265,6 +304,7 @@ def faults(root):
     if not folders:
         yield "no folder found"
     yield from check_declarations(folders)
+    yield from check_ground_up(root, folders)
     installed = installed_headers(folders)
     reached = reached_headers(root, folders)
     for folder in folders.values():
@@ -273,6 +313,8 @@ def faults(root):
         yield from check_lists(root, folders, folder, installed, reached)
     yield from check_umbrella(root, folders)
     yield from check_tool(root)
+    yield from check_bridges(root, installed)
+    yield from check_test_helpers(root)
 
 
 def main(arguments):

@@ -1,3 +1,5 @@
+#include <tests/archives/ArchiveSamples.h>
+
 #include <ORLFoundation/amortization/ORLFAmortizationPlan.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
 #include <ORLFoundation/platform/base/Base64.h>
@@ -7,7 +9,6 @@
 #include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
-#include <tests/archives/ArchiveSamples.h>
 #include <tests/support/Files.h>
 #include <tests/support/VectorFile.h>
 

@@ -1,3 +1,5 @@
+#include <tests/archives/WrittenArchives.h>
+
 #include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
@@ -5,7 +7,6 @@
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrenceRule.h>
 #include <tests/archives/ArchiveSamples.h>
-#include <tests/archives/WrittenArchives.h>
 
 namespace orlftest {
 

@@ -65,6 +65,10 @@ class DocsCheck(unittest.TestCase):
         self.assert_one("docs/README.md: does not list docs/two.md",
                         {"docs/two.md": "# Two\n", "docs/one.md": "# One\n\n[two](two.md)\n"})
 
+    def test_a_page_that_is_listed_twice(self):
+        self.assert_one("docs/README.md:5: one.md is listed already",
+                        {"docs/README.md": SOUND["docs/README.md"] + "- [Again](one.md)\n"})
+
     def test_a_page_that_nothing_leads_to(self):
         self.assert_one("README.md: no way leads from here to CHANGELOG.md",
                         {"CHANGELOG.md": "# Changes\n"})

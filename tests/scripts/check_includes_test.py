@@ -15,6 +15,13 @@ SOUND = {
         "#include <ORLFoundation/platform/value/NSDate.h>\n"
         "#include <ORLFoundation/platform/object/NSObject.h>\n"
         "#include <ORLFoundation/calendar/Days.h>\n",
+    "ORLFoundation/CMakeLists.txt":
+        "add_subdirectory(platform/value)\nadd_subdirectory(platform/object)  # layer 2\n"
+        "add_subdirectory(calendar)\nadd_subdirectory(bridges)\n",
+    "ORLFoundation/bridges/glib/Bridge.h": "#include <ORLFoundation/calendar/Days.h>\n#include <glib.h>\n",
+    "ORLFoundation/bridges/glib/Bridge_test.cpp": "#include <ORLFoundation/bridges/glib/Bridge.h>\n",
+    "tests/support/VectorFile.h": "#include <string>\n",
+    "tests/support/VectorFile.cpp": "#include <tests/support/VectorFile.h>\n",
     "ORLFoundation/platform/value/CMakeLists.txt":
         "orlf_add_folder(platform_value LAYER 1 HEADERS NSDate.h SOURCES NSDate.cpp)\n",
     "ORLFoundation/platform/value/NSDate.h": "#pragma once\n#include <cstdint>\n",
@@ -90,12 +97,54 @@ class IncludeCheck(unittest.TestCase):
     def test_a_folder_without_a_layer(self):
         self.assert_one(
             "ORLFoundation/lone/CMakeLists.txt: lone states no layer",
+            ORLFoundation__CMakeLists_txt=lambda text: text + "add_subdirectory(lone)\n",
             ORLFoundation__lone__CMakeLists_txt="orlf_add_folder(lone)\n")
 
     def test_a_layer_that_is_no_number(self):
         self.assert_one(
             "ORLFoundation/lone/CMakeLists.txt: lone states no layer",
+            ORLFoundation__CMakeLists_txt=lambda text: text + "add_subdirectory(lone)\n",
             ORLFoundation__lone__CMakeLists_txt="orlf_add_folder(lone LAYER high)\n")
+
+    def test_a_folder_that_is_not_added(self):
+        self.assert_one(
+            "ORLFoundation/CMakeLists.txt: ORLFoundation/lone is not added",
+            ORLFoundation__lone__CMakeLists_txt="orlf_add_folder(lone LAYER 3)\n")
+
+    def test_folders_that_are_not_added_from_the_ground_up(self):
+        self.assert_one(
+            "ORLFoundation/CMakeLists.txt: ORLFoundation/platform/object of layer 2 is to be added "
+            "before ORLFoundation/calendar of layer 20",
+            ORLFoundation__CMakeLists_txt="add_subdirectory(platform/value)\n"
+            "add_subdirectory(calendar)\nadd_subdirectory(platform/object)\n")
+
+    def test_a_bridge_that_needs_what_users_lack(self):
+        self.assert_one(
+            "ORLFoundation/bridges/glib/Bridge.h:3: <ORLFoundation/platform/value/House.h> is not "
+            "installed",
+            ORLFoundation__platform__value__CMakeLists_txt=
+            "orlf_add_folder(platform_value LAYER 1 HEADERS NSDate.h HOUSE_HEADERS House.h\n"
+            "  SOURCES NSDate.cpp)\n",
+            ORLFoundation__platform__value__House_h="",
+            ORLFoundation__bridges__glib__Bridge_h=lambda text:
+            text + "#include <ORLFoundation/platform/value/House.h>\n")
+
+    def test_a_bridge_that_includes_what_is_internal(self):
+        self.assert_one(
+            "ORLFoundation/bridges/glib/Bridge_test.cpp:2: <ORLFoundation/calendar/internal/Table.h> "
+            "is internal",
+            ORLFoundation__bridges__glib__Bridge_test_cpp=lambda text:
+            text + "#include <ORLFoundation/calendar/internal/Table.h>\n")
+
+    def test_a_bridge_and_a_helper_of_tests_that_do_not_begin_with_their_headers(self):
+        self.assertEqual(
+            self.faults(
+                ORLFoundation__bridges__glib__Bridge_test_cpp=
+                "#include <glib.h>\n#include <ORLFoundation/bridges/glib/Bridge.h>\n",
+                tests__support__VectorFile_cpp="#include <string>\n"),
+            ["ORLFoundation/bridges/glib/Bridge_test.cpp: <ORLFoundation/bridges/glib/Bridge.h> is to "
+             "be its first include",
+             "tests/support/VectorFile.cpp: <tests/support/VectorFile.h> is to be its first include"])
 
     def test_a_declared_folder_that_does_not_exist(self):
         self.assert_one(

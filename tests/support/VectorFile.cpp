@@ -1,6 +1,7 @@
+#include <tests/support/VectorFile.h>
+
 #include <ORLFoundation/platform/base/UTF8.h>
 #include <gtest/gtest.h>
-#include <tests/support/VectorFile.h>
 
 #include <algorithm>
 #include <cerrno>

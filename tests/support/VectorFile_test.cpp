@@ -1,7 +1,8 @@
+#include <tests/support/VectorFile.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <tests/support/TemporaryFolder.h>
-#include <tests/support/VectorFile.h>
 
 #include <cmath>
 #include <cstdlib>

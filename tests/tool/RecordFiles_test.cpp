@@ -1,4 +1,6 @@
 // Tables turned into QIF and TXF files by the tool.
+#include <tests/tool/RecordFiles.h>
+
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -6,8 +8,6 @@
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
-
-#include <tests/tool/RecordFiles.h>
 
 namespace {
 

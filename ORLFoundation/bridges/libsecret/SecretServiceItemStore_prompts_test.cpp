@@ -1,6 +1,7 @@
 // What a service that asks the user, refuses or has no lasting collection makes of operations.
-#include <ORLFoundation/bridges/libsecret/ScriptedSecretService_testing.h>
 #include <ORLFoundation/bridges/libsecret/SecretServiceItemStore.h>
+
+#include <ORLFoundation/bridges/libsecret/ScriptedSecretService_testing.h>
 #include <ORLFoundation/platform/keychain/SecItemStore_testing.h>
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
-#include <ORLFoundation/bridges/libsecret/PrivateSession_testing.h>
 #include <ORLFoundation/bridges/libsecret/SecretServiceItemStore.h>
+
+#include <ORLFoundation/bridges/libsecret/PrivateSession_testing.h>
 #include <ORLFoundation/security/keychain/ORLFKeychainAccess_testing.h>
 #include <gtest/gtest.h>
 
