@@ -58,10 +58,29 @@ Integer truncated(const NSDecimal& decimal) {
 
 }  // namespace
 
+static_assert(std::is_trivially_copyable_v<NSNumber>);
+
+template <class Visitor>
+auto NSNumber::visited(Visitor visitor) const {
+  switch (kind_) {
+    case Kind::Boolean:
+      return visitor(boolean_);
+    case Kind::Integer:
+      return visitor(integer_);
+    case Kind::UnsignedInteger:
+      return visitor(unsigned_);
+    case Kind::Double:
+      return visitor(double_);
+    default:
+      return visitor(decimal_);
+  }
+}
+
 NSComparisonResult NSNumber::compare(const NSNumber& other) const {
-  return std::visit([](const auto& left,
-                       const auto& right) { return internal::object::compareExactly(left, right); },
-                    value_, other.value_);
+  return visited([&other](const auto& left) {
+    return other.visited(
+        [&left](const auto& right) { return internal::object::compareExactly(left, right); });
+  });
 }
 
 bool NSNumber::isEqualToNumber(const std::optional<NSNumber>& other) const {
@@ -76,8 +95,7 @@ NSUInteger NSNumber::hash() const {
 }
 
 bool NSNumber::boolValue() const {
-  if (const auto* decimal = std::get_if<NSDecimal>(&value_))
-    return decimal->isNaN() || decimal->doubleValue() != 0;
+  if (kind_ == Kind::Decimal) return decimal_.isNaN() || decimal_.doubleValue() != 0;
   return doubleValue() != 0;
 }
 
@@ -86,15 +104,15 @@ std::int32_t NSNumber::intValue() const { return static_cast<std::int32_t>(integ
 NSInteger NSNumber::integerValue() const {
   switch (kind()) {
     case Kind::Boolean:
-      return std::get<bool>(value_) ? 1 : 0;
+      return boolean_ ? 1 : 0;
     case Kind::Integer:
-      return std::get<std::int64_t>(value_);
+      return integer_;
     case Kind::UnsignedInteger:
-      return static_cast<NSInteger>(std::get<std::uint64_t>(value_));
+      return static_cast<NSInteger>(unsigned_);
     case Kind::Double:
-      return truncated(std::get<double>(value_));
+      return truncated(double_);
     case Kind::Decimal:
-      return truncated<NSInteger>(std::get<NSDecimal>(value_));
+      return truncated<NSInteger>(decimal_);
   }
   return 0;
 }
@@ -103,7 +121,7 @@ NSUInteger NSNumber::unsignedIntegerValue() const {
   const double nearest = doubleValue();
   if (nearest < 0 || kind() == Kind::UnsignedInteger || kind() == Kind::Integer)
     return static_cast<NSUInteger>(integerValue());
-  if (const auto* decimal = std::get_if<NSDecimal>(&value_)) return truncated<NSUInteger>(*decimal);
+  if (kind_ == Kind::Decimal) return truncated<NSUInteger>(decimal_);
   if (nearest >= kTwoTo64) return NSUIntegerMax;
   return std::isnan(nearest) ? 0 : static_cast<NSUInteger>(nearest);
 }
@@ -111,15 +129,15 @@ NSUInteger NSNumber::unsignedIntegerValue() const {
 double NSNumber::doubleValue() const {
   switch (kind()) {
     case Kind::Boolean:
-      return std::get<bool>(value_) ? 1 : 0;
+      return boolean_ ? 1 : 0;
     case Kind::Integer:
-      return static_cast<double>(std::get<std::int64_t>(value_));
+      return static_cast<double>(integer_);
     case Kind::UnsignedInteger:
-      return static_cast<double>(std::get<std::uint64_t>(value_));
+      return static_cast<double>(unsigned_);
     case Kind::Double:
-      return std::get<double>(value_);
+      return double_;
     case Kind::Decimal:
-      return std::get<NSDecimal>(value_).doubleValue();
+      return decimal_.doubleValue();
   }
   return 0;
 }
@@ -127,15 +145,15 @@ double NSNumber::doubleValue() const {
 NSDecimal NSNumber::decimalValue() const {
   switch (kind()) {
     case Kind::Boolean:
-      return NSDecimal::fromInteger(std::get<bool>(value_) ? 1 : 0);
+      return NSDecimal::fromInteger(boolean_ ? 1 : 0);
     case Kind::Integer:
-      return NSDecimal::fromInteger(std::get<std::int64_t>(value_));
+      return NSDecimal::fromInteger(integer_);
     case Kind::UnsignedInteger:
-      return NSDecimal::fromUnsigned(std::get<std::uint64_t>(value_));
+      return NSDecimal::fromUnsigned(unsigned_);
     case Kind::Double:
-      return NSDecimal::parse(shortestText(std::get<double>(value_)));
+      return NSDecimal::parse(shortestText(double_));
     case Kind::Decimal:
-      return std::get<NSDecimal>(value_);
+      return decimal_;
   }
   return NSDecimal::notANumber();
 }
@@ -143,15 +161,15 @@ NSDecimal NSNumber::decimalValue() const {
 std::string NSNumber::stringValue() const {
   switch (kind()) {
     case Kind::Boolean:
-      return std::get<bool>(value_) ? "1" : "0";
+      return boolean_ ? "1" : "0";
     case Kind::Integer:
-      return std::to_string(std::get<std::int64_t>(value_));
+      return std::to_string(integer_);
     case Kind::UnsignedInteger:
-      return std::to_string(std::get<std::uint64_t>(value_));
+      return std::to_string(unsigned_);
     case Kind::Double:
-      return shortestText(std::get<double>(value_));
+      return shortestText(double_);
     case Kind::Decimal:
-      return std::get<NSDecimal>(value_).stringValue();
+      return decimal_.stringValue();
   }
   return "";
 }

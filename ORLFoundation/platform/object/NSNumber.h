@@ -13,7 +13,6 @@
 #include <optional>
 #include <string>
 #include <type_traits>
-#include <variant>
 
 namespace ORLFoundation {
 
@@ -25,24 +24,23 @@ concept NSDecimalBoxing = requires(const T& number) {
 
 class NSNumber {
  public:
-  /// The order of the kinds is that of the stored alternatives.
   enum class Kind : std::uint8_t { Boolean, Integer, UnsignedInteger, Double, Decimal };
 
   // Implicit, so that a number stands wherever a boxed one is asked for.
-  NSNumber(bool value) noexcept : value_(value) {}
+  NSNumber(bool value) noexcept : kind_(Kind::Boolean), boolean_(value) {}
   template <std::signed_integral T>
-  NSNumber(T value) noexcept : value_(static_cast<std::int64_t>(value)) {}
+  NSNumber(T value) noexcept : kind_(Kind::Integer), integer_(value) {}
   template <std::unsigned_integral T>
   requires(!std::same_as<T, bool>) NSNumber(T value)
-  noexcept : value_(static_cast<std::uint64_t>(value)) {}
+  noexcept : kind_(Kind::UnsignedInteger), unsigned_(value) {}
   template <std::floating_point T>
-  NSNumber(T value) noexcept : value_(static_cast<double>(value)) {}
-  NSNumber(const NSDecimal& value) noexcept : value_(value) {}
+  NSNumber(T value) noexcept : kind_(Kind::Double), double_(static_cast<double>(value)) {}
+  NSNumber(const NSDecimal& value) noexcept : kind_(Kind::Decimal), decimal_(value) {}
   template <NSDecimalBoxing T>
   requires(!std::same_as<T, NSNumber>) NSNumber(const T& value)
-      : value_(NSDecimal(value.decimalValue())) {}
+      : NSNumber(NSDecimal(value.decimalValue())) {}
 
-  [[nodiscard]] Kind kind() const noexcept { return static_cast<Kind>(value_.index()); }
+  [[nodiscard]] Kind kind() const noexcept { return kind_; }
 
   /// `compare:`  By exact value. Not-a-number, binary or decimal, equals itself and comes before
   /// every other number.
@@ -77,7 +75,19 @@ class NSNumber {
   }
 
  private:
-  std::variant<bool, std::int64_t, std::uint64_t, double, NSDecimal> value_;
+  /// What the visitor answers for the value, of the type that its kind tells.
+  template <class Visitor>
+  auto visited(Visitor visitor) const;
+
+  // Not a std::variant, which all that includes this header would pay for.
+  Kind kind_;
+  union {
+    bool boolean_;
+    std::int64_t integer_;
+    std::uint64_t unsigned_;
+    double double_;
+    NSDecimal decimal_;
+  };
 };
 
 }  // namespace ORLFoundation

@@ -47,36 +47,45 @@ std::string describe(const NSObject* object) {
 
 }  // namespace
 
-NSValue NSValue::valueWithNonretainedObject(const NSObject* object) {
-  if (object == nullptr) return NSValue(Reference());
-  return NSValue(Reference{object, const_cast<NSObject*>(object)->weak_from_this()});
+NSValue::NSValue(const NSObject* object) : kind_(Kind::Reference), address_(object) {
+  if (object != nullptr) object_ = const_cast<NSObject*>(object)->weak_from_this();
 }
 
+NSValue NSValue::valueWithNonretainedObject(const NSObject* object) { return NSValue(object); }
+
 std::shared_ptr<NSObject> NSValue::nonretainedObjectValue() const noexcept {
-  const auto* reference = std::get_if<Reference>(&record_);
-  return reference ? reference->object.lock() : nullptr;
+  return object_.lock();
 }
 
 NSUInteger NSValue::hash() const noexcept {
-  return std::visit(
-      [](const auto& record) {
-        if constexpr (requires { record.address; })
-          return NSUInteger{std::hash<const NSObject*>{}(record.address)};
-        else
-          return hashOf(record);
-      },
-      record_);
+  switch (kind_) {
+    case Kind::Range:
+      return hashOf(range_);
+    case Kind::Point:
+      return hashOf(rect_.origin);
+    case Kind::Rect:
+      return hashOf(rect_);
+    default:
+      return std::hash<const NSObject*>{}(address_);
+  }
 }
 
 std::string NSValue::description() const {
-  return std::visit(
-      [](const auto& record) {
-        if constexpr (requires { record.address; })
-          return describe(record.address);
-        else
-          return describe(record);
-      },
-      record_);
+  switch (kind_) {
+    case Kind::Range:
+      return describe(range_);
+    case Kind::Point:
+      return describe(rect_.origin);
+    case Kind::Rect:
+      return describe(rect_);
+    default:
+      return describe(address_);
+  }
+}
+
+bool operator==(const NSValue& left, const NSValue& right) noexcept {
+  return left.kind_ == right.kind_ && left.range_ == right.range_ && left.rect_ == right.rect_ &&
+         left.address_ == right.address_;
 }
 
 }  // namespace ORLFoundation

@@ -6,11 +6,11 @@
 #include <ORLFoundation/platform/value/NSRange.h>
 #include <ORLFoundation/platform/value/NSTypes.h>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
-#include <variant>
+#include <type_traits>
 
 namespace ORLFoundation {
 
@@ -35,11 +35,18 @@ class NSValue {
   /// `nonretainedObjectValue`  The object; nil when it was destroyed or the value holds a record.
   [[nodiscard]] std::shared_ptr<NSObject> nonretainedObjectValue() const noexcept;
 
-  /// The record of one kind, nil when the value holds another.
+  /// The record of one kind, nil when the value holds another: of a range, a point or a rectangle.
   template <class T>
   [[nodiscard]] std::optional<T> record() const noexcept {
-    const T* held = std::get_if<T>(&record_);
-    return held ? std::optional<T>(*held) : std::nullopt;
+    if constexpr (std::is_same_v<T, NSRange>) {
+      if (kind_ == Kind::Range) return range_;
+    } else if constexpr (std::is_same_v<T, CGPoint>) {
+      if (kind_ == Kind::Point) return rect_.origin;
+    } else {
+      static_assert(std::is_same_v<T, CGRect>);
+      if (kind_ == Kind::Rect) return rect_;
+    }
+    return std::nullopt;
   }
 
   [[nodiscard]] NSUInteger hash() const noexcept;
@@ -48,26 +55,29 @@ class NSValue {
   [[nodiscard]] std::string description() const;
 
   /// Equal records of one kind.
-  friend bool operator==(const NSValue&, const NSValue&) = default;
+  friend bool operator==(const NSValue& left, const NSValue& right) noexcept;
 
  private:
-  /// The address alone tells objects apart: the weak reference no longer does in a destructor.
-  struct Reference {
-    const NSObject* address = nullptr;
-    std::weak_ptr<NSObject> object;
-    friend bool operator==(const Reference& left, const Reference& right) noexcept {
-      return left.address == right.address;
-    }
-  };
-  using Record = std::variant<NSRange, CGPoint, CGRect, Reference>;
+  enum class Kind : std::uint8_t { Range, Point, Rect, Reference };
 
-  explicit NSValue(Record record) noexcept : record_(std::move(record)) {}
+  explicit NSValue(NSRange range) noexcept : kind_(Kind::Range), range_(range) {}
+  explicit NSValue(CGPoint point) noexcept : kind_(Kind::Point), rect_{point, {}} {}
+  explicit NSValue(CGRect rect) noexcept : kind_(Kind::Rect), rect_(rect) {}
+  explicit NSValue(const NSObject* object);
+
   template <class T>
   [[nodiscard]] T recordOrZero() const noexcept {
     return record<T>().value_or(T{});
   }
 
-  Record record_;
+  // Not a std::variant, which all that includes this header would pay for. What the kind does not
+  // name is empty.
+  Kind kind_;
+  NSRange range_{};
+  CGRect rect_{};  ///< A point is the origin of one.
+  /// The address alone tells objects apart: the weak reference no longer does in a destructor.
+  const NSObject* address_ = nullptr;
+  std::weak_ptr<NSObject> object_;
 };
 
 }  // namespace ORLFoundation
