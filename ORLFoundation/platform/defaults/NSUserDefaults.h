@@ -10,8 +10,6 @@
 
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
-#include <ORLFoundation/platform/object/NSArray.h>
-#include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSObject.h>
 
 #include <memory>
@@ -23,6 +21,9 @@
 #include <vector>
 
 namespace ORLFoundation {
+
+class NSArray;
+class NSDictionary;
 
 class NSUserDefaults final : public NSObject {
  public:

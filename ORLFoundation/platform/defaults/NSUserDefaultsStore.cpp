@@ -2,9 +2,13 @@
 
 #include <ORLFoundation/platform/defaults/NSUserDefaultsStore.h>
 
+#include <ORLFoundation/platform/object/NSDictionary.h>
+
 #include <cerrno>
 
 namespace ORLFoundation {
+
+NSUserDefaultsMemory::NSUserDefaultsMemory() : values_(std::make_shared<NSDictionary>()) {}
 
 std::shared_ptr<NSDictionary> NSUserDefaultsMemory::read(NSErrorSlot /*error*/) {
   const std::lock_guard guard(lock_);

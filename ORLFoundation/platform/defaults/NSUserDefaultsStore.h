@@ -3,7 +3,7 @@
 /// and serve tests, of the library and of its users.
 #pragma once
 
-#include <ORLFoundation/platform/object/NSDictionary.h>
+#include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/object/NSError.h>
 
 #include <map>
@@ -12,6 +12,8 @@
 #include <string>
 
 namespace ORLFoundation {
+
+class NSDictionary;
 
 /// New values under keys; nil removes a key.
 using NSUserDefaultsChanges = std::map<std::string, id, std::less<>>;
@@ -33,13 +35,14 @@ class NSUserDefaultsStore {
 /// Keeps the values as long as it lives.
 class NSUserDefaultsMemory final : public NSUserDefaultsStore {
  public:
+  NSUserDefaultsMemory();
   [[nodiscard]] std::shared_ptr<NSDictionary> read(NSErrorSlot error = nullptr) override;
   [[nodiscard]] std::shared_ptr<NSDictionary> apply(const NSUserDefaultsChanges& changes,
                                                     NSErrorSlot error = nullptr) override;
 
  private:
   std::mutex lock_;
-  std::shared_ptr<NSDictionary> values_ = std::make_shared<NSDictionary>();
+  std::shared_ptr<NSDictionary> values_;
 };
 
 /// Fails with every call, as a disk does that is full or gone.
