@@ -11,14 +11,9 @@ using namespace orlftest;
 constexpr int kSegments = 50;
 constexpr int kDates = 400;
 
-const NSCalendar& newYork() {
-  static const auto calendar = calendarIn("America/New_York");
-  return *calendar;
-}
-
 NSDate monthsOn(NSInteger months) {
-  return *newYork().dateByAddingUnit(NSCalendarUnitMonth, months,
-                                     utc(2020, 1, 31).dateByAddingTimeInterval(5 * 3600), 0);
+  return *newYorkCalendar().dateByAddingUnit(
+      NSCalendarUnitMonth, months, utc(2020, 1, 31).dateByAddingTimeInterval(5 * 3600), 0);
 }
 
 /// Eight months each, with terms that change from member to member.
@@ -43,7 +38,7 @@ std::vector<NSDate> monthlyDates() {
 std::vector<Decimal> oneByOne(const Plan& plan, const std::vector<NSDate>& dates) {
   std::vector<Decimal> balances;
   for (const NSDate date : dates) {
-    balances.push_back(plan->plannedBalanceOnDate(date, true, newYork(), cents()));
+    balances.push_back(plan->plannedBalanceOnDate(date, true, newYorkCalendar(), cents()));
   }
   return balances;
 }
@@ -51,11 +46,12 @@ std::vector<Decimal> oneByOne(const Plan& plan, const std::vector<NSDate>& dates
 void manyBalances(benchmark::State& state) {
   const Plan plan = planOfFiftySegments();
   const auto dates = monthlyDates();
-  if (plan->plannedBalancesOnDates(dates, true, newYork(), cents()) != oneByOne(plan, dates)) {
+  if (plan->plannedBalancesOnDates(dates, true, newYorkCalendar(), cents()) !=
+      oneByOne(plan, dates)) {
     return state.SkipWithError("the two forms differ");
   }
   for (auto _ : state) {
-    benchmark::DoNotOptimize(plan->plannedBalancesOnDates(dates, true, newYork(), cents()));
+    benchmark::DoNotOptimize(plan->plannedBalancesOnDates(dates, true, newYorkCalendar(), cents()));
   }
   state.SetItemsProcessed(state.iterations() * kDates);
 }
@@ -76,12 +72,13 @@ void startingPrincipal(benchmark::State& state) {
                                                          .forAmortizationPlan = *plan,
                                                          .toMatchPlannedBalance = number("0"),
                                                          .onDate = monthsOn(360),
-                                                         .usingCalendar = newYork(),
+                                                         .usingCalendar = newYorkCalendar(),
                                                          .roundingBehavior = cents()};
   const Decimal answer = ORLFAmortizationPlan::startingPrincipalOnDate(question);
   const auto check = plan->amortizationPlanWithStartDate(monthsOn(0), monthsOn(360));
   check->firstSegment()->setCurrentPrincipal(answer);
-  const Decimal reached = check->plannedBalanceOnDate(monthsOn(360), true, newYork(), cents());
+  const Decimal reached =
+      check->plannedBalanceOnDate(monthsOn(360), true, newYorkCalendar(), cents());
   if (!answer || !reached || std::abs(reached->doubleValue()) > 0.05) {
     return state.SkipWithError("the principal does not reach the balance");
   }

@@ -23,11 +23,6 @@ using Period = std::shared_ptr<ORLFDateRecurrencePeriod>;
 using Segment = std::shared_ptr<ORLFAmortizationPlanSegment>;
 using Plan = std::shared_ptr<ORLFAmortizationPlan>;
 
-inline const NSCalendar& utcCalendar() {
-  static const std::shared_ptr<NSCalendar> calendar = calendarIn("UTC");
-  return *calendar;
-}
-
 inline NSDate utc(NSInteger year, NSInteger month, NSInteger day) {
   NSDateComponents components;
   components.setYear(year);

@@ -22,11 +22,6 @@ namespace {
 
 using namespace orlftest;
 
-const NSCalendar& newYork() {
-  static const auto calendar = calendarIn("America/New_York");
-  return *calendar;
-}
-
 /// Each piece of work answers the same number each time, from objects that are made once.
 double balances() {
   constexpr NSInteger kSegments = 12;
@@ -34,7 +29,7 @@ double balances() {
     std::vector<NSDate> monthly;
     for (NSInteger month = 0; month <= kSegments * 8; ++month)
       monthly.push_back(
-          *newYork().dateByAddingUnit(NSCalendarUnitMonth, month, utc(2020, 1, 31), 0));
+          *newYorkCalendar().dateByAddingUnit(NSCalendarUnitMonth, month, utc(2020, 1, 31), 0));
     return monthly;
   }();
   static const Plan plan = [] {
@@ -45,7 +40,9 @@ double balances() {
            {.contribution = number("125.50"), .rate = number(i % 2 == 0 ? "0.045" : "0.07")}});
     return makePlan(stretches, dates.back());
   }();
-  return plan->plannedBalancesOnDates(dates, true, newYork(), cents()).back()->doubleValue();
+  return plan->plannedBalancesOnDates(dates, true, newYorkCalendar(), cents())
+      .back()
+      ->doubleValue();
 }
 
 double dates() {
@@ -54,7 +51,7 @@ double dates() {
   static const NSDate start = utc(2020, 1, 31);
   constexpr NSUInteger kDates = 1000;
   double sum = 0;
-  rule->enumerateDatesForCalendarStartDate({.calendar = newYork(), .startDate = start},
+  rule->enumerateDatesForCalendarStartDate({.calendar = newYorkCalendar(), .startDate = start},
                                            [&sum](NSDate date, NSUInteger count, bool& stop) {
                                              sum += date.timeIntervalSince1970();
                                              stop = count == kDates;

@@ -1,4 +1,4 @@
-/// What the tests of this folder share: a calendar of UTC, days in short, units by their codes.
+/// What the tests of this folder share: days in short, units by their codes.
 #pragma once
 
 #include <ORLFoundation/platform/time/NSCalendar.h>
@@ -10,13 +10,6 @@
 #include <string>
 
 namespace orlftest {
-
-/// Weeks begin on Sunday; a year's first week is that of 1 January.
-inline const ORLFoundation::NSCalendar& utcCalendar() {
-  static const auto calendar =
-      calendarFromVector(Json{{"zone", "UTC"}, {"first_weekday", 1}, {"min_days", 1}});
-  return *calendar;
-}
 
 /// The first instant of a day in UTC, from "2024-02-29".
 inline ORLFoundation::NSDate day(const char* date) {

@@ -2,6 +2,7 @@
 
 #include <ORLFoundation/calendar/ORLFCalendarNow.h>
 #include <ORLFoundation/platform/object/NSKeyValueObserving.h>
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -24,9 +25,7 @@ constexpr NSInteger kFormats = 6;
 class Engine : public ORLFDateFormatInferenceEngine {
  public:
   Engine() {
-    auto calendar = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian);
-    calendar->setTimeZone(NSTimeZone::timeZoneWithName("UTC"));
-    setDateParsingCalendar(calendar);
+    setDateParsingCalendar(orlftest::calendarIn("UTC"));
     setCurrentYear(2026);
   }
   explicit Engine(std::initializer_list<std::string_view> texts) : Engine() {

@@ -1,6 +1,7 @@
 #include <ORLFoundation/datetext/inference/ORLFDateFormatInferenceEngine.h>
 
 #include <ORLFoundation/platform/base/Replaced.h>
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorFile.h>
 
@@ -19,16 +20,10 @@ std::shared_ptr<NSSet> setOf(const Json& formats) {
   return std::make_shared<NSSet>(members);
 }
 
-std::shared_ptr<NSCalendar> calendarOfUTC() {
-  auto calendar = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian);
-  calendar->setTimeZone(NSTimeZone::timeZoneWithName("UTC"));
-  return calendar;
-}
-
 /// An engine under what a row gives of "currentYear", "bits", favoured formats and separators.
 std::shared_ptr<ORLFDateFormatInferenceEngine> engineOf(const Json& in) {
   auto engine = std::make_shared<ORLFDateFormatInferenceEngine>();
-  engine->setDateParsingCalendar(calendarOfUTC());
+  engine->setDateParsingCalendar(orlftest::calendarIn("UTC"));
   if (in.contains("currentYear")) engine->setCurrentYear(in.at("currentYear").get<NSUInteger>());
   if (in.contains("bits")) engine->setBits(in.at("bits").get<NSInteger>());
   for (const char* key : {"preferred", "perferedDateFormats"})
@@ -46,11 +41,10 @@ std::shared_ptr<ORLFDateFormatInferenceEngine> engineOf(const Json& in) {
 /// As the row writes it: a day alone, or with its time.
 Json jsonOf(const std::optional<NSDate>& date, const Json& expected) {
   if (!date) return nullptr;
-  const auto calendar = calendarOfUTC();
   constexpr NSUInteger kFields = NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay |
                                  NSCalendarUnitHour | NSCalendarUnitMinute | NSCalendarUnitSecond |
                                  NSCalendarUnitEra;
-  const NSDateComponents fields = calendar->components(kFields, *date);
+  const NSDateComponents fields = orlftest::utcCalendar().components(kFields, *date);
   std::array<char, 80> text{};
   const std::size_t length = static_cast<std::size_t>(
       std::snprintf(text.data(), text.size(), "%s%04lld-%02lld-%02lldT%02lld:%02lld:%02lldZ",

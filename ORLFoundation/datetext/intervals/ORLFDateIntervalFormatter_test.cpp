@@ -5,7 +5,7 @@
 #include <ORLFoundation/platform/format/NSDateIntervalFormatter_testing.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/object/Id.h>
-#include <ORLFoundation/platform/time/NSCalendar.h>
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>
 #include <ORLFoundation/platform/time/NSTimeZone.h>
 #include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <gmock/gmock.h>
@@ -22,18 +22,13 @@
 namespace ORLFoundation {
 namespace {
 
+using orlftest::calendarIn;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
 NSDate dateOf(const std::string& text) {
   return *orlftest::dateFromVector(text.size() == 10 ? text + "T00:00:00Z" : text);
-}
-
-std::shared_ptr<NSCalendar> calendarIn(const char* zone) {
-  auto calendar = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian);
-  calendar->setTimeZone(NSTimeZone::timeZoneWithName(zone));
-  return calendar;
 }
 
 /// A compact formatter of dates in en_US and UTC, in a process of that locale and zone.

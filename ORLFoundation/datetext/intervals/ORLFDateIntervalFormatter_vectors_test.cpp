@@ -30,8 +30,7 @@ void enter(const World& world) {
 
 template <class Formatter>
 void setUp(Formatter& formatter, const char* zone, NSUInteger dateStyle, NSUInteger timeStyle) {
-  const auto calendar = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian);
-  calendar->setTimeZone(NSTimeZone::timeZoneWithName(zone));
+  const auto calendar = orlftest::calendarIn(zone);
   formatter.setTimeZone(calendar->timeZone());
   formatter.setCalendar(calendar);
   formatter.setDateStyle(static_cast<NSDateIntervalFormatterStyle>(dateStyle));

@@ -30,6 +30,16 @@ inline std::shared_ptr<ORLFoundation::NSCalendar> calendarIn(
   return calendarOf(ORLFoundation::NSCalendarIdentifierGregorian, zone, firstWeekday, minimumDays);
 }
 
+/// Made once; nobody changes them.
+inline const ORLFoundation::NSCalendar& utcCalendar() {
+  static const auto calendar = calendarIn("UTC");
+  return *calendar;
+}
+inline const ORLFoundation::NSCalendar& newYorkCalendar() {
+  static const auto calendar = calendarIn("America/New_York");
+  return *calendar;
+}
+
 /// Year, month, day, hour, minute and second on the calendar's clock.
 inline ORLFoundation::NSDate at(const ORLFoundation::NSCalendar& calendar, int year, int month,
                                 int day, int hour = 0, int minute = 0, int second = 0) {

@@ -1,23 +1,20 @@
 #include "dates/schedule_request.h"
 
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>
 #include <gtest/gtest.h>
 
 #include "dates/dates_walk.h"
-#include "session.h"
 #include "values/date_text.h"
 
 namespace {
 
 using namespace ORLFoundation;
+using orlftest::calendarIn;
 using orlftool::ScheduleArguments;
-
-std::shared_ptr<NSCalendar> newYork() {
-  return orlftool::makeCalendar("America/New_York", "en_US");
-}
 
 std::vector<NSDate> datesOf(const ScheduleArguments& arguments) {
   std::vector<NSDate> dates;
-  orlftool::walkDates(orlftool::readScheduleRequest(arguments, newYork()),
+  orlftool::walkDates(orlftool::readScheduleRequest(arguments, calendarIn("America/New_York")),
                       [&](NSDate date) { dates.push_back(date); });
   return dates;
 }
@@ -29,7 +26,7 @@ ScheduleArguments pattern(const char* name) {
 }
 
 TEST(ScheduleRequest, EveryScheduleThatIncludesADateBeginsWithIt) {
-  const auto calendar = newYork();
+  const auto calendar = calendarIn("America/New_York");
   NSDate date = orlftool::readDate("2011-12-25", *calendar).value();
   for (int index = 0; index < 800; ++index) {
     date = *calendar->dateByAddingUnit(NSCalendarUnitDay, 1, date, 0);
@@ -46,7 +43,7 @@ TEST(ScheduleRequest, EveryScheduleThatIncludesADateBeginsWithIt) {
 }
 
 TEST(ScheduleRequest, BiweeklyDatesKeepTheirPhaseWhereverTheyBegin) {
-  const auto calendar = newYork();
+  const auto calendar = calendarIn("America/New_York");
   ScheduleArguments arguments = pattern("biweekly");
   arguments.including = "2012-01-06";
   arguments.count = "1500";

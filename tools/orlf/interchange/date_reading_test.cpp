@@ -1,6 +1,6 @@
 #include "interchange/date_reading.h"
 
-#include <ORLFoundation/platform/time/NSTimeZone.h>
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -15,16 +15,12 @@ namespace orlftool {
 namespace {
 
 using namespace ORLFoundation;
-
-std::shared_ptr<NSCalendar> calendarInUTC() {
-  auto calendar = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian);
-  calendar->setTimeZone(NSTimeZone::timeZoneWithName("UTC"));
-  return calendar;
-}
+using orlftest::calendarIn;
+using orlftest::utcCalendar;
 
 std::string dayOf(DateReading& dates, std::string_view text) {
   const auto date = dates.read(text);
-  return date ? shortDateText(*date, *calendarInUTC()) : "nil";
+  return date ? shortDateText(*date, utcCalendar()) : "nil";
 }
 
 /// Notes and the fault, "|" between them.
@@ -38,7 +34,7 @@ std::string settled(DateReading& dates, const std::vector<std::string>& texts) {
 }
 
 TEST(DateReading, NamesTheRowThatDecided) {
-  DateReading dates("auto", false, calendarInUTC(), "en_US");
+  DateReading dates("auto", false, calendarIn("UTC"), "en_US");
   EXPECT_EQ(settled(dates, {"03/04/2021", "13/04/2021", "14/04/2021"}),
             "dates are read as dmy: line 2, '13/04/2021', decides|");
   EXPECT_EQ(dayOf(dates, "03/04/2021"), "2021-04-03");
@@ -47,63 +43,63 @@ TEST(DateReading, NamesTheRowThatDecided) {
 }
 
 TEST(DateReading, RefusesWhereMoreThanOneOrderIsLeft) {
-  DateReading dates("auto", false, calendarInUTC(), "en_US");
+  DateReading dates("auto", false, calendarIn("UTC"), "en_US");
   EXPECT_EQ(settled(dates, {"03/04/2021", "05/04/2021"}),
             "dmy: 2021-04-03 to 2021-04-05, ascending|mdy: 2021-03-04 to 2021-05-04, ascending|"
             "the dates fit more than one order: --date-format dmy or mdy tells which");
-  DateReading falling("auto", false, calendarInUTC(), "en_US");
+  DateReading falling("auto", false, calendarIn("UTC"), "en_US");
   EXPECT_EQ(settled(falling, {"03/04/2021", "01/05/2021", "01/05/2021"}),
             "dmy: 2021-04-03 to 2021-05-01, ascending|mdy: 2021-01-05 to 2021-03-04, descending|"
             "the dates fit more than one order: --date-format dmy or mdy tells which");
 }
 
 TEST(DateReading, TakesOrdersThatReadAlikeForOne) {
-  DateReading dates("auto", false, calendarInUTC(), "en_US");
+  DateReading dates("auto", false, calendarIn("UTC"), "en_US");
   EXPECT_EQ(settled(dates, {"05/05/2021", "06/06/2021"}), "");
   EXPECT_EQ(dayOf(dates, "05/05/2021"), "2021-05-05");
 }
 
 TEST(DateReading, RefusesDatesThatContradictEachOther) {
-  DateReading dates("auto", false, calendarInUTC(), "en_US");
+  DateReading dates("auto", false, calendarIn("UTC"), "en_US");
   const std::string words = settled(dates, {"13/04/2021", "04/14/2021"});
   EXPECT_NE(words.find("no usual order"), std::string::npos) << words;
   EXPECT_NE(words.find("line 2, '04/14/2021'"), std::string::npos) << words;
 }
 
 TEST(DateReading, PassesOverWhatIsNoDateInAnyOrder) {
-  DateReading dates("auto", false, calendarInUTC(), "en_US");
+  DateReading dates("auto", false, calendarIn("UTC"), "en_US");
   EXPECT_EQ(settled(dates, {"2023-01-32", "Total", "40.40.40", "2023-01-31"}),
             "dates are read as ymd: line 4, '2023-01-31', decides|");
-  DateReading none("auto", false, calendarInUTC(), "en_US");
+  DateReading none("auto", false, calendarIn("UTC"), "en_US");
   EXPECT_EQ(settled(none, {"Total"}), "");
   EXPECT_EQ(dayOf(none, "2023-01-31"), "nil");
 }
 
 TEST(DateReading, JudgesOtherOrdersOnlyWhereAsked) {
-  DateReading usual("auto", false, calendarInUTC(), "en_US");
+  DateReading usual("auto", false, calendarIn("UTC"), "en_US");
   EXPECT_NE(settled(usual, {"2021/13/04"}).find("no usual order"), std::string::npos);
-  DateReading all("auto", true, calendarInUTC(), "en_US");
+  DateReading all("auto", true, calendarIn("UTC"), "en_US");
   EXPECT_EQ(settled(all, {"2021/13/04"}), "dates are read as ydm: line 1, '2021/13/04', decides|");
   EXPECT_EQ(dayOf(all, "2021/13/04"), "2021-04-13");
 }
 
 TEST(DateReading, TakesANamedOrderOrAPattern) {
-  DateReading mdy("mdy", false, calendarInUTC(), "en_US");
+  DateReading mdy("mdy", false, calendarIn("UTC"), "en_US");
   EXPECT_EQ(settled(mdy, {"03/04/2021"}), "");
   EXPECT_EQ(dayOf(mdy, "03/04/2021"), "2021-03-04");
-  DateReading compact("yyyyMMdd", false, calendarInUTC(), "en_US");
+  DateReading compact("yyyyMMdd", false, calendarIn("UTC"), "en_US");
   EXPECT_EQ(dayOf(compact, "20210304"), "2021-03-04");
   EXPECT_EQ(dayOf(compact, "20210230"), "nil");
-  DateReading words("d MMM y", false, calendarInUTC(), "en_US");
+  DateReading words("d MMM y", false, calendarIn("UTC"), "en_US");
   EXPECT_EQ(dayOf(words, "7 Nov 2013"), "2013-11-07");
   for (const char* format : {"", "d/m", "yy", "AUTO"})
-    EXPECT_THROW(DateReading(format, false, calendarInUTC(), "en_US"), UsageFailure) << format;
+    EXPECT_THROW(DateReading(format, false, calendarIn("UTC"), "en_US"), UsageFailure) << format;
 }
 
 /// Statements of 1 to 31 days from each day of two years, in each usual order and in both
 /// directions: they are read right or refused.
 TEST(DateReading, ReadsStatementsRightOrRefusesThem) {
-  const auto calendar = calendarInUTC();
+  const auto calendar = calendarIn("UTC");
   const NSDate first = *readDate("2023-01-01", *calendar);
   const char* const formats[] = {"%3$02d/%2$02d/%1$04d", "%2$02d/%3$02d/%1$04d",
                                  "%1$04d-%2$02d-%3$02d", "%3$d.%2$d.%4$02d"};

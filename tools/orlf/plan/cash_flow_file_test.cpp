@@ -1,27 +1,23 @@
 #include "plan/cash_flow_file.h"
 
+#include <ORLFoundation/platform/time/NSCalendar_testing.h>
 #include <gtest/gtest.h>
 
 #include "cli/failure.h"
-#include "session.h"
 #include "values/date_text.h"
 
 namespace {
 
 using namespace ORLFoundation;
+using orlftest::newYorkCalendar;
 using orlftool::readGroupedDecimal;
 using Flows = std::vector<std::string>;
-
-const NSCalendar& newYork() {
-  static const auto calendar = orlftool::makeCalendar("America/New_York", "en_US");
-  return *calendar;
-}
 
 /// "2024-01-01 -100" for each flow.
 Flows flowsOf(std::string_view text) {
   Flows flows;
-  for (const auto& flow : orlftool::parseCashFlows(text, "flows.csv", newYork()))
-    flows.push_back(orlftool::shortDateText(flow.date, newYork()) + " " +
+  for (const auto& flow : orlftool::parseCashFlows(text, "flows.csv", newYorkCalendar()))
+    flows.push_back(orlftool::shortDateText(flow.date, newYorkCalendar()) + " " +
                     flow.amount.stringValue());
   return flows;
 }
