@@ -114,7 +114,10 @@ class Ours {
   [[nodiscard]] std::vector<LocalTime> localTimes() const {
     std::vector<LocalTime> times;
     walk(kDates, [&](NSDate date) {
-      const auto at = calendar_->components(4 | 8 | 16 | 32 | 64, date);
+      const auto at =
+          calendar_->components(NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay |
+                                    NSCalendarUnitHour | NSCalendarUnitMinute,
+                                date);
       times.push_back(localTime(at.year(), at.month(), at.day(), at.hour(), at.minute()));
     });
     return times;

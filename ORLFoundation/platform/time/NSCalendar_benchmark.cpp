@@ -26,6 +26,8 @@ constexpr std::int64_t kFirst = 631170000;        // 1990-01-01 in the zone
 constexpr std::int64_t kLast = 2840158800;        // 2060-01-01
 constexpr std::int64_t kKnownToAll = 2145934800;  // 2038-01-01
 constexpr std::size_t kDates = 4096;
+constexpr NSUInteger kDayAndTime = NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay |
+                                   NSCalendarUnitHour | NSCalendarUnitMinute | NSCalendarUnitSecond;
 
 struct Work {
   std::int64_t from;
@@ -59,7 +61,7 @@ class Ours {
     return static_cast<std::int64_t>(date.timeIntervalSince1970());
   }
   Answer components(const Work& work) const {
-    const NSDateComponents all = calendar_->components(4 | 8 | 16 | 32 | 64 | 128, at(work.from));
+    const NSDateComponents all = calendar_->components(kDayAndTime, at(work.from));
     return {pack(all.year(), all.month(), all.day()),
             all.hour() * 3600 + all.minute() * 60 + all.second()};
   }
@@ -264,7 +266,7 @@ std::vector<Work> makeWork() {
     Work work{kFirst + next(kLast - kFirst), 0, {}, 0};
     work.to = work.from + next(10'000 * 86400);
     work.count = static_cast<std::int32_t>(next(200) + 1);
-    const NSDateComponents fields = calendar->components(252, Ours::at(work.from));
+    const NSDateComponents fields = calendar->components(kDayAndTime, Ours::at(work.from));
     if (fields.hour() < 4) continue;
     work.fields = {
         static_cast<std::int32_t>(fields.year()),   static_cast<std::int32_t>(fields.month()),
