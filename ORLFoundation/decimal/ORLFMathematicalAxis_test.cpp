@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/decimal/ORLFMathematicalAxis.h>
 
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/format/NSLocale.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorFile.h>
@@ -20,8 +21,8 @@ constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
 // Labels are written in the current locale.
 class AxisTest : public testing::Test {
  protected:
-  void SetUp() override { NSLocale::setCurrentLocale(std::make_shared<NSLocale>("en_US")); }
-  void TearDown() override { NSLocale::setCurrentLocale(nullptr); }
+  const Replaced<std::shared_ptr<NSLocale>> locale_{NSLocale::setCurrentLocale,
+                                                    std::make_shared<NSLocale>("en_US")};
 };
 
 std::string fieldsDisagreement(const Json& out, const ORLFMathematicalAxis& axis) {

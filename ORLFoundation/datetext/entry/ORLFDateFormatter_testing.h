@@ -3,7 +3,7 @@
 
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/format/NSLocale.h>
-#include <ORLFoundation/platform/time/NSTimeZone.h>
+#include <ORLFoundation/platform/time/NSTimeZone_testing.h>
 #include <ORLFoundation/platform/value/NSDate.h>
 
 #include <functional>
@@ -18,17 +18,13 @@ class PinnedWorld {
   PinnedWorld(const std::string& locale, const std::string& zone, ORLFoundation::NSDate now)
       : locale_(ORLFoundation::NSLocale::setCurrentLocale,
                 std::make_shared<ORLFoundation::NSLocale>(locale)),
-        clock_(ORLFoundation::NSDate::setClock, [now] { return now; }) {
-    using ORLFoundation::NSTimeZone;
-    NSTimeZone::setDefaultTimeZone(NSTimeZone::timeZoneWithName(zone));
-  }
-  PinnedWorld(const PinnedWorld&) = delete;
-  PinnedWorld& operator=(const PinnedWorld&) = delete;
-  ~PinnedWorld() { ORLFoundation::NSTimeZone::setDefaultTimeZone(nullptr); }
+        clock_(ORLFoundation::NSDate::setClock, [now] { return now; }),
+        zone_(zone) {}
 
  private:
   ORLFoundation::Replaced<std::shared_ptr<ORLFoundation::NSLocale>> locale_;
   ORLFoundation::Replaced<std::function<ORLFoundation::NSDate()>> clock_;
+  DefaultZone zone_;
 };
 
 }  // namespace orlftest

@@ -2,11 +2,12 @@
 
 #include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
 #include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/format/NSDateIntervalFormatter_testing.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/time/NSCalendar_testing.h>
-#include <ORLFoundation/platform/time/NSTimeZone.h>
+#include <ORLFoundation/platform/time/NSTimeZone_testing.h>
 #include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -34,15 +35,9 @@ NSDate dateOf(const std::string& text) {
 /// A compact formatter of dates in en_US and UTC, in a process of that locale and zone.
 class Spans : public testing::Test {
  protected:
-  Spans() : locale_(NSLocale::setCurrentLocale(std::make_shared<NSLocale>("en_US"))) {
-    NSTimeZone::setDefaultTimeZone(NSTimeZone::timeZoneWithName("UTC"));
-    formatter_ = std::make_shared<ORLFDateIntervalFormatter>();
+  Spans() {
     formatter_->setDateStyle(NSDateIntervalFormatterShortStyle);
     formatter_->setUseCompactFormat(true);
-  }
-  ~Spans() override {
-    NSTimeZone::setDefaultTimeZone(nullptr);
-    NSLocale::setCurrentLocale(locale_);
   }
 
   [[nodiscard]] std::string text(const std::string& from, const std::string& to) const {
@@ -54,10 +49,11 @@ class Spans : public testing::Test {
     formatter_->setTimeStyle(static_cast<NSDateIntervalFormatterStyle>(time));
   }
 
-  std::shared_ptr<ORLFDateIntervalFormatter> formatter_;
-
- private:
-  std::shared_ptr<NSLocale> locale_;
+  const Replaced<std::shared_ptr<NSLocale>> locale_{NSLocale::setCurrentLocale,
+                                                    std::make_shared<NSLocale>("en_US")};
+  const orlftest::DefaultZone zone_{"UTC"};
+  const std::shared_ptr<ORLFDateIntervalFormatter> formatter_ =
+      std::make_shared<ORLFDateIntervalFormatter>();
 };
 
 struct CompactCase {

@@ -1,7 +1,7 @@
 #include <ORLFoundation/platform/container/ArchiveStream.h>
 
 #include <ORLFoundation/platform/container/Archive_testing.h>
-#include <ORLFoundation/platform/log/NSLog.h>
+#include <ORLFoundation/platform/log/LogCapture.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -122,15 +122,14 @@ TEST_F(ArchiveStreams, FailForAFileThatBecomesShorter) {
 TEST_F(ArchiveStreams, LeaveOutWhatIsNoFileAndSaySo) {
   write("from/a", "1");
   ASSERT_EQ(::mkfifo(path("from/pipe").c_str(), 0600), 0);
-  std::string log;
-  const auto before = NSSetLogSink([&](std::string_view line) { log += line; });
+  const LogCapture log;
   const Octets archive = packed("from");
   extract(archiveOf({Entry::folder(""),
                      {{Entry::type('P'), Field::string("PAT", "pipe")}, ""},
                      Entry::file("a", "1")}));
-  NSSetLogSink(before);
-  EXPECT_THAT(log, HasSubstr("from/pipe"));
-  EXPECT_THAT(log, HasSubstr("extracted, since it is no file, folder or link: pipe"));
+  EXPECT_THAT(log.lines(),
+              ElementsAre(HasSubstr("from/pipe"),
+                          HasSubstr("extracted, since it is no file, folder or link: pipe")));
   EXPECT_THAT(names("to"), ElementsAre("a"));
   extract(archive);
   EXPECT_THAT(names("to"), ElementsAre("a"));

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ORLFoundation/platform/base/Hexadecimal.h>
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/container/ArchiveByteStream.h>
 #include <ORLFoundation/platform/container/ArchiveStream.h>
 #include <ORLFoundation/platform/crypto/SecRandom.h>
@@ -85,10 +86,7 @@ class ScriptedRandomBytes {
  public:
   using Script = std::function<std::uint8_t(std::size_t index)>;
   explicit ScriptedRandomBytes(std::deque<Script> scripts)
-      : before_(ORLFoundation::SecSetRandomSource(std::make_shared<Source>(std::move(scripts)))) {}
-  ~ScriptedRandomBytes() { ORLFoundation::SecSetRandomSource(std::move(before_)); }
-  ScriptedRandomBytes(const ScriptedRandomBytes&) = delete;
-  ScriptedRandomBytes& operator=(const ScriptedRandomBytes&) = delete;
+      : source_(ORLFoundation::SecSetRandomSource, std::make_shared<Source>(std::move(scripts))) {}
 
   static Script all(std::uint8_t byte) {
     return [byte](std::size_t) { return byte; };
@@ -115,7 +113,7 @@ class ScriptedRandomBytes {
     std::deque<Script> scripts_;
   };
 
-  std::shared_ptr<ORLFoundation::SecRandomSource> before_;
+  ORLFoundation::Replaced<std::shared_ptr<ORLFoundation::SecRandomSource>> source_;
 };
 
 // A folder, "a.txt" with "hello\n" and a link to it.

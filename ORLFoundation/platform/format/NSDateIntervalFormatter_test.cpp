@@ -2,11 +2,12 @@
 
 #include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
 #include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/format/NSDateFormatter.h>
 #include <ORLFoundation/platform/format/NSDateIntervalFormatter_testing.h>
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
-#include <ORLFoundation/platform/time/NSTimeZone.h>
+#include <ORLFoundation/platform/time/NSTimeZone_testing.h>
 #include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorFile.h>
@@ -237,8 +238,8 @@ TEST(NSDateIntervalFormatter, KeepsUnknownStylesAndPrintsThemAsNone) {
 }
 
 TEST(NSDateIntervalFormatter, StartsInTheWorldOfItsProcess) {
-  const auto before = NSLocale::setCurrentLocale(std::make_shared<NSLocale>("th_TH"));
-  NSTimeZone::setDefaultTimeZone(NSTimeZone::timeZoneWithName("Asia/Tokyo"));
+  const Replaced locale(NSLocale::setCurrentLocale, std::make_shared<NSLocale>("th_TH"));
+  const orlftest::DefaultZone zone("Asia/Tokyo");
   NSDateIntervalFormatter formatter;
   EXPECT_EQ(formatter.locale()->localeIdentifier(), "th_TH");
   EXPECT_EQ(formatter.timeZone()->name(), "Asia/Tokyo");
@@ -246,15 +247,13 @@ TEST(NSDateIntervalFormatter, StartsInTheWorldOfItsProcess) {
   EXPECT_EQ(formatter.calendar()->timeZone()->name(), "Asia/Tokyo");
   EXPECT_EQ(formatter.dateStyle(), NSDateIntervalFormatterNoStyle);
   EXPECT_EQ(formatter.timeStyle(), NSDateIntervalFormatterNoStyle);
-  NSLocale::setCurrentLocale(std::make_shared<NSLocale>("de_DE"));
-  NSTimeZone::setDefaultTimeZone(NSTimeZone::timeZoneWithName("UTC"));
+  const Replaced later(NSLocale::setCurrentLocale, std::make_shared<NSLocale>("de_DE"));
+  orlftest::DefaultZone::set("UTC");
   EXPECT_EQ(formatter.locale()->localeIdentifier(), "th_TH");
   formatter.setLocale(nullptr);
   formatter.setTimeZone(nullptr);
   EXPECT_EQ(formatter.locale()->localeIdentifier(), "de_DE");
   EXPECT_EQ(formatter.timeZone()->name(), "UTC");
-  NSTimeZone::setDefaultTimeZone(nullptr);
-  NSLocale::setCurrentLocale(before);
 }
 
 void expectSameSettings(const NSDateIntervalFormatter& left, const NSDateIntervalFormatter& right) {
