@@ -48,7 +48,7 @@ std::optional<NSDate> readOptionalDate(std::string_view option,
 
 /// Years, and months for plans of three years or less.
 NSCalendarUnit usualSpacing(NSDate from, NSDate to) {
-  constexpr double kThreeYears = 3 * 366 * internal::base::civil::kSecondsPerDay;
+  constexpr double kThreeYears = 3.0 * 366 * internal::base::civil::kSecondsPerDay;
   return to.timeIntervalSinceDate(from) > kThreeYears ? NSCalendarUnitYear : NSCalendarUnitMonth;
 }
 
