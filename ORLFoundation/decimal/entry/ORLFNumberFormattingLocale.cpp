@@ -1,6 +1,7 @@
 
 #include <ORLFoundation/decimal/entry/ORLFNumberFormattingLocale.h>
 
+#include <ORLFoundation/platform/defaults/NSUserDefaults.h>
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
 

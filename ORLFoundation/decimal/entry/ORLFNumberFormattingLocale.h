@@ -6,13 +6,14 @@
 ///     orlfPerferredLocalForNumberFormatting();  // en_GB, with the languages "en-GB", "fr-FR"
 #pragma once
 
-#include <ORLFoundation/platform/defaults/NSUserDefaults.h>
 #include <ORLFoundation/platform/format/NSLocale.h>
 
 #include <memory>
 #include <string_view>
 
 namespace ORLFoundation {
+
+class NSUserDefaults;
 
 /// The key of the user default, a boolean.
 inline constexpr std::string_view ORLFUsePerferredLanguageForNumberFormatting =

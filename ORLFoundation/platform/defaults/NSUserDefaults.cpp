@@ -6,12 +6,15 @@
 #include <ORLFoundation/platform/defaults/NSUserDefaultsFile.h>
 #include <ORLFoundation/platform/defaults/internal/DefaultsValues.h>
 #include <ORLFoundation/platform/log/NSLog.h>
+#include <ORLFoundation/platform/object/NSArray.h>
+#include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/process/NSBundle.h>
 #include <ORLFoundation/platform/text/NSStringNumbers.h>
 #include <ORLFoundation/platform/value/NSException.h>
 
 #include <cerrno>
 #include <fstream>
+#include <mutex>
 #include <utility>
 
 namespace ORLFoundation {
@@ -59,10 +62,18 @@ void logFailure(std::string_view what, const std::shared_ptr<const NSError>& err
 
 }  // namespace
 
+struct NSUserDefaults::Locks {
+  std::recursive_mutex store;  ///< Held while the store works; taken before the other one.
+  std::mutex values;
+};
+
+NSUserDefaults::~NSUserDefaults() = default;
+
 NSUserDefaults::NSUserDefaults() : NSUserDefaults(std::make_shared<NSUserDefaultsMemory>()) {}
 
 NSUserDefaults::NSUserDefaults(std::shared_ptr<NSUserDefaultsStore> store)
     : store_(std::move(store)),
+      locks_(std::make_unique<Locks>()),
       arguments_(std::make_shared<NSDictionary>()),
       kept_(std::make_shared<NSDictionary>()),
       registered_(std::make_shared<NSDictionary>()) {
@@ -89,14 +100,14 @@ std::shared_ptr<NSDictionary> NSUserDefaults::argumentsFromWords(
   return std::make_shared<NSDictionary>(entries);
 }
 
-/// What was set under a key, with lock_ held.
+/// What was set under a key, with the lock of values held.
 id NSUserDefaults::keptObject(std::string_view key) const {
   const auto change = unwritten_.find(key);
   return change != unwritten_.end() ? change->second : kept_->objectForKey(key);
 }
 
 id NSUserDefaults::objectForKey(std::string_view key) const {
-  const std::lock_guard guard(lock_);
+  const std::lock_guard guard(locks_->values);
   if (id value = arguments_->objectForKey(key)) return value;
   if (id value = keptObject(key)) return value;
   return registered_->objectForKey(key);
@@ -161,7 +172,7 @@ std::optional<NSURL> NSUserDefaults::URLForKey(std::string_view key) const {
 }
 
 std::shared_ptr<NSDictionary> NSUserDefaults::dictionaryRepresentation() const {
-  const std::lock_guard guard(lock_);
+  const std::lock_guard guard(locks_->values);
   NSMutableDictionary all(registered_->entries());
   all.addEntriesFromDictionary(*kept_);
   for (const auto& [key, value] : unwritten_) {
@@ -190,7 +201,7 @@ void NSUserDefaults::removeObjectForKey(std::string_view key) { setObject(nullpt
 void NSUserDefaults::registerDefaults(const NSDictionary& defaults) {
   const auto added =
       immutableCopy(std::make_shared<NSDictionary>(defaults.entries())).as<NSDictionary>();
-  const std::lock_guard guard(lock_);
+  const std::lock_guard guard(locks_->values);
   NSMutableDictionary all(registered_->entries());
   all.addEntriesFromDictionary(*added);
   registered_ = std::make_shared<NSDictionary>(all.entries());
@@ -199,7 +210,7 @@ void NSUserDefaults::registerDefaults(const NSDictionary& defaults) {
 void NSUserDefaults::setArguments(const NSDictionary& arguments) {
   auto fixed =
       immutableCopy(std::make_shared<NSDictionary>(arguments.entries())).as<NSDictionary>();
-  const std::lock_guard guard(lock_);
+  const std::lock_guard guard(locks_->values);
   arguments_ = std::move(fixed);
 }
 
@@ -207,7 +218,7 @@ bool NSUserDefaults::synchronize() { return writeUnwritten() && readAgain(); }
 
 void NSUserDefaults::keep(const id& object, std::string_view key) {
   {
-    const std::lock_guard guard(lock_);
+    const std::lock_guard guard(locks_->values);
     unwritten_.insert_or_assign(std::string(key), object);
   }
   static_cast<void>(writeUnwritten());
@@ -216,8 +227,8 @@ void NSUserDefaults::keep(const id& object, std::string_view key) {
 bool NSUserDefaults::writeUnwritten() {
   std::shared_ptr<const NSError> error;
   {
-    const std::lock_guard storeGuard(storeLock_);
-    std::unique_lock guard(lock_);
+    const std::lock_guard storeGuard(locks_->store);
+    std::unique_lock guard(locks_->values);
     if (unwritten_.empty()) return true;
     const NSUserDefaultsChanges changes = unwritten_;
     guard.unlock();
@@ -240,9 +251,9 @@ bool NSUserDefaults::writeUnwritten() {
 bool NSUserDefaults::readAgain() {
   std::shared_ptr<const NSError> error;
   {
-    const std::lock_guard storeGuard(storeLock_);
+    const std::lock_guard storeGuard(locks_->store);
     const auto values = store_->read(&error);
-    const std::lock_guard guard(lock_);
+    const std::lock_guard guard(locks_->values);
     if (values) kept_ = values;
     if (values && !error) return true;
   }

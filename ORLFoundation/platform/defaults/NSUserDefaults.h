@@ -13,7 +13,6 @@
 #include <ORLFoundation/platform/object/NSObject.h>
 
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <span>
 #include <string>
@@ -31,6 +30,7 @@ class NSUserDefaults final : public NSObject {
   NSUserDefaults();
   /// Settings of a store, which is read now. What cannot be read is logged and passed over.
   explicit NSUserDefaults(std::shared_ptr<NSUserDefaultsStore> store);
+  ~NSUserDefaults() override;
   /// `standardUserDefaults`  One for the process, made at first use: with the arguments of the
   /// process, kept in the file of `NSUserDefaultsFile` for the main bundle's identifier, or for the
   /// program's name where it has none. In memory where there is no such file to be had.
@@ -107,9 +107,11 @@ class NSUserDefaults final : public NSObject {
   [[nodiscard]] bool writeUnwritten();
   [[nodiscard]] bool readAgain();
 
+  // Of its own type, so that this header spares those that include it the one of locks.
+  struct Locks;
+
   const std::shared_ptr<NSUserDefaultsStore> store_;
-  std::recursive_mutex storeLock_;  // Held while the store works; taken before lock_.
-  mutable std::mutex lock_;
+  const std::unique_ptr<Locks> locks_;
   std::shared_ptr<const NSDictionary> arguments_;
   NSUserDefaultsChanges unwritten_;
   std::shared_ptr<const NSDictionary> kept_;

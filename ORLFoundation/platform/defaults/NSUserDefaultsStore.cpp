@@ -5,20 +5,29 @@
 #include <ORLFoundation/platform/object/NSDictionary.h>
 
 #include <cerrno>
+#include <memory>
+#include <mutex>
 
 namespace ORLFoundation {
 
-NSUserDefaultsMemory::NSUserDefaultsMemory() : values_(std::make_shared<NSDictionary>()) {}
+struct NSUserDefaultsMemory::Kept {
+  std::mutex lock;
+  std::shared_ptr<NSDictionary> values = std::make_shared<NSDictionary>();
+};
+
+NSUserDefaultsMemory::NSUserDefaultsMemory() : kept_(std::make_unique<Kept>()) {}
+
+NSUserDefaultsMemory::~NSUserDefaultsMemory() = default;
 
 std::shared_ptr<NSDictionary> NSUserDefaultsMemory::read(NSErrorSlot /*error*/) {
-  const std::lock_guard guard(lock_);
-  return values_;
+  const std::lock_guard guard(kept_->lock);
+  return kept_->values;
 }
 
 std::shared_ptr<NSDictionary> NSUserDefaultsMemory::apply(const NSUserDefaultsChanges& changes,
                                                           NSErrorSlot /*error*/) {
-  const std::lock_guard guard(lock_);
-  return values_ = NSDictionaryByApplyingChanges(*values_, changes);
+  const std::lock_guard guard(kept_->lock);
+  return kept_->values = NSDictionaryByApplyingChanges(*kept_->values, changes);
 }
 
 std::shared_ptr<NSDictionary> NSFailingUserDefaultsStore::read(NSErrorSlot error) {

@@ -8,7 +8,6 @@
 
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 
 namespace ORLFoundation {
@@ -36,13 +35,14 @@ class NSUserDefaultsStore {
 class NSUserDefaultsMemory final : public NSUserDefaultsStore {
  public:
   NSUserDefaultsMemory();
+  ~NSUserDefaultsMemory() override;
   [[nodiscard]] std::shared_ptr<NSDictionary> read(NSErrorSlot error = nullptr) override;
   [[nodiscard]] std::shared_ptr<NSDictionary> apply(const NSUserDefaultsChanges& changes,
                                                     NSErrorSlot error = nullptr) override;
 
  private:
-  std::mutex lock_;
-  std::shared_ptr<NSDictionary> values_;
+  struct Kept;
+  const std::unique_ptr<Kept> kept_;
 };
 
 /// Fails with every call, as a disk does that is full or gone.

@@ -1,5 +1,7 @@
 #include <ORLFoundation/web/session/ORLFURLSession.h>
 
+#include <ORLFoundation/platform/net/NSURLRequest.h>
+#include <ORLFoundation/platform/net/NSURLSessionConfiguration.h>
 #include <ORLFoundation/platform/object/NSURLErrors.h>
 #include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <ORLFoundation/web/session/internal/SessionFields.h>

@@ -20,7 +20,6 @@
 #pragma once
 
 #include <ORLFoundation/platform/net/NSURLSession.h>
-#include <ORLFoundation/platform/net/NSURLSessionConfiguration.h>
 #include <ORLFoundation/platform/value/NSDate.h>
 #include <ORLFoundation/web/session/ORLFURLSessionDelegate.h>
 #include <ORLFoundation/web/session/ORLFURLSessionTask.h>
@@ -35,6 +34,7 @@
 
 namespace ORLFoundation {
 
+class NSURLSessionConfiguration;
 class ORLFURLSessionLogger;
 
 namespace internal::session {

@@ -9,7 +9,6 @@
 ///     };
 #pragma once
 
-#include <ORLFoundation/platform/net/NSURLRequest.h>
 #include <ORLFoundation/platform/object/NSError.h>
 #include <ORLFoundation/platform/value/NSTypes.h>
 
@@ -18,6 +17,7 @@
 
 namespace ORLFoundation {
 
+class NSURLRequest;
 class ORLFURLSession;
 
 class ORLFURLSessionDelegate {

@@ -1,5 +1,6 @@
 #include <ORLFoundation/web/session/ORLFURLSessionTask.h>
 
+#include <ORLFoundation/platform/net/NSURLRequest.h>
 #include <ORLFoundation/platform/notification/NSNotificationCenter.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSKeyTable.h>

@@ -13,13 +13,10 @@
 /// `std::make_shared`. Everything is safe on any thread.
 #pragma once
 
-#include <ORLFoundation/platform/net/NSURLRequest.h>
-#include <ORLFoundation/platform/net/NSURLResponse.h>
 #include <ORLFoundation/platform/net/NSURLSessionDelegate.h>
 #include <ORLFoundation/platform/net/NSURLSessionTask.h>
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/object/NSError.h>
-#include <ORLFoundation/platform/object/NSMutableData.h>
 #include <ORLFoundation/platform/object/NSObject.h>
 #include <ORLFoundation/tasks/async/ORLFAsyncTask.h>
 
@@ -31,7 +28,10 @@
 
 namespace ORLFoundation {
 
+class NSMutableData;
 class NSOperationQueue;
+class NSURLRequest;
+class NSURLResponse;
 class ORLFProgressItem;
 class ORLFURLSession;
 

@@ -1,5 +1,8 @@
 #include <ORLFoundation/web/session/ORLFURLSessionTask.h>
 
+#include <ORLFoundation/platform/net/NSURLRequest.h>
+#include <ORLFoundation/platform/net/NSURLResponse.h>
+#include <ORLFoundation/platform/object/NSMutableData.h>
 #include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
 #include <ORLFoundation/web/session/ORLFURLSession.h>

@@ -1,6 +1,7 @@
 #include <ORLFoundation/web/session/ORLFURLSessionTask.h>
 
 #include <ORLFoundation/platform/files/NSFileErrors.h>
+#include <ORLFoundation/platform/net/NSURLResponse.h>
 #include <ORLFoundation/web/session/ORLFURLSessionTask_testing.h>
 #include <ORLFoundation/web/session/internal/DownloadFiles.h>
 #include <gmock/gmock.h>

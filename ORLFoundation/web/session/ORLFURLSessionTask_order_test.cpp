@@ -1,6 +1,8 @@
 // What stands in a task's fields at each moment at which somebody is told of it.
 #include <ORLFoundation/web/session/ORLFURLSessionTask.h>
 
+#include <ORLFoundation/platform/net/NSURLResponse.h>
+#include <ORLFoundation/platform/object/NSMutableData.h>
 #include <ORLFoundation/web/session/ORLFURLSessionTask_testing.h>
 #include <gmock/gmock.h>
 #include <tests/support/TemporaryFolder.h>

@@ -1,5 +1,6 @@
 #include <ORLFoundation/web/session/ORLFURLSessionTask.h>
 
+#include <ORLFoundation/platform/object/NSMutableData.h>
 #include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <ORLFoundation/web/session/ORLFURLSessionTask_testing.h>
 

@@ -2,8 +2,10 @@
 
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/log/NSLog.h>
+#include <ORLFoundation/platform/net/NSURLRequest.h>
 #include <ORLFoundation/platform/notification/NSNotificationCenter.h>
 #include <ORLFoundation/platform/object/NSKeyValueObserving.h>
+#include <ORLFoundation/platform/object/NSMutableData.h>
 #include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
 #include <ORLFoundation/web/session/ORLFURLSessionTask_testing.h>

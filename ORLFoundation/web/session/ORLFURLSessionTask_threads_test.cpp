@@ -1,6 +1,7 @@
 #include <ORLFoundation/web/session/ORLFURLSessionTask.h>
 
 #include <ORLFoundation/platform/notification/NSNotificationCenter.h>
+#include <ORLFoundation/platform/object/NSMutableData.h>
 #include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
 #include <ORLFoundation/web/session/ORLFURLSessionTask_testing.h>

@@ -1,6 +1,10 @@
 /// Plays whole exchanges of session vectors: against a scripted platform, or a server.
 #pragma once
 
+#include <ORLFoundation/platform/net/NSURLRequest.h>
+#include <ORLFoundation/platform/net/NSURLResponse.h>
+#include <ORLFoundation/platform/net/NSURLSessionConfiguration.h>
+#include <ORLFoundation/platform/object/NSMutableData.h>
 #include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <ORLFoundation/web/session/ORLFURLSession_world_testing.h>
 

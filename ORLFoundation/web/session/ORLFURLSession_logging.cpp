@@ -1,5 +1,7 @@
 #include <ORLFoundation/web/session/ORLFURLSession.h>
 
+#include <ORLFoundation/platform/net/NSURLRequest.h>
+#include <ORLFoundation/platform/object/NSMutableData.h>
 #include <ORLFoundation/platform/text/NSStringEncoding.h>
 #include <ORLFoundation/support/strings/ORLFStringUtilities.h>
 #include <ORLFoundation/web/logging/ORLFURLSessionLogger.h>

@@ -1,5 +1,6 @@
 #include <ORLFoundation/web/session/ORLFURLSession.h>
 
+#include <ORLFoundation/platform/net/NSURLRequest.h>
 #include <ORLFoundation/web/session/ORLFURLSession_exchange_testing.h>
 #include <ORLFoundation/web/session/ORLFURLSession_server_testing.h>
 #include <gtest/gtest.h>

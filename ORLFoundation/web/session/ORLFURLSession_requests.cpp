@@ -1,6 +1,9 @@
 #include <ORLFoundation/web/session/ORLFURLSession.h>
 
 #include <ORLFoundation/platform/files/NSURLResourceValues.h>
+#include <ORLFoundation/platform/net/NSURLRequest.h>
+#include <ORLFoundation/platform/net/NSURLResponse.h>
+#include <ORLFoundation/platform/net/NSURLSessionConfiguration.h>
 #include <ORLFoundation/support/diagnostics/ORLFCondition.h>
 #include <ORLFoundation/web/session/ORLFHTTPURLResponse.h>
 #include <ORLFoundation/web/session/internal/StatusError.h>

@@ -2,6 +2,7 @@
 /// by what was called and what has changed.
 #pragma once
 
+#include <ORLFoundation/platform/net/NSURLResponse.h>
 #include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <ORLFoundation/tasks/async/ORLFAsyncTaskBase_testing.h>
 #include <ORLFoundation/web/session/ORLFURLSession_world_testing.h>

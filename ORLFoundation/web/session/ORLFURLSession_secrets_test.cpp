@@ -3,6 +3,7 @@
 #include <ORLFoundation/web/session/ORLFURLSession.h>
 
 #include <ORLFoundation/platform/log/LogCapture.h>
+#include <ORLFoundation/platform/net/NSURLRequest.h>
 #include <ORLFoundation/web/logging/ORLFURLSessionFileLogger.h>
 #include <ORLFoundation/web/logging/ORLFURLSessionLogReplacement.h>
 #include <ORLFoundation/web/logging/ORLFURLSessionSecretMask_testing.h>

@@ -2,6 +2,7 @@
 
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/log/NSLog.h>
+#include <ORLFoundation/platform/object/NSMutableData.h>
 #include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <ORLFoundation/web/session/ORLFURLSessionTask_testing.h>
 #include <gmock/gmock.h>

@@ -2,6 +2,9 @@
 /// calls.
 #pragma once
 
+#include <ORLFoundation/platform/net/NSURLRequest.h>
+#include <ORLFoundation/platform/net/NSURLResponse.h>
+#include <ORLFoundation/platform/net/NSURLSessionConfiguration.h>
 #include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <ORLFoundation/web/logging/ORLFURLSessionLogger.h>
 #include <ORLFoundation/web/session/ORLFURLSession.h>

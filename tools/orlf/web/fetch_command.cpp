@@ -1,5 +1,8 @@
 #include <ORLFoundation/platform/base/Base64.h>
 #include <ORLFoundation/platform/base/UTF8.h>
+#include <ORLFoundation/platform/net/NSURLRequest.h>
+#include <ORLFoundation/platform/net/NSURLSessionConfiguration.h>
+#include <ORLFoundation/platform/object/NSMutableData.h>
 #include <ORLFoundation/platform/object/NSURLErrors.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
 #include <ORLFoundation/web/logging/ORLFURLSessionFileLogger.h>

@@ -1,5 +1,6 @@
 #include <ORLFoundation/web/session/internal/StatusError.h>
 
+#include <ORLFoundation/platform/net/NSURLResponse.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSURLErrors.h>
 #include <ORLFoundation/web/session/ORLFHTTPURLResponse.h>
