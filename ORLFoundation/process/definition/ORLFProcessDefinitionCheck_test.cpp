@@ -1,5 +1,7 @@
 #include <ORLFoundation/process/definition/ORLFProcessDefinitionCheck.h>
 
+#include <ORLFoundation/process/definition/ORLFProcessStepBuilderStepData.h>
+
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilder_testing.h>
 #include <tests/support/ProcessorTime.h>
 

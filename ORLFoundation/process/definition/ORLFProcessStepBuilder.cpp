@@ -4,9 +4,12 @@
 #include <ORLFoundation/platform/base/ASCII.h>
 #include <ORLFoundation/platform/files/NSDataReading.h>
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
+#include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSNumber.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <ORLFoundation/platform/xml/NSXMLParser.h>
+#include <ORLFoundation/process/definition/ORLFProcessStepBuilderStepData.h>
+#include <ORLFoundation/process/engine/ORLFProcessStep.h>
 #include <ORLFoundation/support/diagnostics/ORLFCondition.h>
 
 #include <utility>

@@ -29,14 +29,10 @@
 /// ORLFProcessDefinitionCheck.h finds what is wrong in a definition, with the places.
 #pragma once
 
-#include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSError.h>
 #include <ORLFoundation/platform/object/NSObject.h>
 #include <ORLFoundation/platform/value/NSURL.h>
 #include <ORLFoundation/platform/xml/NSXMLParserDelegate.h>
-#include <ORLFoundation/process/definition/ORLFProcessStepBuilderDelegate.h>
-#include <ORLFoundation/process/definition/ORLFProcessStepBuilderStepData.h>
-#include <ORLFoundation/process/engine/ORLFProcessStep.h>
 
 #include <functional>
 #include <map>
@@ -47,6 +43,11 @@
 #include <vector>
 
 namespace ORLFoundation {
+
+class NSDictionary;
+class ORLFProcessStep;
+class ORLFProcessStepBuilderDelegate;
+class ORLFProcessStepBuilderStepData;
 
 class ORLFProcessStepBuilder : public NSObject, public NSXMLParserDelegate {
  public:

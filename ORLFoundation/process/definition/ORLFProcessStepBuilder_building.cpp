@@ -3,7 +3,10 @@
 
 #include <ORLFoundation/platform/value/NSException.h>
 #include <ORLFoundation/platform/xml/NSXMLParser.h>
+#include <ORLFoundation/process/definition/ORLFProcessStepBuilderDelegate.h>
+#include <ORLFoundation/process/definition/ORLFProcessStepBuilderStepData.h>
 #include <ORLFoundation/process/definition/internal/ORLFReferenceCensus.h>
+#include <ORLFoundation/process/engine/ORLFProcessStep.h>
 
 #include <algorithm>
 #include <utility>

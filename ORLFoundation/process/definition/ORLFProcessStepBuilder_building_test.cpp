@@ -1,8 +1,10 @@
 // Steps of records: the delegate's calls, and what may be asked for by hand.
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilder.h>
 
+#include <ORLFoundation/process/definition/ORLFProcessStepBuilderStepData.h>
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilder_testing.h>
 #include <ORLFoundation/process/engine/ORLFProcess.h>
+#include <ORLFoundation/process/engine/ORLFProcessStep.h>
 
 namespace ORLFoundation {
 namespace {

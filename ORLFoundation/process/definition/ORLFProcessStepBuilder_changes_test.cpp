@@ -1,7 +1,11 @@
 // Delegates that do more than answer, and records that no file could have given.
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilder.h>
 
+#include <ORLFoundation/platform/object/NSDictionary.h>
+#include <ORLFoundation/process/definition/ORLFProcessStepBuilderDelegate.h>
+#include <ORLFoundation/process/definition/ORLFProcessStepBuilderStepData.h>
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilder_testing.h>
+#include <ORLFoundation/process/engine/ORLFProcessStep.h>
 
 #include <functional>
 #include <stdexcept>

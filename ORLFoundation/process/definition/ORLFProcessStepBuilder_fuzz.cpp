@@ -5,6 +5,7 @@
 #include <ORLFoundation/platform/xml/NSXMLParser.h>
 #include <ORLFoundation/process/definition/ORLFProcessDefinitionCheck.h>
 #include <ORLFoundation/process/engine/ORLFProcess.h>
+#include <ORLFoundation/process/engine/ORLFProcessStep.h>
 
 #include <cstdint>
 #include <cstdlib>

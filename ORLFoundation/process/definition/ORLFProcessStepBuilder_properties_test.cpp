@@ -3,6 +3,7 @@
 
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
+#include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilder_testing.h>
 
 namespace ORLFoundation {

@@ -3,6 +3,7 @@
 
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilder_testing.h>
+#include <ORLFoundation/process/engine/ORLFProcessStep.h>
 #include <tests/support/ProcessorTime.h>
 
 namespace ORLFoundation {

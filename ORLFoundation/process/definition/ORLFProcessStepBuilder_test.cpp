@@ -1,7 +1,10 @@
 // The elements of a definition, its rules, and files that are none.
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilder.h>
 
+#include <ORLFoundation/process/definition/ORLFProcessStepBuilderDelegate.h>
+#include <ORLFoundation/process/definition/ORLFProcessStepBuilderStepData.h>
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilder_testing.h>
+#include <ORLFoundation/process/engine/ORLFProcessStep.h>
 
 namespace ORLFoundation {
 namespace {

@@ -6,6 +6,8 @@
 #include <ORLFoundation/platform/value/NSException.h>
 #include <ORLFoundation/platform/xml/NSXMLParser.h>
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilder.h>
+#include <ORLFoundation/process/definition/ORLFProcessStepBuilderDelegate.h>
+#include <ORLFoundation/process/engine/ORLFProcessStep.h>
 #include <gtest/gtest.h>
 #include <tests/support/TemporaryFolder.h>
 

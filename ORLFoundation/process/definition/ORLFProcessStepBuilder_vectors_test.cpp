@@ -2,7 +2,9 @@
 
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/object/NSArray.h>
+#include <ORLFoundation/process/definition/ORLFProcessStepBuilderDelegate.h>
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilder_testing.h>
+#include <ORLFoundation/process/engine/ORLFProcessStep.h>
 #include <tests/support/VectorFile.h>
 
 #include <algorithm>

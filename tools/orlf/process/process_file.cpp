@@ -5,6 +5,8 @@
 #include <ORLFoundation/platform/value/NSException.h>
 #include <ORLFoundation/platform/xml/NSXMLParser.h>
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilder.h>
+#include <ORLFoundation/process/definition/ORLFProcessStepBuilderDelegate.h>
+#include <ORLFoundation/process/engine/ORLFProcessStep.h>
 
 #include <string_view>
 

@@ -4,7 +4,9 @@
 
 #include <ORLFoundation/process/definition/ORLFProcessDefinitionCheck.h>
 #include <ORLFoundation/process/definition/ORLFProcessStepBuilder.h>
+#include <ORLFoundation/process/definition/ORLFProcessStepBuilderStepData.h>
 #include <ORLFoundation/process/definition/internal/ORLFStepOrigins.h>
+#include <ORLFoundation/process/engine/ORLFProcessStep.h>
 
 #include <set>
 #include <string>
