@@ -20,8 +20,8 @@ constexpr std::string_view kTrueArchive =
     "0000000000000000 000000000000005d";
 
 TEST(NSKeyedArchiver, WritesTheBooleanTrueByteForByte) {
-  EXPECT_EQ(archived(true).text(), bytesFromHex(kTrueArchive));
-  EXPECT_EQ(unarchived(NSData(std::string_view(bytesFromHex(kTrueArchive)))), id(true));
+  EXPECT_EQ(archived(true).text(), textOfHex(kTrueArchive));
+  EXPECT_EQ(unarchived(NSData(std::string_view(textOfHex(kTrueArchive)))), id(true));
 }
 
 TEST(NSKeyedArchiver, NumbersObjectsBeforeTheirMembersAndClassesAfter) {
@@ -242,7 +242,7 @@ TEST(NSKeyedArchiver, WritesDecimalsInThePlatformsForm) {
                                      "NSValue", "NSObject"})}});
   const auto entry = [](int exponent, int length, bool negative, bool compact,
                         std::string_view words) {
-    std::string bytes = bytesFromHex(words);
+    std::string bytes = textOfHex(words);
     bytes.resize(16);
     return dictionary({{"NS.exponent", exponent},
                        {"NS.length", length},

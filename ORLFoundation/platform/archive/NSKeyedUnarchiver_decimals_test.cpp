@@ -40,7 +40,7 @@ const DecimalCase kDecimals[] = {
 };
 
 id decimalEntry(const DecimalCase& row) {
-  std::string words = bytesFromHex(row.words);
+  std::string words = textOfHex(row.words);
   words.resize(16, '\x5A');
   return dictionary({{"NS.exponent", row.exponent},
                      {"NS.length", row.length},

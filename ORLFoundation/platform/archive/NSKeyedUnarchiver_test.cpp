@@ -34,7 +34,7 @@ constexpr std::string_view kSampleArchive =
     "022c";
 
 TEST(NSKeyedUnarchiver, ReadsAnObjectWithFieldsOfEachKind) {
-  const std::string bytes = bytesFromHex(kSampleArchive);
+  const std::string bytes = textOfHex(kSampleArchive);
   ASSERT_EQ(bytes.size(), 750U);
   std::shared_ptr<const NSError> error;
   const auto sample =

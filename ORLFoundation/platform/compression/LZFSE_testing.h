@@ -1,21 +1,17 @@
-/// Bytes that tests pack, and bytes as hexadecimal text.
+/// Bytes that tests pack.
 #pragma once
 
-#include <ORLFoundation/platform/base/Hexadecimal.h>
+#include <ORLFoundation/platform/base/Hexadecimal_testing.h>
 #include <ORLFoundation/platform/compression/LZFSE.h>
 
 #include <cstdint>
 #include <optional>
 #include <random>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace orlftest {
-
-using Bytes = std::vector<std::uint8_t>;
 
 /// "abcabcabcabcabcabcXYZabcabcabc" in a block with packed tables: "abc" and a match of 15 bytes
 /// three back, "XYZ" and one of nine 21 back.
@@ -35,17 +31,8 @@ class RandomNumbers {
   std::mt19937 engine_;
 };
 
-inline Bytes bytesOf(std::string_view text) { return {text.begin(), text.end()}; }
 inline std::string textOf(std::span<const std::uint8_t> bytes) {
   return {bytes.begin(), bytes.end()};
-}
-inline Bytes bytesOfHex(std::string_view hex) {
-  const auto bytes = ORLFoundation::internal::base::bytesOfHexText(hex);
-  if (!bytes) throw std::runtime_error("no hexadecimal text");
-  return bytesOf(*bytes);
-}
-inline std::string hexOf(std::span<const std::uint8_t> bytes) {
-  return ORLFoundation::internal::base::hexText(textOf(bytes));
 }
 
 inline Bytes packed(std::span<const std::uint8_t> bytes) {

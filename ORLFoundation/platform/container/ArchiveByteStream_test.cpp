@@ -7,16 +7,16 @@ namespace ORLFoundation {
 namespace {
 
 using orlftest::archiveErrorOf;
-using orlftest::hexOfOctets;
+using orlftest::Bytes;
+using orlftest::bytesOf;
+using orlftest::bytesOfHex;
+using orlftest::hexOf;
 using orlftest::MemoryByteStream;
-using orlftest::Octets;
-using orlftest::octets;
-using orlftest::octetsOfHex;
 
 class ArchiveByteStreams : public orlftest::ArchiveFolderTest {};
 
 TEST_F(ArchiveByteStreams, WrapTheExampleInBlocks) {
-  Octets wrapped = octetsOfHex(
+  Bytes wrapped = bytesOfHex(
       "70627a65 0000000000400000 00000000000000c2 0000000000000088"
       "6276786ec200000078000000e020414130313700545950314450415450000055494432f50147494431144d4f4432"
       "ed"
@@ -24,37 +24,37 @@ TEST_F(ArchiveByteStreams, WrapTheExampleInBlocks) {
       "41"
       "060068656c6c6f0a084856434e4ce601006c4c4e4b384ffd388bfbe25b07060000000000000062767824");
   ASSERT_EQ(wrapped.size(), 164U);
-  EXPECT_EQ(orlftest::sha256OfOctets(wrapped),
+  EXPECT_EQ(orlftest::sha256Of(wrapped),
             "275cdaca145bf948fb70ba8e7e64cd05e3fe7f404cdd571d0db28649adcad7c3");
   MemoryByteStream memory(wrapped);
   EXPECT_EQ(orlftest::readAll(*ArchiveByteStream::decompressionStream(memory)),
-            octetsOfHex(orlftest::kArchiveExample));
+            bytesOfHex(orlftest::kArchiveExample));
   MemoryByteStream ours;
   const auto stream = ArchiveByteStream::compressionStream(ArchiveCompression::lzfse, ours);
-  stream->write(octetsOfHex(orlftest::kArchiveExample));
+  stream->write(bytesOfHex(orlftest::kArchiveExample));
   stream->close();
   EXPECT_TRUE(std::equal(wrapped.begin(), wrapped.begin() + 20, ours.bytes().begin()));
   EXPECT_LE(ours.bytes().size() * 10, wrapped.size() * 11);
   MemoryByteStream again(ours.bytes());
   EXPECT_EQ(orlftest::readAll(*ArchiveByteStream::decompressionStream(again)),
-            octetsOfHex(orlftest::kArchiveExample));
+            bytesOfHex(orlftest::kArchiveExample));
 }
 
 TEST_F(ArchiveByteStreams, StoreBlocksThatDoNotShrink) {
   MemoryByteStream memory;
   const auto stream = ArchiveByteStream::compressionStream(ArchiveCompression::lzfse, memory);
-  stream->write(octets("abc"));
+  stream->write(bytesOf("abc"));
   stream->close();
-  EXPECT_EQ(hexOfOctets(memory.bytes()),
+  EXPECT_EQ(hexOf(memory.bytes()),
             "70627a650000000000400000"
             "00000000000000030000000000000003616263");
   MemoryByteStream back(memory.bytes());
-  EXPECT_EQ(orlftest::readAll(*ArchiveByteStream::decompressionStream(back)), octets("abc"));
+  EXPECT_EQ(orlftest::readAll(*ArchiveByteStream::decompressionStream(back)), bytesOf("abc"));
 }
 
 TEST_F(ArchiveByteStreams, CutBlocksOfTheSizeThatIsAskedFor) {
   for (const std::size_t count : {0U, 1U, 999U, 1000U, 1001U, 5000U}) {
-    Octets bytes(count);
+    Bytes bytes(count);
     for (std::size_t i = 0; i < count; ++i) bytes[i] = static_cast<std::uint8_t>(i * i / 7);
     MemoryByteStream memory;
     const auto stream =
@@ -65,7 +65,7 @@ TEST_F(ArchiveByteStreams, CutBlocksOfTheSizeThatIsAskedFor) {
     EXPECT_EQ(memory.bytes().size(), 12 + count + 16 * ((count + 999) / 1000));
     MemoryByteStream back(memory.bytes());
     EXPECT_EQ(orlftest::readAll(*ArchiveByteStream::decompressionStream(back), 13), bytes);
-    Octets withEmptyBlock = memory.bytes();
+    Bytes withEmptyBlock = memory.bytes();
     withEmptyBlock.resize(withEmptyBlock.size() + 16);
     MemoryByteStream empty(withEmptyBlock);
     EXPECT_EQ(orlftest::readAll(*ArchiveByteStream::decompressionStream(empty)), bytes);
@@ -98,7 +98,7 @@ TEST_F(ArchiveByteStreams, RefuseDamagedBlocks) {
        ArchiveErrorDamaged},
   };
   for (const auto& [name, hex, code] : rows) {
-    MemoryByteStream memory(octetsOfHex(hex));
+    MemoryByteStream memory(bytesOfHex(hex));
     EXPECT_EQ(
         archiveErrorOf([&] {
           static_cast<void>(orlftest::readAll(*ArchiveByteStream::decompressionStream(memory)));
@@ -124,7 +124,7 @@ class SmallByteStream final : public ArchiveByteStream {
 TEST_F(ArchiveByteStreams, DoNotEndWellAfterAFailure) {
   SmallByteStream disk(3000);
   const auto stream = ArchiveByteStream::compressionStream(ArchiveCompression::none, disk, 1000);
-  const Octets bytes(500);
+  const Bytes bytes(500);
   NSInteger code = 0;
   for (int piece = 0; piece < 100 && code == 0; ++piece)
     code = archiveErrorOf([&] { stream->write(bytes); });
@@ -147,13 +147,13 @@ TEST_F(ArchiveByteStreams, OpenFilesOrTellWhyNot) {
   EXPECT_EQ(ArchiveStream::extractStream(path("missing"), {}, &error), nullptr);
   EXPECT_EQ(error->code(), 4);
   const auto made = ArchiveByteStream::fileStream(path("new"), Mode::createNew);
-  made->write(octets("abc"));
-  made->writeAt(1, octets("X"));
+  made->write(bytesOf("abc"));
+  made->writeAt(1, bytesOf("X"));
   made->close();
   EXPECT_EQ(read("new"), "aXc");
   const auto back = ArchiveByteStream::fileStream(path("new"), Mode::readOnly);
   EXPECT_EQ(back->length(), 3U);
-  EXPECT_EQ(orlftest::readAll(*back, 2), octets("aXc"));
+  EXPECT_EQ(orlftest::readAll(*back, 2), bytesOf("aXc"));
   EXPECT_THROW(static_cast<void>(ArchiveByteStream::fileStream(path("."), Mode::readOnly)),
                ArchiveError);
 }

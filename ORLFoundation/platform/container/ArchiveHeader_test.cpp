@@ -8,9 +8,9 @@ namespace ORLFoundation {
 namespace {
 
 using orlftest::archiveErrorOf;
-using orlftest::hexOfOctets;
-using orlftest::Octets;
-using orlftest::octetsOfHex;
+using orlftest::Bytes;
+using orlftest::bytesOfHex;
+using orlftest::hexOf;
 using Field = ArchiveHeader::Field;
 
 ArchiveHeader headerOf(std::vector<Field> fields) {
@@ -53,15 +53,15 @@ std::vector<Example> examples() {
 
 TEST(ArchiveHeader, IsWrittenAndReadToTheByte) {
   for (const Example& example : examples()) {
-    const Octets bytes = octetsOfHex(example.hex);
-    EXPECT_EQ(hexOfOctets(example.header.encodedData()), hexOfOctets(bytes)) << example.name;
+    const Bytes bytes = bytesOfHex(example.hex);
+    EXPECT_EQ(hexOf(example.header.encodedData()), hexOf(bytes)) << example.name;
     EXPECT_EQ(ArchiveHeader::headerWithData(bytes), example.header) << example.name;
     EXPECT_EQ(ArchiveHeader::sizeOfStart(bytes), bytes.size()) << example.name;
   }
 }
 
 TEST(ArchiveHeader, ReadsARootOfThePlatform) {
-  const Octets bytes = octetsOfHex(
+  const Bytes bytes = bytesOfHex(
       "41413031 4600 54595031 44 50415450 0000 55494431 00 47494431 50 4d4f4432 ed01 464c4731 00 "
       "4d544d54 bdad616600000000 6376910c 43544d54 a6a4616600000000 d4ba2e03");
   const ArchiveHeader header = ArchiveHeader::headerWithData(bytes);
@@ -76,7 +76,7 @@ TEST(ArchiveHeader, ReadsARootOfThePlatform) {
 }
 
 TEST(ArchiveHeader, ReadsTheOlderMagicAlike) {
-  Octets bytes = examples()[0].header.encodedData();
+  Bytes bytes = examples()[0].header.encodedData();
   const std::string_view older = "YAA1";
   std::copy(older.begin(), older.end(), bytes.begin());
   EXPECT_EQ(ArchiveHeader::headerWithData(bytes), examples()[0].header);
@@ -99,12 +99,12 @@ TEST(ArchiveHeader, TakesTheFewestBytesForEachValue) {
       {Field::hash("CKS", {1, 2, 3, 4}), "434b53 46 01020304"},
   };
   for (const auto& [field, hex] : rows) {
-    const Octets bytes = headerOf({field}).encodedData();
-    EXPECT_EQ(hexOfOctets(std::span(bytes).subspan(6)), hexOfOctets(octetsOfHex(hex)));
+    const Bytes bytes = headerOf({field}).encodedData();
+    EXPECT_EQ(hexOf(std::span(bytes).subspan(6)), hexOf(bytesOfHex(hex)));
     EXPECT_EQ(ArchiveHeader::headerWithData(bytes), headerOf({field}));
   }
   for (const std::size_t length : {4U, 20U, 32U, 48U, 64U}) {
-    const ArchiveHeader header = headerOf({Field::hash("SH2", Octets(length, 9))});
+    const ArchiveHeader header = headerOf({Field::hash("SH2", Bytes(length, 9))});
     EXPECT_EQ(ArchiveHeader::headerWithData(header.encodedData()), header);
     EXPECT_EQ(header.encodedData()[9], length == 4    ? 'F'
                                        : length == 20 ? 'G'
@@ -127,9 +127,9 @@ TEST(ArchiveHeader, GivesTheFirstFieldOfAKey) {
 
 TEST(ArchiveHeader, RefusesWhatIsCutOffOrUnknown) {
   for (const Example& example : examples()) {
-    const Octets bytes = example.header.encodedData();
+    const Bytes bytes = example.header.encodedData();
     for (std::size_t length = 0; length < bytes.size(); ++length) {
-      Octets cut(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length));
+      Bytes cut(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length));
       EXPECT_EQ(archiveErrorOf([&] { static_cast<void>(ArchiveHeader::headerWithData(cut)); }),
                 ArchiveErrorDamaged);
       if (length < 6) continue;
@@ -145,7 +145,7 @@ TEST(ArchiveHeader, RefusesWhatIsCutOffOrUnknown) {
   for (const char* hex : {"41413031 0500", "41413032 0600", "41413031 0a00 545950 7a",
                           "41413031 0b00 545950 33 00", "41413031 0b00 743950 31 00"})
     EXPECT_EQ(
-        archiveErrorOf([&] { static_cast<void>(ArchiveHeader::headerWithData(octetsOfHex(hex))); }),
+        archiveErrorOf([&] { static_cast<void>(ArchiveHeader::headerWithData(bytesOfHex(hex))); }),
         ArchiveErrorDamaged)
         << hex;
 }
@@ -161,7 +161,7 @@ TEST(ArchiveHeader, RefusesNamesThatDoNotFit) {
               ArchiveErrorTooLarge)
         << length;
   EXPECT_EQ(archiveErrorOf(
-                [] { static_cast<void>(headerOf({Field::hash("SH2", Octets(5))}).encodedData()); }),
+                [] { static_cast<void>(headerOf({Field::hash("SH2", Bytes(5))}).encodedData()); }),
             ArchiveErrorUnsupported);
 }
 

@@ -14,11 +14,11 @@ namespace {
 namespace fs = std::filesystem;
 using orlftest::archiveErrorOf;
 using orlftest::archiveOf;
-using orlftest::hexOfOctets;
+using orlftest::Bytes;
+using orlftest::bytesOf;
+using orlftest::bytesOfHex;
+using orlftest::hexOf;
 using orlftest::MemoryByteStream;
-using orlftest::Octets;
-using orlftest::octets;
-using orlftest::octetsOfHex;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using Entry = orlftest::ArchiveEntry;
@@ -27,9 +27,9 @@ using Field = ArchiveHeader::Field;
 class ArchiveStreams : public orlftest::ArchiveFolderTest {};
 
 TEST_F(ArchiveStreams, ReadTheExample) {
-  const Octets archive = octetsOfHex(orlftest::kArchiveExample);
+  const Bytes archive = bytesOfHex(orlftest::kArchiveExample);
   ASSERT_EQ(archive.size(), 194U);
-  EXPECT_EQ(orlftest::sha256OfOctets(archive),
+  EXPECT_EQ(orlftest::sha256Of(archive),
             "57b01a578c32b366b3a39f364ad88bc0b0c4f83e02fd6ad8fefdff41a1fa673c");
   extract(archive);
   EXPECT_EQ(read("to/a.txt"), "hello\n");
@@ -39,11 +39,11 @@ TEST_F(ArchiveStreams, ReadTheExample) {
 }
 
 TEST_F(ArchiveStreams, WriteTheExampleToTheByte) {
-  MemoryByteStream source(octetsOfHex(orlftest::kArchiveExample)), target;
+  MemoryByteStream source(bytesOfHex(orlftest::kArchiveExample)), target;
   const auto from = ArchiveStream::decodeStream(source), to = ArchiveStream::encodeStream(target);
   ArchiveStream::process(*from, *to, {});
   to->close();
-  EXPECT_EQ(hexOfOctets(target.bytes()), hexOfOctets(source.bytes()));
+  EXPECT_EQ(hexOf(target.bytes()), hexOf(source.bytes()));
 }
 
 TEST_F(ArchiveStreams, PackAFolderInOrder) {
@@ -90,7 +90,7 @@ TEST_F(ArchiveStreams, PackAFolderInOrder) {
     const auto header = entries->readHeader();
     ASSERT_TRUE(header) << row.path;
     EXPECT_EQ(*header, expected) << row.path;
-    Octets data(100);
+    Bytes data(100);
     const std::size_t count = entries->readBlob(data);
     EXPECT_EQ(std::string(data.begin(), data.begin() + static_cast<std::ptrdiff_t>(count)),
               row.data.value_or(""));
@@ -123,7 +123,7 @@ TEST_F(ArchiveStreams, LeaveOutWhatIsNoFileAndSaySo) {
   write("from/a", "1");
   ASSERT_EQ(::mkfifo(path("from/pipe").c_str(), 0600), 0);
   const LogCapture log;
-  const Octets archive = packed("from");
+  const Bytes archive = packed("from");
   extract(archiveOf({Entry::folder(""),
                      {{Entry::type('P'), Field::string("PAT", "pipe")}, ""},
                      Entry::file("a", "1")}));
@@ -142,15 +142,15 @@ TEST_F(ArchiveStreams, KeepBlobsInTheirTurn) {
   header.append(Field::blob("DAT", 3));
   header.append(Field::blob("XAT", 1));
   entries->writeHeader(header);
-  EXPECT_EQ(archiveErrorOf([&] { entries->writeBlob("XAT", octets("1")); }),
+  EXPECT_EQ(archiveErrorOf([&] { entries->writeBlob("XAT", bytesOf("1")); }),
             ArchiveErrorUnsupported);
-  EXPECT_EQ(archiveErrorOf([&] { entries->writeBlob("DAT", octets("1234")); }),
+  EXPECT_EQ(archiveErrorOf([&] { entries->writeBlob("DAT", bytesOf("1234")); }),
             ArchiveErrorUnsupported);
-  entries->writeBlob("DAT", octets("12"));
+  entries->writeBlob("DAT", bytesOf("12"));
   EXPECT_EQ(archiveErrorOf([&] { entries->writeHeader(header); }), ArchiveErrorUnsupported);
   EXPECT_EQ(archiveErrorOf([&] { entries->close(); }), ArchiveErrorUnsupported);
-  entries->writeBlob("DAT", octets("3"));
-  entries->writeBlob("XAT", octets("x"));
+  entries->writeBlob("DAT", bytesOf("3"));
+  entries->writeBlob("XAT", bytesOf("x"));
   entries->close();
   EXPECT_EQ(archiveErrorOf([&] { static_cast<void>(entries->readHeader()); }),
             ArchiveErrorUnsupported);

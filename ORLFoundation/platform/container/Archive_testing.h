@@ -1,7 +1,7 @@
 /// Streams in memory, scripted random bytes, and trees of files, for tests of archives.
 #pragma once
 
-#include <ORLFoundation/platform/base/Hexadecimal.h>
+#include <ORLFoundation/platform/base/Hexadecimal_testing.h>
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/container/ArchiveByteStream.h>
 #include <ORLFoundation/platform/container/ArchiveStream.h>
@@ -19,7 +19,6 @@
 #include <functional>
 #include <memory>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -27,28 +26,16 @@
 
 namespace orlftest {
 
-using Octets = std::vector<std::uint8_t>;
-
-inline Octets octets(std::string_view text) { return {text.begin(), text.end()}; }
-inline Octets octetsOfHex(std::string hex) {
-  hex.erase(std::remove(hex.begin(), hex.end(), ' '), hex.end());
-  const auto bytes = ORLFoundation::internal::base::bytesOfHexText(hex);
-  if (!bytes) throw std::runtime_error("no hexadecimal text");
-  return octets(*bytes);
-}
-inline std::string hexOfOctets(std::span<const std::uint8_t> bytes) {
-  return ORLFoundation::internal::base::hexText(std::string(bytes.begin(), bytes.end()));
-}
-inline std::string sha256OfOctets(std::span<const std::uint8_t> bytes) {
+inline std::string sha256Of(std::span<const std::uint8_t> bytes) {
   std::array<std::uint8_t, SHA256_DIGEST_LENGTH> digest{};
   SHA256(bytes.data(), bytes.size(), digest.data());
-  return hexOfOctets(digest);
+  return hexOf(digest);
 }
 
 /// Bytes in memory that are read, and written at any place.
 class MemoryByteStream final : public ORLFoundation::ArchiveByteStream {
  public:
-  explicit MemoryByteStream(Octets bytes = {}) : bytes_(std::move(bytes)) {}
+  explicit MemoryByteStream(Bytes bytes = {}) : bytes_(std::move(bytes)) {}
 
   [[nodiscard]] std::size_t read(std::span<std::uint8_t> bytes) override {
     const std::size_t count = std::min(bytes.size(), bytes_.size() - at_);
@@ -65,16 +52,16 @@ class MemoryByteStream final : public ORLFoundation::ArchiveByteStream {
     std::copy(bytes.begin(), bytes.end(), bytes_.begin() + static_cast<std::ptrdiff_t>(place));
   }
   [[nodiscard]] std::uint64_t length() const override { return bytes_.size(); }
-  [[nodiscard]] const Octets& bytes() const { return bytes_; }
+  [[nodiscard]] const Bytes& bytes() const { return bytes_; }
 
  private:
-  Octets bytes_;
+  Bytes bytes_;
   std::size_t at_ = 0;
 };
 
 /// All that a stream gives, read in pieces of a size.
-inline Octets readAll(ORLFoundation::ArchiveByteStream& stream, std::size_t pieceBytes = 1000) {
-  Octets all, piece(pieceBytes);
+inline Bytes readAll(ORLFoundation::ArchiveByteStream& stream, std::size_t pieceBytes = 1000) {
+  Bytes all, piece(pieceBytes);
   while (const std::size_t count = stream.read(piece))
     all.insert(all.end(), piece.begin(), piece.begin() + static_cast<std::ptrdiff_t>(count));
   return all;
@@ -146,12 +133,12 @@ struct ArchiveEntry {
   std::string data;
 };
 
-inline Octets archiveOf(const std::vector<ArchiveEntry>& entries) {
-  Octets bytes;
+inline Bytes archiveOf(const std::vector<ArchiveEntry>& entries) {
+  Bytes bytes;
   for (const ArchiveEntry& entry : entries) {
     ORLFoundation::ArchiveHeader header;
     for (const ArchiveEntry::Field& field : entry.fields) header.append(field);
-    const Octets start = header.encodedData();
+    const Bytes start = header.encodedData();
     bytes.insert(bytes.end(), start.begin(), start.end());
     bytes.insert(bytes.end(), entry.data.begin(), entry.data.end());
   }
@@ -174,7 +161,7 @@ ORLFoundation::NSInteger archiveErrorOf(const Work& work) {
 class ArchiveFolderTest : public TemporaryFolderTest {
  protected:
   /// Extracts into a new folder "to".
-  void extract(const Octets& archive,
+  void extract(const Bytes& archive,
                const ORLFoundation::ArchiveStream::ExtractionOptions& options = {}) {
     std::filesystem::remove_all(folder_ / "to");
     std::filesystem::create_directory(folder_ / "to");
@@ -185,7 +172,7 @@ class ArchiveFolderTest : public TemporaryFolderTest {
     target->close();
   }
   ORLFoundation::NSInteger codeOf(
-      const Octets& archive, const ORLFoundation::ArchiveStream::ExtractionOptions& options = {}) {
+      const Bytes& archive, const ORLFoundation::ArchiveStream::ExtractionOptions& options = {}) {
     return archiveErrorOf([&] { extract(archive, options); });
   }
   [[nodiscard]] mode_t modeOf(const std::string& name) const {
@@ -193,7 +180,7 @@ class ArchiveFolderTest : public TemporaryFolderTest {
     EXPECT_EQ(::lstat(path(name).c_str(), &status), 0) << name;
     return status.st_mode & 07777;
   }
-  [[nodiscard]] Octets packed(
+  [[nodiscard]] Bytes packed(
       const std::string& name,
       const ORLFoundation::ArchiveStream::PackingOptions& options = {}) const {
     MemoryByteStream memory;

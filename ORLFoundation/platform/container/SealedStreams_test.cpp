@@ -14,12 +14,12 @@ namespace {
 using internal::container::ChainKey;
 using internal::container::Seal;
 using orlftest::archiveErrorOf;
-using orlftest::hexOfOctets;
+using orlftest::Bytes;
+using orlftest::bytesOf;
+using orlftest::hexOf;
 using orlftest::MemoryByteStream;
-using orlftest::Octets;
-using orlftest::octets;
 using orlftest::ScriptedRandomBytes;
-using orlftest::sha256OfOctets;
+using orlftest::sha256Of;
 using Profile = ArchiveEncryptionContext::Profile;
 using Checksum = ArchiveEncryptionContext::Checksum;
 
@@ -27,7 +27,7 @@ constexpr Profile kSymmetric = Profile::hkdf_sha256_aesctr_hmac__symmetric__none
 constexpr Profile kPassword = Profile::hkdf_sha256_aesctr_hmac__scrypt__none;
 
 SymmetricKey countingKey() {
-  Octets bytes(32);
+  Bytes bytes(32);
   for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<std::uint8_t>(i);
   return SymmetricKey(bytes);
 }
@@ -35,7 +35,7 @@ SymmetricKey countingKey() {
 /// A container that can be foretold.
 struct Form {
   const char* name = "";
-  Octets payload = {};
+  Bytes payload = {};
   std::string sha256 = {};
   std::size_t size = 0;
   Profile profile = kSymmetric;
@@ -57,7 +57,7 @@ std::unique_ptr<ArchiveEncryptionContext> contextOf(const Form& form, ArchiveCom
   return context;
 }
 
-Octets sealed(const Form& form) {
+Bytes sealed(const Form& form) {
   std::deque<ScriptedRandomBytes::Script> scripts{ScriptedRandomBytes::from(0x20)};
   if (form.padding > 0) scripts.push_back(ScriptedRandomBytes::all(0xcc));
   if (!form.payload.empty()) scripts.push_back(ScriptedRandomBytes::all(0xaa));
@@ -71,8 +71,8 @@ Octets sealed(const Form& form) {
   return memory.bytes();
 }
 
-Octets opened(const Octets& container, const SymmetricKey& key = countingKey(),
-              const std::string& password = "correct horse") {
+Bytes opened(const Bytes& container, const SymmetricKey& key = countingKey(),
+             const std::string& password = "correct horse") {
   MemoryByteStream memory(container);
   ArchiveEncryptionContext context(memory);
   if (context.profile() == kSymmetric)
@@ -84,8 +84,8 @@ Octets opened(const Octets& container, const SymmetricKey& key = countingKey(),
 }
 
 std::vector<Form> forms() {
-  const Octets hello = octets("Hello, archive!\n");
-  Octets clusters(0x4000 * 40 + 5);
+  const Bytes hello = bytesOf("Hello, archive!\n");
+  Bytes clusters(0x4000 * 40 + 5);
   for (std::size_t i = 0; i < clusters.size(); ++i)
     clusters[i] = static_cast<std::uint8_t>(7 * i + (i >> 8));
   return {
@@ -116,19 +116,19 @@ std::vector<Form> forms() {
 
 TEST(SealedContainer, IsWrittenAndReadToTheByte) {
   for (const Form& form : forms()) {
-    const Octets container = sealed(form);
+    const Bytes container = sealed(form);
     EXPECT_EQ(container.size(), form.size) << form.name;
-    EXPECT_EQ(sha256OfOctets(container), form.sha256) << form.name;
+    EXPECT_EQ(sha256Of(container), form.sha256) << form.name;
     EXPECT_EQ(opened(container), form.payload) << form.name;
   }
 }
 
 TEST(SealedContainer, HasTheStatedPieces) {
-  const Octets container = sealed(forms()[0]);
-  EXPECT_EQ(sha256OfOctets(std::span(container).first(156)),
+  const Bytes container = sealed(forms()[0]);
+  EXPECT_EQ(sha256Of(std::span(container).first(156)),
             "2baf074c548349e31cdbc46723000c54d871887d312fcf754467883922a1b5a1");
   const auto part = [&](std::size_t at, std::size_t count) {
-    return hexOfOctets(std::span(container).subspan(at, count));
+    return hexOf(std::span(container).subspan(at, count));
   };
   EXPECT_EQ(part(44, 32), "29b7eef006df7f2b76300bc59c11fa46c574732cb732e8535fed8ea60f46b016");
   EXPECT_EQ(part(76, 48),
@@ -147,20 +147,20 @@ TEST(SealedContainer, DerivesTheStatedKeys) {
   context.setSymmetricKey(countingKey());
   ChainKey mainKey, clusterKey;
   deriveMainKey(context.prologue(), mainKey);
-  EXPECT_EQ(hexOfOctets(mainKey.bytes()),
+  EXPECT_EQ(hexOf(mainKey.bytes()),
             "ac500d0293bbc50793afbdba467a787268945058d86425ff2379b053b7befd13");
-  EXPECT_EQ(hexOfOctets(Seal::ofRoot(mainKey).bytes()),
+  EXPECT_EQ(hexOf(Seal::ofRoot(mainKey).bytes()),
             "072456b1906a7ba6e8cf11ad1186a620da4ff299479aa9e9d4bc216c772449b8"
             "197d3a3b76e1388fc98e8e408f4be86eaa3384b4a86b0cb9b4accf0600245484"
             "dcae7f11884af9f7b0e909081714b1f2");
   deriveClusterKey(mainKey, 0, clusterKey);
-  EXPECT_EQ(hexOfOctets(clusterKey.bytes()),
+  EXPECT_EQ(hexOf(clusterKey.bytes()),
             "bb29198f5fdc26401770ee631fd93ea6cd176097f7742b2c5da729f28acc83a8");
-  EXPECT_EQ(hexOfOctets(Seal::ofClusterHeader(clusterKey).bytes()),
+  EXPECT_EQ(hexOf(Seal::ofClusterHeader(clusterKey).bytes()),
             "62f248a9231232a7795afafddc69f0035244a3e6d07cef5152bdf0a6ae7d7dbc"
             "2e5f1bdb789111bcecb2951422463cf780dff62ba8ad24eae9970f2981e53d88"
             "9f560e442d362eb84924d1c972b2bb3b");
-  EXPECT_EQ(hexOfOctets(Seal::ofSegment(clusterKey, 0).bytes()),
+  EXPECT_EQ(hexOf(Seal::ofSegment(clusterKey, 0).bytes()),
             "aa140ab6030c83d760910a11f41a8a3ee98aa0f2f9f57c98f904e1069f740acd"
             "0b5eb79d9dbd0a8a8a3b9242743233ca1ab77ce20e0622bfef17fa3e7168c58b"
             "1807d2fbaccf42cf1b425b3ba44508dd");
@@ -171,17 +171,17 @@ TEST(SealedContainer, DerivesTheStatedKeys) {
 
 TEST(SealedContainer, HashesAsPublished) {
   // The lowest byte first, as it is stored.
-  const auto stored = [](const Octets& bytes) {
-    Octets hash;
+  const auto stored = [](const Bytes& bytes) {
+    Bytes hash;
     internal::container::appendLittle(hash, internal::container::murmurHash64(bytes), 8);
-    return hexOfOctets(hash);
+    return hexOf(hash);
   };
   EXPECT_EQ(stored({}), "d91b6fd651fbfe9f");
-  EXPECT_EQ(stored(octets("abc")), "33c085c6263308d6");
+  EXPECT_EQ(stored(bytesOf("abc")), "33c085c6263308d6");
 }
 
 TEST(SealedContainer, GivesBackWhatWasCompressed) {
-  Octets text;
+  Bytes text;
   for (int i = 0; text.size() < 900000; ++i)
     for (const char c : "line " + std::to_string(i * 37 % 1009) + "\n")
       text.push_back(static_cast<std::uint8_t>(c));
@@ -199,9 +199,9 @@ TEST(SealedContainer, GivesBackWhatWasCompressed) {
 
 // Each byte of a container, and each length, tells.
 TEST(SealedContainer, RefusesEveryChange) {
-  const Octets container = sealed(forms()[1]);
+  const Bytes container = sealed(forms()[1]);
   for (std::size_t at = 0; at < container.size(); ++at) {
-    Octets changed = container;
+    Bytes changed = container;
     changed[at] ^= 0x10;
     const NSInteger code = archiveErrorOf([&] { static_cast<void>(opened(changed)); });
     // Of the bytes between, some ask for another form.
@@ -211,20 +211,20 @@ TEST(SealedContainer, RefusesEveryChange) {
     EXPECT_NE(code, 0) << at;
   }
   for (std::size_t length = 0; length < container.size(); length += length < 200 ? 1 : 37) {
-    const Octets cut(container.begin(), container.begin() + static_cast<std::ptrdiff_t>(length));
+    const Bytes cut(container.begin(), container.begin() + static_cast<std::ptrdiff_t>(length));
     EXPECT_EQ(archiveErrorOf([&] { static_cast<void>(opened(cut)); }), ArchiveErrorDamaged);
   }
-  Octets longer = container;
+  Bytes longer = container;
   longer.push_back(0);
   EXPECT_EQ(archiveErrorOf([&] { static_cast<void>(opened(longer)); }), ArchiveErrorDamaged);
 }
 
 TEST(SealedContainer, GivesNothingMoreOnceItHasFailed) {
-  const Form form{.payload = Octets(0x4000 * 3), .segmentSize = 0x4000};
-  const Octets container = sealed(form);
+  const Form form{.payload = Bytes(0x4000 * 3), .segmentSize = 0x4000};
+  const Bytes container = sealed(form);
   // Within the second segment, and behind the last.
   const std::size_t segments = container.size() - form.payload.size();
-  Octets changed = container, longer = container;
+  Bytes changed = container, longer = container;
   changed[segments + 0x4000] ^= 1;
   longer.push_back(0);
   for (const auto& [bytes, given] : {std::pair{changed, std::size_t{0x4000}}, {longer, 0xc000}}) {
@@ -232,7 +232,7 @@ TEST(SealedContainer, GivesNothingMoreOnceItHasFailed) {
     ArchiveEncryptionContext context(memory);
     context.setSymmetricKey(countingKey());
     const auto stream = ArchiveByteStream::decryptionStream(memory, context);
-    Octets piece(given);
+    Bytes piece(given);
     EXPECT_EQ(stream->read(piece), given);
     for (int again = 0; again < 20; ++again)
       EXPECT_EQ(archiveErrorOf([&] { static_cast<void>(stream->read(piece)); }),
@@ -241,12 +241,12 @@ TEST(SealedContainer, GivesNothingMoreOnceItHasFailed) {
 }
 
 TEST(SealedContainer, RefusesOtherKeys) {
-  const auto code = [](const Octets& container, const SymmetricKey& key, const char* password) {
+  const auto code = [](const Bytes& container, const SymmetricKey& key, const char* password) {
     return archiveErrorOf([&] { static_cast<void>(opened(container, key, password)); });
   };
-  EXPECT_EQ(code(sealed(forms()[0]), SymmetricKey(Octets(32)), ""), ArchiveErrorWrongKey);
+  EXPECT_EQ(code(sealed(forms()[0]), SymmetricKey(Bytes(32)), ""), ArchiveErrorWrongKey);
   EXPECT_EQ(code(sealed(forms()[3]), countingKey(), "correct hors"), ArchiveErrorWrongKey);
-  EXPECT_EQ(code(sealed(forms()[0]), SymmetricKey(Octets(16)), ""), ArchiveErrorUnsupported);
+  EXPECT_EQ(code(sealed(forms()[0]), SymmetricKey(Bytes(16)), ""), ArchiveErrorUnsupported);
 }
 
 TEST(SealedContainer, NeedsTheKeyOfItsProfile) {
@@ -260,9 +260,9 @@ TEST(SealedContainer, NeedsTheKeyOfItsProfile) {
 }
 
 TEST(SealedContainer, RefusesFormsThatItDoesNotRead) {
-  const Octets container = sealed(forms()[0]);
+  const Bytes container = sealed(forms()[0]);
   const auto code = [&](std::size_t at, std::uint8_t byte) {
-    Octets changed = container;
+    Bytes changed = container;
     changed[at] = byte;
     return archiveErrorOf([&] { static_cast<void>(opened(changed)); });
   };
@@ -289,7 +289,7 @@ TEST(SealedContainer, MakesNoFormsThatAreNone) {
 }
 
 TEST(SealedContainer, TakesNoMoreMemoryForAPasswordThanAllowed) {
-  Octets container = sealed(forms()[3]);
+  Bytes container = sealed(forms()[3]);
   for (const int strength : {2, 3}) {
     container[7] = static_cast<std::uint8_t>(strength);
     EXPECT_EQ(archiveErrorOf([&] { static_cast<void>(opened(container)); }), ArchiveErrorTooLarge);

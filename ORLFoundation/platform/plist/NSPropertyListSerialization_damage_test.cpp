@@ -45,10 +45,10 @@ TEST(NSPropertyListSerialization, Reads512ContainersDeepAndNoMore) {
 
 TEST(NSPropertyListSerialization, RefusesBinaryListsThatHoldThemselves) {
   expectRefused(
-      bytesFromHex("62706c6973743030 a100 08 000000000000 01 01 0000000000000001 "
-                   "0000000000000000 000000000000000a"));
+      textOfHex("62706c6973743030 a100 08 000000000000 01 01 0000000000000001 "
+                "0000000000000000 000000000000000a"));
   expectRefused(binaryList({binaryArray({1, 2}), binaryArray({}), binaryArray({1, 0})}));
-  expectRefused(binaryList({bytesFromHex("d1 0001 0000"), "\x51\x61"}));
+  expectRefused(binaryList({textOfHex("d1 0001 0000"), "\x51\x61"}));
 }
 
 TEST(NSPropertyListSerialization, KeepsSharedMembersSharedHoweverManyReferences) {
@@ -89,28 +89,28 @@ struct BrokenBinaryCase {
   std::vector<std::string> objects;
 };
 const BrokenBinaryCase kBrokenBinaries[] = {
-    {"Null", {bytesFromHex("00")}},
-    {"Fill", {bytesFromHex("0f")}},
-    {"Integer32Bytes", {bytesFromHex("15") + std::string(32, '\0')}},
-    {"IntegerPast64Bits", {bytesFromHex("14 00000000000000010000000000000000")}},
-    {"IntegerBelow64Bits", {bytesFromHex("14 ffffffffffffffff7fffffffffffffff")}},
-    {"RealOfTwoBytes", {bytesFromHex("210000")}},
-    {"DateOfFourBytes", {bytesFromHex("3200000000")}},
-    {"UIDPast32Bits", {bytesFromHex("840100000000")}},
-    {"OrderedSet", {bytesFromHex("b0")}},
-    {"Set", {bytesFromHex("c0")}},
-    {"UTF8Text", {bytesFromHex("7161")}},
-    {"UnknownKind", {bytesFromHex("90")}},
-    {"ByteThatIsNotASCII", {bytesFromHex("5180")}},
-    {"DataCutOff", {bytesFromHex("4e00")}},
-    {"UTF16CutOff", {bytesFromHex("620041")}},
-    {"CountIsNoInteger", {bytesFromHex("5f5161")}},
-    {"CountOf16Bytes", {bytesFromHex("4f14") + std::string(16, '\0')}},
-    {"CountIsNegative", {bytesFromHex("4f13ffffffffffffffff")}},
-    {"CountIsHuge", {bytesFromHex("af137fffffffffffffff")}},
-    {"CountThatOverflows", {bytesFromHex("df132000000000000000")}},
-    {"ReferenceOutside", {bytesFromHex("a1 0001")}},
-    {"KeyIsNoText", {bytesFromHex("d1 0001 0001"), bytesFromHex("1001")}},
+    {"Null", {textOfHex("00")}},
+    {"Fill", {textOfHex("0f")}},
+    {"Integer32Bytes", {textOfHex("15") + std::string(32, '\0')}},
+    {"IntegerPast64Bits", {textOfHex("14 00000000000000010000000000000000")}},
+    {"IntegerBelow64Bits", {textOfHex("14 ffffffffffffffff7fffffffffffffff")}},
+    {"RealOfTwoBytes", {textOfHex("210000")}},
+    {"DateOfFourBytes", {textOfHex("3200000000")}},
+    {"UIDPast32Bits", {textOfHex("840100000000")}},
+    {"OrderedSet", {textOfHex("b0")}},
+    {"Set", {textOfHex("c0")}},
+    {"UTF8Text", {textOfHex("7161")}},
+    {"UnknownKind", {textOfHex("90")}},
+    {"ByteThatIsNotASCII", {textOfHex("5180")}},
+    {"DataCutOff", {textOfHex("4e00")}},
+    {"UTF16CutOff", {textOfHex("620041")}},
+    {"CountIsNoInteger", {textOfHex("5f5161")}},
+    {"CountOf16Bytes", {textOfHex("4f14") + std::string(16, '\0')}},
+    {"CountIsNegative", {textOfHex("4f13ffffffffffffffff")}},
+    {"CountIsHuge", {textOfHex("af137fffffffffffffff")}},
+    {"CountThatOverflows", {textOfHex("df132000000000000000")}},
+    {"ReferenceOutside", {textOfHex("a1 0001")}},
+    {"KeyIsNoText", {textOfHex("d1 0001 0001"), textOfHex("1001")}},
 };
 
 TEST(NSPropertyListSerialization, RefusesBrokenBinaryObjects) {

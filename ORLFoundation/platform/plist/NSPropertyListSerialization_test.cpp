@@ -77,7 +77,7 @@ TEST(NSPropertyListSerialization, WritesAndReadsEachScalarInBothForms) {
   for (const ScalarCase& row : kScalars) {
     SCOPED_TRACE(row.name);
     if (row.name != "DistantFuture") {
-      const std::string object = bytesFromHex(row.object);
+      const std::string object = textOfHex(row.object);
       const NSData binary = written(row.value, NSPropertyListBinaryFormat_v1_0);
       EXPECT_EQ(binary.text().substr(8, object.size()), object);
       EXPECT_EQ(binary.length(), 8 + object.size() + 1 + 32);
@@ -91,12 +91,12 @@ TEST(NSPropertyListSerialization, WritesAndReadsEachScalarInBothForms) {
 
 TEST(NSPropertyListSerialization, WritesTheSmallestFile) {
   EXPECT_EQ(written(true, NSPropertyListBinaryFormat_v1_0).text(),
-            bytesFromHex("62706c6973743030 09 08 000000000000 01 01 0000000000000001 "
-                         "0000000000000000 0000000000000009"));
+            textOfHex("62706c6973743030 09 08 000000000000 01 01 0000000000000001 "
+                      "0000000000000000 0000000000000009"));
 }
 
 TEST(NSPropertyListSerialization, ReadsABinaryDictionary) {
-  const id list = read(bytesFromHex(
+  const id list = read(textOfHex(
       "62706c6973743030d30102030405085161516251641001a20607096100e913ffffffffffffffff080f111315171a"
       "1b1e0000000000000101000000000000000900000000000000000000000000000027"));
   const id expected = NSDictionary::dictionaryWithEntries(
@@ -105,13 +105,13 @@ TEST(NSPropertyListSerialization, ReadsABinaryDictionary) {
 }
 
 TEST(NSPropertyListSerialization, ReadsNarrowRealsAndWideReferences) {
-  EXPECT_EQ(read(binaryList({bytesFromHex("223fc00000")})), id(1.5));
-  EXPECT_EQ(read(binaryList({bytesFromHex("14ffffffffffffffffffffffffffffffff")})), id(-1));
-  const auto uid = read(binaryList({bytesFromHex("83ffffffff")})).as<NSPropertyListUID>();
+  EXPECT_EQ(read(binaryList({textOfHex("223fc00000")})), id(1.5));
+  EXPECT_EQ(read(binaryList({textOfHex("14ffffffffffffffffffffffffffffffff")})), id(-1));
+  const auto uid = read(binaryList({textOfHex("83ffffffff")})).as<NSPropertyListUID>();
   ASSERT_TRUE(uid);
   EXPECT_EQ(uid->value(), 0xFFFFFFFFU);
-  EXPECT_TRUE(read(binaryList({bytesFromHex("8f000000000000000000000000000001 00")}))
-                  .as<NSPropertyListUID>());
+  EXPECT_TRUE(
+      read(binaryList({textOfHex("8f000000000000000000000000000001 00")})).as<NSPropertyListUID>());
 }
 
 TEST(NSPropertyListSerialization, WritesAndReadsReferencesOfArchives) {
@@ -218,16 +218,16 @@ TEST(NSPropertyListSerialization, WritesEqualValuesOnceAndSharedContainersOnce) 
 }
 
 TEST(NSPropertyListSerialization, TakesTheLastValueOfAKeyThatComesTwice) {
-  EXPECT_EQ(read(bytesFromHex("62706c6973743030d201010203 5161 1001 1002 080d0f11 000000000000 01 "
-                              "01 0000000000000004 0000000000000000 0000000000000013")),
+  EXPECT_EQ(read(textOfHex("62706c6973743030d201010203 5161 1001 1002 080d0f11 000000000000 01 "
+                           "01 0000000000000004 0000000000000000 0000000000000013")),
             id(NSDictionary::dictionaryWithEntries({{"a", 2}})));
   EXPECT_EQ(read(inDocument("<dict><key>a</key><true/><key>a</key><false/></dict>")),
             id(NSDictionary::dictionaryWithEntries({{"a", false}})));
 }
 
 TEST(NSPropertyListSerialization, ReadsHalfASurrogatePairAsTheReplacementCharacter) {
-  EXPECT_EQ(read(binaryList({bytesFromHex("62d83d0041")})), id("\uFFFDA"));
-  EXPECT_EQ(read(binaryList({bytesFromHex("61de00")})), id("\uFFFD"));
+  EXPECT_EQ(read(binaryList({textOfHex("62d83d0041")})), id("\uFFFDA"));
+  EXPECT_EQ(read(binaryList({textOfHex("61de00")})), id("\uFFFD"));
 }
 
 struct DocumentCase {

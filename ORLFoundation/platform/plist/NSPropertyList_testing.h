@@ -1,8 +1,8 @@
-/// What the tests of property lists and archives share: lists read and written in a word, bytes
-/// from hex digits, and binary lists put together object by object.
+/// What the tests of property lists and archives share: lists read and written in a word, and
+/// binary lists put together object by object.
 #pragma once
 
-#include <ORLFoundation/platform/base/Hexadecimal.h>
+#include <ORLFoundation/platform/base/Hexadecimal_testing.h>
 #include <ORLFoundation/platform/plist/NSPropertyListSerialization.h>
 #include <ORLFoundation/platform/value/NSData.h>
 #include <gtest/gtest.h>
@@ -17,14 +17,6 @@
 namespace orlftest {
 
 using namespace ORLFoundation;
-
-/// Bytes from hex digits; blanks are passed over.
-inline std::string bytesFromHex(std::string_view hex) {
-  std::string digits;
-  for (const char c : hex)
-    if (c != ' ' && c != '\n') digits += c;
-  return internal::base::bytesOfHexText(digits).value();
-}
 
 inline void appendBigEndian(std::string& bytes, std::uint64_t value, unsigned width) {
   for (unsigned at = width; at-- > 0;) bytes += static_cast<char>(value >> (8 * at));

@@ -1,6 +1,6 @@
 #include <ORLFoundation/security/primitives/ORLFCryptography.h>
 
-#include <ORLFoundation/platform/base/Hexadecimal.h>
+#include <ORLFoundation/platform/base/Hexadecimal_testing.h>
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/crypto/SecRandom.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
@@ -22,13 +22,9 @@
 namespace ORLFoundation {
 namespace {
 
-using internal::base::bytesOfHexText;
 using internal::base::hexText;
+using orlftest::bytesOfHex;
 using testing::ElementsAre;
-
-NSData hexData(std::string_view hex) {
-  return NSData(std::string_view(bytesOfHexText(hex).value()));
-}
 
 class BrokenSource final : public SecRandomSource {
  public:
@@ -68,11 +64,11 @@ TEST(ORLFCryptography, LogsRoundsOrLengthsOfZeroAndGivesZeros) {
 
 TEST(ORLFCryptography, EncryptsWithTheKeysOfThePublishedRows) {
   // NIST SP 800-38A, F.2: what comes after these four blocks is the padding.
-  const NSData plain = hexData(
+  const NSData plain = NSData(bytesOfHex(
       "6bc1bee22e409f96e93d7e117393172aae2d8a571e03ac9c9eb76fac45af8e5130c81c46a35ce411e5fbc1191a0a"
       "52ef"
-      "f69f2445df4f9b17ad2b417be66c3710");
-  const NSData vector = hexData("000102030405060708090a0b0c0d0e0f");
+      "f69f2445df4f9b17ad2b417be66c3710"));
+  const NSData vector = NSData(bytesOfHex("000102030405060708090a0b0c0d0e0f"));
   const std::pair<const char*, const char*> rows[] = {
       {"2b7e151628aed2a6abf7158809cf4f3c",
        "7649abac8119b246cee98e9b12e9197d5086cb9b507219ee95db113a917678b273bed6b8e3c1743b7116e69e222"
@@ -87,11 +83,11 @@ TEST(ORLFCryptography, EncryptsWithTheKeysOfThePublishedRows) {
        "31461"
        "b2eb05e2c39be9fcda6c19078c6a9d1b"}};
   for (const auto& [key, cipher] : rows) {
-    const auto sealed = ORLFCryptography::AES128EncryptData(plain, hexData(key), vector);
+    const auto sealed = ORLFCryptography::AES128EncryptData(plain, NSData(bytesOfHex(key)), vector);
     ASSERT_TRUE(sealed);
     EXPECT_EQ(sealed->length(), 80U);
     EXPECT_EQ(hexText(sealed->text().substr(0, 64)), cipher);
-    EXPECT_EQ(ORLFCryptography::AES128DecryptData(*sealed, hexData(key), vector), plain);
+    EXPECT_EQ(ORLFCryptography::AES128DecryptData(*sealed, NSData(bytesOfHex(key)), vector), plain);
   }
 }
 

@@ -1,6 +1,6 @@
 #include <ORLFoundation/security/primitives/ORLFMD5.h>
 
-#include <ORLFoundation/platform/base/Hexadecimal.h>
+#include <ORLFoundation/platform/base/Hexadecimal_testing.h>
 #include <gtest/gtest.h>
 #include <openssl/evp.h>
 
@@ -16,14 +16,11 @@ extern "C" int orlf_test_md5_from_c(void);
 namespace ORLFoundation {
 namespace {
 
+using orlftest::hexOf;
 using Digest = std::array<std::uint8_t, 16>;
 
 const std::uint8_t* bytesOf(std::string_view text) {
   return reinterpret_cast<const std::uint8_t*>(text.data());
-}
-
-std::string hexOf(const Digest& digest) {
-  return internal::base::hexText({reinterpret_cast<const char*>(digest.data()), digest.size()});
 }
 
 std::string md5Of(std::string_view text) {

@@ -14,7 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 using orlftest::archiveErrorOf;
 using orlftest::archiveOf;
-using orlftest::Octets;
+using orlftest::Bytes;
 using testing::ElementsAre;
 using Entry = orlftest::ArchiveEntry;
 using Field = ArchiveHeader::Field;
@@ -22,7 +22,7 @@ using Field = ArchiveHeader::Field;
 class FoldersOfArchives : public orlftest::ArchiveFolderTest {};
 
 TEST_F(FoldersOfArchives, KeepModesAndLayDownRightsToRunAsOthers) {
-  const Octets archive =
+  const Bytes archive =
       archiveOf({Entry::folder("", 01750), Entry::folder("d", 0500), Entry::file("d/f", "1", 06741),
                  Entry::file("g", "", 0), Entry::folder("d/e", 03777)});
   extract(archive);
@@ -148,7 +148,7 @@ TEST_F(FoldersOfArchives, RefuseEntriesThatAreNone) {
 }
 
 TEST_F(FoldersOfArchives, BoundEntriesAndBytes) {
-  const Octets archive =
+  const Bytes archive =
       archiveOf({Entry::folder(""), Entry::file("a", "123"), Entry::file("b", "45")});
   EXPECT_EQ(codeOf(archive, {.mostEntries = 3, .mostBytes = 5}), 0);
   EXPECT_EQ(codeOf(archive, {.mostEntries = 2}), ArchiveErrorTooLarge);

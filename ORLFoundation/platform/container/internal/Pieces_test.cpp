@@ -10,7 +10,7 @@
 namespace ORLFoundation::internal::container {
 namespace {
 
-using orlftest::octets;
+using orlftest::bytesOf;
 
 struct LetterPiece {
   Bytes raw;
@@ -45,7 +45,7 @@ TEST(Pieces, AreWorkedOnAtTheSameTime) {
                 ++piece.raw[0];
               },
           .finish = [&](LetterPiece& piece) { order += static_cast<char>(piece.raw[0]); }});
-  cutter.write(octets("abcdefgh"));
+  cutter.write(bytesOf("abcdefgh"));
   cutter.close();
   EXPECT_EQ(order, "bcdefghi");
 }
@@ -63,7 +63,7 @@ TEST(Pieces, AreFinishedInTheirOrderWhicheverIsDoneFirst) {
                 if (piece.raw[0] == 'b') static_cast<void>(second.pass(0));
               },
           .finish = [&](LetterPiece& piece) { order += static_cast<char>(piece.raw[0]); }});
-  cutter.write(octets("ab"));
+  cutter.write(bytesOf("ab"));
   cutter.close();
   EXPECT_EQ(order, "ab");
 }
@@ -83,10 +83,10 @@ TEST(Pieces, FailAgainOnceTheyHaveFailed) {
                                             if (piece.raw[0] == 'b') throwDamaged("b");
                                           },
                                       .finish = [&](LetterPiece&) { ++finished; }});
-  cutter.write(octets("ab"));
+  cutter.write(bytesOf("ab"));
   EXPECT_THROW(cutter.close(), ArchiveError);
   EXPECT_THROW(cutter.close(), ArchiveError);
-  EXPECT_THROW(cutter.write(octets("c")), ArchiveError);
+  EXPECT_THROW(cutter.write(bytesOf("c")), ArchiveError);
   EXPECT_EQ(finished, 1);
 }
 
@@ -95,7 +95,7 @@ TEST(Pieces, AreReadInTheirOrderAndEndOnce) {
   int ends = 0;
   PieceJoiner<LetterPiece> joiner(2, {.fetch =
                                           [&](LetterPiece& piece) {
-                                            piece.raw = octets(left.substr(0, 2));
+                                            piece.raw = bytesOf(left.substr(0, 2));
                                             left.erase(0, 2);
                                             return !piece.raw.empty();
                                           },
@@ -103,7 +103,7 @@ TEST(Pieces, AreReadInTheirOrderAndEndOnce) {
                                       .end = [&] { ++ends; }});
   Bytes bytes(3);
   EXPECT_EQ(joiner.read(bytes), 3U);
-  EXPECT_EQ(bytes, octets("AbC"));
+  EXPECT_EQ(bytes, bytesOf("AbC"));
   EXPECT_EQ(ends, 0);
   EXPECT_EQ(joiner.read(bytes), 2U);
   EXPECT_EQ(joiner.read(bytes), 0U);
