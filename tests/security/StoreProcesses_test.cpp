@@ -11,7 +11,6 @@
 #include <gmock/gmock.h>
 #include <spawn.h>
 #include <sys/mman.h>
-#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <tests/support/TemporaryFolder.h>
@@ -88,11 +87,7 @@ class StoreProcesses : public orlftest::TemporaryFolderTest {
   StoreProcesses() : TemporaryFolderTest(orlftest::parentInMemory()) {}
   [[nodiscard]] NSURL url() const { return NSURL::fileURLWithPath(path("store")); }
   void expectPrivateFilesAlone() const {
-    for (const std::string& name : names()) {
-      struct stat status {};
-      ASSERT_EQ(::lstat(path(name).c_str(), &status), 0);
-      EXPECT_EQ(status.st_mode & 07777, 0600U) << name;
-    }
+    for (const std::string& name : names()) EXPECT_EQ(modeOf(name), 0600U) << name;
   }
 };
 

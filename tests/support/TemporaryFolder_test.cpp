@@ -25,6 +25,9 @@ TEST(TemporaryFolder, KeepsFilesUntilItsEnd) {
     EXPECT_THAT(folder.names("b"), ElementsAre("c"));
     EXPECT_THROW((void)folder.read("absent"), std::runtime_error);
     EXPECT_THROW((void)folder.read("b"), std::exception);
+    std::filesystem::permissions(path / "a", std::filesystem::perms(06750));
+    EXPECT_EQ(folder.modeOf("a"), 06750U);
+    EXPECT_THROW((void)folder.modeOf("absent"), std::system_error);
   }
   EXPECT_FALSE(std::filesystem::exists(path));
 }

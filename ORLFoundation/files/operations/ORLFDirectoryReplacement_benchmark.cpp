@@ -5,6 +5,7 @@
 #include <benchmark/benchmark.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <tests/support/Files.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,7 +13,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -27,28 +27,24 @@ constexpr int kFilesOfFolder = 100, kFewFiles = 300;
 /// Two folders, gone when the process ends.
 class Trees {
  public:
-  Trees() : root_(fs::temp_directory_path() / ("orlf_mirror_" + std::to_string(::getpid()))) {
+  Trees() {
     const char* wanted = std::getenv("ORLF_MIRRORED_FILES");
     count_ = wanted != nullptr ? std::atoi(wanted) : kFewFiles;
     for (int i = 0; i < count_; ++i) {
-      const fs::path folder = source() / ("folder" + std::to_string(i / kFilesOfFolder));
-      if (i % kFilesOfFolder == 0) fs::create_directories(folder);
-      std::ofstream(folder / ("file" + std::to_string(i)))
-          << std::string(static_cast<std::size_t>(200 + i % 1000), 'x');
+      const std::string folder = "source/folder" + std::to_string(i / kFilesOfFolder);
+      folder_.write(folder + "/file" + std::to_string(i),
+                    std::string(static_cast<std::size_t>(200 + i % 1000), 'x'));
     }
   }
-  ~Trees() { fs::remove_all(root_); }
-  Trees(const Trees&) = delete;
-  Trees& operator=(const Trees&) = delete;
 
-  [[nodiscard]] fs::path source() const { return root_ / "source"; }
-  [[nodiscard]] fs::path destination() const { return root_ / "destination"; }
+  [[nodiscard]] fs::path source() const { return folder_.path() / "source"; }
+  [[nodiscard]] fs::path destination() const { return folder_.path() / "destination"; }
   [[nodiscard]] int count() const { return count_; }
   /// Puts an empty folder in place of the destination. What stood there stays elsewhere to the end:
   /// a file system may take its time to give the place of removed files to new ones.
   void empty() {
     if (fs::exists(destination()))
-      fs::rename(destination(), root_ / ("old" + std::to_string(emptied_++)));
+      fs::rename(destination(), folder_.path() / ("old" + std::to_string(emptied_++)));
     fs::create_directory(destination());
   }
   [[nodiscard]] bool isMirrored() const {
@@ -65,7 +61,7 @@ class Trees {
   }
 
  private:
-  const fs::path root_;
+  const orlftest::TemporaryFolder folder_;
   int count_ = 0, emptied_ = 0;
 };
 

@@ -10,7 +10,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <fstream>
 #include <string>
 #include <string_view>
 
@@ -21,22 +20,17 @@ using namespace ORLFoundation;
 constexpr std::array kJournals{"-journal", "-wal", ""};
 constexpr std::size_t kHeader = 3, kUnit = 16;
 
-void write(const std::string& path, std::string_view bytes) {
-  if (!(std::ofstream(path, std::ios::binary) << bytes).flush()) std::abort();
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < kHeader) return 0;
-  static const std::string path =
-      orlftest::folderInMemory() + "/orlf_repair_fuzz_" + std::to_string(::getpid());
+  static const orlftest::TemporaryFolder folder(orlftest::parentInMemory());
   static const auto loudSink = NSSetLogSink([](std::string_view) {});
   const std::string_view bytes(reinterpret_cast<const char*>(data) + kHeader, size - kHeader);
   const std::size_t length = std::min(kUnit * (data[1] * 256U + data[2]), bytes.size());
   const std::string_view journal = kJournals.at(data[0] % kJournals.size());
-  write(path, bytes.substr(0, length));
-  if (!journal.empty()) write(path + std::string(journal), bytes.substr(length));
+  const std::string path = folder.write("store", bytes.substr(0, length));
+  if (!journal.empty()) folder.write("store" + std::string(journal), bytes.substr(length));
 
   const NSURL url = NSURL::fileURLWithPath(path);
   std::shared_ptr<const NSError> error;

@@ -5,6 +5,7 @@
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <sys/inotify.h>
+#include <tests/support/Files.h>
 #include <unistd.h>
 
 #include <array>
@@ -42,12 +43,8 @@ class Told {
 
 /// A file for the time of a benchmark, and what was told of it.
 struct Watched {
-  Watched() { ::close(::mkstemp(path.data())); }
-  ~Watched() { ::unlink(path.c_str()); }
-  Watched(const Watched&) = delete;
-  Watched& operator=(const Watched&) = delete;
-
-  std::string path = "/tmp/orlf_watch_XXXXXX";
+  const orlftest::TemporaryFolder folder;
+  const std::string path = folder.write("file", "");
   Told written;
   Told settled;
 };

@@ -2,13 +2,12 @@
 #include <ORLFoundation/interchange/sgml/ORLFSGMLConversion.h>
 
 #include <benchmark/benchmark.h>
-#include <unistd.h>
+#include <tests/support/Files.h>
 
 #include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <string>
 
 namespace {
@@ -83,12 +82,10 @@ std::string outputOf(const std::string& command) {
 }
 
 void convertByOsx(benchmark::State& state) {
-  std::string path = "/tmp/orlf_sgml_XXXXXX";
-  ::close(::mkstemp(path.data()));
-  std::ofstream(path) << kDoctype << statement();
+  const orlftest::TemporaryFolder folder;
+  const std::string path = folder.write("statement", kDoctype + statement());
   measure(state,
           [&path] { return outputOf("osx -xlower -xno-nl-in-tag " + path + " 2>/dev/null"); });
-  ::unlink(path.c_str());
 }
 
 BENCHMARK(convert)->Name("SGML to XML/ours")->Unit(benchmark::kMillisecond);

@@ -8,7 +8,6 @@
 #include <ORLFoundation/platform/crypto/SecRandom.h>
 #include <gtest/gtest.h>
 #include <openssl/sha.h>
-#include <sys/stat.h>
 #include <tests/support/TemporaryFolder.h>
 
 #include <algorithm>
@@ -174,11 +173,6 @@ class ArchiveFolderTest : public TemporaryFolderTest {
   ORLFoundation::NSInteger codeOf(
       const Bytes& archive, const ORLFoundation::ArchiveStream::ExtractionOptions& options = {}) {
     return archiveErrorOf([&] { extract(archive, options); });
-  }
-  [[nodiscard]] mode_t modeOf(const std::string& name) const {
-    struct stat status {};
-    EXPECT_EQ(::lstat(path(name).c_str(), &status), 0) << name;
-    return status.st_mode & 07777;
   }
   [[nodiscard]] Bytes packed(
       const std::string& name,

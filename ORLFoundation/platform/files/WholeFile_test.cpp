@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <tests/support/FileMask.h>
 #include <tests/support/TemporaryFolder.h>
 #include <unistd.h>
 
@@ -17,27 +18,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr mode_t kPermissions = 0777;
-
-/// The process's mask, for as long as it lives.
-class Mask {
- public:
-  explicit Mask(mode_t mask) : before_(::umask(mask)) {}
-  ~Mask() { ::umask(before_); }
-  Mask(const Mask&) = delete;
-  Mask& operator=(const Mask&) = delete;
-
- private:
-  mode_t before_;
-};
-
 class WholeFile : public orlftest::TemporaryFolderTest {
  protected:
-  [[nodiscard]] mode_t modeOf(const char* name) const {
-    struct stat status {};
-    EXPECT_EQ(::lstat(path(name).c_str(), &status), 0);
-    return status.st_mode & kPermissions;
-  }
   [[nodiscard]] std::size_t fileCount() const { return names().size(); }
   bool replace(const char* name, std::string_view bytes,
                NewFileRights rights = NewFileRights::Private) {
@@ -74,7 +56,7 @@ TEST_F(WholeFile, WritesBytesAndLeavesNothingElseBehind) {
 }
 
 TEST_F(WholeFile, ANewFileIsTheUsersOrWhatTheMaskLeaves) {
-  const Mask mask(0027);
+  const orlftest::FileMask mask(0027);
   EXPECT_TRUE(replace("private", "x", NewFileRights::Private));
   EXPECT_EQ(modeOf("private"), 0600U);
   EXPECT_TRUE(replace("shared", "x", NewFileRights::Shared));
@@ -82,7 +64,7 @@ TEST_F(WholeFile, ANewFileIsTheUsersOrWhatTheMaskLeaves) {
 }
 
 TEST_F(WholeFile, AFileThatIsReplacedHandsOnItsMode) {
-  const Mask mask(0022);
+  const orlftest::FileMask mask(0022);
   for (const mode_t mode : {0600U, 0640U, 0666U, 0444U, 0755U}) {
     for (const NewFileRights rights : {NewFileRights::Private, NewFileRights::Shared}) {
       EXPECT_TRUE(replace("a", "old", rights));
@@ -155,7 +137,7 @@ TEST_F(WholeFile, KeepsTheOldFileWhereTheFolderIsNotToBeWritten) {
 }
 
 TEST_F(WholeFile, TakesWhatIsWrittenToAPath) {
-  const Mask mask(0022);
+  const orlftest::FileMask mask(0022);
   std::string temporary;
   EXPECT_TRUE(replaceFile(
       path("a"),

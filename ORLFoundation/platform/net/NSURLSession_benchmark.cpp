@@ -12,6 +12,7 @@
 #include <curl/curl.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <tests/support/Files.h>
 #include <unistd.h>
 
 #include <condition_variable>
@@ -159,7 +160,8 @@ std::size_t append(char* bytes, std::size_t size, std::size_t count, void* body)
 /// A body to a file of libcurl's own way of writing, which is removed again.
 void file(benchmark::State& state, std::size_t size) {
   const std::string address = addressOf(size);
-  const std::string path = std::filesystem::temp_directory_path() / "orlf-benchmark-download";
+  const orlftest::TemporaryFolder folder;
+  const std::string path = folder.path() / "download";
   for (auto _ : state) {
     CURLM* const all = curl_multi_init();
     CURL* const handle = curl_easy_init();

@@ -1,6 +1,5 @@
 // Reads whatever bytes as a store file; in write-ahead mode too, where bytes of its header say so.
 #include <ORLFoundation/platform/store/NSPersistentStoreCoordinator.h>
-#include <fcntl.h>
 #include <tests/support/Files.h>
 #include <unistd.h>
 
@@ -8,14 +7,13 @@
 #include <cstdint>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace ORLFoundation;
-  static const std::string path =
-      orlftest::folderInMemory() + "/orlf_store_fuzz_" + std::to_string(::getpid());
-  const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-  if (file < 0 || ::write(file, data, size) != static_cast<ssize_t>(size)) std::abort();
-  ::close(file);
+  static const orlftest::TemporaryFolder folder(orlftest::parentInMemory());
+  const std::string path =
+      folder.write("store", std::string_view(reinterpret_cast<const char*>(data), size));
   std::shared_ptr<const NSError> error;
   const auto metadata = NSPersistentStoreCoordinator::metadataForPersistentStoreOfType(
       NSSQLiteStoreType, NSURL::fileURLWithPath(path), nullptr, &error);

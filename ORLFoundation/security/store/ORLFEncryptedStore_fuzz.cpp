@@ -3,49 +3,32 @@
 
 #include <ORLFoundation/security/store/ORLFEncryptedStore.h>
 #include <tests/support/Files.h>
-#include <unistd.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
+#include <string_view>
 
 using namespace ORLFoundation;
 
-namespace {
-
-/// One file, gone at the process's end.
-struct StoreFile {
-  const std::filesystem::path path =
-      orlftest::folderInMemory() + "/orlf-encrypted-store-fuzz-" + std::to_string(::getpid());
-  const NSURL url = NSURL::fileURLWithPath(path.string());
-  ~StoreFile() {
-    std::error_code ignored;
-    std::filesystem::remove(path, ignored);
-  }
-};
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const StoreFile file;
-  std::ofstream(file.path, std::ios::binary)
-      .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+  static const orlftest::TemporaryFolder folder(orlftest::parentInMemory());
+  const NSURL url = NSURL::fileURLWithPath(
+      folder.write("store", std::string_view(reinterpret_cast<const char*>(data), size)));
 
   std::shared_ptr<const NSError> error, problem;
-  const id list = ORLFEncryptedStore::readEncryptedPropertyListForFileAtURL(file.url, "pw", &error);
+  const id list = ORLFEncryptedStore::readEncryptedPropertyListForFileAtURL(url, "pw", &error);
   if (list.isNil() != (error != nullptr)) std::abort();
-  const auto finding = ORLFEncryptedStore::checkPassword("pw", file.url, &problem);
+  const auto finding = ORLFEncryptedStore::checkPassword("pw", url, &problem);
   if ((finding == ORLFEncryptedStoreUnreadable) != (problem != nullptr)) std::abort();
   if (finding < ORLFEncryptedStoreUnreadable || finding > ORLFEncryptedStoreNotEncrypted)
     std::abort();
   if (finding != ORLFEncryptedStoreOpens) return 0;
 
   // XML cannot hold everything that the binary form can.
-  if (!ORLFEncryptedStore::writeEncryptedPropertyList(list, file.url, "pw")) return 0;
-  if (ORLFEncryptedStore::checkPassword("pw", file.url) != ORLFEncryptedStoreOpens) std::abort();
+  if (!ORLFEncryptedStore::writeEncryptedPropertyList(list, url, "pw")) return 0;
+  if (ORLFEncryptedStore::checkPassword("pw", url) != ORLFEncryptedStoreOpens) std::abort();
   return 0;
 }

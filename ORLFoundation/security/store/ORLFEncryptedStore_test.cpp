@@ -8,7 +8,6 @@
 #include <ORLFoundation/platform/process/NSBundle.h>
 #include <ORLFoundation/security/store/ORLFEncryptedStore_testing.h>
 #include <gmock/gmock.h>
-#include <sys/stat.h>
 
 #include <chrono>
 #include <future>
@@ -26,14 +25,7 @@ using testing::IsEmpty;
 using Store = ORLFEncryptedStore;
 using Error = std::shared_ptr<const NSError>;
 
-class EncryptedStore : public orlftest::EncryptedStoreTest {
- protected:
-  [[nodiscard]] mode_t modeOf(const std::string& name) const {
-    struct stat status {};
-    EXPECT_EQ(::lstat(path(name).c_str(), &status), 0);
-    return status.st_mode & 07777;
-  }
-};
+class EncryptedStore : public orlftest::EncryptedStoreTest {};
 
 TEST_F(EncryptedStore, CreatesAFileThatOpensWithTheSamePassword) {
   bool created = false;

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <tests/support/FileMask.h>
 #include <tests/support/TemporaryFolder.h>
 
 #include <functional>
@@ -282,12 +283,9 @@ TEST_F(FileLogger, MasksASecretThatAProcessorWouldCut) {
 }
 
 TEST_F(FileLogger, MakesAFileForItsUserAlone) {
-  const auto mask = ::umask(0);
+  const orlftest::FileMask mask(0);
   logger_.logMessage("one");
-  ::umask(mask);
-  struct stat status {};
-  ASSERT_EQ(::stat(path("log").c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode & 07777U, 0600U);
+  EXPECT_EQ(modeOf("log"), 0600U);
   EXPECT_EQ(logged(), "one\n\n");
 }
 
@@ -295,9 +293,7 @@ TEST_F(FileLogger, KeepsTheModeAndTheTextOfAFileThatIsThere) {
   write("log", "before\n");
   ::chmod(path("log").c_str(), 0640);
   logger_.logMessage("one");
-  struct stat status {};
-  ASSERT_EQ(::stat(path("log").c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode & 07777U, 0640U);
+  EXPECT_EQ(modeOf("log"), 0640U);
   EXPECT_EQ(logged(), "before\none\n\n");
 }
 

@@ -10,7 +10,7 @@
 #include <ORLFoundation/web/session/ORLFURLSession_server_testing.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
+#include <tests/support/FileMask.h>
 #include <tests/support/ProcessorTime.h>
 #include <tests/support/TemporaryFolder.h>
 
@@ -178,7 +178,7 @@ TEST_F(SessionSecrets, AreInNoLogNoErrorAndNoDescription) {
 }
 
 TEST_F(SessionSecrets, ArePasswordsTokensAndCookiesOfALogIn) {
-  const auto mask = ::umask(0);
+  const orlftest::FileMask mask(0);
   const std::string password = "c0rrect, h0rse", token = "tok-5f1c9a77e2", cookie = "jar-88d1f0aa";
   EXPECT_TRUE(logger_->addSecret(cookie));
   EXPECT_TRUE(logger_->addSecret(password));
@@ -202,7 +202,6 @@ TEST_F(SessionSecrets, ArePasswordsTokensAndCookiesOfALogIn) {
   list->setValue("session=" + cookie, "Cookie");
   send({{"status", 200}, {"body", "rows"}}, copyOf<NSURLRequest>(list), true);
   send({{"drop", true}}, copyOf<NSURLRequest>(list), true);
-  ::umask(mask);
 
   const std::string log = logged();
   EXPECT_THAT(log, HasSubstr(R"({"user":"ann","password":"***","pin":"***"})"));
@@ -212,9 +211,7 @@ TEST_F(SessionSecrets, ArePasswordsTokensAndCookiesOfALogIn) {
     EXPECT_THAT(log, Not(HasSubstr(secret)));
     EXPECT_THAT(texts_, Not(HasSubstr(secret)));
   }
-  struct stat status {};
-  ASSERT_EQ(::stat(path("log").c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode & 07777U, 0600U);
+  EXPECT_EQ(modeOf("log"), 0600U);
 }
 
 }  // namespace
