@@ -2,6 +2,7 @@
 
 #include <ORLFoundation/amortization/ORLFAmortizationPlan.h>
 #include <ORLFoundation/decimal/ORLFDecimalNumberHandler.h>
+#include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
 #include <ORLFoundation/platform/base/Base64.h>
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
@@ -81,6 +82,13 @@ namespace {
 const std::string kSampleFolder = "files/archives/";
 
 }  // namespace
+
+NSData archived(const id& object, NSPropertyListFormat format) {
+  NSKeyedArchiver archiver(true);
+  archiver.setOutputFormat(format);
+  archiver.encodeObject(object, NSKeyedArchiveRootObjectKey);
+  return archiver.encodedData();
+}
 
 NSData sampleNamed(const std::string& file) {
   return NSData(std::string_view(contentOf(vectorFile(kSampleFolder + file))));

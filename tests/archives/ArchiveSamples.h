@@ -3,6 +3,7 @@
 
 #include <ORLFoundation/platform/archive/NSCoder.h>
 #include <ORLFoundation/platform/object/Id.h>
+#include <ORLFoundation/platform/plist/NSPropertyListSerialization.h>
 #include <ORLFoundation/platform/value/NSData.h>
 #include <tests/support/VectorFile.h>
 
@@ -43,6 +44,11 @@ class SerializableObject final : public ORLFoundation::NSObject,
 /// The names of all samples in order: those of the folder that ORLF_VECTORS names, and the
 /// repository's.
 [[nodiscard]] std::vector<std::string> sampleNames();
+
+/// An archive of an object of any class.
+[[nodiscard]] ORLFoundation::NSData archived(
+    const ORLFoundation::id& object,
+    ORLFoundation::NSPropertyListFormat format = ORLFoundation::NSPropertyListBinaryFormat_v1_0);
 
 /// An object in the form that the table of samples writes.
 [[nodiscard]] Json jsonFromObject(const ORLFoundation::id& object);

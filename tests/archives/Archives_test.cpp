@@ -1,6 +1,5 @@
 // Archives of the library's own classes, and what hostile bytes give.
 #include <ORLFoundation/decimal/ORLFMutableDecimalNumberHandler.h>
-#include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
 #include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
@@ -20,16 +19,10 @@
 namespace {
 
 using namespace ORLFoundation;
+using orlftest::archived;
 using orlftest::jsonFromObject;
 using orlftest::WrittenArchive;
 using orlftest::writtenArchives;
-
-NSData archived(const id& object, NSPropertyListFormat format = NSPropertyListBinaryFormat_v1_0) {
-  NSKeyedArchiver archiver(true);
-  archiver.setOutputFormat(format);
-  archiver.encodeObject(object, NSKeyedArchiveRootObjectKey);
-  return archiver.encodedData();
-}
 
 std::shared_ptr<NSDictionary> rootEntry(const NSData& data) {
   const auto root = NSPropertyListSerialization::propertyListWithData(data, 0).as<NSDictionary>();

@@ -4,7 +4,6 @@
 //     orlf_write_archives FOLDER
 //
 // A release keeps what it writes, but for the samples, in tests/data/archives/VERSION.
-#include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
 #include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
 #include <tests/archives/ArchiveSamples.h>
 #include <tests/archives/WrittenArchives.h>
@@ -16,18 +15,12 @@
 namespace {
 
 using namespace ORLFoundation;
+using orlftest::archived;
 
 bool write(const std::filesystem::path& file, std::string_view content) {
   std::ofstream stream(file, std::ios::binary);
   stream << content;
   return stream.good();
-}
-
-NSData archived(const id& object, NSPropertyListFormat format) {
-  NSKeyedArchiver archiver(true);
-  archiver.setOutputFormat(format);
-  archiver.encodeObject(object, NSKeyedArchiveRootObjectKey);
-  return archiver.encodedData();
 }
 
 /// Writes both forms of an archive of the object, and its value.

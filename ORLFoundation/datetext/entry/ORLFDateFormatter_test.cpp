@@ -1,8 +1,7 @@
 #include <ORLFoundation/datetext/entry/ORLFDateFormatter.h>
 
 #include <ORLFoundation/datetext/entry/ORLFDateFormatter_testing.h>
-#include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
-#include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
+#include <ORLFoundation/platform/archive/NSKeyedArchiver_testing.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaults.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/object/Id.h>
@@ -172,14 +171,6 @@ TEST_F(DateFields, AreCopiedAndUnderstandTheShortFormatAnew) {
   EXPECT_EQ(log.lines().size(), 1U);
 }
 
-template <class Class>
-std::shared_ptr<Class> archived(const std::shared_ptr<ORLFDateFormatter>& formatter) {
-  std::shared_ptr<const NSError> error;
-  const auto data = NSKeyedArchiver::archivedDataWithRootObject(formatter, true, &error);
-  if (!data) return nullptr;
-  return NSKeyedUnarchiver::unarchivedObjectOfClass<Class>(*data, &error);
-}
-
 TEST_F(DateFields, AreArchivedWithoutFormatAndFields) {
   formatter_->setLocale(std::make_shared<NSLocale>("de_DE"));
   formatter_->setTimeZone(NSTimeZone::timeZoneWithName("Asia/Tokyo"));
@@ -192,7 +183,7 @@ TEST_F(DateFields, AreArchivedWithoutFormatAndFields) {
   formatter_->setForceWideDay(true);
   formatter_->setMinimunDate(dateAt("1990-01-01T00:00:00Z"));
   ORLFDateFormatter::setDefaultMinimunDate(dateAt("2000-01-01T00:00:00Z"));
-  const auto read = archived<ORLFDateFormatter>(formatter_);
+  const auto read = orlftest::archivedAndRead<ORLFDateFormatter>(formatter_);
   ORLFDateFormatter::setDefaultMinimunDate(std::nullopt);
   ASSERT_TRUE(read);
   EXPECT_EQ(read->minimunDate(), dateAt("2000-01-01T00:00:00Z"));
@@ -208,7 +199,7 @@ TEST_F(DateFields, AreArchivedWithoutFormatAndFields) {
   EXPECT_TRUE(read->recognized());
   EXPECT_TRUE(read->monthFirst());
   // Where the base class is named, it opens too.
-  const auto base = archived<NSDateFormatter>(formatter_);
+  const auto base = orlftest::archivedAndRead<NSDateFormatter>(formatter_);
   ASSERT_TRUE(base);
   EXPECT_EQ(base->className(), "ORLFDateFormatter");
 }

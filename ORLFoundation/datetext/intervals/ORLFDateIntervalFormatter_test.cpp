@@ -1,7 +1,6 @@
 #include <ORLFoundation/datetext/intervals/ORLFDateIntervalFormatter.h>
 
-#include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
-#include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
+#include <ORLFoundation/platform/archive/NSKeyedArchiver_testing.h>
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/format/NSDateIntervalFormatter_testing.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
@@ -270,9 +269,7 @@ TEST_F(Spans, CopiesAndArchivesHoldTheSettings) {
   EXPECT_EQ(copy->dateStyle(), NSDateIntervalFormatterShortStyle);
   copy->setIncludeEndDateInRange(false);
   EXPECT_TRUE(formatter_->includeEndDateInRange());
-  const auto data = NSKeyedArchiver::archivedDataWithRootObject(copy, true);
-  ASSERT_TRUE(data);
-  const auto read = NSKeyedUnarchiver::unarchivedObjectOfClass<ORLFDateIntervalFormatter>(*data);
+  const auto read = orlftest::archivedAndRead<ORLFDateIntervalFormatter>(copy);
   ASSERT_TRUE(read);
   EXPECT_TRUE(read->useCompactFormat());
   EXPECT_FALSE(read->includeEndDateInRange());

@@ -4,8 +4,7 @@
 #include <ORLFoundation/decimal/entry/ORLFNumberFormatter.h>
 
 #include <ORLFoundation/decimal/entry/ORLFNumberFormattingLocale.h>
-#include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
-#include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
+#include <ORLFoundation/platform/archive/NSKeyedArchiver_testing.h>
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/defaults/NSUserDefaults.h>
 #include <ORLFoundation/platform/object/Id.h>
@@ -29,13 +28,6 @@ class Language {
                                                       std::make_shared<NSUserDefaults>()};
   Replaced<std::vector<std::string>> languages_;
 };
-
-template <class T>
-std::shared_ptr<T> archived(const std::shared_ptr<NSNumberFormatter>& formatter) {
-  const auto data = NSKeyedArchiver::archivedDataWithRootObject(formatter, true);
-  if (!data) return nullptr;
-  return NSKeyedUnarchiver::unarchivedObjectOfClass<T>(*data);
-}
 
 TEST(ORLFNumberFormatter, BeginsLenientWithExpressionsInThePreferredLocale) {
   const Replaced current(NSLocale::setCurrentLocale, std::make_shared<NSLocale>("fr_FR"));
@@ -86,7 +78,7 @@ TEST(ORLFNumberFormatter, ReadingAnArchiveSetsLocaleExpressionsAndLeniencyAnew) 
   formatter->setGeneratesDecimalNumbers(true);
   formatter->setMinimum(2);
   const Language british("en-GB");
-  const auto read = archived<ORLFNumberFormatter>(formatter);
+  const auto read = orlftest::archivedAndRead<ORLFNumberFormatter>(formatter);
   ASSERT_NE(read, nullptr);
   EXPECT_EQ(read->locale()->localeIdentifier(), "en_GB");
   EXPECT_TRUE(read->allowExpressions());
@@ -95,11 +87,13 @@ TEST(ORLFNumberFormatter, ReadingAnArchiveSetsLocaleExpressionsAndLeniencyAnew) 
   EXPECT_TRUE(read->generatesDecimalNumbers());
   EXPECT_EQ(read->minimum(), NSNumber(2));
   const Language none("en");
-  EXPECT_EQ(archived<ORLFNumberFormatter>(formatter)->locale()->localeIdentifier(), "fr_FR");
+  EXPECT_EQ(orlftest::archivedAndRead<ORLFNumberFormatter>(formatter)->locale()->localeIdentifier(),
+            "fr_FR");
 }
 
 TEST(ORLFNumberFormatter, IsReadWhereItsBaseClassIsAllowed) {
-  const auto read = archived<NSNumberFormatter>(std::make_shared<ORLFNumberFormatter>());
+  const auto read =
+      orlftest::archivedAndRead<NSNumberFormatter>(std::make_shared<ORLFNumberFormatter>());
   ASSERT_NE(read, nullptr);
   EXPECT_EQ(read->className(), "ORLFNumberFormatter");
 }

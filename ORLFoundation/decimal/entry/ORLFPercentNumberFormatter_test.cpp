@@ -1,8 +1,7 @@
 
 #include <ORLFoundation/decimal/entry/ORLFPercentNumberFormatter.h>
 
-#include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
-#include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
+#include <ORLFoundation/platform/archive/NSKeyedArchiver_testing.h>
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/object/Id.h>
 #include <gtest/gtest.h>
@@ -78,9 +77,7 @@ TEST(ORLFPercentNumberFormatter, CopiesAndArchivesKeepItsClassAndSettings) {
   const auto copy = copyOf(formatter);
   EXPECT_EQ(copy->className(), "ORLFPercentNumberFormatter");
   EXPECT_EQ(copy->maximumFractionDigits(), 1);
-  const auto data = NSKeyedArchiver::archivedDataWithRootObject(formatter, true);
-  ASSERT_TRUE(data);
-  const auto read = NSKeyedUnarchiver::unarchivedObjectOfClass<ORLFPercentNumberFormatter>(*data);
+  const auto read = orlftest::archivedAndRead<ORLFPercentNumberFormatter>(formatter);
   ASSERT_NE(read, nullptr);
   EXPECT_EQ(read->maximumFractionDigits(), 1);
   EXPECT_EQ(read->numberFromString("5"), NSNumber(0.05));

@@ -1,7 +1,6 @@
 #include <ORLFoundation/platform/format/NSDateFormatter.h>
 
-#include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
-#include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
+#include <ORLFoundation/platform/archive/NSKeyedArchiver_testing.h>
 #include <ORLFoundation/platform/format/NSDateFormatter_testing.h>
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
@@ -40,18 +39,11 @@ std::shared_ptr<NSDateFormatter> unusualFormatter() {
   return formatter;
 }
 
-std::shared_ptr<NSDateFormatter> archived(const std::shared_ptr<NSDateFormatter>& formatter) {
-  std::shared_ptr<const NSError> error;
-  const auto data = NSKeyedArchiver::archivedDataWithRootObject(formatter, true, &error);
-  if (!data) return nullptr;
-  return NSKeyedUnarchiver::unarchivedObjectOfClass<NSDateFormatter>(*data, &error);
-}
-
 TEST(NSDateFormatter, IsArchived) {
   const auto formatter = unusualFormatter();
   for (const char* format : {"", "yyyy 'x'"}) {
     if (*format != '\0') formatter->setDateFormat(format);
-    const auto read = archived(formatter);
+    const auto read = orlftest::archivedAndRead<NSDateFormatter>(formatter);
     ASSERT_TRUE(read);
     expectSameSettings(*formatter, *read);
     read->setTimeStyle(NSDateFormatterNoStyle);

@@ -1,7 +1,6 @@
 #include <ORLFoundation/platform/format/NSDateIntervalFormatter.h>
 
-#include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
-#include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
+#include <ORLFoundation/platform/archive/NSKeyedArchiver_testing.h>
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/format/NSDateFormatter.h>
 #include <ORLFoundation/platform/format/NSDateIntervalFormatter_testing.h>
@@ -297,9 +296,7 @@ TEST(NSDateIntervalFormatter, CopiesHoldSettingsOfTheirOwn) {
 
 TEST(NSDateIntervalFormatter, ArchivesHoldAllSettings) {
   for (const auto& formatter : changedFormatters()) {
-    const auto data = NSKeyedArchiver::archivedDataWithRootObject(formatter, true);
-    ASSERT_TRUE(data);
-    const auto read = NSKeyedUnarchiver::unarchivedObjectOfClass<NSDateIntervalFormatter>(*data);
+    const auto read = orlftest::archivedAndRead<NSDateIntervalFormatter>(formatter);
     ASSERT_TRUE(read);
     expectSameSettings(*read, *formatter);
   }

@@ -1,8 +1,7 @@
 
 #include <ORLFoundation/platform/format/NSLocale.h>
 
-#include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
-#include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
+#include <ORLFoundation/platform/archive/NSKeyedArchiver_testing.h>
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
 #include <ORLFoundation/platform/object/Id.h>
@@ -81,10 +80,7 @@ TEST(NSLocale, PreferredLanguagesAreReplaceable) {
 }
 
 TEST(NSLocale, IsArchived) {
-  const auto data =
-      NSKeyedArchiver::archivedDataWithRootObject(std::make_shared<NSLocale>("pt_BR"), true);
-  ASSERT_TRUE(data);
-  const auto read = NSKeyedUnarchiver::unarchivedObjectOfClass<NSLocale>(*data);
+  const auto read = orlftest::archivedAndRead<NSLocale>(std::make_shared<NSLocale>("pt_BR"));
   ASSERT_NE(read, nullptr);
   EXPECT_EQ(read->localeIdentifier(), "pt_BR");
 }

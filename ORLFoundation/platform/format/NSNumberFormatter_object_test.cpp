@@ -3,8 +3,7 @@
 
 #include <ORLFoundation/platform/format/NSNumberFormatter.h>
 
-#include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
-#include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
+#include <ORLFoundation/platform/archive/NSKeyedArchiver_testing.h>
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/object/Id.h>
 #include <gtest/gtest.h>
@@ -23,12 +22,6 @@ std::shared_ptr<NSNumberFormatter> americanFormatter() {
   formatter->setLocale(std::make_shared<NSLocale>("en_US"));
   formatter->setNumberStyle(NSNumberFormatterDecimalStyle);
   return formatter;
-}
-
-std::shared_ptr<NSNumberFormatter> archived(const std::shared_ptr<NSNumberFormatter>& formatter) {
-  const auto data = NSKeyedArchiver::archivedDataWithRootObject(formatter, true);
-  if (!data) return nullptr;
-  return NSKeyedUnarchiver::unarchivedObjectOfClass<NSNumberFormatter>(*data);
 }
 
 TEST(NSNumberFormatter, BeginsPlain) {
@@ -82,7 +75,7 @@ TEST(NSNumberFormatter, CopiesAndArchivesKeepEverySetting) {
   const auto copy = copyOf(formatter);
   EXPECT_NE(copy, formatter);
   expectAllSettings(*copy);
-  const auto read = archived(formatter);
+  const auto read = orlftest::archivedAndRead<NSNumberFormatter>(formatter);
   ASSERT_NE(read, nullptr);
   expectAllSettings(*read);
   copy->setLenient(false);
@@ -90,7 +83,7 @@ TEST(NSNumberFormatter, CopiesAndArchivesKeepEverySetting) {
 }
 
 TEST(NSNumberFormatter, ArchivesKeepWhatWasNeverSet) {
-  const auto read = archived(americanFormatter());
+  const auto read = orlftest::archivedAndRead<NSNumberFormatter>(americanFormatter());
   ASSERT_NE(read, nullptr);
   EXPECT_EQ(read->stringFromDouble(1234.5678), "1,234.568");
   EXPECT_TRUE(read->localizesFormat());

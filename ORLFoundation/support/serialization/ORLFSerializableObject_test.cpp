@@ -1,8 +1,7 @@
 
 #include <ORLFoundation/support/serialization/ORLFSerializableObject.h>
 
-#include <ORLFoundation/platform/archive/NSKeyedArchiver.h>
-#include <ORLFoundation/platform/archive/NSKeyedUnarchiver.h>
+#include <ORLFoundation/platform/archive/NSKeyedArchiver_testing.h>
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSKeyTable.h>
 #include <ORLFoundation/platform/object/NSKeyValueObserving.h>
@@ -21,6 +20,8 @@
 
 namespace ORLFoundation {
 namespace {
+
+using orlftest::archivedAndRead;
 
 class Preferences final : public ORLFSerializableSubclass<Preferences> {
  public:
@@ -52,12 +53,6 @@ class TextsOnly final : public ORLFSerializableSubclass<TextsOnly> {
 
 std::shared_ptr<NSDictionary> entries(std::initializer_list<std::pair<id, id>> list) {
   return NSDictionary::dictionaryWithEntries(list);
-}
-
-template <class T>
-std::shared_ptr<T> archivedAndRead(const std::shared_ptr<T>& object) {
-  const auto bytes = NSKeyedArchiver::archivedDataWithRootObject(object, true);
-  return bytes ? NSKeyedUnarchiver::unarchivedObjectOfClass<T>(*bytes) : nullptr;
 }
 
 TEST(ORLFSerializableObject, ReadsAndWritesUnknownKeysInItsData) {
@@ -133,7 +128,7 @@ TEST(ORLFSerializableObject, IsArchivedWithEveryAllowedClass) {
       {"null", NSNull()},
       {"rule", rule},
   }));
-  const auto back = archivedAndRead(object);
+  const auto back = archivedAndRead<Preferences>(object);
   ASSERT_TRUE(back);
   EXPECT_EQ(back->className(), "Preferences");
   EXPECT_EQ(back->data()->className(), "NSMutableDictionary");
@@ -146,7 +141,8 @@ TEST(ORLFSerializableObject, IsArchivedWithEveryAllowedClass) {
 }
 
 TEST(ORLFSerializableObject, WithoutDataIsArchivedAsAnEmptyOne) {
-  const auto back = archivedAndRead(std::make_shared<ORLFSerializableObject>());
+  const auto back =
+      archivedAndRead<ORLFSerializableObject>(std::make_shared<ORLFSerializableObject>());
   ASSERT_TRUE(back);
   EXPECT_EQ(back->data()->count(), 0U);
 }
@@ -154,12 +150,13 @@ TEST(ORLFSerializableObject, WithoutDataIsArchivedAsAnEmptyOne) {
 TEST(ORLFSerializableObject, InAnotherIsNotAllowed) {
   const auto object = std::make_shared<Preferences>();
   object->setValueForKey(std::make_shared<Preferences>(), "inner");
-  EXPECT_EQ(archivedAndRead(object), nullptr);
+  EXPECT_EQ(archivedAndRead<Preferences>(object), nullptr);
 }
 
 TEST(ORLFSerializableObject, IsReadWithTheClassesOfItsClass) {
-  EXPECT_TRUE(archivedAndRead(std::make_shared<TextsOnly>(entries({{"a", "b"}}))));
-  EXPECT_FALSE(archivedAndRead(std::make_shared<TextsOnly>(entries({{"a", NSUUID::UUID()}}))));
+  EXPECT_TRUE(archivedAndRead<TextsOnly>(std::make_shared<TextsOnly>(entries({{"a", "b"}}))));
+  EXPECT_FALSE(
+      archivedAndRead<TextsOnly>(std::make_shared<TextsOnly>(entries({{"a", NSUUID::UUID()}}))));
 }
 
 TEST(ORLFSerializableObject, IsReadWhereItsBaseClassIsAllowed) {
