@@ -2,8 +2,8 @@
 #include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <pthread.h>
 #include <sys/resource.h>
+#include <tests/support/NoThreads.h>
 
 #include <atomic>
 #include <chrono>
@@ -150,28 +150,6 @@ TEST(NSURLSessionThreads, HearOfTasksThoughNoDescriptorIsLeft) {
   EXPECT_EQ(file.code(), NSURLErrorCannotCreateFile);
 }
 
-/// New threads ask for more memory than there is.
-class NoThreads {
- public:
-  NoThreads() {
-    ::pthread_getattr_default_np(&before_);
-    pthread_attr_t attributes;
-    ::pthread_attr_init(&attributes);
-    ::pthread_attr_setstacksize(&attributes, std::size_t{1} << 47);
-    ::pthread_setattr_default_np(&attributes);
-    ::pthread_attr_destroy(&attributes);
-  }
-  ~NoThreads() {
-    ::pthread_setattr_default_np(&before_);
-    ::pthread_attr_destroy(&before_);
-  }
-  NoThreads(const NoThreads&) = delete;
-  NoThreads& operator=(const NoThreads&) = delete;
-
- private:
-  pthread_attr_t before_{};
-};
-
 TEST(NSURLSessionThreads, SayThatThereIsNoThreadAndCanBeginLater) {
   std::weak_ptr<RecordingDelegate> delegate;
   {
@@ -180,7 +158,7 @@ TEST(NSURLSessionThreads, SayThatThereIsNoThreadAndCanBeginLater) {
     const auto task = loading.session->dataTaskWithRequest(plainRequest("/echo"));
     const auto other = loading.session->dataTaskWithRequest(plainRequest("/echo"));
     {
-      const NoThreads noThreads;
+      const orlftest::NoThreads noThreads;
       EXPECT_THROW(task->resume(), std::system_error);
       EXPECT_THROW(other->cancel(), std::system_error);
     }

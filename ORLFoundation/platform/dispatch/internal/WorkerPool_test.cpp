@@ -8,7 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
-#include <pthread.h>
+#include <tests/support/NoThreads.h>
 #include <tests/support/ProcessorTime.h>
 #include <unistd.h>
 
@@ -298,29 +298,6 @@ TEST(WorkerPoolDeathTest, TheProcessEndsAtOnceWithWorkLeft) {
   EXPECT_LE(best, limit);
 }
 
-/// The system has no more threads for anybody while it lives: no address space holds their stacks.
-class NoThreads {
- public:
-  NoThreads() {
-    ::pthread_getattr_default_np(&before_);
-    ::pthread_attr_t huge{};
-    ::pthread_attr_init(&huge);
-    ::pthread_attr_setstacksize(&huge, std::size_t{1} << 47U);
-    EXPECT_EQ(::pthread_setattr_default_np(&huge), 0);
-    ::pthread_attr_destroy(&huge);
-    EXPECT_THROW(std::thread([] {}).join(), std::system_error);
-  }
-  ~NoThreads() {
-    ::pthread_setattr_default_np(&before_);
-    ::pthread_attr_destroy(&before_);
-  }
-  NoThreads(const NoThreads&) = delete;
-  NoThreads& operator=(const NoThreads&) = delete;
-
- private:
-  ::pthread_attr_t before_{};
-};
-
 TEST(WorkerPool, GoesOnWithTheThreadsThatItHasWhereThereAreNoMore) {
   EXPECT_TRUE(becomes([] { return !Keeper::shared().isRunning(); }));
   WorkerPool& pool = newPool({.width = 2});
@@ -334,7 +311,7 @@ TEST(WorkerPool, GoesOnWithTheThreadsThatItHasWhereThereAreNoMore) {
   });
   EXPECT_TRUE(comes(begun));
   {
-    const NoThreads none;
+    const orlftest::NoThreads none;
     for (int i = 0; i < 3; ++i) dispatch_async(queue, [&] { dispatch_semaphore_signal(ran); });
     EXPECT_THROW(dispatch_after(dispatch_time(DISPATCH_TIME_NOW, 1), queue,
                                 [&] { dispatch_semaphore_signal(ran); }),
@@ -352,7 +329,7 @@ TEST(WorkerPoolDeathTest, WithoutAnyThreadAQueueIsFatal) {
   testing::GTEST_FLAG(death_test_style) = "threadsafe";
   const auto begin = [] {
     WorkerPool& pool = newPool({.width = 2});
-    const NoThreads none;
+    const orlftest::NoThreads none;
     dispatch_async(concurrent(pool), [] {});
   };
   EXPECT_DEATH(begin(), "no thread can be made for queues");
