@@ -3,6 +3,7 @@
 #include <ORLFoundation/files/operations/ORLFURLAccess.h>
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/files/NSFileCoordinator.h>
+#include <ORLFoundation/platform/object/NSError_testing.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorFile.h>
 
@@ -11,14 +12,9 @@
 namespace ORLFoundation {
 namespace {
 
+using orlftest::errorOfVector;
 using orlftest::Json;
 using Error = std::shared_ptr<const NSError>;
-
-Error errorOf(const Json& error) {
-  if (error.is_null()) return nullptr;
-  return NSError::errorWithDomain(error.at("domain").get<std::string>(),
-                                  error.at("code").get<NSInteger>());
-}
 
 Json jsonOf(const Error& error) {
   if (!error) return nullptr;
@@ -55,7 +51,7 @@ class ManagerOfRow final : public NSFileManager {
     return true;
   }
   bool removeItemAtURL(const NSURL&, NSErrorSlot error) override {
-    const Error failure = errorOf(in_.at("error"));
+    const Error failure = errorOfVector(in_.at("error"));
     return !failure || NSFillErrorSlot(error, failure);
   }
 
@@ -139,7 +135,7 @@ class CoordinatorOfRow final : public NSFileCoordinator {
     trace_.push_back({"coordinate", options});
     if (row_.at("calls").get<bool>())
       byAccessor(NSURL::URLWithString(row_.at("url").get<std::string>()).value());
-    if (const Error failure = errorOf(row_.at("error"))) NSFillErrorSlot(error, failure);
+    if (const Error failure = errorOfVector(row_.at("error"))) NSFillErrorSlot(error, failure);
   }
 
  private:
@@ -153,7 +149,7 @@ bool access(const Json& in, Json& trace, ORLFURLRelinquish& kept, NSErrorSlot er
   const auto options = in.at("options").get<NSUInteger>();
   const auto accessor = [&](const NSURL& given) {
     trace.push_back({"accessor", given.absoluteString()});
-    return errorOf(in.at("accessor"));
+    return errorOfVector(in.at("accessor"));
   };
   if (in.at("kind") == "synchronous")
     return orlfCoordinatedSecureAccessWithOptions(url, options, accessor, error);

@@ -2,6 +2,7 @@
 /// calls.
 #pragma once
 
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/net/NSURLRequest.h>
 #include <ORLFoundation/platform/net/NSURLResponse.h>
 #include <ORLFoundation/platform/net/NSURLSessionConfiguration.h>
@@ -205,15 +206,12 @@ class ScriptedPlatform final : public ORLFoundation::NSURLSession {
 class ScriptedProvider {
  public:
   explicit ScriptedProvider(ScriptedPlatform::Heard heard = [](const auto&, const auto&, auto) {})
-      : before_(ORLFoundation::NSSetURLSessionProvider(
-            [this, heard = std::move(heard)](auto configuration, auto delegate, auto queue) {
-              last_ = std::make_shared<ScriptedPlatform>(std::move(configuration), delegate,
-                                                         std::move(queue), heard);
-              return last_;
-            })) {}
-  ~ScriptedProvider() { ORLFoundation::NSSetURLSessionProvider(std::move(before_)); }
-  ScriptedProvider(const ScriptedProvider&) = delete;
-  ScriptedProvider& operator=(const ScriptedProvider&) = delete;
+      : provider_(ORLFoundation::NSSetURLSessionProvider,
+                  [this, heard = std::move(heard)](auto configuration, auto delegate, auto queue) {
+                    last_ = std::make_shared<ScriptedPlatform>(std::move(configuration), delegate,
+                                                               std::move(queue), heard);
+                    return last_;
+                  }) {}
 
   [[nodiscard]] const std::shared_ptr<ScriptedPlatform>& last() const noexcept { return last_; }
   /// Lets go of it.
@@ -221,7 +219,7 @@ class ScriptedProvider {
 
  private:
   std::shared_ptr<ScriptedPlatform> last_;
-  ORLFoundation::NSURLSessionProvider before_;
+  const ORLFoundation::Replaced<ORLFoundation::NSURLSessionProvider> provider_;
 };
 
 /// Hands each of the four calls to a function of its own.

@@ -4,7 +4,7 @@
 #include <ORLFoundation/platform/base/Base64.h>
 #include <ORLFoundation/platform/base/UTF8.h>
 #include <ORLFoundation/platform/net/NSURLResponse.h>
-#include <ORLFoundation/platform/object/NSError.h>
+#include <ORLFoundation/platform/object/NSError_testing.h>
 #include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <tests/support/VectorFile.h>
 
@@ -28,11 +28,6 @@ inline ORLFoundation::NSData dataOfVector(const Json& content) {
 inline Json vectorOfBytes(std::string_view bytes) {
   if (ORLFoundation::internal::base::isUTF8(bytes)) return std::string(bytes);
   return {{"base64", ORLFoundation::internal::base::base64Text(bytes)}};
-}
-inline std::shared_ptr<const ORLFoundation::NSError> errorOfVector(const Json& error) {
-  if (error.is_null()) return nullptr;
-  return ORLFoundation::NSError::errorWithDomain(error.at("domain").get<std::string>(),
-                                                 error.at("code").get<ORLFoundation::NSInteger>());
 }
 inline Json vectorOfError(const std::shared_ptr<const ORLFoundation::NSError>& error) {
   if (!error) return nullptr;
