@@ -3,6 +3,7 @@
 
 #include <ORLFoundation/platform/compression/LZFSE_testing.h>
 #include <benchmark/benchmark.h>
+#include <tests/support/PackedBytes.h>
 #include <zlib.h>
 
 #include <vector>
@@ -11,17 +12,13 @@ namespace {
 
 using namespace ORLFoundation::internal::compression;
 using orlftest::Bytes;
+using orlftest::countBytes;
 
 constexpr std::size_t kBytes = std::size_t{4} << 20;
 
 const Bytes& text() {
   static const Bytes& made = *new Bytes(orlftest::ledgerText(kBytes));
   return made;
-}
-
-void countBytes(benchmark::State& state, std::size_t packed) {
-  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(kBytes));
-  state.counters["part"] = static_cast<double>(packed) / static_cast<double>(kBytes);
 }
 
 void pack_ours(benchmark::State& state) {
@@ -32,7 +29,7 @@ void pack_ours(benchmark::State& state) {
     encoder.append(text(), stream);
     benchmark::DoNotOptimize(stream.data());
   }
-  countBytes(state, stream.size());
+  countBytes(state, kBytes, stream.size());
 }
 BENCHMARK(pack_ours)->Name("LZFSE pack/ours");
 
@@ -45,7 +42,7 @@ void unpack_ours(benchmark::State& state) {
     benchmark::DoNotOptimize(output.data());
   }
   if (output != text()) state.SkipWithError("other bytes");
-  countBytes(state, stream.size());
+  countBytes(state, kBytes, stream.size());
 }
 BENCHMARK(unpack_ours)->Name("LZFSE unpack/ours");
 
@@ -61,7 +58,7 @@ template <int level>
 void pack_zlib(benchmark::State& state) {
   Bytes stream;
   for (auto _ : state) stream = deflated(level);
-  countBytes(state, stream.size());
+  countBytes(state, kBytes, stream.size());
 }
 BENCHMARK_TEMPLATE(pack_zlib, 1)->Name("LZFSE pack/zlib 1");
 BENCHMARK_TEMPLATE(pack_zlib, 5)->Name("LZFSE pack/zlib 5");
@@ -75,7 +72,7 @@ void unpack_zlib(benchmark::State& state) {
       state.SkipWithError("it does not inflate");
     benchmark::DoNotOptimize(output.data());
   }
-  countBytes(state, stream.size());
+  countBytes(state, kBytes, stream.size());
 }
 BENCHMARK(unpack_zlib)->Name("LZFSE unpack/zlib");
 

@@ -1,39 +1,26 @@
 // Peer: LZFSE itself over the same blocks, one after the other.
 #include <ORLFoundation/platform/container/ArchiveByteStream.h>
 
-#include <ORLFoundation/platform/compression/LZFSE.h>
+#include <ORLFoundation/platform/compression/LZFSE_testing.h>
 #include <ORLFoundation/platform/container/ArchiveEncryptionContext.h>
 #include <benchmark/benchmark.h>
+#include <tests/support/PackedBytes.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
-#include <string>
-#include <vector>
 
 namespace {
 
 using namespace ORLFoundation;
-using Octets = std::vector<std::uint8_t>;
+using orlftest::Bytes;
+using orlftest::countBytes;
 
 constexpr std::size_t kBytes = std::size_t{32} << 20;
 
-const Octets& text() {
-  static const Octets& made = *new Octets([] {
-    std::string lines;
-    std::uint32_t number = 1;
-    while (lines.size() < kBytes) {
-      number = number * 1664525 + 1013904223;
-      lines += "2024-" + std::to_string(1 + number / 256 % 12) + "-" +
-               std::to_string(1 + number / 4096 % 28) + ";" + std::to_string(number / 65536) + "." +
-               std::to_string(number % 100) + ";payee number " + std::to_string(number / 64 % 400) +
-               " of the month;Groceries\n";
-    }
-    lines.resize(kBytes);
-    return Octets(lines.begin(), lines.end());
-  }());
+const Bytes& text() {
+  static const Bytes& made = *new Bytes(orlftest::ledgerText(kBytes));
   return made;
 }
 
@@ -55,7 +42,7 @@ class MemoryStream final : public ArchiveByteStream {
   void rewind() { at_ = 0; }
 
  private:
-  Octets bytes_;
+  Bytes bytes_;
   std::size_t at_ = 0;
 };
 
@@ -87,15 +74,10 @@ std::size_t unpackFrom(MemoryStream& memory, bool isSealed) {
   } else {
     stream = ArchiveByteStream::decompressionStream(memory);
   }
-  Octets bytes(std::size_t{1} << 20);
+  Bytes bytes(std::size_t{1} << 20);
   std::size_t sum = 0;
   while (const std::size_t count = stream->read(bytes)) sum += count;
   return sum;
-}
-
-void countBytes(benchmark::State& state, std::size_t packed) {
-  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(kBytes));
-  state.counters["part"] = static_cast<double>(packed) / static_cast<double>(kBytes);
 }
 
 template <bool isSealed>
@@ -106,7 +88,7 @@ void pack_ours(benchmark::State& state) {
     packInto(memory, isSealed);
     packed = memory.size();
   }
-  countBytes(state, packed);
+  countBytes(state, kBytes, packed);
 }
 BENCHMARK_TEMPLATE(pack_ours, false)->Name("archive pack/ours")->UseRealTime();
 BENCHMARK_TEMPLATE(pack_ours, true)->Name("sealed archive pack/ours")->UseRealTime();
@@ -117,7 +99,7 @@ void unpack_ours(benchmark::State& state) {
   packInto(memory, isSealed);
   for (auto _ : state)
     if (unpackFrom(memory, isSealed) != kBytes) state.SkipWithError("other bytes");
-  countBytes(state, memory.size());
+  countBytes(state, kBytes, memory.size());
 }
 BENCHMARK_TEMPLATE(unpack_ours, false)->Name("archive unpack/ours")->UseRealTime();
 BENCHMARK_TEMPLATE(unpack_ours, true)->Name("sealed archive unpack/ours")->UseRealTime();
@@ -128,12 +110,12 @@ void pack_blocks(benchmark::State& state) {
   for (auto _ : state) {
     packed = 0;
     for (std::size_t at = 0; at < kBytes; at += ArchiveByteStream::kBlockBytes) {
-      Octets block;
+      Bytes block;
       encoder.append(std::span(text()).subspan(at, ArchiveByteStream::kBlockBytes), block);
       packed += block.size();
     }
   }
-  countBytes(state, packed);
+  countBytes(state, kBytes, packed);
 }
 BENCHMARK(pack_blocks)->Name("archive pack/LZFSE alone")->UseRealTime();
 

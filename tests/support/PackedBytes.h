@@ -1,0 +1,17 @@
+/// What benchmarks of packing tell beside their time.
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace orlftest {
+
+/// The bytes of a second, and "part": to how much of them they are packed.
+inline void countBytes(benchmark::State& state, std::size_t bytes, std::size_t packed) {
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes));
+  state.counters["part"] = static_cast<double>(packed) / static_cast<double>(bytes);
+}
+
+}  // namespace orlftest
