@@ -2,6 +2,7 @@
 #include <ORLFoundation/calendar/ORLFISO8601.h>
 
 #include <ORLFoundation/calendar/ORLFCalendar_testing.h>
+#include <ORLFoundation/platform/time/NSTimeZone_testing.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -17,18 +18,14 @@ using orlftest::calendarIn;
 
 class ORLFISO8601 : public testing::Test {
  protected:
-  void SetUp() override { setZone("America/New_York"); }
-  void TearDown() override { NSTimeZone::setDefaultTimeZone(nullptr); }
-  static void setZone(const char* name) {
-    NSTimeZone::setDefaultTimeZone(NSTimeZone::timeZoneWithName(name));
-  }
+  const orlftest::DefaultZone zone_{"America/New_York"};
   const std::shared_ptr<NSCalendar> utc_ = calendarIn("UTC");
 };
 
 TEST_F(ORLFISO8601, WritesInTheDefaultZoneWithItsOffsetAtThatInstant) {
   EXPECT_EQ(orlfISO8601StringFromDate(at(*utc_, 2024, 1, 31, 14, 30)), "2024-01-31T09:30:00-0500");
   EXPECT_EQ(orlfISO8601String(at(*utc_, 2024, 7, 31, 13, 30)), "2024-07-31T09:30:00-0400");
-  setZone("Asia/Kathmandu");
+  orlftest::DefaultZone::set("Asia/Kathmandu");
   EXPECT_EQ(orlfISO8601String(at(*utc_, 2024, 1, 31, 14, 30)), "2024-01-31T20:15:00+0545");
 }
 
@@ -62,7 +59,7 @@ TEST_F(ORLFISO8601, ReadsWhiteSpaceAtTheEndAndOtherMarksWidthsAndNames) {
 }
 
 TEST_F(ORLFISO8601, ReadsBackYearsBeforeTheFirstAsWritten) {
-  setZone("UTC");
+  orlftest::DefaultZone::set("UTC");
   EXPECT_EQ(orlfISO8601String(at(*utc_, 1, 1, 1)), "0001-01-01T00:00:00+0000");
   EXPECT_EQ(orlfISO8601String(at(*utc_, 0, 12, 31, 23, 59, 59)), "0000-12-31T23:59:59+0000");
   EXPECT_EQ(orlfISO8601String(at(*utc_, -43, 3, 15)), "-0043-03-15T00:00:00+0000");
@@ -119,7 +116,7 @@ TEST_F(ORLFISO8601, ReadsWhatItWroteOnEveryDayOfFourCenturies) {
 }
 
 TEST_F(ORLFISO8601, WritesYearsBeyondFourDigits) {
-  setZone("UTC");
+  orlftest::DefaultZone::set("UTC");
   EXPECT_EQ(orlfISO8601String(at(*utc_, 12024, 6, 15, 12)), "12024-06-15T12:00:00+0000");
   EXPECT_EQ(orlfISO8601String(at(*utc_, 400000, 6, 15, 12)), "400000-06-15T12:00:00+0000");
 }

@@ -4,11 +4,13 @@
 #include <ORLFoundation/platform/format/NSDateFormatter_testing.h>
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/time/NSCalendar.h>
+#include <ORLFoundation/platform/time/NSTimeZone_testing.h>
 #include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <optional>
 
 namespace ORLFoundation {
 namespace {
@@ -63,9 +65,9 @@ TEST(NSDateFormatter, FollowsStylesUntilAFormatIsSet) {
 
 TEST(NSDateFormatter, TakesTheProcessesLocaleAndZone) {
   const Replaced locale(NSLocale::setCurrentLocale, std::make_shared<NSLocale>("fr_FR"));
-  NSTimeZone::setDefaultTimeZone(NSTimeZone::timeZoneWithName("Asia/Tokyo"));
+  std::optional<orlftest::DefaultZone> zone(std::in_place, "Asia/Tokyo");
   NSDateFormatter formatter;
-  NSTimeZone::setDefaultTimeZone(nullptr);
+  zone.reset();
   EXPECT_EQ(formatter.locale()->localeIdentifier(), "fr_FR");
   EXPECT_EQ(formatter.timeZone()->name(), "Asia/Tokyo");
   formatter.setLocale(nullptr);

@@ -1,5 +1,6 @@
 #include <ORLFoundation/platform/format/internal/ZoneBridge.h>
 
+#include <ORLFoundation/platform/time/NSTimeZone_testing.h>
 #include <gtest/gtest.h>
 #include <unicode/gregocal.h>
 #include <unicode/smpdtfmt.h>
@@ -212,10 +213,9 @@ TEST(ZoneBridge, IsAValueOfItsZone) {
 }
 
 TEST(ZoneBridge, TakesTheDefaultZoneForNil) {
-  NSTimeZone::setDefaultTimeZone(NSTimeZone::timeZoneWithName("Asia/Tokyo"));
+  const orlftest::DefaultZone zone("Asia/Tokyo");
   icu::UnicodeString id;
   EXPECT_EQ(icuZone(nullptr)->getID(id), icu::UnicodeString("Asia/Tokyo"));
-  NSTimeZone::setDefaultTimeZone(nullptr);
 }
 
 }  // namespace
