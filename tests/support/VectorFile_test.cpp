@@ -2,10 +2,10 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <tests/support/EnvironmentVariable.h>
 #include <tests/support/TemporaryFolder.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 #include <optional>
 
@@ -198,31 +198,10 @@ TEST(VectorFile, DisagreementOfOptionalTextsTellsNilFromEmpty) {
   EXPECT_EQ(disagreement(Text(), Text("")), "expected nil, got \"\"");
 }
 
-/// Sets a variable of the environment while it lives.
-class Environment {
- public:
-  Environment(const char* name, const std::string& value) : name_(name) {
-    if (const char* before = std::getenv(name)) before_ = before;
-    ::setenv(name, value.c_str(), 1);
-  }
-  ~Environment() {
-    if (before_)
-      ::setenv(name_, before_->c_str(), 1);
-    else
-      ::unsetenv(name_);
-  }
-  Environment(const Environment&) = delete;
-  Environment& operator=(const Environment&) = delete;
-
- private:
-  const char* name_;
-  std::optional<std::string> before_;
-};
-
 TEST(VectorFile, IsTakenFromTheNamedFolderAndElseFromTheRepository) {
   const TemporaryFolder folder;
   const std::string given = folder.write("given.tsv", "id\nrow-1\n");
-  const Environment environment("ORLF_VECTORS", folder.path());
+  const EnvironmentVariable variable("ORLF_VECTORS", folder.path());
   EXPECT_EQ(vectorFile("given.tsv"), given);
   EXPECT_EQ(vectorFile("calendars_offset.tsv"),
             testDataFolder() / "vectors" / "calendars_offset.tsv");
@@ -242,7 +221,7 @@ TEST(VectorFile, IsTakenFromTheNamedFolderAndElseFromTheRepository) {
 
 TEST(VectorFile, IsNotReplacedWhereTheNamedFolderIsAbsent) {
   const TemporaryFolder folder;
-  const Environment environment("ORLF_VECTORS", folder.path() / "absent");
+  const EnvironmentVariable variable("ORLF_VECTORS", folder.path() / "absent");
   EXPECT_EQ(vectorFile("calendars_offset.tsv"), folder.path() / "absent" / "calendars_offset.tsv");
 }
 

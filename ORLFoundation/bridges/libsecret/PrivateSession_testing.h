@@ -3,6 +3,7 @@
 #pragma once
 
 #include <ORLFoundation/bridges/libsecret/internal/GLibPointers.h>
+#include <tests/support/EnvironmentVariable.h>
 #include <tests/support/TemporaryFolder.h>
 
 #include <chrono>
@@ -96,25 +97,9 @@ class PrivateSessionBus {
         RunningProgram::Environment{},
         GSubprocessFlags(G_SUBPROCESS_FLAGS_STDOUT_PIPE | G_SUBPROCESS_FLAGS_STDERR_SILENCE));
     address_ = program_->readLine();
-    for (const char* name : kNames) {
-      const char* value = std::getenv(name);
-      before_.emplace_back(name,
-                           value != nullptr ? std::optional<std::string>(value) : std::nullopt);
-      unsetenv(name);
-    }
-    setenv("DBUS_SESSION_BUS_ADDRESS", address_.c_str(), 1);
+    variable_.set(address_.c_str());
     own_ = connectAgain();
   }
-  ~PrivateSessionBus() {
-    for (const auto& [name, value] : before_) {
-      if (value)
-        setenv(name.c_str(), value->c_str(), 1);
-      else
-        unsetenv(name.c_str());
-    }
-  }
-  PrivateSessionBus(const PrivateSessionBus&) = delete;
-  PrivateSessionBus& operator=(const PrivateSessionBus&) = delete;
 
   [[nodiscard]] const std::string& address() const { return address_; }
   /// One more connection.
@@ -155,13 +140,12 @@ class PrivateSessionBus {
   }
 
  private:
-  static constexpr const char* kNames[] = {"DBUS_SESSION_BUS_ADDRESS", "DISPLAY", "WAYLAND_DISPLAY",
-                                           "SECRET_SERVICE_BUS_NAME"};
-
+  const orlftest::EnvironmentVariable variable_{"DBUS_SESSION_BUS_ADDRESS", nullptr};
+  const orlftest::EnvironmentVariable others_[3] = {
+      {"DISPLAY", nullptr}, {"WAYLAND_DISPLAY", nullptr}, {"SECRET_SERVICE_BUS_NAME", nullptr}};
   const orlftest::TemporaryFolder folder_{orlftest::parentInMemory()};
   std::optional<RunningProgram> program_;
   std::string address_;
-  std::vector<std::pair<std::string, std::optional<std::string>>> before_;
   internal::libsecret::ObjectPointer<GDBusConnection> own_;
 };
 

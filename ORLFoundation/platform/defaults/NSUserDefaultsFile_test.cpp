@@ -10,13 +10,13 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <tests/support/EnvironmentVariable.h>
 #include <tests/support/TemporaryFolder.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cmath>
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
 #include <iterator>
 #include <thread>
@@ -25,6 +25,7 @@ namespace ORLFoundation {
 namespace {
 
 namespace fs = std::filesystem;
+using orlftest::EnvironmentVariable;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -82,11 +83,8 @@ TEST_F(NSUserDefaultsFileTest, IsForTheUserAloneAndLeavesNothingElse) {
   defaults()->setInteger(1, "a");
   defaults()->setInteger(2, "a");
   EXPECT_THAT(names("app"), ElementsAre("defaults.plist"));
-  struct stat status {};
-  ASSERT_EQ(::stat(path_.c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode & 0777U, 0600U);
-  ASSERT_EQ(::stat(path_.parent_path().c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode & 0777U, 0700U);
+  EXPECT_EQ(modeOf("app/defaults.plist"), 0600U);
+  EXPECT_EQ(modeOf("app"), 0700U);
 }
 
 TEST_F(NSUserDefaultsFileTest, IsNotWrittenForAValueThatItHas) {
@@ -298,14 +296,6 @@ const PathCase kPaths[] = {
     {"Slashes", "/c", "/h", "../a/b", "/c/_._a_b/defaults.plist"},
 };
 
-void setVariable(const char* name, const char* value) {
-  if (value == nullptr) {
-    ::unsetenv(name);
-  } else {
-    ::setenv(name, value, 1);
-  }
-}
-
 // The environment and what is made once for the process are changed in processes of their own.
 class NSUserDefaultsFileDeathTest : public NSUserDefaultsFileTest {
  protected:
@@ -316,8 +306,8 @@ TEST_F(NSUserDefaultsFileDeathTest, StandsInTheUsersConfigurationFolder) {
   for (const PathCase& row : kPaths) {
     EXPECT_EXIT(
         {
-          setVariable("XDG_CONFIG_HOME", row.configuration);
-          setVariable("HOME", row.home);
+          const EnvironmentVariable configuration("XDG_CONFIG_HOME", row.configuration);
+          const EnvironmentVariable home("HOME", row.home);
           const std::string path = NSUserDefaultsFile::pathForDomain(row.domain);
           std::fprintf(stderr, "path '%s'\n", path.c_str());
           ::_exit(path == row.path ? 0 : 1);
@@ -329,7 +319,7 @@ TEST_F(NSUserDefaultsFileDeathTest, StandsInTheUsersConfigurationFolder) {
 
 TEST_F(NSUserDefaultsFileDeathTest, StandardDefaultsAreKeptInIt) {
   const auto check = [this](bool hasIdentifier) {
-    setVariable("XDG_CONFIG_HOME", folder_.c_str());
+    const EnvironmentVariable configuration("XDG_CONFIG_HOME", folder_.c_str());
     if (hasIdentifier)
       NSBundle::mainBundle()->setInfoDictionary(
           *NSDictionary::dictionaryWithEntries({{kCFBundleIdentifierKey, "com.example.app"}}));
@@ -347,8 +337,8 @@ TEST_F(NSUserDefaultsFileDeathTest, StandardDefaultsAreKeptInIt) {
 TEST_F(NSUserDefaultsFileDeathTest, StandardDefaultsAreInMemoryWithoutAFolder) {
   EXPECT_EXIT(
       {
-        setVariable("XDG_CONFIG_HOME", nullptr);
-        setVariable("HOME", nullptr);
+        const EnvironmentVariable configuration("XDG_CONFIG_HOME", nullptr);
+        const EnvironmentVariable home("HOME", nullptr);
         NSUserDefaults::standardUserDefaults()->setInteger(3, "Columns");
         ::_exit(NSUserDefaults::standardUserDefaults()->integerForKey("Columns") == 3 ? 0 : 1);
       },

@@ -4,11 +4,11 @@
 #include <gtest/gtest.h>
 #include <pwd.h>
 #include <sys/stat.h>
+#include <tests/support/EnvironmentVariable.h>
 #include <tests/support/TemporaryFolder.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <filesystem>
 
 namespace ORLFoundation {
@@ -114,26 +114,6 @@ TEST_F(Trash, IsThatOfTheProcess) {
   EXPECT_TRUE(places.home.ends_with("/Trash")) << places.home;
 }
 
-/// A variable of the environment, for as long as it lives; null for none.
-class Variable {
- public:
-  Variable(const char* name, const char* value) : name_(name) {
-    if (const char* const before = std::getenv(name)) before_ = before;
-    set(value);
-  }
-  ~Variable() { set(before_ ? before_->c_str() : nullptr); }
-  Variable(const Variable&) = delete;
-  Variable& operator=(const Variable&) = delete;
-
- private:
-  void set(const char* value) const {
-    EXPECT_EQ(value == nullptr ? ::unsetenv(name_) : ::setenv(name_, value, 1), 0);
-  }
-
-  const char* const name_;
-  std::optional<std::string> before_;
-};
-
 TEST_F(Trash, StandsWhereTheEnvironmentSays) {
   const passwd* const entry = ::getpwuid(::getuid());
   const std::string recorded =
@@ -149,7 +129,7 @@ TEST_F(Trash, StandsWhereTheEnvironmentSays) {
               {nullptr, "", recorded},
               {nullptr, nullptr, recorded}};
   for (const auto& row : rows) {
-    const Variable data("XDG_DATA_HOME", row.data), home("HOME", row.home);
+    const orlftest::EnvironmentVariable data("XDG_DATA_HOME", row.data), home("HOME", row.home);
     EXPECT_EQ(internal::files::trashPlaces().home, row.trash);
   }
 }

@@ -1,6 +1,7 @@
 #include <ORLFoundation/platform/net/NSURLSession_testing.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <tests/support/EnvironmentVariable.h>
 #include <tests/support/TemporaryFolder.h>
 
 #include <sys/stat.h>
@@ -49,11 +50,9 @@ std::size_t temporaryFiles(const std::filesystem::path& folder) {
 /// Downloads go to a folder of its own, in which nothing may stay.
 class NSURLSessionFailures : public orlftest::TemporaryFolderTest {
  protected:
-  NSURLSessionFailures() { ::setenv("TMPDIR", folder_.c_str(), 1); }
-  ~NSURLSessionFailures() override {
-    ::unsetenv("TMPDIR");
-    EXPECT_EQ(temporaryFiles(folder_), 0U);
-  }
+  ~NSURLSessionFailures() override { EXPECT_EQ(temporaryFiles(folder_), 0U); }
+
+  const orlftest::EnvironmentVariable variable_{"TMPDIR", folder_.string()};
 };
 
 TEST_F(NSURLSessionFailures, NameWhatTheServerBroke) {

@@ -2,8 +2,8 @@
 #include <ORLFoundation/platform/net/internal/CookieJar.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <tests/support/EnvironmentVariable.h>
 
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <utility>
@@ -234,7 +234,7 @@ TEST_F(NSURLSessionCookies, AreRefusedForPublicSuffixesAndOtherHosts) {
 
 TEST_F(NSURLSessionCookies, AreRefusedForEveryPublicSuffix) {
   // The server is asked as a proxy is, so that it can be any host.
-  ::setenv("http_proxy", LocalServer::shared().text("").c_str(), 1);
+  const orlftest::EnvironmentVariable proxy("http_proxy", LocalServer::shared().text(""));
   const auto ask = [&](const std::string& host, const std::string& path) {
     return loading_.data(NSURL::URLWithString("http://" + host + path).value()).body;
   };
@@ -247,7 +247,6 @@ TEST_F(NSURLSessionCookies, AreRefusedForEveryPublicSuffix) {
     EXPECT_THAT(ask("a." + host, "/echo"), HasSubstr(R"("cookie": "own=1")")) << suffix;
     EXPECT_THAT(ask(other, "/echo"), Not(HasSubstr("own"))) << suffix;
   }
-  ::unsetenv("http_proxy");
 }
 
 TEST_F(NSURLSessionCookies, JoinTheRequestsOwn) {

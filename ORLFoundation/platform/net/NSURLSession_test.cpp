@@ -4,6 +4,7 @@
 #include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <tests/support/EnvironmentVariable.h>
 
 #include <filesystem>
 #include <memory>
@@ -185,9 +186,10 @@ TEST(NSURLSession, AsksTheProxyThatTheEnvironmentNamesAsItBegins) {
   const std::string proxy = LocalServer::shared().text("");
   const auto asked = [&](const char* name, const char* address) {
     static_cast<void>(Loading().data(LocalServer::shared().url("/requests")));
-    ::setenv(name, proxy.c_str(), 1);
-    static_cast<void>(Loading().data(NSURL::URLWithString(address).value()));
-    ::unsetenv(name);
+    {
+      const orlftest::EnvironmentVariable variable(name, proxy);
+      static_cast<void>(Loading().data(NSURL::URLWithString(address).value()));
+    }
     return Loading().data(LocalServer::shared().url("/requests")).body;
   };
   for (const char* name : {"http_proxy", "all_proxy", "ALL_PROXY"})

@@ -9,6 +9,7 @@
 #include <openssl/x509.h>
 #include <openssl/x509v3.h>
 #include <sys/socket.h>
+#include <tests/support/EnvironmentVariable.h>
 #include <tests/support/ProcessorTime.h>
 #include <tests/support/TemporaryFolder.h>
 
@@ -220,13 +221,15 @@ TEST(NSURLSessionTLS, RefusesEveryOtherCertificate) {
 }
 
 TEST(NSURLSessionTLS, RefusesTheIssuerThatNobodyAdded) {
-  constexpr const char* kVariables[] = {"SSL_CERT_FILE", "SSL_CERT_DIR", "CURL_CA_BUNDLE",
-                                        "CURL_CA_PATH"};
-  for (const char* variable : kVariables)
-    ::setenv(variable, Nginx::shared().path("authority.pem").c_str(), 1);
-  EXPECT_EQ(Loading().data(Nginx::shared().secure("good")).code(),
-            NSURLErrorServerCertificateHasUnknownRoot);
-  for (const char* variable : kVariables) ::unsetenv(variable);
+  {
+    const std::string authority = Nginx::shared().path("authority.pem");
+    const orlftest::EnvironmentVariable variables[] = {{"SSL_CERT_FILE", authority},
+                                                       {"SSL_CERT_DIR", authority},
+                                                       {"CURL_CA_BUNDLE", authority},
+                                                       {"CURL_CA_PATH", authority}};
+    EXPECT_EQ(Loading().data(Nginx::shared().secure("good")).code(),
+              NSURLErrorServerCertificateHasUnknownRoot);
+  }
   auto configuration = NSURLSessionConfiguration::defaultSessionConfiguration();
   configuration->setAdditionalTrustedCertificatesFile("/no/such/file");
   EXPECT_EQ(Loading(configuration).data(Nginx::shared().secure("good")).code(),

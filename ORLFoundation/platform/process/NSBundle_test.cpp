@@ -3,8 +3,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <tests/support/EnvironmentVariable.h>
 
-#include <cstdlib>
 #include <thread>
 
 namespace ORLFoundation {
@@ -126,39 +126,10 @@ const EnvironmentCase kEnvironments[] = {
     {"Nothing", nullptr, nullptr, nullptr, nullptr, {}},
 };
 
-/// Sets variables of the environment and puts back what they were.
-class Environment {
- public:
-  void set(const char* name, const char* value) {
-    const char* before = std::getenv(name);
-    before_.emplace_back(name, before ? std::optional<std::string>(before) : std::nullopt);
-    put(name, value);
-  }
-  Environment() = default;
-  ~Environment() {
-    for (const auto& [name, value] : before_) put(name.c_str(), value ? value->c_str() : nullptr);
-  }
-  Environment(const Environment&) = delete;
-  Environment& operator=(const Environment&) = delete;
-
- private:
-  static void put(const char* name, const char* value) {
-    if (value == nullptr) {
-      ::unsetenv(name);
-    } else {
-      ::setenv(name, value, 1);
-    }
-  }
-  std::vector<std::pair<std::string, std::optional<std::string>>> before_;
-};
-
 TEST(NSBundle, ReadsTheUsersLanguagesFromTheEnvironment) {
   for (const EnvironmentCase& row : kEnvironments) {
-    Environment environment;
-    environment.set("LANGUAGE", row.language);
-    environment.set("LC_ALL", row.all);
-    environment.set("LC_MESSAGES", row.messages);
-    environment.set("LANG", row.lang);
+    const orlftest::EnvironmentVariable language("LANGUAGE", row.language), all("LC_ALL", row.all),
+        messages("LC_MESSAGES", row.messages), lang("LANG", row.lang);
     EXPECT_THAT(NSBundle::preferredLanguages(), ElementsAreArray(row.found)) << row.name;
   }
 }

@@ -1,11 +1,12 @@
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/time/NSCalendar_testing.h>
 #include <ORLFoundation/platform/time/NSDateComponents_testing.h>
+#include <ORLFoundation/platform/time/NSTimeZone_testing.h>
 #include <ORLFoundation/platform/value/NSDate_testing.h>
 #include <gtest/gtest.h>
+#include <tests/support/EnvironmentVariable.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 #include <string>
 
@@ -67,13 +68,12 @@ TEST(NSCalendar, CopiesToACalendarOfItsOwn) {
 }
 
 TEST(NSCalendar, IsInTheDefaultZoneWhenGivenNone) {
-  NSTimeZone::setDefaultTimeZone(NSTimeZone::timeZoneWithName("Asia/Tehran"));
+  const orlftest::DefaultZone zone("Asia/Tehran");
   const auto calendar = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian);
   EXPECT_EQ(calendar->timeZone()->name(), "Asia/Tehran");
   calendar->setTimeZone(NSTimeZone::timeZoneWithName("UTC"));
   calendar->setTimeZone(nullptr);
   EXPECT_EQ(calendar->timeZone()->name(), "Asia/Tehran");
-  NSTimeZone::setDefaultTimeZone(nullptr);
 }
 
 TEST(NSCalendar, TakesTheWeekendOfTheLocalesRegion) {
@@ -141,19 +141,12 @@ TEST(NSCalendar, AnswersAtTheEdgeOfTheSupportedRange) {
 // a line in the log.
 TEST(NSCalendar, CopiesWithoutAskingTheSystemForItsZone) {
   const auto calendar = calendarIn("Asia/Tokyo");
-  const char* const before = std::getenv("TZ");
-  const std::string kept = before == nullptr ? "" : before;
-  setenv("TZ", "Atlantis/Sunken", 1);
+  const orlftest::EnvironmentVariable variable("TZ", "Atlantis/Sunken");
   const LogCapture log;
   const auto copy = std::static_pointer_cast<NSCalendar>(calendar->copy());
   const auto lines = log.lines();
   const auto fresh = NSCalendar::initWithCalendarIdentifier(NSCalendarIdentifierGregorian);
   const auto linesAfterAsking = log.lines();
-  if (before == nullptr) {
-    unsetenv("TZ");
-  } else {
-    setenv("TZ", kept.c_str(), 1);
-  }
   EXPECT_EQ(lines, std::vector<std::string>());
   EXPECT_NE(linesAfterAsking, std::vector<std::string>());
   EXPECT_TRUE(copy->isEqual(calendar.get()));

@@ -2,6 +2,7 @@
 #include <ORLFoundation/platform/types/UTTypeSystemCatalog.h>
 
 #include <gtest/gtest.h>
+#include <tests/support/EnvironmentVariable.h>
 #include <tests/support/TemporaryFolder.h>
 
 #include <string>
@@ -89,13 +90,13 @@ TEST_F(UTTypeSystemCatalogTest, HasTheLibrarysTypesWhereThereIsNoDatabase) {
 }
 
 TEST_F(UTTypeSystemCatalogTest, TakesItsFoldersFromTheEnvironment) {
-  ::setenv("XDG_DATA_HOME", "/own", 1);
-  ::setenv("XDG_DATA_DIRS", "/a::/b", 1);
+  const orlftest::EnvironmentVariable data("XDG_DATA_HOME", "/own"),
+      more("XDG_DATA_DIRS", "/a::/b");
   EXPECT_EQ(UTTypeSystemCatalog::systemFolders(),
             (std::vector<std::string>{"/own/mime", "/a/mime", "/b/mime"}));
-  ::unsetenv("XDG_DATA_HOME");
-  ::unsetenv("XDG_DATA_DIRS");
-  ::setenv("HOME", "/home/someone", 1);
+  const orlftest::EnvironmentVariable home("HOME", "/home/someone");
+  data.set(nullptr);
+  more.set(nullptr);
   EXPECT_EQ(UTTypeSystemCatalog::systemFolders(),
             (std::vector<std::string>{"/home/someone/.local/share/mime", "/usr/local/share/mime",
                                       "/usr/share/mime"}));

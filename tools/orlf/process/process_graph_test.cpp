@@ -3,6 +3,7 @@
 #include <ORLFoundation/process/engine/ORLFProcessStep.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <tests/support/EnvironmentVariable.h>
 #include <tests/support/TemporaryFolder.h>
 
 #include <cstdlib>
@@ -27,9 +28,6 @@ class ProcessGraph : public orlftest::TemporaryFolderTest {
     const std::string program = write("bin/dot", "#!/bin/sh\n" + lines + "\n");
     ASSERT_EQ(::chmod(program.c_str(), 0755), 0);
   }
-  void TearDown() override { ::setenv("PATH", path_.c_str(), 1); }
-
-  const std::string path_ = std::getenv("PATH");
 };
 
 const char* const kGraphDefinition =
@@ -96,7 +94,7 @@ TEST_F(ProcessGraph, LabelsHoldWhatTheyAre) {
 
 TEST_F(ProcessGraph, IsDrawnByTheProgramDot) {
   installDot(R"(printf '%s\n' "$@" >&2; PATH=/bin:/usr/bin; cat >"${2#-o}")");
-  ::setenv("PATH", path("bin").c_str(), 1);
+  const orlftest::EnvironmentVariable programs("PATH", path("bin"));
   const std::string file = path("a b;c.svg");
   orlftool::drawSvg("digraph {}", file);
   EXPECT_EQ(read("a b;c.svg"), "digraph {}");
@@ -113,7 +111,7 @@ std::string failureOfDrawing(const std::string& file) {
 }
 
 TEST_F(ProcessGraph, NeedsTheProgramDotForAPicture) {
-  ::setenv("PATH", path("empty").c_str(), 1);
+  const orlftest::EnvironmentVariable programs("PATH", path("empty"));
   const std::string file = path("a.svg");
   EXPECT_EQ(failureOfDrawing(file), file +
                                         ": an SVG needs the program dot of Graphviz, which is not "
@@ -123,7 +121,7 @@ TEST_F(ProcessGraph, NeedsTheProgramDotForAPicture) {
 
 TEST_F(ProcessGraph, ThatCannotBeDrawnLeavesNoFile) {
   installDot("echo 'Error: syntax' >&2; echo more >&2; exit 1");
-  ::setenv("PATH", path("bin").c_str(), 1);
+  const orlftest::EnvironmentVariable programs("PATH", path("bin"));
   const std::string file = path("a.svg");
   EXPECT_EQ(failureOfDrawing(file), file + ": dot failed: Error: syntax");
   EXPECT_EQ(names(), std::vector<std::string>{"bin"});

@@ -2,6 +2,7 @@
 
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <gtest/gtest.h>
+#include <tests/support/EnvironmentVariable.h>
 #include <tests/support/TemporaryFolder.h>
 
 #include <filesystem>
@@ -95,35 +96,17 @@ TEST_F(SystemZone, IsUTCWithALineInTheLogWhereNothingCanBeRead) {
   }
 }
 
-// The environment is this program's own; the test puts it back.
-class SystemTimeZone : public testing::Test {
- protected:
-  void TearDown() override { set(before_); }
-  static void set(const std::optional<std::string>& value) {
-    if (value) {
-      setenv("TZ", value->c_str(), 1);
-    } else {
-      unsetenv("TZ");
-    }
-  }
-  static std::optional<std::string> variable() {
-    const char* const value = std::getenv("TZ");
-    return value ? std::optional<std::string>(value) : std::nullopt;
-  }
-  std::optional<std::string> before_ = variable();
-};
-
-TEST_F(SystemTimeZone, FollowsTheVariable) {
-  set("EST5EDT,M3.2.0,M11.1.0");
+TEST(SystemTimeZone, FollowsTheVariable) {
+  const orlftest::EnvironmentVariable variable("TZ", "EST5EDT,M3.2.0,M11.1.0");
   expectOffsets(NSTimeZone::systemTimeZone(), -18000, -14400);
-  set("Asia/Tokyo");
+  variable.set("Asia/Tokyo");
   EXPECT_EQ(NSTimeZone::systemTimeZone()->name(), "Asia/Tokyo");
   EXPECT_EQ(NSTimeZone::defaultTimeZone()->name(), "Asia/Tokyo");
 }
 
-TEST_F(SystemTimeZone, TellsOnceThatTheVariableIsUnreadable) {
+TEST(SystemTimeZone, TellsOnceThatTheVariableIsUnreadable) {
   const LogCapture log;
-  set("Atlantis/Capital");
+  const orlftest::EnvironmentVariable variable("TZ", "Atlantis/Capital");
   const auto zone = NSTimeZone::systemTimeZone();
   EXPECT_EQ(NSTimeZone::systemTimeZone(), zone);
   const auto told = log.lines();
