@@ -181,19 +181,19 @@ TEST(RuleDescription, AgreesWithVectors) {
         [](const Json& in, const Json& out) {
           const auto text =
               Rule::partialDescriptionForDaysOfTheWeek(orlftest::daysOfTheWeekFromVector(in));
-          return orlftest::disagreement(out, text ? Json(*text) : Json());
+          return orlftest::disagreement(out, orlftest::jsonOrNull(text));
         }},
        {"partialDescriptionForDaysOfTheMonth",
         [](const Json& in, const Json& out) {
           const auto text =
               Rule::partialDescriptionForDaysOfTheMonth(orlftest::integersFromVector(in));
-          return orlftest::disagreement(out, text ? Json(*text) : Json());
+          return orlftest::disagreement(out, orlftest::jsonOrNull(text));
         }},
        {"partialDescriptionForMonthsOfYear",
         [](const Json& in, const Json& out) {
           const auto text =
               Rule::partialDescriptionForMonthsOfYear(orlftest::integersFromVector(in));
-          return orlftest::disagreement(out, text ? Json(*text) : Json());
+          return orlftest::disagreement(out, orlftest::jsonOrNull(text));
         }},
        {"nameForWeekday",
         [](const Json& in, const Json& out) {

@@ -105,6 +105,16 @@ void runJsonRows(const std::string& stem, const JsonRowCheck& check);
 /// anything else after a backslash.
 [[nodiscard]] std::string unescapedField(std::string_view field);
 
+/// A text; nil of null.
+[[nodiscard]] inline std::optional<std::string> textOrNil(const Json& value) {
+  return value.is_null() ? std::nullopt : std::optional(value.get<std::string>());
+}
+/// The value as JSON; null of nil.
+template <class Value>
+[[nodiscard]] Json jsonOrNull(const std::optional<Value>& value) {
+  return value ? Json(*value) : Json();
+}
+
 /// "" when both are equal, else "expected X, got Y".
 template <typename Expected, typename Actual>
 requires requires(std::ostream& stream, const Expected& expected, const Actual& actual) {

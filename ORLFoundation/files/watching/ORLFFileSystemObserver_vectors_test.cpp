@@ -17,10 +17,10 @@ namespace {
 using internal::watching::FileEvents;
 using orlftest::disagreement;
 using orlftest::Json;
+using orlftest::jsonOrNull;
+using orlftest::textOrNil;
 
 constexpr const char* kPath = "/folder/file";
-
-Json jsonOf(const std::optional<std::string>& text) { return text ? Json(*text) : Json(); }
 
 /// A serial queue that runs when it is told to.
 class HeldQueue {
@@ -69,7 +69,7 @@ struct World : FileEvents {
   [[nodiscard]] std::optional<std::string> pathOf(std::int32_t descriptor) override {
     const auto place = places.find(files.at(descriptor));
     const auto path = place == places.end() ? std::nullopt : place->second;
-    note({"path", nameOf(descriptor), jsonOf(path)});
+    note({"path", nameOf(descriptor), jsonOrNull(path)});
     return path;
   }
   [[nodiscard]] std::optional<NSURLRelationship> relationshipOfTrash(const NSURL& item) override {
@@ -152,7 +152,7 @@ dispatch_vnode_source_t World::makeSource(std::int32_t descriptor, std::uint64_t
 class ObserverPlayer {
  public:
   explicit ObserverPlayer(const Json& in) {
-    world_->standing = textOf(in.at("file"));
+    world_->standing = textOrNil(in.at("file"));
     const Json inHandler = in.value("inHandler", Json::object());
     ORLFFileSystemObserver::EventHandler handler;
     if (in.at("handler").get<bool>())
@@ -191,15 +191,12 @@ class ObserverPlayer {
     return value.is_string() ? std::stoull(value.get<std::string>(), nullptr, 16)
                              : value.get<std::uint64_t>();
   }
-  static std::optional<std::string> textOf(const Json& value) {
-    return value.is_null() ? std::nullopt : std::optional(value.get<std::string>());
-  }
 
   /// What a handler may do too. What is asked of an observer that is gone gives nothing.
   Json apply(const Json& step) {
     const auto name = step.at(0).get<std::string>();
-    if (name == "put") world_->standing = textOf(step.at(1));
-    if (name == "at") world_->places[step.at(1)] = textOf(step.at(2));
+    if (name == "put") world_->standing = textOrNil(step.at(1));
+    if (name == "at") world_->places[step.at(1)] = textOrNil(step.at(2));
     if (name == "trash") world_->answers[step.at(1)] = step.at(2);
     if (name == "refuse") world_->refusals = step.at(1).get<int>();
     if (name == "fire") fire(numberOf(step.at(1)));
@@ -216,7 +213,7 @@ class ObserverPlayer {
   }
 
   bool observe(ORLFFileSystemObserver& observer, const Json& step) {
-    const auto file = textOf(step.at(1));
+    const auto file = textOrNil(step.at(1));
     const std::int32_t descriptor = file ? world_->openFile(*file) : -1;
     return observer.startObservingFileDescriptor(descriptor, numberOf(step.at(2)));
   }

@@ -11,13 +11,10 @@ namespace {
 
 using orlftest::disagreement;
 using orlftest::Json;
+using orlftest::textOrNil;
 
 constexpr std::int64_t kComma = 0;
 constexpr std::int64_t kTab = 1;
-
-std::optional<std::string> textOrNil(const Json& value) {
-  return value.is_null() ? std::nullopt : std::optional(value.get<std::string>());
-}
 
 TEST(ORLFTabularDataWriter, AgreesWithVectorsOfValues) {
   orlftest::runJsonVectors(

@@ -13,8 +13,7 @@ namespace ORLFoundation {
 namespace {
 
 using orlftest::Json;
-
-Json jsonOfText(const std::optional<std::string>& text) { return text ? Json(*text) : Json(); }
+using orlftest::jsonOrNull;
 
 Json jsonOfValue(const id& value) {
   if (const auto* text = value.get<std::string>()) return *text;
@@ -43,8 +42,8 @@ class PairMaker final : public ORLFProcessStepBuilderDelegate {
       ORLFProcessStepBuilder&, const std::shared_ptr<ORLFProcessStep>& step,
       const std::optional<std::string>& withType,
       const std::shared_ptr<NSMutableDictionary>& data) override {
-    calls.push_back({step->identifier(), jsonOfText(withType), jsonOfData(data)});
-    pairs.push_back({jsonOfText(withType), jsonOfData(data)});
+    calls.push_back({step->identifier(), jsonOrNull(withType), jsonOfData(data)});
+    pairs.push_back({jsonOrNull(withType), jsonOfData(data)});
     return pairs.size() - 1;
   }
 };
@@ -54,7 +53,7 @@ Json jsonOfStep(ORLFProcessStep& step, const PairMaker& maker) {
   Json responses = Json::object();
   Json children = Json::object();
   for (const std::string& name : step.possibleTransitions().value_or(std::vector<std::string>()))
-    transitions[name] = jsonOfText(step.siblingIdentiferForTransition(name).as<std::string>());
+    transitions[name] = jsonOrNull(step.siblingIdentiferForTransition(name).as<std::string>());
   if (step.responseMapCreate(false))
     for (const auto& [name, response] : *step.responseMapCreate(false)) responses[name] = response;
   if (step.childStepMap(false))
@@ -62,7 +61,7 @@ Json jsonOfStep(ORLFProcessStep& step, const PairMaker& maker) {
       children[name] = jsonOfStep(*child, maker);
   const auto number = step.representedObject().as<std::size_t>();
   return {{"identifier", step.identifier()},
-          {"initial", jsonOfText(step.intialStepIdentifier())},
+          {"initial", jsonOrNull(step.intialStepIdentifier())},
           {"representedObject", number ? maker.pairs.at(*number) : Json()},
           {"transitions", transitions},
           {"responses", responses},

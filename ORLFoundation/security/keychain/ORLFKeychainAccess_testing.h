@@ -207,9 +207,6 @@ class KeychainScript {
     if (value.is_null()) return std::nullopt;
     return NSURL::URLWithString(value.get<std::string>());
   }
-  static orlftest::Json json(const std::optional<std::string>& value) {
-    return value ? orlftest::Json(*value) : orlftest::Json();
-  }
 
   [[nodiscard]] Access::StatusSlot slot() {
     if (slot_ == Slot::status) return &status_;
@@ -221,10 +218,11 @@ class KeychainScript {
     const auto name = s.at(0).get<std::string>();
     if (name == "setGroup") return Access::setSharedAccessGroupName(text(s.at(1))), nullptr;
     if (name == "value")
-      return json(
+      return orlftest::jsonOrNull(
           Access::securityItemStringValueForQuery(*keychainAttributesFromVector(s.at(1)), slot()));
     if (name == "find")
-      return json(Access::findGenericPasswordForKey(text(s.at(1)), text(s.at(2)), slot()));
+      return orlftest::jsonOrNull(
+          Access::findGenericPasswordForKey(text(s.at(1)), text(s.at(2)), slot()));
     if (name == "updateIn")
       return Access::updateGenericPassword(
           {text(s.at(1)), text(s.at(2)), text(s.at(3)), text(s.at(4)), s.at(5).get<bool>()},
@@ -238,7 +236,8 @@ class KeychainScript {
     if (name == "delete")
       return Access::deleteGenericPasswordForKey(text(s.at(1)), text(s.at(2)), slot());
     if (name == "findWeb")
-      return json(Access::findWebPasswordForUser(text(s.at(1)), url(s.at(2)), slot()));
+      return orlftest::jsonOrNull(
+          Access::findWebPasswordForUser(text(s.at(1)), url(s.at(2)), slot()));
     if (name == "updateWeb")
       return Access::updateWebPassword(text(s.at(1)), text(s.at(2)), url(s.at(3)),
                                        s.at(4).get<bool>(), slot());

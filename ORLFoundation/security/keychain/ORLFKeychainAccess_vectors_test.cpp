@@ -11,11 +11,7 @@ namespace {
 
 using orlftest::disagreement;
 using orlftest::Json;
-
-std::optional<std::string> textOrNil(const Json& value) {
-  if (value.is_null()) return std::nullopt;
-  return value.get<std::string>();
-}
+using orlftest::textOrNil;
 
 std::string runScript(const Json& in, const Json& out) {
   using Slot = KeychainScript::Slot;

@@ -28,6 +28,7 @@ using internal::base::bytesOfHexText;
 using internal::base::hexText;
 using orlftest::disagreement;
 using orlftest::Json;
+using orlftest::textOrNil;
 
 NSData dataOf(const Json& base64) {
   const auto bytes = bytesOfBase64Text(base64.get<std::string>());
@@ -38,11 +39,6 @@ NSData dataOf(const Json& base64) {
 std::optional<NSData> optionalData(const Json& base64) {
   if (base64.is_null()) return std::nullopt;
   return dataOf(base64);
-}
-
-std::optional<std::string> optionalText(const Json& text) {
-  if (text.is_null()) return std::nullopt;
-  return text.get<std::string>();
 }
 
 std::optional<std::string> base64Of(const std::optional<NSData>& data) {
@@ -79,7 +75,7 @@ TEST(SecurityPrimitives, AgreeWithVectorsOfAES) {
                                               const std::optional<NSData>&, NSErrorSlot);
   const auto check = [](Operation operation) {
     return [operation](const Json& in, const Json& out) {
-      return disagreement(optionalText(out),
+      return disagreement(textOrNil(out),
                           base64Of(operation(dataOf(in.at("data")), dataOf(in.at("key")),
                                              optionalData(in.at("iv")), nullptr)));
     };

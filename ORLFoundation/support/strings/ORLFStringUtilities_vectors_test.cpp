@@ -154,7 +154,7 @@ TEST(Texts, AgreeWithVectorsOfCharacterSets) {
 Json decodedText(const NSData& data) {
   NSUInteger encoding = NSUIntegerMax;
   const std::optional<std::string> text = orlfStringWithDataUsedEncoding(data, &encoding);
-  return {{"encoding", encoding}, {"text", text ? Json(*text) : Json()}};
+  return {{"encoding", encoding}, {"text", orlftest::jsonOrNull(text)}};
 }
 
 Json versionOf(const std::string& text) {

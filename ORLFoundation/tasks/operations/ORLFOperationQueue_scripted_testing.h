@@ -63,12 +63,4 @@ class ScriptedInstance final : public ScriptedOperation,
   std::optional<std::string> answer_;
 };
 
-inline std::optional<std::string> textOrNil(const Json& value) {
-  return value.is_null() ? std::nullopt : std::optional(value.get<std::string>());
-}
-
-inline Json jsonOf(const std::optional<std::string>& text) {
-  return text ? Json(*text) : Json(nullptr);
-}
-
 }  // namespace orlftest

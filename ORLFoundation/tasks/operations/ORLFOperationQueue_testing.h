@@ -127,7 +127,7 @@ class OperationPlayer {
   }
 
   [[nodiscard]] Json groupOf(const std::string& name) {
-    return jsonOf(orlfGroupID(*operationNamed(name)));
+    return jsonOrNull(orlfGroupID(*operationNamed(name)));
   }
   [[nodiscard]] Operation operationNamed(const Json& name) {
     const std::lock_guard guard(lock_);
@@ -244,7 +244,7 @@ class OperationPlayer {
   ORLFoundation::ORLFOperationQueue::Completion completionOf(const Json& name, bool isThere) {
     if (!isThere || name.is_null()) return nullptr;
     return [this, name](const Operation& operation, bool wasFinished) {
-      call(name, {"completion", wasFinished, jsonOf(orlfGroupID(*operation))}, "completion");
+      call(name, {"completion", wasFinished, jsonOrNull(orlfGroupID(*operation))}, "completion");
     };
   }
   /// The block of an operation that the queue makes.
@@ -339,7 +339,7 @@ class OperationPlayer {
       if (queue->operationCount() > 0) return "operations are left on " + name;
     for (const auto& [name, actor] : actors_)
       if (neverRan(actor) && actor.operation->wasEnqueued())
-        all[name] = {{"calls", actor.calls}, {"group", jsonOf(orlfGroupID(*actor.operation))}};
+        all[name] = {{"calls", actor.calls}, {"group", jsonOrNull(orlfGroupID(*actor.operation))}};
     return all;
   }
 

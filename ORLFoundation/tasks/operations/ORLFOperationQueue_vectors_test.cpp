@@ -13,9 +13,9 @@ using orlftest::Json;
 Json attachedState(const NSOperation& operation) {
   const id group = operation.attachedValue(ORLFOperationGroupIDKey);
   const id barrier = operation.attachedValue(ORLFOperationBarrierKey);
-  return {{"ORLFOperationGroupIDKey", orlftest::jsonOf(group.as<std::string>())},
-          {"ORLFOperationBarrierKey", barrier ? Json(*barrier.as<bool>()) : Json(nullptr)},
-          {"orlfGroupID", orlftest::jsonOf(orlfGroupID(operation))},
+  return {{"ORLFOperationGroupIDKey", orlftest::jsonOrNull(group.as<std::string>())},
+          {"ORLFOperationBarrierKey", orlftest::jsonOrNull(barrier.as<bool>())},
+          {"orlfGroupID", orlftest::jsonOrNull(orlfGroupID(operation))},
           {"orlfIsBarrierOperation", orlfIsBarrierOperation(operation)}};
 }
 

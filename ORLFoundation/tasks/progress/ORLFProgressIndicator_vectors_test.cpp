@@ -21,10 +21,10 @@ namespace {
 
 using orlftest::disagreement;
 using orlftest::Json;
+using orlftest::jsonOrNull;
 using orlftest::kMillisecond;
 using orlftest::RecordingIndicator;
 using orlftest::scriptOfReal;
-using orlftest::scriptOfText;
 
 using Item = std::shared_ptr<ORLFProgressItem>;
 using Indicator = std::shared_ptr<ORLFProgressIndicator>;
@@ -35,7 +35,7 @@ Json shownBy(const ORLFProgressIndicator& indicator) {
           scriptOfReal(indicator.currentValue()),
           scriptOfReal(indicator.minValue()),
           scriptOfReal(indicator.maxValue()),
-          scriptOfText(indicator.message()),
+          jsonOrNull(indicator.message()),
           scriptOfReal(indicator.normalizedValue())};
 }
 
@@ -282,7 +282,7 @@ class Player {
     if (const auto asking = kAsking.find(operation); asking != kAsking.end())
       result_ = (indicator.*asking->second)(itemNamed(step.at(2)));
     else if (operation == "setMessage:")
-      indicator.setMessage(orlftest::textOfScript(step.at(2)));
+      indicator.setMessage(orlftest::textOrNil(step.at(2)));
     else if (operation == "setDelegate:")
       indicator.setDelegate(step.at(2).is_null() ? nullptr
                                                  : delegateNamed(step.at(2).get<std::string>()));

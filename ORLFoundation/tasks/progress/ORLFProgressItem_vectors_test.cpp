@@ -14,9 +14,9 @@ namespace {
 
 using orlftest::disagreement;
 using orlftest::Json;
+using orlftest::jsonOrNull;
 using orlftest::RecordingIndicator;
 using orlftest::scriptOfReal;
-using orlftest::scriptOfText;
 using orlftest::VirtualMainLoop;
 
 /// Items and indicators by name, and what reached the indicators.
@@ -74,12 +74,12 @@ class TreeScript {
           {"currentIndeterminate", item->currentIndeterminate()},
           {"currentIndicator", nullptr},
           {"currentMaxValue", scriptOfReal(item->currentMaxValue())},
-          {"currentMessage", scriptOfText(item->currentMessage())},
+          {"currentMessage", jsonOrNull(item->currentMessage())},
           {"currentMinValue", scriptOfReal(item->currentMinValue())},
           {"currentValue", scriptOfReal(item->currentValue())},
           {"indeterminate", item->isIndeterminate()},
           {"maxValue", scriptOfReal(item->maxValue())},
-          {"message", scriptOfText(item->message())},
+          {"message", jsonOrNull(item->message())},
           {"minValue", scriptOfReal(item->minValue())},
           {"totalUnitCount", item->observerProgress()->totalUnitCount()},
           {"value", scriptOfReal(item->value())},

@@ -3,13 +3,13 @@
 
 #include <ORLFoundation/tasks/progress/ORLFProgressIndicator.h>
 #include <ORLFoundation/tasks/progress/ORLFProgressItem.h>
+#include <tests/support/VectorFile.h>
 
 #include <cmath>
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -49,30 +49,21 @@ class RecordingIndicator final : public ORLFoundation::ORLFProgressIndicator {
 };
 
 /// A double of a script, "nan", "inf" and "-inf" included.
-[[nodiscard]] inline double realOfScript(const nlohmann::json& value) {
+[[nodiscard]] inline double realOfScript(const Json& value) {
   if (!value.is_string()) return value.get<double>();
   return std::stod(value.get<std::string>());
 }
 
 /// The same the other way round.
-[[nodiscard]] inline nlohmann::json scriptOfReal(double value) {
+[[nodiscard]] inline Json scriptOfReal(double value) {
   if (std::isnan(value)) return "nan";
   if (std::isinf(value)) return value < 0 ? "-inf" : "inf";
   return value;
 }
 
-[[nodiscard]] inline std::optional<std::string> textOfScript(const nlohmann::json& value) {
-  return value.is_null() ? std::nullopt : std::optional(value.get<std::string>());
-}
-
-[[nodiscard]] inline nlohmann::json scriptOfText(const std::optional<std::string>& text) {
-  return text ? nlohmann::json(*text) : nlohmann::json();
-}
-
 /// Takes a step of a script that is an operation of an item with numbers, texts and flags alone,
 /// `[operation, item, arguments...]`; answers false for any other.
-[[nodiscard]] inline bool takeItemStep(ORLFoundation::ORLFProgressItem& item,
-                                       const nlohmann::json& step) {
+[[nodiscard]] inline bool takeItemStep(ORLFoundation::ORLFProgressItem& item, const Json& step) {
   const auto operation = step.at(0).get<std::string>();
   const auto real = [&](std::size_t index) { return realOfScript(step.at(index)); };
   if (operation == "updateValue:max:")
@@ -88,7 +79,7 @@ class RecordingIndicator final : public ORLFoundation::ORLFProgressIndicator {
   else if (operation == "setMaxValue:")
     item.setMaxValue(real(2));
   else if (operation == "setMessage:")
-    item.setMessage(textOfScript(step.at(2)));
+    item.setMessage(textOrNil(step.at(2)));
   else if (operation == "setIndeterminate:")
     item.setIndeterminate(step.at(2).get<bool>());
   else if (operation == "addToIndicator")
@@ -111,8 +102,8 @@ class RecordingIndicator final : public ORLFoundation::ORLFProgressIndicator {
 /// Takes one that names another item, by what `named` finds for its name, nil for null; answers
 /// false for any other. Scripts have no outside progress but nil.
 template <class Named>
-[[nodiscard]] bool takeStepOfTwoItems(ORLFoundation::ORLFProgressItem& item,
-                                      const nlohmann::json& step, const Named& named) {
+[[nodiscard]] bool takeStepOfTwoItems(ORLFoundation::ORLFProgressItem& item, const Json& step,
+                                      const Named& named) {
   using Item = ORLFoundation::ORLFProgressItem;
   using Operation = void (Item::*)(const std::shared_ptr<Item>&);
   static const std::map<std::string, Operation> kOperations{

@@ -13,10 +13,7 @@ namespace {
 
 using orlftest::disagreement;
 using orlftest::Json;
-
-std::optional<std::string> textOf(const Json& json) {
-  return json.is_null() ? std::nullopt : std::optional(json.get<std::string>());
-}
+using orlftest::textOrNil;
 
 std::string checkAgent(const Json& in, const Json& out) {
   ORLFHTTPUserAgent agent;
@@ -24,15 +21,15 @@ std::string checkAgent(const Json& in, const Json& out) {
   for (const char* key : {"stringFromWebKit", "darwinVersionNumber", "CFNetworkVersionNumber",
                           "systemVersion", "deviceName", "appName", "appVersion"})
     agent.setValueForKey(id(), key);
-  for (const auto& [key, value] : in.items()) agent.setValueForKey(textOf(value), key);
+  for (const auto& [key, value] : in.items()) agent.setValueForKey(textOrNil(value), key);
   return disagreement(out.get<std::string>(), agent.userAgentString());
 }
 
 std::string checkWebKit(const Json& in, const Json& out) {
-  const auto text = textOf(in.at("userAgent"));
-  const auto version = textOf(in.value("appVersion", Json()));
+  const auto text = textOrNil(in.at("userAgent"));
+  const auto version = textOrNil(in.value("appVersion", Json()));
   return disagreement(
-      textOf(out),
+      textOrNil(out),
       text ? std::optional(internal::agent::adjustedWebKitText(*text, version)) : std::nullopt);
 }
 
@@ -73,7 +70,7 @@ id valueOf(const Json& json) {
 std::string checkRead(const Json& in, const Json& out) {
   Json got = Json::object();
   for (const auto& [key, value] :
-       orlfDictionaryWithURLQueryString(textOf(in).value_or(""))->entries()) {
+       orlfDictionaryWithURLQueryString(textOrNil(in).value_or(""))->entries()) {
     Json& place = got[key.description()];
     const auto set = value.as<NSSet>();
     if (!set) place = value.description();

@@ -13,33 +13,29 @@ namespace {
 
 using orlftest::disagreement;
 using orlftest::Json;
-
-std::optional<std::string> textOf(const Json& json) {
-  if (json.is_null()) return std::nullopt;
-  return json.get<std::string>();
-}
+using orlftest::textOrNil;
 
 std::string checkField(const Json& in, const Json& out) {
   const auto mask = ORLFURLSessionLogReplacement::initWithJSONFieldName(
       in.at("field").get<std::string>(), in.at("value").get<std::string>());
-  const auto text = textOf(in.at("text"));
-  const std::string byMatcher = disagreement(textOf(out), mask->process(text));
+  const auto text = textOrNil(in.at("text"));
+  const std::string byMatcher = disagreement(textOrNil(out), mask->process(text));
   if (!byMatcher.empty() || !text) return byMatcher;
-  return disagreement(textOf(out), mask->expression()->stringByReplacingMatchesInString(
-                                       *text, mask->replacement()));
+  return disagreement(textOrNil(out), mask->expression()->stringByReplacingMatchesInString(
+                                          *text, mask->replacement()));
 }
 
 std::string checkReplace(const Json& in, const Json& out) {
   const auto replacement = ORLFURLSessionLogReplacement::initWithMatchExpression(
       in.at("pattern").get<std::string>(), in.at("options").get<NSUInteger>(),
       in.at("template").get<std::string>());
-  return disagreement(textOf(out),
-                      replacement ? replacement->process(textOf(in.at("text"))) : std::nullopt);
+  return disagreement(textOrNil(out),
+                      replacement ? replacement->process(textOrNil(in.at("text"))) : std::nullopt);
 }
 
 std::string checkEscaped(const Json& in, const Json& out) {
   return disagreement(
-      textOf(out),
+      textOrNil(out),
       std::optional(NSRegularExpression::escapedPatternForString(in.get<std::string>())));
 }
 
@@ -64,19 +60,19 @@ class Entry {
  public:
   explicit Entry(const Json& in)
       : in_(in),
-        third_(std::make_shared<Given>(textOf(in.at("third")))),
-        method_(textOf(in.at("method")).value_or("")),
-        identifier_(textOf(in.at("id")).value_or("")),
+        third_(std::make_shared<Given>(textOrNil(in.at("third")))),
+        method_(textOrNil(in.at("method")).value_or("")),
+        identifier_(textOrNil(in.at("id")).value_or("")),
         clock_(NSDate::setClock, [now = *orlftest::dateFromVector(in.at("now"))] {
           constexpr double kPartOfASecond = 0.75;  // which no entry shows
           return now.dateByAddingTimeInterval(kPartOfASecond);
         }) {
-    if (const auto url = textOf(in.at("url"))) url_ = NSURL::URLWithString(*url);
+    if (const auto url = textOrNil(in.at("url"))) url_ = NSURL::URLWithString(*url);
   }
 
   [[nodiscard]] std::string of(const std::string& operation) {
     ORLFURLSessionFileLogger logger(NSURL::fileURLWithPath((folder_.path() / "log").string()),
-                                    textOf(in_.at("name")).value_or(""));
+                                    textOrNil(in_.at("name")).value_or(""));
     const Json code = in_.value("statusCode", Json());
     const std::int64_t status = code.is_null() ? 0 : code.get<std::int64_t>();
     if (operation == "request") {

@@ -110,8 +110,8 @@ std::string checkEnumeration(const Json& in, const Json& out) {
     got["valuesForStrings"].push_back(jsonOf(value));
   got["invalidStrings"] = enumeration.invalidEnumerationStringsForStrings(strings);
   for (const Json& number : in.at("numbers")) {
-    const auto text = enumeration.stringForEnumerationValue(numberOf(number));
-    got["strings"].push_back(text ? Json(*text) : Json(nullptr));
+    got["strings"].push_back(
+        orlftest::jsonOrNull(enumeration.stringForEnumerationValue(numberOf(number))));
   }
   return disagreement(out, got);
 }

@@ -16,6 +16,7 @@ namespace ORLFoundation {
 namespace {
 
 using orlftest::Json;
+using orlftest::textOrNil;
 
 class TracingHandler final : public ORLFXMLParserContentHandler {
  public:
@@ -161,13 +162,9 @@ TEST(ORLFXMLParser, AgreesWithVectorsOfFragments) {
   orlftest::runJsonVectors("xmlparsing_fragments", {{"fragments", fragments}});
 }
 
-std::optional<std::string> textOf(const Json& in) {
-  return in.is_null() ? std::nullopt : std::optional(in.get<std::string>());
-}
-
 template <class T>
 std::string optionalDisagreement(const Json& out, const std::optional<T>& got) {
-  return orlftest::disagreement(out.dump(), (got ? Json(*got) : Json()).dump());
+  return orlftest::disagreement(out.dump(), orlftest::jsonOrNull(got).dump());
 }
 
 TEST(ORLFXMLParser, AgreesWithVectorsOfAttributes) {
@@ -175,10 +172,10 @@ TEST(ORLFXMLParser, AgreesWithVectorsOfAttributes) {
       "xmlparsing_attributes",
       {{"boolValueForString",
         [](const Json& in, const Json& out) {
-          return optionalDisagreement(out, ORLFXMLParser::boolValueForString(textOf(in)));
+          return optionalDisagreement(out, ORLFXMLParser::boolValueForString(textOrNil(in)));
         }},
        {"integerValueForString", [](const Json& in, const Json& out) {
-          return optionalDisagreement(out, ORLFXMLParser::integerValueForString(textOf(in)));
+          return optionalDisagreement(out, ORLFXMLParser::integerValueForString(textOrNil(in)));
         }}});
 }
 
