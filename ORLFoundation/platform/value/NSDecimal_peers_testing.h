@@ -3,6 +3,7 @@
 #pragma once
 
 #include <ORLFoundation/platform/value/NSDecimalArithmetic.h>
+#include <ORLFoundation/platform/value/NSDecimal_testing.h>
 
 #include <array>
 #include <boost/multiprecision/cpp_dec_float.hpp>
@@ -18,15 +19,6 @@
 namespace orlftest {
 
 using namespace ORLFoundation;
-
-/// Whether two results are equal in that many digits, which is what all can promise of a quotient.
-inline bool agreesIn(int digits, const NSDecimal& expected, const NSDecimal& actual) {
-  const NSDecimal off = NSDecimalSubtract(expected, actual).value;
-  const NSDecimal size = expected.isNegative() ? expected.negated() : expected;
-  const NSDecimal bound = NSDecimalMultiplyByPowerOf10(size, -digits).value;
-  return off.compare(bound) != NSOrderedDescending &&
-         off.negated().compare(bound) != NSOrderedDescending;
-}
 
 using DecFloat = boost::multiprecision::number<boost::multiprecision::cpp_dec_float<38>,
                                                boost::multiprecision::et_off>;
