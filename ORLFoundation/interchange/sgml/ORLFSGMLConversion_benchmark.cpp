@@ -2,6 +2,7 @@
 #include <ORLFoundation/interchange/sgml/ORLFSGMLConversion.h>
 
 #include <benchmark/benchmark.h>
+#include <tests/support/CountedBytes.h>
 #include <tests/support/Files.h>
 
 #include <array>
@@ -51,10 +52,6 @@ std::int64_t endsOfLeaves(std::string_view xml) {
   return ends - kTransactions - 1;
 }
 
-void countBytes(benchmark::State& state) {
-  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(statement().size()));
-}
-
 /// The leaves of each side's first document are counted before the clock runs; all others have its
 /// length.
 template <class Convert>
@@ -63,7 +60,7 @@ void measure(benchmark::State& state, Convert convert) {
   if (endsOfLeaves(first) != kLeaves) state.SkipWithError("a wrong number of leaves");
   for (auto _ : state)
     if (convert().size() != first.size()) state.SkipWithError("another document");
-  countBytes(state);
+  orlftest::countBytes(state, statement().size());
 }
 
 void convert(benchmark::State& state) {

@@ -3,6 +3,7 @@
 #include <ORLFoundation/interchange/tabular/ORLFScannerUtilities.h>
 #include <benchmark/benchmark.h>
 #include <csv.h>
+#include <tests/support/CountedBytes.h>
 
 #include <cstdint>
 #include <memory>
@@ -26,10 +27,6 @@ const std::string& statement() {
   return text;
 }
 
-void countBytes(benchmark::State& state) {
-  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(statement().size()));
-}
-
 void readRows(benchmark::State& state) {
   for (auto _ : state) {
     std::uint64_t fields = 0;
@@ -38,7 +35,7 @@ void readRows(benchmark::State& state) {
     });
     if (fields != kRows * kColumns) state.SkipWithError("a wrong number of fields");
   }
-  countBytes(state);
+  orlftest::countBytes(state, statement().size());
 }
 
 void keepRows(benchmark::State& state) {
@@ -46,7 +43,7 @@ void keepRows(benchmark::State& state) {
     const auto scanner = NSScanner::scannerOverString(statement());
     if (csvRows(*scanner).size() != kRows) state.SkipWithError("a wrong number of rows");
   }
-  countBytes(state);
+  orlftest::countBytes(state, statement().size());
 }
 
 void countField(void*, std::size_t, void* fields) { ++*static_cast<std::uint64_t*>(fields); }
@@ -62,7 +59,7 @@ void readRowsByLibcsv(benchmark::State& state) {
     csv_free(&parser);
     if (fields != kRows * kColumns) state.SkipWithError("a wrong number of fields");
   }
-  countBytes(state);
+  orlftest::countBytes(state, statement().size());
 }
 
 BENCHMARK(readRows)->Name("row reader/ours")->Unit(benchmark::kMillisecond);

@@ -2,6 +2,7 @@
 
 #include <benchmark/benchmark.h>
 #include <libxml/xmlwriter.h>
+#include <tests/support/CountedBytes.h>
 
 #include <cstdint>
 #include <memory>
@@ -14,10 +15,6 @@ using namespace ORLFoundation;
 
 constexpr int kElements = 100'000;
 constexpr const char* kText = "Grocery Store & Sons, Main Street <12>";
-
-void countBytes(benchmark::State& state, std::size_t bytes) {
-  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes));
-}
 
 bool ours(std::string_view expected) {
   const auto buffer = std::make_shared<NSMutableData>();
@@ -72,14 +69,14 @@ const std::string& document() {
 void writeElements(benchmark::State& state) {
   for (auto _ : state)
     if (!ours(document())) state.SkipWithError("another document");
-  countBytes(state, document().size());
+  orlftest::countBytes(state, document().size());
 }
 
 void writeElementsByLibxml2(benchmark::State& state) {
   for (auto _ : state)
     if (!theirs([](std::string_view written) { return written == document(); }))
       state.SkipWithError("another document");
-  countBytes(state, document().size());
+  orlftest::countBytes(state, document().size());
 }
 
 BENCHMARK(writeElements)->Name("XML writer/ours")->Unit(benchmark::kMillisecond);

@@ -3,7 +3,7 @@
 
 #include <ORLFoundation/platform/compression/LZFSE_testing.h>
 #include <benchmark/benchmark.h>
-#include <tests/support/PackedBytes.h>
+#include <tests/support/CountedBytes.h>
 #include <zlib.h>
 
 #include <vector>

@@ -4,7 +4,7 @@
 #include <ORLFoundation/platform/compression/LZFSE_testing.h>
 #include <ORLFoundation/platform/container/ArchiveEncryptionContext.h>
 #include <benchmark/benchmark.h>
-#include <tests/support/PackedBytes.h>
+#include <tests/support/CountedBytes.h>
 
 #include <algorithm>
 #include <array>

@@ -9,6 +9,7 @@
 #include <openssl/evp.h>
 #include <openssl/rand.h>
 #include <openssl/sha.h>
+#include <tests/support/CountedBytes.h>
 #include <zlib.h>
 
 #include <array>
@@ -38,10 +39,6 @@ const NSData& text() {
 const NSData& key() {
   static const NSData& made = *new NSData(std::vector<std::uint8_t>(16, 7));
   return made;
-}
-
-void countBytes(benchmark::State& state) {
-  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(kBytes));
 }
 
 void passwordKey_ours(benchmark::State& state) {
@@ -78,7 +75,7 @@ BENCHMARK(passwordKey_openssl)->Name("PBKDF2 1000 rounds/OpenSSL");
 void encrypt_ours(benchmark::State& state) {
   for (auto _ : state)
     benchmark::DoNotOptimize(ORLFCryptography::AES128EncryptData(text(), key(), std::nullopt));
-  countBytes(state);
+  orlftest::countBytes(state, kBytes);
 }
 BENCHMARK(encrypt_ours)->Name("AES-128 CBC encrypt/ours");
 
@@ -94,20 +91,20 @@ void encrypt_openssl(benchmark::State& state) {
     benchmark::DoNotOptimize(out.data());
   }
   EVP_CIPHER_CTX_free(context);
-  countBytes(state);
+  orlftest::countBytes(state, kBytes);
 }
 BENCHMARK(encrypt_openssl)->Name("AES-128 CBC encrypt/OpenSSL");
 
 void hash_ours(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(orlfSHAHash(text()));
-  countBytes(state);
+  orlftest::countBytes(state, kBytes);
 }
 BENCHMARK(hash_ours)->Name("SHA-1/ours");
 
 void hash_openssl(benchmark::State& state) {
   std::array<std::uint8_t, 20> digest{};
   for (auto _ : state) benchmark::DoNotOptimize(SHA1(text().bytes().data(), kBytes, digest.data()));
-  countBytes(state);
+  orlftest::countBytes(state, kBytes);
 }
 BENCHMARK(hash_openssl)->Name("SHA-1/OpenSSL");
 
@@ -117,7 +114,7 @@ void base64Text_ours(benchmark::State& state) {
     benchmark::DoNotOptimize(made);
     std::free(made);
   }
-  countBytes(state);
+  orlftest::countBytes(state, kBytes);
 }
 BENCHMARK(base64Text_ours)->Name("Base64 encode/ours");
 
@@ -128,7 +125,7 @@ void base64Text_openssl(benchmark::State& state) {
     benchmark::DoNotOptimize(made);
     std::free(made);
   }
-  countBytes(state);
+  orlftest::countBytes(state, kBytes);
 }
 BENCHMARK(base64Text_openssl)->Name("Base64 encode/OpenSSL");
 
@@ -148,7 +145,7 @@ void base64Bytes_ours(benchmark::State& state) {
     benchmark::DoNotOptimize(made);
     std::free(made);
   }
-  countBytes(state);
+  orlftest::countBytes(state, kBytes);
 }
 BENCHMARK(base64Bytes_ours)->Name("Base64 decode/ours");
 
@@ -160,13 +157,13 @@ void base64Bytes_openssl(benchmark::State& state) {
     benchmark::DoNotOptimize(made);
     std::free(made);
   }
-  countBytes(state);
+  orlftest::countBytes(state, kBytes);
 }
 BENCHMARK(base64Bytes_openssl)->Name("Base64 decode/OpenSSL");
 
 void gzip_ours(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(gzippedData(text()));
-  countBytes(state);
+  orlftest::countBytes(state, kBytes);
 }
 BENCHMARK(gzip_ours)->Name("gzip/ours");
 
@@ -184,7 +181,7 @@ void gzip_zlib(benchmark::State& state) {
     deflateEnd(&stream);
     benchmark::DoNotOptimize(out.data());
   }
-  countBytes(state);
+  orlftest::countBytes(state, kBytes);
 }
 BENCHMARK(gzip_zlib)->Name("gzip/zlib");
 
@@ -195,7 +192,7 @@ const NSData& packedText() {
 
 void gunzip_ours(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(gunzippedData(packedText()));
-  countBytes(state);
+  orlftest::countBytes(state, kBytes);
 }
 BENCHMARK(gunzip_ours)->Name("gunzip/ours");
 
@@ -213,13 +210,13 @@ void gunzip_zlib(benchmark::State& state) {
     inflateEnd(&stream);
     benchmark::DoNotOptimize(out.data());
   }
-  countBytes(state);
+  orlftest::countBytes(state, kBytes);
 }
 BENCHMARK(gunzip_zlib)->Name("gunzip/zlib");
 
 void random_ours(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(ORLFCryptography::randomDataOfLength(kBytes));
-  countBytes(state);
+  orlftest::countBytes(state, kBytes);
 }
 BENCHMARK(random_ours)->Name("random bytes/ours");
 
@@ -229,7 +226,7 @@ void random_openssl(benchmark::State& state) {
     benchmark::DoNotOptimize(RAND_bytes(bytes.data(), static_cast<int>(kBytes)));
     benchmark::DoNotOptimize(bytes.data());
   }
-  countBytes(state);
+  orlftest::countBytes(state, kBytes);
 }
 BENCHMARK(random_openssl)->Name("random bytes/OpenSSL");
 

@@ -7,6 +7,7 @@
 #include <ORLFoundation/xmlparsing/fragments/ORLFXMLParserContentHandler.h>
 #include <benchmark/benchmark.h>
 #include <libxml/parser.h>
+#include <tests/support/CountedBytes.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -50,10 +51,6 @@ void finish(benchmark::State& state, const Counts& counts) {
   benchmark::DoNotOptimize(counts.text);
 }
 
-void countBytes(benchmark::State& state) {
-  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(ledger().size()));
-}
-
 void eventsOfLibxml2(benchmark::State& state) {
   const std::string& text = ledger();
   for (auto _ : state) {
@@ -82,7 +79,7 @@ void eventsOfLibxml2(benchmark::State& state) {
     xmlFreeParserCtxt(parser);
     finish(state, counts);
   }
-  countBytes(state);
+  orlftest::countBytes(state, ledger().size());
 }
 
 class CountingDelegate : public NSXMLParserDelegate {
@@ -106,7 +103,7 @@ void eventsToADelegate(benchmark::State& state) {
     if (!parser.parse()) state.SkipWithError("the document is not read");
     finish(state, delegate->counts);
   }
-  countBytes(state);
+  orlftest::countBytes(state, ledger().size());
 }
 
 class CountingHandler : public ORLFXMLParserContentHandler {
@@ -146,7 +143,7 @@ void handlerForEachElement(benchmark::State& state) {
     if (!parser->parseData(data)) state.SkipWithError("the document is not read");
     finish(state, parser->counts);
   }
-  countBytes(state);
+  orlftest::countBytes(state, ledger().size());
 }
 
 BENCHMARK(eventsOfLibxml2)->Name("XML events/libxml2")->Unit(benchmark::kMillisecond);
