@@ -1,13 +1,11 @@
 #include <ORLFoundation/xmlparsing/builders/ORLFXMLParserPropertyBuilder.h>
 
 #include <ORLFoundation/platform/log/NSLog.h>
-#include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/object/NSError.h>
 #include <ORLFoundation/platform/stream/NSInputStream.h>
 #include <ORLFoundation/platform/value/NSData.h>
 #include <ORLFoundation/platform/value/NSException.h>
-#include <ORLFoundation/xmlparsing/builders/ORLFXMLParserObjectBuilder.h>
-#include <ORLFoundation/xmlparsing/fragments/ORLFXMLParser.h>
+#include <ORLFoundation/xmlparsing/builders/ORLFXMLParserVocabulary_testing.h>
 
 #include <cstdint>
 #include <cstdlib>
@@ -19,28 +17,9 @@ using namespace ORLFoundation;
 
 namespace {
 
-class Objects : public ORLFXMLParserObjectBuilder {
-  id makeBuiltObjectForElement(std::string_view /*element*/,
-                               const std::shared_ptr<NSDictionary>& /*attributes*/) override {
-    return std::make_shared<NSMutableDictionary>();
-  }
-};
-
-class Parser : public ORLFXMLParser {
- public:
-  std::shared_ptr<Objects> top;
-  Handler fragmentHandlerForElementName(std::string_view name) override {
-    if (name == "property") return std::make_shared<ORLFXMLParserPropertyBuilder>();
-    if (name != "object") return nullptr;
-    const auto objects = std::make_shared<Objects>();
-    if (!top) top = objects;
-    return objects;
-  }
-};
-
 /// What came of a parse, in words.
 std::string outcome(std::int32_t behavior, const NSData& data, bool asStream) {
-  const auto parser = std::make_shared<Parser>();
+  const auto parser = std::make_shared<orlftest::VocabularyParser>();
   parser->setUnhandledElementBehavior(behavior);
   std::shared_ptr<const NSError> error;
   try {

@@ -7,8 +7,7 @@
 #include <ORLFoundation/platform/object/NSSet.h>
 #include <ORLFoundation/platform/value/NSData.h>
 #include <ORLFoundation/platform/xml/NSXMLParser.h>
-#include <ORLFoundation/xmlparsing/builders/ORLFXMLParserObjectBuilder.h>
-#include <ORLFoundation/xmlparsing/fragments/ORLFXMLParser.h>
+#include <ORLFoundation/xmlparsing/builders/ORLFXMLParserVocabulary_testing.h>
 #include <gtest/gtest.h>
 #include <tests/support/VectorFile.h>
 
@@ -47,28 +46,9 @@ Json jsonOf(const id& value) {
   return value.description();
 }
 
-class DictionaryBuilder : public ORLFXMLParserObjectBuilder {
-  id makeBuiltObjectForElement(std::string_view /*element*/,
-                               const std::shared_ptr<NSDictionary>& /*attributes*/) override {
-    return std::make_shared<NSMutableDictionary>();
-  }
-};
-
-class VocabularyParser : public ORLFXMLParser {
- public:
-  std::shared_ptr<DictionaryBuilder> top;
-  Handler fragmentHandlerForElementName(std::string_view name) override {
-    if (name == "property") return std::make_shared<ORLFXMLParserPropertyBuilder>();
-    if (name != "object") return nullptr;
-    const auto builder = std::make_shared<DictionaryBuilder>();
-    if (!top) top = builder;
-    return builder;
-  }
-};
-
 std::string properties(const Json& in, const Json& out) {
   const LogCapture log;
-  const auto parser = std::make_shared<VocabularyParser>();
+  const auto parser = std::make_shared<orlftest::VocabularyParser>();
   parser->setUnhandledElementBehavior(in.at("unhandledElementBehavior").get<std::int32_t>());
   std::shared_ptr<const NSError> error;
   const bool isParsed =
