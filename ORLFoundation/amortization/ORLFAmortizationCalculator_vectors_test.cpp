@@ -1,4 +1,5 @@
 #include <ORLFoundation/amortization/ORLFAmortizationCalculator_testing.h>
+#include <ORLFoundation/amortization/ORLFAmortizationPlan_testing.h>
 #include <ORLFoundation/amortization/net_present_value.h>
 #include <ORLFoundation/platform/number/NSDecimalNumber_testing.h>
 #include <ORLFoundation/platform/time/NSCalendar_testing.h>
@@ -11,16 +12,12 @@
 namespace ORLFoundation {
 namespace {
 
+using orlftest::decimalFrom;
 using orlftest::Doubles;
 using orlftest::Json;
 using orlftest::rateOf;
 using Calculator = ORLFAmortizationCalculator;
 using Decimal = Optional;
-
-Decimal decimalFrom(const Json& value) {
-  if (value.is_null()) return std::nullopt;
-  return number(value.get<std::string>());
-}
 
 std::string resultDisagreement(const Json& out, const Decimal& result, double tolerance) {
   if (out.is_null() || !result)

@@ -7,6 +7,7 @@
 #include <ORLFoundation/platform/number/NSDecimalNumber_testing.h>
 #include <ORLFoundation/platform/time/NSCalendar_testing.h>
 #include <ORLFoundation/recurrence/ORLFDateRecurrencePeriod.h>
+#include <tests/support/VectorFile.h>
 
 #include <cstdio>
 #include <memory>
@@ -22,6 +23,12 @@ using Decimal = Optional;
 using Period = std::shared_ptr<ORLFDateRecurrencePeriod>;
 using Segment = std::shared_ptr<ORLFAmortizationPlanSegment>;
 using Plan = std::shared_ptr<ORLFAmortizationPlan>;
+
+/// A decimal of a vector; nil of null.
+inline Decimal decimalFrom(const Json& value) {
+  if (value.is_null()) return std::nullopt;
+  return number(value.get<std::string>());
+}
 
 inline NSDate utc(NSInteger year, NSInteger month, NSInteger day) {
   NSDateComponents components;

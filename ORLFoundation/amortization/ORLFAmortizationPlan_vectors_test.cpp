@@ -12,11 +12,6 @@
 namespace orlftest {
 namespace {
 
-Decimal decimalFrom(const Json& value) {
-  if (value.is_null()) return std::nullopt;
-  return number(value.get<std::string>());
-}
-
 std::shared_ptr<ORLFDecimalNumberHandler> behaviorFrom(const Json& value) {
   if (value.is_null()) return nullptr;
   return rounding(static_cast<NSRoundingMode>(value.at("mode").get<NSUInteger>()),

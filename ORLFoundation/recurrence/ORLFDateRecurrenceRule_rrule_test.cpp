@@ -2,17 +2,15 @@
 // agree on the dates these come out. See tests/data/rrule.
 #include <ORLFoundation/recurrence/ORLFDateRecurrence_testing.h>
 #include <gtest/gtest.h>
+#include <tests/support/Files.h>
 #include <tests/support/VectorFile.h>
 
-#include <fstream>
 #include <sstream>
 
 namespace ORLFoundation {
 namespace {
 
 using namespace orlftest;
-
-using Rows = std::vector<std::vector<std::string>>;
 
 std::vector<std::string> split(const std::string& text, char mark) {
   std::vector<std::string> parts;
@@ -21,16 +19,8 @@ std::vector<std::string> split(const std::string& text, char mark) {
   return parts;
 }
 
-/// The fields of each line after the first.
-Rows rowsOf(const std::string& name) {
-  std::ifstream file(orlftest::testDataFolder() / "rrule" / name);
-  if (!file) file.open("tests/data/rrule/" + name);
-  EXPECT_TRUE(file) << name;
-  Rows rows;
-  std::string line;
-  std::getline(file, line);
-  while (std::getline(file, line)) rows.push_back(split(line, '\t'));
-  return rows;
+std::vector<std::vector<std::string>> rowsOf(const std::string& name) {
+  return orlftest::tabbedRows(orlftest::testDataFolder() / "rrule" / name);
 }
 
 /// "19970902T090000" or "19970902" on the calendar's clock.

@@ -9,6 +9,7 @@
 #include <ORLFoundation/security/archives/ORLFSymmetricKeyText.h>
 #include <gmock/gmock.h>
 #include <tests/security/ReleasedBlocks.h>
+#include <tests/support/Bytes.h>
 #include <tests/support/TemporaryFolder.h>
 #include <tests/tool/RunTool.h>
 
@@ -32,6 +33,7 @@ using internal::archives::ArchiveJob;
 using orlftest::kCheapCost;
 using orlftest::Outcome;
 using orlftest::outcomeOf;
+using orlftest::spanOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -69,15 +71,11 @@ class NumberedBytes final : public SecRandomSource {
   std::atomic<int> most{std::numeric_limits<int>::max()};
 };
 
-std::span<const std::uint8_t> bytesOf(std::string_view text) {
-  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-}
-
 /// A key from another, as the container derives it.
 std::string derived(std::string_view from, std::string_view salt, std::string_view info,
                     std::size_t count) {
   std::string key(count, '\0');
-  internal::crypto::deriveKey(bytesOf(from), bytesOf(salt), bytesOf(info),
+  internal::crypto::deriveKey(spanOf(from), spanOf(salt), spanOf(info),
                               {reinterpret_cast<std::uint8_t*>(key.data()), count});
   return key;
 }
@@ -85,7 +83,7 @@ std::string derived(std::string_view from, std::string_view salt, std::string_vi
 std::string passwordKey(std::string_view password, std::string_view salt) {
   std::string key(32, '\0');
   EXPECT_TRUE(internal::crypto::deriveKeyFromPassword(
-      bytesOf(password), bytesOf(salt), kCheapCost, 1 << 20,
+      spanOf(password), spanOf(salt), kCheapCost, 1 << 20,
       {reinterpret_cast<std::uint8_t*>(key.data()), key.size()}));
   return key;
 }
@@ -173,7 +171,7 @@ TEST_F(ArchiveWiping, LooksForTheKeysInUse) {
   const std::string bytes = read("a");
   const std::size_t authBytes = 112, saltAt = 12 + authBytes;
   const auto at = [&](std::size_t begin, std::size_t count) {
-    return bytesOf(std::string_view(bytes).substr(begin, count));
+    return spanOf(std::string_view(bytes).substr(begin, count));
   };
   const auto archiveKey = internal::archives::archiveKeyOfRecord(at(12, authBytes), password_);
   EXPECT_EQ(NSData(archiveKey.bytes()).text(), keys_.archive);
@@ -181,16 +179,16 @@ TEST_F(ArchiveWiping, LooksForTheKeysInUse) {
   EXPECT_EQ(bytes.substr(saltAt, 32), keys_.mainSalt);
   const std::size_t rootAt = saltAt + 64, clusterAt = rootAt + 80;
   const auto tagOf = [](std::string_view key, auto... parts) {
-    const auto tag = internal::crypto::hmacSHA256(bytesOf(key.substr(0, 32)), {parts...});
+    const auto tag = internal::crypto::hmacSHA256(spanOf(key.substr(0, 32)), {parts...});
     return std::string(tag.begin(), tag.end());
   };
   const std::string length{static_cast<char>(32 + authBytes), 0, 0, 0, 0, 0, 0, 0};
   EXPECT_EQ(
-      tagOf(keys_.root, at(rootAt + 48, 32), at(12, authBytes), at(rootAt, 48), bytesOf(length)),
+      tagOf(keys_.root, at(rootAt + 48, 32), at(12, authBytes), at(rootAt, 48), spanOf(length)),
       bytes.substr(saltAt + 32, 32));
   // One segment, behind the header of its cluster.
   const std::size_t tagsAt = clusterAt + 256 * 40 + 32, segmentAt = tagsAt + 256 * 32;
-  EXPECT_EQ(tagOf(keys_.segment, at(segmentAt, bytes.size()), bytesOf(std::string(8, '\0'))),
+  EXPECT_EQ(tagOf(keys_.segment, at(segmentAt, bytes.size()), spanOf(std::string(8, '\0'))),
             bytes.substr(tagsAt, 32));
 }
 

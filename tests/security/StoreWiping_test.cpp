@@ -1,7 +1,7 @@
 // What stays of a store in memory that was given back. The texts of entries as objects, which stay
 // in an open store, are let pass: such a block begins with the text.
 #include <ORLFoundation/platform/base/Replaced.h>
-#include <ORLFoundation/platform/crypto/SecRandom.h>
+#include <ORLFoundation/platform/crypto/SecRandom_testing.h>
 #include <ORLFoundation/platform/object/NSArray.h>
 #include <ORLFoundation/platform/object/NSDictionary.h>
 #include <ORLFoundation/platform/plist/NSPropertyListSerialization.h>
@@ -36,15 +36,6 @@ constexpr std::string_view kLaterPassword = "another password of that entry, as 
 
 constexpr std::size_t kKeyLength = 16;
 
-/// Gives the same bytes each time, so that the key of a file is known beforehand.
-class SameBytes final : public SecRandomSource {
- public:
-  bool copyBytes(std::span<std::uint8_t> bytes) override {
-    std::fill(bytes.begin(), bytes.end(), 7);
-    return true;
-  }
-};
-
 class StoreWiping : public orlftest::TemporaryFolderTest {
  protected:
   template <class Work>
@@ -68,8 +59,9 @@ class StoreWiping : public orlftest::TemporaryFolderTest {
                                           {"list", std::string(kEntryPassword), true},
                                           {"list", std::string(kLaterPassword), true},
                                           {"key", std::string(key_.text())}}};
-  const Replaced<std::shared_ptr<SecRandomSource>> source_{SecSetRandomSource,
-                                                           std::make_shared<SameBytes>()};
+  /// The same bytes each time, so that the key of a file is known beforehand.
+  const Replaced<std::shared_ptr<SecRandomSource>> source_{
+      SecSetRandomSource, std::make_shared<orlftest::SameRandomBytes>(std::uint8_t{7})};
 };
 
 TEST_F(StoreWiping, IsSeenByAllHooks) {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -40,6 +41,11 @@ namespace orlftest {
     for (std::string field; std::getline(rest, field, '\t');) fields.push_back(field);
   }
   return rows;
+}
+
+/// How many entries a folder has.
+[[nodiscard]] inline std::size_t entryCount(const std::filesystem::path& folder) {
+  return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder), {}));
 }
 
 /// Where a folder for thousands of small changes is made: in memory, where the system offers that.

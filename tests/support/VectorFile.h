@@ -129,6 +129,22 @@ requires requires(std::ostream& stream, const Expected& expected, const Actual& 
 }
 [[nodiscard]] std::string disagreement(const std::optional<std::string>& expected,
                                        const std::optional<std::string>& actual);
+/// "" when both are written alike, 1 and 1.0 not.
+[[nodiscard]] inline std::string jsonDisagreement(const Json& expected, const Json& actual) {
+  return disagreement(expected.dump(), actual.dump());
+}
+/// Plays each step of a script: "" when all give what is expected, else "step 3: expected X, got Y"
+/// of the first that does not.
+template <class Play>
+[[nodiscard]] std::string scriptDisagreement(const Json& steps, const Json& expected,
+                                             const Play& play) {
+  if (steps.size() != expected.size()) return "as many results as steps are expected";
+  for (std::size_t i = 0; i < steps.size(); ++i) {
+    const std::string text = disagreement(expected[i], play(steps[i]));
+    if (!text.empty()) return "step " + std::to_string(i) + ": " + text;
+  }
+  return {};
+}
 /// "" when the doubles differ by no more than a part of the expected one's size, or are the same
 /// infinity, or are both not a number.
 [[nodiscard]] std::string realDisagreement(double expected, double actual, double tolerance);

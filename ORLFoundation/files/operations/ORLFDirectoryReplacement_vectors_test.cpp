@@ -14,16 +14,13 @@ namespace {
 
 using namespace internal::operations;
 using orlftest::Json;
+using orlftest::jsonDisagreement;
 
 bool answerOf(const Json& handler, NSUInteger action, const std::string& path) {
   const bool isException =
       std::any_of(handler.at("except").begin(), handler.at("except").end(),
                   [&](const Json& pair) { return pair.at(0) == action && pair.at(1) == path; });
   return handler.at("default").get<bool>() != isException;
-}
-
-std::string compared(const Json& expected, const Json& actual) {
-  return orlftest::disagreement(expected.dump(), actual.dump());
 }
 
 std::string checkInMemory(const Json& in, const Json& out) {
@@ -44,7 +41,7 @@ std::string checkInMemory(const Json& in, const Json& out) {
                  {"error", errorJson(error)},
                  {"result", error == nullptr}};
   if (out.at("error") == "any") actual["error"] = "any";
-  return compared(out, actual);
+  return jsonDisagreement(out, actual);
 }
 
 /// The questions of a list of calls as a set; calls of other kinds are left out.
@@ -81,11 +78,11 @@ std::string checkOnDisk(const Json& in, const Json& out) {
                          {"source", in.at("source")},
                          {"error", out.at("error")},
                          {"result", out.at("result")}};
-  return compared(expected, {{"asks", questionsOf(calls)},
-                             {"destination", treeAt(destination)},
-                             {"source", treeAt(source)},
-                             {"error", errorJson(error)},
-                             {"result", result}});
+  return jsonDisagreement(expected, {{"asks", questionsOf(calls)},
+                                     {"destination", treeAt(destination)},
+                                     {"source", treeAt(source)},
+                                     {"error", errorJson(error)},
+                                     {"result", result}});
 }
 
 TEST(ORLFDirectoryReplacementVectors, AgreesWithTheVectors) {

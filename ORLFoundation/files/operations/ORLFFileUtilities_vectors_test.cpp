@@ -14,16 +14,8 @@ namespace {
 
 using orlftest::errorOfVector;
 using orlftest::Json;
+using orlftest::jsonDisagreement;
 using Error = std::shared_ptr<const NSError>;
-
-Json jsonOf(const Error& error) {
-  if (!error) return nullptr;
-  return {{"code", error->code()}, {"domain", error->domain()}};
-}
-
-std::string comparedJson(const Json& expected, const Json& actual) {
-  return orlftest::disagreement(expected.dump(), actual.dump());
-}
 
 /// Answers as a row says.
 class ManagerOfRow final : public NSFileManager {
@@ -75,21 +67,22 @@ std::string checkIdentity(const Json& in, const Json& out, const Compare& compar
   Error error;
   const bool result = compare(manager, in.at("first").get<std::string>(),
                               in.at("second").get<std::string>(), &error);
-  return comparedJson(out, {{"error", error ? Json(error->code()) : Json()}, {"result", result}});
+  return jsonDisagreement(out,
+                          {{"error", error ? Json(error->code()) : Json()}, {"result", result}});
 }
 
 std::string checkUnique(const Json& in, const Json& out) {
   ManagerOfRow manager(in);
   const std::string path =
       createUniqueFileAtPath(manager, in.at("path").get<std::string>(), NSData("x"));
-  return comparedJson(out, {{"created", manager.tried()}, {"path", path}});
+  return jsonDisagreement(out, {{"created", manager.tried()}, {"path", path}});
 }
 
 std::string checkRemoval(const Json& in, const Json& out) {
   ManagerOfRow manager(in);
   Error error;
   const bool result = orlfRemoveItemAtURL(manager, NSURL::fileURLWithPath("/t/x"), &error);
-  return comparedJson(out, {{"error", jsonOf(error)}, {"result", result}});
+  return jsonDisagreement(out, {{"error", orlftest::jsonFromError(error)}, {"result", result}});
 }
 
 TEST(ORLFFileUtilities, AgreeWithTheVectorsOfIdentity) {
@@ -174,13 +167,13 @@ std::string checkAccess(const Json& in, const Json& out) {
   ORLFURLRelinquish kept;
   Error error = NSError::errorWithDomain("before", 1);
   const bool result = access(in, trace, kept, &error);
-  Json actual = {{"error", jsonOf(error)}, {"result", result}, {"trace", trace}};
+  Json actual = {{"error", orlftest::jsonFromError(error)}, {"result", result}, {"trace", trace}};
   if (out.contains("afterwards")) {
     trace.clear();
     if (kept) kept();
     actual["afterwards"] = trace;
   }
-  return comparedJson(out, actual);
+  return jsonDisagreement(out, actual);
 }
 
 TEST(ORLFURLAccess, AgreesWithTheVectors) {

@@ -3,6 +3,7 @@
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/platform/object/NSArray.h>
+#include <ORLFoundation/platform/object/NSError_testing.h>
 #include <ORLFoundation/platform/store/SQLiteCalls.h>
 #include <gtest/gtest.h>
 #include <tests/support/Files.h>
@@ -14,6 +15,7 @@ namespace {
 
 using internal::store::SQLiteCalls;
 using orlftest::Json;
+using orlftest::jsonDisagreement;
 using Error = std::shared_ptr<const NSError>;
 
 /// The database library of a row.
@@ -75,11 +77,6 @@ std::shared_ptr<NSDictionary> dictionaryOf(const Json& object) {
   return std::make_shared<NSDictionary>(entries);
 }
 
-Json jsonOf(const Error& error) {
-  if (!error) return nullptr;
-  return {{"code", error->code()}, {"domain", error->domain()}};
-}
-
 /// Gives what a row says for the first and the second time.
 NSStoreMetadataReader readerOf(const Json& in, Json& trace) {
   return [&in, &trace, isFirst = true](std::string_view, const NSURL&,
@@ -88,15 +85,9 @@ NSStoreMetadataReader readerOf(const Json& in, Json& trace) {
     trace.push_back({"metadata", options ? Json("some") : Json()});
     const Json& answer = in.at(std::exchange(isFirst, false) ? "first" : "second");
     if (answer.contains("error"))
-      NSFillErrorSlot(slot,
-                      NSError::errorWithDomain(answer.at("error").at("domain").get<std::string>(),
-                                               answer.at("error").at("code").get<NSInteger>()));
+      NSFillErrorSlot(slot, orlftest::errorOfVector(answer.at("error")));
     return answer.contains("metadata") ? dictionaryOf(answer.at("metadata")) : nullptr;
   };
-}
-
-std::string compared(const Json& expected, const Json& actual) {
-  return orlftest::disagreement(expected.dump(), actual.dump());
 }
 
 std::string checkMetadata(const Json& in, const Json& out) {
@@ -122,10 +113,10 @@ std::string checkMetadata(const Json& in, const Json& out) {
   const bool isEqual = expected.is_null()
                            ? metadata == nullptr
                            : metadata && metadata->isEqual(dictionaryOf(expected).get());
-  return compared(out, {{"error", jsonOf(error)},
-                        {"logs", log.lines()},
-                        {"result", isEqual ? expected : Json("something else")},
-                        {"trace", trace}});
+  return jsonDisagreement(out, {{"error", orlftest::jsonFromError(error)},
+                                {"logs", log.lines()},
+                                {"result", isEqual ? expected : Json("something else")},
+                                {"trace", trace}});
 }
 
 std::string checkMode(const Json& in, const Json& out) {
@@ -136,7 +127,7 @@ std::string checkMode(const Json& in, const Json& out) {
   const auto mode = orlfJournalModeForSQLPersistentStoreAtURL(
       NSURL::URLWithString(in.at("url").get<std::string>()).value(), &error);
   if (error != before) return "the slot was touched";
-  return compared(out, {{"result", mode}, {"trace", trace}});
+  return jsonDisagreement(out, {{"result", mode}, {"trace", trace}});
 }
 
 TEST(ORLFPersistentStoreRepair, AgreesWithTheVectors) {

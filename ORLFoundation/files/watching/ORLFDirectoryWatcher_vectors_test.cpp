@@ -161,13 +161,8 @@ class WatcherPlayer {
 
 std::string playWatcher(const Json& in, const Json& out) {
   WatcherPlayer player(in);
-  const Json& steps = in.at("steps");
-  if (steps.size() != out.size()) return "as many results as steps are expected";
-  for (std::size_t i = 0; i < steps.size(); ++i) {
-    const auto text = disagreement(out[i], player.play(steps[i]));
-    if (!text.empty()) return "step " + std::to_string(i) + ": " + text;
-  }
-  return {};
+  return orlftest::scriptDisagreement(in.at("steps"), out,
+                                      [&](const Json& step) { return player.play(step); });
 }
 
 TEST(ORLFDirectoryWatcher, AgreesWithVectors) {

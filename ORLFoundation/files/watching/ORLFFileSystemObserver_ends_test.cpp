@@ -3,10 +3,10 @@
 #include <gmock/gmock.h>
 #include <sched.h>
 #include <sys/mount.h>
+#include <tests/support/Files.h>
 #include <tests/support/Waiting.h>
 
 #include <array>
-#include <iterator>
 
 namespace ORLFoundation {
 namespace {
@@ -33,10 +33,7 @@ class EndsOfObservation : public orlftest::TemporaryFolderTest {
   ObservedFile observed_{path("file")};
 };
 
-std::size_t openDescriptors() {
-  const fs::directory_iterator descriptors("/proc/self/fd");
-  return static_cast<std::size_t>(std::distance(begin(descriptors), end(descriptors)));
-}
+std::size_t openDescriptors() { return orlftest::entryCount("/proc/self/fd"); }
 
 TEST_F(EndsOfObservation, MayBeStoppedAndDroppedInTheMiddleOfAnEvent) {
   start();

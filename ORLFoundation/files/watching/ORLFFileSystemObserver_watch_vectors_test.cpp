@@ -82,13 +82,8 @@ class RealFilePlayer {
 
 std::string playRealFile(const Json& in, const Json& out) {
   RealFilePlayer player;
-  const Json& steps = in.at("steps");
-  if (steps.size() != out.size()) return "as many results as steps are expected";
-  for (std::size_t i = 0; i < steps.size(); ++i) {
-    const auto text = orlftest::disagreement(out[i], player.play(steps[i].get<std::string>()));
-    if (!text.empty()) return "step " + std::to_string(i) + ": " + text;
-  }
-  return {};
+  return orlftest::scriptDisagreement(
+      in.at("steps"), out, [&](const Json& step) { return player.play(step.get<std::string>()); });
 }
 
 TEST(ORLFFileSystemObserver, AgreesWithVectorsOfRealFiles) {

@@ -3,7 +3,7 @@
 
 #include <ORLFoundation/platform/dispatch/NSThread.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
-#include <ORLFoundation/platform/value/NSException.h>
+#include <ORLFoundation/platform/value/NSException_testing.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -12,17 +12,8 @@
 namespace ORLFoundation {
 namespace {
 
+using orlftest::raisedBy;
 using testing::ElementsAre;
-
-template <class Failure>
-std::string raisedBy(Failure&& failure) {
-  try {
-    failure();
-  } catch (const NSException& exception) {
-    return exception.name() + ": " + exception.reason();
-  }
-  return "nothing";
-}
 
 TEST(NSAssertionHandler, IsThereWithoutAWordToTheThreadsDictionary) {
   const auto handler = NSAssertionHandler::currentHandler();

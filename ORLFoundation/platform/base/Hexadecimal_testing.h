@@ -1,20 +1,16 @@
-/// Bytes of tests, and their hexadecimal text.
+/// Bytes of hexadecimal text, and back, for tests.
 #pragma once
 
 #include <ORLFoundation/platform/base/Hexadecimal.h>
+#include <tests/support/Bytes.h>
 
 #include <cstdint>
 #include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace orlftest {
-
-using Bytes = std::vector<std::uint8_t>;
-
-inline Bytes bytesOf(std::string_view text) { return {text.begin(), text.end()}; }
 
 /// Bytes from digits, in a text; blanks are passed over. Throws for any other character and for an
 /// odd number of digits.

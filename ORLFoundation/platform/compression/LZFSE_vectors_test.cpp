@@ -1,13 +1,11 @@
 #include <ORLFoundation/platform/compression/LZFSE.h>
 
 #include <ORLFoundation/platform/base/Base64.h>
+#include <ORLFoundation/platform/base/Digest_testing.h>
 #include <ORLFoundation/platform/compression/LZFSE_testing.h>
 #include <gtest/gtest.h>
-#include <openssl/sha.h>
 #include <tests/support/Files.h>
 #include <tests/support/VectorFile.h>
-
-#include <array>
 
 namespace ORLFoundation::internal::compression {
 namespace {
@@ -15,12 +13,7 @@ namespace {
 using orlftest::Bytes;
 using orlftest::disagreement;
 using orlftest::Json;
-
-std::string sha256Of(const Bytes& bytes) {
-  std::array<std::uint8_t, SHA256_DIGEST_LENGTH> digest{};
-  SHA256(bytes.data(), bytes.size(), digest.data());
-  return orlftest::hexOf(digest);
-}
+using orlftest::sha256Of;
 
 TEST(LZFSE, AgreesWithVectorsBothWays) {
   orlftest::runJsonRows("security_lzfse", [](const Json& row) {

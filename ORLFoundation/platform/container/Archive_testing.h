@@ -1,13 +1,12 @@
 /// Streams in memory, scripted random bytes, and trees of files, for tests of archives.
 #pragma once
 
-#include <ORLFoundation/platform/base/Hexadecimal_testing.h>
+#include <ORLFoundation/platform/base/Digest_testing.h>
 #include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/container/ArchiveByteStream.h>
 #include <ORLFoundation/platform/container/ArchiveStream.h>
 #include <ORLFoundation/platform/crypto/SecRandom.h>
 #include <gtest/gtest.h>
-#include <openssl/sha.h>
 #include <tests/support/TemporaryFolder.h>
 
 #include <algorithm>
@@ -24,12 +23,6 @@
 #include <vector>
 
 namespace orlftest {
-
-inline std::string sha256Of(std::span<const std::uint8_t> bytes) {
-  std::array<std::uint8_t, SHA256_DIGEST_LENGTH> digest{};
-  SHA256(bytes.data(), bytes.size(), digest.data());
-  return hexOf(digest);
-}
 
 /// Bytes in memory that are read, and written at any place.
 class MemoryByteStream final : public ORLFoundation::ArchiveByteStream {

@@ -1,12 +1,12 @@
 #include <ORLFoundation/platform/crypto/AESGCM.h>
 
 #include <ORLFoundation/platform/base/Hexadecimal_testing.h>
+#include <ORLFoundation/platform/base/Replaced.h>
 #include <ORLFoundation/platform/crypto/KeyedPrimitives.h>
-#include <ORLFoundation/platform/crypto/SecRandom.h>
+#include <ORLFoundation/platform/crypto/SecRandom_testing.h>
 #include <ORLFoundation/platform/value/NSException.h>
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <memory>
 #include <string>
 
@@ -15,6 +15,7 @@ namespace {
 
 using orlftest::bytesOfHex;
 using orlftest::hexOf;
+using orlftest::spanOf;
 
 // Test case 16 that the mode's authors published in 2004.
 constexpr std::string_view kKey =
@@ -78,14 +79,6 @@ TEST(AESGCM, RefusesKeysOfOtherLengths) {
   }
 }
 
-class NoRandomBytes final : public SecRandomSource {
- public:
-  bool copyBytes(std::span<std::uint8_t>) override {
-    errno = EIO;
-    return false;
-  }
-};
-
 TEST(SymmetricKey, IsRandomAndAsLongAsAsked) {
   EXPECT_EQ(SymmetricKey(SymmetricKeySize::bits128).bitCount(), 128U);
   EXPECT_EQ(SymmetricKey(SymmetricKeySize::bits192).bitCount(), 192U);
@@ -98,20 +91,16 @@ TEST(SymmetricKey, IsRandomAndAsLongAsAsked) {
 
 TEST(SymmetricKey, FailsWithoutRandomBytes) {
   const SymmetricKey key(SymmetricKeySize::bits256);
-  const auto before = SecSetRandomSource(std::make_shared<NoRandomBytes>());
+  const Replaced source(SecSetRandomSource, std::make_shared<orlftest::NoRandomBytes>());
   EXPECT_THROW(SymmetricKey{SymmetricKeySize::bits256}, NSException);
   EXPECT_FALSE(AES::GCM::seal({}, key));
-  SecSetRandomSource(before);
 }
 
 // RFC 4231, case 2; RFC 5869, cases 1 and 3; RFC 7914, section 12; NIST SP 800-38A, F.5.5.
 TEST(KeyedPrimitives, AgreeWithPublishedExamples) {
   using namespace internal::crypto;
   const std::string jefe = "Jefe", first = "what do ya want ", rest = "for nothing?";
-  const auto bytes = [](const std::string& text) {
-    return ByteSpan(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
-  };
-  EXPECT_EQ(hexOf(hmacSHA256(bytes(jefe), {bytes(first), bytes(rest)})),
+  EXPECT_EQ(hexOf(hmacSHA256(spanOf(jefe), {spanOf(first), spanOf(rest)})),
             "5bdcc146bf60754e6a042426089575c75a003f089d2739839dec58b964ec3843");
   std::array<std::uint8_t, 42> key{};
   deriveKey(std::vector<std::uint8_t>(22, 0x0b), bytesOfHex("000102030405060708090a0b0c"),
@@ -123,14 +112,16 @@ TEST(KeyedPrimitives, AgreeWithPublishedExamples) {
             "8da4e775a563c18f715f802a063c5a31b8a11f5c5ee1879ec3454e5f3c738d2d9d201395faa4b61a96c8");
   std::array<std::uint8_t, 64> password{};
   const std::string secret = "password", salt = "NaCl";
-  ASSERT_TRUE(deriveKeyFromPassword(bytes(secret), bytes(salt), {1024, 8, 16}, 1U << 25, password));
+  ASSERT_TRUE(
+      deriveKeyFromPassword(spanOf(secret), spanOf(salt), {1024, 8, 16}, 1U << 25, password));
   EXPECT_EQ(hexOf(password),
             "fdbabe1c9d3472007856e7190d01e9fe7c6ad7cbc8237830e77376634b3731622eaf30d92e22a3886ff109"
             "279d9830da"
             "c727afb94a83ee6d8360cbdfa2cc0640");
   EXPECT_FALSE(
-      deriveKeyFromPassword(bytes(secret), bytes(salt), {1024, 8, 16}, 1U << 20, password));
-  EXPECT_FALSE(deriveKeyFromPassword(bytes(secret), bytes(salt), {1000, 8, 1}, 1U << 25, password));
+      deriveKeyFromPassword(spanOf(secret), spanOf(salt), {1024, 8, 16}, 1U << 20, password));
+  EXPECT_FALSE(
+      deriveKeyFromPassword(spanOf(secret), spanOf(salt), {1000, 8, 1}, 1U << 25, password));
   auto block = bytesOfHex("6bc1bee22e409f96e93d7e117393172aae2d8a571e03ac9c9eb76fac45af8e51");
   cryptInCounterMode(bytesOfHex("603deb1015ca71be2b73aef0857d77811f352c073b6108d72d9810a30914dff4"),
                      bytesOfHex("f0f1f2f3f4f5f6f7f8f9fafbfcfdfeff"), block);

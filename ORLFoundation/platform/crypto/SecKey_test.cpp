@@ -3,6 +3,7 @@
 
 #include <ORLFoundation/platform/crypto/SecKey_testing.h>
 #include <gtest/gtest.h>
+#include <tests/support/Bytes.h>
 #include <tests/support/TemporaryFolder.h>
 
 #include <memory>
@@ -13,6 +14,7 @@ namespace ORLFoundation {
 namespace {
 
 using orlftest::openssl;
+using orlftest::spanOf;
 
 std::shared_ptr<NSDictionary> attributesOf(std::string_view type, std::string_view keyClass) {
   return NSDictionary::dictionaryWithEntries({{kSecAttrKeyType, type},
@@ -22,10 +24,6 @@ std::shared_ptr<NSDictionary> attributesOf(std::string_view type, std::string_vi
 
 std::shared_ptr<NSDictionary> publicRSA() {
   return attributesOf(kSecAttrKeyTypeRSA, kSecAttrKeyClassPublic);
-}
-
-std::span<const std::uint8_t> bytesOf(std::string_view text) {
-  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
 
 class SecKeyFiles : public orlftest::TemporaryFolderTest {
@@ -54,14 +52,14 @@ TEST_F(SecKeyFiles, ReadsBothFormsOfPublicKeys) {
     ASSERT_NE(key, nullptr);
     EXPECT_EQ(key->sizeInBits(), 2048);
     const std::string message = read("key.pem"), signature = read("signature");
-    EXPECT_TRUE(key->verifies(bytesOf(message), bytesOf(signature),
+    EXPECT_TRUE(key->verifies(spanOf(message), spanOf(signature),
                               kSecKeyAlgorithmRSASignatureMessagePKCS1v15SHA256));
-    EXPECT_FALSE(key->verifies(bytesOf(message), bytesOf(signature),
+    EXPECT_FALSE(key->verifies(spanOf(message), spanOf(signature),
                                kSecKeyAlgorithmRSASignatureMessagePKCS1v15SHA1));
     EXPECT_FALSE(
-        key->verifies(bytesOf(message), bytesOf(signature), static_cast<SecKeyAlgorithm>(9)));
+        key->verifies(spanOf(message), spanOf(signature), static_cast<SecKeyAlgorithm>(9)));
     EXPECT_FALSE(
-        key->verifies(bytesOf(message), {}, kSecKeyAlgorithmRSASignatureMessagePKCS1v15SHA256));
+        key->verifies(spanOf(message), {}, kSecKeyAlgorithmRSASignatureMessagePKCS1v15SHA256));
   }
 }
 

@@ -31,26 +31,16 @@ double secondsSince(Clock::time_point start) {
   return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-std::shared_ptr<NSURLRequest> patientRequest(const std::string& path, double timeout) {
-  return NSURLRequest::requestWithURL(LocalServer::shared().url(path),
-                                      NSURLRequestUseProtocolCachePolicy, timeout);
-}
-
 std::shared_ptr<NSURLSessionConfiguration> limitedTo(std::int64_t bytes) {
   auto configuration = NSURLSessionConfiguration::defaultSessionConfiguration();
   configuration->setMaximumBodyLength(bytes);
   return configuration;
 }
 
-/// How many files of downloads lie where they are put.
-std::size_t temporaryFiles(const std::filesystem::path& folder) {
-  return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder), {}));
-}
-
 /// Downloads go to a folder of its own, in which nothing may stay.
 class NSURLSessionFailures : public orlftest::TemporaryFolderTest {
  protected:
-  ~NSURLSessionFailures() override { EXPECT_EQ(temporaryFiles(folder_), 0U); }
+  ~NSURLSessionFailures() override { EXPECT_EQ(orlftest::entryCount(folder_), 0U); }
 
   const orlftest::EnvironmentVariable variable_{"TMPDIR", folder_.string()};
 };
@@ -134,7 +124,7 @@ TEST_F(NSURLSessionFailures, AreFieldsThatFoldNothingAlsoAfterAnswersWithFields)
 TEST_F(NSURLSessionFailures, AreExtensionsOfAChunkWithoutEndWhichCountAsSilence) {
   Loading loading;
   const auto start = Clock::now();
-  const TaskRecord record = loading.data(patientRequest("/endless/extension", 0.2));
+  const TaskRecord record = loading.data(orlftest::patientRequest("/endless/extension", 0.2));
   EXPECT_EQ(record.code(), NSURLErrorTimedOut);
   EXPECT_EQ(record.body, "hello");
   EXPECT_GE(secondsSince(start), 0.2);
@@ -186,14 +176,14 @@ TEST_F(NSURLSessionFailures, EndSilenceInFractionsOfASecond) {
   Loading loading;
   const auto start = Clock::now();
   for (const char* path : {"/silent", "/stalls"})
-    loading.session->dataTaskWithRequest(patientRequest(path, 0.2))->resume();
-  loading.session->downloadTaskWithRequest(patientRequest("/stalls", 0.2))->resume();
+    loading.session->dataTaskWithRequest(orlftest::patientRequest(path, 0.2))->resume();
+  loading.session->downloadTaskWithRequest(orlftest::patientRequest("/stalls", 0.2))->resume();
   ASSERT_TRUE(loading.delegate->waitForCompletions(3));
   EXPECT_GE(secondsSince(start), 0.19);
   EXPECT_LT(secondsSince(start), 5.0);
   for (NSUInteger task = 1; task <= 3; ++task)
     EXPECT_EQ(loading.delegate->record(task).code(), NSURLErrorTimedOut) << task;
-  EXPECT_EQ(loading.data(patientRequest("/trickle/8/0.05", 0.3)).body, "xxxxxxxx");
+  EXPECT_EQ(loading.data(orlftest::patientRequest("/trickle/8/0.05", 0.3)).body, "xxxxxxxx");
 }
 
 TEST_F(NSURLSessionFailures, GoByTheRequestsTimeoutBeforeTheConfigurations) {
@@ -204,14 +194,16 @@ TEST_F(NSURLSessionFailures, GoByTheRequestsTimeoutBeforeTheConfigurations) {
   EXPECT_EQ(loading.data(silent).code(), NSURLErrorTimedOut);
   for (const double timeout : {5.0, std::numeric_limits<double>::infinity(), 0.0, -1.0,
                                std::numeric_limits<double>::quiet_NaN(), 1e300})
-    EXPECT_EQ(loading.data(patientRequest("/late/0.02", timeout)).body, "late") << timeout;
+    EXPECT_EQ(loading.data(orlftest::patientRequest("/late/0.02", timeout)).body, "late")
+        << timeout;
 }
 
 TEST_F(NSURLSessionFailures, EndATaskThatTakesTooLongAsAWhole) {
   const auto configuration = NSURLSessionConfiguration::defaultSessionConfiguration();
   configuration->setTimeoutIntervalForResource(0.25);
   Loading loading(configuration);
-  EXPECT_EQ(loading.data(patientRequest("/trickle/100/0.02", 5)).code(), NSURLErrorTimedOut);
+  EXPECT_EQ(loading.data(orlftest::patientRequest("/trickle/100/0.02", 5)).code(),
+            NSURLErrorTimedOut);
 }
 
 TEST_F(NSURLSessionFailures, CountNoSilenceOfRequestsThatWaitForAConnection) {
@@ -219,7 +211,7 @@ TEST_F(NSURLSessionFailures, CountNoSilenceOfRequestsThatWaitForAConnection) {
   configuration->setHTTPMaximumConnectionsPerHost(1);
   Loading loading(configuration);
   for (int i = 0; i < 4; ++i)
-    loading.session->dataTaskWithRequest(patientRequest("/late/0.2", 0.5))->resume();
+    loading.session->dataTaskWithRequest(orlftest::patientRequest("/late/0.2", 0.5))->resume();
   ASSERT_TRUE(loading.delegate->waitForCompletions(4));
   for (NSUInteger task = 1; task <= 4; ++task)
     EXPECT_EQ(loading.delegate->record(task).body, "late") << task;
@@ -236,8 +228,8 @@ TEST_F(NSURLSessionFailures, CountNoSilenceThatADelegateMakes) {
   };
   const auto delegate = std::make_shared<Slow>();
   const auto session = NSURLSession::sessionWithConfiguration(nullptr, delegate, nullptr);
-  session->dataTaskWithRequest(patientRequest("/echo", 5))->resume();
-  session->dataTaskWithRequest(patientRequest("/late/0.1", 0.3))->resume();
+  session->dataTaskWithRequest(orlftest::patientRequest("/echo", 5))->resume();
+  session->dataTaskWithRequest(orlftest::patientRequest("/late/0.1", 0.3))->resume();
   ASSERT_TRUE(delegate->waitForCompletions(2));
   EXPECT_EQ(delegate->record(2).body, "late");
   session->invalidateAndCancel();

@@ -118,6 +118,12 @@ inline std::shared_ptr<ORLFoundation::NSURLRequest> plainRequest(const std::stri
   return ORLFoundation::NSURLRequest::requestWithURL(LocalServer::shared().url(path));
 }
 
+inline std::shared_ptr<ORLFoundation::NSURLRequest> patientRequest(const std::string& path,
+                                                                   double timeout = 60) {
+  return ORLFoundation::NSURLRequest::requestWithURL(
+      LocalServer::shared().url(path), ORLFoundation::NSURLRequestUseProtocolCachePolicy, timeout);
+}
+
 /// What one task came to.
 struct TaskRecord {
   std::vector<std::string> events;  ///< "sent", "data", "written", "download", "complete".

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <tests/support/Files.h>
 #include <tests/support/NoThreads.h>
 
 #include <atomic>
@@ -25,10 +26,7 @@ using orlftest::RecordingDelegate;
 using orlftest::TaskRecord;
 using testing::ElementsAre;
 
-std::size_t threadCount() {
-  return static_cast<std::size_t>(
-      std::distance(std::filesystem::directory_iterator("/proc/self/task"), {}));
-}
+std::size_t threadCount() { return orlftest::entryCount("/proc/self/task"); }
 
 TEST(NSURLSessionThreads, CancelATaskThatWaitsAndTellsSoOnce) {
   Loading loading;

@@ -1,4 +1,4 @@
-/// Errors of vectors as the library's.
+/// Errors of vectors as the library's, and back.
 #pragma once
 
 #include <ORLFoundation/platform/object/NSError.h>
@@ -14,6 +14,11 @@ inline std::shared_ptr<const ORLFoundation::NSError> errorOfVector(const Json& e
   if (error.is_null()) return nullptr;
   return ORLFoundation::NSError::errorWithDomain(error.at("domain").get<std::string>(),
                                                  error.at("code").get<ORLFoundation::NSInteger>());
+}
+
+inline Json jsonFromError(const std::shared_ptr<const ORLFoundation::NSError>& error) {
+  if (!error) return nullptr;
+  return {{"domain", error->domain()}, {"code", error->code()}};
 }
 
 }  // namespace orlftest

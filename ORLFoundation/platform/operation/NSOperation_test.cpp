@@ -6,7 +6,7 @@
 #include <ORLFoundation/platform/operation/NSBlockOperation.h>
 #include <ORLFoundation/platform/operation/NSOperationQueue.h>
 #include <ORLFoundation/platform/operation/NSOperation_testing.h>
-#include <ORLFoundation/platform/value/NSException.h>
+#include <ORLFoundation/platform/value/NSException_testing.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -16,15 +16,7 @@ namespace ORLFoundation {
 namespace {
 
 using orlftest::blockOperation;
-
-std::string reasonOf(const std::function<void()>& raising) {
-  try {
-    raising();
-  } catch (const NSException& exception) {
-    return exception.name() + ": " + exception.reason();
-  }
-  return "nothing was raised";
-}
+using orlftest::raisedBy;
 
 TEST(NSOperation, StartRunsMainOnTheCallingThreadThenTheCompletionBlock) {
   std::string order;
@@ -96,7 +88,7 @@ TEST(NSOperation, StartRaisesWhileItWaitsForAnother) {
   const auto second = blockOperation();
   second->addDependency(first);
   EXPECT_FALSE(second->isReady());
-  EXPECT_EQ(reasonOf([&] { second->start(); }),
+  EXPECT_EQ(raisedBy([&] { second->start(); }),
             "NSInvalidArgumentException: start: the operation is not ready");
   first->start();
   EXPECT_TRUE(second->isReady());
@@ -118,7 +110,7 @@ TEST(NSOperation, StartRaisesForOneOnAQueue) {
   queue->setSuspended(true);
   const auto operation = blockOperation();
   queue->addOperation(operation);
-  EXPECT_EQ(reasonOf([&] { operation->start(); }),
+  EXPECT_EQ(raisedBy([&] { operation->start(); }),
             "NSInvalidArgumentException: start: the operation is on a queue");
   queue->setSuspended(false);
   operation->waitUntilFinished();

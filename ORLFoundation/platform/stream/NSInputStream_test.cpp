@@ -2,6 +2,7 @@
 
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/object/NSError.h>
+#include <ORLFoundation/platform/stream/NSStream_testing.h>
 #include <ORLFoundation/platform/value/NSData.h>
 #include <ORLFoundation/platform/value/NSURL.h>
 #include <gtest/gtest.h>
@@ -31,11 +32,6 @@ std::string take(NSInputStream& stream, std::size_t most) {
   return count < 0 ? "failed" : text.substr(0, static_cast<std::size_t>(count));
 }
 
-NSInteger posixCodeOf(const NSInputStream& stream) {
-  const auto error = stream.streamError();
-  return error && error->domain() == NSPOSIXErrorDomain ? error->code() : -1;
-}
-
 TEST_F(InputStreams, GiveTheirBytesInPieces) {
   for (const auto& stream : over(std::string_view("ab\0cde", 6))) {
     EXPECT_EQ(stream->streamStatus(), NSStreamStatusNotOpen);
@@ -60,14 +56,14 @@ TEST_F(InputStreams, GiveTheirBytesInPieces) {
 TEST_F(InputStreams, FailWhileTheyAreNotOpen) {
   for (const auto& stream : over("abc")) {
     EXPECT_EQ(take(*stream, 3), "failed");
-    EXPECT_EQ(posixCodeOf(*stream), EBADF);
+    EXPECT_EQ(orlftest::posixCodeOf(*stream), EBADF);
     EXPECT_EQ(stream->streamStatus(), NSStreamStatusNotOpen);
     stream->open();
     EXPECT_EQ(stream->streamError(), nullptr);
     EXPECT_EQ(take(*stream, 3), "abc");
     stream->close();
     EXPECT_EQ(take(*stream, 3), "failed");
-    EXPECT_EQ(posixCodeOf(*stream), EBADF);
+    EXPECT_EQ(orlftest::posixCodeOf(*stream), EBADF);
     stream->open();
     EXPECT_EQ(stream->streamStatus(), NSStreamStatusClosed);
     EXPECT_EQ(take(*stream, 3), "failed");
@@ -102,7 +98,7 @@ TEST_F(InputStreams, OfFilesTellWhyTheyDoNotOpen) {
     EXPECT_EQ(stream->streamError(), nullptr) << row.path;
     stream->open();
     EXPECT_EQ(stream->streamStatus(), NSStreamStatusError) << row.path;
-    EXPECT_EQ(posixCodeOf(*stream), row.code) << row.path;
+    EXPECT_EQ(orlftest::posixCodeOf(*stream), row.code) << row.path;
     EXPECT_FALSE(stream->hasBytesAvailable()) << row.path;
     stream->close();
     EXPECT_EQ(stream->streamStatus(), NSStreamStatusError) << row.path;
@@ -113,7 +109,7 @@ TEST_F(InputStreams, OfFoldersEndWithTheFirstRead) {
   const auto stream = NSInputStream::initWithFileAtPath(folder_.string());
   stream->open();
   EXPECT_EQ(take(*stream, 8), "failed");
-  EXPECT_EQ(posixCodeOf(*stream), EISDIR);
+  EXPECT_EQ(orlftest::posixCodeOf(*stream), EISDIR);
   EXPECT_EQ(stream->streamStatus(), NSStreamStatusError);
 }
 

@@ -3,9 +3,11 @@
 #include <ORLFoundation/platform/object/Id.h>
 #include <ORLFoundation/platform/object/NSError.h>
 #include <ORLFoundation/platform/stream/NSOutputStream_testing.h>
+#include <ORLFoundation/platform/stream/NSStream_testing.h>
 #include <ORLFoundation/platform/value/NSData.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <tests/support/Bytes.h>
 #include <tests/support/Files.h>
 #include <tests/support/TemporaryFolder.h>
 
@@ -17,18 +19,11 @@
 namespace ORLFoundation {
 namespace {
 
-std::span<const std::uint8_t> bytesOf(std::string_view text) {
-  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-}
+using orlftest::spanOf;
 
 std::optional<std::string> written(const NSOutputStream& stream) {
   const auto data = stream.propertyForKey(NSStreamDataWrittenToMemoryStreamKey).as<NSData>();
   return data ? std::optional(std::string(data->text())) : std::nullopt;
-}
-
-NSInteger codeOf(const NSOutputStream& stream) {
-  const auto error = stream.streamError();
-  return error && error->domain() == NSPOSIXErrorDomain ? error->code() : -1;
 }
 
 TEST(NSOutputStream, KeepsInMemoryWhatIsWritten) {
@@ -39,9 +34,9 @@ TEST(NSOutputStream, KeepsInMemoryWhatIsWritten) {
   stream->open();
   EXPECT_EQ(stream->streamStatus(), NSStreamStatusOpen);
   EXPECT_TRUE(stream->hasSpaceAvailable());
-  EXPECT_EQ(stream->write(bytesOf("one")), 3);
+  EXPECT_EQ(stream->write(spanOf("one")), 3);
   EXPECT_EQ(stream->write({}), 0);
-  EXPECT_EQ(stream->write(bytesOf(std::string_view("\0two", 4))), 4);
+  EXPECT_EQ(stream->write(spanOf(std::string_view("\0two", 4))), 4);
   EXPECT_EQ(written(*stream), std::string("one\0two", 7));
   EXPECT_EQ(stream->streamError(), nullptr);
 }
@@ -49,11 +44,11 @@ TEST(NSOutputStream, KeepsInMemoryWhatIsWritten) {
 TEST(NSOutputStream, GivesItsBytesAfterItIsClosedToo) {
   const auto stream = NSOutputStream::initToMemory();
   stream->open();
-  stream->write(bytesOf("one"));
+  stream->write(spanOf("one"));
   stream->close();
   EXPECT_EQ(stream->streamStatus(), NSStreamStatusClosed);
   EXPECT_FALSE(stream->hasSpaceAvailable());
-  EXPECT_EQ(stream->write(bytesOf("two")), -1);
+  EXPECT_EQ(stream->write(spanOf("two")), -1);
   EXPECT_EQ(written(*stream), "one");
 }
 
@@ -71,13 +66,13 @@ TEST(NSOutputStream, RefusesBytesBeforeItIsOpenAndCanStillBeOpened) {
   const std::string path = folder.path() / "file";
   for (const auto& stream :
        {NSOutputStream::initToMemory(), NSOutputStream::initToFileAtPath(path, false)}) {
-    EXPECT_EQ(stream->write(bytesOf("lost")), -1);
-    EXPECT_EQ(codeOf(*stream), EBADF);
+    EXPECT_EQ(stream->write(spanOf("lost")), -1);
+    EXPECT_EQ(orlftest::posixCodeOf(*stream), EBADF);
     EXPECT_EQ(stream->streamStatus(), NSStreamStatusNotOpen);
     stream->open();
     EXPECT_EQ(stream->streamStatus(), NSStreamStatusOpen);
     EXPECT_EQ(stream->streamError(), nullptr);
-    EXPECT_EQ(stream->write(bytesOf("kept")), 4);
+    EXPECT_EQ(stream->write(spanOf("kept")), 4);
   }
   EXPECT_EQ(orlftest::contentOf(path), "kept");
 }
@@ -95,8 +90,8 @@ TEST(NSOutputStream, StaysClosed) {
     EXPECT_EQ(stream->streamStatus(), NSStreamStatusClosed);
     stream->open();
     EXPECT_EQ(stream->streamStatus(), NSStreamStatusClosed);
-    EXPECT_EQ(stream->write(bytesOf("late")), -1);
-    EXPECT_EQ(codeOf(*stream), EBADF);
+    EXPECT_EQ(stream->write(spanOf("late")), -1);
+    EXPECT_EQ(orlftest::posixCodeOf(*stream), EBADF);
   }
   EXPECT_EQ(orlftest::contentOf(path), "");
 }
@@ -113,7 +108,7 @@ TEST(NSOutputStream, EmptiesAFileOrAppendsToIt) {
   for (const Step& step : steps) {
     const auto stream = NSOutputStream::initToFileAtPath(path, step.append);
     stream->open();
-    EXPECT_EQ(stream->write(bytesOf(step.text)), static_cast<NSInteger>(step.text.size()));
+    EXPECT_EQ(stream->write(spanOf(step.text)), static_cast<NSInteger>(step.text.size()));
     EXPECT_EQ(stream->propertyForKey(NSStreamFileCurrentOffsetKey).as<NSInteger>(),
               static_cast<NSInteger>(step.contents.size()));
     stream->close();
@@ -144,9 +139,9 @@ TEST(NSOutputStream, EndsWithAnErrorWhereAFileCannotBeOpened) {
     const auto stream = NSOutputStream::initToFileAtPath(row.path, false);
     stream->open();
     EXPECT_EQ(stream->streamStatus(), NSStreamStatusError) << row.path;
-    EXPECT_EQ(codeOf(*stream), row.code) << row.path;
+    EXPECT_EQ(orlftest::posixCodeOf(*stream), row.code) << row.path;
     EXPECT_FALSE(stream->streamError()->localizedDescription().empty());
-    EXPECT_EQ(stream->write(bytesOf("x")), -1);
+    EXPECT_EQ(stream->write(spanOf("x")), -1);
     stream->open();
     stream->close();
     EXPECT_EQ(stream->streamStatus(), NSStreamStatusError);
@@ -157,9 +152,9 @@ TEST(NSOutputStream, EndsWithAnErrorWhereTheDiskIsFull) {
   const auto stream = NSOutputStream::initToFileAtPath("/dev/full", true);
   stream->open();
   ASSERT_EQ(stream->streamStatus(), NSStreamStatusOpen);
-  EXPECT_EQ(stream->write(bytesOf("x")), -1);
+  EXPECT_EQ(stream->write(spanOf("x")), -1);
   EXPECT_EQ(stream->streamStatus(), NSStreamStatusError);
-  EXPECT_EQ(codeOf(*stream), ENOSPC);
+  EXPECT_EQ(orlftest::posixCodeOf(*stream), ENOSPC);
   const id path = stream->streamError()->userInfo()->objectForKey(NSFilePathErrorKey);
   EXPECT_EQ(path.as<std::string>(), "/dev/full");
 }
@@ -169,7 +164,7 @@ TEST(NSOutputStream, OpensAndClosesAStreamOfTheCaller) {
   stream->open();
   EXPECT_EQ(stream->streamStatus(), NSStreamStatusOpen);
   EXPECT_TRUE(stream->hasSpaceAvailable());
-  EXPECT_EQ(stream->write(bytesOf("abc")), 3);
+  EXPECT_EQ(stream->write(spanOf("abc")), 3);
   EXPECT_EQ(stream->calls_, std::vector<std::string>{"abc"});
   EXPECT_TRUE(stream->propertyForKey(NSStreamDataWrittenToMemoryStreamKey).isNil());
   stream->close();

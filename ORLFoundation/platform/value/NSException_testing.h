@@ -18,4 +18,15 @@ std::string nameOfException(Action action) {
   return "";
 }
 
+/// "name: reason" of the exception that an action raises; "" for none.
+template <class Action>
+std::string raisedBy(Action action) {
+  try {
+    action();
+  } catch (const ORLFoundation::NSException& exception) {
+    return exception.name() + ": " + exception.reason();
+  }
+  return "";
+}
+
 }  // namespace orlftest

@@ -1,6 +1,7 @@
 #include <ORLFoundation/security/archives/AppleArchive.h>
 
-#include <ORLFoundation/platform/crypto/SecRandom.h>
+#include <ORLFoundation/platform/base/Replaced.h>
+#include <ORLFoundation/platform/crypto/SecRandom_testing.h>
 #include <ORLFoundation/platform/log/LogCapture.h>
 #include <ORLFoundation/security/archives/AppleArchive_testing.h>
 #include <ORLFoundation/security/archives/FoundationError.h>
@@ -9,7 +10,6 @@
 #include <sys/stat.h>
 #include <tests/support/ChildProcess.h>
 
-#include <cerrno>
 #include <filesystem>
 #include <memory>
 #include <random>
@@ -109,18 +109,9 @@ TEST_F(FailingAppleArchives, TellNoPasswordsInErrorsAndLogs) {
   EXPECT_THAT(told, testing::Not(HasSubstr("hush")));
 }
 
-class NoRandom final : public SecRandomSource {
- public:
-  bool copyBytes(std::span<std::uint8_t>) override {
-    errno = EIO;
-    return false;
-  }
-};
-
 TEST_F(FailingAppleArchives, FailAsUnknownWithoutRandomBytes) {
-  const auto before = SecSetRandomSource(std::make_shared<NoRandom>());
+  const Replaced source(SecSetRandomSource, std::make_shared<orlftest::NoRandomBytes>());
   const Outcome outcome = outcomeOf(AppleArchive::archive(url("from"), url("a"), "x"));
-  SecSetRandomSource(before);
   EXPECT_TRUE(outcome.is(FoundationErrorDomain, static_cast<NSInteger>(FoundationError::unknown)))
       << outcome.text;
   EXPECT_THAT(names(), ElementsAre("from"));

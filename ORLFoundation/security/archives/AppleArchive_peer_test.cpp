@@ -1,8 +1,7 @@
-#include <ORLFoundation/platform/base/Hexadecimal.h>
+#include <ORLFoundation/platform/base/Digest_testing.h>
 #include <ORLFoundation/security/archives/AppleArchive_testing.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <openssl/sha.h>
 #include <sys/stat.h>
 #include <tests/support/TemporaryFolder.h>
 
@@ -19,7 +18,10 @@ namespace ORLFoundation {
 namespace {
 
 namespace fs = std::filesystem;
+using orlftest::ledger;
 using orlftest::packQuickly;
+using orlftest::sha256Of;
+using orlftest::spanOf;
 using Json = nlohmann::json;
 
 class ArchivePeer : public orlftest::TemporaryFolderTest {
@@ -28,21 +30,10 @@ class ArchivePeer : public orlftest::TemporaryFolderTest {
   void SetUp() override {
     write("from/a.txt", "hello\n");
     write("from/empty", "");
-    write("from/deep/er/ledger.csv", ledger());
+    write("from/deep/er/ledger.csv", ledger(4000));
     fs::create_symlink("../a.txt", folder_ / "from/deep/link");
     ::chmod(path("from/a.txt").c_str(), 0604);
     ::chmod(path("from/deep").c_str(), 02751);
-  }
-  static std::string ledger() {
-    std::string lines;
-    for (int i = 0; i < 4000; ++i)
-      lines += "2024-05-01;" + std::to_string(i * 37 % 9973) + ";rent\n";
-    return lines;
-  }
-  static std::string sha256Of(const std::string& text) {
-    std::array<std::uint8_t, SHA256_DIGEST_LENGTH> digest{};
-    SHA256(reinterpret_cast<const std::uint8_t*>(text.data()), text.size(), digest.data());
-    return internal::base::hexText(std::string(digest.begin(), digest.end()));
   }
   /// What the program prints of an archive, by the paths of the entries.
   [[nodiscard]] std::map<std::string, Json> entriesOf(const std::string& words) const {
@@ -66,7 +57,7 @@ class ArchivePeer : public orlftest::TemporaryFolderTest {
                         {"a.txt", 'F', "hello\n", {}},
                         {"deep", 'D', {}, {}},
                         {"deep/er", 'D', {}, {}},
-                        {"deep/er/ledger.csv", 'F', ledger(), {}},
+                        {"deep/er/ledger.csv", 'F', ledger(4000), {}},
                         {"deep/link", 'L', {}, "../a.txt"},
                         {"empty", 'F', "", {}}};
     EXPECT_EQ(entries.size(), std::size(rows));
@@ -80,7 +71,8 @@ class ArchivePeer : public orlftest::TemporaryFolderTest {
                     {"GID", status.st_gid},
                     {"MOD", status.st_mode & 07777}};
       if (row.target) expected["LNK"] = *row.target;
-      if (row.data) expected["DAT"] = {{"size", row.data->size()}, {"sha256", sha256Of(*row.data)}};
+      if (row.data)
+        expected["DAT"] = {{"size", row.data->size()}, {"sha256", sha256Of(spanOf(*row.data))}};
       EXPECT_EQ(entries.at(row.path), expected) << row.path;
     }
   }

@@ -74,6 +74,14 @@ inline Outcome extractQuickly(const std::string& from, const std::string& to,
   });
 }
 
+/// So many lines of a bank's table.
+inline std::string ledger(int count) {
+  std::string lines;
+  for (int i = 0; i < count; ++i)
+    lines += "2024-05-01;" + std::to_string(i * 37 % 9973) + ";rent\n";
+  return lines;
+}
+
 /// A folder of two files, an empty folder and a link, with modes of their own, to be packed.
 class AppleArchives : public TemporaryFolderTest {
  protected:
@@ -86,12 +94,7 @@ class AppleArchives : public TemporaryFolderTest {
     ::chmod(path("from/a.txt").c_str(), 0640);
     ::chmod(path("from/books").c_str(), 0710);
   }
-  static std::string text() {
-    std::string lines;
-    for (int i = 0; i < 20000; ++i)
-      lines += "2024-05-01;" + std::to_string(i * 37 % 9973) + ";rent\n";
-    return lines;
-  }
+  static std::string text() { return ledger(20000); }
   [[nodiscard]] ORLFoundation::NSURL url(const std::string& name) const {
     return ORLFoundation::NSURL::fileURLWithPath(path(name));
   }

@@ -17,15 +17,12 @@ namespace ORLFoundation {
 namespace {
 
 using orlftest::hexOf;
+using orlftest::spanOf;
 using Digest = std::array<std::uint8_t, 16>;
-
-const std::uint8_t* bytesOf(std::string_view text) {
-  return reinterpret_cast<const std::uint8_t*>(text.data());
-}
 
 std::string md5Of(std::string_view text) {
   Digest digest{};
-  ORLFMD5(bytesOf(text), static_cast<std::uint32_t>(text.size()), digest.data());
+  ORLFMD5(spanOf(text).data(), static_cast<std::uint32_t>(text.size()), digest.data());
   return hexOf(digest);
 }
 
@@ -52,7 +49,7 @@ TEST(ORLFMD5, AgreesWithAnotherImplementationHoweverTheBytesAreCut) {
     ORLFMD5Init(&context);
     for (std::size_t at = 0; at < text.size();) {
       const std::size_t piece = std::min<std::size_t>(text.size() - at, random() % 130);
-      ORLFMD5Update(&context, bytesOf(text) + at, static_cast<std::uint32_t>(piece));
+      ORLFMD5Update(&context, spanOf(text).data() + at, static_cast<std::uint32_t>(piece));
       at += piece;
     }
     Digest digest{};
@@ -69,7 +66,7 @@ TEST(ORLFMD5, CountsBitsBeyond32) {
   ORLFMD5Context context;
   ORLFMD5Init(&context);
   for (int i = 0; i < 9; ++i)
-    ORLFMD5Update(&context, bytesOf(piece), static_cast<std::uint32_t>(piece.size()));
+    ORLFMD5Update(&context, spanOf(piece).data(), static_cast<std::uint32_t>(piece.size()));
   EXPECT_EQ(context.bits[0], std::uint32_t{1} << 29);
   EXPECT_EQ(context.bits[1], 1U);
 }
@@ -77,7 +74,7 @@ TEST(ORLFMD5, CountsBitsBeyond32) {
 TEST(ORLFMD5, WipesTheWholeContextAtTheEnd) {
   ORLFMD5Context context;
   ORLFMD5Init(&context);
-  ORLFMD5Update(&context, bytesOf("secret"), 6);
+  ORLFMD5Update(&context, spanOf("secret").data(), 6);
   Digest digest{};
   ORLFMD5Final(digest.data(), &context);
   const auto* const bytes = reinterpret_cast<const std::uint8_t*>(&context);

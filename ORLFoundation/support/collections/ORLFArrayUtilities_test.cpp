@@ -1,7 +1,7 @@
 
 #include <ORLFoundation/support/collections/ORLFArrayUtilities.h>
 
-#include <ORLFoundation/platform/value/NSException.h>
+#include <ORLFoundation/platform/value/NSException_testing.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,6 +11,7 @@
 namespace ORLFoundation {
 namespace {
 
+using orlftest::raisedBy;
 using Members = std::vector<id>;
 
 std::shared_ptr<NSArray> arrayOf(Members members) {
@@ -25,15 +26,6 @@ Members indexesOf(const NSIndexSet& set) {
   Members indexes;
   set.enumerateIndexesUsingBlock([&](NSUInteger index, bool&) { indexes.emplace_back(index); });
   return indexes;
-}
-
-std::string raisedBy(const auto& operation) {
-  try {
-    operation();
-  } catch (const NSException& exception) {
-    return exception.name() + ": " + exception.reason();
-  }
-  return "";
 }
 
 TEST(ORLFArrayUtilities, EnumerateNeighboursInPairs) {

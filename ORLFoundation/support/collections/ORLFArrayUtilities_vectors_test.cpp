@@ -13,6 +13,7 @@ namespace ORLFoundation {
 namespace {
 
 using orlftest::Json;
+using orlftest::jsonDisagreement;
 
 id objectOf(const Json& value) {
   if (value.is_null()) return {};
@@ -53,13 +54,9 @@ Json jsonOf(const NSIndexSet& set) {
   return list;
 }
 
-std::string compared(const Json& expected, const Json& actual) {
-  return orlftest::disagreement(expected.dump(), actual.dump());
-}
-
 /// A check of an operation that answers a list.
 orlftest::JsonCheck check(Json (*answer)(const Json& in)) {
-  return [answer](const Json& in, const Json& out) { return compared(out, answer(in)); };
+  return [answer](const Json& in, const Json& out) { return jsonDisagreement(out, answer(in)); };
 }
 
 Json pairs(const Json& in) {
@@ -80,7 +77,7 @@ Json moved(const Json& in, void (*move)(NSMutableArray&, const Json&, NSUInteger
 /// A row whose operation raises has nil for an answer, or the exception's name or reason.
 std::string checkIndexSet(const Json& in, const Json& out) {
   try {
-    return compared(out, jsonOf(*orlfIndexSet(*arrayOf(in))));
+    return jsonDisagreement(out, jsonOf(*orlfIndexSet(*arrayOf(in))));
   } catch (const NSException& exception) {
     if (out.is_null()) return "";
     const std::string expected = out.dump();

@@ -3,13 +3,12 @@
 
 #include <ORLFoundation/tasks/async/AsyncSemaphore_testing.h>
 #include <gtest/gtest.h>
+#include <tests/support/Files.h>
 #include <tests/support/ProcessorTime.h>
 
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
-#include <filesystem>
-#include <iterator>
 #include <thread>
 #include <vector>
 
@@ -20,11 +19,7 @@ using orlftest::SteppedExecutor;
 
 constexpr int kScale = orlftest::kSlowdown > 1 ? 10 : 1;
 
-std::size_t threadCount() {
-  return static_cast<std::size_t>(
-      std::distance(std::filesystem::directory_iterator("/proc/self/task"),
-                    std::filesystem::directory_iterator()));
-}
+std::size_t threadCount() { return orlftest::entryCount("/proc/self/task"); }
 
 CooperativeTask<> pass(AsyncSemaphore& semaphore, std::atomic<int>& passed) {
   co_await semaphore.waitUnlessCancelled();

@@ -31,7 +31,7 @@ inline Json vectorOfBytes(std::string_view bytes) {
 }
 inline Json vectorOfError(const std::shared_ptr<const ORLFoundation::NSError>& error) {
   if (!error) return nullptr;
-  Json told = {{"domain", error->domain()}, {"code", error->code()}};
+  Json told = jsonFromError(error);
   const auto status = error->userInfo()->objectForKey("statusCode").as<ORLFoundation::NSInteger>();
   const auto text = error->userInfo()->objectForKey("statusDescription").as<std::string>();
   if (status) told["userInfo"]["statusCode"] = *status;

@@ -4,6 +4,7 @@
 #include <ORLFoundation/platform/base/Hexadecimal.h>
 #include <gtest/gtest.h>
 #include <openssl/evp.h>
+#include <tests/support/Bytes.h>
 
 #include <cstdint>
 #include <random>
@@ -14,14 +15,12 @@
 namespace ORLFoundation::internal::crypto {
 namespace {
 
-std::span<const std::uint8_t> bytesOf(std::string_view text) {
-  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-}
+using orlftest::spanOf;
 
 std::string keyOf(std::string_view password, std::string_view salt, std::uint32_t rounds,
                   std::size_t length) {
   std::string key(length, '\0');
-  deriveKeyOverSHA1(password, bytesOf(salt), rounds,
+  deriveKeyOverSHA1(password, spanOf(salt), rounds,
                     {reinterpret_cast<std::uint8_t*>(key.data()), key.size()});
   return base::hexText(key);
 }
@@ -51,7 +50,7 @@ TEST(PasswordKey, AgreesWithAnotherImplementation) {
     const auto rounds = static_cast<std::uint32_t>(1 + random() % 5);
     std::vector<std::uint8_t> expected(1 + random() % 70);
     ASSERT_EQ(PKCS5_PBKDF2_HMAC_SHA1(password.data(), static_cast<int>(password.size()),
-                                     bytesOf(salt).data(), static_cast<int>(salt.size()),
+                                     spanOf(salt).data(), static_cast<int>(salt.size()),
                                      static_cast<int>(rounds), static_cast<int>(expected.size()),
                                      expected.data()),
               1);

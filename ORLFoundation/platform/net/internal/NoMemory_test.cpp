@@ -47,19 +47,14 @@ class NoMemory {
 
 const CURLcode noMemoryInstalled = NoMemory::install();
 
-std::shared_ptr<NSURLRequest> patientRequestTo(const std::string& path, double timeout = 60) {
-  return NSURLRequest::requestWithURL(LocalServer::shared().url(path),
-                                      NSURLRequestUseProtocolCachePolicy, timeout);
-}
-
 TEST(NSURLSessionWithoutMemory, EndsATaskAtOnceAndGoesOnOnceThereIsSome) {
   ASSERT_EQ(noMemoryInstalled, CURLE_OK);
   Loading loading;
-  EXPECT_EQ(loading.data(patientRequestTo("/echo")).status(), 200);
+  EXPECT_EQ(loading.data(orlftest::patientRequest("/echo")).status(), 200);
   TaskRecord record;
   {
     const NoMemory noMemory;
-    record = loading.download(patientRequestTo("/echo"));
+    record = loading.download(orlftest::patientRequest("/echo"));
   }
   EXPECT_EQ(record.code(), NSURLErrorUnknown);
   ASSERT_NE(record.error, nullptr);
@@ -67,16 +62,16 @@ TEST(NSURLSessionWithoutMemory, EndsATaskAtOnceAndGoesOnOnceThereIsSome) {
             id("There is no memory for it."));
   EXPECT_EQ(record.response, nullptr);
   EXPECT_THAT(record.events, ElementsAre("complete"));
-  EXPECT_EQ(loading.data(patientRequestTo("/echo")).status(), 200);
+  EXPECT_EQ(loading.data(orlftest::patientRequest("/echo")).status(), 200);
 }
 
 TEST(NSURLSessionWithoutMemory, EndsTasksThatWaitedForAConnection) {
   const auto configuration = NSURLSessionConfiguration::defaultSessionConfiguration();
   configuration->setHTTPMaximumConnectionsPerHost(1);
   Loading loading(configuration);
-  loading.session->dataTaskWithRequest(patientRequestTo("/stalls", 0.5))->resume();
+  loading.session->dataTaskWithRequest(orlftest::patientRequest("/stalls", 0.5))->resume();
   for (int i = 0; i < 3; ++i)
-    loading.session->dataTaskWithRequest(patientRequestTo("/echo"))->resume();
+    loading.session->dataTaskWithRequest(orlftest::patientRequest("/echo"))->resume();
   ASSERT_TRUE(orlftest::becomes([&] { return loading.delegate->record(1).body == "half "; }));
   {
     const NoMemory noMemory;
@@ -85,7 +80,7 @@ TEST(NSURLSessionWithoutMemory, EndsTasksThatWaitedForAConnection) {
   EXPECT_EQ(loading.delegate->record(1).code(), NSURLErrorTimedOut);
   for (NSUInteger task = 2; task <= 4; ++task)
     EXPECT_EQ(loading.delegate->record(task).code(), NSURLErrorUnknown) << task;
-  EXPECT_EQ(loading.data(patientRequestTo("/echo")).status(), 200);
+  EXPECT_EQ(loading.data(orlftest::patientRequest("/echo")).status(), 200);
   EXPECT_EQ(loading.delegate->completions(), 5U);
 }
 
@@ -93,11 +88,11 @@ TEST(NSURLSessionWithoutMemory, BeginsWithoutAnyAndGoesOnOnceThereIsSome) {
   Loading loading;
   {
     const NoMemory noMemory;
-    EXPECT_EQ(loading.data(patientRequestTo("/echo")).code(), NSURLErrorUnknown);
+    EXPECT_EQ(loading.data(orlftest::patientRequest("/echo")).code(), NSURLErrorUnknown);
     EXPECT_EQ(loading.data(NSURL::URLWithString("data:,inside").value()).body, "inside");
-    EXPECT_EQ(loading.data(patientRequestTo("/echo")).code(), NSURLErrorUnknown);
+    EXPECT_EQ(loading.data(orlftest::patientRequest("/echo")).code(), NSURLErrorUnknown);
   }
-  EXPECT_EQ(loading.data(patientRequestTo("/echo")).status(), 200);
+  EXPECT_EQ(loading.data(orlftest::patientRequest("/echo")).status(), 200);
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 #include <ORLFoundation/security/store/internal/StoreFile.h>
 
-#include <ORLFoundation/platform/crypto/SecRandom.h>
+#include <ORLFoundation/platform/crypto/SecRandom_testing.h>
 #include <ORLFoundation/platform/files/NSFileErrors.h>
 #include <ORLFoundation/platform/plist/NSPropertyListSerialization.h>
 #include <ORLFoundation/security/store/ORLFEncryptedStore_testing.h>
@@ -105,17 +105,10 @@ TEST_F(EncryptedStoreFile, ReadsListsOfOtherShapesAsTheyStand) {
   }
 }
 
-class ZeroSource final : public SecRandomSource {
- public:
-  bool copyBytes(std::span<std::uint8_t> bytes) override {
-    std::fill(bytes.begin(), bytes.end(), std::uint8_t{0});
-    return true;
-  }
-};
-
 // A vector of another length is none, and does not stand for zeros.
 TEST_F(EncryptedStoreFile, ReadsAListWithAVectorOfAnotherLengthAsItStands) {
-  const Replaced source(SecSetRandomSource, std::make_shared<ZeroSource>());
+  const Replaced source(SecSetRandomSource,
+                        std::make_shared<orlftest::SameRandomBytes>(std::uint8_t{0}));
   ASSERT_TRUE(Store::writeEncryptedPropertyList(contentWith("bank", {}), url(), "pw"));
   EXPECT_EQ(contentOf(), contentWith("bank", {}));
   for (const std::size_t length : {0U, 15U, 17U}) {
