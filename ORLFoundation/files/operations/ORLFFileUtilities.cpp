@@ -7,15 +7,14 @@
 namespace ORLFoundation {
 namespace {
 
-/// `stringByDeletingLastPathComponent`  The path without its last name, slashes at its end passed
-/// over: "/a" of "/a/b/", "/" of "/a", "" of "a".
+/// The path without its last name, slashes at its end passed over: "/a" of "/a/b/"; "" where only
+/// the root or nothing is left.
 std::string withoutLastComponent(std::string_view path) {
   const std::size_t nameEnd = path.find_last_not_of('/');
-  if (nameEnd == path.npos) return std::string(path.substr(0, 1));
-  const std::size_t slash = path.substr(0, nameEnd + 1).rfind('/');
+  const std::size_t slash = path.rfind('/', nameEnd);
   if (slash == path.npos) return {};
-  const std::size_t folderEnd = path.substr(0, slash).find_last_not_of('/');
-  return std::string(path.substr(0, folderEnd == path.npos ? 1 : folderEnd + 1));
+  const std::size_t folderEnd = path.find_last_not_of('/', slash);
+  return folderEnd == path.npos ? "" : std::string(path.substr(0, folderEnd + 1));
 }
 
 /// A path cut before the point of its extension; the extension is "" for none. A name that begins

@@ -76,6 +76,27 @@ TEST_F(FileUtilities, LookAtEveryFolderAboveAPath) {
   EXPECT_THAT(asked("///"), ElementsAre("///"));
 }
 
+TEST_F(FileUtilities, AskForTheSecondPathFirst) {
+  class Asked final : public NSFileManager {
+   public:
+    std::shared_ptr<NSDictionary> attributesOfItemAtPath(const std::string& path,
+                                                         NSErrorSlot error) const override {
+      asked.push_back(path);
+      NSFillErrorSlot(error, path, 1, "");
+      return nullptr;
+    }
+    mutable std::vector<std::string> asked;
+  };
+  const Asked manager;
+  Error error;
+  EXPECT_FALSE(orlfIsPathEquivalentToPath(manager, "first", "second", &error));
+  EXPECT_THAT(manager.asked, ElementsAre("second", "first"));
+  EXPECT_EQ(error->domain(), "first") << "the error of the last that failed";
+  manager.asked.clear();
+  EXPECT_FALSE(orlfIsPathAnsestorOfPath(manager, "first", "/a/b"));
+  EXPECT_THAT(manager.asked, ElementsAre("/a/b", "first", "/a", "first"));
+}
+
 TEST_F(FileUtilities, CreateFilesOfNewNames) {
   write("x", "old");
   write("a.txt", "old");
@@ -87,6 +108,28 @@ TEST_F(FileUtilities, CreateFilesOfNewNames) {
   EXPECT_EQ(createUniqueFileAtPath(manager_, path("free"), std::nullopt), path("free"));
   EXPECT_EQ(read("x") + read("x-1") + read("a-2.txt") + read("free"), "oldnewnew");
   EXPECT_FALSE(fs::exists(path("nowhere")));
+}
+
+TEST_F(FileUtilities, TakeSlashesAtTheEndForNoPartOfTheName) {
+  class Taken final : public NSFileManager {
+   public:
+    bool createNewFileAtPath(const std::string& path, const std::optional<NSData>&,
+                             const std::shared_ptr<NSDictionary>&) override {
+      tried.push_back(path);
+      return tried.size() == 2;
+    }
+    bool fileExistsAtPath(const std::string&) const override { return false; }
+    std::vector<std::string> tried;
+  };
+  const auto tried = [](const std::string& path) {
+    Taken manager;
+    const std::string made = createUniqueFileAtPath(manager, path, NSData("new"));
+    EXPECT_EQ(manager.tried.back(), made);
+    return manager.tried;
+  };
+  EXPECT_THAT(tried("/t/x.y//"), ElementsAre("/t/x.y//", "/t/x-1.y"));
+  EXPECT_THAT(tried("x/"), ElementsAre("x/", "x-1"));
+  EXPECT_THAT(tried("/"), ElementsAre("/", "/-1"));
 }
 
 TEST_F(FileUtilities, CountOnAsLongAsNoFileCanBeMade) {
